@@ -1,0 +1,16 @@
+# Warnings, sanitizers and what else every target of the project shares.
+add_library(kelm_options INTERFACE)
+target_compile_options(kelm_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wunused
+  $<$<BOOL:${KELM_WERROR}>:-Werror>
+  # Lets ccache keep what is compiled with a precompiled header.
+  $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+  $<$<CXX_COMPILER_ID:Clang>:-Xclang;-fno-pch-timestamp>)
+target_compile_definitions(kelm_options INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(KELM_SANITIZE)
+  target_compile_options(kelm_options INTERFACE
+    -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kelm_options INTERFACE -fsanitize=${KELM_SANITIZE})
+endif()

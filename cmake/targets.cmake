@@ -1,0 +1,40 @@
+# kelm_test(name [LIBRARIES lib...] [SOURCES file...] [TIMEOUT seconds])
+#
+# Builds tests/<folder>/<name>.cpp into one test program, registered with CTest under <folder>/<name> and labelled with
+# the folder. It links kelm_core unless LIBRARIES names something else.
+function(kelm_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;SOURCES" ${ARGN})
+  if(NOT ARG_LIBRARIES)
+    set(ARG_LIBRARIES kelm_core)
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} kelm_test_support Qt6::Test)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(${name} PRIVATE KELM_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/${folder})
+  add_test(NAME ${folder}/${name} COMMAND ${name})
+  # LC_ALL only names the encoding: what sorts and compares by locale is set by the test that needs it. The Qt platform
+  # without a window system stands in for the desktop, at a fixed scale.
+  set_tests_properties(${folder}/${name} PROPERTIES
+    LABELS ${folder}
+    TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=1;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/config;XDG_DATA_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/data;XDG_CACHE_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/cache;XDG_STATE_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/state")
+endfunction()
+
+# kelm_bench(name [LIBRARIES lib...]): one Google Benchmark program, bench/<folder>/<name>.cpp.
+function(kelm_bench name)
+  cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
+  if(NOT ARG_LIBRARIES)
+    set(ARG_LIBRARIES kelm_core)
+  endif()
+  add_executable(${name} ${name}.cpp)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/bench)
+  target_compile_definitions(${name} PRIVATE KELM_SOURCE_ROOT="${PROJECT_SOURCE_DIR}")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bench)
+  set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
+endfunction()
