@@ -38,3 +38,9 @@ function(kelm_bench name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bench)
   set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
 endfunction()
+
+# Runs moc again when files join or leave a target: its step knows the files of its last run alone, not those of the list.
+function(kelm_track_moc_files target)
+  set_property(TARGET ${target} APPEND PROPERTY AUTOGEN_TARGET_DEPENDS
+    ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_autogen.dir/AutogenInfo.json)
+endfunction()
