@@ -102,9 +102,21 @@ TextEdit LineIndex::replace(QStringView text, TextRange range, qsizetype newLeng
 
     std::vector<qsizetype> added;
     forEachLineEnd(text, after, [&added](qsizetype start) { added.push_back(start); });
-    const qsizetype firstRemoved = starts_.upperBound(before.location);
-    const qsizetype removedCount = starts_.upperBound(before.end()) - firstRemoved;
-    // The line that holds the start of what was looked at is where the change begins.
+    qsizetype firstRemoved = starts_.upperBound(before.location);
+    qsizetype removedCount = starts_.upperBound(before.end()) - firstRemoved;
+    // A line end right before or behind the replaced range that stayed one bounds the change: it is no part of it.
+    if (removedCount > 0 && !added.empty() && added.front() <= range.location &&
+        added.front() == starts_.at(firstRemoved)) {
+        added.erase(added.begin());
+        ++firstRemoved;
+        --removedCount;
+    }
+    const qsizetype lastRemoved = firstRemoved + removedCount - 1;
+    if (removedCount > 0 && !added.empty() && starts_.at(lastRemoved) > range.end() &&
+        added.back() == starts_.at(lastRemoved) + change) {
+        added.pop_back();
+        --removedCount;
+    }
     const qsizetype firstLine = firstRemoved - 1;
 
     const auto addedCount = static_cast<qsizetype>(added.size());

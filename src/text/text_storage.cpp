@@ -51,6 +51,7 @@ void TextStorage::replace(TextRange range, QStringView replacement)
     if (!pendingEdit_) {
         Q_EMIT willEdit();
     }
+    Q_EMIT willReplace(wanted, replacement);
     const qsizetype oddRemoved = LineIndex::countOdd(text_, LineIndex::affected(wanted, length()));
     text_.replace(wanted.location, wanted.length, replacement.data(), replacement.size());
     ++revision_;
@@ -70,6 +71,7 @@ void TextStorage::setText(const QString& text)
     if (!pendingEdit_) {
         Q_EMIT willEdit();
     }
+    Q_EMIT willReset();
     TextEdit edit{{0, length()}, text.size(), 0, lines_.lineCount(), 0};
     text_ = text;
     ++revision_;

@@ -56,6 +56,10 @@ public:
 Q_SIGNALS:
     /// Right before the first edit between `beginEditing` and `endEditing`; the text is still the old one.
     void willEdit();
+    /// Right before each single replacement, with offsets of that moment.
+    void willReplace(kelm::TextRange range, QStringView replacement);
+    /// Right before the whole text is put aside for another.
+    void willReset();
     /// The text has changed. One signal for all edits of a bracket.
     void edited(const kelm::TextEdit& edit);
     /// Colours have changed within the range and nowhere else.

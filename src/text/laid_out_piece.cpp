@@ -1,0 +1,152 @@
+#include "text/laid_out_piece.h"
+
+#include <cmath>
+
+#include <QPainter>
+
+namespace kelm {
+
+namespace {
+
+QList<QTextLayout::FormatRange> formatsFor(const std::vector<ColorRun>& colors)
+{
+    QList<QTextLayout::FormatRange> formats;
+    formats.reserve(static_cast<qsizetype>(colors.size()));
+    for (const ColorRun& run : colors) {
+        QTextLayout::FormatRange format;
+        format.start = static_cast<int>(run.range.location);
+        format.length = static_cast<int>(run.range.length);
+        format.format.setForeground(QColor::fromRgba(run.color));
+        formats.append(format);
+    }
+    return formats;
+}
+
+} // namespace
+
+LaidOutPiece::LaidOutPiece(const QString& text, const std::vector<ColorRun>& colors, const Preedit* preedit,
+                           const RowMetrics& metrics)
+    : layout_(text, metrics.font)
+{
+    layout_.setCacheEnabled(true);
+    if (preedit != nullptr) {
+        preeditStart_ = static_cast<int>(preedit->offset);
+        preeditLength_ = static_cast<int>(preedit->text.size());
+        preeditCursor_ = preedit->cursor.value_or(preeditLength_);
+        layout_.setPreeditArea(preeditStart_, preedit->text);
+        preeditFormats_ = preedit->formats;
+        for (QTextLayout::FormatRange& format : preeditFormats_) {
+            format.start += preeditStart_;
+        }
+    }
+    setColors(colors, metrics);
+}
+
+TextRange LaidOutPiece::rowRange(int row) const
+{
+    const QTextLine line = layout_.lineAt(row);
+    const qsizetype start = fromLayout(line.textStart());
+    return {start, fromLayout(line.textStart() + line.textLength()) - start};
+}
+
+int LaidOutPiece::rowAt(qsizetype offset, bool atRowEnd) const
+{
+    const int position = toLayout(offset);
+    const QTextLine line = layout_.lineForTextPosition(position);
+    const int row = line.isValid() ? line.lineNumber() : layout_.lineCount() - 1;
+    return atRowEnd && row > 0 && layout_.lineAt(row).textStart() == position ? row - 1 : row;
+}
+
+qreal LaidOutPiece::xAt(qsizetype offset, int row) const
+{
+    return layout_.lineAt(row).cursorToX(toLayout(offset));
+}
+
+qsizetype LaidOutPiece::offsetAt(qreal x, int row) const
+{
+    return fromLayout(layout_.lineAt(row).xToCursor(x));
+}
+
+std::pair<qreal, int> LaidOutPiece::preeditCaret() const
+{
+    const int position = preeditStart_ + preeditCursor_;
+    const QTextLine line = layout_.lineForTextPosition(position);
+    return line.isValid() ? std::pair{line.cursorToX(position), line.lineNumber()} : std::pair{qreal(0), 0};
+}
+
+void LaidOutPiece::rewrap(const RowMetrics& metrics)
+{
+    makeRows(metrics);
+}
+
+void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics)
+{
+    QList<QTextLayout::FormatRange> formats = formatsFor(colors);
+    if (preeditLength_ > 0) {
+        // Formats count over the text with the composition in it: what stands behind moves on, what goes across is split.
+        QList<QTextLayout::FormatRange> split;
+        for (QTextLayout::FormatRange format : std::as_const(formats)) {
+            const int before = std::clamp(preeditStart_ - format.start, 0, format.length);
+            if (before > 0) {
+                QTextLayout::FormatRange head = format;
+                head.length = before;
+                split.append(head);
+            }
+            if (before < format.length) {
+                format.start += before + preeditLength_;
+                format.length -= before;
+                split.append(format);
+            }
+        }
+        formats = split + preeditFormats_;
+    }
+    colorsAreStale = false;
+    if (layout_.lineCount() == 0 || formats != layout_.formats()) {
+        layout_.setFormats(formats);
+        makeRows(metrics);
+    }
+}
+
+void LaidOutPiece::paint(QPainter& painter, QPointF origin, const QRectF& clip) const
+{
+    layout_.draw(&painter, origin, {}, clip);
+}
+
+void LaidOutPiece::makeRows(const RowMetrics& metrics)
+{
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+    option.setTabStopDistance(metrics.tabStop);
+    layout_.setTextOption(option);
+    layout_.beginLayout();
+    qreal top = 0;
+    for (;;) {
+        QTextLine line = layout_.createLine();
+        if (!line.isValid()) {
+            break;
+        }
+        line.setLineWidth(metrics.width);
+        // A fallback font may stand higher than the editor's own: the base line is what all rows share.
+        line.setPosition({0, top + metrics.baseline - std::round(line.ascent())});
+        top += metrics.rowHeight;
+    }
+    layout_.endLayout();
+    wrappedFor = metrics.width;
+}
+
+int LaidOutPiece::toLayout(qsizetype offset) const
+{
+    const int position = static_cast<int>(offset);
+    return preeditLength_ > 0 && position > preeditStart_ ? position + preeditLength_ : position;
+}
+
+qsizetype LaidOutPiece::fromLayout(int position) const
+{
+    if (preeditLength_ == 0 || position <= preeditStart_) {
+        return position;
+    }
+    return std::max(preeditStart_, position - preeditLength_);
+}
+
+} // namespace kelm

@@ -1,0 +1,339 @@
+#include "text/text_editor.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QScopedValueRollback>
+
+#include "text/text_boundaries.h"
+
+namespace kelm {
+
+TextEditor::TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent)
+    : QObject(parent), storage_(storage), layout_(layout)
+{
+    connect(&storage, &TextStorage::willReplace, this, [this](TextRange range, QStringView replacement) {
+        if (!isOwnEdit_) {
+            history_.foreignEdit({range.location, storage_.substring(range), replacement.toString()});
+        }
+    });
+    connect(&storage, &TextStorage::willReset, this, [this] {
+        history_.clear();
+        Q_EMIT undoAvailabilityChanged();
+    });
+    connect(&storage, &TextStorage::edited, this, [this](const TextEdit& edit) {
+        if (!isOwnEdit_) {
+            SelectionSet carried = selections_;
+            carried.moveThrough(edit);
+            assignSelections(std::move(carried));
+        }
+    });
+}
+
+void TextEditor::setSelections(SelectionSet selections)
+{
+    std::vector<Selection> valid = selections.all();
+    for (Selection& selection : valid) {
+        selection.anchor = graphemeBoundaryAtOrBefore(storage_.text(), selection.anchor);
+        selection.head.offset = graphemeBoundaryAtOrBefore(storage_.text(), selection.head.offset);
+    }
+    selections.replaceAll(std::move(valid));
+    if (!(selections == selections_)) {
+        history_.endRun();
+    }
+    assignSelections(std::move(selections));
+}
+
+QStringList TextEditor::selectedTexts() const
+{
+    QStringList texts;
+    for (const Selection& selection : selections_.all()) {
+        if (!selection.isCaret()) {
+            texts.append(storage_.substring(selection.range()));
+        }
+    }
+    return texts;
+}
+
+void TextEditor::selectAll()
+{
+    setSelections(SelectionSet(Selection::over({0, storage_.length()})));
+}
+
+void TextEditor::move(Movement movement, Extend extend)
+{
+    SelectionSet next = selections_;
+    std::vector<Selection> all;
+    for (const Selection& selection : next.all()) {
+        all.push_back(moved(selection, movement, extend));
+    }
+    next.replaceAll(std::move(all));
+    history_.endRun();
+    assignSelections(std::move(next));
+}
+
+void TextEditor::addCarets(Movement direction)
+{
+    SelectionSet next = selections_;
+    for (const Selection& selection : selections_.all()) {
+        std::optional<qreal> goalX = selection.goalX;
+        const CaretPlace place = target(selection, direction, goalX);
+        if (place.offset != selection.head.offset) {
+            Selection caret = Selection::caret(place);
+            caret.goalX = goalX;
+            next.add(caret);
+        }
+    }
+    history_.endRun();
+    assignSelections(std::move(next));
+}
+
+void TextEditor::insertText(const QString& text, EditKind kind)
+{
+    if (!prepareEdit()) {
+        return;
+    }
+    std::vector<Change> changes;
+    for (const Selection& selection : selections_.all()) {
+        changes.push_back({selection.range(), text});
+    }
+    commit(changes, kind, false);
+}
+
+void TextEditor::paste(const QStringList& texts)
+{
+    if (!prepareEdit()) {
+        return;
+    }
+    const bool oneEach = texts.size() > 1 && texts.size() == static_cast<qsizetype>(selections_.all().size());
+    const QString joined = texts.join(u'\n');
+    std::vector<Change> changes;
+    for (const Selection& selection : selections_.all()) {
+        const auto index = static_cast<qsizetype>(changes.size());
+        changes.push_back({selection.range(), oneEach ? texts[index] : joined});
+    }
+    commit(changes, EditKind::other, false);
+}
+
+void TextEditor::erase(Movement movement)
+{
+    if (!prepareEdit()) {
+        return;
+    }
+    const bool hadText = selections_.hasText();
+    SelectionSet ranges = selections_;
+    std::vector<Selection> all;
+    for (const Selection& selection : ranges.all()) {
+        all.push_back(selection.isCaret() ? moved(selection, movement, Extend::yes) : selection);
+    }
+    // Two carets may reach for the same text.
+    ranges.replaceAll(std::move(all));
+    std::vector<Change> changes;
+    for (const Selection& selection : ranges.all()) {
+        changes.push_back({selection.range(), QString()});
+    }
+    EditKind kind = EditKind::other;
+    if (!hadText && movement == Movement::characterLeft) {
+        kind = EditKind::deletingBack;
+    } else if (!hadText && movement == Movement::characterRight) {
+        kind = EditKind::deletingAhead;
+    }
+    commit(changes, kind, false);
+}
+
+void TextEditor::apply(const std::vector<Change>& changes, EditKind kind)
+{
+    if (prepareEdit()) {
+        commit(changes, kind, false);
+    }
+}
+
+void TextEditor::applyAndSelect(const std::vector<Change>& changes)
+{
+    if (prepareEdit()) {
+        commit(changes, EditKind::other, true);
+    }
+}
+
+void TextEditor::undo()
+{
+    if (!prepareEdit()) {
+        return;
+    }
+    const std::optional<UndoStep> step = history_.takeUndo();
+    if (!step) {
+        return;
+    }
+    std::vector<Replacement> inverted;
+    std::transform(step->replacements.rbegin(), step->replacements.rend(), std::back_inserter(inverted),
+                   [](const Replacement& replacement) { return replacement.inverted(); });
+    replay(inverted, step->before);
+}
+
+void TextEditor::redo()
+{
+    if (!prepareEdit()) {
+        return;
+    }
+    if (const std::optional<UndoStep> step = history_.takeRedo()) {
+        replay(step->replacements, step->after);
+    }
+}
+
+bool TextEditor::prepareEdit()
+{
+    if (isReadOnly_) {
+        return false;
+    }
+    if (beforeEdit_) {
+        beforeEdit_();
+    }
+    return true;
+}
+
+void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted)
+{
+    UndoStep step;
+    step.before = selections_;
+    step.kind = kind;
+    std::vector<Selection> after;
+    bool changed = false;
+    {
+        const QScopedValueRollback own(isOwnEdit_, true);
+        const EditingBracket bracket(storage_);
+        qsizetype shift = 0;
+        for (const Change& change : changes) {
+            const TextRange range{change.range.location + shift, change.range.length};
+            Replacement replacement{range.location, storage_.substring(range), change.text};
+            storage_.replace(range, change.text);
+            const qsizetype end = range.location + change.text.size();
+            after.push_back(selectInserted ? Selection::over({range.location, change.text.size()})
+                                           : Selection::caret({end, false}));
+            shift += change.text.size() - range.length;
+            changed = changed || replacement.removed != replacement.inserted;
+            step.replacements.push_back(std::move(replacement));
+        }
+        selections_.replaceAll(std::move(after));
+    }
+    step.after = selections_;
+    if (changed) {
+        history_.push(std::move(step));
+    }
+    Q_EMIT selectionChanged();
+    if (changed) {
+        Q_EMIT textChanged();
+        Q_EMIT undoAvailabilityChanged();
+    }
+}
+
+void TextEditor::replay(const std::vector<Replacement>& replacements, const SelectionSet& selections)
+{
+    {
+        const QScopedValueRollback own(isOwnEdit_, true);
+        const EditingBracket bracket(storage_);
+        for (const Replacement& replacement : replacements) {
+            storage_.replace(replacement.oldRange(), replacement.inserted);
+        }
+        selections_ = selections;
+    }
+    Q_EMIT selectionChanged();
+    Q_EMIT textChanged();
+    Q_EMIT undoAvailabilityChanged();
+}
+
+void TextEditor::assignSelections(SelectionSet selections)
+{
+    const bool same = selections == selections_;
+    selections_ = std::move(selections);
+    if (!same) {
+        Q_EMIT selectionChanged();
+    }
+}
+
+Selection TextEditor::moved(const Selection& selection, Movement movement, Extend extend)
+{
+    Selection result = selection;
+    result.goalX.reset();
+    const TextRange range = selection.range();
+    const bool sideways = movement == Movement::characterLeft || movement == Movement::characterRight;
+    if (extend == Extend::no && sideways && !selection.isCaret()) {
+        // A selection collapses to its side first.
+        result.head = {movement == Movement::characterLeft ? range.location : range.end(), false};
+    } else {
+        std::optional<qreal> goalX = selection.goalX;
+        result.head = target(selection, movement, goalX);
+        const bool vertical = movement == Movement::rowUp || movement == Movement::rowDown ||
+                              movement == Movement::pageUp || movement == Movement::pageDown;
+        if (vertical) {
+            result.goalX = goalX;
+        }
+    }
+    if (extend == Extend::no) {
+        result.anchor = result.head.offset;
+    }
+    return result;
+}
+
+CaretPlace TextEditor::target(const Selection& selection, Movement movement, std::optional<qreal>& goalX)
+{
+    const QString& text = storage_.text();
+    const qsizetype offset = selection.head.offset;
+    const LineIndex& lines = storage_.lines();
+    switch (movement) {
+    case Movement::characterLeft:
+        return {previousGraphemeBoundary(text, offset), false};
+    case Movement::characterRight:
+        return {nextGraphemeBoundary(text, offset), false};
+    case Movement::wordLeft:
+        return {previousWordStart(text, offset), false};
+    case Movement::wordRight:
+        return {nextWordEnd(text, offset), false};
+    case Movement::rowUp:
+        return byRows(selection, -1, goalX);
+    case Movement::rowDown:
+        return byRows(selection, 1, goalX);
+    case Movement::pageUp:
+        return byRows(selection, -pageRows_, goalX);
+    case Movement::pageDown:
+        return byRows(selection, pageRows_, goalX);
+    case Movement::rowStart:
+        return {layout_.rowOf(selection.head).range.location, false};
+    case Movement::rowEnd: {
+        const TextRow row = layout_.rowOf(selection.head);
+        return {row.range.end(), !row.isLastOfLine};
+    }
+    case Movement::lineStart:
+        return {lines.start(lines.lineAt(offset)), false};
+    case Movement::lineEnd: {
+        const qsizetype line = lines.lineAt(offset);
+        const qsizetype end = lines.end(line);
+        const bool isLast = line + 1 == lines.lineCount();
+        return {isLast ? end : previousGraphemeBoundary(text, end), false};
+    }
+    case Movement::textStart:
+        return {0, false};
+    case Movement::textEnd:
+        return {storage_.length(), false};
+    }
+    return selection.head;
+}
+
+CaretPlace TextEditor::byRows(const Selection& selection, qsizetype rows, std::optional<qreal>& goalX)
+{
+    TextRow row = layout_.rowOf(selection.head);
+    if (!goalX) {
+        goalX = layout_.xInRow(row, selection.head.offset);
+    }
+    const int direction = rows < 0 ? -1 : 1;
+    for (qsizetype left = std::abs(rows); left > 0; --left) {
+        const std::optional<TextRow> next = layout_.neighbour(row, direction);
+        if (!next) {
+            // Past the first or last row the caret goes to the end of the text on that side.
+            return {direction < 0 ? 0 : storage_.length(), false};
+        }
+        row = *next;
+    }
+    return layout_.placeInRow(row, *goalX);
+}
+
+} // namespace kelm

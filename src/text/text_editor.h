@@ -1,0 +1,123 @@
+// Editing a text at one or several selections.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include <QObject>
+#include <QString>
+
+#include "text/selection.h"
+#include "text/text_layout.h"
+#include "text/text_storage.h"
+#include "text/undo_history.h"
+
+namespace kelm {
+
+/// Where a caret goes. Rows are what is seen, lines what the text holds.
+enum class Movement {
+    characterLeft,
+    characterRight,
+    wordLeft,
+    wordRight,
+    rowUp,
+    rowDown,
+    pageUp,
+    pageDown,
+    rowStart,
+    rowEnd,
+    lineStart,
+    lineEnd,
+    textStart,
+    textEnd
+};
+
+enum class Extend { no, yes };
+
+/// A range of the text and what is put in its place.
+struct Change
+{
+    TextRange range;
+    QString text;
+};
+
+/// All that a person does to a text, without the window: moving carets, typing, deleting, undoing. Every edit acts on all
+/// selections at once and is one undo step. Edits of the storage that others make go round the undo history; carets are
+/// carried over them.
+///
+/// Main thread only. Characters are user-perceived characters; offsets are UTF-16 units.
+class TextEditor final : public QObject
+{
+    Q_OBJECT
+
+public:
+    TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent = nullptr);
+
+    TextStorage& storage() { return storage_; }
+    const TextStorage& storage() const { return storage_; }
+
+    const SelectionSet& selections() const { return selections_; }
+    /// Offsets are clamped to the text and moved out of the middle of characters.
+    void setSelections(SelectionSet selections);
+    void select(TextRange range) { setSelections(SelectionSet(Selection::over(range))); }
+    TextRange selectedRange() const { return selections_.primary().range(); }
+    /// The selected texts in the order of the text.
+    QStringList selectedTexts() const;
+    void selectAll();
+
+    bool isReadOnly() const { return isReadOnly_; }
+    void setReadOnly(bool readOnly) { isReadOnly_ = readOnly; }
+    /// How many rows a page has.
+    void setPageRows(int rows) { pageRows_ = rows; }
+    /// Called before each edit by the user, which then acts on the text and the selections as the call left them.
+    void setBeforeEdit(std::function<void()> call) { beforeEdit_ = std::move(call); }
+
+    void move(Movement movement, Extend extend);
+    /// Adds a caret in the row above or below each one.
+    void addCarets(Movement direction);
+
+    /// Puts `text` in the place of every selection.
+    void insertText(const QString& text, EditKind kind);
+    /// Puts each text in the place of one selection where there are as many of both, else all of them, a line each, in the
+    /// place of every selection.
+    void paste(const QStringList& texts);
+    /// Deletes the selected text, or from each caret as far as the movement goes.
+    void erase(Movement movement);
+    /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change afterwards.
+    void apply(const std::vector<Change>& changes, EditKind kind);
+    /// As above, and then selects the text that was put in.
+    void applyAndSelect(const std::vector<Change>& changes);
+
+    void undo();
+    void redo();
+    bool canUndo() const { return !isReadOnly_ && history_.hasUndo(); }
+    bool canRedo() const { return !isReadOnly_ && history_.hasRedo(); }
+    /// The next edit begins an undo step of its own.
+    void endUndoRun() { history_.endRun(); }
+
+Q_SIGNALS:
+    void selectionChanged();
+    /// The user has changed the text; not sent for edits that others make.
+    void textChanged();
+    void undoAvailabilityChanged();
+
+private:
+    bool prepareEdit();
+    void commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted);
+    void replay(const std::vector<Replacement>& replacements, const SelectionSet& selections);
+    void assignSelections(SelectionSet selections);
+    Selection moved(const Selection& selection, Movement movement, Extend extend);
+    CaretPlace target(const Selection& selection, Movement movement, std::optional<qreal>& goalX);
+    CaretPlace byRows(const Selection& selection, qsizetype rows, std::optional<qreal>& goalX);
+
+    TextStorage& storage_;
+    TextLayout& layout_;
+    SelectionSet selections_;
+    UndoHistory history_;
+    std::function<void()> beforeEdit_;
+    bool isReadOnly_ = false;
+    bool isOwnEdit_ = false;
+    int pageRows_ = 1;
+};
+
+} // namespace kelm
