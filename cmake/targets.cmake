@@ -39,8 +39,17 @@ function(kelm_bench name)
   set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
 endfunction()
 
-# Runs moc again when files join or leave a target: its step knows the files of its last run alone, not those of the list.
+# Runs moc again when files join or leave a target: its step depends on the files of its last run alone, not on the list.
+# To be called when the target has all its sources.
 function(kelm_track_moc_files target)
-  set_property(TARGET ${target} APPEND PROPERTY AUTOGEN_TARGET_DEPENDS
-    ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_autogen.dir/AutogenInfo.json)
+  get_target_property(sources ${target} SOURCES)
+  set(list ${CMAKE_CURRENT_BINARY_DIR}/${target}_sources.txt)
+  set(known "")
+  if(EXISTS ${list})
+    file(READ ${list} known)
+  endif()
+  if(NOT known STREQUAL "${sources}")
+    file(WRITE ${list} "${sources}")
+    file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
+  endif()
 endfunction()

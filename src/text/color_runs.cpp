@@ -83,8 +83,8 @@ TextRange ColorRuns::assign(const std::vector<ColorRun>& runs)
     }
     TextRange changed;
     if (head < oldCount || head < newCount) {
-        // Behind the equal head the colours may differ from the earlier of the two next starts on, or, where the runs just
-        // went on longer than before, from the end of the last equal one.
+        // Behind the equal head the colours may differ from the earlier of the two next starts on, or, where the runs
+        // just went on longer than before, from the end of the last equal one.
         const qsizetype from = std::min(head < oldCount ? starts_.at(head) : length_,
                                         head < newCount ? starts[static_cast<std::size_t>(head)] : length_);
         qsizetype to = tail > 0 ? starts_.at(oldCount - tail) : length_;
@@ -119,8 +119,8 @@ void ColorRuns::textReplaced(TextRange range, qsizetype newLength)
         clear(length_ + newLength - range.length);
         return;
     }
-    // The runs that begin in or right behind the replaced range make way. What is left of the last of them begins behind the
-    // new text; at the top of the text it takes the new text in as well, and elsewhere the run before does.
+    // The runs that begin in or right behind the replaced range make way. What is left of the last of them begins
+    // behind the new text; at the top of the text it takes the new text in as well, and elsewhere the run before does.
     const qsizetype first = range.location > 0 ? runAt(range.location - 1) + 1 : 0;
     const qsizetype next = starts_.upperBound(range.end());
     std::vector<qsizetype> starts;

@@ -1,13 +1,13 @@
 // The colours of a text: one colour, or none, for each UTF-16 unit.
 #pragma once
 
-#include <optional>
-#include <vector>
+#include "text/shifted_offsets.h"
+#include "text/text_range.h"
 
 #include <QRgb>
 
-#include "text/shifted_offsets.h"
-#include "text/text_range.h"
+#include <optional>
+#include <vector>
 
 namespace kelm {
 

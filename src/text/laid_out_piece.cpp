@@ -1,8 +1,8 @@
 #include "text/laid_out_piece.h"
 
-#include <cmath>
-
 #include <QPainter>
+
+#include <cmath>
 
 namespace kelm {
 
@@ -83,7 +83,8 @@ void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetri
 {
     QList<QTextLayout::FormatRange> formats = formatsFor(colors);
     if (preeditLength_ > 0) {
-        // Formats count over the text with the composition in it: what stands behind moves on, what goes across is split.
+        // Formats count over the text with the composition in it: what stands behind moves on, what goes across is
+        // split.
         QList<QTextLayout::FormatRange> split;
         for (QTextLayout::FormatRange format : std::as_const(formats)) {
             const int before = std::clamp(preeditStart_ - format.start, 0, format.length);

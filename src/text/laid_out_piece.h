@@ -1,12 +1,12 @@
 // One line, or one piece of a long line, laid out in rows.
 #pragma once
 
-#include <vector>
+#include "text/color_runs.h"
+#include "text/text_range.h"
 
 #include <QTextLayout>
 
-#include "text/color_runs.h"
-#include "text/text_range.h"
+#include <vector>
 
 class QPainter;
 
@@ -34,8 +34,8 @@ struct RowMetrics
     qreal tabStop = 0;
 };
 
-/// The layout of one piece of text without a line terminator. Offsets count from the piece's start and leave a composition
-/// out of account; x counts from the left edge of the text, y from the top of the piece.
+/// The layout of one piece of text without a line terminator. Offsets count from the piece's start and leave a
+/// composition out of account; x counts from the left edge of the text, y from the top of the piece.
 class LaidOutPiece
 {
 public:

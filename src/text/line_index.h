@@ -1,17 +1,17 @@
 // Where the lines of a text begin.
 #pragma once
 
-#include <QStringView>
-
 #include "text/shifted_offsets.h"
 #include "text/text_range.h"
+
+#include <QStringView>
 
 namespace kelm {
 
 /// The starts of all lines of a text, kept right through edits without a second look at the whole text.
 ///
-/// A line ends behind a line feed, a carriage return, the pair of both, U+0085, U+2028 or U+2029; the last line ends at the
-/// end of the text and may be empty. Lines count from 0, and a text has always at least one.
+/// A line ends behind a line feed, a carriage return, the pair of both, U+0085, U+2028 or U+2029; the last line ends at
+/// the end of the text and may be empty. Lines count from 0, and a text has always at least one.
 class LineIndex
 {
 public:
@@ -29,8 +29,8 @@ public:
 
     void rebuild(QStringView text);
 
-    /// Takes over a replacement that `text`, as it now is, already holds: `range` of the old text became `newLength` units.
-    /// `oddRemoved` says how many of the replaced and adjoining line ends were odd (`countOdd` over `affected`).
+    /// Takes over a replacement that `text`, as it now is, already holds: `range` of the old text became `newLength`
+    /// units. `oddRemoved` says how many of the replaced and adjoining line ends were odd (`countOdd` over `affected`).
     TextEdit replace(QStringView text, TextRange range, qsizetype newLength, qsizetype oddRemoved);
 
     /// The range of the text that has to be looked at for a replacement of `range`: one unit more on each side, since a

@@ -1,11 +1,11 @@
 #include "text/line_pieces.h"
 
-#include <algorithm>
-#include <numeric>
+#include "text/text_boundaries.h"
 
 #include <QChar>
 
-#include "text/text_boundaries.h"
+#include <algorithm>
+#include <numeric>
 
 namespace kelm {
 

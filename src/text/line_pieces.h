@@ -1,17 +1,17 @@
 // Long lines, cut into pieces that are laid out one by one.
 #pragma once
 
-#include <map>
-#include <vector>
+#include "text/text_range.h"
 
 #include <QStringView>
 
-#include "text/text_range.h"
+#include <map>
+#include <vector>
 
 namespace kelm {
 
-/// The longest piece of a line that is laid out in one go, in UTF-16 units. Laying out a line takes time in proportion to
-/// its length; a piece of this size takes about a millisecond.
+/// The longest piece of a line that is laid out in one go, in UTF-16 units. Laying out a line takes time in proportion
+/// to its length; a piece of this size takes about a millisecond.
 constexpr qsizetype longestPiece = 4096;
 
 /// The pieces of one long line: where each begins, counted from the line's start, and how many rows it takes.
@@ -26,8 +26,8 @@ struct LinePieces
     qsizetype rowsBefore(std::size_t piece) const;
 };
 
-/// Cuts a line without its terminator into pieces of at most `longestPiece` units: behind a blank where there is one in the
-/// last quarter, else between two user-perceived characters, else at the limit, but never inside a surrogate pair.
+/// Cuts a line without its terminator into pieces of at most `longestPiece` units: behind a blank where there is one in
+/// the last quarter, else between two user-perceived characters, else at the limit, but never inside a surrogate pair.
 std::vector<qsizetype> cutIntoPieces(QStringView line);
 
 /// The pieces of all lines that are longer than one piece, by line number from 0.

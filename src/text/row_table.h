@@ -1,9 +1,9 @@
 // How many rows each line of a text takes, and where they stand.
 #pragma once
 
-#include <vector>
-
 #include <QtGlobal>
+
+#include <vector>
 
 namespace kelm {
 

@@ -1,11 +1,11 @@
 // Carets and selections.
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "text/text_layout.h"
 #include "text/text_range.h"
+
+#include <optional>
+#include <vector>
 
 namespace kelm {
 
@@ -26,8 +26,8 @@ struct Selection
     friend bool operator==(const Selection&, const Selection&) = default;
 };
 
-/// One or more selections in the order of the text, none touching the next. One of them, the last one that was made, is the
-/// primary: it is the one that is shown, reported and kept when only one may stay.
+/// One or more selections in the order of the text, none touching the next. One of them, the last one that was made, is
+/// the primary: it is the one that is shown, reported and kept when only one may stay.
 class SelectionSet
 {
 public:

@@ -1,15 +1,15 @@
 // A sorted list of offsets into a text, of which all behind an edit can be moved at once.
 #pragma once
 
-#include <vector>
-
 #include <QtGlobal>
+
+#include <vector>
 
 namespace kelm {
 
-/// Sorted offsets. Moving all offsets from one on costs nothing now: the move is remembered as one pending distance that
-/// holds for everything behind one index, and only the entries between the last edit and the next are ever touched. Typing
-/// at one place of a text of three million lines therefore touches none of them.
+/// Sorted offsets. Moving all offsets from one on costs nothing now: the move is remembered as one pending distance
+/// that holds for everything behind one index, and only the entries between the last edit and the next are ever
+/// touched. Typing at one place of a text of three million lines therefore touches none of them.
 class ShiftedOffsets
 {
 public:

@@ -1,9 +1,9 @@
 #include "text/text_boundaries.h"
 
-#include <algorithm>
-
 #include <QString>
 #include <QTextBoundaryFinder>
+
+#include <algorithm>
 
 namespace kelm {
 

@@ -1,11 +1,11 @@
 #include "text/text_editor.h"
 
-#include <algorithm>
-#include <utility>
+#include "text/text_boundaries.h"
 
 #include <QScopedValueRollback>
 
-#include "text/text_boundaries.h"
+#include <algorithm>
+#include <utility>
 
 namespace kelm {
 

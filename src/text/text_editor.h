@@ -1,16 +1,16 @@
 // Editing a text at one or several selections.
 #pragma once
 
-#include <functional>
-#include <vector>
-
-#include <QObject>
-#include <QString>
-
 #include "text/selection.h"
 #include "text/text_layout.h"
 #include "text/text_storage.h"
 #include "text/undo_history.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <vector>
 
 namespace kelm {
 
@@ -41,9 +41,9 @@ struct Change
     QString text;
 };
 
-/// All that a person does to a text, without the window: moving carets, typing, deleting, undoing. Every edit acts on all
-/// selections at once and is one undo step. Edits of the storage that others make go round the undo history; carets are
-/// carried over them.
+/// All that a person does to a text, without the window: moving carets, typing, deleting, undoing. Every edit acts on
+/// all selections at once and is one undo step. Edits of the storage that others make go round the undo history; carets
+/// are carried over them.
 ///
 /// Main thread only. Characters are user-perceived characters; offsets are UTF-16 units.
 class TextEditor final : public QObject
@@ -78,12 +78,13 @@ public:
 
     /// Puts `text` in the place of every selection.
     void insertText(const QString& text, EditKind kind);
-    /// Puts each text in the place of one selection where there are as many of both, else all of them, a line each, in the
-    /// place of every selection.
+    /// Puts each text in the place of one selection where there are as many of both, else all of them, a line each, in
+    /// the place of every selection.
     void paste(const QStringList& texts);
     /// Deletes the selected text, or from each caret as far as the movement goes.
     void erase(Movement movement);
-    /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change afterwards.
+    /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change
+    /// afterwards.
     void apply(const std::vector<Change>& changes, EditKind kind);
     /// As above, and then selects the text that was put in.
     void applyAndSelect(const std::vector<Change>& changes);

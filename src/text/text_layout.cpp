@@ -1,10 +1,10 @@
 #include "text/text_layout.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include <QFontMetricsF>
 #include <QPainter>
+
+#include <algorithm>
+#include <cmath>
 
 namespace kelm {
 
@@ -31,8 +31,7 @@ void TextLayout::setFont(const QFont& font)
     metrics_.font = font;
     const QFontMetricsF measure(font);
     metrics_.rowHeight = std::ceil(measure.ascent() + measure.descent());
-    metrics_.baseline =
-        std::round((metrics_.rowHeight - measure.ascent() - measure.descent()) / 2 + measure.ascent());
+    metrics_.baseline = std::round((metrics_.rowHeight - measure.ascent() - measure.descent()) / 2 + measure.ascent());
     advance_ = std::max<qreal>(1, measure.horizontalAdvance(u'0'));
     metrics_.tabStop = advance_ * columnsPerTab;
     pieces_.clear();
@@ -142,9 +141,8 @@ std::optional<TextRow> TextLayout::neighbour(const TextRow& row, int direction)
     if (piece.key.piece == 0 && piece.key.line == 0) {
         return {};
     }
-    const PieceKey above = piece.key.piece > 0
-                               ? PieceKey{piece.key.line, piece.key.piece - 1}
-                               : PieceKey{piece.key.line - 1, pieceCount(piece.key.line - 1) - 1};
+    const PieceKey above = piece.key.piece > 0 ? PieceKey{piece.key.line, piece.key.piece - 1}
+                                               : PieceKey{piece.key.line - 1, pieceCount(piece.key.line - 1) - 1};
     const PlacedPiece previous = ensure(above);
     return rowIn(previous, previous.layout->rowCount() - 1);
 }
@@ -188,7 +186,8 @@ void TextLayout::textEdited(const TextEdit& edit)
     }
     const qsizetype shift = edit.linesAdded - edit.linesRemoved;
     // Pieces of the touched lines are laid out anew, those behind keep their layout under another line number.
-    pieces_.erase(pieces_.lower_bound({edit.firstLine, 0}), pieces_.lower_bound({edit.firstLine + edit.linesRemoved, 0}));
+    pieces_.erase(pieces_.lower_bound({edit.firstLine, 0}),
+                  pieces_.lower_bound({edit.firstLine + edit.linesRemoved, 0}));
     if (shift != 0) {
         std::map<PieceKey, std::unique_ptr<LaidOutPiece>> moved;
         for (auto piece = pieces_.lower_bound({edit.firstLine, 0}); piece != pieces_.end();) {
@@ -227,8 +226,8 @@ void TextLayout::longLineEdited(const TextEdit& edit)
         pieces.starts[piece] += edit.changeInLength();
     }
     const auto replaceIn = [first, last](auto& list, const auto& with) {
-        const auto at = list.erase(list.begin() + static_cast<qsizetype>(first),
-                                   list.begin() + static_cast<qsizetype>(last) + 1);
+        const auto at =
+            list.erase(list.begin() + static_cast<qsizetype>(first), list.begin() + static_cast<qsizetype>(last) + 1);
         list.insert(at, with.begin(), with.end());
     };
     replaceIn(pieces.starts, fresh.starts);

@@ -1,20 +1,20 @@
 // Where the text of a storage stands on an endless page of a given width.
 #pragma once
 
-#include <map>
-#include <memory>
-#include <optional>
-#include <vector>
+#include "text/laid_out_piece.h"
+#include "text/line_pieces.h"
+#include "text/row_table.h"
+#include "text/text_storage.h"
 
 #include <QFont>
 #include <QObject>
 #include <QPointF>
 #include <QRectF>
 
-#include "text/laid_out_piece.h"
-#include "text/line_pieces.h"
-#include "text/row_table.h"
-#include "text/text_storage.h"
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
 
 class QPainter;
 
@@ -41,13 +41,14 @@ struct CaretPlace
     friend bool operator==(CaretPlace, CaretPlace) = default;
 };
 
-/// Rows of one fixed height, wrapped at the page's width. Lines are laid out when they are asked for and kept while they are
-/// near; for all others the number of rows is an estimate from their length. When a line turns out to have another number of
-/// rows, everything below it moves: whoever shows a part of the page remembers its place as a line and a distance
+/// Rows of one fixed height, wrapped at the page's width. Lines are laid out when they are asked for and kept while
+/// they are near; for all others the number of rows is an estimate from their length. When a line turns out to have
+/// another number of rows, everything below it moves: whoever shows a part of the page remembers its place as a line
+/// and a distance
 /// (`PagePlace`), not as a y.
 ///
-/// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each beginning a
-/// row. Main thread only.
+/// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each
+/// beginning a row. Main thread only.
 class TextLayout final : public QObject
 {
     Q_OBJECT

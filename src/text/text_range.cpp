@@ -25,8 +25,8 @@ struct Span
 
 TextEdit TextEdit::followedBy(const TextEdit& next) const
 {
-    const Span units =
-        Span{range.location, range.length, newLength}.followedBy({next.range.location, next.range.length, next.newLength});
+    const Span units = Span{range.location, range.length, newLength}.followedBy(
+        {next.range.location, next.range.length, next.newLength});
     const Span lines =
         Span{firstLine, linesRemoved, linesAdded}.followedBy({next.firstLine, next.linesRemoved, next.linesAdded});
     return {{units.start, units.oldCount}, units.newCount, lines.start, lines.oldCount, lines.newCount};

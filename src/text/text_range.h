@@ -1,9 +1,9 @@
 // A stretch of text, in UTF-16 units.
 #pragma once
 
-#include <algorithm>
-
 #include <QtGlobal>
+
+#include <algorithm>
 
 namespace kelm {
 
@@ -36,9 +36,9 @@ struct TextRange
 
 /// What one edit did, told in a form from which offsets, line numbers and caches can be carried over.
 ///
-/// The old text's `range` was replaced by `newLength` units. The old lines `firstLine` to `firstLine + linesRemoved - 1`
-/// were replaced by the new lines `firstLine` to `firstLine + linesAdded - 1`; lines count from 0 here, both counts are at
-/// least 1, and every other line kept its text.
+/// The old text's `range` was replaced by `newLength` units. The old lines `firstLine` to `firstLine + linesRemoved -
+/// 1` were replaced by the new lines `firstLine` to `firstLine + linesAdded - 1`; lines count from 0 here, both counts
+/// are at least 1, and every other line kept its text.
 struct TextEdit
 {
     TextRange range;
@@ -50,8 +50,8 @@ struct TextEdit
     qsizetype changeInLength() const { return newLength - range.length; }
     TextRange newRange() const { return {range.location, newLength}; }
 
-    /// Where an offset of the old text stands in the new one. What stood inside the replaced range goes to its new end, and
-    /// so does an offset right at an insertion when `leansRight`.
+    /// Where an offset of the old text stands in the new one. What stood inside the replaced range goes to its new end,
+    /// and so does an offset right at an insertion when `leansRight`.
     qsizetype moved(qsizetype offset, bool leansRight = true) const
     {
         if (offset < range.location || (offset == range.location && !leansRight)) {

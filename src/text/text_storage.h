@@ -1,23 +1,23 @@
 // The text of one editor, with its line index and its colours.
 #pragma once
 
-#include <vector>
-
-#include <QObject>
-#include <QString>
-
 #include "text/color_runs.h"
 #include "text/line_index.h"
 #include "text/text_range.h"
 
+#include <QObject>
+#include <QString>
+
+#include <vector>
+
 namespace kelm {
 
-/// One UTF-16 text that is edited in place. Whatever is put in comes out unit for unit: nothing is normalised, repaired or
-/// dropped, be it a carriage return, a NUL, a byte-order mark or an unpaired surrogate.
+/// One UTF-16 text that is edited in place. Whatever is put in comes out unit for unit: nothing is normalised, repaired
+/// or dropped, be it a carriage return, a NUL, a byte-order mark or an unpaired surrogate.
 ///
-/// The text is one flat string. Inserting into it moves the units behind once; a second holder of the same shared string
-/// would make each edit copy the whole text first, so nobody keeps what `text()` returns across an edit. Who must keep it
-/// lets go in `willEdit` and takes it back in `edited`.
+/// The text is one flat string. Inserting into it moves the units behind once; a second holder of the same shared
+/// string would make each edit copy the whole text first, so nobody keeps what `text()` returns across an edit. Who
+/// must keep it lets go in `willEdit` and takes it back in `edited`.
 ///
 /// Main thread only. Offsets outside the text are clamped to it.
 class TextStorage final : public QObject
@@ -36,8 +36,8 @@ public:
     /// Grows with every edit of the text.
     quint64 revision() const { return revision_; }
 
-    /// The range of the lines that `range` touches, terminators included. A line end that `range` stops right behind does
-    /// not touch the next line.
+    /// The range of the lines that `range` touches, terminators included. A line end that `range` stops right behind
+    /// does not touch the next line.
     TextRange lineRange(TextRange range) const;
 
     /// Puts edits and colour changes until the matching `endEditing` into one signal of each kind. Calls nest.

@@ -13,8 +13,8 @@ bool isOutside(TextRange edit, TextRange range)
     return edit.end() <= range.location || edit.location >= range.end();
 }
 
-/// Moves a foreign edit, told in the text after `step`, to the text before it, and the step to the text with the edit in
-/// it. False where both touch the same text.
+/// Moves a foreign edit, told in the text after `step`, to the text before it, and the step to the text with the edit
+/// in it. False where both touch the same text.
 bool exchange(Replacement& foreign, Replacement& step)
 {
     if (!isOutside(foreign.oldRange(), step.newRange())) {
@@ -37,8 +37,8 @@ void moveThrough(SelectionSet& selections, const Replacement& foreign)
     selections.moveThrough(edit);
 }
 
-/// Carries the steps, the next to be taken last, over a foreign edit. `inverted` says whether their replacements are the
-/// way back (undo) or the way ahead (redo) from the text of now.
+/// Carries the steps, the next to be taken last, over a foreign edit. `inverted` says whether their replacements are
+/// the way back (undo) or the way ahead (redo) from the text of now.
 void carrySteps(std::vector<UndoStep>& steps, Replacement foreign, bool backwards)
 {
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {

@@ -1,13 +1,13 @@
 // What can be undone and redone.
 #pragma once
 
-#include <optional>
-#include <vector>
+#include "text/selection.h"
+#include "text/text_range.h"
 
 #include <QString>
 
-#include "text/selection.h"
-#include "text/text_range.h"
+#include <optional>
+#include <vector>
 
 namespace kelm {
 
@@ -26,11 +26,11 @@ struct Replacement
 };
 
 enum class EditKind {
-    typing,         ///< characters typed, one after the other
-    deletingBack,   ///< backspace
-    deletingAhead,  ///< forward delete
-    composing,      ///< what an input method puts in, and the selection that made way for it
-    other           ///< paste, drop, replace: always a step of its own
+    typing,        ///< characters typed, one after the other
+    deletingBack,  ///< backspace
+    deletingAhead, ///< forward delete
+    composing,     ///< what an input method puts in, and the selection that made way for it
+    other          ///< paste, drop, replace: always a step of its own
 };
 
 /// One step: replacements in the order in which they were made, and the selections before and after.
@@ -42,12 +42,12 @@ struct UndoStep
     EditKind kind = EditKind::other;
 };
 
-/// The steps of one text. A run of edits of one kind at adjoining places is one step; a moved caret, another kind of edit,
-/// `endRun` and a line break typed end it.
+/// The steps of one text. A run of edits of one kind at adjoining places is one step; a moved caret, another kind of
+/// edit, `endRun` and a line break typed end it.
 ///
 /// Edits that go round the history, as a fold does, are told with `foreignEdit`. One that is taken back again leaves no
-/// trace. For the others the steps are carried over the foreign edit where they touch other text, and forgotten from the
-/// first step on that touches the same.
+/// trace. For the others the steps are carried over the foreign edit where they touch other text, and forgotten from
+/// the first step on that touches the same.
 class UndoHistory
 {
 public:

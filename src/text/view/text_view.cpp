@@ -1,0 +1,463 @@
+#include "text/view/text_view.h"
+
+#include "platform/main_queue.h"
+#include "text/view/text_view_accessible.h"
+#include "text/view/text_view_input_method.h"
+#include "text/view/text_view_keys.h"
+#include "text/view/text_view_mouse.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyleHints>
+
+#include <cmath>
+
+namespace kelm {
+
+namespace {
+
+/// Distance of the letters from the inset on both sides, so that a caret before the first letter is seen whole.
+constexpr qreal sidePadding = 5;
+
+} // namespace
+
+TextView::TextView(QWidget* parent)
+    : QAbstractScrollArea(parent),
+      layout_(storage_),
+      editor_(storage_, layout_),
+      mouse_(std::make_unique<TextViewMouse>(*this)),
+      inputMethod_(std::make_unique<TextViewInputMethod>(*this))
+{
+    installAccessibleTextViewFactory();
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // A bar that came and went would change the width, and with it the number of rows that calls for the bar.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setAttribute(Qt::WA_KeyCompression);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setCursor(Qt::IBeamCursor);
+    setAcceptDrops(true);
+
+    connect(&storage_, &TextStorage::edited, this, &TextView::textEdited);
+    connect(&storage_, &TextStorage::attributesChanged, viewport(), qOverload<>(&QWidget::update));
+    connect(&layout_, &TextLayout::rowsCorrected, this, &TextView::queueScrollSync);
+    connect(&editor_, &TextEditor::selectionChanged, this, &TextView::selectionChanged);
+    connect(&editor_, &TextEditor::textChanged, this, [this] {
+        if (delegate_ != nullptr) {
+            delegate_->textDidChange();
+        }
+    });
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
+        if (!isSyncingScrollBar_) {
+            setAnchor(value);
+        }
+    });
+    updateWrapWidth();
+}
+
+TextView::~TextView() = default;
+
+void TextView::setSelectedRange(TextRange range)
+{
+    editor_.select(range.clampedTo(storage_.length()));
+}
+
+void TextView::setReadOnly(bool readOnly)
+{
+    editor_.setReadOnly(readOnly);
+    setAttribute(Qt::WA_InputMethodEnabled, !readOnly);
+    viewport()->update();
+}
+
+void TextView::setColors(const TextViewColors& colors)
+{
+    colors_ = colors;
+    viewport()->update();
+}
+
+void TextView::setTextFont(const QFont& font)
+{
+    layout_.setFont(font);
+    verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
+    updateWrapWidth();
+    viewport()->update();
+}
+
+void TextView::setTextInset(QSizeF inset)
+{
+    inset_ = inset;
+    updateWrapWidth();
+}
+
+void TextView::setHighlights(std::vector<TextHighlight> highlights)
+{
+    highlights_ = std::move(highlights);
+    viewport()->update();
+}
+
+QRectF TextView::visibleRect() const
+{
+    return {0, scrollY(), static_cast<qreal>(viewport()->width()), static_cast<qreal>(viewport()->height())};
+}
+
+qreal TextView::pageHeight() const
+{
+    return layout_.height() + 2 * inset_.height();
+}
+
+std::vector<TextRow> TextView::visibleRows()
+{
+    // The line at the top may turn out to be shorter than was estimated.
+    const qreal top = scrollY() - inset_.height();
+    std::vector<TextRow> rows = layout_.rowsBetween(top, top + viewport()->height());
+    const qreal topNow = scrollY() - inset_.height();
+    for (TextRow& row : rows) {
+        row.top -= topNow;
+    }
+    return rows;
+}
+
+void TextView::scrollToY(qreal y)
+{
+    const qreal last = std::max<qreal>(0, pageHeight() - viewport()->height());
+    setAnchor(std::clamp<qreal>(y, 0, last));
+    syncScrollBar();
+}
+
+void TextView::scrollRangeToVisible(TextRange range)
+{
+    // Laying out the lines on the way may move the target, so that it is looked at twice.
+    for (int round = 0; round < 2; ++round) {
+        const QRectF end = layout_.caretRect({range.end(), false});
+        const QRectF start = layout_.caretRect({range.location, false});
+        const qreal height = viewport()->height() - 2 * inset_.height();
+        const qreal top = scrollY();
+        qreal wanted = top;
+        if (end.bottom() + 2 * inset_.height() > top + viewport()->height()) {
+            wanted = end.bottom() + 2 * inset_.height() - viewport()->height();
+        }
+        if (start.top() < wanted || end.bottom() - start.top() > height) {
+            wanted = std::min(wanted, start.top());
+        }
+        if (wanted == top) {
+            return;
+        }
+        // What is far away is shown in the middle, with its surroundings.
+        const bool isFar = wanted > top + viewport()->height() || wanted < top - viewport()->height();
+        scrollToY(isFar ? start.top() - viewport()->height() / 2.0 : wanted);
+    }
+}
+
+CaretPlace TextView::placeAt(QPoint point)
+{
+    const QPointF origin = pageOrigin();
+    return layout_.placeAt(QPointF(point) - origin);
+}
+
+QRectF TextView::caretRect(CaretPlace place)
+{
+    const QRectF onPage = layout_.caretRect(place);
+    return onPage.translated(pageOrigin());
+}
+
+void TextView::commitComposition()
+{
+    inputMethod_->commit();
+}
+
+QMenu* TextView::makeContextMenu()
+{
+    auto* menu = new QMenu(this);
+    const auto add = [&](const QString& label, QKeySequence::StandardKey key, auto slot, bool enabled) {
+        QAction* action = menu->addAction(label, this, slot);
+        action->setShortcut(QKeySequence(key));
+        action->setEnabled(enabled);
+    };
+    const bool hasText = editor_.selections().hasText();
+    add(tr("Undo"), QKeySequence::Undo, &TextView::undo, editor_.canUndo());
+    add(tr("Redo"), QKeySequence::Redo, &TextView::redo, editor_.canRedo());
+    menu->addSeparator();
+    add(tr("Cut"), QKeySequence::Cut, &TextView::cut, hasText && !isReadOnly());
+    add(tr("Copy"), QKeySequence::Copy, &TextView::copy, hasText);
+    add(tr("Paste"), QKeySequence::Paste, &TextView::paste, !isReadOnly());
+    add(tr("Delete"), QKeySequence::Delete, &TextView::deleteSelection, hasText && !isReadOnly());
+    menu->addSeparator();
+    add(tr("Select All"), QKeySequence::SelectAll, &TextView::selectAll, storage_.length() > 0);
+    return menu;
+}
+
+QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    return inputMethod_->query(query);
+}
+
+void TextView::undo()
+{
+    commitComposition();
+    editor_.undo();
+    showCaret();
+}
+
+void TextView::redo()
+{
+    commitComposition();
+    editor_.redo();
+    showCaret();
+}
+
+void TextView::deleteSelection()
+{
+    if (editor_.selections().hasText()) {
+        editor_.erase(Movement::characterRight);
+        showCaret();
+    }
+}
+
+void TextView::selectAll()
+{
+    commitComposition();
+    editor_.selectAll();
+}
+
+bool TextView::keyDown(QKeyEvent* /*event*/)
+{
+    return false;
+}
+
+bool TextView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (keyActionFor(*key) || insertsText(*key)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+void TextView::keyPressEvent(QKeyEvent* event)
+{
+    if (keyDown(event)) {
+        event->accept();
+        return;
+    }
+    if (const auto action = keyActionFor(*event)) {
+        event->accept();
+        runKeyAction(*action);
+        return;
+    }
+    if (insertsText(*event)) {
+        event->accept();
+        if (!isReadOnly()) {
+            commitComposition();
+            QString typed = event->text();
+            if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+                typed = QStringLiteral("\n");
+            }
+            editor_.insertText(typed, EditKind::typing);
+            showCaret();
+        }
+        return;
+    }
+    QAbstractScrollArea::keyPressEvent(event);
+}
+
+void TextView::runKeyAction(int action)
+{
+    commitComposition();
+    editor_.setPageRows(std::max(1, static_cast<int>(viewport()->height() / layout_.rowHeight()) - 1));
+    const KeyAction& entry = keyActions()[static_cast<std::size_t>(action)];
+    switch (entry.kind) {
+    case KeyAction::Kind::move:
+        editor_.move(entry.movement, entry.extend);
+        break;
+    case KeyAction::Kind::erase:
+        editor_.erase(entry.movement);
+        break;
+    case KeyAction::Kind::addCaret:
+        editor_.addCarets(entry.movement);
+        break;
+    case KeyAction::Kind::slot:
+        (this->*entry.slot)();
+        return;
+    }
+    showCaret();
+}
+
+void TextView::resizeEvent(QResizeEvent* event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    updateWrapWidth();
+}
+
+void TextView::scrollContentsBy(int /*dx*/, int /*dy*/)
+{
+    viewport()->update();
+}
+
+void TextView::focusInEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    restartBlink();
+}
+
+void TextView::focusOutEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    // A menu that pops up over the text does not end what is being composed.
+    if (event->reason() != Qt::PopupFocusReason) {
+        commitComposition();
+        editor_.endUndoRun();
+    }
+    blinkTimer_.stop();
+    viewport()->update();
+}
+
+void TextView::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == blinkTimer_.timerId()) {
+        isCaretOn_ = !isCaretOn_;
+        for (const Selection& selection : editor_.selections().all()) {
+            viewport()->update(caretBox(selection.head).toAlignedRect());
+        }
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+void TextView::inputMethodEvent(QInputMethodEvent* event)
+{
+    inputMethod_->handle(event);
+}
+
+void TextView::contextMenuEvent(QContextMenuEvent* event)
+{
+    commitComposition();
+    const std::unique_ptr<QMenu> menu(makeContextMenu());
+    menu->exec(event->reason() == QContextMenuEvent::Keyboard
+                   ? viewport()->mapToGlobal(caretBox(editor_.selections().primary().head).bottomLeft().toPoint())
+                   : event->globalPos());
+}
+
+bool TextView::focusNextPrevChild(bool next)
+{
+    // Tab is typed where the text can be changed.
+    return isReadOnly() && QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void TextView::textEdited(const TextEdit& edit)
+{
+    if (anchorLine_ >= edit.firstLine + edit.linesRemoved) {
+        anchorLine_ += edit.linesAdded - edit.linesRemoved;
+    } else if (anchorLine_ > edit.firstLine) {
+        anchorLine_ = std::min(anchorLine_, edit.firstLine + edit.linesAdded - 1);
+    }
+    for (TextHighlight& highlight : highlights_) {
+        const qsizetype start = edit.moved(highlight.range.location);
+        highlight.range = TextRange::between(start, std::max(start, edit.moved(highlight.range.end(), false)));
+    }
+    syncScrollBar();
+    notifyAccessibleEdit(*this, edit);
+    viewport()->update();
+}
+
+void TextView::selectionChanged()
+{
+    restartBlink();
+    viewport()->update();
+    Q_EMIT copyAvailable(editor_.selections().hasText());
+    notifyAccessibleSelection(*this);
+    updateMicroFocus();
+    if (delegate_ != nullptr) {
+        delegate_->textViewDidChangeSelection();
+    }
+}
+
+qreal TextView::scrollY() const
+{
+    return inset_.height() + layout_.topOfLine(anchorLine_) + anchorOffset_;
+}
+
+void TextView::setAnchor(qreal y)
+{
+    const qreal onPage = y - inset_.height();
+    anchorLine_ = layout_.lineAtY(onPage);
+    anchorOffset_ = onPage - layout_.topOfLine(anchorLine_);
+    viewport()->update();
+    Q_EMIT visibleRectChanged();
+}
+
+void TextView::syncScrollBar()
+{
+    QScrollBar* bar = verticalScrollBar();
+    const auto last = static_cast<int>(std::max<qreal>(0, std::ceil(pageHeight() - viewport()->height())));
+    const qreal before = scrollY();
+    {
+        const QScopedValueRollback syncing(isSyncingScrollBar_, true);
+        bar->setPageStep(viewport()->height());
+        bar->setRange(0, last);
+        bar->setValue(static_cast<int>(std::lround(std::clamp<qreal>(before, 0, last))));
+    }
+    if (before < 0 || before > last) {
+        setAnchor(std::clamp<qreal>(before, 0, last));
+    } else {
+        Q_EMIT visibleRectChanged();
+    }
+}
+
+void TextView::queueScrollSync()
+{
+    if (isScrollSyncQueued_) {
+        return;
+    }
+    isScrollSyncQueued_ = true;
+    onMainQueue(this, [this] {
+        isScrollSyncQueued_ = false;
+        syncScrollBar();
+        viewport()->update();
+    });
+}
+
+void TextView::updateWrapWidth()
+{
+    layout_.setWidth(viewport()->width() - 2 * (inset_.width() + sidePadding));
+    // The line at the top may have fewer rows now.
+    anchorOffset_ = std::min(anchorOffset_, layout_.topOfLine(anchorLine_ + 1) - layout_.topOfLine(anchorLine_));
+    syncScrollBar();
+    viewport()->update();
+}
+
+void TextView::restartBlink()
+{
+    isCaretOn_ = true;
+    const int flashTime = QGuiApplication::styleHints()->cursorFlashTime();
+    if (hasFocus() && flashTime >= 2) {
+        blinkTimer_.start(flashTime / 2, this);
+    } else {
+        blinkTimer_.stop();
+    }
+}
+
+void TextView::showCaret()
+{
+    scrollRangeToVisible({editor_.selections().primary().head.offset, 0});
+}
+
+void TextView::showDropCaret(std::optional<CaretPlace> place)
+{
+    dropCaret_ = place;
+    viewport()->update();
+}
+
+QPointF TextView::pageOrigin() const
+{
+    return {inset_.width() + sidePadding, inset_.height() - scrollY()};
+}
+
+} // namespace kelm

@@ -1,0 +1,191 @@
+// The widget that shows and edits a text.
+#pragma once
+
+#include "text/text_editor.h"
+#include "text/text_layout.h"
+#include "text/text_storage.h"
+
+#include <QAbstractScrollArea>
+#include <QBasicTimer>
+#include <QColor>
+#include <QPointer>
+
+#include <memory>
+#include <vector>
+
+class QMenu;
+
+namespace kelm {
+
+class TextViewInputMethod;
+class TextViewMouse;
+
+/// What the owner of a text view is told.
+class TextViewDelegate
+{
+public:
+    virtual ~TextViewDelegate() = default;
+
+    /// The user has changed the text. Not sent for edits of the storage that others make.
+    virtual void textDidChange() = 0;
+    virtual void textViewDidChangeSelection() = 0;
+};
+
+struct TextViewColors
+{
+    QColor background = Qt::white;
+    QColor text = Qt::black;
+    QColor insertionPoint = Qt::black;
+    QColor selection = QColor(0, 122, 255, 102);
+};
+
+/// Text stretches that are marked behind the letters, such as what a search has found.
+struct TextHighlight
+{
+    TextRange range;
+    QColor color;
+};
+
+/// A plain text in one font, wrapped at the view's width and scrolled by pixels. The view owns its storage, its layout
+/// and its editor and asks them; keys, mouse, input methods, the clipboard, painting and accessibility are parts with
+/// files of their own.
+///
+/// Places on the page are told as y from the top of the text, the inset included, in device-independent pixels.
+class TextView : public QAbstractScrollArea
+{
+    Q_OBJECT
+    Q_PROPERTY(bool readOnly READ isReadOnly WRITE setReadOnly)
+
+public:
+    explicit TextView(QWidget* parent = nullptr);
+    ~TextView() override;
+
+    TextStorage& storage() { return storage_; }
+    const TextStorage& storage() const { return storage_; }
+    TextLayout& textLayout() { return layout_; }
+    TextEditor& editor() { return editor_; }
+    const TextEditor& editor() const { return editor_; }
+
+    void setDelegate(TextViewDelegate* delegate) { delegate_ = delegate; }
+
+    const QString& text() const { return storage_.text(); }
+    TextRange selectedRange() const { return editor_.selectedRange(); }
+    void setSelectedRange(TextRange range);
+
+    bool isReadOnly() const { return editor_.isReadOnly(); }
+    void setReadOnly(bool readOnly);
+
+    const TextViewColors& colors() const { return colors_; }
+    void setColors(const TextViewColors& colors);
+    void setTextFont(const QFont& font);
+    /// Distance of the text from the view's edges.
+    void setTextInset(QSizeF inset);
+    QSizeF textInset() const { return inset_; }
+    void setHighlights(std::vector<TextHighlight> highlights);
+    const std::vector<TextHighlight>& highlights() const { return highlights_; }
+
+    /// The part of the page that is on screen.
+    QRectF visibleRect() const;
+    qreal pageHeight() const;
+    /// The rows on screen; their tops count from the top of the viewport.
+    std::vector<TextRow> visibleRows();
+    /// Scrolls so that `y` of the page is at the top, as far as the page goes.
+    void scrollToY(qreal y);
+    void scrollRangeToVisible(TextRange range);
+    /// The place in the text at a point of the viewport.
+    CaretPlace placeAt(QPoint point);
+    /// A caret's rectangle in the viewport, without width.
+    QRectF caretRect(CaretPlace place);
+
+    /// Puts a running composition of the input method into the text, as one undo step.
+    void commitComposition();
+    bool isComposing() const { return layout_.preedit().has_value(); }
+
+    /// The menu of the right mouse button; the caller owns it.
+    virtual QMenu* makeContextMenu();
+
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
+public Q_SLOTS:
+    void undo();
+    void redo();
+    void cut();
+    void copy();
+    void paste();
+    void deleteSelection();
+    void selectAll();
+
+Q_SIGNALS:
+    /// The part of the page on screen has changed, by scrolling or because the page or the view has another size.
+    void visibleRectChanged();
+    void copyAvailable(bool available);
+
+protected:
+    /// Takes a key before the view's own keys do; true when the key is used up.
+    virtual bool keyDown(QKeyEvent* event);
+
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    friend class TextViewMouse;
+    friend class TextViewInputMethod;
+
+    void textEdited(const TextEdit& edit);
+    void selectionChanged();
+    void runKeyAction(int action);
+
+    qreal scrollY() const;
+    void setAnchor(qreal y);
+    void syncScrollBar();
+    void queueScrollSync();
+    void updateWrapWidth();
+    void restartBlink();
+    void showCaret();
+    void showDropCaret(std::optional<CaretPlace> place);
+    QPointF pageOrigin() const;
+    QRectF caretBox(CaretPlace place);
+    void paintRowBackground(QPainter& painter, const TextRow& row, const std::vector<ColorRun>& marks);
+    void paintRange(QPainter& painter, const TextRow& row, TextRange range, const QColor& color, bool toEdge);
+    void paintCarets(QPainter& painter);
+
+    TextStorage storage_;
+    TextLayout layout_;
+    TextEditor editor_;
+    TextViewDelegate* delegate_ = nullptr;
+    std::unique_ptr<TextViewMouse> mouse_;
+    std::unique_ptr<TextViewInputMethod> inputMethod_;
+    TextViewColors colors_;
+    std::vector<TextHighlight> highlights_;
+    QSizeF inset_{4, 4};
+
+    // What is at the top of the viewport: a line, and how far below its top. Line numbers above may change their rows,
+    // and what is on screen stays.
+    qsizetype anchorLine_ = 0;
+    qreal anchorOffset_ = 0;
+    bool isSyncingScrollBar_ = false;
+    bool isScrollSyncQueued_ = false;
+
+    QBasicTimer blinkTimer_;
+    bool isCaretOn_ = true;
+    std::optional<CaretPlace> dropCaret_;
+};
+
+} // namespace kelm

@@ -1,0 +1,259 @@
+#include "text/view/text_view_accessible.h"
+
+#include "text/text_boundaries.h"
+#include "text/view/text_view.h"
+
+#include <QAccessibleEditableTextInterface>
+#include <QAccessibleTextInterface>
+#include <QAccessibleWidget>
+
+#include <algorithm>
+
+namespace kelm {
+
+namespace {
+
+/// Answers from the line index and the text around an offset: no call reads the whole text, but one that asks for it.
+class AccessibleTextView final : public QAccessibleWidget,
+                                 public QAccessibleTextInterface,
+                                 public QAccessibleEditableTextInterface
+{
+public:
+    explicit AccessibleTextView(TextView& view) : QAccessibleWidget(&view, QAccessible::EditableText) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        if (type == QAccessible::TextInterface) {
+            return static_cast<QAccessibleTextInterface*>(this);
+        }
+        if (type == QAccessible::EditableTextInterface) {
+            return static_cast<QAccessibleEditableTextInterface*>(this);
+        }
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.multiLine = true;
+        state.selectableText = true;
+        state.editable = !view().isReadOnly();
+        state.readOnly = view().isReadOnly();
+        return state;
+    }
+
+    QString text(QAccessible::Text what) const override
+    {
+        return what == QAccessible::Value ? view().text() : QAccessibleWidget::text(what);
+    }
+
+    void setText(QAccessible::Text what, const QString& text) override
+    {
+        if (what == QAccessible::Value) {
+            replaceText(0, characterCount(), text);
+        }
+    }
+
+    // QAccessibleTextInterface. Offsets are UTF-16 units.
+    int characterCount() const override { return static_cast<int>(view().text().size()); }
+
+    QString text(int start, int end) const override
+    {
+        return view().storage().substring(TextRange::between(std::max(0, start), std::max(0, end)));
+    }
+
+    int cursorPosition() const override { return static_cast<int>(view().editor().selections().primary().head.offset); }
+    void setCursorPosition(int position) override { select({{position, 0}}); }
+
+    int selectionCount() const override
+    {
+        const SelectionSet& selections = view().editor().selections();
+        return selections.hasText() ? static_cast<int>(selections.all().size()) : 0;
+    }
+
+    void selection(int index, int* start, int* end) const override
+    {
+        *start = *end = 0;
+        if (index >= 0 && index < selectionCount()) {
+            const TextRange range = view().editor().selections().all()[static_cast<std::size_t>(index)].range();
+            *start = static_cast<int>(range.location);
+            *end = static_cast<int>(range.end());
+        }
+    }
+
+    void addSelection(int start, int end) override
+    {
+        std::vector<TextRange> ranges = selectedRanges();
+        ranges.push_back(TextRange::between(start, end));
+        select(ranges);
+    }
+
+    void removeSelection(int index) override
+    {
+        std::vector<TextRange> ranges = selectedRanges();
+        if (index >= 0 && index < static_cast<int>(ranges.size())) {
+            ranges.erase(ranges.begin() + index);
+        }
+        select(ranges.empty() ? std::vector<TextRange>{{cursorPosition(), 0}} : ranges);
+    }
+
+    void setSelection(int index, int start, int end) override
+    {
+        std::vector<TextRange> ranges = selectedRanges();
+        if (index >= 0 && index < static_cast<int>(ranges.size())) {
+            ranges[static_cast<std::size_t>(index)] = TextRange::between(start, end);
+        } else {
+            ranges.push_back(TextRange::between(start, end));
+        }
+        select(ranges);
+    }
+
+    QRect characterRect(int offset) const override
+    {
+        const qsizetype next = nextGraphemeBoundary(view().text(), offset);
+        const QRectF from = view().caretRect({offset, false});
+        const QRectF to = view().caretRect({next, true});
+        const qreal width = to.y() == from.y() ? std::max<qreal>(1, to.x() - from.x()) : 1;
+        const QRect box = QRectF(from.x(), from.y(), width, from.height()).toAlignedRect();
+        return {view().viewport()->mapToGlobal(box.topLeft()), box.size()};
+    }
+
+    int offsetAtPoint(const QPoint& point) const override
+    {
+        return static_cast<int>(view().placeAt(view().viewport()->mapFromGlobal(point)).offset);
+    }
+
+    void scrollToSubstring(int start, int end) override { view().scrollRangeToVisible(TextRange::between(start, end)); }
+
+    QString attributes(int offset, int* start, int* end) const override
+    {
+        *start = offset;
+        *end = offset;
+        return {};
+    }
+
+    QString textAtOffset(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        return tell(unitAt(offset, type), start, end);
+    }
+
+    QString textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        const TextRange unit = unitAt(offset, type);
+        return unit.location == 0 ? tell({0, 0}, start, end) : tell(unitAt(unit.location - 1, type), start, end);
+    }
+
+    QString textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        const TextRange unit = unitAt(offset, type);
+        const qsizetype length = view().text().size();
+        return unit.end() >= length ? tell({length, 0}, start, end) : tell(unitAt(unit.end(), type), start, end);
+    }
+
+    // QAccessibleEditableTextInterface
+    void deleteText(int start, int end) override { replaceText(start, end, QString()); }
+    void insertText(int offset, const QString& text) override { replaceText(offset, offset, text); }
+
+    void replaceText(int start, int end, const QString& text) override
+    {
+        const TextRange range = TextRange::between(start, end).clampedTo(view().text().size());
+        view().editor().apply({{range, text}}, EditKind::other);
+    }
+
+private:
+    TextView& view() const { return *static_cast<TextView*>(object()); }
+
+    std::vector<TextRange> selectedRanges() const
+    {
+        std::vector<TextRange> ranges;
+        for (const Selection& selection : view().editor().selections().all()) {
+            if (!selection.isCaret()) {
+                ranges.push_back(selection.range());
+            }
+        }
+        return ranges;
+    }
+
+    void select(const std::vector<TextRange>& ranges)
+    {
+        std::vector<Selection> selections;
+        selections.reserve(ranges.size());
+        for (const TextRange range : ranges) {
+            selections.push_back(Selection::over(range.clampedTo(view().text().size())));
+        }
+        view().editor().setSelections(SelectionSet(std::move(selections)));
+    }
+
+    TextRange unitAt(qsizetype offset, QAccessible::TextBoundaryType type) const
+    {
+        const QString& text = view().text();
+        const qsizetype at = std::clamp<qsizetype>(offset, 0, text.size());
+        switch (type) {
+        case QAccessible::CharBoundary: {
+            const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
+            return TextRange::between(start, nextGraphemeBoundary(text, start));
+        }
+        case QAccessible::WordBoundary:
+            return wordAt(text, at);
+        case QAccessible::NoBoundary:
+            return {0, text.size()};
+        default:
+            // Sentences and paragraphs of a source text are its lines.
+            return view().storage().lineRange({at, 0});
+        }
+    }
+
+    QString tell(TextRange range, int* start, int* end) const
+    {
+        *start = static_cast<int>(range.location);
+        *end = static_cast<int>(range.end());
+        return view().storage().substring(range);
+    }
+};
+
+QAccessibleInterface* makeInterface(const QString& /*key*/, QObject* object)
+{
+    auto* view = qobject_cast<TextView*>(object);
+    return view != nullptr ? new AccessibleTextView(*view) : nullptr;
+}
+
+} // namespace
+
+void installAccessibleTextViewFactory()
+{
+    static const bool installed = [] {
+        QAccessible::installFactory(makeInterface);
+        return true;
+    }();
+    Q_UNUSED(installed)
+}
+
+void notifyAccessibleEdit(TextView& view, const TextEdit& edit)
+{
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    // What was removed is gone by now; its place and length are told with blanks, which the interface allows.
+    QAccessibleTextUpdateEvent event(&view, static_cast<int>(edit.range.location), QString(edit.range.length, u' '),
+                                     view.storage().substring(edit.newRange()));
+    event.setCursorPosition(static_cast<int>(view.editor().selections().primary().head.offset));
+    QAccessible::updateAccessibility(&event);
+}
+
+void notifyAccessibleSelection(TextView& view)
+{
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    const Selection& primary = view.editor().selections().primary();
+    if (primary.isCaret()) {
+        QAccessibleTextCursorEvent event(&view, static_cast<int>(primary.head.offset));
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleTextSelectionEvent event(&view, static_cast<int>(primary.range().location),
+                                            static_cast<int>(primary.range().end()));
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+} // namespace kelm

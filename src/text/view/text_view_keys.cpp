@@ -1,0 +1,128 @@
+#include "text/view/text_view_keys.h"
+
+#include <QKeyEvent>
+
+namespace kelm {
+
+namespace {
+
+KeyAction moving(QKeySequence::StandardKey key, Movement movement, Extend extend = Extend::no)
+{
+    return {KeyAction::Kind::move, key, {}, movement, extend, nullptr};
+}
+
+KeyAction erasing(QKeySequence::StandardKey key, Movement movement)
+{
+    return {KeyAction::Kind::erase, key, {}, movement, Extend::no, nullptr};
+}
+
+KeyAction calling(QKeySequence::StandardKey key, void (TextView::*slot)())
+{
+    return {KeyAction::Kind::slot, key, {}, Movement::characterLeft, Extend::no, slot};
+}
+
+KeyAction addingCarets(const QKeySequence& sequence, Movement movement)
+{
+    return {KeyAction::Kind::addCaret, QKeySequence::UnknownKey, sequence, movement, Extend::no, nullptr};
+}
+
+KeyAction own(const QKeySequence& sequence, KeyAction action)
+{
+    action.standardKey = QKeySequence::UnknownKey;
+    action.sequence = sequence;
+    return action;
+}
+
+std::vector<KeyAction> makeActions()
+{
+    using Key = QKeySequence;
+    return {
+        moving(Key::MoveToPreviousChar, Movement::characterLeft),
+        moving(Key::MoveToNextChar, Movement::characterRight),
+        moving(Key::MoveToPreviousWord, Movement::wordLeft),
+        moving(Key::MoveToNextWord, Movement::wordRight),
+        moving(Key::MoveToPreviousLine, Movement::rowUp),
+        moving(Key::MoveToNextLine, Movement::rowDown),
+        moving(Key::MoveToPreviousPage, Movement::pageUp),
+        moving(Key::MoveToNextPage, Movement::pageDown),
+        moving(Key::MoveToStartOfLine, Movement::rowStart),
+        moving(Key::MoveToEndOfLine, Movement::rowEnd),
+        moving(Key::MoveToStartOfBlock, Movement::lineStart),
+        moving(Key::MoveToEndOfBlock, Movement::lineEnd),
+        moving(Key::MoveToStartOfDocument, Movement::textStart),
+        moving(Key::MoveToEndOfDocument, Movement::textEnd),
+        moving(Key::SelectPreviousChar, Movement::characterLeft, Extend::yes),
+        moving(Key::SelectNextChar, Movement::characterRight, Extend::yes),
+        moving(Key::SelectPreviousWord, Movement::wordLeft, Extend::yes),
+        moving(Key::SelectNextWord, Movement::wordRight, Extend::yes),
+        moving(Key::SelectPreviousLine, Movement::rowUp, Extend::yes),
+        moving(Key::SelectNextLine, Movement::rowDown, Extend::yes),
+        moving(Key::SelectPreviousPage, Movement::pageUp, Extend::yes),
+        moving(Key::SelectNextPage, Movement::pageDown, Extend::yes),
+        moving(Key::SelectStartOfLine, Movement::rowStart, Extend::yes),
+        moving(Key::SelectEndOfLine, Movement::rowEnd, Extend::yes),
+        moving(Key::SelectStartOfBlock, Movement::lineStart, Extend::yes),
+        moving(Key::SelectEndOfBlock, Movement::lineEnd, Extend::yes),
+        moving(Key::SelectStartOfDocument, Movement::textStart, Extend::yes),
+        moving(Key::SelectEndOfDocument, Movement::textEnd, Extend::yes),
+        calling(Key::Undo, &TextView::undo),
+        calling(Key::Redo, &TextView::redo),
+        calling(Key::Cut, &TextView::cut),
+        calling(Key::Copy, &TextView::copy),
+        calling(Key::Paste, &TextView::paste),
+        calling(Key::SelectAll, &TextView::selectAll),
+        erasing(Key::Backspace, Movement::characterLeft),
+        own(Qt::SHIFT | Qt::Key_Backspace, erasing(Key::Backspace, Movement::characterLeft)),
+        erasing(Key::Delete, Movement::characterRight),
+        erasing(Key::DeleteStartOfWord, Movement::wordLeft),
+        erasing(Key::DeleteEndOfWord, Movement::wordRight),
+        erasing(Key::DeleteEndOfLine, Movement::lineEnd),
+        addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Up, Movement::rowUp),
+        addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Down, Movement::rowDown),
+    };
+}
+
+} // namespace
+
+const std::vector<KeyAction>& keyActions()
+{
+    static const std::vector<KeyAction> actions = makeActions();
+    return actions;
+}
+
+std::optional<int> keyActionFor(const QKeyEvent& event)
+{
+    // The number block's keys mean what the others do.
+    const QKeySequence pressed(event.keyCombination().toCombined() & ~static_cast<int>(Qt::KeypadModifier));
+    const std::vector<KeyAction>& actions = keyActions();
+    for (std::size_t index = 0; index < actions.size(); ++index) {
+        const KeyAction& action = actions[index];
+        const bool matches = action.standardKey == QKeySequence::UnknownKey
+                                 ? action.sequence == pressed
+                                 : QKeySequence::keyBindings(action.standardKey).contains(pressed);
+        if (matches) {
+            return static_cast<int>(index);
+        }
+    }
+    return {};
+}
+
+bool insertsText(const QKeyEvent& event)
+{
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Tab) {
+        return modifiers == Qt::NoModifier;
+    }
+    if (event.text().isEmpty()) {
+        return false;
+    }
+    const QChar first = event.text().front();
+    if (!first.isPrint() && !first.isSurrogate() && first.category() != QChar::Other_Format) {
+        return false;
+    }
+    // Control with Alt is how some keyboards reach their third level; it types what it says.
+    return modifiers == Qt::NoModifier || modifiers == Qt::GroupSwitchModifier ||
+           modifiers == (Qt::ControlModifier | Qt::AltModifier);
+}
+
+} // namespace kelm

@@ -1,0 +1,310 @@
+#include "text/view/text_view_mouse.h"
+
+#include "text/text_boundaries.h"
+#include "text/view/text_view.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QStyleHints>
+
+#include <algorithm>
+
+namespace kelm {
+
+namespace {
+
+constexpr int scrollIntervalMs = 30;
+/// The longest selection that is handed to the desktop's selection clipboard with every mouse release.
+constexpr qsizetype longestOffered = 1 << 20;
+
+} // namespace
+
+TextViewMouse::TextViewMouse(TextView& view) : view_(view) {}
+
+void TextViewMouse::press(QMouseEvent* event)
+{
+    const QPoint point = event->position().toPoint();
+    view_.commitComposition();
+    if (event->button() == Qt::MiddleButton) {
+        pasteSelection(point);
+        return;
+    }
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    pressedAt_ = point;
+    const bool isThird = lastDoubleClickTime_ >= 0 &&
+                         static_cast<qint64>(event->timestamp()) - lastDoubleClickTime_ <
+                             QGuiApplication::styleHints()->mouseDoubleClickInterval() &&
+                         (point - lastDoubleClick_).manhattanLength() < QApplication::startDragDistance();
+    lastDoubleClickTime_ = -1;
+    if (isThird) {
+        begin(point, Unit::line, event->modifiers());
+    } else if (event->modifiers() == Qt::NoModifier && isSelected(point)) {
+        state_ = State::mayDrag;
+    } else {
+        begin(point, Unit::character, event->modifiers());
+    }
+}
+
+void TextViewMouse::doubleClick(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        press(event);
+        return;
+    }
+    lastDoubleClick_ = event->position().toPoint();
+    lastDoubleClickTime_ = static_cast<qint64>(event->timestamp());
+    begin(lastDoubleClick_, Unit::word, event->modifiers());
+}
+
+void TextViewMouse::move(QMouseEvent* event)
+{
+    const QPoint point = event->position().toPoint();
+    if (state_ == State::mayDrag && (point - pressedAt_).manhattanLength() >= QApplication::startDragDistance()) {
+        state_ = State::idle;
+        startDrag();
+    } else if (state_ == State::selecting) {
+        extendTo(point);
+        const bool isOutside = point.y() < 0 || point.y() >= view_.viewport()->height();
+        if (isOutside && !scrollTimer_.isActive()) {
+            scrollTimer_.start(scrollIntervalMs, this);
+        } else if (!isOutside) {
+            scrollTimer_.stop();
+        }
+    } else if (event->buttons() == Qt::NoButton) {
+        view_.viewport()->setCursor(isSelected(point) ? Qt::ArrowCursor : Qt::IBeamCursor);
+    }
+}
+
+void TextViewMouse::release(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    scrollTimer_.stop();
+    if (state_ == State::mayDrag) {
+        // Pressed and not moved: an ordinary click into the selection.
+        begin(event->position().toPoint(), Unit::character, Qt::NoModifier);
+    }
+    if (state_ == State::selecting) {
+        offerSelection();
+    }
+    state_ = State::idle;
+}
+
+bool TextViewMouse::acceptsDrop(const QDropEvent& event) const
+{
+    // Files belong to the window, which opens them.
+    return !view_.isReadOnly() && event.mimeData()->hasText() && !event.mimeData()->hasUrls();
+}
+
+void TextViewMouse::drop(QDropEvent* event)
+{
+    view_.commitComposition();
+    TextEditor& editor = view_.editor();
+    const qsizetype at = view_.placeAt(event->position().toPoint()).offset;
+    const QString text = event->mimeData()->text();
+    const bool isMove = isDragging_ && event->dropAction() == Qt::MoveAction;
+    std::vector<Change> changes;
+    if (isMove) {
+        for (const Selection& selection : editor.selections().all()) {
+            const TextRange range = selection.range();
+            if (range.contains(at) || range.end() == at || range.location == at) {
+                // Dropped onto itself.
+                event->setDropAction(Qt::IgnoreAction);
+                return;
+            }
+            changes.push_back({range, QString()});
+        }
+    }
+    const auto behind =
+        std::find_if(changes.begin(), changes.end(), [at](const Change& change) { return change.range.location > at; });
+    const auto index = static_cast<std::size_t>(behind - changes.begin());
+    changes.insert(behind, {{at, 0}, text});
+    editor.applyAndSelect(changes);
+    // What was dropped stays selected; the places it came from do not matter any more.
+    qsizetype start = at;
+    for (std::size_t i = 0; i < index; ++i) {
+        start -= changes[i].range.length;
+    }
+    editor.select({start, text.size()});
+    event->acceptProposedAction();
+    view_.setFocus();
+}
+
+void TextViewMouse::timerEvent(QTimerEvent* /*event*/)
+{
+    const int height = view_.viewport()->height();
+    const int past = lastPoint_.y() < 0 ? lastPoint_.y() : std::max(0, lastPoint_.y() - height + 1);
+    QScrollBar* bar = view_.verticalScrollBar();
+    bar->setValue(bar->value() + std::clamp(past, -height / 4, height / 4));
+    extendTo(lastPoint_);
+}
+
+bool TextViewMouse::isSelected(QPoint point) const
+{
+    const CaretPlace place = view_.placeAt(point);
+    const auto& all = view_.editor().selections().all();
+    return std::any_of(all.begin(), all.end(), [&](const Selection& selection) {
+        if (!selection.range().contains(place.offset) && !(place.offset == selection.range().end())) {
+            return false;
+        }
+        // The place nearest to a point can lie on the other side of the selection's edge.
+        const QRectF start = view_.caretRect({selection.range().location, false});
+        const QRectF end = view_.caretRect({selection.range().end(), true});
+        const bool behindStart = point.y() >= start.bottom() || point.x() >= start.x();
+        const bool beforeEnd = point.y() < end.top() || point.x() < end.x();
+        return !selection.isCaret() && behindStart && beforeEnd;
+    });
+}
+
+TextRange TextViewMouse::unitAt(qsizetype offset) const
+{
+    switch (unit_) {
+    case Unit::character:
+        return {offset, 0};
+    case Unit::word:
+        return wordAt(view_.text(), offset);
+    case Unit::line:
+        return view_.storage().lineRange({offset, 0});
+    }
+    return {offset, 0};
+}
+
+void TextViewMouse::begin(QPoint point, Unit unit, Qt::KeyboardModifiers modifiers)
+{
+    state_ = State::selecting;
+    unit_ = unit;
+    lastPoint_ = point;
+    TextEditor& editor = view_.editor();
+    others_.clear();
+    if (modifiers.testFlag(Qt::ShiftModifier)) {
+        const Selection& primary = editor.selections().primary();
+        origin_ = {primary.anchor, 0};
+        originPlace_ = {primary.anchor, false};
+        extendTo(point);
+        return;
+    }
+    if (modifiers.testFlag(Qt::ControlModifier)) {
+        others_ = editor.selections().all();
+    }
+    originPlace_ = view_.placeAt(point);
+    origin_ = unitAt(originPlace_.offset);
+    extendTo(point);
+}
+
+void TextViewMouse::extendTo(QPoint point)
+{
+    lastPoint_ = point;
+    const CaretPlace place = view_.placeAt(point);
+    const TextRange unit = unitAt(place.offset);
+    Selection selection;
+    if (place.offset < origin_.location) {
+        selection.anchor = origin_.end();
+        selection.head = unit_ == Unit::character ? place : CaretPlace{unit.location, false};
+    } else {
+        selection.anchor = origin_.location;
+        selection.head = unit_ == Unit::character ? place : CaretPlace{std::max(unit.end(), origin_.end()), false};
+    }
+    std::vector<Selection> all = others_;
+    all.push_back(selection);
+    view_.editor().setSelections(SelectionSet(std::move(all)));
+}
+
+void TextViewMouse::startDrag()
+{
+    auto* data = new QMimeData;
+    data->setText(view_.editor().selectedTexts().join(u'\n'));
+    auto* drag = new QDrag(&view_);
+    drag->setMimeData(data);
+    isDragging_ = true;
+    const Qt::DropActions actions = view_.isReadOnly() ? Qt::CopyAction : Qt::CopyAction | Qt::MoveAction;
+    const Qt::DropAction done = drag->exec(actions, view_.isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
+    const bool wentElsewhere = drag->target() != nullptr && drag->target() != view_.viewport();
+    isDragging_ = false;
+    if (done == Qt::MoveAction && wentElsewhere) {
+        view_.deleteSelection();
+    }
+}
+
+void TextViewMouse::offerSelection() const
+{
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    const TextRange range = view_.selectedRange();
+    if (clipboard->supportsSelection() && !range.isEmpty() && range.length <= longestOffered) {
+        clipboard->setText(view_.editor().selectedTexts().join(u'\n'), QClipboard::Selection);
+    }
+}
+
+void TextViewMouse::pasteSelection(QPoint point)
+{
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    if (!clipboard->supportsSelection() || view_.isReadOnly()) {
+        return;
+    }
+    const QString text = clipboard->text(QClipboard::Selection);
+    view_.editor().select({view_.placeAt(point).offset, 0});
+    view_.editor().insertText(text, EditKind::other);
+}
+
+void TextView::mousePressEvent(QMouseEvent* event)
+{
+    mouse_->press(event);
+}
+
+void TextView::mouseMoveEvent(QMouseEvent* event)
+{
+    mouse_->move(event);
+}
+
+void TextView::mouseReleaseEvent(QMouseEvent* event)
+{
+    mouse_->release(event);
+}
+
+void TextView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    mouse_->doubleClick(event);
+}
+
+void TextView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (mouse_->acceptsDrop(*event)) {
+        event->acceptProposedAction();
+    } else {
+        event->ignore();
+    }
+}
+
+void TextView::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (!mouse_->acceptsDrop(*event)) {
+        event->ignore();
+        return;
+    }
+    showDropCaret(placeAt(event->position().toPoint()));
+    event->acceptProposedAction();
+}
+
+void TextView::dragLeaveEvent(QDragLeaveEvent* /*event*/)
+{
+    showDropCaret({});
+}
+
+void TextView::dropEvent(QDropEvent* event)
+{
+    showDropCaret({});
+    if (mouse_->acceptsDrop(*event)) {
+        mouse_->drop(event);
+    } else {
+        event->ignore();
+    }
+}
+
+} // namespace kelm
