@@ -1,0 +1,20 @@
+// The parts of a URL that the program looks at.
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+namespace kelm {
+
+/// The last component of the URL's path, percent-decoded, without a slash at its end: "src" for "file:///a/src/". Empty
+/// for a URL without a path; "/" for the root.
+QString lastPathComponent(const QUrl& url);
+
+/// What follows the last dot of the last path component, without the dot; empty when there is no dot, when it is the
+/// first character (".bashrc"), or when it is the last.
+QString pathExtension(const QUrl& url);
+
+/// Whether the URL names a folder: by a slash at its end, or since there is a folder of that path on this machine.
+bool hasDirectoryPath(const QUrl& url);
+
+} // namespace kelm
