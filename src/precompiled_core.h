@@ -1,12 +1,6 @@
 // What nearly every engine file includes, compiled once. A file still includes what it uses.
 #pragma once
 
-#include <algorithm>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <vector>
-
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -17,3 +11,9 @@
 #include <QStringView>
 #include <QUrl>
 #include <QVariant>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>

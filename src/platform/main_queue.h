@@ -1,14 +1,14 @@
 // The main queue: work that is to run on the main thread, later.
 #pragma once
 
-#include <functional>
-
 #include <QObject>
+
+#include <functional>
 
 namespace kelm {
 
-/// Queues `work` to run on the main thread after the event in hand; from any thread, in the order of the calls. Work that
-/// is still queued when the application object goes is dropped.
+/// Queues `work` to run on the main thread after the event in hand; from any thread, in the order of the calls. Work
+/// that is still queued when the application object goes is dropped.
 void onMainQueue(std::function<void()> work);
 
 /// As `onMainQueue`, but drops the work when `context` is gone by then. `context` lives on the main thread.

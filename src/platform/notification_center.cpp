@@ -13,9 +13,8 @@ void NotificationCenter::addObserver(QObject* owner, const QString& name, Handle
 
 void NotificationCenter::removeObserver(const QObject* owner)
 {
-    std::erase_if(observers_, [owner](const Observer& observer) {
-        return observer.owner.isNull() || observer.owner == owner;
-    });
+    std::erase_if(observers_,
+                  [owner](const Observer& observer) { return observer.owner.isNull() || observer.owner == owner; });
 }
 
 void NotificationCenter::post(const QString& name, const QVariant& object, const QVariantMap& userInfo)

@@ -1,14 +1,14 @@
 // Notifications by name between parts of the program that do not know each other.
 #pragma once
 
-#include <functional>
-#include <vector>
-
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
+
+#include <functional>
+#include <vector>
 
 namespace kelm {
 

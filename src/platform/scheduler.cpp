@@ -1,9 +1,9 @@
 #include "platform/scheduler.h"
 
+#include <QTimer>
+
 #include <algorithm>
 #include <utility>
-
-#include <QTimer>
 
 namespace kelm {
 

@@ -1,13 +1,13 @@
 // Delayed work on the main thread, behind an interface so that tests can move time by hand.
 #pragma once
 
+#include <QObject>
+#include <QPointer>
+
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <vector>
-
-#include <QObject>
-#include <QPointer>
 
 namespace kelm {
 
@@ -48,8 +48,8 @@ private:
     std::vector<Entry> entries_;
 };
 
-/// One piece of delayed work that each call puts off again: a run of calls ends in one run of the work, `delay` after the
-/// last of them.
+/// One piece of delayed work that each call puts off again: a run of calls ends in one run of the work, `delay` after
+/// the last of them.
 class Debounce
 {
 public:

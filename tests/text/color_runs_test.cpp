@@ -1,8 +1,7 @@
+#include "support/random_text.h"
 #include "text/color_runs.h"
 
 #include <QtTest>
-
-#include "support/random_text.h"
 
 using namespace kelm;
 

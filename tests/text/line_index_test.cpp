@@ -1,8 +1,7 @@
+#include "support/random_text.h"
 #include "text/line_index.h"
 
 #include <QtTest>
-
-#include "support/random_text.h"
 
 using namespace kelm;
 
@@ -52,7 +51,8 @@ void LineIndexTest::linesBeginBehindEachTerminator_data()
     QTest::newRow("pair") << QStringLiteral("a\r\nb") << Starts{0, 3} << qsizetype(0);
     QTest::newRow("lone carriage return") << QStringLiteral("a\rb") << Starts{0, 2} << qsizetype(1);
     QTest::newRow("carriage return last") << QStringLiteral("a\r") << Starts{0, 2} << qsizetype(1);
-    QTest::newRow("two carriage returns and a line feed") << QStringLiteral("\r\r\n") << Starts{0, 1, 3} << qsizetype(1);
+    QTest::newRow("two carriage returns and a line feed")
+        << QStringLiteral("\r\r\n") << Starts{0, 1, 3} << qsizetype(1);
     QTest::newRow("next line") << QStringLiteral("a\u0085b") << Starts{0, 2} << qsizetype(1);
     QTest::newRow("separators") << QStringLiteral("a\u2028b\u2029") << Starts{0, 2, 4} << qsizetype(2);
     QTest::newRow("no terminators: form feed, NUL") << QStringLiteral("a\fb\v") + QChar(0) << Starts{0} << qsizetype(0);

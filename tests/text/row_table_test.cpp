@@ -1,10 +1,9 @@
+#include "support/random_text.h"
 #include "text/row_table.h"
-
-#include <numeric>
 
 #include <QtTest>
 
-#include "support/random_text.h"
+#include <numeric>
 
 using namespace kelm;
 

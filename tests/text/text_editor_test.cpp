@@ -1,9 +1,8 @@
+#include "support/random_text.h"
 #include "text/text_editor.h"
 
 #include <QSignalSpy>
 #include <QtTest>
-
-#include "support/random_text.h"
 
 using namespace kelm;
 
@@ -453,7 +452,8 @@ void TextEditorTest::randomForeignEditsNeverSpoilUndo()
                 fixture.storage.replace({place, length}, u"xyz");
             } else {
                 fixture.editor.select({random.below(fixture.storage.length() + 1), 0});
-                fixture.editor.insertText(QString(QChar(static_cast<char16_t>(u'A' + random.below(26)))), EditKind::other);
+                fixture.editor.insertText(QString(QChar(static_cast<char16_t>(u'A' + random.below(26)))),
+                                          EditKind::other);
                 states.append(capitals());
             }
         }

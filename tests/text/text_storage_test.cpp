@@ -1,9 +1,8 @@
+#include "support/random_text.h"
 #include "text/text_storage.h"
 
 #include <QSignalSpy>
 #include <QtTest>
-
-#include "support/random_text.h"
 
 using namespace kelm;
 
