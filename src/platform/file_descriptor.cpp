@@ -1,0 +1,58 @@
+#include "platform/file_descriptor.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kelm {
+
+bool FileDescriptor::close()
+{
+    const int descriptor = std::exchange(descriptor_, -1);
+    // The descriptor is gone even when the call is interrupted: a second try could close another thread's file.
+    return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR;
+}
+
+qsizetype FileDescriptor::read(char* bytes, qsizetype size) const
+{
+    for (;;) {
+        const ssize_t count = ::read(descriptor_, bytes, std::size_t(size));
+        if (count >= 0 || errno != EINTR) {
+            return count;
+        }
+    }
+}
+
+bool FileDescriptor::writeAll(const char* bytes, qsizetype size) const
+{
+    while (size > 0) {
+        const ssize_t count = ::write(descriptor_, bytes, std::size_t(size));
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        if (count > 0) {
+            bytes += count;
+            size -= count;
+        }
+    }
+    return true;
+}
+
+FileDescriptor FileDescriptor::openForReading(const QByteArray& nativePath)
+{
+    // Without O_NONBLOCK the opening of a pipe would wait for its other end.
+    FileDescriptor file(::open(nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        return FileDescriptor();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        file.close();
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return FileDescriptor();
+    }
+    return file;
+}
+
+} // namespace kelm

@@ -1,0 +1,44 @@
+// An open file of the operating system, closed by its owner's end.
+#pragma once
+
+#include <QByteArray>
+
+#include <utility>
+
+namespace kelm {
+
+/// Owns a POSIX file descriptor. `-1` stands for none.
+class FileDescriptor
+{
+public:
+    FileDescriptor() = default;
+    explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        std::swap(descriptor_, other.descriptor_);
+        return *this;
+    }
+    ~FileDescriptor() { close(); }
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    int get() const { return descriptor_; }
+
+    /// Closes the file now; false, with `errno` set, when the system only now reports that a write failed.
+    bool close();
+
+    /// Reads up to `size` bytes; 0 at the end of the file, -1 with `errno` set on failure.
+    qsizetype read(char* bytes, qsizetype size) const;
+
+    /// Writes all `size` bytes; false with `errno` set on failure.
+    bool writeAll(const char* bytes, qsizetype size) const;
+
+    /// Opens the regular file at `nativePath`, a path in the system's own bytes, for reading. Closed, with `errno` set,
+    /// on failure; whatever is not a regular file is refused, since a pipe or a device may never end.
+    static FileDescriptor openForReading(const QByteArray& nativePath);
+
+private:
+    int descriptor_ = -1;
+};
+
+} // namespace kelm
