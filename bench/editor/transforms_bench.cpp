@@ -1,0 +1,55 @@
+// Formatters over whole documents of 50 million units.
+#include "editor/transforms/json_formatter.h"
+
+#include <QString>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr qsizetype documentLength = 50'000'000;
+
+QString repeated(const QString& piece, qsizetype length)
+{
+    return piece.repeated(length / piece.size());
+}
+
+void formatRecords(benchmark::State& state)
+{
+    const QString record =
+        QStringLiteral(R"({"name":"Anna Kowalska","id":12345,"tags":["a","b\n"],"geo":{"y":1.5,"x":-2}},)");
+    const QString text = u'[' + repeated(record, documentLength) + QStringLiteral("{}]");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(kelm::JSONFormatter::format(text, 2));
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+BENCHMARK(formatRecords)->Unit(benchmark::kMillisecond);
+
+void formatOneLargeObject(benchmark::State& state)
+{
+    QString text = QStringLiteral("{");
+    for (int key = 0; text.size() < documentLength; ++key) {
+        text += QStringLiteral("\"%1키%2\":%2,").arg(key % 977).arg(key);
+    }
+    text += QStringLiteral("\"\":0}");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(kelm::JSONFormatter::format(text, 2));
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+BENCHMARK(formatOneLargeObject)->Unit(benchmark::kMillisecond);
+
+void formatNumbers(benchmark::State& state)
+{
+    const QString text = u'[' + repeated(QStringLiteral("1,"), documentLength) + QStringLiteral("1]");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(kelm::JSONFormatter::format(text, 2));
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+BENCHMARK(formatNumbers)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

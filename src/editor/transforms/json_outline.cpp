@@ -1,0 +1,420 @@
+#include "editor/transforms/json_outline.h"
+
+#include "editor/transforms/json_key.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <deque>
+#include <limits>
+
+namespace kelm {
+namespace {
+
+bool isDigit(char16_t unit)
+{
+    return unit >= u'0' && unit <= u'9';
+}
+
+/// The value of a hexadecimal digit, or -1.
+int hexValue(char16_t unit)
+{
+    if (isDigit(unit)) {
+        return unit - u'0';
+    }
+    const char16_t lower = unit | 0x20;
+    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+}
+
+/// Reads a text from its start to its end, level by level on a stack of its own.
+class OutlineReader
+{
+public:
+    explicit OutlineReader(QStringView text) : text_(text), units_(text.utf16()), size_(text.size()) {}
+
+    std::optional<JsonOutline> read();
+
+private:
+    enum class Expected { value, valueOrEnd, key, keyOrEnd, commaOrEnd, endOfText };
+
+    struct Level
+    {
+        static constexpr quint32 array = std::numeric_limits<quint32>::max();
+        /// The object's number, or `array`.
+        quint32 object = array;
+        /// Where the object's members begin in `open_`.
+        quint32 firstOpen = 0;
+        bool isArray() const { return object == array; }
+    };
+
+    char16_t peek() const { return at_ < size_ ? units_[at_] : u'\0'; }
+    bool take(char16_t unit);
+    bool step();
+    bool readValue();
+    bool readKey();
+    bool readSeparator();
+    bool openLevel(bool isArray);
+    void closeLevel();
+    bool readString();
+    bool readEscape();
+    bool readHex(char16_t& unit);
+    bool readNumber();
+    bool readDigits();
+    bool readWord(QStringView word);
+    void sortMembers(quint32 firstOpen);
+    QStringView keyText(quint32 key, std::deque<QString>& decoded) const;
+
+    QStringView text_;
+    const char16_t* units_;
+    qsizetype size_;
+    qsizetype at_ = 0;
+    Expected expected_ = Expected::value;
+    std::vector<Level> levels_;
+    /// The members of all open objects, the innermost object's last.
+    std::vector<JsonOutline::Member> open_;
+    JsonOutline outline_;
+};
+
+std::optional<JsonOutline> OutlineReader::read()
+{
+    if (size_ >= std::numeric_limits<quint32>::max()) {
+        return {};
+    }
+    if (peek() == u'\ufeff') {
+        ++at_;
+    }
+    at_ = skipJsonBlanks(text_, at_);
+    outline_.start = at_;
+    if (peek() != u'{' && peek() != u'[') {
+        return {};
+    }
+    while (expected_ != Expected::endOfText) {
+        if (!step()) {
+            return {};
+        }
+        at_ = skipJsonBlanks(text_, at_);
+    }
+    if (at_ != size_) {
+        return {};
+    }
+    return std::move(outline_);
+}
+
+bool OutlineReader::take(char16_t unit)
+{
+    if (at_ < size_ && units_[at_] == unit) {
+        ++at_;
+        return true;
+    }
+    return false;
+}
+
+bool OutlineReader::step()
+{
+    switch (expected_) {
+    case Expected::valueOrEnd:
+        if (take(u']')) {
+            closeLevel();
+            return true;
+        }
+        return readValue();
+    case Expected::value:
+        return readValue();
+    case Expected::keyOrEnd:
+        if (take(u'}')) {
+            closeLevel();
+            return true;
+        }
+        return readKey();
+    case Expected::key:
+        return readKey();
+    case Expected::commaOrEnd:
+        return readSeparator();
+    case Expected::endOfText:
+        break;
+    }
+    return false;
+}
+
+bool OutlineReader::readValue()
+{
+    expected_ = Expected::commaOrEnd;
+    switch (peek()) {
+    case u'{':
+        return openLevel(false);
+    case u'[':
+        return openLevel(true);
+    case u'"':
+        return readString();
+    case u't':
+        return readWord(u"true");
+    case u'f':
+        return readWord(u"false");
+    case u'n':
+        return readWord(u"null");
+    default:
+        return readNumber();
+    }
+}
+
+bool OutlineReader::readKey()
+{
+    const auto key = quint32(at_);
+    if (!readString()) {
+        return false;
+    }
+    at_ = skipJsonBlanks(text_, at_);
+    if (!take(u':')) {
+        return false;
+    }
+    at_ = skipJsonBlanks(text_, at_);
+    open_.push_back({key, quint32(at_), quint32(outline_.objects.size())});
+    expected_ = Expected::value;
+    return true;
+}
+
+bool OutlineReader::readSeparator()
+{
+    const bool isArray = levels_.back().isArray();
+    if (take(u',')) {
+        expected_ = isArray ? Expected::value : Expected::key;
+        return true;
+    }
+    if (take(isArray ? u']' : u'}')) {
+        closeLevel();
+        return true;
+    }
+    return false;
+}
+
+bool OutlineReader::openLevel(bool isArray)
+{
+    ++at_;
+    if (isArray) {
+        levels_.push_back({});
+        expected_ = Expected::valueOrEnd;
+    } else {
+        levels_.push_back({quint32(outline_.objects.size()), quint32(open_.size())});
+        outline_.objects.emplace_back();
+        expected_ = Expected::keyOrEnd;
+    }
+    return true;
+}
+
+void OutlineReader::closeLevel()
+{
+    const Level level = levels_.back();
+    levels_.pop_back();
+    if (!level.isArray()) {
+        JsonOutline::Object& object = outline_.objects[level.object];
+        object.firstMember = quint32(outline_.members.size());
+        sortMembers(level.firstOpen);
+        object.memberCount = quint32(outline_.members.size()) - object.firstMember;
+        object.end = quint32(at_);
+        object.nextObject = quint32(outline_.objects.size());
+    }
+    expected_ = levels_.empty() ? Expected::endOfText : Expected::commaOrEnd;
+}
+
+/// Moves the open members from `firstOpen` on over to the outline, in the order of printing and each key's last one
+/// alone.
+void OutlineReader::sortMembers(quint32 firstOpen)
+{
+    if (open_.size() - firstOpen < 2) {
+        outline_.members.insert(outline_.members.end(), open_.begin() + firstOpen, open_.end());
+        open_.resize(firstOpen);
+        return;
+    }
+    struct Entry
+    {
+        JsonKey key;
+        JsonOutline::Member member;
+    };
+    std::deque<QString> decoded;
+    std::vector<Entry> entries;
+    entries.reserve(open_.size() - firstOpen);
+    for (size_t i = firstOpen; i < open_.size(); ++i) {
+        entries.push_back({JsonKey(keyText(open_[i].key, decoded)), open_[i]});
+    }
+    open_.resize(firstOpen);
+    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+        const int order = JsonKey::compare(a.key, b.key);
+        return order != 0 ? order < 0 : a.member.key < b.member.key;
+    });
+    for (size_t i = 0; i < entries.size(); ++i) {
+        if (i + 1 == entries.size() || entries[i].key.text() != entries[i + 1].key.text()) {
+            outline_.members.push_back(entries[i].member);
+        }
+    }
+}
+
+/// What the key says; a key with escapes is decoded into `decoded`.
+QStringView OutlineReader::keyText(quint32 key, std::deque<QString>& decoded) const
+{
+    const qsizetype end = endOfJsonString(text_, key) - 1;
+    const QStringView written = text_.sliced(key + 1, end - key - 1);
+    if (!written.contains(u'\\')) {
+        return written;
+    }
+    QString& text = decoded.emplace_back();
+    for (qsizetype at = key + 1; at < end;) {
+        if (units_[at] == u'\\') {
+            text += QChar(decodeJsonEscape(text_, at));
+        } else {
+            text += QChar(units_[at++]);
+        }
+    }
+    return text;
+}
+
+bool OutlineReader::readString()
+{
+    if (!take(u'"')) {
+        return false;
+    }
+    while (at_ < size_) {
+        const char16_t unit = units_[at_++];
+        if (unit == u'"') {
+            return true;
+        }
+        if (unit < u' ') {
+            return false;
+        }
+        if (unit == u'\\') {
+            if (!readEscape()) {
+                return false;
+            }
+        } else if (QChar::isSurrogate(unit)) {
+            if (!QChar::isHighSurrogate(unit) || !QChar::isLowSurrogate(peek())) {
+                return false;
+            }
+            ++at_;
+        }
+    }
+    return false;
+}
+
+/// Reads what follows a backslash. An escaped surrogate is half of an escaped pair.
+bool OutlineReader::readEscape()
+{
+    if (at_ == size_) {
+        return false;
+    }
+    const char16_t letter = units_[at_++];
+    if (letter != u'u') {
+        return QStringView(u"\"\\/bfnrt").contains(QChar(letter));
+    }
+    char16_t unit = 0;
+    if (!readHex(unit)) {
+        return false;
+    }
+    if (!QChar::isSurrogate(unit)) {
+        return true;
+    }
+    char16_t low = 0;
+    return QChar::isHighSurrogate(unit) && take(u'\\') && take(u'u') && readHex(low) && QChar::isLowSurrogate(low);
+}
+
+bool OutlineReader::readHex(char16_t& unit)
+{
+    for (int i = 0; i < 4; ++i, ++at_) {
+        const int value = hexValue(peek());
+        if (value < 0) {
+            return false;
+        }
+        unit = char16_t(unit << 4 | value);
+    }
+    return true;
+}
+
+bool OutlineReader::readNumber()
+{
+    take(u'-');
+    if (!take(u'0') && !readDigits()) {
+        return false;
+    }
+    if (take(u'.') && !readDigits()) {
+        return false;
+    }
+    if (take(u'e') || take(u'E')) {
+        if (!take(u'+')) {
+            take(u'-');
+        }
+        return readDigits();
+    }
+    return true;
+}
+
+bool OutlineReader::readDigits()
+{
+    const qsizetype start = at_;
+    while (at_ < size_ && isDigit(units_[at_])) {
+        ++at_;
+    }
+    return at_ > start;
+}
+
+bool OutlineReader::readWord(QStringView word)
+{
+    if (!text_.sliced(at_).startsWith(word)) {
+        return false;
+    }
+    at_ += word.size();
+    return true;
+}
+
+} // namespace
+
+std::optional<JsonOutline> JsonOutline::read(QStringView text)
+{
+    return OutlineReader(text).read();
+}
+
+qsizetype skipJsonBlanks(QStringView text, qsizetype at)
+{
+    const char16_t* units = text.utf16();
+    while (at < text.size() && (units[at] == u' ' || units[at] == u'\n' || units[at] == u'\r' || units[at] == u'\t')) {
+        ++at;
+    }
+    return at;
+}
+
+qsizetype endOfJsonString(QStringView text, qsizetype at)
+{
+    const char16_t* units = text.utf16();
+    for (++at; units[at] != u'"'; ++at) {
+        if (units[at] == u'\\') {
+            ++at;
+        }
+    }
+    return at + 1;
+}
+
+char16_t decodeJsonEscape(QStringView text, qsizetype& at)
+{
+    const char16_t letter = text.utf16()[at + 1];
+    at += 2;
+    switch (letter) {
+    case u'b':
+        return u'\b';
+    case u'f':
+        return u'\f';
+    case u'n':
+        return u'\n';
+    case u'r':
+        return u'\r';
+    case u't':
+        return u'\t';
+    case u'u': {
+        char16_t unit = 0;
+        for (int i = 0; i < 4; ++i) {
+            unit = char16_t(unit << 4 | hexValue(text.utf16()[at++]));
+        }
+        return unit;
+    }
+    default:
+        return letter;
+    }
+}
+
+} // namespace kelm
