@@ -1,0 +1,72 @@
+// Child processes: what to start, and running one to its end.
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace kelm {
+
+/// A child process to be started. A plain value, so that a test can compare what would run.
+struct ProcessCommand
+{
+    /// The path of the executable; it is not searched for.
+    QString program = {};
+    /// What follows the program's own name. No shell is involved and nothing is quoted.
+    QStringList arguments = {};
+    /// Where the child runs; empty for the application's own working directory.
+    QString workingDirectory = {};
+    /// The whole environment of the child; absent for the application's own, unchanged.
+    std::optional<QMap<QString, QString>> environment = std::nullopt;
+    /// What the child reads from its standard input; absent forwards the application's own standard input.
+    std::optional<QByteArray> standardInput = std::nullopt;
+    /// Whether the child leads a process group of its own, so that it can be ended with all that it started.
+    bool ownGroup = false;
+
+    bool operator==(const ProcessCommand&) const = default;
+};
+
+/// How a child ended.
+struct ProcessExit
+{
+    /// The exit status, or the number of the signal that ended the child.
+    int status = 0;
+    bool bySignal = false;
+
+    bool isSuccess() const { return status == 0 && !bySignal; }
+    bool operator==(const ProcessExit&) const = default;
+};
+
+/// What came of running a child to its end.
+struct ProcessResult
+{
+    /// Present when the child could not be started; nothing else holds then.
+    std::optional<QString> launchError = std::nullopt;
+    /// Present when the child did not take all of its standard input; it was not waited for then.
+    std::optional<QString> inputError = std::nullopt;
+    ProcessExit exit = {};
+    QByteArray standardOutput = {};
+    QByteArray standardError = {};
+
+    bool operator==(const ProcessResult&) const = default;
+};
+
+/// Runs children to their end, behind an interface so that a test can record and answer instead.
+class ProcessRunner
+{
+public:
+    virtual ~ProcessRunner() = default;
+
+    /// Starts the child and blocks until it has ended, from any thread. Both outputs are read meanwhile, so the child
+    /// never waits on a full pipe; what it wrote before it ended is in the result. A process that the child leaves
+    /// behind with the pipes in its hands is not waited for.
+    virtual ProcessResult run(const ProcessCommand& command) = 0;
+
+    /// The runner that starts real processes.
+    static ProcessRunner& system();
+};
+
+} // namespace kelm

@@ -1,0 +1,58 @@
+#include "platform/utf8_chunk_decoder.h"
+
+#include "platform/utf8_file.h"
+
+#include <algorithm>
+
+namespace kelm {
+
+namespace {
+
+/// How many bytes the character takes that begins with `lead`; 0 when no character begins so.
+int sequenceLength(unsigned char lead)
+{
+    if (lead < 0x80) {
+        return 1;
+    }
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        return 2;
+    }
+    if (lead >= 0xE0 && lead <= 0xEF) {
+        return 3;
+    }
+    return lead >= 0xF0 && lead <= 0xF4 ? 4 : 0;
+}
+
+/// The number of bytes at the end of `bytes` that begin a character and do not end it.
+qsizetype begunLength(QByteArrayView bytes)
+{
+    const qsizetype longest = std::min<qsizetype>(3, bytes.size());
+    for (qsizetype length = 1; length <= longest; ++length) {
+        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - length]);
+        if ((byte & 0xC0) != 0x80) {
+            return sequenceLength(byte) > length ? length : 0;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+std::optional<QString> Utf8ChunkDecoder::decode(QByteArrayView chunk)
+{
+    QByteArray joined;
+    if (!begun_.isEmpty()) {
+        joined = begun_;
+        joined.append(chunk);
+        chunk = joined;
+    }
+    const qsizetype begun = begunLength(chunk);
+    begun_ = chunk.last(begun).toByteArray();
+    chunk = chunk.chopped(begun);
+    if (chunk.isEmpty()) {
+        return std::nullopt;
+    }
+    return decodeUtf8(chunk);
+}
+
+} // namespace kelm
