@@ -66,8 +66,7 @@ def may_include(source, target):
     if folder == "workbench" or is_record(target):
         return None
     if other == "workbench":
-        # The style has no widget of its own and is what all views take their sizes from.
-        return None if is_view and target.startswith("workbench/style") else "nothing includes the workbench"
+        return "nothing includes the workbench"
     if not is_view:
         if other_is_view:
             return "an engine includes no view"

@@ -205,12 +205,15 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
         for (const Change& change : changes) {
             const TextRange range{change.range.location + shift, change.range.length};
             Replacement replacement{range.location, storage_.substring(range), change.text};
-            storage_.replace(range, change.text);
+            // Text that stays the same is no edit: nobody is told of one.
+            if (replacement.removed != replacement.inserted) {
+                storage_.replace(range, change.text);
+                changed = true;
+            }
             const qsizetype end = range.location + change.text.size();
             after.push_back(selectInserted ? Selection::over({range.location, change.text.size()})
                                            : Selection::caret({end, false}));
             shift += change.text.size() - range.length;
-            changed = changed || replacement.removed != replacement.inserted;
             step.replacements.push_back(std::move(replacement));
         }
         selections_.replaceAll(std::move(after));

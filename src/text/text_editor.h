@@ -69,6 +69,8 @@ public:
     void setReadOnly(bool readOnly) { isReadOnly_ = readOnly; }
     /// How many rows a page has.
     void setPageRows(int rows) { pageRows_ = rows; }
+    /// Whether an edit by the user is being made right now; every such edit ends in `textChanged`.
+    bool isEditing() const { return isOwnEdit_; }
     /// Called before each edit by the user, which then acts on the text and the selections as the call left them.
     void setBeforeEdit(std::function<void()> call) { beforeEdit_ = std::move(call); }
 

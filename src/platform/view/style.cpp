@@ -1,0 +1,200 @@
+#include "platform/view/style.h"
+
+#include <QFontDatabase>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleFactory>
+#include <QStyleOptionSlider>
+
+#include <algorithm>
+
+namespace kelm::style {
+
+namespace {
+
+QColor withAlpha(QColor color, float alpha)
+{
+    color.setAlphaF(alpha);
+    return color;
+}
+
+} // namespace
+
+QFont monospaced(int pixelSize)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    QStringList families = font.families();
+    for (const char* family : {"D2Coding", "NanumGothicCoding", "Noto Sans Mono CJK KR", "Noto Color Emoji"}) {
+        families.append(QString::fromLatin1(family));
+    }
+    font.setFamilies(families);
+    font.setStyleHint(QFont::Monospace);
+    font.setPixelSize(pixelSize);
+    return font;
+}
+
+QPalette palette(bool isDark)
+{
+    const QColor label = isDark ? Qt::white : Qt::black;
+    const QColor window = isDark ? QColor(50, 50, 50) : QColor(236, 236, 236);
+    const QColor control = isDark ? QColor(30, 30, 30) : QColor(255, 255, 255);
+    const QColor accent = isDark ? QColor(10, 132, 255) : QColor(0, 122, 255);
+    const QColor text = withAlpha(label, 0.85F);
+    const QColor secondary = withAlpha(label, isDark ? 0.55F : 0.50F);
+
+    QPalette palette;
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, control);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, isDark ? QColor(70, 70, 70) : QColor(250, 250, 250));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, label);
+    palette.setColor(QPalette::ToolTipBase, isDark ? QColor(64, 64, 64) : QColor(246, 246, 246));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, withAlpha(label, isDark ? 0.45F : 0.45F));
+    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, accent);
+    palette.setColor(QPalette::Mid, isDark ? QColor(70, 70, 70) : QColor(200, 200, 200));
+    palette.setColor(QPalette::Dark, isDark ? QColor(24, 24, 24) : QColor(170, 170, 170));
+    palette.setColor(QPalette::Light, isDark ? QColor(80, 80, 80) : QColor(255, 255, 255));
+    palette.setColor(QPalette::Shadow, QColor(0, 0, 0, 80));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, withAlpha(label, secondary.alphaF() / 2));
+    }
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, withAlpha(label, 0.1F));
+    return palette;
+}
+
+} // namespace kelm::style
+
+namespace kelm {
+
+namespace {
+
+constexpr int scrollBarExtent = 12;
+constexpr int shortestThumb = 28;
+
+void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QRect& thumb)
+{
+    if (option.maximum <= option.minimum) {
+        return;
+    }
+    const bool isVertical = option.orientation == Qt::Vertical;
+    const bool isHeld =
+        option.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider) && option.state.testFlag(QStyle::State_MouseOver);
+    QColor color = option.palette.color(QPalette::WindowText);
+    color.setAlphaF(option.state.testFlag(QStyle::State_Sunken) ? 0.5F : isHeld ? 0.4F : 0.22F);
+    const int inset = isHeld ? 2 : 3;
+    const QRectF box = QRectF(thumb).adjusted(isVertical ? inset : 2, isVertical ? 2 : inset, isVertical ? -inset : -2,
+                                              isVertical ? -2 : -inset);
+    const qreal radius = std::min(box.width(), box.height()) / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(box, radius, radius);
+    painter.restore();
+}
+
+/// Without arrows at the ends, the thumb runs along the whole bar.
+QRect scrollBarPart(const QStyleOptionSlider& option, QStyle::SubControl part)
+{
+    const bool isVertical = option.orientation == Qt::Vertical;
+    const int length = isVertical ? option.rect.height() : option.rect.width();
+    const int range = option.maximum - option.minimum;
+    int thumb = length;
+    if (range > 0) {
+        const qint64 total = qint64(range) + option.pageStep;
+        thumb = static_cast<int>(qint64(length) * option.pageStep / total);
+        thumb = std::min(length, std::max(shortestThumb, thumb));
+    }
+    const int start = QStyle::sliderPositionFromValue(option.minimum, option.maximum, option.sliderPosition,
+                                                      length - thumb, option.upsideDown);
+    const auto along = [&](int from, int to) {
+        return isVertical ? QRect(0, from, option.rect.width(), to - from)
+                          : QRect(from, 0, to - from, option.rect.height());
+    };
+    switch (part) {
+    case QStyle::SC_ScrollBarSlider:
+        return along(start, start + thumb);
+    case QStyle::SC_ScrollBarSubPage:
+        return along(0, start);
+    case QStyle::SC_ScrollBarAddPage:
+        return along(start + thumb, length);
+    case QStyle::SC_ScrollBarGroove:
+        return along(0, length);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+KelmStyle::KelmStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+void KelmStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                   const QWidget* widget) const
+{
+    const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && slider != nullptr) {
+        drawScrollBar(*slider, *painter, subControlRect(control, option, SC_ScrollBarSlider, widget));
+        return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QRect KelmStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                const QWidget* widget) const
+{
+    const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && slider != nullptr) {
+        return visualRect(option->direction, option->rect, scrollBarPart(*slider, part));
+    }
+    return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
+{
+    switch (metric) {
+    case PM_ScrollBarExtent:
+        return scrollBarExtent;
+    case PM_ScrollBarSliderMin:
+        return shortestThumb;
+    case PM_SplitterWidth:
+        return 1;
+    case PM_ButtonIconSize:
+    case PM_SmallIconSize:
+        return 16;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* returned) const
+{
+    switch (hint) {
+    case SH_ScrollBar_Transient:
+    case SH_EtchDisabledText:
+    case SH_DitherDisabledText:
+        return 0;
+    case SH_ToolTip_WakeUpDelay:
+        return 500;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+}
+
+void KelmStyle::polish(QWidget* widget)
+{
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QScrollBar*>(widget) != nullptr) {
+        widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
+        widget->setAttribute(Qt::WA_Hover);
+    }
+}
+
+} // namespace kelm
