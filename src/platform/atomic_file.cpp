@@ -16,7 +16,7 @@
 #include <sys/xattr.h>
 #endif
 
-#include "platform/file_descriptor.h"
+#include "platform/open_file.h"
 
 namespace kelm {
 
@@ -68,7 +68,7 @@ public:
         for (int i = 0; i < mostNames && !file_.isOpen(); ++i) {
             // A short name of its own, since the target's may be as long as names can be.
             path_ = folder + ".kelm-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-            file_ = FileDescriptor(::open(path_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+            file_ = OpenFile(::open(path_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
             if (!file_.isOpen() && errno != EEXIST) {
                 return;
             }
@@ -88,7 +88,7 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    FileDescriptor& file() { return file_; }
+    OpenFile& file() { return file_; }
 
     bool renameTo(const QByteArray& target)
     {
@@ -98,7 +98,7 @@ public:
 
 private:
     QByteArray path_;
-    FileDescriptor file_;
+    OpenFile file_;
     bool isLeft_ = false;
 };
 
@@ -160,7 +160,7 @@ bool flushToDisk(int descriptor)
 /// Makes the renaming last. A folder that cannot be opened for reading or flushed at all is left to the system.
 bool flushFolder(const QByteArray& folder)
 {
-    const FileDescriptor opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return !opened.isOpen() || flushToDisk(opened.get()) || errno == EINVAL || errno == ENOTSUP;
 }
 
@@ -183,7 +183,7 @@ bool replaceFile(const QByteArray& target, QByteArrayView bytes)
     // Until it has the old file's permissions, nobody else may look into the copy. It gets them after the text, since
     // writing takes some of them away again.
     TemporaryFile temporary(folder, exists ? 0600 : 0666);
-    FileDescriptor& file = temporary.file();
+    OpenFile& file = temporary.file();
     return file.isOpen() && file.writeAll(bytes.data(), bytes.size()) &&
            (!exists || copyAttributes(target, old, file.get())) && flushToDisk(file.get()) && file.close() &&
            temporary.renameTo(target) && flushFolder(folder);

@@ -1,6 +1,6 @@
 #include "platform/utf8_file.h"
 
-#include "platform/file_descriptor.h"
+#include "platform/open_file.h"
 
 #include <QFile>
 #include <QStringDecoder>
@@ -67,7 +67,7 @@ void makeRoom(QString& text, qsizetype used, qsizetype count)
     }
 }
 
-std::variant<QString, FileError> readUtf8(const FileDescriptor& file, const QString& path)
+std::variant<QString, FileError> readUtf8(const OpenFile& file, const QString& path)
 {
     struct stat status = {};
     if (::fstat(file.get(), &status) != 0) {
@@ -104,7 +104,7 @@ std::variant<QString, FileError> readUtf8(const FileDescriptor& file, const QStr
 
 } // namespace
 
-std::optional<QString> decodeUtf8(QByteArrayView bytes)
+std::optional<QString> decodeUtf8Text(QByteArrayView bytes)
 {
     QString text(bytes.size() + 1, Qt::Uninitialized);
     const QChar* const end = decodeTo(text.data(), bytes);
@@ -115,7 +115,7 @@ std::optional<QString> decodeUtf8(QByteArrayView bytes)
     return text;
 }
 
-QByteArray encodeUtf8(QStringView text)
+QByteArray encodeUtf8Text(QStringView text)
 {
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     return encoder.encode(text);
@@ -123,7 +123,7 @@ QByteArray encodeUtf8(QStringView text)
 
 std::variant<QString, FileError> readUtf8File(const QString& path)
 {
-    const FileDescriptor file = FileDescriptor::openForReading(QFile::encodeName(path));
+    const OpenFile file = OpenFile::openForReading(QFile::encodeName(path));
     if (!file.isOpen()) {
         return systemError(path);
     }

@@ -86,8 +86,8 @@ void Utf8FileTest::everyCharacterComesBack()
             continue;
         }
         const QString text = QString::fromUcs4(&value, 1);
-        const QByteArray bytes = encodeUtf8(text);
-        if (!isValid(bytes) || decodeUtf8(bytes) != text) {
+        const QByteArray bytes = encodeUtf8Text(text);
+        if (!isValid(bytes) || decodeUtf8Text(bytes) != text) {
             QFAIL(qPrintable(u"U+%1"_s.arg(uint(value), 4, 16)));
         }
     }
@@ -124,8 +124,8 @@ void Utf8FileTest::oddTextsComeBack()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, text);
-    QVERIFY(decodeUtf8(bytes) == text);
-    QCOMPARE(encodeUtf8(text), bytes);
+    QVERIFY(decodeUtf8Text(bytes) == text);
+    QCOMPARE(encodeUtf8Text(text), bytes);
     const std::variant<QString, FileError> read = readUtf8File(write(bytes));
     QVERIFY(std::holds_alternative<QString>(read));
     QCOMPARE(std::get<QString>(read), text);
@@ -160,7 +160,7 @@ void Utf8FileTest::whatIsNotValidIsRefused_data()
 void Utf8FileTest::whatIsNotValidIsRefused()
 {
     QFETCH(QByteArray, bytes);
-    QVERIFY(!decodeUtf8(bytes).has_value());
+    QVERIFY(!decodeUtf8Text(bytes).has_value());
     const QString path = write(bytes);
     const std::variant<QString, FileError> read = readUtf8File(path);
     QVERIFY(std::holds_alternative<FileError>(read));
@@ -174,7 +174,7 @@ void Utf8FileTest::shortSequencesAreTakenAsTheStandardSays()
                                         "\xf0\xf1\xf3\xf4\xf5\xff",
                                         25);
     const auto check = [](const QByteArray& bytes) {
-        if (decodeUtf8(bytes).has_value() != isValid(bytes)) {
+        if (decodeUtf8Text(bytes).has_value() != isValid(bytes)) {
             qWarning("%s", bytes.toHex().constData());
             return false;
         }
@@ -204,13 +204,13 @@ void Utf8FileTest::shortSequencesAreTakenAsTheStandardSays()
 void Utf8FileTest::charactersMayStandAcrossAnyChunk()
 {
     // Each shift puts the ends of the chunks into other places of the characters.
-    const QByteArray unit = encodeUtf8(u"a\u00e9\ud55c\U0001f600\r\n");
+    const QByteArray unit = encodeUtf8Text(u"a\u00e9\ud55c\U0001f600\r\n");
     const QByteArray many = unit.repeated((qsizetype(1) << 20) / unit.size());
     for (qsizetype shift = 0; shift < unit.size(); ++shift) {
         const QByteArray bytes = QByteArray(shift, 'x') + many;
         const std::variant<QString, FileError> read = readUtf8File(write(bytes));
         QVERIFY(std::holds_alternative<QString>(read));
-        QVERIFY(encodeUtf8(std::get<QString>(read)) == bytes);
+        QVERIFY(encodeUtf8Text(std::get<QString>(read)) == bytes);
     }
 }
 
@@ -248,9 +248,9 @@ void Utf8FileTest::unpairedSurrogatesBecomeReplacementCharacters()
 {
     QFETCH(QString, text);
     QFETCH(QString, saved);
-    const QByteArray bytes = encodeUtf8(text);
+    const QByteArray bytes = encodeUtf8Text(text);
     QVERIFY(isValid(bytes));
-    QVERIFY(decodeUtf8(bytes) == saved);
+    QVERIFY(decodeUtf8Text(bytes) == saved);
 }
 
 void Utf8FileTest::aFileOfNoSizeIsReadToItsEnd()

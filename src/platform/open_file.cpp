@@ -1,4 +1,4 @@
-#include "platform/file_descriptor.h"
+#include "platform/open_file.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -7,14 +7,14 @@
 
 namespace kelm {
 
-bool FileDescriptor::close()
+bool OpenFile::close()
 {
     const int descriptor = std::exchange(descriptor_, -1);
     // The descriptor is gone even when the call is interrupted: a second try could close another thread's file.
     return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR;
 }
 
-qsizetype FileDescriptor::read(char* bytes, qsizetype size) const
+qsizetype OpenFile::read(char* bytes, qsizetype size) const
 {
     for (;;) {
         const ssize_t count = ::read(descriptor_, bytes, std::size_t(size));
@@ -24,7 +24,7 @@ qsizetype FileDescriptor::read(char* bytes, qsizetype size) const
     }
 }
 
-bool FileDescriptor::writeAll(const char* bytes, qsizetype size) const
+bool OpenFile::writeAll(const char* bytes, qsizetype size) const
 {
     while (size > 0) {
         const ssize_t count = ::write(descriptor_, bytes, std::size_t(size));
@@ -39,18 +39,18 @@ bool FileDescriptor::writeAll(const char* bytes, qsizetype size) const
     return true;
 }
 
-FileDescriptor FileDescriptor::openForReading(const QByteArray& nativePath)
+OpenFile OpenFile::openForReading(const QByteArray& nativePath)
 {
     // Without O_NONBLOCK the opening of a pipe would wait for its other end.
-    FileDescriptor file(::open(nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    OpenFile file(::open(nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
-        return FileDescriptor();
+        return OpenFile();
     }
     if (!S_ISREG(status.st_mode)) {
         file.close();
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-        return FileDescriptor();
+        return OpenFile();
     }
     return file;
 }

@@ -8,18 +8,18 @@
 namespace kelm {
 
 /// Owns a POSIX file descriptor. `-1` stands for none.
-class FileDescriptor
+class OpenFile
 {
 public:
-    FileDescriptor() = default;
-    explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    OpenFile() = default;
+    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    OpenFile(OpenFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    OpenFile& operator=(OpenFile&& other) noexcept
     {
         std::swap(descriptor_, other.descriptor_);
         return *this;
     }
-    ~FileDescriptor() { close(); }
+    ~OpenFile() { close(); }
 
     bool isOpen() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
@@ -35,7 +35,7 @@ public:
 
     /// Opens the regular file at `nativePath`, a path in the system's own bytes, for reading. Closed, with `errno` set,
     /// on failure; whatever is not a regular file is refused, since a pipe or a device may never end.
-    static FileDescriptor openForReading(const QByteArray& nativePath);
+    static OpenFile openForReading(const QByteArray& nativePath);
 
 private:
     int descriptor_ = -1;

@@ -1,0 +1,52 @@
+// Choosing files, behind an interface so that its users need no window.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+
+namespace kelm {
+
+/// What an open panel lets a person choose.
+struct OpenPanelOptions
+{
+    bool canChooseFiles = true;
+    bool canChooseDirectories = false;
+    bool allowsMultipleSelection = false;
+};
+
+/// One choice of an open panel.
+struct ChosenUrl
+{
+    QUrl url;
+    bool isDirectory = false;
+
+    friend bool operator==(const ChosenUrl&, const ChosenUrl&) = default;
+};
+
+/// Kinds of content that a save panel offers.
+enum class ContentType { plainText, sourceCode, json, xml };
+
+/// Panels in which a person chooses files; each call waits for the answer. Main thread only.
+class FilePanels
+{
+public:
+    virtual ~FilePanels() = default;
+
+    /// The chosen URLs in the order in which the panel gives them; empty when the person cancels.
+    virtual QList<ChosenUrl> showOpenPanel(const OpenPanelOptions& options) = 0;
+
+    /// The URL to save to, or nothing when the person cancels. `allowedTypes` are offered in their order.
+    virtual std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) = 0;
+
+    /// The panels of the program: what was installed, or before that panels in which nothing is ever chosen.
+    static FilePanels& shared();
+
+    /// Says which panels `shared` stands for; once, before its first use.
+    static void install(std::unique_ptr<FilePanels> panels);
+};
+
+} // namespace kelm

@@ -1,0 +1,41 @@
+// File panels that answer what a test tells them.
+#pragma once
+
+#include "platform/file_panels.h"
+
+#include <functional>
+
+namespace kelm {
+
+class FakeFilePanels final : public FilePanels
+{
+public:
+    QList<ChosenUrl> showOpenPanel(const OpenPanelOptions& options) override
+    {
+        ++openPanelsShown;
+        openPanelOptions = options;
+        return openAnswer;
+    }
+
+    std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) override
+    {
+        ++savePanelsShown;
+        savePanelTypes = allowedTypes;
+        if (whileSavePanelIsUp) {
+            whileSavePanelIsUp();
+        }
+        return saveAnswer;
+    }
+
+    QList<ChosenUrl> openAnswer;
+    std::optional<QUrl> saveAnswer;
+    /// What happens behind the panel before it is answered.
+    std::function<void()> whileSavePanelIsUp;
+
+    int openPanelsShown = 0;
+    int savePanelsShown = 0;
+    OpenPanelOptions openPanelOptions;
+    QList<ContentType> savePanelTypes;
+};
+
+} // namespace kelm

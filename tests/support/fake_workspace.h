@@ -1,0 +1,40 @@
+// A desktop that only takes notes.
+#pragma once
+
+#include "platform/workspace.h"
+
+#include <QHash>
+#include <QList>
+
+namespace kelm {
+
+class FakeWorkspace final : public Workspace
+{
+public:
+    std::optional<FileError> moveToTrash(const QUrl& url) override
+    {
+        trashed << url;
+        return trashError;
+    }
+    void reveal(const QUrl& url) override { revealed << url; }
+    bool openUrl(const QUrl& url) override
+    {
+        opened << url;
+        return opensUrls;
+    }
+    std::optional<QString> applicationForScheme(const QString& scheme) override
+    {
+        const auto found = applications.find(scheme);
+        return found == applications.end() ? std::nullopt : std::optional(*found);
+    }
+
+    std::optional<FileError> trashError;
+    bool opensUrls = true;
+    QHash<QString, QString> applications;
+
+    QList<QUrl> trashed;
+    QList<QUrl> revealed;
+    QList<QUrl> opened;
+};
+
+} // namespace kelm
