@@ -69,7 +69,7 @@ private:
 
     QSocketNotifier* watch(const FileDescriptor& descriptor, QSocketNotifier::Type type)
     {
-        return new QSocketNotifier(descriptor.get(), type, this);
+        return new QSocketNotifier(descriptor.number(), type, this);
     }
 
     static void close(FileDescriptor& descriptor, QSocketNotifier*& notifier)

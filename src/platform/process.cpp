@@ -37,10 +37,10 @@ private:
     void step()
     {
         // A closed descriptor is -1, which the call passes over.
-        pollfd waits[] = {{child_.standardInput.get(), POLLOUT, 0},
-                          {child_.standardOutput.get(), POLLIN, 0},
-                          {child_.standardError.get(), POLLIN, 0},
-                          {child_.exitNotice.get(), POLLIN, 0}};
+        pollfd waits[] = {{child_.standardInput.number(), POLLOUT, 0},
+                          {child_.standardOutput.number(), POLLIN, 0},
+                          {child_.standardError.number(), POLLIN, 0},
+                          {child_.exitNotice.number(), POLLIN, 0}};
         if (::poll(waits, std::size(waits), -1) < 0) {
             return;
         }

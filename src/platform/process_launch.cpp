@@ -33,10 +33,10 @@ struct Pipe
 /// The descriptor moved above the three standard ones: the child's own would overwrite it there.
 FileDescriptor aboveStandard(FileDescriptor descriptor)
 {
-    if (!descriptor.isOpen() || descriptor.get() > STDERR_FILENO) {
+    if (!descriptor.isOpen() || descriptor.number() > STDERR_FILENO) {
         return descriptor;
     }
-    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    return FileDescriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
 
 /// A pipe that other children do not inherit; its ends are closed when the system gives none.
@@ -52,7 +52,7 @@ Pipe makePipe()
 
 void doNotBlock(const FileDescriptor& descriptor)
 {
-    ::fcntl(descriptor.get(), F_SETFL, ::fcntl(descriptor.get(), F_GETFL) | O_NONBLOCK);
+    ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
 }
 
 /// Keeps the signal of a broken pipe from this thread for as long as it lives: writing to a child that has gone is an
@@ -125,7 +125,7 @@ public:
 
     void duplicate(const FileDescriptor& from, int to)
     {
-        ::posix_spawn_file_actions_adddup2(&actions_, from.get(), to);
+        ::posix_spawn_file_actions_adddup2(&actions_, from.number(), to);
     }
     void changeDirectory(const QByteArray& path)
     {
@@ -301,7 +301,7 @@ int writeOnce(const FileDescriptor& pipe, QByteArrayView bytes, qsizetype& writt
         return 0;
     }
     const BrokenPipeGuard guard;
-    const ssize_t count = ::write(pipe.get(), bytes.data() + written, static_cast<size_t>(bytes.size() - written));
+    const ssize_t count = ::write(pipe.number(), bytes.data() + written, static_cast<size_t>(bytes.size() - written));
     if (count < 0) {
         return errno == EAGAIN || errno == EINTR ? 0 : errno;
     }
@@ -315,7 +315,7 @@ bool readOnce(const FileDescriptor& pipe, QByteArray& bytes)
     bytes.resize(size + chunkSize);
     ssize_t count = 0;
     do {
-        count = ::read(pipe.get(), bytes.data() + size, chunkSize);
+        count = ::read(pipe.number(), bytes.data() + size, chunkSize);
     } while (count < 0 && errno == EINTR);
     const bool waits = count < 0 && errno == EAGAIN;
     bytes.resize(size + std::max<ssize_t>(count, 0));
@@ -325,7 +325,7 @@ bool readOnce(const FileDescriptor& pipe, QByteArray& bytes)
 void readAvailable(const FileDescriptor& pipe, QByteArray& bytes)
 {
     int available = 0;
-    if (!pipe.isOpen() || ::ioctl(pipe.get(), FIONREAD, &available) != 0) {
+    if (!pipe.isOpen() || ::ioctl(pipe.number(), FIONREAD, &available) != 0) {
         return;
     }
     const qsizetype end = bytes.size() + available;

@@ -52,7 +52,7 @@ std::optional<QString> Utf8ChunkDecoder::decode(QByteArrayView chunk)
     if (chunk.isEmpty()) {
         return std::nullopt;
     }
-    return decodeUtf8(chunk);
+    return decodeUtf8Text(chunk);
 }
 
 } // namespace kelm

@@ -14,9 +14,9 @@
 namespace kelm {
 
 /// The text of UTF-8 bytes (RFC 3629), unit for unit: a leading byte-order mark stays as U+FEFF, and NUL, noncharacters
-/// and every kind of line end stay as they are, so that `encodeUtf8Text` gives the same bytes again. Absent when anything
-/// is not valid: an overlong form, an encoded surrogate, a value beyond U+10FFFF, a cut-off or a stray byte. Linear
-/// time.
+/// and every kind of line end stay as they are, so that `encodeUtf8Text` gives the same bytes again. Absent when
+/// anything is not valid: an overlong form, an encoded surrogate, a value beyond U+10FFFF, a cut-off or a stray byte.
+/// Linear time.
 std::optional<QString> decodeUtf8Text(QByteArrayView bytes);
 
 /// The UTF-8 bytes of `text`, without a mark of its own. An unpaired surrogate, which no file that was read can have
