@@ -1,5 +1,8 @@
 #include "platform/view/style.h"
 
+#include "platform/named_colors.h"
+
+#include <QApplication>
 #include <QFontDatabase>
 #include <QPainter>
 #include <QScrollBar>
@@ -11,6 +14,8 @@
 namespace kelm::style {
 
 namespace {
+
+constexpr int interfaceFontSize = 13;
 
 QColor withAlpha(QColor color, float alpha)
 {
@@ -33,14 +38,14 @@ QFont monospaced(int pixelSize)
     return font;
 }
 
-QPalette palette(bool isDark)
+QPalette palette(Appearance appearance)
 {
+    const bool isDark = appearance == Appearance::dark;
     const QColor label = isDark ? Qt::white : Qt::black;
-    const QColor window = isDark ? QColor(50, 50, 50) : QColor(236, 236, 236);
-    const QColor control = isDark ? QColor(30, 30, 30) : QColor(255, 255, 255);
-    const QColor accent = isDark ? QColor(10, 132, 255) : QColor(0, 122, 255);
-    const QColor text = withAlpha(label, 0.85F);
-    const QColor secondary = withAlpha(label, isDark ? 0.55F : 0.50F);
+    const QColor window = systemColor(SystemColor::windowBackground, appearance);
+    const QColor control = systemColor(SystemColor::controlBackground, appearance);
+    const QColor accent = systemColor(SystemColor::accent, appearance);
+    const QColor text = systemColor(SystemColor::primaryLabel, appearance);
 
     QPalette palette;
     palette.setColor(QPalette::Window, window);
@@ -53,7 +58,7 @@ QPalette palette(bool isDark)
     palette.setColor(QPalette::BrightText, label);
     palette.setColor(QPalette::ToolTipBase, isDark ? QColor(64, 64, 64) : QColor(246, 246, 246));
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, withAlpha(label, isDark ? 0.45F : 0.45F));
+    palette.setColor(QPalette::PlaceholderText, withAlpha(label, 0.45F));
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent);
@@ -62,10 +67,26 @@ QPalette palette(bool isDark)
     palette.setColor(QPalette::Light, isDark ? QColor(80, 80, 80) : QColor(255, 255, 255));
     palette.setColor(QPalette::Shadow, QColor(0, 0, 0, 80));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, withAlpha(label, secondary.alphaF() / 2));
+        palette.setColor(QPalette::Disabled, role, withAlpha(label, 0.27F));
     }
     palette.setColor(QPalette::Disabled, QPalette::Highlight, withAlpha(label, 0.1F));
     return palette;
+}
+
+Appearance appearanceOf(const QWidget& widget)
+{
+    const bool isDark = widget.palette().color(QPalette::WindowText).lightness() > 127;
+    return isDark ? Appearance::dark : Appearance::light;
+}
+
+void installOn(QApplication& application)
+{
+    application.setStyle(new KelmStyle);
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(interfaceFontSize);
+    application.setFont(font);
+    QApplication::setPalette(palette(Appearance::dark));
+    installAppearance([](Appearance appearance) { QApplication::setPalette(palette(appearance)); });
 }
 
 } // namespace kelm::style

@@ -1,17 +1,27 @@
 // The look of the program in one place: fonts, palettes and the drawing of controls.
 #pragma once
 
+#include "platform/appearance.h"
+
 #include <QFont>
 #include <QPalette>
 #include <QProxyStyle>
+
+class QApplication;
 
 namespace kelm::style {
 
 /// The monospaced system font at a pixel size, with families behind it that cover Korean and emoji.
 QFont monospaced(int pixelSize);
 
-/// The palette of all controls, dark or light.
-QPalette palette(bool isDark);
+/// The palette of all controls.
+QPalette palette(Appearance appearance);
+
+/// The appearance that a widget's palette shows.
+Appearance appearanceOf(const QWidget& widget);
+
+/// Gives the application its style, its font and a palette that follows the appearance that is set for it.
+void installOn(QApplication& application);
 
 } // namespace kelm::style
 
