@@ -1,0 +1,163 @@
+#include "editor/folding/code_folding_manager.h"
+
+#include "editor/folding/fold_scans.h"
+#include "text/text_storage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kelm {
+
+const QString CodeFoldingManager::foldPlaceholder = QStringLiteral(" \u2026 ");
+
+CodeFoldingManager::CodeFoldingManager(NotificationCenter& center) : center_(center) {}
+
+CodeFoldingManager::~CodeFoldingManager()
+{
+    QObject::disconnect(edits_);
+}
+
+void CodeFoldingManager::setTextView(TextStorage* textView)
+{
+    if (textView == textView_) {
+        return;
+    }
+    QObject::disconnect(edits_);
+    journal_.clear();
+    ownRevision_ = 0;
+    textView_ = textView;
+    if (textView != nullptr) {
+        edits_ = QObject::connect(textView, &TextStorage::edited, textView,
+                                  [this](const TextEdit& edit) { textEdited(edit); });
+    }
+}
+
+const FoldableRegion* CodeFoldingManager::firstRegionStartingAt(qsizetype line) const
+{
+    const auto region =
+        std::lower_bound(foldableRegions_.begin(), foldableRegions_.end(), line,
+                         [](const FoldableRegion& r, qsizetype wanted) { return r.startLine < wanted; });
+    return region != foldableRegions_.end() && region->startLine == line ? &*region : nullptr;
+}
+
+void CodeFoldingManager::detectFoldableRegions(Language language)
+{
+    if (!textView_) {
+        return;
+    }
+    switch (language) {
+    case Language::xml:
+    case Language::html:
+        foldableRegions_ = scanTags(textView_->text());
+        break;
+    case Language::python:
+        foldableRegions_ = scanIndents(textView_->text());
+        break;
+    default:
+        foldableRegions_ = scanBraces(textView_->text());
+    }
+    std::stable_sort(foldableRegions_.begin(), foldableRegions_.end(),
+                     [](const FoldableRegion& a, const FoldableRegion& b) { return a.startLine < b.startLine; });
+}
+
+void CodeFoldingManager::fold(FoldableRegion region)
+{
+    if (!textView_ || isFolded(region)) {
+        return;
+    }
+    const auto range = rangeForRegion(region);
+    if (!range) {
+        return;
+    }
+    const QString body = textView_->substring(*range);
+    foldedContent_[region.startLine] = body;
+    journal_.folded(region.startLine, {range->location, foldPlaceholder.size()}, body);
+    replace(*range, foldPlaceholder);
+    foldedRegionStartLines_.insert(region.startLine);
+    foldedLines_.insert(region.startLine + 1, region.endLine);
+    postChange();
+}
+
+void CodeFoldingManager::unfold(FoldableRegion region)
+{
+    const auto content = foldedContent_.find(region.startLine);
+    if (!textView_ || !isFolded(region) || content == foldedContent_.end()) {
+        return;
+    }
+    // How far behind the line the placeholder may begin.
+    constexpr qsizetype reach = 10;
+    const auto start = offsetBehindLine(region.startLine);
+    if (!start) {
+        return;
+    }
+    const QStringView searched = QStringView(textView_->text()).mid(*start, foldPlaceholder.size() + reach);
+    const qsizetype found = searched.indexOf(foldPlaceholder);
+    if (found < 0) {
+        return;
+    }
+    const TextRange placeholder{*start + found, foldPlaceholder.size()};
+    const QString body = content->second;
+    journal_.unfolded(region.startLine, placeholder, foldPlaceholder, body.size());
+    replace(placeholder, body);
+    foldedRegionStartLines_.erase(region.startLine);
+    foldedContent_.erase(region.startLine);
+    foldedLines_.remove(region.startLine + 1, region.endLine);
+    postChange();
+}
+
+void CodeFoldingManager::unfoldAll()
+{
+    if (!textView_) {
+        return;
+    }
+    const bool hadFolds = isTextFolded() || !foldedRegionStartLines_.empty();
+    while (const auto last = journal_.takeLast()) {
+        replace({last->location, last->length}, last->original);
+    }
+    foldedRegionStartLines_.clear();
+    foldedContent_.clear();
+    foldedLines_.clear();
+    if (hadFolds) {
+        postChange();
+    }
+}
+
+std::optional<TextRange> CodeFoldingManager::rangeForRegion(const FoldableRegion& region) const
+{
+    if (region.startLine < 1 || region.endLine <= region.startLine || region.endLine - region.startLine < 2) {
+        return {};
+    }
+    const auto start = offsetBehindLine(region.startLine);
+    if (!start) {
+        return {};
+    }
+    const qsizetype end = offsetBehindLine(region.endLine - 1).value_or(textView_->length());
+    return end > *start ? std::optional(TextRange::between(*start, end)) : std::nullopt;
+}
+
+std::optional<qsizetype> CodeFoldingManager::offsetBehindLine(qsizetype line) const
+{
+    const LineIndex& lines = textView_->lines();
+    return line >= 1 && line <= lines.lineCount() ? std::optional(lines.end(line - 1)) : std::nullopt;
+}
+
+void CodeFoldingManager::replace(TextRange range, const QString& text)
+{
+    // Known before the storage tells of the edit: each edit is one revision.
+    ownRevision_ = textView_->revision() + 1;
+    textView_->replace(range, text);
+}
+
+void CodeFoldingManager::textEdited(const TextEdit& edit)
+{
+    if (textView_->revision() != ownRevision_) {
+        journal_.textEdited(edit);
+    }
+}
+
+void CodeFoldingManager::postChange()
+{
+    center_.post(notifications::codeFoldingChanged);
+}
+
+} // namespace kelm
