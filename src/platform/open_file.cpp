@@ -1,7 +1,9 @@
 #include "platform/open_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,6 +23,33 @@ qsizetype OpenFile::read(char* bytes, qsizetype size) const
         if (count >= 0 || errno != EINTR) {
             return count;
         }
+    }
+}
+
+std::optional<QByteArray> OpenFile::readAll() const
+{
+    struct stat status = {};
+    if (::fstat(descriptor_, &status) != 0) {
+        return std::nullopt;
+    }
+    try {
+        // One more than the stated size, so that the end shows at once. Some files say a size of 0 whatever they hold.
+        QByteArray bytes(qsizetype(status.st_size) + 1, Qt::Uninitialized);
+        qsizetype used = 0;
+        while (const qsizetype count = read(bytes.data() + used, bytes.size() - used)) {
+            if (count < 0) {
+                return std::nullopt;
+            }
+            used += count;
+            if (used == bytes.size()) {
+                bytes.resize(std::max(2 * used, qsizetype(4096)));
+            }
+        }
+        bytes.truncate(used);
+        return bytes;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return std::nullopt;
     }
 }
 

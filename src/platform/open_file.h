@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+#include <optional>
 #include <utility>
 
 namespace kelm {
@@ -29,6 +30,9 @@ public:
 
     /// Reads up to `size` bytes; 0 at the end of the file, -1 with `errno` set on failure.
     qsizetype read(char* bytes, qsizetype size) const;
+
+    /// All that is left of the file; absent with `errno` set on failure.
+    std::optional<QByteArray> readAll() const;
 
     /// Writes all `size` bytes; false with `errno` set on failure.
     bool writeAll(const char* bytes, qsizetype size) const;

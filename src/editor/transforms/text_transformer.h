@@ -27,6 +27,11 @@ struct TextTransformer
     /// The words of a text: they end at blanks, tabs, other space separators, "_" and "-", and between a letter of a to
     /// z and one of A to Z. Line ends are parts of words.
     static QStringList splitIntoWords(const QString& text);
+
+    /// The lines in the order of the user's locale, letter case ignored; equal ones keep their order, also when
+    /// descending. Each newline character ends a line, so that a CRLF pair leaves an empty one; one line feed joins the
+    /// lines again. The empty line behind a last newline sorts as any other.
+    static QString sortLines(const QString& text, bool ascending);
 };
 
 } // namespace kelm

@@ -1,0 +1,127 @@
+#include "editor/themes/theme_manager.h"
+
+#include "platform/main_queue.h"
+#include "platform/open_file.h"
+#include "platform/standard_paths.h"
+
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString selectedThemeKey = u"selectedTheme"_s;
+
+/// Whether the name of a file has the extension "json", in this letter case. A name that begins with its only dot has
+/// no extension.
+bool isThemeFileName(const std::filesystem::path& path)
+{
+    return path.extension() == ".json";
+}
+
+std::optional<EditorTheme> readTheme(const std::filesystem::path& path)
+{
+    // The path stays in the system's own bytes: a name need not be text.
+    const OpenFile file = OpenFile::openForReading(QByteArray::fromStdString(path.native()));
+    const std::optional<QByteArray> json = file.isOpen() ? file.readAll() : std::nullopt;
+    return json ? EditorTheme::decode(*json) : std::nullopt;
+}
+
+} // namespace
+
+ThemeManager::ThemeManager(Services services) : services_(std::move(services))
+{
+    loadSavedTheme();
+    loadCustomThemes();
+    applyAppearance();
+}
+
+void ThemeManager::setCurrentTheme(const EditorTheme& theme)
+{
+    if (currentTheme_ == theme) {
+        return;
+    }
+    currentTheme_ = theme;
+    Q_EMIT currentThemeChanged();
+}
+
+void ThemeManager::applyAppearance()
+{
+    // The work may outlive the manager, so it holds what it needs.
+    const Appearance appearance = currentTheme_.isDark ? Appearance::dark : Appearance::light;
+    onMainQueue([set = services_.setAppearance, appearance] { set(appearance); });
+}
+
+void ThemeManager::saveTheme()
+{
+    services_.userDefaults.setString(selectedThemeKey, currentTheme_.name);
+}
+
+void ThemeManager::loadSavedTheme()
+{
+    const std::optional<QString> name = services_.userDefaults.string(selectedThemeKey);
+    if (!name) {
+        return;
+    }
+    const auto theme = std::find_if(availableThemes_.cbegin(), availableThemes_.cend(),
+                                    [&name](const EditorTheme& each) { return each.name == *name; });
+    if (theme != availableThemes_.cend()) {
+        setCurrentTheme(*theme);
+    }
+}
+
+void ThemeManager::loadCustomThemes()
+{
+    if (services_.applicationSupportDirectory.isEmpty()) {
+        return;
+    }
+    const std::filesystem::path folder(
+        QFile::encodeName(services_.applicationSupportDirectory + u"/KelmPane/Themes"_s).toStdString());
+    std::error_code error;
+    if (!std::filesystem::exists(folder, error) && !error) {
+        return;
+    }
+    // The order is that of the folder itself, unsorted.
+    std::vector<std::filesystem::path> paths;
+    std::filesystem::directory_iterator entry(folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        if (isThemeFileName(entry->path())) {
+            paths.push_back(entry->path());
+        }
+    }
+    if (error) {
+        services_.log.print(u"Error loading custom themes: "_s + QString::fromStdString(error.message()));
+        return;
+    }
+    QSet<QString> names;
+    for (const EditorTheme& theme : std::as_const(availableThemes_)) {
+        names.insert(theme.name);
+    }
+    const qsizetype countBefore = availableThemes_.size();
+    for (const std::filesystem::path& path : paths) {
+        std::optional<EditorTheme> theme = readTheme(path);
+        if (theme && !names.contains(theme->name)) {
+            names.insert(theme->name);
+            availableThemes_.append(*std::move(theme));
+        }
+    }
+    if (availableThemes_.size() != countBefore) {
+        Q_EMIT availableThemesChanged();
+    }
+}
+
+ThemeManager& ThemeManager::shared()
+{
+    static ThemeManager manager({UserDefaults::shared(), Log::system(), standardPaths::applicationSupportDirectory(),
+                                 setApplicationAppearance});
+    return manager;
+}
+
+} // namespace kelm
