@@ -1,0 +1,141 @@
+#include "app/command_table.h"
+
+#include "app/app_state.h"
+#include "platform/file_url.h"
+
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+#ifdef Q_OS_MACOS
+/// The toolkit maps Command to `CTRL` and Control to `META` there.
+constexpr Qt::KeyboardModifier controlModifier = Qt::MetaModifier;
+#else
+constexpr Qt::KeyboardModifier controlModifier = Qt::ControlModifier;
+#endif
+
+constexpr Qt::KeyboardModifiers command = Qt::ControlModifier;
+constexpr Qt::KeyboardModifiers commandShift = Qt::ControlModifier | Qt::ShiftModifier;
+constexpr Qt::KeyboardModifiers commandOption = Qt::ControlModifier | Qt::AltModifier;
+
+using Action = std::function<void(AppState&)>;
+
+MenuItem item(QString label, std::optional<QKeyCombination> key, Action action)
+{
+    return {MenuItem::Kind::command, std::move(label), key, std::move(action)};
+}
+
+MenuItem item(QString label, Action action)
+{
+    return item(std::move(label), std::nullopt, std::move(action));
+}
+
+MenuItem separator()
+{
+    return {MenuItem::Kind::separator};
+}
+
+MenuItem submenu(QString label, std::vector<MenuItem> items)
+{
+    MenuItem menu{MenuItem::Kind::submenu, std::move(label)};
+    menu.items = std::move(items);
+    return menu;
+}
+
+MenuItem submenu(QString label, std::function<std::vector<MenuItem>(const AppState&)> makeItems)
+{
+    MenuItem menu{MenuItem::Kind::submenu, std::move(label)};
+    menu.makeItems = std::move(makeItems);
+    return menu;
+}
+
+Action showSearch(SearchMode mode)
+{
+    return [mode](AppState& state) {
+        state.setShowSearch(true);
+        state.setSearchMode(mode);
+    };
+}
+
+void doNothing(AppState&) {}
+
+std::vector<MenuGroup> makeCommandTable()
+{
+    return {
+        {u"File"_s,
+         MenuPlacement::replacingNewItems,
+         {
+             item(u"New File"_s, command | Qt::Key_N, &AppState::createNewTab),
+             item(u"New Window"_s, commandShift | Qt::Key_N, doNothing),
+             separator(),
+             item(u"Open..."_s, command | Qt::Key_O, &AppState::showOpenPanel),
+             submenu(u"Open Recent"_s, makeOpenRecentItems),
+         }},
+        {u"File"_s,
+         MenuPlacement::replacingSaveItems,
+         {
+             item(u"Save"_s, command | Qt::Key_S, &AppState::saveCurrentDocument),
+             item(u"Save As..."_s, commandShift | Qt::Key_S, &AppState::saveCurrentDocumentAs),
+             item(u"Save All"_s, commandOption | Qt::Key_S, &AppState::saveAllDocuments),
+         }},
+        {u"Edit"_s,
+         MenuPlacement::afterTextEditing,
+         {
+             submenu(u"Format"_s,
+                     std::vector{
+                         item(u"Sort Lines Ascending"_s, [](AppState& state) { state.sortLines(true); }),
+                         item(u"Sort Lines Descending"_s, [](AppState& state) { state.sortLines(false); }),
+                     }),
+         }},
+        {u"View"_s,
+         MenuPlacement::afterToolbar,
+         {
+             item(u"Toggle Sidebar"_s, command | Qt::Key_B,
+                  [](AppState& state) { state.setShowSidebar(!state.showSidebar()); }),
+             item(u"Toggle Bottom Panel"_s, controlModifier | Qt::Key_QuoteLeft,
+                  [](AppState& state) { state.setShowBottomPanel(!state.showBottomPanel()); }),
+             item(u"Toggle Minimap"_s, commandShift | Qt::Key_M,
+                  [](AppState& state) { state.setShowMinimap(!state.showMinimap()); }),
+         }},
+        {u"Find"_s,
+         MenuPlacement::ownMenu,
+         {
+             item(u"Find..."_s, command | Qt::Key_F, showSearch(SearchMode::find)),
+             item(u"Find and Replace..."_s, command | Qt::Key_H, showSearch(SearchMode::replace)),
+             item(u"Find in Project..."_s, commandShift | Qt::Key_F, showSearch(SearchMode::project)),
+             separator(),
+             item(u"Go to File..."_s, command | Qt::Key_P, [](AppState& state) { state.setShowQuickOpen(true); }),
+             item(u"Go to Line..."_s, command | Qt::Key_G, [](AppState& state) { state.setShowGoToLine(true); }),
+         }},
+    };
+}
+
+} // namespace
+
+const std::vector<MenuGroup>& commandTable()
+{
+    static const std::vector<MenuGroup> table = makeCommandTable();
+    return table;
+}
+
+std::vector<MenuItem> makeOpenRecentItems(const AppState& appState)
+{
+    std::vector<MenuItem> items;
+    for (const QUrl& url : appState.recentFiles()) {
+        items.push_back(item(lastPathComponent(url), [url](AppState& state) { state.openFile(url); }));
+    }
+    if (!items.empty()) {
+        items.push_back(separator());
+        items.push_back(item(u"Clear Menu"_s, [](AppState& state) {
+            state.setRecentFiles({});
+            state.saveRecentFiles();
+        }));
+    }
+    return items;
+}
+
+} // namespace kelm
