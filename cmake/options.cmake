@@ -14,3 +14,7 @@ if(KELM_SANITIZE)
     -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kelm_options INTERFACE -fsanitize=${KELM_SANITIZE})
 endif()
+if(KELM_FUZZ)
+  # Lets a fuzz target see which branches its input takes.
+  target_compile_options(kelm_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

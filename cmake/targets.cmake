@@ -53,3 +53,24 @@ function(kelm_track_moc_files target)
     file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
   endif()
 endfunction()
+
+# kelm_fuzz(name): tests/fuzz/<name>_fuzz.cpp, whose `LLVMFuzzerTestOneInput` ends the process when something is wrong.
+# A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as well, which goes on from
+# there with libFuzzer.
+function(kelm_fuzz name)
+  add_executable(${name}_corpus_test ${name}_fuzz.cpp corpus_main.cpp)
+  target_link_libraries(${name}_corpus_test PRIVATE kelm_core)
+  set_target_properties(${name}_corpus_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/fuzz)
+  add_test(NAME fuzz/${name}_corpus_test COMMAND ${name}_corpus_test ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+  set_tests_properties(fuzz/${name}_corpus_test PROPERTIES
+    LABELS fuzz
+    TIMEOUT 60
+    ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+  if(KELM_FUZZ)
+    add_executable(${name}_fuzz ${name}_fuzz.cpp)
+    target_link_libraries(${name}_fuzz PRIVATE kelm_core)
+    target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
+    set_target_properties(${name}_fuzz PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
+    add_dependencies(kelm_fuzz ${name}_fuzz)
+  endif()
+endfunction()
