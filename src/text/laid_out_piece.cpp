@@ -108,9 +108,10 @@ void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetri
     }
 }
 
-void LaidOutPiece::paint(QPainter& painter, QPointF origin, const QRectF& clip) const
+void LaidOutPiece::paintRow(QPainter& painter, QPointF origin, int row) const
 {
-    layout_.draw(&painter, origin, {}, clip);
+    // Drawing the whole layout with a clip paints the row before as well.
+    layout_.lineAt(row).draw(&painter, origin);
 }
 
 void LaidOutPiece::makeRows(const RowMetrics& metrics)

@@ -54,8 +54,8 @@ public:
 
     void rewrap(const RowMetrics& metrics);
     void setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics);
-    /// Paints the rows that meet `clip`, with the piece's top left at `origin`.
-    void paint(QPainter& painter, QPointF origin, const QRectF& clip) const;
+    /// Paints one row, with the piece's top left at `origin`.
+    void paintRow(QPainter& painter, QPointF origin, int row) const;
 
     /// Set by the owner: which width the rows were made for, and whether the colours are those of the text.
     qreal wrappedFor = 0;

@@ -1,7 +1,6 @@
 #include "text/text_layout.h"
 
 #include <QFontMetricsF>
-#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -26,11 +25,11 @@ TextLayout::TextLayout(TextStorage& storage, QObject* parent) : QObject(parent),
 
 TextLayout::~TextLayout() = default;
 
-void TextLayout::setFont(const QFont& font)
+void TextLayout::setFont(const QFont& font, std::optional<qreal> rowHeight)
 {
     metrics_.font = font;
     const QFontMetricsF measure(font);
-    metrics_.rowHeight = std::ceil(measure.ascent() + measure.descent());
+    metrics_.rowHeight = rowHeight.value_or(std::ceil(measure.ascent() + measure.descent()));
     metrics_.baseline = std::round((metrics_.rowHeight - measure.ascent() - measure.descent()) / 2 + measure.ascent());
     advance_ = std::max<qreal>(1, measure.horizontalAdvance(u'0'));
     metrics_.tabStop = advance_ * columnsPerTab;
@@ -150,10 +149,7 @@ std::optional<TextRow> TextLayout::neighbour(const TextRow& row, int direction)
 void TextLayout::paintRow(QPainter& painter, const TextRow& row, QPointF pageOrigin)
 {
     const auto [piece, number] = pieceOf(row);
-    const qreal pieceTop = row.top - number * metrics_.rowHeight;
-    const QRectF clip(pageOrigin.x() - metrics_.width, pageOrigin.y() + row.top + metrics_.rowHeight / 4,
-                      metrics_.width * 3, metrics_.rowHeight / 2);
-    piece.layout->paint(painter, pageOrigin + QPointF(0, pieceTop), clip);
+    piece.layout->paintRow(painter, pageOrigin + QPointF(0, row.top - number * metrics_.rowHeight), number);
 }
 
 void TextLayout::setPreedit(std::optional<Preedit> preedit)

@@ -59,8 +59,8 @@ public:
 
     const TextStorage& storage() const { return storage_; }
     const QFont& font() const { return metrics_.font; }
-    /// Sets the font and with it the row's height, the font's own height rounded up.
-    void setFont(const QFont& font);
+    /// Sets the font and the height of the rows: the font's own height, rounded up, where none is given.
+    void setFont(const QFont& font, std::optional<qreal> rowHeight = {});
     qreal rowHeight() const { return metrics_.rowHeight; }
     /// The width of one digit.
     qreal advance() const { return advance_; }

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleFactory>
@@ -28,7 +29,8 @@ QColor withAlpha(QColor color, float alpha)
 QFont monospaced(int pixelSize)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    QStringList families = font.families();
+    // The system's answer may be an alias, which counts for nothing in a list of families.
+    QStringList families{QFontInfo(font).family()};
     for (const char* family : {"D2Coding", "NanumGothicCoding", "Noto Sans Mono CJK KR", "Noto Color Emoji"}) {
         families.append(QString::fromLatin1(family));
     }

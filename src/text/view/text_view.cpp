@@ -77,12 +77,18 @@ void TextView::setReadOnly(bool readOnly)
 void TextView::setColors(const TextViewColors& colors)
 {
     colors_ = colors;
+    // The scroll bar stands on the text's own ground.
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, colors.background);
+    ground.setColor(QPalette::WindowText, colors.background.lightness() < 128 ? Qt::white : Qt::black);
+    verticalScrollBar()->setPalette(ground);
+    verticalScrollBar()->setAutoFillBackground(true);
     viewport()->update();
 }
 
-void TextView::setTextFont(const QFont& font)
+void TextView::setTextFont(const QFont& font, std::optional<qreal> rowHeight)
 {
-    layout_.setFont(font);
+    layout_.setFont(font, rowHeight);
     verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
     updateWrapWidth();
     viewport()->update();

@@ -77,7 +77,8 @@ public:
 
     const TextViewColors& colors() const { return colors_; }
     void setColors(const TextViewColors& colors);
-    void setTextFont(const QFont& font);
+    /// `rowHeight` in points; the font's own height where none is given.
+    void setTextFont(const QFont& font, std::optional<qreal> rowHeight = {});
     /// Distance of the text from the view's edges.
     void setTextInset(QSizeF inset);
     QSizeF textInset() const { return inset_; }
