@@ -32,9 +32,17 @@ void ColorRuns::set(TextRange range, Color color)
     if (wanted.isEmpty()) {
         return;
     }
-    const qsizetype first = splitAt(wanted.location);
-    const qsizetype last = splitAt(wanted.end());
-    replaceRuns(first, last - first, {wanted.location}, {color});
+    qsizetype first = splitAt(wanted.location);
+    qsizetype last = splitAt(wanted.end());
+    // Runs of one colour that meet become one, or marks set and taken away all day would cut the text to shreds.
+    qsizetype start = wanted.location;
+    if (first > 0 && colors_[static_cast<std::size_t>(first - 1)] == color) {
+        start = starts_.at(--first);
+    }
+    if (last < starts_.size() && colors_[static_cast<std::size_t>(last)] == color) {
+        ++last;
+    }
+    replaceRuns(first, last - first, {start}, {color});
 }
 
 TextRange ColorRuns::assign(const std::vector<ColorRun>& runs)
@@ -121,11 +129,14 @@ void ColorRuns::textReplaced(TextRange range, qsizetype newLength)
     }
     // The runs that begin in or right behind the replaced range make way. What is left of the last of them begins
     // behind the new text; at the top of the text it takes the new text in as well, and elsewhere the run before does.
+    // Two of one colour that come together are one: letters are not shaped across the border of two runs.
     const qsizetype first = range.location > 0 ? runAt(range.location - 1) + 1 : 0;
     const qsizetype next = starts_.upperBound(range.end());
     std::vector<qsizetype> starts;
     std::vector<Color> colors;
-    if (range.end() < length_ && next > first) {
+    const bool isMerged =
+        first > 0 && colors_[static_cast<std::size_t>(first - 1)] == colors_[static_cast<std::size_t>(next - 1)];
+    if (range.end() < length_ && next > first && !isMerged) {
         starts.push_back(range.location > 0 ? range.location + newLength : 0);
         colors.push_back(colors_[static_cast<std::size_t>(next - 1)]);
     }

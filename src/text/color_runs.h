@@ -28,7 +28,8 @@ public:
     using Color = std::optional<QRgb>;
 
     Color colorAt(qsizetype offset) const;
-    /// The coloured runs that meet `range`, cut to it, in order; what has no colour is left out.
+    /// The coloured runs that meet `range`, cut to it, in order and each as long as its colour goes; what has no colour
+    /// is left out.
     std::vector<ColorRun> runsIn(TextRange range) const;
 
     /// Colours `range`, or takes its colour away.

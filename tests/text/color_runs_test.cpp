@@ -20,7 +20,11 @@ void compare(const ColorRuns& runs, const Model& model)
     }
     QCOMPARE(runs.colorAt(length), ColorRuns::Color());
     qsizetype covered = 0;
+    ColorRuns::Color before;
     for (const ColorRun& run : runs.runsIn({0, length})) {
+        // Each run is as long as its colour goes.
+        QVERIFY(run.range.location > covered || before != run.color);
+        before = run.color;
         QVERIFY(!run.range.isEmpty());
         QVERIFY(run.range.location >= covered);
         covered = run.range.end();
