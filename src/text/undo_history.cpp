@@ -7,6 +7,9 @@ namespace kelm {
 
 namespace {
 
+/// How many foreign edits wait for one that takes them back. More come from a program that writes, not from folds.
+constexpr std::size_t mostWaiting = 256;
+
 /// Whether an edit lies wholly before or behind a range; touching its ends counts as outside.
 bool isOutside(TextRange edit, TextRange range)
 {
@@ -88,7 +91,7 @@ bool UndoHistory::mergesInto(const UndoStep& last, const UndoStep& next) const
         return false;
     }
     // Each typed line is a step: to lose a whole paragraph at one key is as bad as to undo letter by letter.
-    return next.kind != EditKind::typing || last.replacements.back().inserted != QStringLiteral("\n");
+    return next.kind != EditKind::typing || !last.replacements.back().inserted.contains(u'\n');
 }
 
 void UndoHistory::foreignEdit(const Replacement& edit)
@@ -121,6 +124,9 @@ void UndoHistory::foreignEdit(const Replacement& edit)
         if (!exchange(sought, passed)) {
             break;
         }
+    }
+    if (foreign_.size() >= mostWaiting) {
+        settleForeignEdits();
     }
     foreign_.push_back(edit);
 }
