@@ -32,11 +32,14 @@ LaidOutPiece::LaidOutPiece(const QString& text, const std::vector<ColorRun>& col
     if (preedit != nullptr) {
         preeditStart_ = static_cast<int>(preedit->offset);
         preeditLength_ = static_cast<int>(preedit->text.size());
-        preeditCursor_ = preedit->cursor.value_or(preeditLength_);
+        preeditCursor_ = std::clamp(preedit->cursor.value_or(preeditLength_), 0, preeditLength_);
         layout_.setPreeditArea(preeditStart_, preedit->text);
-        preeditFormats_ = preedit->formats;
-        for (QTextLayout::FormatRange& format : preeditFormats_) {
-            format.start += preeditStart_;
+        for (QTextLayout::FormatRange format : preedit->formats) {
+            // Input methods are other people's programs: what they say is kept within their text.
+            const int start = std::clamp(format.start, 0, preeditLength_);
+            format.length = std::clamp(format.start + format.length, start, preeditLength_) - start;
+            format.start = start + preeditStart_;
+            preeditFormats_.append(format);
         }
     }
     setColors(colors, metrics);
@@ -64,7 +67,14 @@ qreal LaidOutPiece::xAt(qsizetype offset, int row) const
 
 qsizetype LaidOutPiece::offsetAt(qreal x, int row) const
 {
-    return fromLayout(layout_.lineAt(row).xToCursor(x));
+    const QTextLine line = layout_.lineAt(row);
+    int position = line.xToCursor(x);
+    // The toolkit never answers with the end of a wrapped row, since that is the next row's start for it.
+    const int end = line.textStart() + line.textLength();
+    if (std::abs(x - line.cursorToX(end)) < std::abs(x - line.cursorToX(position))) {
+        position = end;
+    }
+    return fromLayout(position);
 }
 
 std::pair<qreal, int> LaidOutPiece::preeditCaret() const

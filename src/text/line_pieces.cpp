@@ -14,7 +14,8 @@ namespace {
 /// Where the piece that begins at `start` ends; the line goes on behind its longest extent.
 qsizetype pieceEnd(QStringView line, qsizetype start)
 {
-    const qsizetype limit = start + longestPiece;
+    const qsizetype rest = line.size() - start;
+    const qsizetype limit = start + (rest < 2 * longestPiece ? (rest + 1) / 2 : longestPiece);
     for (qsizetype at = limit; at > limit - longestPiece / 4; --at) {
         const QChar before = line[at - 1];
         if (before == u' ' || before == u'\t') {
@@ -44,6 +45,30 @@ qsizetype LinePieces::rowCount() const
 qsizetype LinePieces::rowsBefore(std::size_t piece) const
 {
     return std::accumulate(rows.begin(), rows.begin() + static_cast<qsizetype>(piece), qsizetype(0));
+}
+
+std::size_t LinePieces::pieceAtRow(qsizetype row) const
+{
+    std::size_t piece = 0;
+    for (; piece + 1 < rows.size() && row >= rows[piece]; ++piece) {
+        row -= rows[piece];
+    }
+    return piece;
+}
+
+void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change)
+{
+    const auto at = static_cast<qsizetype>(first);
+    const auto behind = static_cast<qsizetype>(first + count);
+    std::vector<qsizetype> added = with.starts;
+    for (qsizetype& start : added) {
+        start += starts[first];
+    }
+    for (auto start = starts.begin() + behind; start != starts.end(); ++start) {
+        *start += change;
+    }
+    starts.insert(starts.erase(starts.begin() + at, starts.begin() + behind), added.begin(), added.end());
+    rows.insert(rows.erase(rows.begin() + at, rows.begin() + behind), with.rows.begin(), with.rows.end());
 }
 
 std::vector<qsizetype> cutIntoPieces(QStringView line)

@@ -9,7 +9,7 @@ namespace kelm {
 
 namespace {
 
-/// How many pieces are kept; several screens of lines.
+/// How many pieces are kept; several screens of lines. When there are more, the half that was used last stays.
 constexpr std::size_t keptPieces = 600;
 constexpr int columnsPerTab = 4;
 
@@ -51,29 +51,59 @@ qsizetype TextLayout::lineAtY(qreal y) const
     return table_.at(static_cast<qsizetype>(std::floor(y / metrics_.rowHeight))).line;
 }
 
+PagePlace TextLayout::pagePlaceAt(qreal y) const
+{
+    const PieceKey key = pieceOfRow(table_.at(static_cast<qsizetype>(std::floor(y / metrics_.rowHeight))));
+    return {pieceRange(key).location, y - topOfPiece(key)};
+}
+
+qreal TextLayout::yOf(PagePlace place) const
+{
+    return topOfPiece(pieceAt({place.offset, false})) + place.distance;
+}
+
+PagePlace TextLayout::movedBy(PagePlace place, qreal distance)
+{
+    const auto heightOf = [this](const PlacedPiece& piece) { return piece.layout->rowCount() * metrics_.rowHeight; };
+    PlacedPiece piece = ensure(pieceAt({place.offset, false}));
+    distance += place.distance;
+    while (distance < 0) {
+        const auto above = previousPiece(piece.key);
+        if (!above) {
+            break;
+        }
+        piece = ensure(*above);
+        distance += heightOf(piece);
+    }
+    while (distance >= heightOf(piece)) {
+        const auto below = nextPiece(piece.key);
+        if (!below) {
+            break;
+        }
+        distance -= heightOf(piece);
+        piece = ensure(*below);
+    }
+    return {piece.range.location, distance};
+}
+
+PagePlace TextLayout::carriedOver(PagePlace place, const TextEdit& edit) const
+{
+    const qsizetype offset = std::min(edit.moved(place.offset, false), storage_.length());
+    return {pieceRange(pieceAt({offset, false})).location, place.distance};
+}
+
 std::vector<TextRow> TextLayout::rowsBetween(qreal top, qreal bottom)
 {
     std::vector<TextRow> rows;
-    const RowPosition first = table_.at(static_cast<qsizetype>(std::floor(top / metrics_.rowHeight)));
-    PieceKey key{first.line, 0};
-    if (const LinePieces* pieces = longLines_.find(first.line)) {
-        qsizetype rowsBefore = 0;
-        while (key.piece + 1 < pieces->rows.size() && rowsBefore + pieces->rows[key.piece] <= first.row) {
-            rowsBefore += pieces->rows[key.piece++];
-        }
-    }
-    qreal y = topOfPiece(key);
-    while (key.line < table_.lineCount() && y < bottom) {
-        const PlacedPiece piece = ensure(key);
+    std::optional<PieceKey> key = pieceOfRow(table_.at(static_cast<qsizetype>(std::floor(top / metrics_.rowHeight))));
+    for (qreal y = topOfPiece(*key); key && y < bottom; key = nextPiece(*key)) {
+        const PlacedPiece piece = ensure(*key);
         for (int row = 0; row < piece.layout->rowCount() && y < bottom; ++row, y += metrics_.rowHeight) {
             if (y + metrics_.rowHeight > top) {
-                rows.push_back(rowIn(piece, row));
-                rows.back().top = y;
+                rows.push_back(rowIn(piece, row, y));
             }
         }
-        key = piece.isLastOfLine ? PieceKey{key.line + 1, 0} : PieceKey{key.line, key.piece + 1};
     }
-    dropFarPieces();
     return rows;
 }
 
@@ -122,28 +152,16 @@ CaretPlace TextLayout::placeInRow(const TextRow& row, qreal x)
 std::optional<TextRow> TextLayout::neighbour(const TextRow& row, int direction)
 {
     const auto [piece, number] = pieceOf(row);
-    if (direction > 0) {
-        if (number + 1 < piece.layout->rowCount()) {
-            return rowIn(piece, number + 1);
-        }
-        if (!piece.isLastOfLine) {
-            return rowIn(ensure({piece.key.line, piece.key.piece + 1}), 0);
-        }
-        if (piece.key.line + 1 < table_.lineCount()) {
-            return rowIn(ensure({piece.key.line + 1, 0}), 0);
-        }
+    const int wanted = direction > 0 ? number + 1 : number - 1;
+    if (wanted >= 0 && wanted < piece.layout->rowCount()) {
+        return rowIn(piece, wanted);
+    }
+    const auto key = direction > 0 ? nextPiece(piece.key) : previousPiece(piece.key);
+    if (!key) {
         return {};
     }
-    if (number > 0) {
-        return rowIn(piece, number - 1);
-    }
-    if (piece.key.piece == 0 && piece.key.line == 0) {
-        return {};
-    }
-    const PieceKey above = piece.key.piece > 0 ? PieceKey{piece.key.line, piece.key.piece - 1}
-                                               : PieceKey{piece.key.line - 1, pieceCount(piece.key.line - 1) - 1};
-    const PlacedPiece previous = ensure(above);
-    return rowIn(previous, previous.layout->rowCount() - 1);
+    const PlacedPiece next = ensure(*key);
+    return rowIn(next, direction > 0 ? 0 : next.layout->rowCount() - 1);
 }
 
 void TextLayout::paintRow(QPainter& painter, const TextRow& row, QPointF pageOrigin)
@@ -174,78 +192,94 @@ std::optional<QRectF> TextLayout::preeditCaretRect()
     return QRectF(x, topOfPiece(piece.key) + row * metrics_.rowHeight, 0, metrics_.rowHeight);
 }
 
+template <typename Rekey>
+void TextLayout::rekeyPieces(PieceKey first, PieceKey last, Rekey rekey)
+{
+    Pieces moved;
+    const auto end = pieces_.lower_bound(last);
+    for (auto piece = pieces_.lower_bound(first); piece != end;) {
+        auto node = pieces_.extract(piece++);
+        rekey(node.key());
+        moved.insert(moved.end(), std::move(node));
+    }
+    pieces_.merge(moved);
+}
+
 void TextLayout::textEdited(const TextEdit& edit)
 {
+    movePreedit(edit);
     if (edit.linesRemoved == 1 && edit.linesAdded == 1 && longLines_.find(edit.firstLine) != nullptr) {
         longLineEdited(edit);
         return;
     }
-    const qsizetype shift = edit.linesAdded - edit.linesRemoved;
     // Pieces of the touched lines are laid out anew, those behind keep their layout under another line number.
-    pieces_.erase(pieces_.lower_bound({edit.firstLine, 0}),
-                  pieces_.lower_bound({edit.firstLine + edit.linesRemoved, 0}));
-    if (shift != 0) {
-        std::map<PieceKey, std::unique_ptr<LaidOutPiece>> moved;
-        for (auto piece = pieces_.lower_bound({edit.firstLine, 0}); piece != pieces_.end();) {
-            auto node = pieces_.extract(piece++);
-            node.key().line += shift;
-            moved.insert(moved.end(), std::move(node));
-        }
-        pieces_.merge(moved);
+    const auto firstTouched = pieces_.lower_bound({edit.firstLine, 0});
+    const auto firstBehind = pieces_.lower_bound({edit.firstLine + edit.linesRemoved, 0});
+    const bool wasLaidOut = firstTouched != firstBehind;
+    pieces_.erase(firstTouched, firstBehind);
+    if (const qsizetype shift = edit.linesAdded - edit.linesRemoved; shift != 0) {
+        rekeyPieces({edit.firstLine, 0}, {storage_.lines().lineCount() + edit.linesRemoved, 0},
+                    [shift](PieceKey& key) { key.line += shift; });
     }
     longLines_.linesReplaced(edit);
+    const qsizetype units = storage_.lines().end(edit.firstLine) - storage_.lines().start(edit.firstLine);
+    if (wasLaidOut && edit.linesRemoved == 1 && edit.linesAdded == 1 && units <= longestPiece) {
+        // The rows that the line had are a better guess than any, and keep the page from jumping at each key.
+        return;
+    }
     reestimate(edit.firstLine, edit.linesRemoved, edit.linesAdded);
+}
+
+void TextLayout::movePreedit(const TextEdit& edit)
+{
+    if (preedit_) {
+        preedit_->offset = std::min(edit.moved(preedit_->offset), storage_.length());
+    }
 }
 
 void TextLayout::longLineEdited(const TextEdit& edit)
 {
     const qsizetype line = edit.firstLine;
     const TextRange content = lineContent(line);
-    LinePieces& pieces = *longLines_.find(line);
-    const qsizetype editStart = edit.range.location - content.location;
-    const std::size_t first = pieces.pieceAt(std::max<qsizetype>(0, editStart - 1));
-    const std::size_t last = pieces.pieceAt(editStart + edit.range.length);
-    const std::size_t oldCount = pieces.starts.size();
-
-    // Only the touched pieces are cut anew. Those behind keep their cuts and their layout under another number.
-    const qsizetype from = pieces.starts[first];
-    const qsizetype to = last + 1 < oldCount ? pieces.starts[last + 1] + edit.changeInLength() : content.length;
-    LinePieces fresh = cutLine({content.location + from, to - from});
-    for (qsizetype& start : fresh.starts) {
-        start += from;
-    }
-    if (to == from && oldCount > last - first + 1) {
-        fresh = {};
-    }
-    const qsizetype shift = static_cast<qsizetype>(fresh.starts.size()) - static_cast<qsizetype>(last - first + 1);
-    for (std::size_t piece = last + 1; piece < oldCount; ++piece) {
-        pieces.starts[piece] += edit.changeInLength();
-    }
-    const auto replaceIn = [first, last](auto& list, const auto& with) {
-        const auto at =
-            list.erase(list.begin() + static_cast<qsizetype>(first), list.begin() + static_cast<qsizetype>(last) + 1);
-        list.insert(at, with.begin(), with.end());
-    };
-    replaceIn(pieces.starts, fresh.starts);
-    replaceIn(pieces.rows, fresh.rows);
-
-    pieces_.erase(pieces_.lower_bound({line, first}), pieces_.lower_bound({line, last + 1}));
-    if (shift != 0) {
-        std::map<PieceKey, std::unique_ptr<LaidOutPiece>> moved;
-        for (auto piece = pieces_.lower_bound({line, first}); piece != pieces_.lower_bound({line + 1, 0});) {
-            auto node = pieces_.extract(piece++);
-            node.key().piece = static_cast<std::size_t>(static_cast<qsizetype>(node.key().piece) + shift);
-            moved.insert(moved.end(), std::move(node));
-        }
-        pieces_.merge(moved);
-    }
-    table_.setRows(line, static_cast<int>(pieces.rowCount()));
     if (content.length <= longestPiece) {
         // The line is short enough to be one piece again.
         pieces_.erase(pieces_.lower_bound({line, 0}), pieces_.lower_bound({line + 1, 0}));
         longLines_.erase(line);
         reestimate(line, 1, 1);
+        return;
     }
+    LinePieces& pieces = *longLines_.find(line);
+    const qsizetype editStart = edit.range.location - content.location;
+    std::size_t first = pieces.pieceAt(std::max<qsizetype>(0, editStart - 1));
+    std::size_t last = pieces.pieceAt(editStart + edit.range.length);
+    const std::size_t oldCount = pieces.starts.size();
+
+    // Only the touched pieces are cut anew, with a neighbour where little is left of them. Those behind keep their cuts
+    // and their layout under another number.
+    const auto newStart = [&] { return pieces.starts[first]; };
+    const auto newEnd = [&] {
+        return last + 1 < oldCount ? pieces.starts[last + 1] + edit.changeInLength() : content.length;
+    };
+    if (newEnd() - newStart() < shortestPiece) {
+        if (last + 1 < oldCount) {
+            ++last;
+        } else if (first > 0) {
+            --first;
+        }
+    }
+    LinePieces fresh = cutLine({content.location + newStart(), newEnd() - newStart()});
+    if (first == last && fresh.rows.size() == 1) {
+        fresh.rows[0] = pieces.rows[first];
+    }
+    pieces_.erase(pieces_.lower_bound({line, first}), pieces_.lower_bound({line, last + 1}));
+    const std::size_t touched = last - first + 1;
+    if (fresh.starts.size() != touched) {
+        // Unsigned numbers wrap around: the difference may be negative.
+        rekeyPieces({line, last + 1}, {line + 1, 0},
+                    [shift = fresh.starts.size() - touched](PieceKey& key) { key.piece += shift; });
+    }
+    pieces.replace(first, touched, fresh, edit.changeInLength());
+    table_.setRows(line, static_cast<int>(pieces.rowCount()));
 }
 
 void TextLayout::colorsChanged(TextRange range)
@@ -260,7 +294,6 @@ void TextLayout::colorsChanged(TextRange range)
 
 void TextLayout::estimateAll()
 {
-    longLines_.clear();
     const LineIndex& lines = storage_.lines();
     std::vector<int> rows(static_cast<std::size_t>(lines.lineCount()));
     for (qsizetype line = 0; line < lines.lineCount(); ++line) {
@@ -291,10 +324,14 @@ int TextLayout::estimateLine(qsizetype line)
     if (content.length <= longestPiece) {
         return estimatedRows(content.length);
     }
-    LinePieces pieces = cutLine(content);
-    const auto rows = static_cast<int>(pieces.rowCount());
-    longLines_.insert(line, std::move(pieces));
-    return rows;
+    LinePieces* pieces = longLines_.find(line);
+    if (pieces == nullptr) {
+        pieces = longLines_.insert(line, cutLine(content));
+    } else {
+        // The cuts stay, since pieces that are laid out already stand on them.
+        estimatePieces(*pieces, content.length);
+    }
+    return static_cast<int>(pieces->rowCount());
 }
 
 void TextLayout::reestimate(qsizetype first, qsizetype removed, qsizetype added)
@@ -311,11 +348,17 @@ LinePieces TextLayout::cutLine(TextRange range) const
 {
     LinePieces pieces;
     pieces.starts = cutIntoPieces(QStringView(storage_.text()).mid(range.location, range.length));
+    estimatePieces(pieces, range.length);
+    return pieces;
+}
+
+void TextLayout::estimatePieces(LinePieces& pieces, qsizetype length) const
+{
+    pieces.rows.clear();
     for (std::size_t piece = 0; piece < pieces.starts.size(); ++piece) {
-        const qsizetype end = piece + 1 < pieces.starts.size() ? pieces.starts[piece + 1] : range.length;
+        const qsizetype end = piece + 1 < pieces.starts.size() ? pieces.starts[piece + 1] : length;
         pieces.rows.push_back(estimatedRows(end - pieces.starts[piece]));
     }
-    return pieces;
 }
 
 TextRange TextLayout::lineContent(qsizetype line) const
@@ -334,6 +377,28 @@ std::size_t TextLayout::pieceCount(qsizetype line) const
 {
     const LinePieces* pieces = longLines_.find(line);
     return pieces != nullptr ? pieces->starts.size() : 1;
+}
+
+std::optional<TextLayout::PieceKey> TextLayout::nextPiece(PieceKey key) const
+{
+    if (key.piece + 1 < pieceCount(key.line)) {
+        return PieceKey{key.line, key.piece + 1};
+    }
+    return key.line + 1 < table_.lineCount() ? std::optional(PieceKey{key.line + 1, 0}) : std::nullopt;
+}
+
+std::optional<TextLayout::PieceKey> TextLayout::previousPiece(PieceKey key) const
+{
+    if (key.piece > 0) {
+        return PieceKey{key.line, key.piece - 1};
+    }
+    return key.line > 0 ? std::optional(PieceKey{key.line - 1, pieceCount(key.line - 1) - 1}) : std::nullopt;
+}
+
+TextLayout::PieceKey TextLayout::pieceOfRow(RowPosition position) const
+{
+    const LinePieces* pieces = longLines_.find(position.line);
+    return {position.line, pieces != nullptr ? pieces->pieceAtRow(position.row) : 0};
 }
 
 TextRange TextLayout::pieceRange(PieceKey key) const
@@ -374,10 +439,16 @@ TextLayout::PlacedPiece TextLayout::ensure(PieceKey key)
         noteRows(key, piece->rowCount());
     }
     if (piece->colorsAreStale) {
+        // Letters of two colours are not drawn into one another; that can make a row longer.
         piece->setColors(colorsOf(range), metrics_);
+        noteRows(key, piece->rowCount());
     }
     piece->lastUse = ++clock_;
-    return {piece.get(), key, range, key.piece + 1 == pieceCount(key.line)};
+    LaidOutPiece* const layout = piece.get();
+    if (pieces_.size() > keptPieces) {
+        dropFarPieces();
+    }
+    return {layout, key, range, key.piece + 1 == pieceCount(key.line)};
 }
 
 std::unique_ptr<LaidOutPiece> TextLayout::makePiece(PieceKey key, TextRange range)
@@ -416,9 +487,6 @@ void TextLayout::noteRows(PieceKey key, int rows)
 
 void TextLayout::dropFarPieces()
 {
-    if (pieces_.size() <= keptPieces) {
-        return;
-    }
     std::vector<quint64> uses;
     uses.reserve(pieces_.size());
     for (const auto& [key, piece] : pieces_) {
@@ -438,21 +506,23 @@ qreal TextLayout::topOfPiece(PieceKey key) const
 
 TextRow TextLayout::rowIn(const PlacedPiece& piece, int row) const
 {
+    return rowIn(piece, row, topOfPiece(piece.key) + row * metrics_.rowHeight);
+}
+
+TextRow TextLayout::rowIn(const PlacedPiece& piece, int row, qreal top) const
+{
     TextRange units = piece.layout->rowRange(row);
     units.location += piece.range.location;
-    return {piece.key.line, units, topOfPiece(piece.key) + row * metrics_.rowHeight, piece.key.piece == 0 && row == 0,
-            piece.isLastOfLine && row + 1 == piece.layout->rowCount()};
+    const bool isLast = piece.isLastOfLine && row + 1 == piece.layout->rowCount();
+    return {piece.key.line, units, top, piece.key.piece == 0 && row == 0, isLast, piece.key.piece, row};
 }
 
 std::pair<TextLayout::PlacedPiece, int> TextLayout::pieceOf(const TextRow& row)
 {
-    // A row without units is the only one of its line, unless a composition fills it.
-    const PlacedPiece piece = ensure(pieceAt({row.range.location, false}));
-    int number = piece.layout->rowAt(row.range.location - piece.range.location, false);
-    while (number > 0 && piece.layout->rowRange(number).location + piece.range.location > row.range.location) {
-        --number;
-    }
-    return {piece, number};
+    // A row that was kept across a change may be gone; the nearest one answers.
+    const qsizetype line = std::min(row.line, table_.lineCount() - 1);
+    const PlacedPiece piece = ensure({line, std::min(row.piece, pieceCount(line) - 1)});
+    return {piece, std::min(row.rowInPiece, piece.layout->rowCount() - 1)};
 }
 
 } // namespace kelm

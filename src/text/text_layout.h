@@ -30,6 +30,19 @@ struct TextRow
     qreal top = 0;
     bool isFirstOfLine = false;
     bool isLastOfLine = false;
+    /// For the layout: the piece of the line, and which of the piece's rows it is.
+    std::size_t piece = 0;
+    int rowInPiece = 0;
+};
+
+/// A height on the page that stays where it is when lines above turn out to have other rows: a distance, possibly
+/// negative, from the top of the line, or of the piece of a long line, that begins at `offset`.
+struct PagePlace
+{
+    qsizetype offset = 0;
+    qreal distance = 0;
+
+    friend bool operator==(PagePlace, PagePlace) = default;
 };
 
 /// A caret's place between two units. At the border of two rows of one line the same offset stands in both.
@@ -43,9 +56,8 @@ struct CaretPlace
 
 /// Rows of one fixed height, wrapped at the page's width. Lines are laid out when they are asked for and kept while
 /// they are near; for all others the number of rows is an estimate from their length. When a line turns out to have
-/// another number of rows, everything below it moves: whoever shows a part of the page remembers its place as a line
-/// and a distance
-/// (`PagePlace`), not as a y.
+/// another number of rows, everything below it moves: whoever shows a part of the page remembers its place as a
+/// `PagePlace`, not as a y.
 ///
 /// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each
 /// beginning a row. Main thread only.
@@ -72,6 +84,12 @@ public:
     qreal topOfLine(qsizetype line) const { return static_cast<qreal>(table_.firstRow(line)) * metrics_.rowHeight; }
     /// The line at a y, the first or last one outside the page.
     qsizetype lineAtY(qreal y) const;
+    PagePlace pagePlaceAt(qreal y) const;
+    qreal yOf(PagePlace place) const;
+    /// The place `distance` further down, or up. What lies between is laid out, so that no estimate is part of the way.
+    PagePlace movedBy(PagePlace place, qreal distance);
+    /// A place carried over an edit that the layout has taken in.
+    PagePlace carriedOver(PagePlace place, const TextEdit& edit) const;
 
     /// The rows that meet top to bottom, laid out. What is above `top` is not laid out and keeps its estimate.
     std::vector<TextRow> rowsBetween(qreal top, qreal bottom);
@@ -113,6 +131,7 @@ private:
 
         friend auto operator<=>(const PieceKey&, const PieceKey&) = default;
     };
+    using Pieces = std::map<PieceKey, std::unique_ptr<LaidOutPiece>>;
     /// A piece with its place: units from the start of the text, and its first row's top.
     struct PlacedPiece
     {
@@ -124,16 +143,22 @@ private:
 
     void textEdited(const TextEdit& edit);
     void longLineEdited(const TextEdit& edit);
+    void movePreedit(const TextEdit& edit);
     void colorsChanged(TextRange range);
     void estimateAll();
     int estimatedRows(qsizetype units) const;
     int estimateLine(qsizetype line);
     void reestimate(qsizetype first, qsizetype removed, qsizetype added);
     LinePieces cutLine(TextRange range) const;
+    void estimatePieces(LinePieces& pieces, qsizetype length) const;
 
     /// A line's units without its terminator.
     TextRange lineContent(qsizetype line) const;
     std::size_t pieceCount(qsizetype line) const;
+    std::optional<PieceKey> nextPiece(PieceKey key) const;
+    std::optional<PieceKey> previousPiece(PieceKey key) const;
+    /// The piece at a row counted from the line's first.
+    PieceKey pieceOfRow(RowPosition position) const;
     TextRange pieceRange(PieceKey key) const;
     PieceKey pieceAt(CaretPlace place) const;
     /// The piece, laid out for the width and colours of now.
@@ -142,9 +167,13 @@ private:
     std::vector<ColorRun> colorsOf(TextRange range) const;
     void noteRows(PieceKey key, int rows);
     void dropFarPieces();
+    /// Gives the pieces from `first` to before `last` other keys, which stay in order and meet no other's.
+    template <typename Rekey>
+    void rekeyPieces(PieceKey first, PieceKey last, Rekey rekey);
     qreal topOfPiece(PieceKey key) const;
     TextRow rowIn(const PlacedPiece& piece, int row) const;
-    /// The piece that `row` belongs to, and which of its rows it is.
+    TextRow rowIn(const PlacedPiece& piece, int row, qreal top) const;
+    /// The piece that a row belongs to, and which of the piece's rows it is.
     std::pair<PlacedPiece, int> pieceOf(const TextRow& row);
 
     TextStorage& storage_;
@@ -152,7 +181,7 @@ private:
     qreal advance_ = 1;
     RowTable table_;
     LongLines longLines_;
-    std::map<PieceKey, std::unique_ptr<LaidOutPiece>> pieces_;
+    Pieces pieces_;
     std::optional<Preedit> preedit_;
     quint64 clock_ = 0;
     quint64 layoutsMade_ = 0;
