@@ -12,22 +12,48 @@ namespace kelm {
 TextEditor::TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent)
     : QObject(parent), storage_(storage), layout_(layout)
 {
-    connect(&storage, &TextStorage::willReplace, this, [this](TextRange range, QStringView replacement) {
-        if (!isOwnEdit_) {
-            history_.foreignEdit({range.location, storage_.substring(range), replacement.toString()});
-        }
-    });
+    connect(&storage, &TextStorage::willReplace, this, &TextEditor::foreignReplacement);
     connect(&storage, &TextStorage::willReset, this, [this] {
+        wasReset_ = true;
         history_.clear();
         Q_EMIT undoAvailabilityChanged();
     });
-    connect(&storage, &TextStorage::edited, this, [this](const TextEdit& edit) {
-        if (!isOwnEdit_) {
-            SelectionSet carried = selections_;
-            carried.moveThrough(edit);
-            assignSelections(std::move(carried));
+    connect(&storage, &TextStorage::edited, this, &TextEditor::foreignEditDone);
+}
+
+void TextEditor::foreignReplacement(TextRange range, QStringView replacement)
+{
+    if (isOwnReplacement_) {
+        return;
+    }
+    history_.foreignEdit({range.location, storage_.substring(range), replacement.toString()});
+    if (!beforeForeignEdit_) {
+        beforeForeignEdit_ = selections_;
+    }
+    TextEdit edit;
+    edit.range = range;
+    edit.newLength = replacement.size();
+    selections_.moveThrough(edit);
+}
+
+void TextEditor::foreignEditDone(const TextEdit& edit)
+{
+    const std::optional<SelectionSet> before = std::exchange(beforeForeignEdit_, {});
+    SelectionSet carried = selections_;
+    if (std::exchange(wasReset_, false)) {
+        carried.moveThrough(edit);
+        std::vector<Selection> valid = carried.all();
+        for (Selection& selection : valid) {
+            selection.anchor = std::min(selection.anchor, storage_.length());
+            selection.head.offset = std::min(selection.head.offset, storage_.length());
         }
-    });
+        carried.replaceAll(std::move(valid));
+    }
+    const bool same = carried == before.value_or(selections_);
+    selections_ = std::move(carried);
+    if (!same) {
+        Q_EMIT selectionChanged();
+    }
 }
 
 void TextEditor::setSelections(SelectionSet selections)
@@ -74,18 +100,18 @@ void TextEditor::move(Movement movement, Extend extend)
 
 void TextEditor::addCarets(Movement direction)
 {
-    SelectionSet next = selections_;
+    SelectionSet added = selections_;
     for (const Selection& selection : selections_.all()) {
-        std::optional<qreal> goalX = selection.goalX;
-        const CaretPlace place = target(selection, direction, goalX);
-        if (place.offset != selection.head.offset) {
-            Selection caret = Selection::caret(place);
+        const TextRow row = layout_.rowOf(selection.head);
+        if (const auto next = layout_.neighbour(row, direction == Movement::rowUp ? -1 : 1)) {
+            const qreal goalX = selection.goalX.value_or(layout_.xInRow(row, selection.head.offset));
+            Selection caret = Selection::caret(layout_.placeInRow(*next, goalX));
             caret.goalX = goalX;
-            next.add(caret);
+            added.add(caret);
         }
     }
     history_.endRun();
-    assignSelections(std::move(next));
+    assignSelections(std::move(added));
 }
 
 void TextEditor::insertText(const QString& text, EditKind kind)
@@ -191,6 +217,12 @@ bool TextEditor::prepareEdit()
     return true;
 }
 
+void TextEditor::replace(TextRange range, const QString& text)
+{
+    const QScopedValueRollback own(isOwnReplacement_, true);
+    storage_.replace(range, text);
+}
+
 void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted)
 {
     UndoStep step;
@@ -199,7 +231,6 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
     std::vector<Selection> after;
     bool changed = false;
     {
-        const QScopedValueRollback own(isOwnEdit_, true);
         const EditingBracket bracket(storage_);
         qsizetype shift = 0;
         for (const Change& change : changes) {
@@ -207,7 +238,7 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
             Replacement replacement{range.location, storage_.substring(range), change.text};
             // Text that stays the same is no edit: nobody is told of one.
             if (replacement.removed != replacement.inserted) {
-                storage_.replace(range, change.text);
+                replace(range, change.text);
                 changed = true;
             }
             const qsizetype end = range.location + change.text.size();
@@ -217,10 +248,11 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
             step.replacements.push_back(std::move(replacement));
         }
         selections_.replaceAll(std::move(after));
-    }
-    step.after = selections_;
-    if (changed) {
-        history_.push(std::move(step));
+        // The history has the step before anyone hears of the edit, since a receiver may edit in turn.
+        if (changed) {
+            step.after = selections_;
+            history_.push(std::move(step));
+        }
     }
     Q_EMIT selectionChanged();
     if (changed) {
@@ -232,10 +264,9 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
 void TextEditor::replay(const std::vector<Replacement>& replacements, const SelectionSet& selections)
 {
     {
-        const QScopedValueRollback own(isOwnEdit_, true);
         const EditingBracket bracket(storage_);
         for (const Replacement& replacement : replacements) {
-            storage_.replace(replacement.oldRange(), replacement.inserted);
+            replace(replacement.oldRange(), replacement.inserted);
         }
         selections_ = selections;
     }

@@ -106,6 +106,10 @@ Q_SIGNALS:
 
 private:
     bool prepareEdit();
+    void foreignReplacement(TextRange range, QStringView replacement);
+    void foreignEditDone(const TextEdit& edit);
+    /// Replaces text as an edit of this editor's.
+    void replace(TextRange range, const QString& text);
     void commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted);
     void replay(const std::vector<Replacement>& replacements, const SelectionSet& selections);
     void assignSelections(SelectionSet selections);
@@ -119,7 +123,10 @@ private:
     UndoHistory history_;
     std::function<void()> beforeEdit_;
     bool isReadOnly_ = false;
-    bool isOwnEdit_ = false;
+    bool isOwnReplacement_ = false;
+    // The selections before others edited; they are carried over each replacement, and told when all are done.
+    std::optional<SelectionSet> beforeForeignEdit_;
+    bool wasReset_ = false;
     int pageRows_ = 1;
 };
 

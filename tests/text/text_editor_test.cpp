@@ -90,6 +90,10 @@ private Q_SLOTS:
     void settingTheTextForgetsTheHistory();
     void theCallBeforeAnEditMayChangeTheText();
     void rowMovementKeepsItsColumn();
+    void receiversMayEditInTurn();
+    void caretsFollowEachOfSeveralForeignEdits();
+    void caretsAreAddedInRowsThatThereAre_data();
+    void caretsAreAddedInRowsThatThereAre();
     void randomEditsAgreeWithAPlainString();
     void randomForeignEditsNeverSpoilUndo();
 };
@@ -361,6 +365,69 @@ void TextEditorTest::rowMovementKeepsItsColumn()
     fixture.editor.move(Movement::rowUp, Extend::yes);
     fixture.editor.move(Movement::rowUp, Extend::yes);
     QCOMPARE(fixture.editor.selectedRange(), TextRange::between(8, 23));
+}
+
+void TextEditorTest::receiversMayEditInTurn()
+{
+    // Someone answers each edit with one of his own at the top of the text.
+    Fixture fixture(QStringLiteral("abc|"));
+    bool answered = false;
+    connect(&fixture.storage, &TextStorage::edited, this, [&] {
+        if (!std::exchange(answered, true)) {
+            fixture.storage.replace({0, 0}, u"> ");
+        }
+    });
+    fixture.editor.insertText(QStringLiteral("d"), EditKind::typing);
+    QCOMPARE(describe(fixture.editor), QStringLiteral("> abcd|"));
+    fixture.editor.undo();
+    QCOMPARE(describe(fixture.editor), QStringLiteral("> abc|"));
+    fixture.editor.redo();
+    QCOMPARE(describe(fixture.editor), QStringLiteral("> abcd|"));
+}
+
+void TextEditorTest::caretsFollowEachOfSeveralForeignEdits()
+{
+    // A formatter changes every line in one bracket; the caret stays in its own.
+    Fixture fixture(QStringLiteral("a\nb\n|c\nd\n"));
+    QSignalSpy told(&fixture.editor, &TextEditor::selectionChanged);
+    {
+        const EditingBracket bracket(fixture.storage);
+        for (const qsizetype at : {6, 4, 2, 0}) {
+            fixture.storage.replace({at, 1}, u"xx");
+        }
+        QCOMPARE(told.count(), 0);
+    }
+    QCOMPARE(told.count(), 1);
+    QCOMPARE(fixture.storage.text(), QStringLiteral("xx\nxx\nxx\nxx\n"));
+    QVERIFY(fixture.editor.selectedRange().location >= 6 && fixture.editor.selectedRange().end() <= 8);
+
+    {
+        const EditingBracket bracket(fixture.storage);
+        fixture.storage.replace({0, 0}, QString(50, u'y'));
+        fixture.storage.setText(QStringLiteral("z"));
+    }
+    QVERIFY(fixture.editor.selectedRange().end() <= 1);
+}
+
+void TextEditorTest::caretsAreAddedInRowsThatThereAre_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<Movement>("direction");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("below") << QStringLiteral("a|b\ncd") << Movement::rowDown << QStringLiteral("a|b\nc|d");
+    QTest::newRow("above") << QStringLiteral("ab\nc|d") << Movement::rowUp << QStringLiteral("a|b\nc|d");
+    QTest::newRow("below the last") << QStringLiteral("ab\nc|d") << Movement::rowDown << QStringLiteral("ab\nc|d");
+    QTest::newRow("above the first") << QStringLiteral("a|b\ncd") << Movement::rowUp << QStringLiteral("a|b\ncd");
+    QTest::newRow("several") << QStringLiteral("a|\nb|\nc") << Movement::rowDown << QStringLiteral("a|\nb|\nc|");
+}
+
+void TextEditorTest::caretsAreAddedInRowsThatThereAre()
+{
+    QFETCH(QString, before);
+    QFETCH(Movement, direction);
+    Fixture fixture(before);
+    fixture.editor.addCarets(direction);
+    QTEST(describe(fixture.editor), "after");
 }
 
 void TextEditorTest::randomEditsAgreeWithAPlainString()
