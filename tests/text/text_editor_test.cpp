@@ -1,3 +1,4 @@
+#include "support/marked_text.h"
 #include "support/random_text.h"
 #include "text/text_editor.h"
 
@@ -8,44 +9,9 @@ using namespace kelm;
 
 namespace {
 
-/// A text in which "|" stands for a caret and "[" "]" for a selection with its caret at the end.
-struct Marked
-{
-    QString text;
-    std::vector<Selection> selections;
-};
-
-Marked parse(const QString& marked)
-{
-    Marked result;
-    qsizetype start = -1;
-    for (const QChar unit : marked) {
-        if (unit == u'|') {
-            result.selections.push_back(Selection::caret({result.text.size(), false}));
-        } else if (unit == u'[') {
-            start = result.text.size();
-        } else if (unit == u']') {
-            result.selections.push_back(Selection::over(TextRange::between(start, result.text.size())));
-        } else {
-            result.text += unit;
-        }
-    }
-    return result;
-}
-
 QString describe(const TextEditor& editor)
 {
-    QString marked = editor.storage().text();
-    const std::vector<Selection>& all = editor.selections().all();
-    for (auto selection = all.rbegin(); selection != all.rend(); ++selection) {
-        if (selection->isCaret()) {
-            marked.insert(selection->anchor, u'|');
-        } else {
-            marked.insert(selection->range().end(), u']');
-            marked.insert(selection->range().location, u'[');
-        }
-    }
-    return marked;
+    return test::describeMarked(editor.storage().text(), editor.selections());
 }
 
 struct Fixture
@@ -56,7 +22,7 @@ struct Fixture
 
     explicit Fixture(const QString& marked = {})
     {
-        const Marked parsed = parse(marked);
+        const test::MarkedText parsed = test::parseMarked(marked);
         storage.setText(parsed.text);
         if (!parsed.selections.empty()) {
             editor.setSelections(SelectionSet(parsed.selections));
@@ -169,7 +135,7 @@ void TextEditorTest::deletingTakesWholeCharacters()
     fixture.editor.erase(movement);
     QTEST(describe(fixture.editor), "after");
     fixture.editor.undo();
-    QCOMPARE(fixture.storage.text(), parse(before).text);
+    QCOMPARE(fixture.storage.text(), test::parseMarked(before).text);
 }
 
 void TextEditorTest::typingActsOnAllSelections_data()

@@ -1,5 +1,6 @@
 #include "text/view/text_view_keys.h"
 
+#include <QHash>
 #include <QKeyEvent>
 
 namespace kelm {
@@ -72,6 +73,8 @@ std::vector<KeyAction> makeActions()
         calling(Key::Paste, &TextView::paste),
         calling(Key::SelectAll, &TextView::selectAll),
         erasing(Key::Backspace, Movement::characterLeft),
+        // Most platforms list no key under that name: theirs is the one that is called so.
+        own(Qt::Key_Backspace, erasing(Key::Backspace, Movement::characterLeft)),
         own(Qt::SHIFT | Qt::Key_Backspace, erasing(Key::Backspace, Movement::characterLeft)),
         erasing(Key::Delete, Movement::characterRight),
         erasing(Key::DeleteStartOfWord, Movement::wordLeft),
@@ -80,6 +83,25 @@ std::vector<KeyAction> makeActions()
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Up, Movement::rowUp),
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Down, Movement::rowDown),
     };
+}
+
+/// Where a key stands in the table; what comes first in it wins.
+QHash<QKeySequence, int> makeIndexes()
+{
+    QHash<QKeySequence, int> indexes;
+    int index = 0;
+    for (const KeyAction& action : keyActions()) {
+        const QList<QKeySequence> keys = action.standardKey == QKeySequence::UnknownKey
+                                             ? QList<QKeySequence>{action.sequence}
+                                             : QKeySequence::keyBindings(action.standardKey);
+        for (const QKeySequence& key : keys) {
+            if (!indexes.contains(key)) {
+                indexes.insert(key, index);
+            }
+        }
+        ++index;
+    }
+    return indexes;
 }
 
 } // namespace
@@ -94,17 +116,10 @@ std::optional<int> keyActionFor(const QKeyEvent& event)
 {
     // The number block's keys mean what the others do.
     const QKeySequence pressed(event.keyCombination().toCombined() & ~static_cast<int>(Qt::KeypadModifier));
-    const std::vector<KeyAction>& actions = keyActions();
-    for (std::size_t index = 0; index < actions.size(); ++index) {
-        const KeyAction& action = actions[index];
-        const bool matches = action.standardKey == QKeySequence::UnknownKey
-                                 ? action.sequence == pressed
-                                 : QKeySequence::keyBindings(action.standardKey).contains(pressed);
-        if (matches) {
-            return static_cast<int>(index);
-        }
-    }
-    return {};
+    // The platform makes its list of keys anew whenever it is asked: one look at all of them is enough.
+    static const QHash<QKeySequence, int> indexes = makeIndexes();
+    const auto found = indexes.find(pressed);
+    return found != indexes.end() ? std::optional(*found) : std::nullopt;
 }
 
 bool insertsText(const QKeyEvent& event)
