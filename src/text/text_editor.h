@@ -70,7 +70,7 @@ public:
     /// How many rows a page has.
     void setPageRows(int rows) { pageRows_ = rows; }
     /// Whether an edit by the user is being made right now; every such edit ends in `textChanged`.
-    bool isEditing() const { return isOwnEdit_; }
+    bool isEditing() const { return isOwnReplacement_; }
     /// Called before each edit by the user, which then acts on the text and the selections as the call left them.
     void setBeforeEdit(std::function<void()> call) { beforeEdit_ = std::move(call); }
 
