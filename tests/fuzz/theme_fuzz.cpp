@@ -1,10 +1,10 @@
 // Theme files of any bytes: what is read as a theme comes back from its own encoding, and everything else is refused.
-#include <cstdint>
-#include <cstdlib>
+#include "editor/themes/editor_theme.h"
 
 #include <QJsonDocument>
 
-#include "editor/themes/editor_theme.h"
+#include <cstdint>
+#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -8,7 +8,9 @@
 #include <QSet>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 namespace kelm {
@@ -18,6 +20,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const QString selectedThemeKey = u"selectedTheme"_s;
+/// Below this a thread costs more than it saves.
+constexpr std::size_t fewestFilesPerThread = 50;
 
 /// Whether the name of a file has the extension "json", in this letter case. A name that begins with its only dot has
 /// no extension.
@@ -32,6 +36,27 @@ std::optional<EditorTheme> readTheme(const std::filesystem::path& path)
     const OpenFile file = OpenFile::openForReading(QByteArray::fromStdString(path.native()));
     const std::optional<QByteArray> json = file.isOpen() ? file.readAll() : std::nullopt;
     return json ? EditorTheme::decode(*json) : std::nullopt;
+}
+
+/// What the files hold, in the order of `paths`. Many files are shared out among the processor's cores, since decoding
+/// a theme takes longer than reading it; the call returns when all are done.
+std::vector<std::optional<EditorTheme>> readThemes(const std::vector<std::filesystem::path>& paths)
+{
+    std::vector<std::optional<EditorTheme>> themes(paths.size());
+    std::atomic<std::size_t> next = 0;
+    const auto readOn = [&] {
+        for (std::size_t index = next++; index < paths.size(); index = next++) {
+            themes[index] = readTheme(paths[index]);
+        }
+    };
+    const std::size_t mostThreads = std::max(std::thread::hardware_concurrency(), 1U);
+    std::vector<std::jthread> others;
+    while (others.size() + 1 < std::min(mostThreads, paths.size() / fewestFilesPerThread)) {
+        others.emplace_back(readOn);
+    }
+    readOn();
+    others.clear();
+    return themes;
 }
 
 } // namespace
@@ -105,8 +130,7 @@ void ThemeManager::loadCustomThemes()
         names.insert(theme.name);
     }
     const qsizetype countBefore = availableThemes_.size();
-    for (const std::filesystem::path& path : paths) {
-        std::optional<EditorTheme> theme = readTheme(path);
+    for (std::optional<EditorTheme>& theme : readThemes(paths)) {
         if (theme && !names.contains(theme->name)) {
             names.insert(theme->name);
             availableThemes_.append(*std::move(theme));
