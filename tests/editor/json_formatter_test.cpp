@@ -172,14 +172,12 @@ void JsonFormatterTest::sortsKeysInThePrintersOrder()
 
 void JsonFormatterTest::sortedMembersKeepTheirNestedObjects()
 {
-    const QString text = QStringLiteral(
-        R"([{"z":{"y":{"b":1,"a":2},"x":[{"d":3,"c":4},{}]},"m":5,"a":{"q":{},"p":[{"n":6}]}},{"l":7,"k":{"j":8,"i":9}}])");
+    const QString text = QStringLiteral(R"([{"z":{"y":{"b":1,"a":2},"x":[{"d":3,"c":4},{}]},"m":5,)"
+                                        R"("a":{"q":{},"p":[{"n":6}]}},{"l":7,"k":{"j":8,"i":9}}])");
     QString flat = format(text);
     flat.remove(u' ').remove(u'\n');
-    QCOMPARE(
-        flat,
-        QStringLiteral(
-            R"([{"a":{"p":[{"n":6}],"q":{}},"m":5,"z":{"x":[{"c":4,"d":3},{}],"y":{"a":2,"b":1}}},{"k":{"i":9,"j":8},"l":7}])"));
+    QCOMPARE(flat, QStringLiteral(R"([{"a":{"p":[{"n":6}],"q":{}},"m":5,)"
+                                  R"("z":{"x":[{"c":4,"d":3},{}],"y":{"a":2,"b":1}}},{"k":{"i":9,"j":8},"l":7}])"));
 }
 
 void JsonFormatterTest::theLastOfEqualKeysCounts_data()

@@ -1,6 +1,7 @@
 #include "editor/transforms/text_transformer.h"
 
 #include "editor/transforms/capitalized_form.h"
+#include "platform/character_sets.h"
 
 #include <unicode/ustring.h>
 
@@ -35,7 +36,7 @@ QString mapped(const QString& text, CaseFunction map)
 
 bool isSeparator(QChar unit)
 {
-    return unit == u'_' || unit == u'-' || unit == u'\t' || unit.category() == QChar::Separator_Space;
+    return unit == u'_' || unit == u'-' || isWhitespace(unit.unicode());
 }
 
 bool isHump(QChar before, QChar unit)

@@ -2,6 +2,7 @@
 
 #include "editor/transforms/bounded_text.h"
 #include "editor/transforms/xml_outline.h"
+#include "platform/character_sets.h"
 
 namespace kelm {
 namespace {
@@ -9,30 +10,9 @@ namespace {
 constexpr int blanksALevel = 4;
 constexpr int basicIndent = 2;
 
-bool isBlankOrTab(QChar unit)
+bool isBlankOrTab(char16_t unit)
 {
     return unit == u' ' || unit == u'\t';
-}
-
-/// White space or a newline of Unicode.
-bool isSpaceOrNewline(QChar unit)
-{
-    return unit == u'\t' || unit.category() == QChar::Separator_Space || (unit >= QChar(0xa) && unit <= QChar(0xd)) ||
-           unit == QChar(0x85) || unit == QChar(0x2028) || unit == QChar(0x2029);
-}
-
-template <typename Predicate>
-QStringView trimmed(QStringView text, Predicate isTrimmed)
-{
-    qsizetype start = 0;
-    qsizetype end = text.size();
-    while (start < end && isTrimmed(text[start])) {
-        ++start;
-    }
-    while (end > start && isTrimmed(text[end - 1])) {
-        --end;
-    }
-    return text.sliced(start, end - start);
 }
 
 class BasicFormatter
@@ -76,7 +56,7 @@ std::optional<QString> BasicFormatter::format()
     endRun();
     auto result = result_.take();
     if (result) {
-        result = trimmed(*result, isSpaceOrNewline).toString();
+        result = trimmed(*result, isWhitespaceOrNewline).toString();
     }
     return result;
 }
