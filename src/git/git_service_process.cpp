@@ -1,7 +1,7 @@
 // Finding, building and running git.
 #include "git/git_service.h"
 #include "git/git_worker.h"
-#include "platform/utf8.h"
+#include "platform/utf8_file.h"
 
 #include <QFileInfo>
 
@@ -49,12 +49,12 @@ std::optional<QString> GitService::run(const QStringList& args)
         return std::nullopt;
     }
     if (result.exit.isSuccess()) {
-        return decodeUtf8(result.standardOutput);
+        return decodeUtf8Text(result.standardOutput);
     }
-    if (const auto error = decodeUtf8(result.standardError); error && !error->isEmpty()) {
+    if (const auto error = decodeUtf8Text(result.standardError); error && !error->isEmpty()) {
         worker().queueLastError(*error);
     }
-    if (auto output = decodeUtf8(result.standardOutput); output && !output->isEmpty()) {
+    if (auto output = decodeUtf8Text(result.standardOutput); output && !output->isEmpty()) {
         return output;
     }
     return std::nullopt;
@@ -102,7 +102,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
     args.append(QStringLiteral("-"));
     ProcessCommand process = makeProcess(args, repoPath());
     // A text that has no UTF-8 form is an empty patch, which git refuses.
-    process.standardInput = encodeUtf8(patch).value_or(QByteArray());
+    process.standardInput = patch.isValidUtf16() ? encodeUtf8Text(patch) : QByteArray();
 
     const ProcessResult result = runner_->run(process);
     if (result.launchError || result.inputError) {
@@ -112,7 +112,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
         refreshStatus();
         return GitOpResult::success();
     }
-    QString message = decodeUtf8(result.standardError).value_or(QString());
+    QString message = decodeUtf8Text(result.standardError).value_or(QString());
     if (message.isEmpty()) {
         message = QStringLiteral("git apply failed (exit %1)").arg(result.exit.status);
     }

@@ -1,7 +1,7 @@
 #include "git/git_worker.h"
 
 #include "platform/main_queue.h"
-#include "platform/utf8.h"
+#include "platform/utf8_file.h"
 
 #include <QThreadPool>
 
@@ -19,9 +19,9 @@ GitOpResult GitService::Worker::runProcess(const ProcessCommand& process) const
     if (result.exit.isSuccess()) {
         return GitOpResult::success();
     }
-    QString message = decodeUtf8(result.standardError).value_or(QString());
+    QString message = decodeUtf8Text(result.standardError).value_or(QString());
     if (message.isEmpty()) {
-        message = decodeUtf8(result.standardOutput).value_or(QString());
+        message = decodeUtf8Text(result.standardOutput).value_or(QString());
     }
     if (message.isEmpty()) {
         message = QStringLiteral("git exited %1").arg(result.exit.status);
