@@ -1,0 +1,46 @@
+// Colours the text of an editor.
+#pragma once
+
+#include "app/language.h"
+#include "editor/highlighter/rule_lists.h"
+#include "editor/themes/editor_theme.h"
+#include "text/text_storage.h"
+
+#include <QString>
+
+namespace kelm {
+
+/// Colours a whole text by the rules of its language's family. There is no tokeniser and no state between runs: each
+/// run gives every unit the theme's text colour and then applies the rules in their order, where a later one paints
+/// over an earlier one. Nothing but the foreground is touched.
+///
+/// A run is linear in the text, whatever stands in it. Main thread only.
+class SyntaxHighlighter
+{
+public:
+    explicit SyntaxHighlighter(const EditorTheme& initialTheme) : theme(initialTheme) {}
+
+    /// What the next run takes its colours from.
+    EditorTheme theme;
+
+    /// Colours the text of `textStorage` anew, in one bracket of edits; without a storage it does nothing. A rule whose
+    /// pattern does not compile is left out without a word.
+    void highlight(TextStorage* textStorage, Language language) const;
+
+private:
+    void highlightSwift(TextStorage& textStorage, const QString& text) const;
+    void highlightPython(TextStorage& textStorage, const QString& text) const;
+    void highlightJavaScript(TextStorage& textStorage, const QString& text) const;
+    void highlightJSON(TextStorage& textStorage, const QString& text) const;
+    void highlightXML(TextStorage& textStorage, const QString& text) const;
+    void highlightCSS(TextStorage& textStorage, const QString& text) const;
+    void highlightMarkdown(TextStorage& textStorage, const QString& text) const;
+    void highlightShell(TextStorage& textStorage, const QString& text) const;
+    void highlightGo(TextStorage& textStorage, const QString& text) const;
+    void highlightRust(TextStorage& textStorage, const QString& text) const;
+    void highlightGeneric(TextStorage& textStorage, const QString& text) const;
+
+    void apply(RuleList list, TextStorage& textStorage, const QString& text) const;
+};
+
+} // namespace kelm
