@@ -1,0 +1,233 @@
+#include "editor/view/editor_container_view.h"
+
+#include "platform/main_queue.h"
+#include "platform/named_colors.h"
+#include "platform/view/style.h"
+#include "text/text_position.h"
+
+#include <QResizeEvent>
+
+#include <algorithm>
+#include <chrono>
+
+namespace kelm {
+
+namespace {
+
+constexpr std::chrono::milliseconds highlightDelay{150};
+constexpr int editorFontSize = 14;
+
+} // namespace
+
+EditorContainerView::EditorContainerView(QWidget* parent, Scheduler& scheduler, NotificationCenter& notifications)
+    : QWidget(parent),
+      textView_(new TextView(this)),
+      lineNumberView_(new SimpleLineNumberView(this)),
+      minimapView_(new EditorMinimapView(this)),
+      syntaxHighlighter_(EditorTheme::monokai()),
+      codeFoldingManager_(notifications),
+      highlightDebounce_(scheduler, highlightDelay, [this] { debouncedHighlight(); })
+{
+    setUpTextView();
+    setUpSideViews();
+    setFocusProxy(textView_);
+    layOut();
+
+    connect(&textView_->storage(), &TextStorage::willEdit, this, [this] {
+        // Others edit the text too, as folding does: the document keeps its own then.
+        if (delegate_ != nullptr && textView_->editor().isEditing()) {
+            delegate_->textWillChange();
+        }
+    });
+    connect(textView_, &TextView::visibleRectChanged, this, &EditorContainerView::scrollViewDidScroll);
+    notifications.addObserver(this, notifications::focusEditor,
+                              [this](const Notification&) { onMainQueue(this, [this] { focusEditorRequested(); }); });
+}
+
+EditorContainerView::~EditorContainerView()
+{
+    textView_->setDelegate(nullptr);
+}
+
+void EditorContainerView::setUpTextView()
+{
+    textView_->setTextFont(style::monospaced(editorFontSize), lineHeight);
+    textView_->setTextInset({4, 4});
+    TextViewColors colors;
+    colors.background = QColor::fromRgbF(0.12F, 0.12F, 0.14F);
+    colors.text = Qt::white;
+    colors.insertionPoint = systemColor(SystemColor::yellow, Appearance::dark);
+    colors.selection = systemColor(SystemColor::blue, Appearance::dark);
+    colors.selection.setAlphaF(0.4F);
+    textView_->setColors(colors);
+    textView_->setDelegate(this);
+    textView_->editor().setBeforeEdit([this] { unfoldBeforeEdit(); });
+}
+
+void EditorContainerView::setUpSideViews()
+{
+    codeFoldingManager_.setTextView(&textView_->storage());
+    lineNumberView_->textView = textView_;
+    lineNumberView_->codeFoldingManager = &codeFoldingManager_;
+    lineNumberView_->onFoldToggle = [this](qsizetype line) { toggleFold(line); };
+    minimapView_->textView = textView_;
+    minimapView_->onLineSelected = [this](qsizetype line) { scrollToLine(line); };
+}
+
+void EditorContainerView::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    layOut();
+}
+
+void EditorContainerView::layOut()
+{
+    const int left = showLineNumbers_ ? gutterWidth : 0;
+    const int right = showMinimap_ ? minimapWidth : 0;
+    lineNumberView_->setVisible(showLineNumbers_);
+    minimapView_->setVisible(showMinimap_);
+    lineNumberView_->setGeometry(0, 0, left, height());
+    textView_->setGeometry(left, 0, std::max(0, width() - left - right), height());
+    minimapView_->setGeometry(width() - right, 0, right, height());
+    minimapView_->update();
+}
+
+void EditorContainerView::setShowLineNumbers(bool show)
+{
+    showLineNumbers_ = show;
+    layOut();
+}
+
+void EditorContainerView::setShowMinimap(bool show)
+{
+    showMinimap_ = show;
+    layOut();
+}
+
+void EditorContainerView::setLessonRegion(std::optional<LineRegion> region)
+{
+    lineNumberView_->lessonRegion = region;
+    lineNumberView_->update();
+}
+
+void EditorContainerView::setText(const QString& text)
+{
+    const SelectionSet carets = textView_->editor().selections();
+    textView_->commitComposition();
+    textView_->storage().setText(text);
+    textView_->editor().setSelections(carets);
+    highlight();
+    detectFoldableRegions();
+    minimapView_->update();
+}
+
+void EditorContainerView::setTheme(const EditorTheme& theme)
+{
+    syntaxHighlighter_.theme = theme;
+    TextViewColors colors = textView_->colors();
+    colors.background = theme.backgroundColor.toColor();
+    colors.insertionPoint = theme.cursorColor.toColor();
+    textView_->setColors(colors);
+    lineNumberView_->backgroundColor = theme.gutterColor.toColor();
+    lineNumberView_->textColor = theme.lineNumberColor.toColor();
+    minimapView_->theme = theme;
+    minimapView_->applyThemeToLayer();
+    minimapView_->update();
+    highlight();
+}
+
+void EditorContainerView::setCurrentLanguage(Language language)
+{
+    currentLanguage_ = language;
+    highlight();
+    detectFoldableRegions();
+    minimapView_->language = language;
+    minimapView_->update();
+}
+
+void EditorContainerView::scrollToLine(qsizetype line)
+{
+    const qreal y = static_cast<qreal>(line - 1) * lineHeight - textView_->viewport()->height() / 2.0;
+    textView_->scrollToY(std::max<qreal>(0, y));
+}
+
+void EditorContainerView::textDidChange()
+{
+    if (delegate_ != nullptr) {
+        delegate_->textDidChange(textView_->text());
+    }
+    lineNumberView_->update();
+    highlightDebounce_.restart();
+}
+
+void EditorContainerView::textViewDidChangeSelection()
+{
+    if (delegate_ != nullptr) {
+        const LineAndColumn place = lineAndColumnAt(textView_->storage(), textView_->selectedRange().location);
+        delegate_->cursorPositionChanged(place.line, place.column);
+    }
+}
+
+void EditorContainerView::debouncedHighlight()
+{
+    highlight();
+    detectFoldableRegions();
+}
+
+void EditorContainerView::highlight()
+{
+    // Colours neither move a caret nor change the selection, so that there is nothing to bring back afterwards.
+    syntaxHighlighter_.highlight(&textView_->storage(), currentLanguage_);
+    lineNumberView_->update();
+}
+
+void EditorContainerView::detectFoldableRegions()
+{
+    codeFoldingManager_.detectFoldableRegions(currentLanguage_);
+    lineNumberView_->update();
+}
+
+void EditorContainerView::toggleFold(qsizetype line)
+{
+    const FoldableRegion* region = codeFoldingManager_.firstRegionStartingAt(line);
+    if (region == nullptr) {
+        return;
+    }
+    // What is being composed belongs to the text that is about to change.
+    textView_->commitComposition();
+    if (const FoldableRegion* now = codeFoldingManager_.firstRegionStartingAt(line)) {
+        if (codeFoldingManager_.isFolded(*now)) {
+            codeFoldingManager_.unfold(*now);
+        } else {
+            codeFoldingManager_.fold(*now);
+        }
+    }
+    lineNumberView_->update();
+}
+
+void EditorContainerView::unfoldBeforeEdit()
+{
+    if (codeFoldingManager_.isTextFolded()) {
+        codeFoldingManager_.unfoldAll();
+    }
+}
+
+void EditorContainerView::scrollViewDidScroll()
+{
+    lineNumberView_->update();
+    minimapView_->currentVisibleRect = textView_->visibleRect();
+    minimapView_->update();
+}
+
+void EditorContainerView::focusEditorRequested()
+{
+    // Every open document has a container; the request is for the one that is seen.
+    if (!isVisible()) {
+        return;
+    }
+    textView_->setSelectedRange({0, 0});
+    textView_->scrollRangeToVisible({0, 0});
+    textView_->setFocus();
+}
+
+} // namespace kelm

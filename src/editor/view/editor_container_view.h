@@ -1,0 +1,109 @@
+// The editing surface of one document.
+#pragma once
+
+#include "app/language.h"
+#include "editor/folding/code_folding_manager.h"
+#include "editor/highlighter/syntax_highlighter.h"
+#include "editor/themes/editor_theme.h"
+#include "editor/view/editor_minimap_view.h"
+#include "editor/view/simple_line_number_view.h"
+#include "platform/notification_center.h"
+#include "platform/scheduler.h"
+#include "text/view/text_view.h"
+
+#include <QWidget>
+
+namespace kelm {
+
+/// What an editor container tells the document's side. Lines and columns count from 1.
+class EditorContainerDelegate
+{
+public:
+    virtual ~EditorContainerDelegate() = default;
+
+    /// The user is about to change the text: the storage wants to be its only holder.
+    virtual void textWillChange() = 0;
+    /// The user has changed the text; it may be shared again.
+    virtual void textDidChange(const QString& text) = 0;
+    virtual void cursorPositionChanged(qsizetype line, qsizetype column) = 0;
+};
+
+/// Lays out gutter, text and minimap of one document side by side and runs their highlight cycle: colours and foldable
+/// regions follow typing after a pause of 0.15 seconds, and a new text, language or theme at once.
+///
+/// Folding changes the text of the view and not that of the document. An edit by the user first unfolds whatever is
+/// folded, so that the text that reaches the document is whole.
+class EditorContainerView final : public QWidget, public TextViewDelegate
+{
+    Q_OBJECT
+
+public:
+    /// The height of a row, in points, that places on the page are reckoned with. It does not come from the font.
+    static constexpr qreal lineHeight = 17;
+    static constexpr int gutterWidth = 55;
+    static constexpr int minimapWidth = 80;
+
+    explicit EditorContainerView(QWidget* parent = nullptr, Scheduler& scheduler = Scheduler::system(),
+                                 NotificationCenter& notifications = NotificationCenter::shared());
+    ~EditorContainerView() override;
+
+    TextView& textView() { return *textView_; }
+    SimpleLineNumberView& lineNumberView() { return *lineNumberView_; }
+    EditorMinimapView& minimapView() { return *minimapView_; }
+    CodeFoldingManager& codeFoldingManager() { return codeFoldingManager_; }
+    void setDelegate(EditorContainerDelegate* delegate) { delegate_ = delegate; }
+
+    /// Shows another text. It has no undo history; carets stay where they stood as far as the text goes.
+    void setText(const QString& text);
+    const QString& text() const { return textView_->text(); }
+
+    void setTheme(const EditorTheme& theme);
+    const EditorTheme& theme() const { return syntaxHighlighter_.theme; }
+
+    Language currentLanguage() const { return currentLanguage_; }
+    void setCurrentLanguage(Language language);
+
+    bool showLineNumbers() const { return showLineNumbers_; }
+    void setShowLineNumbers(bool show);
+    bool showMinimap() const { return showMinimap_; }
+    void setShowMinimap(bool show);
+    const std::optional<LineRegion>& lessonRegion() const { return lineNumberView_->lessonRegion; }
+    void setLessonRegion(std::optional<LineRegion> region);
+
+    /// Scrolls a line, counted from 1, to the middle of the view. Lines are reckoned as one row each.
+    void scrollToLine(qsizetype line);
+
+    // TextViewDelegate
+    void textDidChange() override;
+    void textViewDidChangeSelection() override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void setUpTextView();
+    void setUpSideViews();
+    void layOut();
+    void debouncedHighlight();
+    /// Recolours the whole text.
+    void highlight();
+    void detectFoldableRegions();
+    void toggleFold(qsizetype line);
+    void unfoldBeforeEdit();
+    void scrollViewDidScroll();
+    /// Takes the keyboard with the caret at the start of the text.
+    void focusEditorRequested();
+
+    TextView* textView_;
+    SimpleLineNumberView* lineNumberView_;
+    EditorMinimapView* minimapView_;
+    SyntaxHighlighter syntaxHighlighter_;
+    CodeFoldingManager codeFoldingManager_;
+    EditorContainerDelegate* delegate_ = nullptr;
+    bool showLineNumbers_ = true;
+    bool showMinimap_ = true;
+    Language currentLanguage_ = Language::plainText;
+    Debounce highlightDebounce_;
+};
+
+} // namespace kelm

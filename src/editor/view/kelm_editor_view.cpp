@@ -1,0 +1,114 @@
+#include "editor/view/kelm_editor_view.h"
+
+#include "platform/main_queue.h"
+
+#include <utility>
+
+namespace kelm {
+
+Coordinator::Coordinator(std::shared_ptr<Document> shown, QObject* parent) : QObject(parent), document(std::move(shown))
+{}
+
+void Coordinator::textWillChange()
+{
+    document->lendContent();
+}
+
+void Coordinator::textDidChange(const QString& text)
+{
+    document->returnContent(text, true);
+    noteExchange();
+}
+
+void Coordinator::cursorPositionChanged(qsizetype line, qsizetype column)
+{
+    onMainQueue(this, [this, line, column] { document->setCursorPosition({line, column, 0}); });
+}
+
+KelmEditorView::KelmEditorView(std::shared_ptr<Document> document, ThemeManager& themeManager, QObject* parent)
+    : QObject(parent), document_(std::move(document)), themeManager_(themeManager), coordinator_(document_)
+{
+    connect(document_.get(), &Document::contentChanged, this, &KelmEditorView::scheduleUpdate);
+    connect(document_.get(), &Document::languageChanged, this, &KelmEditorView::scheduleUpdate);
+    connect(document_.get(), &Document::lessonInfoChanged, this, &KelmEditorView::scheduleUpdate);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &KelmEditorView::scheduleUpdate);
+}
+
+EditorContainerView* KelmEditorView::makeView(QWidget* parent, Scheduler& scheduler, NotificationCenter& notifications)
+{
+    view_ = new EditorContainerView(parent, scheduler, notifications);
+    view_->setDelegate(&coordinator_);
+    view_->setShowLineNumbers(showLineNumbers_);
+    view_->setShowMinimap(showMinimap_);
+    view_->setCurrentLanguage(document_->language());
+    view_->setTheme(themeManager_.currentTheme());
+    updateText();
+    view_->setLessonRegion(lessonRegion());
+    return view_;
+}
+
+void KelmEditorView::updateView()
+{
+    if (!view_) {
+        return;
+    }
+    if (view_->showLineNumbers() != showLineNumbers_) {
+        view_->setShowLineNumbers(showLineNumbers_);
+    }
+    if (view_->showMinimap() != showMinimap_) {
+        view_->setShowMinimap(showMinimap_);
+    }
+    if (document_->language() != view_->currentLanguage()) {
+        view_->setCurrentLanguage(document_->language());
+    }
+    if (!(themeManager_.currentTheme() == view_->theme())) {
+        view_->setTheme(themeManager_.currentTheme());
+    }
+    if (document_->contentRevision() != coordinator_.exchangedRevision()) {
+        updateText();
+    }
+    if (lessonRegion() != view_->lessonRegion()) {
+        view_->setLessonRegion(lessonRegion());
+    }
+}
+
+void KelmEditorView::setShowLineNumbers(bool show)
+{
+    showLineNumbers_ = show;
+    scheduleUpdate();
+}
+
+void KelmEditorView::setShowMinimap(bool show)
+{
+    showMinimap_ = show;
+    scheduleUpdate();
+}
+
+void KelmEditorView::scheduleUpdate()
+{
+    if (isUpdateScheduled_) {
+        return;
+    }
+    isUpdateScheduled_ = true;
+    onMainQueue(this, [this] {
+        isUpdateScheduled_ = false;
+        updateView();
+    });
+}
+
+void KelmEditorView::updateText()
+{
+    coordinator_.noteExchange();
+    // A folded text differs from the document's, which is whole.
+    if (view_->codeFoldingManager().isTextFolded() || view_->text() != document_->content()) {
+        view_->setText(document_->content());
+    }
+}
+
+std::optional<LineRegion> KelmEditorView::lessonRegion() const
+{
+    const std::optional<LessonInfo>& lesson = document_->lessonInfo();
+    return lesson ? std::optional(LineRegion{lesson->regionStart, lesson->regionEnd}) : std::nullopt;
+}
+
+} // namespace kelm

@@ -1,0 +1,146 @@
+#include "editor/view/simple_line_number_view.h"
+
+#include "platform/named_colors.h"
+#include "platform/view/style.h"
+#include "text/text_position.h"
+
+#include <QFontMetricsF>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace kelm {
+
+namespace {
+
+constexpr int numberFontSize = 12;
+/// Distance of the numbers from the right edge.
+constexpr qreal numberMargin = 8;
+/// A click left of this x, or the pointing hand, means the triangle.
+constexpr qreal foldZoneWidth = 22;
+constexpr qreal foldBoxSize = 12;
+constexpr qreal foldBoxLeft = 3;
+
+} // namespace
+
+SimpleLineNumberView::SimpleLineNumberView(QWidget* parent) : QWidget(parent)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setAccessibleName(tr("Line numbers"));
+    takeSystemColors();
+}
+
+void SimpleLineNumberView::drawFoldIndicator(QPainter& painter, qreal y, qreal height, bool isFolded) const
+{
+    const QRectF box(foldBoxLeft, y + (height - foldBoxSize) / 2, foldBoxSize, foldBoxSize);
+    QPolygonF triangle;
+    if (isFolded) {
+        triangle << QPointF(box.left() + 3, box.top() + 1) << QPointF(box.right() - 1, box.center().y())
+                 << QPointF(box.left() + 3, box.bottom() - 1);
+    } else {
+        triangle << QPointF(box.left() + 1, box.top() + 3) << QPointF(box.right() - 1, box.top() + 3)
+                 << QPointF(box.center().x(), box.bottom() - 1);
+    }
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isFolded ? foldedColor_ : foldIndicatorColor);
+    painter.drawPolygon(triangle);
+    painter.restore();
+}
+
+void SimpleLineNumberView::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), backgroundColor);
+    if (!textView) {
+        return;
+    }
+    painter.setFont(style::monospaced(numberFontSize));
+    const QFontMetricsF measure(painter.font());
+    const qreal rowHeight = textView->textLayout().rowHeight();
+    for (const NumberedRow& row : numberedRows()) {
+        const bool isInLesson = lessonRegion && lessonRegion->contains(row.line);
+        if (isInLesson) {
+            painter.fillRect(QRectF(0, row.top, width(), rowHeight), lessonHighlightColor);
+        }
+        if (const FoldableRegion* region = regionAt(row.line)) {
+            drawFoldIndicator(painter, row.top, rowHeight, codeFoldingManager->isFolded(*region));
+        }
+        const QString number = QString::number(row.line);
+        const qreal top = row.top + (rowHeight - measure.height()) / 2;
+        painter.setPen(isInLesson ? lessonNumberColor : textColor);
+        painter.drawText(QPointF(width() - measure.horizontalAdvance(number) - numberMargin, top + measure.ascent()),
+                         number);
+    }
+}
+
+void SimpleLineNumberView::mousePressEvent(QMouseEvent* event)
+{
+    const std::optional<qsizetype> line = foldableLineAt(event->position());
+    if (event->button() == Qt::LeftButton && line && onFoldToggle) {
+        onFoldToggle(*line);
+        update();
+    }
+}
+
+void SimpleLineNumberView::mouseMoveEvent(QMouseEvent* event)
+{
+    setCursor(foldableLineAt(event->position()) ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+void SimpleLineNumberView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        takeSystemColors();
+        update();
+    }
+    QWidget::changeEvent(event);
+}
+
+std::vector<SimpleLineNumberView::NumberedRow> SimpleLineNumberView::numberedRows() const
+{
+    std::vector<NumberedRow> numbered;
+    qsizetype line = 0;
+    for (const TextRow& row : textView->visibleRows()) {
+        if (line == 0) {
+            // The line at the top counts even when its first row is above the screen.
+            line = lineFeedsBefore(textView->storage(), row.range.location) + (row.isFirstOfLine ? 0 : 1);
+        }
+        if (row.isFirstOfLine) {
+            numbered.push_back({++line, row.top});
+        }
+    }
+    return numbered;
+}
+
+const FoldableRegion* SimpleLineNumberView::regionAt(qsizetype line) const
+{
+    return codeFoldingManager != nullptr ? codeFoldingManager->firstRegionStartingAt(line) : nullptr;
+}
+
+std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) const
+{
+    if (!textView || point.x() >= foldZoneWidth) {
+        return {};
+    }
+    const qreal rowHeight = textView->textLayout().rowHeight();
+    for (const NumberedRow& row : numberedRows()) {
+        if (point.y() >= row.top && point.y() < row.top + rowHeight) {
+            return regionAt(row.line) != nullptr ? std::optional(row.line) : std::nullopt;
+        }
+    }
+    return {};
+}
+
+void SimpleLineNumberView::takeSystemColors()
+{
+    const Appearance appearance = style::appearanceOf(*this);
+    foldIndicatorColor = systemColor(SystemColor::gray, appearance);
+    foldedColor_ = systemColor(SystemColor::orange, appearance);
+    lessonNumberColor = systemColor(SystemColor::blue, appearance);
+    lessonHighlightColor = lessonNumberColor;
+    lessonHighlightColor.setAlphaF(0.1F);
+}
+
+} // namespace kelm

@@ -1,0 +1,344 @@
+#include "editor/view/kelm_editor_view.h"
+#include "support/captured_log.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace kelm;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
+
+/// A document in a container on screen, with time that moves by hand.
+struct Fixture
+{
+    QTemporaryDir home;
+    UserDefaults defaults{home.filePath(QStringLiteral("defaults.conf"))};
+    CapturedLog log;
+    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
+    ManualScheduler time;
+    NotificationCenter notifications;
+    std::shared_ptr<Document> document;
+    std::unique_ptr<KelmEditorView> binding;
+    std::unique_ptr<EditorContainerView> view;
+
+    explicit Fixture(const QString& text = {}, Language language = Language::swift)
+        : document(std::make_shared<Document>(text, std::nullopt, language, std::nullopt)),
+          binding(std::make_unique<KelmEditorView>(document, themes)),
+          view(binding->makeView(nullptr, time, notifications))
+    {
+        view->resize(800, 400);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        view->textView().setFocus();
+    }
+
+    TextStorage& storage() { return view->textView().storage(); }
+    QRgb colorAt(qsizetype offset) { return storage().foreground().colorAt(offset).value_or(0); }
+    void type(const QString& text) { QTest::keyClicks(&view->textView(), text); }
+    void turnQueue() { QCoreApplication::processEvents(); }
+};
+
+QRgb rgba(const CodableColor& color)
+{
+    return color.toColor().rgba();
+}
+
+} // namespace
+
+class EditorContainerViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void contentFollowsEachKeyAndColoursFollowThePause();
+    void aRunOfKeysGivesOneHighlightCycle();
+    void foldableRegionsFollowThePause();
+    void typingEditsTheSharedTextInPlace();
+    void typingMarksTheDocumentModified();
+    void contentChangedElsewhereIsShown();
+    void anUpdateWithoutAChangeColoursNothing();
+    void theThemeIsTakenWithoutSelectionAndCurrentLineColours();
+    void theLanguageSetterRunsTheCycleAndTellsTheMinimap();
+    void scrollToLinePutsTheLineInTheMiddle();
+    void theFocusNotificationPutsTheCaretAtTheStart();
+    void theFocusNotificationIsForTheVisibleEditorAlone();
+    void theCaretReachesTheDocument();
+    void hiddenPartsGiveTheirWidthToTheText();
+    void foldingLeavesTheDocumentAlone();
+    void anEditUnfoldsFirst();
+    void anUndoUnfoldsFirst();
+    void aLanguageChangeKeepsTheFolds();
+    void contentChangedElsewhereReplacesAFoldedText();
+    void theLessonRegionReachesTheGutter();
+    void theMinimapScrollsToALine();
+    void aClosedDocumentsEditorGoesQuietly();
+};
+
+void EditorContainerViewTest::contentFollowsEachKeyAndColoursFollowThePause()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("let"));
+    QCOMPARE(fixture.document->content(), QStringLiteral("let"));
+    QVERIFY(fixture.colorAt(0) != rgba(EditorTheme::monokai().keywordColor));
+    fixture.time.advance(149ms);
+    QVERIFY(fixture.colorAt(0) != rgba(EditorTheme::monokai().keywordColor));
+    fixture.time.advance(1ms);
+    QCOMPARE(fixture.colorAt(0), rgba(EditorTheme::monokai().keywordColor));
+}
+
+void EditorContainerViewTest::aRunOfKeysGivesOneHighlightCycle()
+{
+    Fixture fixture;
+    QSignalSpy colored(&fixture.storage(), &TextStorage::attributesChanged);
+    for (int i = 0; i < 5; ++i) {
+        fixture.type(QStringLiteral("1 "));
+        fixture.time.advance(100ms);
+    }
+    QCOMPARE(colored.size(), 0);
+    fixture.time.advance(50ms);
+    QCOMPARE(colored.size(), 1);
+    fixture.time.advance(10s);
+    QCOMPARE(colored.size(), 1);
+}
+
+void EditorContainerViewTest::foldableRegionsFollowThePause()
+{
+    Fixture fixture;
+    QTest::keyClicks(&fixture.view->textView(), QStringLiteral("{"));
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTest::keyClicks(&fixture.view->textView(), QStringLiteral("}"));
+    QVERIFY(fixture.view->codeFoldingManager().foldableRegions().empty());
+    fixture.time.advance(150ms);
+    QCOMPARE(fixture.view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+}
+
+void EditorContainerViewTest::typingEditsTheSharedTextInPlace()
+{
+    Fixture fixture(QString(100000, u'x'));
+    fixture.type(QStringLiteral("a"));
+    const void* const buffer = fixture.storage().text().constData();
+    fixture.type(QStringLiteral("bcd"));
+    QCOMPARE(static_cast<const void*>(fixture.storage().text().constData()), buffer);
+    QCOMPARE(static_cast<const void*>(fixture.document->content().constData()), buffer);
+}
+
+void EditorContainerViewTest::typingMarksTheDocumentModified()
+{
+    Fixture fixture(QStringLiteral("ab"));
+    QVERIFY(!fixture.document->isModified());
+    // A letter typed over the same letter is no change.
+    fixture.view->textView().setSelectedRange({0, 1});
+    fixture.type(QStringLiteral("a"));
+    QVERIFY(!fixture.document->isModified());
+    fixture.type(QStringLiteral("x"));
+    QVERIFY(fixture.document->isModified());
+}
+
+void EditorContainerViewTest::contentChangedElsewhereIsShown()
+{
+    Fixture fixture(QStringLiteral("b\na"));
+    fixture.view->textView().setSelectedRange({2, 0});
+    fixture.document->setContent(QStringLiteral("a\nb"));
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->text(), QStringLiteral("a\nb"));
+    QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{2, 0}));
+}
+
+void EditorContainerViewTest::anUpdateWithoutAChangeColoursNothing()
+{
+    Fixture fixture(QStringLiteral("let a"));
+    QSignalSpy edited(&fixture.storage(), &TextStorage::edited);
+    QSignalSpy colored(&fixture.storage(), &TextStorage::attributesChanged);
+    fixture.binding->updateView();
+    fixture.document->setContent(QStringLiteral("let a"));
+    fixture.turnQueue();
+    QCOMPARE(edited.size(), 0);
+    QCOMPARE(colored.size(), 0);
+}
+
+void EditorContainerViewTest::theThemeIsTakenWithoutSelectionAndCurrentLineColours()
+{
+    Fixture fixture(QStringLiteral("let a"));
+    const TextViewColors before = fixture.view->textView().colors();
+    const EditorTheme& light = EditorTheme::githubLight();
+    fixture.themes.setCurrentTheme(light);
+    fixture.turnQueue();
+    const TextViewColors& colors = fixture.view->textView().colors();
+    QCOMPARE(colors.background, light.backgroundColor.toColor());
+    QCOMPARE(colors.insertionPoint, light.cursorColor.toColor());
+    QCOMPARE(colors.selection, before.selection);
+    QCOMPARE(fixture.view->lineNumberView().backgroundColor, light.gutterColor.toColor());
+    QCOMPARE(fixture.view->lineNumberView().textColor, light.lineNumberColor.toColor());
+    QCOMPARE(fixture.view->minimapView().theme, light);
+    QCOMPARE(fixture.colorAt(0), rgba(light.keywordColor));
+    QCOMPARE(fixture.colorAt(4), rgba(light.textColor));
+}
+
+void EditorContainerViewTest::theLanguageSetterRunsTheCycleAndTellsTheMinimap()
+{
+    Fixture fixture(QStringLiteral("def f():\n  a\n  b\n"), Language::plainText);
+    QVERIFY(fixture.view->codeFoldingManager().foldableRegions().empty());
+    fixture.document->setExplicitLanguage(Language::python);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->currentLanguage(), Language(Language::python));
+    QCOMPARE(fixture.view->minimapView().language, Language(Language::python));
+    QCOMPARE(fixture.view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+    QCOMPARE(fixture.colorAt(0), rgba(EditorTheme::monokai().functionColor));
+}
+
+void EditorContainerViewTest::scrollToLinePutsTheLineInTheMiddle()
+{
+    Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
+    fixture.view->scrollToLine(500);
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 499 * 17.0 - 200);
+    QCOMPARE(fixture.view->minimapView().currentVisibleRect, fixture.view->textView().visibleRect());
+    fixture.view->scrollToLine(1);
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 0.0);
+}
+
+void EditorContainerViewTest::theFocusNotificationPutsTheCaretAtTheStart()
+{
+    Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
+    fixture.view->textView().setSelectedRange({4000, 3});
+    fixture.view->scrollToLine(800);
+    fixture.view->textView().clearFocus();
+    fixture.notifications.post(notifications::focusEditor);
+    QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{4000, 3}));
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{0, 0}));
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 0.0);
+    QVERIFY(fixture.view->textView().hasFocus());
+}
+
+void EditorContainerViewTest::theFocusNotificationIsForTheVisibleEditorAlone()
+{
+    Fixture fixture(QStringLiteral("text"));
+    fixture.view->textView().setSelectedRange({2, 0});
+    fixture.view->hide();
+    fixture.notifications.post(notifications::focusEditor);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{2, 0}));
+}
+
+void EditorContainerViewTest::theCaretReachesTheDocument()
+{
+    Fixture fixture(QStringLiteral("one\ntwo\nthree\n"));
+    fixture.view->textView().setSelectedRange({12, 0});
+    fixture.turnQueue();
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{3, 5, 0}));
+}
+
+void EditorContainerViewTest::hiddenPartsGiveTheirWidthToTheText()
+{
+    Fixture fixture(QStringLiteral("text"));
+    QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55 - 80, 400));
+    fixture.binding->setShowMinimap(false);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55, 400));
+    QVERIFY(!fixture.view->minimapView().isVisible());
+    fixture.binding->setShowLineNumbers(false);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->textView().geometry(), QRect(0, 0, 800, 400));
+}
+
+void EditorContainerViewTest::foldingLeavesTheDocumentAlone()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QCOMPARE(fixture.view->text(), QStringLiteral("func f() {\n … }\nlast\n"));
+    fixture.turnQueue();
+    QCOMPARE(fixture.document->content(), foldable);
+    QVERIFY(!fixture.document->isModified());
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QCOMPARE(fixture.view->text(), foldable);
+}
+
+void EditorContainerViewTest::anEditUnfoldsFirst()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.view->textView().setSelectedRange({fixture.view->text().size() - 1, 0});
+    fixture.type(QStringLiteral("!"));
+    const QString expected = QStringLiteral("func f() {\n  one\n  two\n}\nlast!\n");
+    QCOMPARE(fixture.view->text(), expected);
+    QCOMPARE(fixture.document->content(), expected);
+    QVERIFY(fixture.document->isModified());
+}
+
+void EditorContainerViewTest::anUndoUnfoldsFirst()
+{
+    Fixture fixture(foldable);
+    fixture.view->textView().setSelectedRange({13, 0});
+    fixture.type(QStringLiteral("x"));
+    fixture.time.advance(150ms);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.view->text(), foldable);
+    QCOMPARE(fixture.document->content(), foldable);
+    fixture.view->textView().redo();
+    QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\n  xone\n  two\n}\nlast\n"));
+}
+
+void EditorContainerViewTest::aLanguageChangeKeepsTheFolds()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.document->setExplicitLanguage(Language::go);
+    fixture.turnQueue();
+    QVERIFY(fixture.view->codeFoldingManager().foldedRegionStartLines().contains(1));
+    QVERIFY(fixture.view->codeFoldingManager().foldableRegions().empty());
+    QCOMPARE(fixture.view->text(), QStringLiteral("func f() {\n … }\nlast\n"));
+}
+
+void EditorContainerViewTest::contentChangedElsewhereReplacesAFoldedText()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.document->setContent(QStringLiteral("new"));
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->text(), QStringLiteral("new"));
+    fixture.type(QStringLiteral("!"));
+    QVERIFY(!fixture.document->content().contains(QStringLiteral("one")));
+    QCOMPARE(fixture.document->content().size(), 4);
+}
+
+void EditorContainerViewTest::theLessonRegionReachesTheGutter()
+{
+    Fixture fixture(QStringLiteral("a\nb\nc\n"));
+    LessonInfo lesson;
+    lesson.slug = QStringLiteral("intro");
+    lesson.regionStart = 2;
+    lesson.regionEnd = 3;
+    fixture.document->setLessonInfo(lesson);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->lineNumberView().lessonRegion, std::optional(LineRegion{2, 3}));
+}
+
+void EditorContainerViewTest::theMinimapScrollsToALine()
+{
+    Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
+    fixture.view->minimapView().onLineSelected(400);
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 399 * 17.0 - 200);
+}
+
+void EditorContainerViewTest::aClosedDocumentsEditorGoesQuietly()
+{
+    Fixture fixture(QStringLiteral("text"));
+    fixture.type(QStringLiteral("x"));
+    fixture.notifications.post(notifications::focusEditor);
+    fixture.view.reset();
+    fixture.time.advance(1s);
+    fixture.document->setContent(QStringLiteral("other"));
+    fixture.turnQueue();
+    fixture.binding.reset();
+    fixture.notifications.post(notifications::focusEditor);
+    QCOMPARE(fixture.document->content(), QStringLiteral("other"));
+}
+
+QTEST_MAIN(EditorContainerViewTest)
+#include "editor_container_view_test.moc"

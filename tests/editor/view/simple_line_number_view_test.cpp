@@ -1,0 +1,205 @@
+#include "editor/view/simple_line_number_view.h"
+#include "platform/view/style.h"
+
+#include <QtTest>
+
+#include <memory>
+
+using namespace kelm;
+
+namespace {
+
+const QString foldable = QStringLiteral("{\n  one\n  two\n}\nlast");
+
+/// A gutter beside a text view, both as high as each other.
+struct Fixture
+{
+    QWidget window;
+    TextView text{&window};
+    CodeFoldingManager folding;
+    SimpleLineNumberView gutter{&window};
+
+    explicit Fixture(const QString& content)
+    {
+        window.resize(655, 400);
+        gutter.setGeometry(0, 0, 55, 400);
+        text.setGeometry(55, 0, 600, 400);
+        text.setTextFont(style::monospaced(14), 17);
+        text.storage().setText(content);
+        folding.setTextView(&text.storage());
+        folding.detectFoldableRegions(Language::swift);
+        gutter.textView = &text;
+        gutter.codeFoldingManager = &folding;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+    }
+
+    QImage picture() { return gutter.grab().toImage(); }
+    /// Whether any pixel of a row, from 0, between two x is of a colour.
+    bool rowHas(const QImage& image, int row, int left, int right, const QColor& color)
+    {
+        const int top = 4 + row * 17;
+        for (int y = top; y < top + 17; ++y) {
+            for (int x = left; x < right; ++x) {
+                if (image.pixelColor(x, y).rgb() == color.rgb()) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+};
+
+} // namespace
+
+class SimpleLineNumberViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anEmptyTextHasOneNumberAndNoClicks();
+    void aFoldLineShowsATriangleThatTurns();
+    void theZoneOfTheTriangleEndsAtTwentyTwo_data();
+    void theZoneOfTheTriangleEndsAtTwentyTwo();
+    void theLessonRegionHasABandAndBlueNumbers();
+    void aWrappedLineHasOneNumber();
+    void numbersCountLineFeeds();
+    void hiddenLinesAreNotSkippedOver();
+    void thePointingHandShowsOverTriangles();
+    void numbersStandRightAligned();
+};
+
+void SimpleLineNumberViewTest::anEmptyTextHasOneNumberAndNoClicks()
+{
+    Fixture fixture{QString()};
+    bool toggled = false;
+    fixture.gutter.onFoldToggle = [&](qsizetype) { toggled = true; };
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {10, 10});
+    QVERIFY(!toggled);
+    const QImage image = fixture.picture();
+    QVERIFY(!fixture.rowHas(image, 1, 0, 55, fixture.gutter.textColor));
+}
+
+void SimpleLineNumberViewTest::aFoldLineShowsATriangleThatTurns()
+{
+    Fixture fixture(foldable);
+    const QColor gray = fixture.gutter.foldIndicatorColor;
+    // The box is 12 by 12 at x 3, in the middle of the row: 4 + (17 - 12) / 2.
+    const QImage open = fixture.picture();
+    QCOMPARE(open.pixelColor(9, 12).rgb(), gray.rgb());
+    QCOMPARE(open.pixelColor(5, 10).rgb(), gray.rgb());
+    QVERIFY(open.pixelColor(5, 16).rgb() != gray.rgb());
+    QVERIFY(!fixture.rowHas(open, 1, 0, 22, gray));
+    fixture.folding.fold(fixture.folding.foldableRegions().front());
+    const QImage folded = fixture.picture();
+    const QColor orange(255, 149, 0);
+    QCOMPARE(style::appearanceOf(fixture.gutter), Appearance::light);
+    QCOMPARE(folded.pixelColor(8, 12).rgb(), orange.rgb());
+    QCOMPARE(folded.pixelColor(6, 9).rgb(), orange.rgb());
+    QVERIFY(folded.pixelColor(13, 9).rgb() != orange.rgb());
+}
+
+void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo_data()
+{
+    QTest::addColumn<int>("x");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<qsizetype>("line");
+    QTest::newRow("inside") << 21 << 10 << qsizetype(1);
+    QTest::newRow("outside") << 22 << 10 << qsizetype(0);
+    QTest::newRow("a line without a region") << 5 << 30 << qsizetype(0);
+    QTest::newRow("above the first row") << 5 << 2 << qsizetype(0);
+    QTest::newRow("below the text") << 5 << 300 << qsizetype(0);
+}
+
+void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo()
+{
+    QFETCH(int, x);
+    QFETCH(int, y);
+    Fixture fixture(foldable);
+    qsizetype toggled = 0;
+    fixture.gutter.onFoldToggle = [&](qsizetype line) { toggled = line; };
+    fixture.text.setSelectedRange({3, 4});
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
+    QTEST(toggled, "line");
+    QCOMPARE(fixture.text.selectedRange(), (TextRange{3, 4}));
+}
+
+void SimpleLineNumberViewTest::theLessonRegionHasABandAndBlueNumbers()
+{
+    Fixture fixture(QStringLiteral("a\nb\nc\nd"));
+    fixture.gutter.lessonRegion = LineRegion{2, 3};
+    const QImage image = fixture.picture();
+    const QColor plain = fixture.gutter.backgroundColor;
+    QCOMPARE(image.pixelColor(30, 4 + 8).rgb(), plain.rgb());
+    for (const int row : {1, 2}) {
+        const QColor band = image.pixelColor(1, 4 + row * 17);
+        QVERIFY(band.rgb() != plain.rgb());
+        QVERIFY(band.blue() > band.red());
+        QCOMPARE(image.pixelColor(54, 4 + row * 17 + 16).rgb(), band.rgb());
+        QVERIFY(!fixture.rowHas(image, row, 30, 55, fixture.gutter.textColor));
+    }
+    QCOMPARE(image.pixelColor(1, 4 + 3 * 17).rgb(), plain.rgb());
+}
+
+void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()
+{
+    Fixture fixture(QString(200, u'x') + QStringLiteral("\nsecond"));
+    QVERIFY(fixture.text.visibleRows().size() >= 4);
+    const QImage image = fixture.picture();
+    QVERIFY(fixture.rowHas(image, 0, 30, 55, fixture.gutter.textColor));
+    QVERIFY(!fixture.rowHas(image, 1, 30, 55, fixture.gutter.textColor));
+}
+
+void SimpleLineNumberViewTest::numbersCountLineFeeds()
+{
+    Fixture fixture(QString(QStringLiteral("x\r\n")).repeated(500));
+    fixture.text.scrollToY(17 * 100);
+    const QImage scrolled = fixture.picture();
+    Fixture same(QString(QStringLiteral("x\n")).repeated(500));
+    same.text.scrollToY(17 * 100);
+    QCOMPARE(scrolled, same.picture());
+    same.text.scrollToY(17 * 101);
+    QVERIFY(scrolled != same.picture());
+}
+
+void SimpleLineNumberViewTest::hiddenLinesAreNotSkippedOver()
+{
+    Fixture fixture(foldable);
+    fixture.folding.fold(fixture.folding.foldableRegions().front());
+    // "{", the placeholder with the closing brace, and "last": numbers 1 to 3, as for any text of three lines.
+    const QImage folded = fixture.picture().copy(30, 0, 25, 100);
+    Fixture three(QStringLiteral("a\nb\nc"));
+    QCOMPARE(folded, three.picture().copy(30, 0, 25, 100));
+}
+
+void SimpleLineNumberViewTest::thePointingHandShowsOverTriangles()
+{
+    Fixture fixture(foldable);
+    QTest::mouseMove(&fixture.gutter, {10, 10});
+    QTRY_COMPARE(fixture.gutter.cursor().shape(), Qt::PointingHandCursor);
+    QTest::mouseMove(&fixture.gutter, {30, 10});
+    QTRY_COMPARE(fixture.gutter.cursor().shape(), Qt::ArrowCursor);
+    QTest::mouseMove(&fixture.gutter, {10, 30});
+    QTRY_COMPARE(fixture.gutter.cursor().shape(), Qt::ArrowCursor);
+}
+
+void SimpleLineNumberViewTest::numbersStandRightAligned()
+{
+    Fixture fixture(QStringLiteral("a"));
+    const QImage image = fixture.picture();
+    for (int y = 4; y < 21; ++y) {
+        for (int x = 55 - 8; x < 55; ++x) {
+            QCOMPARE(image.pixelColor(x, y).rgb(), fixture.gutter.backgroundColor.rgb());
+        }
+    }
+    bool drawn = false;
+    for (int y = 4; y < 21; ++y) {
+        for (int x = 55 - 8 - 8; x < 55 - 8; ++x) {
+            drawn = drawn || image.pixelColor(x, y).rgb() != fixture.gutter.backgroundColor.rgb();
+        }
+    }
+    QVERIFY(drawn);
+}
+
+QTEST_MAIN(SimpleLineNumberViewTest)
+#include "simple_line_number_view_test.moc"
