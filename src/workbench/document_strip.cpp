@@ -1,0 +1,65 @@
+#include "workbench/document_strip.h"
+
+#include <QSignalBlocker>
+
+namespace kelm {
+
+DocumentStrip::DocumentStrip(AppState& appState, QWidget* parent) : QTabBar(parent), appState_(appState)
+{
+    setDocumentMode(true);
+    setDrawBase(false);
+    setExpanding(false);
+    setTabsClosable(true);
+    setElideMode(Qt::ElideMiddle);
+    setFocusPolicy(Qt::TabFocus);
+    setAccessibleName(tr("Open documents"));
+    connect(&appState_, &AppState::documentsChanged, this, &DocumentStrip::takeDocuments);
+    connect(&appState_, &AppState::currentDocumentIndexChanged, this, &DocumentStrip::takeCurrentIndex);
+    connect(this, &QTabBar::currentChanged, this, [this](int index) { appState_.setCurrentDocumentIndex(index); });
+    connect(this, &QTabBar::tabCloseRequested, this, [this](int index) { appState_.closeTab(index); });
+    takeDocuments();
+}
+
+void DocumentStrip::takeDocuments()
+{
+    const QSignalBlocker blocker(this);
+    for (const QMetaObject::Connection& connection : titleConnections_) {
+        disconnect(connection);
+    }
+    titleConnections_.clear();
+    while (count() > appState_.documents().size()) {
+        removeTab(count() - 1);
+    }
+    int index = 0;
+    for (const std::shared_ptr<Document>& document : appState_.documents()) {
+        if (index == count()) {
+            addTab(document->title());
+        }
+        setTabText(index, document->title());
+        setTabToolTip(index, document->fileURL() ? document->fileURL()->toLocalFile() : QString());
+        const Document* observed = document.get();
+        titleConnections_.push_back(
+            connect(observed, &Document::titleChanged, this, [this, observed] { takeTitle(observed); }));
+        ++index;
+    }
+    takeCurrentIndex();
+    setVisible(count() > 0);
+}
+
+void DocumentStrip::takeCurrentIndex()
+{
+    const QSignalBlocker blocker(this);
+    setCurrentIndex(static_cast<int>(appState_.currentDocumentIndex()));
+}
+
+void DocumentStrip::takeTitle(const Document* document)
+{
+    for (int index = 0; index < count(); ++index) {
+        if (appState_.documents()[index].get() == document) {
+            setTabText(index, document->title());
+            setTabToolTip(index, document->fileURL() ? document->fileURL()->toLocalFile() : QString());
+        }
+    }
+}
+
+} // namespace kelm

@@ -1,0 +1,63 @@
+#include "workbench/kelm_pane_app.h"
+
+#include "app/app_state.h"
+#include "app/open_events.h"
+#include "editor/themes/theme_manager.h"
+#include "platform/view/file_dialogs.h"
+#include "workbench/main_window.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileOpenEvent>
+
+namespace kelm {
+
+namespace {
+
+AppState& sharedStateWithPanels()
+{
+    FilePanels::install(std::make_unique<FileDialogs>());
+    return AppState::shared();
+}
+
+} // namespace
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    ThemeManager::shared().applyAppearance();
+}
+
+void AppDelegate::open(const QStringList& urlTexts)
+{
+    openUrls(urlTexts, AppState::shared(), {});
+}
+
+bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::FileOpen) {
+        open({static_cast<QFileOpenEvent*>(event)->url().toString(QUrl::FullyEncoded)});
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+KelmPaneApp::KelmPaneApp()
+    : appState_(sharedStateWithPanels()),
+      themeManager_(ThemeManager::shared()),
+      window_(std::make_unique<MainWindow>(appState_, themeManager_))
+{
+    qApp->installEventFilter(&appDelegate_);
+    // The process stays when its window is closed.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+KelmPaneApp::~KelmPaneApp() = default;
+
+void KelmPaneApp::start(const QStringList& arguments)
+{
+    appDelegate_.applicationDidFinishLaunching();
+    appDelegate_.open(urlTextsOfArguments(arguments, QDir::currentPath()));
+    window_->show();
+}
+
+} // namespace kelm

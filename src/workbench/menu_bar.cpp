@@ -1,0 +1,158 @@
+#include "workbench/menu_bar.h"
+
+#include "app/command_table.h"
+#include "text/view/text_view.h"
+
+#include <QApplication>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+
+#include <array>
+
+namespace kelm {
+
+namespace {
+
+/// An item of the standard editing group: it goes to whatever has the keyboard, by the name of its slot.
+struct StandardItem
+{
+    const char* label;
+    QKeySequence::StandardKey key;
+    const char* slot;
+};
+
+constexpr std::array<StandardItem, 7> editingItems{{
+    {QT_TRANSLATE_NOOP("kelm", "Undo"), QKeySequence::Undo, "undo"},
+    {QT_TRANSLATE_NOOP("kelm", "Redo"), QKeySequence::Redo, "redo"},
+    {nullptr, QKeySequence::UnknownKey, nullptr},
+    {QT_TRANSLATE_NOOP("kelm", "Cut"), QKeySequence::Cut, "cut"},
+    {QT_TRANSLATE_NOOP("kelm", "Copy"), QKeySequence::Copy, "copy"},
+    {QT_TRANSLATE_NOOP("kelm", "Paste"), QKeySequence::Paste, "paste"},
+    {QT_TRANSLATE_NOOP("kelm", "Select All"), QKeySequence::SelectAll, "selectAll"},
+}};
+
+void callOnFocusWidget(const char* slot)
+{
+    QWidget* widget = QApplication::focusWidget();
+    const QByteArray signature = QByteArray(slot) + "()";
+    if (widget != nullptr && widget->metaObject()->indexOfMethod(signature) >= 0) {
+        QMetaObject::invokeMethod(widget, slot, Qt::DirectConnection);
+    }
+}
+
+void commitCompositionInFocus()
+{
+    if (auto* view = qobject_cast<TextView*>(QApplication::focusWidget())) {
+        view->commitComposition();
+    }
+}
+
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);
+
+void addSubmenu(QMenu& menu, const MenuItem& item, AppState& appState)
+{
+    QMenu* submenu = menu.addMenu(item.label);
+    if (!item.makeItems) {
+        addItems(*submenu, item.items, appState);
+        return;
+    }
+    const auto refill = [submenu, makeItems = item.makeItems, &appState] {
+        submenu->clear();
+        addItems(*submenu, makeItems(appState), appState);
+    };
+    refill();
+    QObject::connect(submenu, &QMenu::aboutToShow, submenu, refill);
+}
+
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState)
+{
+    for (const MenuItem& item : items) {
+        switch (item.kind) {
+        case MenuItem::Kind::separator:
+            menu.addSeparator();
+            break;
+        case MenuItem::Kind::submenu:
+            addSubmenu(menu, item, appState);
+            break;
+        case MenuItem::Kind::command: {
+            // An ampersand in a file's name is no mnemonic.
+            QAction* action = menu.addAction(QString(item.label).replace(u'&', QStringLiteral("&&")));
+            if (item.key) {
+                action->setShortcut(QKeySequence(*item.key));
+            }
+            QObject::connect(action, &QAction::triggered, &menu, [run = item.action, &appState] {
+                commitCompositionInFocus();
+                run(appState);
+            });
+            break;
+        }
+        }
+    }
+}
+
+void addGroups(QMenu& menu, MenuPlacement placement, AppState& appState)
+{
+    for (const MenuGroup& group : commandTable()) {
+        if (group.placement == placement && group.menu == menu.title()) {
+            if (!menu.isEmpty()) {
+                menu.addSeparator();
+            }
+            addItems(menu, group.items, appState);
+        }
+    }
+}
+
+void addApplicationMenu(QMenuBar& bar)
+{
+    QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
+    QAction* about = menu->addAction(QObject::tr("About KelmWright"));
+    about->setMenuRole(QAction::AboutRole);
+    QObject::connect(about, &QAction::triggered, &bar, [&bar] {
+        QMessageBox::about(bar.window(), QObject::tr("About KelmWright"),
+                           QObject::tr("KelmWright %1\n\nA code editor for writing and learning.")
+                               .arg(QCoreApplication::applicationVersion()));
+    });
+    menu->addSeparator();
+    QAction* quit = menu->addAction(QObject::tr("Quit KelmWright"), &QCoreApplication::quit);
+    quit->setMenuRole(QAction::QuitRole);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+void addEditingItems(QMenu& menu)
+{
+    for (const StandardItem& item : editingItems) {
+        if (item.label == nullptr) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
+        action->setShortcut(QKeySequence(item.key));
+        QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { callOnFocusWidget(slot); });
+    }
+}
+
+} // namespace
+
+QMenuBar* makeMenuBar(AppState& appState, QWidget* parent)
+{
+    auto* bar = new QMenuBar(parent);
+    addApplicationMenu(*bar);
+    QMenu* file = bar->addMenu(QStringLiteral("File"));
+    addGroups(*file, MenuPlacement::replacingNewItems, appState);
+    addGroups(*file, MenuPlacement::replacingSaveItems, appState);
+    QMenu* edit = bar->addMenu(QStringLiteral("Edit"));
+    addEditingItems(*edit);
+    addGroups(*edit, MenuPlacement::afterTextEditing, appState);
+    QMenu* view = bar->addMenu(QStringLiteral("View"));
+    addGroups(*view, MenuPlacement::afterToolbar, appState);
+    for (const MenuGroup& group : commandTable()) {
+        if (group.placement == MenuPlacement::ownMenu) {
+            addItems(*bar->addMenu(group.menu), group.items, appState);
+        }
+    }
+    return bar;
+}
+
+} // namespace kelm

@@ -1,0 +1,15 @@
+// The menu bar, built from the command table.
+#pragma once
+
+#include "app/app_state.h"
+
+class QMenuBar;
+class QWidget;
+
+namespace kelm {
+
+/// A menu bar with the standard menus and, at their places in them, the groups of the command table. What a text view
+/// is composing is put into its text before a command runs.
+QMenuBar* makeMenuBar(AppState& appState, QWidget* parent);
+
+} // namespace kelm
