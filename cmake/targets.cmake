@@ -17,12 +17,18 @@ function(kelm_test name)
   target_compile_definitions(${name} PRIVATE KELM_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/${folder})
   add_test(NAME ${folder}/${name} COMMAND ${name})
+  set(home ${PROJECT_BINARY_DIR}/tests/home/${name})
+  set(environment
+    QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 LC_ALL=C.UTF-8
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp
+    XDG_CONFIG_HOME=${home}/config XDG_DATA_HOME=${home}/data
+    XDG_CACHE_HOME=${home}/cache XDG_STATE_HOME=${home}/state)
   # LC_ALL only names the encoding: what sorts and compares by locale is set by the test that needs it. The Qt platform
   # without a window system stands in for the desktop, at a fixed scale.
   set_tests_properties(${folder}/${name} PROPERTIES
     LABELS ${folder}
     TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=1;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/config;XDG_DATA_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/data;XDG_CACHE_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/cache;XDG_STATE_HOME=${PROJECT_BINARY_DIR}/tests/home/${name}/state")
+    ENVIRONMENT "${environment}")
 endfunction()
 
 # kelm_bench(name [LIBRARIES lib...]): one Google Benchmark program, bench/<folder>/<name>.cpp.
@@ -39,7 +45,7 @@ function(kelm_bench name)
   set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
 endfunction()
 
-# Runs moc again when files join or leave a target: its step depends on the files of its last run alone, not on the list.
+# Runs moc again when files join or leave a target: its step depends on the files of its last run, not on the list.
 # To be called when the target has all its sources.
 function(kelm_track_moc_files target)
   get_target_property(sources ${target} SOURCES)
@@ -65,7 +71,7 @@ function(kelm_fuzz name)
   set_tests_properties(fuzz/${name}_corpus_test PROPERTIES
     LABELS fuzz
     TIMEOUT 60
-    ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+    ENVIRONMENT "${environment}")
   if(KELM_FUZZ)
     add_executable(${name}_fuzz ${name}_fuzz.cpp)
     target_link_libraries(${name}_fuzz PRIVATE kelm_core)

@@ -33,9 +33,9 @@ def problems_of(name):
 
 
 def main():
-    names = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True, capture_output=True, text=True).stdout.splitlines()
+    listing = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True, capture_output=True, text=True)
     problems = []
-    for name in names:
+    for name in listing.stdout.splitlines():
         if any(part in name for part in LEFT_OUT) or pathlib.PurePosixPath(name).suffix not in SUFFIXES:
             continue
         if (ROOT / name).is_file():
