@@ -61,8 +61,8 @@ function(kelm_track_moc_files target)
 endfunction()
 
 # kelm_fuzz(name): tests/fuzz/<name>_fuzz.cpp, whose `LLVMFuzzerTestOneInput` ends the process when something is wrong.
-# A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as well, which goes on from
-# there with libFuzzer.
+# A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as well, which goes on
+# from there with libFuzzer.
 function(kelm_fuzz name)
   add_executable(${name}_corpus_test ${name}_fuzz.cpp corpus_main.cpp)
   target_link_libraries(${name}_corpus_test PRIVATE kelm_core)

@@ -1,6 +1,9 @@
 #include "app/command_table.h"
 
 #include "app/app_state.h"
+#include "editor/transforms/json_formatter.h"
+#include "editor/transforms/text_transformer.h"
+#include "editor/transforms/xml_formatter.h"
 #include "platform/file_url.h"
 
 #include <utility>
@@ -21,6 +24,9 @@ constexpr Qt::KeyboardModifier controlModifier = Qt::ControlModifier;
 constexpr Qt::KeyboardModifiers command = Qt::ControlModifier;
 constexpr Qt::KeyboardModifiers commandShift = Qt::ControlModifier | Qt::ShiftModifier;
 constexpr Qt::KeyboardModifiers commandOption = Qt::ControlModifier | Qt::AltModifier;
+
+/// Blanks to a level of formatted JSON.
+constexpr int formatIndent = 2;
 
 using Action = std::function<void(AppState&)>;
 
@@ -61,6 +67,16 @@ Action showSearch(SearchMode mode)
     };
 }
 
+/// Puts another text in the place of the current document's whole content; nothing without a document.
+Action rewrite(std::function<QString(const QString&)> transform)
+{
+    return [transform = std::move(transform)](AppState& state) {
+        if (const std::shared_ptr<Document> document = state.currentDocument()) {
+            document->setContent(transform(document->content()));
+        }
+    };
+}
+
 void doNothing(AppState&) {}
 
 std::vector<MenuGroup> makeCommandTable()
@@ -87,8 +103,20 @@ std::vector<MenuGroup> makeCommandTable()
          {
              submenu(u"Format"_s,
                      std::vector{
+                         item(u"Format JSON"_s, commandShift | Qt::Key_J,
+                              rewrite([](const QString& text) { return JSONFormatter::format(text, formatIndent); })),
+                         item(u"Format XML"_s, commandShift | Qt::Key_X, rewrite(formatXml)),
+                         separator(),
                          item(u"Sort Lines Ascending"_s, [](AppState& state) { state.sortLines(true); }),
                          item(u"Sort Lines Descending"_s, [](AppState& state) { state.sortLines(false); }),
+                     }),
+             submenu(u"Transform"_s,
+                     std::vector{
+                         item(u"UPPERCASE"_s, rewrite(TextTransformer::toUpperCase)),
+                         item(u"lowercase"_s, rewrite(TextTransformer::toLowerCase)),
+                         item(u"Title Case"_s, rewrite(TextTransformer::toCapitalized)),
+                         item(u"camelCase"_s, rewrite(TextTransformer::toCamelCase)),
+                         item(u"snake_case"_s, rewrite(TextTransformer::toSnakeCase)),
                      }),
          }},
         {u"View"_s,

@@ -63,6 +63,9 @@ class CommandTableTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void textCommandsRewriteTheWholeContent_data();
+    void textCommandsRewriteTheWholeContent();
+    void textCommandsWithoutADocumentDoNothing();
     void init();
     void groupsStandInTheirOrder();
     void linesStandInTheirOrder_data();
@@ -113,7 +116,19 @@ void CommandTableTest::linesStandInTheirOrder_data()
     QTest::newRow("save items") << 1
                                 << QStringList{u"Save | Ctrl+S"_s, u"Save As... | Ctrl+Shift+S"_s,
                                                u"Save All | Ctrl+Alt+S"_s};
-    QTest::newRow("edit") << 2 << QStringList{u"Format >"_s, u"  Sort Lines Ascending"_s, u"  Sort Lines Descending"_s};
+    QTest::newRow("edit") << 2
+                          << QStringList{u"Format >"_s,
+                                         u"  Format JSON | Ctrl+Shift+J"_s,
+                                         u"  Format XML | Ctrl+Shift+X"_s,
+                                         u"  -"_s,
+                                         u"  Sort Lines Ascending"_s,
+                                         u"  Sort Lines Descending"_s,
+                                         u"Transform >"_s,
+                                         u"  UPPERCASE"_s,
+                                         u"  lowercase"_s,
+                                         u"  Title Case"_s,
+                                         u"  camelCase"_s,
+                                         u"  snake_case"_s};
     QTest::newRow("view") << 3
                           << QStringList{u"Toggle Sidebar | Ctrl+B"_s,
 #ifdef Q_OS_MACOS
@@ -153,7 +168,7 @@ void CommandTableTest::everyCommandHasAnActionAndNoKeyIsTwice()
     for (const MenuGroup& group : commandTable()) {
         walk(group.items);
     }
-    QCOMPARE(keys.size(), 14);
+    QCOMPARE(keys.size(), 16);
 }
 
 void CommandTableTest::anEmptyListOfRecentFilesIsAnEmptySubmenu()
@@ -265,6 +280,45 @@ void CommandTableTest::findCommandsShowTheirOverlay()
         QCOMPARE(state().showGoToLine(), shown == u"goToLine");
         QCOMPARE(int(state().searchMode()), mode);
     }
+}
+
+void CommandTableTest::textCommandsRewriteTheWholeContent_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("JSON") << u"Format JSON"_s << u"{\"b\":1,\"a\":2}"_s << u"{\n  \"a\" : 2,\n  \"b\" : 1\n}"_s;
+    QTest::newRow("bad JSON stays") << u"Format JSON"_s << u"{,}"_s << u"{,}"_s;
+    QTest::newRow("XML that is not well formed") << u"Format XML"_s << u"<a><b>"_s << u"<a>\n  <b>"_s;
+    QTest::newRow("XML") << u"Format XML"_s << u"<a><b/></a>"_s << u"<a>\n    <b/>\n</a>"_s;
+    QTest::newRow("upper") << u"UPPERCASE"_s << u"straße"_s << u"STRASSE"_s;
+    QTest::newRow("lower") << u"lowercase"_s << u"ÀB"_s << u"àb"_s;
+    QTest::newRow("title") << u"Title Case"_s << u"foo_bar don't"_s << u"Foo_Bar Don't"_s;
+    QTest::newRow("camel") << u"camelCase"_s << u"fooBar baz-qux"_s << u"fooBarBazQux"_s;
+    QTest::newRow("snake") << u"snake_case"_s << u"fooBar baz-qux"_s << u"foo_bar_baz_qux"_s;
+}
+
+void CommandTableTest::textCommandsRewriteTheWholeContent()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    state().createNewTab();
+    const std::shared_ptr<Document> document = state().currentDocument();
+    document->setContent(before);
+    document->setIsModified(false);
+    run(command, state());
+    QCOMPARE(document->content(), after);
+    QCOMPARE(document->isModified(), before != after);
+}
+
+void CommandTableTest::textCommandsWithoutADocumentDoNothing()
+{
+    for (const char* command :
+         {"Format JSON", "Format XML", "UPPERCASE", "lowercase", "Title Case", "camelCase", "snake_case"}) {
+        run(QString::fromLatin1(command), state());
+    }
+    QVERIFY(state().documents().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(CommandTableTest)
