@@ -33,12 +33,31 @@ constexpr std::array<StandardItem, 7> editingItems{{
     {QT_TRANSLATE_NOOP("kelm", "Select All"), QKeySequence::SelectAll, "selectAll"},
 }};
 
+/// The text view's find bar, on keys that the command table leaves free.
+struct FindItem
+{
+    const char* label;
+    QKeyCombination key;
+    const char* slot;
+};
+
+constexpr std::array<FindItem, 5> findItems{{
+    {QT_TRANSLATE_NOOP("kelm", "Find in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
+    {QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R, "showReplaceBar"},
+    {QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
+    {QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
+    {QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_E, "useSelectionForFind"},
+}};
+
+/// Calls a slot on what has the keyboard, or on the nearest widget around it that has such a slot.
 void callOnFocusWidget(const char* slot)
 {
-    QWidget* widget = QApplication::focusWidget();
     const QByteArray signature = QByteArray(slot) + "()";
-    if (widget != nullptr && widget->metaObject()->indexOfMethod(signature) >= 0) {
-        QMetaObject::invokeMethod(widget, slot, Qt::DirectConnection);
+    for (QWidget* widget = QApplication::focusWidget(); widget != nullptr; widget = widget->parentWidget()) {
+        if (widget->metaObject()->indexOfMethod(signature) >= 0) {
+            QMetaObject::invokeMethod(widget, slot, Qt::DirectConnection);
+            return;
+        }
     }
 }
 
@@ -130,6 +149,13 @@ void addEditingItems(QMenu& menu)
         QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
         action->setShortcut(QKeySequence(item.key));
         QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { callOnFocusWidget(slot); });
+    }
+    menu.addSeparator();
+    QMenu* find = menu.addMenu(QCoreApplication::translate("kelm", "Find"));
+    for (const FindItem& item : findItems) {
+        QAction* action = find->addAction(QCoreApplication::translate("kelm", item.label));
+        action->setShortcut(QKeySequence(item.key));
+        QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { callOnFocusWidget(slot); });
     }
 }
 

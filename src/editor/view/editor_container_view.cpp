@@ -16,6 +16,14 @@ namespace {
 
 constexpr std::chrono::milliseconds highlightDelay{150};
 constexpr int editorFontSize = 14;
+/// How strongly the match that a search stands at is marked.
+constexpr float currentMatchAlpha = 0.4F;
+
+QColor withAlpha(QColor color, float alpha)
+{
+    color.setAlphaF(alpha);
+    return color;
+}
 
 } // namespace
 
@@ -127,6 +135,8 @@ void EditorContainerView::setTheme(const EditorTheme& theme)
     TextViewColors colors = textView_->colors();
     colors.background = theme.backgroundColor.toColor();
     colors.insertionPoint = theme.cursorColor.toColor();
+    colors.match = theme.selectionColor.toColor();
+    colors.currentMatch = withAlpha(theme.cursorColor.toColor(), currentMatchAlpha);
     textView_->setColors(colors);
     lineNumberView_->backgroundColor = theme.gutterColor.toColor();
     lineNumberView_->textColor = theme.lineNumberColor.toColor();

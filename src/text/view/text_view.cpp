@@ -1,6 +1,7 @@
 #include "text/view/text_view.h"
 
 #include "platform/main_queue.h"
+#include "text/view/find_bar.h"
 #include "text/view/text_view_accessible.h"
 #include "text/view/text_view_input_method.h"
 #include "text/view/text_view_keys.h"
@@ -131,7 +132,7 @@ std::vector<TextRow> TextView::visibleRows()
 void TextView::scrollToY(qreal y)
 {
     const qreal last = std::max<qreal>(0, pageHeight() - viewport()->height());
-    setAnchor(std::clamp<qreal>(y, 0, last));
+    setAnchor(std::clamp<qreal>(y, -topObscured_, last));
     syncScrollBar();
 }
 
@@ -147,8 +148,9 @@ void TextView::scrollRangeToVisible(TextRange range)
         if (end.bottom() + 2 * inset_.height() > top + viewport()->height()) {
             wanted = end.bottom() + 2 * inset_.height() - viewport()->height();
         }
-        if (start.top() < wanted || end.bottom() - start.top() > height) {
-            wanted = std::min(wanted, start.top());
+        const qreal startTop = start.top() - topObscured_;
+        if (startTop < wanted || end.bottom() - startTop > height) {
+            wanted = std::min(wanted, startTop);
         }
         if (wanted == top) {
             return;
@@ -194,6 +196,9 @@ QMenu* TextView::makeContextMenu()
     add(tr("Delete"), QKeySequence::Delete, &TextView::deleteSelection, hasText && !isReadOnly());
     menu->addSeparator();
     add(tr("Select All"), QKeySequence::SelectAll, &TextView::selectAll, storage_.length() > 0);
+    menu->addSeparator();
+    menu->addAction(tr("Find in Text..."), this, &TextView::showFindBar);
+    menu->addAction(tr("Use Selection for Find"), this, &TextView::useSelectionForFind)->setEnabled(hasText);
     return menu;
 }
 
@@ -228,6 +233,47 @@ void TextView::selectAll()
 {
     commitComposition();
     editor_.selectAll();
+}
+
+void TextView::setTopObscured(qreal height)
+{
+    if (height != topObscured_) {
+        topObscured_ = height;
+        syncScrollBar();
+    }
+}
+
+FindBar& TextView::findBar()
+{
+    if (findBar_ == nullptr) {
+        findBar_ = new FindBar(*this);
+    }
+    return *findBar_;
+}
+
+void TextView::showFindBar()
+{
+    findBar().open(false);
+}
+
+void TextView::showReplaceBar()
+{
+    findBar().open(true);
+}
+
+void TextView::findNext()
+{
+    findBar().findNext();
+}
+
+void TextView::findPrevious()
+{
+    findBar().findPrevious();
+}
+
+void TextView::useSelectionForFind()
+{
+    findBar().useSelection();
 }
 
 bool TextView::keyDown(QKeyEvent* /*event*/)
@@ -407,11 +453,11 @@ void TextView::syncScrollBar()
     {
         const QScopedValueRollback syncing(isSyncingScrollBar_, true);
         bar->setPageStep(viewport()->height());
-        bar->setRange(0, last);
-        bar->setValue(static_cast<int>(std::lround(std::clamp<qreal>(before, 0, last))));
+        bar->setRange(static_cast<int>(-topObscured_), last);
+        bar->setValue(static_cast<int>(std::lround(std::clamp<qreal>(before, -topObscured_, last))));
     }
-    if (before < 0 || before > last) {
-        setAnchor(std::clamp<qreal>(before, 0, last));
+    if (before < -topObscured_ || before > last) {
+        setAnchor(std::clamp<qreal>(before, -topObscured_, last));
     } else {
         Q_EMIT visibleRectChanged();
     }

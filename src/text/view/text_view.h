@@ -17,6 +17,7 @@ class QMenu;
 
 namespace kelm {
 
+class FindBar;
 class TextViewInputMethod;
 class TextViewMouse;
 
@@ -37,6 +38,9 @@ struct TextViewColors
     QColor text = Qt::black;
     QColor insertionPoint = Qt::black;
     QColor selection = QColor(0, 122, 255, 102);
+    /// Behind what a search has found, and behind the match that it stands at.
+    QColor match = QColor(255, 204, 0, 80);
+    QColor currentMatch = QColor(255, 149, 0, 140);
 };
 
 /// Text stretches that are marked behind the letters, such as what a search has found.
@@ -85,6 +89,12 @@ public:
     void setHighlights(std::vector<TextHighlight> highlights);
     const std::vector<TextHighlight>& highlights() const { return highlights_; }
 
+    /// The find bar, made when it is first asked for.
+    FindBar& findBar();
+    /// How much at the top of the viewport something lies over the text, in points: what is scrolled to is put below
+    /// it, and the first line can be scrolled out from under it.
+    void setTopObscured(qreal height);
+
     /// The part of the page that is on screen.
     QRectF visibleRect() const;
     qreal pageHeight() const;
@@ -115,6 +125,11 @@ public Q_SLOTS:
     void paste();
     void deleteSelection();
     void selectAll();
+    void showFindBar();
+    void showReplaceBar();
+    void findNext();
+    void findPrevious();
+    void useSelectionForFind();
 
 Q_SIGNALS:
     /// The part of the page on screen has changed, by scrolling or because the page or the view has another size.
@@ -173,6 +188,8 @@ private:
     TextViewDelegate* delegate_ = nullptr;
     std::unique_ptr<TextViewMouse> mouse_;
     std::unique_ptr<TextViewInputMethod> inputMethod_;
+    FindBar* findBar_ = nullptr;
+    qreal topObscured_ = 0;
     TextViewColors colors_;
     std::vector<TextHighlight> highlights_;
     QSizeF inset_{4, 4};

@@ -1,0 +1,68 @@
+// The find bar of a text view.
+#pragma once
+
+#include "search/find_session.h"
+#include "search/search_engine.h"
+
+#include <QFrame>
+
+class QLabel;
+class QLineEdit;
+class QToolButton;
+
+namespace kelm {
+
+class TextView;
+
+/// Find and replace over the top of a text view. Typing shows all matches and the one nearest behind the caret without
+/// moving the caret; Enter and Shift-Enter step from match to match and select them; Escape goes back to the text.
+class FindBar final : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit FindBar(TextView& view);
+
+    SearchEngine& engine() { return engine_; }
+
+    /// Shows the bar with the selected text, if it is within a line, as the text looked for.
+    void open(bool withReplace);
+    void close();
+    /// Steps to a match and selects it, also when the bar is not shown.
+    void findNext();
+    void findPrevious();
+    /// Looks for the selected text from now on.
+    void useSelection();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QToolButton* makeButton(const QString& text, const QString& help);
+    QToolButton* makeToggle(const QString& text, const QString& help);
+    void buildRows();
+    void takeSelection();
+    void restart();
+    void select(std::optional<TextRange> match);
+    void replaceCurrent();
+    void replaceAll();
+    void showState();
+    void showHighlights();
+    void placeOverView();
+
+    TextView& view_;
+    SearchEngine engine_;
+    FindSession session_;
+    QLineEdit* findField_;
+    QLineEdit* replaceField_;
+    QLabel* status_;
+    QToolButton* caseToggle_;
+    QToolButton* wordToggle_;
+    QToolButton* patternToggle_;
+    QWidget* replaceRow_;
+    /// Where the caret stood when the text looked for was last typed.
+    qsizetype origin_ = 0;
+};
+
+} // namespace kelm

@@ -1,0 +1,306 @@
+#include "text/view/find_bar.h"
+
+#include "text/view/text_view.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QToolButton>
+#include <QtTest>
+
+using namespace kelm;
+
+namespace {
+
+/// A text view on screen with its bar, and what a person sees and touches of it.
+struct Fixture
+{
+    TextView view;
+
+    explicit Fixture(const QString& text)
+    {
+        view.resize(900, 400);
+        view.storage().setText(text);
+        view.setSelectedRange({0, 0});
+        view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        view.setFocus();
+    }
+
+    FindBar& bar() { return view.findBar(); }
+    QLineEdit* field(const char* name)
+    {
+        for (auto* edit : bar().findChildren<QLineEdit*>()) {
+            if (edit->accessibleName() == QLatin1String(name)) {
+                return edit;
+            }
+        }
+        return nullptr;
+    }
+    QToolButton* button(const char* help)
+    {
+        for (auto* found : bar().findChildren<QToolButton*>()) {
+            if (found->accessibleName() == QLatin1String(help)) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    QString status() { return bar().findChild<QLabel*>()->toolTip(); }
+    void open(const QString& wanted, bool withReplace = false)
+    {
+        withReplace ? view.showReplaceBar() : view.showFindBar();
+        field("Find")->clear();
+        // Keys are for ASCII; anything else comes from an input method, or is pasted.
+        const bool isAscii = std::all_of(wanted.begin(), wanted.end(), [](QChar unit) { return unit.unicode() < 0x80; });
+        isAscii ? QTest::keyClicks(field("Find"), wanted) : field("Find")->insert(wanted);
+    }
+    std::vector<TextRange> highlighted()
+    {
+        std::vector<TextRange> ranges;
+        for (const TextHighlight& highlight : view.highlights()) {
+            ranges.push_back(highlight.range);
+        }
+        return ranges;
+    }
+};
+
+} // namespace
+
+class FindBarTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void openingKeepsTheCaretAndTakesTheKeyboard();
+    void typingShowsAllMatchesAndTheCurrentOne();
+    void enterStepsAndShiftEnterStepsBack();
+    void escapeGoesBackToTheText();
+    void theSelectionIsTheTextLookedFor();
+    void optionsNarrowTheSearch();
+    void aPatternThatDoesNotCompileSaysSo();
+    void aPatternThatWouldRunForEverIsStopped();
+    void replaceGoesOnToTheNextMatch();
+    void replaceAllIsOneStepOfUndo();
+    void templatesPutGroupsIn();
+    void matchesFollowEdits();
+    void nothingFoundSaysSo();
+    void findNextWorksWithoutTheBar();
+    void theFirstLineComesOutFromUnderTheBar();
+    void aReadOnlyTextIsNotReplaced();
+    void onlyMatchesOnScreenAreMarked();
+};
+
+void FindBarTest::openingKeepsTheCaretAndTakesTheKeyboard()
+{
+    Fixture fixture(QStringLiteral("one two one"));
+    fixture.view.setSelectedRange({5, 0});
+    fixture.view.showFindBar();
+    QVERIFY(fixture.bar().isVisible());
+    QVERIFY(fixture.field("Find")->hasFocus());
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{5, 0}));
+    QVERIFY(!fixture.field("Replace")->isVisible());
+}
+
+void FindBarTest::typingShowsAllMatchesAndTheCurrentOne()
+{
+    Fixture fixture(QStringLiteral("one two one\none"));
+    fixture.view.setSelectedRange({4, 0});
+    fixture.open(QStringLiteral("one"));
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{0, 3}, {8, 3}, {12, 3}}));
+    QCOMPARE(fixture.view.highlights()[1].color, fixture.view.colors().currentMatch);
+    QCOMPARE(fixture.view.highlights()[0].color, fixture.view.colors().match);
+    QCOMPARE(fixture.status(), QStringLiteral("2 of 3"));
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{4, 0}));
+    QCOMPARE(fixture.bar().engine().results().size(), 3);
+    QCOMPARE(fixture.bar().engine().results()[2].line, 2);
+    QCOMPARE(fixture.bar().engine().results()[2].lineText, QStringLiteral("one"));
+    QCOMPARE(fixture.bar().engine().currentMatchIndex(), 1);
+}
+
+void FindBarTest::enterStepsAndShiftEnterStepsBack()
+{
+    Fixture fixture(QStringLiteral("a b a b a"));
+    fixture.open(QStringLiteral("a"));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{4, 1}));
+    QCOMPARE(fixture.status(), QStringLiteral("2 of 3"));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return, Qt::ShiftModifier);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return, Qt::ShiftModifier);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{8, 1}));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+    QVERIFY(fixture.field("Find")->hasFocus());
+}
+
+void FindBarTest::escapeGoesBackToTheText()
+{
+    Fixture fixture(QStringLiteral("a b a"));
+    fixture.open(QStringLiteral("a"));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Escape);
+    QVERIFY(!fixture.bar().isVisible());
+    QVERIFY(fixture.view.hasFocus());
+    QVERIFY(fixture.view.highlights().empty());
+    QCOMPARE(fixture.view.visibleRect().y(), 0.0);
+}
+
+void FindBarTest::theSelectionIsTheTextLookedFor()
+{
+    Fixture fixture(QStringLiteral("foo bar foo\nbar"));
+    fixture.view.setSelectedRange({4, 3});
+    fixture.view.showFindBar();
+    QCOMPARE(fixture.field("Find")->text(), QStringLiteral("bar"));
+    QCOMPARE(fixture.status(), QStringLiteral("1 of 2"));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{12, 3}));
+    // A selection over a line end is not what is looked for.
+    fixture.view.setSelectedRange({8, 6});
+    fixture.view.useSelectionForFind();
+    QCOMPARE(fixture.field("Find")->text(), QStringLiteral("bar"));
+}
+
+void FindBarTest::optionsNarrowTheSearch()
+{
+    Fixture fixture(QStringLiteral("Cat cat category 한글 한글말"));
+    fixture.open(QStringLiteral("cat"));
+    QCOMPARE(fixture.highlighted().size(), std::size_t(3));
+    QTest::mouseClick(fixture.button("Match case"), Qt::LeftButton);
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{4, 3}, {8, 3}}));
+    QTest::mouseClick(fixture.button("Whole words"), Qt::LeftButton);
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{4, 3}}));
+    fixture.open(QStringLiteral("한글"));
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{17, 2}}));
+    QTest::mouseClick(fixture.button("Whole words"), Qt::LeftButton);
+    QTest::mouseClick(fixture.button("Regular expression"), Qt::LeftButton);
+    fixture.open(QStringLiteral("[Cc]at\\b"));
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{0, 3}, {4, 3}}));
+}
+
+void FindBarTest::aPatternThatDoesNotCompileSaysSo()
+{
+    Fixture fixture(QStringLiteral("a(b"));
+    QTest::mouseClick((fixture.view.showFindBar(), fixture.button("Regular expression")), Qt::LeftButton);
+    fixture.open(QStringLiteral("a("));
+    QVERIFY(!fixture.status().isEmpty());
+    QVERIFY(!fixture.status().contains(QStringLiteral("of")));
+    QVERIFY(fixture.highlighted().empty());
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 0}));
+}
+
+void FindBarTest::aPatternThatWouldRunForEverIsStopped()
+{
+    Fixture fixture(QString(40000, u'a') + u'!');
+    QTest::mouseClick((fixture.view.showFindBar(), fixture.button("Regular expression")), Qt::LeftButton);
+    fixture.field("Find")->setText(QStringLiteral("(a|a)*(a|a)*(a|a)*b"));
+    QTRY_COMPARE(fixture.status(), QStringLiteral("Stopped: this pattern takes too long here"));
+}
+
+void FindBarTest::replaceGoesOnToTheNextMatch()
+{
+    Fixture fixture(QStringLiteral("a b a b a"));
+    fixture.open(QStringLiteral("a"), true);
+    QTest::keyClicks(fixture.field("Replace"), QStringLiteral("aa"));
+    QTest::mouseClick(fixture.button("Replace this match"), Qt::LeftButton);
+    QCOMPARE(fixture.view.text(), QStringLiteral("aa b a b a"));
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{5, 1}));
+    QTest::keyClick(fixture.field("Replace"), Qt::Key_Return);
+    QCOMPARE(fixture.view.text(), QStringLiteral("aa b aa b a"));
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{10, 1}));
+}
+
+void FindBarTest::replaceAllIsOneStepOfUndo()
+{
+    Fixture fixture(QStringLiteral("a b a\r\nb a"));
+    fixture.open(QStringLiteral("a"), true);
+    QTest::keyClicks(fixture.field("Replace"), QStringLiteral("xyz"));
+    QTest::mouseClick(fixture.button("Replace all matches"), Qt::LeftButton);
+    QCOMPARE(fixture.view.text(), QStringLiteral("xyz b xyz\r\nb xyz"));
+    fixture.view.undo();
+    QCOMPARE(fixture.view.text(), QStringLiteral("a b a\r\nb a"));
+    QVERIFY(!fixture.view.editor().canUndo());
+}
+
+void FindBarTest::templatesPutGroupsIn()
+{
+    Fixture fixture(QStringLiteral("key=value; other=thing"));
+    QTest::mouseClick((fixture.view.showFindBar(), fixture.button("Regular expression")), Qt::LeftButton);
+    fixture.open(QStringLiteral("(\\w+)=(\\w+)"), true);
+    QTest::keyClicks(fixture.field("Replace"), QStringLiteral("$2:$1"));
+    QTest::mouseClick(fixture.button("Replace all matches"), Qt::LeftButton);
+    QCOMPARE(fixture.view.text(), QStringLiteral("value:key; thing:other"));
+}
+
+void FindBarTest::matchesFollowEdits()
+{
+    Fixture fixture(QStringLiteral("cat cat"));
+    fixture.open(QStringLiteral("cat"));
+    fixture.view.storage().replace({0, 0}, u"a cat and ");
+    QCOMPARE(fixture.highlighted(), (std::vector<TextRange>{{2, 3}, {10, 3}, {14, 3}}));
+    fixture.view.storage().setText(QStringLiteral("none"));
+    QVERIFY(fixture.highlighted().empty());
+    QCOMPARE(fixture.status(), QStringLiteral("No results"));
+}
+
+void FindBarTest::nothingFoundSaysSo()
+{
+    Fixture fixture(QStringLiteral("abc"));
+    fixture.open(QStringLiteral("x"));
+    QCOMPARE(fixture.status(), QStringLiteral("No results"));
+    fixture.field("Find")->clear();
+    QCOMPARE(fixture.status(), QString());
+}
+
+void FindBarTest::findNextWorksWithoutTheBar()
+{
+    Fixture fixture(QStringLiteral("a b a"));
+    fixture.view.findNext();
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 0}));
+    fixture.view.setSelectedRange({0, 1});
+    fixture.view.useSelectionForFind();
+    fixture.view.findNext();
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{4, 1}));
+    QVERIFY(!fixture.bar().isVisible());
+    fixture.view.findPrevious();
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+}
+
+void FindBarTest::theFirstLineComesOutFromUnderTheBar()
+{
+    Fixture fixture(QString(QStringLiteral("match\n")).repeated(200));
+    fixture.open(QStringLiteral("match"));
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    const QRectF caret = fixture.view.caretRect({0, false});
+    QVERIFY(caret.top() >= fixture.bar().height());
+    fixture.bar().close();
+    QCOMPARE(fixture.view.visibleRect().y(), 0.0);
+}
+
+void FindBarTest::aReadOnlyTextIsNotReplaced()
+{
+    Fixture fixture(QStringLiteral("a b"));
+    fixture.view.setReadOnly(true);
+    fixture.open(QStringLiteral("a"), true);
+    QVERIFY(!fixture.field("Replace")->isVisible());
+    QTest::keyClick(fixture.field("Find"), Qt::Key_Return);
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+    QCOMPARE(fixture.view.text(), QStringLiteral("a b"));
+}
+
+void FindBarTest::onlyMatchesOnScreenAreMarked()
+{
+    Fixture fixture(QString(QStringLiteral("match\n")).repeated(300000));
+    fixture.open(QStringLiteral("match"));
+    QTRY_COMPARE(fixture.status(), QStringLiteral("1 of 300000"));
+    QVERIFY(fixture.highlighted().size() < 100);
+    fixture.view.scrollToY(100000 * 17.0);
+    QVERIFY(fixture.highlighted().size() > 10);
+    QVERIFY(fixture.highlighted().size() < 100);
+    QVERIFY(fixture.highlighted().front().location > 100000);
+    QCOMPARE(fixture.bar().engine().results().size(), FindSession::describedMatches);
+}
+
+QTEST_MAIN(FindBarTest)
+#include "find_bar_test.moc"
