@@ -6,11 +6,28 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <QThread>
+#include <QTimer>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
+#include <utility>
 
 namespace kelm {
+
+namespace {
+
+/// Reads below this many bytes are small ones.
+constexpr qsizetype smallRead = 8 * 1024;
+/// After so many small reads in a row the reader rests, so that a child that writes by the line wakes the application
+/// a few hundred times a second and not for each line. What fills its pipe is read without a rest, unless nobody hears
+/// it any more.
+constexpr int smallReadsBeforeRest = 4;
+constexpr std::chrono::milliseconds restTime{4};
+/// The most that is handed out at a time.
+constexpr qsizetype longestReport = 64 * 1024;
+
+} // namespace
 
 /// Reads one child to its end. It lives on its own, so that a child goes on undisturbed when nobody listens any more,
 /// and deletes itself when the child has ended and both pipes are closed.
@@ -34,6 +51,8 @@ public:
             &child_.standardError, watch(child_.standardError, QSocketNotifier::Read), {}, &ChildProcess::errorRead};
         connect(output_.notifier, &QSocketNotifier::activated, this, [this] { readSome(output_); });
         connect(error_.notifier, &QSocketNotifier::activated, this, [this] { readSome(error_); });
+        connect(&rest_, &QTimer::timeout, this, [this] { setReading(true); });
+        rest_.setSingleShot(true);
         exitNotifier_ = watch(child_.exitNotice, QSocketNotifier::Read);
         connect(exitNotifier_, &QSocketNotifier::activated, this, [this] { noteExit(); });
         if (child_.standardInput.isOpen()) {
@@ -91,7 +110,28 @@ private:
             finishIfDone();
             return;
         }
+        restAfter(bytes.size());
         report(stream, bytes);
+    }
+
+    void restAfter(qsizetype count)
+    {
+        smallReads_ = count < smallRead ? smallReads_ + 1 : 0;
+        const bool isHeard = listener_ && !ended_;
+        if (smallReads_ >= smallReadsBeforeRest || !isHeard) {
+            // Both outputs rest and wake together, so that neither gets ahead of the other.
+            setReading(false);
+            rest_.start(restTime);
+        }
+    }
+
+    void setReading(bool reading)
+    {
+        for (QSocketNotifier* notifier : {output_.notifier, error_.notifier}) {
+            if (notifier != nullptr) {
+                notifier->setEnabled(reading);
+            }
+        }
     }
 
     void report(Stream& stream, const QByteArray& bytes)
@@ -115,9 +155,10 @@ private:
         readAvailable(child_.standardOutput, lastOutput);
         readAvailable(child_.standardError, lastError);
         const QPointer<ChildProcessReader> self = this;
-        report(output_, lastOutput);
-        if (self) {
-            report(error_, lastError);
+        for (const auto& [stream, bytes] : {std::pair(&output_, &lastOutput), std::pair(&error_, &lastError)}) {
+            for (qsizetype from = 0; from < bytes->size() && self; from += longestReport) {
+                report(*stream, bytes->mid(from, longestReport));
+            }
         }
         if (!self) {
             return;
@@ -154,6 +195,8 @@ private:
     qsizetype written_ = 0;
     Stream output_;
     Stream error_;
+    QTimer rest_;
+    int smallReads_ = 0;
     QSocketNotifier* exitNotifier_ = nullptr;
     QSocketNotifier* inputNotifier_ = nullptr;
     bool ended_ = false;

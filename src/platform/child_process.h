@@ -15,7 +15,8 @@ class ChildProcessReader;
 
 /// One child that runs beside the application. It belongs to the thread that starts it, which has an event loop: its
 /// signals come there, each from the loop and none from inside `start`. Reading keeps pace with whoever receives the
-/// signals, so a flood of output waits in the child and not in memory.
+/// signals, so a flood of output waits in the child and not in memory; and many small writes are gathered for a few
+/// milliseconds, so that they cost no more than a few large ones.
 ///
 /// An object that goes while its child runs leaves the child alone: what the child still writes is read and thrown
 /// away. A command's text for the standard input is written from the loop too.

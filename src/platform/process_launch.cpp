@@ -137,7 +137,9 @@ private:
     posix_spawn_file_actions_t actions_;
 };
 
-/// The child starts with no signal blocked and with the default meaning of those that the application ignores.
+/// The child starts with no signal blocked and with the default meaning of a broken pipe, which the application
+/// ignores. So it is with the keyboard's signals for a child that leads a group: whoever started the application in the
+/// background may have had them ignored, and an interrupt would pass the child by.
 class SpawnAttributes
 {
 public:
@@ -150,6 +152,10 @@ public:
         sigset_t reset;
         sigemptyset(&reset);
         sigaddset(&reset, SIGPIPE);
+        if (ownGroup) {
+            sigaddset(&reset, SIGINT);
+            sigaddset(&reset, SIGQUIT);
+        }
         ::posix_spawnattr_setsigdefault(&attributes_, &reset);
         short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
         if (ownGroup) {

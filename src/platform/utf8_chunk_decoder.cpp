@@ -3,6 +3,7 @@
 #include "platform/utf8_file.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -40,19 +41,23 @@ qsizetype begunLength(QByteArrayView bytes)
 
 std::optional<QString> Utf8ChunkDecoder::decode(QByteArrayView chunk)
 {
-    QByteArray joined;
-    if (!begun_.isEmpty()) {
-        joined = begun_;
-        joined.append(chunk);
-        chunk = joined;
+    const QByteArray begun = std::exchange(begun_, {});
+    if (!begun.isEmpty()) {
+        const QByteArray joined = QByteArray(begun).append(chunk);
+        if (const auto text = decodeWhole(joined)) {
+            return text->isEmpty() ? std::nullopt : text;
+        }
+        // Nothing ever ended the begun character. That is no fault of this chunk.
     }
-    const qsizetype begun = begunLength(chunk);
-    begun_ = chunk.last(begun).toByteArray();
-    chunk = chunk.chopped(begun);
-    if (chunk.isEmpty()) {
-        return std::nullopt;
-    }
-    return decodeUtf8Text(chunk);
+    const auto text = decodeWhole(chunk);
+    return text && text->isEmpty() ? std::nullopt : text;
+}
+
+std::optional<QString> Utf8ChunkDecoder::decodeWhole(QByteArrayView bytes)
+{
+    const qsizetype begun = begunLength(bytes);
+    begun_ = bytes.last(begun).toByteArray();
+    return decodeUtf8Text(bytes.chopped(begun));
 }
 
 } // namespace kelm

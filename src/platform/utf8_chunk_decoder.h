@@ -10,7 +10,7 @@
 namespace kelm {
 
 /// Decodes a stream that arrives in chunks cut at any byte: the character that a chunk begins and does not end is kept
-/// for the next one.
+/// for the next one. One that the next chunk does not go on with is dropped, and that chunk stands for itself.
 class Utf8ChunkDecoder
 {
 public:
@@ -19,6 +19,9 @@ public:
     std::optional<QString> decode(QByteArrayView chunk);
 
 private:
+    /// The whole characters of `bytes`, absent when they are not valid; keeps what is begun behind them.
+    std::optional<QString> decodeWhole(QByteArrayView bytes);
+
     QByteArray begun_;
 };
 

@@ -48,12 +48,14 @@ private Q_SLOTS:
     void everythingIsReportedBeforeTheEnd();
     void nothingIsReportedFromInsideStart();
     void aFloodIsReadInChunks();
+    void manySmallWritesAreGathered();
     void charactersCutByTheChildArriveWhole();
     void chunkThatIsNotUtf8IsDropped();
     void launchFailureIsAText();
     void signalsEndTheChild_data();
     void signalsEndTheChild();
     void theWholeGroupIsEnded();
+    void groupIsInterruptedThoughTheApplicationIgnoresIt();
     void processLeftBehindDoesNotHoldBackTheEnd();
     void localEventLoopSeesOutputAsItComes();
     void childIsLeftAloneWhenTheObjectGoes();
@@ -108,6 +110,18 @@ void ChildProcessTest::aFloodIsReadInChunks()
     QCOMPARE(output, 100 * 1024 * 1024);
     QCOMPARE(error, 100 * 1024 * 1024);
     QVERIFY(longest <= 64 * 1024);
+}
+
+void ChildProcessTest::manySmallWritesAreGathered()
+{
+    constexpr int lines = 20000;
+    ChildProcess child;
+    Listener heard(child);
+    QSignalSpy chunks(&child, &ChildProcess::outputRead);
+    QVERIFY(!child.start(roleCommand({u"lines"_s, QString::number(lines)})));
+    QTRY_VERIFY_WITH_TIMEOUT(heard.exit.has_value(), 30000);
+    QCOMPARE(heard.output, u"line\n"_s.repeated(lines));
+    QVERIFY2(chunks.size() < lines / 4, qPrintable(QString::number(chunks.size())));
 }
 
 void ChildProcessTest::charactersCutByTheChildArriveWhole()
@@ -176,6 +190,22 @@ void ChildProcessTest::theWholeGroupIsEnded()
     child.interrupt();
     QTRY_VERIFY(heard.exit.has_value());
     QTRY_VERIFY(::kill(-group, 0) != 0 && errno == ESRCH);
+}
+
+void ChildProcessTest::groupIsInterruptedThoughTheApplicationIgnoresIt()
+{
+    const auto before = ::signal(SIGINT, SIG_IGN);
+    ProcessCommand command = roleCommand({u"wait"_s});
+    command.ownGroup = true;
+    ChildProcess child;
+    Listener heard(child);
+    const auto error = child.start(command);
+    ::signal(SIGINT, before);
+    QVERIFY(!error);
+    QTRY_COMPARE(heard.output, u"ready"_s);
+    child.interrupt();
+    QTRY_VERIFY(heard.exit.has_value());
+    QCOMPARE(*heard.exit, (ProcessExit{SIGINT, true}));
 }
 
 void ChildProcessTest::processLeftBehindDoesNotHoldBackTheEnd()

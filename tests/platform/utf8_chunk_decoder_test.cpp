@@ -38,7 +38,11 @@ void Utf8ChunkDecoderTest::chunkThatDoesNotDecodeIsDroppedAlone()
     QCOMPARE(decoder.decode("good"), u"good"_s);
     QCOMPARE(decoder.decode("bad\xFF"), std::nullopt);
     QCOMPARE(decoder.decode("fine\xED"), u"fine"_s);
-    QCOMPARE(decoder.decode("not a continuation"), std::nullopt);
+    QCOMPARE(decoder.decode("no continuation"), u"no continuation"_s);
+    QCOMPARE(decoder.decode("\xF0\x9F"), std::nullopt);
+    QCOMPARE(decoder.decode("\x98"), std::nullopt);
+    QCOMPARE(decoder.decode("x\xC3"), u"x"_s);
+    QCOMPARE(decoder.decode("\xA9\xFF"), std::nullopt);
     QCOMPARE(decoder.decode("again"), u"again"_s);
     QCOMPARE(decoder.decode(""), std::nullopt);
 }

@@ -38,6 +38,7 @@ inline void writeAll(int descriptor, const std::string& bytes)
 /// Plays the role that the command line names and does not come back then; returns when it names none.
 ///
 /// - flood OUT ERR: writes so many MiB to the two outputs, turn by turn
+/// - lines COUNT: writes so many lines, each by itself
 /// - say OUT ERR STATUS: writes the two texts and exits
 /// - copy: copies the standard input to the standard output
 /// - folder, environment NAME: prints where it runs, or one variable ("(unset)" when there is none)
@@ -65,6 +66,12 @@ inline void playRole(int argc, char** argv)
                     writeAll(stream + 1, block);
                 }
             }
+        }
+        std::_Exit(0);
+    }
+    if (role == "lines") {
+        for (int left = std::stoi(argument(0)); left > 0; --left) {
+            writeAll(1, "line\n");
         }
         std::_Exit(0);
     }
