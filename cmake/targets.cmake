@@ -71,7 +71,7 @@ function(kelm_fuzz name)
   set_tests_properties(fuzz/${name}_corpus_test PROPERTIES
     LABELS fuzz
     TIMEOUT 60
-    ENVIRONMENT "${environment}")
+    ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
   if(KELM_FUZZ)
     add_executable(${name}_fuzz ${name}_fuzz.cpp)
     target_link_libraries(${name}_fuzz PRIVATE kelm_core)

@@ -31,6 +31,8 @@ QColor systemColor(SystemColor color, Appearance appearance);
 /// Colours that are the same in every appearance: the pure ones.
 namespace plainColors {
 
+inline constexpr QColor black(0, 0, 0);
+inline constexpr QColor white(255, 255, 255);
 inline constexpr QColor green(0, 255, 0);
 inline constexpr QColor cyan(0, 255, 255);
 inline constexpr QColor red(255, 0, 0);

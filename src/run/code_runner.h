@@ -1,0 +1,101 @@
+// Running a source file with its interpreter.
+#pragma once
+
+#include "app/language.h"
+#include "platform/child_process.h"
+#include "platform/notification_center.h"
+#include "run/executable_search.h"
+#include "run/runner_table.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QUrl>
+
+#include <functional>
+#include <optional>
+
+namespace kelm {
+
+/// Runs one source file, or one unsaved text through a temporary file, as a child process, and publishes what the child
+/// writes. There is one run at a time, and nothing stops a run but its own end: a request that comes meanwhile is
+/// refused.
+///
+/// The child inherits the application's environment and its standard input, and works in the folder of the file. What
+/// it writes comes in chunks as it is read, at most 64 KiB each, and each chunk is posted as `codeOutput` too. A chunk
+/// that is not UTF-8 is left out. The child is read no faster than the observers take the text; all of it is kept, so
+/// memory grows with the text until the next run.
+///
+/// A runner that goes while its child runs leaves the child alone and still calls the completion. Main thread only.
+class CodeRunner final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
+    Q_PROPERTY(QString output READ output WRITE setOutput NOTIFY outputChanged)
+    Q_PROPERTY(QString stderrBuffer READ stderrBuffer NOTIFY stderrBufferChanged)
+    Q_PROPERTY(std::optional<qint32> lastExitCode READ lastExitCode NOTIFY lastExitCodeChanged)
+
+public:
+    /// Gets true only when the child has ended with status 0.
+    using Completion = std::function<void(bool)>;
+
+    explicit CodeRunner(QObject* parent = nullptr);
+    /// Posts to `notifications`, which outlives the runner, and finds programs by `search`.
+    CodeRunner(NotificationCenter& notifications, ExecutableSearch search, QObject* parent = nullptr);
+    ~CodeRunner() override;
+
+    /// Whether a child is running.
+    bool isRunning() const { return isRunning_; }
+    /// What the user sees of the latest run: a header line, the child's output and, with a prefix, its errors, and the
+    /// exit line; or why nothing could be run. Whoever keeps a copy lets go of it before the next chunk, which would
+    /// otherwise copy all of the text.
+    const QString& output() const { return output_; }
+    void setOutput(const QString& output);
+    /// The standard error of the latest run alone, without prefixes.
+    const QString& stderrBuffer() const { return stderrBuffer_; }
+    /// The exit status of the latest run, or the number of the signal that ended it; absent until it has ended.
+    std::optional<qint32> lastExitCode() const { return lastExitCode_; }
+    /// The child of the latest run with its pipes, kept when the run has ended; null before the first run.
+    const ChildProcess* process() const { return process_; }
+
+    /// Runs the file at the file URL `file` by its extension. While another run is on, the completion gets false and
+    /// nothing changes. A file that cannot be run, and a program that cannot be started, are told in `output`, and the
+    /// completion gets false before this returns.
+    void run(const QUrl& file, Completion completion = {});
+
+    /// Runs `code` as a file in `language`, in the folder for temporary files; the file is readable by its owner alone
+    /// and removed when the run has ended, before the completion is called. While another run is on, and when the file
+    /// cannot be written, which is told in `output`, the completion is not called.
+    void runCode(const QString& code, Language language, Completion completion = {});
+
+    /// The path of a program by its name, such as "python3"; blocks for a moment when it is in none of the usual
+    /// folders.
+    std::optional<QString> findExecutable(const QString& name) const;
+
+Q_SIGNALS:
+    void isRunningChanged();
+    void outputChanged();
+    void stderrBufferChanged();
+    void lastExitCodeChanged();
+
+private:
+    std::optional<RunnerConfig> getRunner(const QString& extension) const;
+    void beginRun(const QString& fileName);
+    void endRun(int status);
+    ChildProcess* makeProcess(Completion completion);
+
+    void setIsRunning(bool isRunning);
+    void appendOutput(const QString& text);
+    void post(const QString& text);
+
+    NotificationCenter& notifications_;
+    ExecutableSearch search_;
+
+    bool isRunning_ = false;
+    QString output_;
+    QString stderrBuffer_;
+    std::optional<qint32> lastExitCode_;
+    QPointer<ChildProcess> process_;
+};
+
+} // namespace kelm

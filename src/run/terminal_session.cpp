@@ -1,0 +1,380 @@
+#include "run/terminal_session.h"
+
+#include "platform/character_sets.h"
+#include "platform/file_url.h"
+#include "platform/main_queue.h"
+#include "run/ansi_parser.h"
+#include "run/path_completion.h"
+#include "run/path_names.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+
+#include <utility>
+
+extern char** environ;
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::milliseconds bannerDelay{100};
+
+const QString helpText =
+    u"\nAvailable commands:\n  cd [path]     - Change directory\n  pwd           - Print working directory\n"
+    "  clear         - Clear terminal\n  history       - Show command history\n"
+    "  export [VAR]  - Set/show environment variables\n  exit          - Close terminal\n"
+    "  help          - Show this help\n\nTab completion is available for file paths.\n"
+    "Any other command will be executed in the shell.\n"_s;
+
+/// How a file is run: the line is the head, the file's path and the tail.
+struct FileCommand
+{
+    QStringView extension;
+    QStringView head;
+    QStringView tail;
+};
+
+constexpr FileCommand fileCommands[] = {
+    {u"py", u"python3 \"", u"\""},
+    {u"js", u"node \"", u"\""},
+    {u"sh", u"bash \"", u"\""},
+    {u"rb", u"ruby \"", u"\""},
+    {u"swift", u"swift \"", u"\""},
+    {u"go", u"go run \"", u"\""},
+    {u"rs", u"rustc \"", u"\" -o /tmp/rust_out && /tmp/rust_out"},
+};
+
+TerminalSession::Environment applicationEnvironment()
+{
+    TerminalSession::Environment environment;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        const QString text = QString::fromUtf8(*entry);
+        if (const qsizetype equals = text.indexOf(u'='); equals > 0) {
+            environment.insert(text.first(equals), text.sliced(equals + 1));
+        }
+    }
+    return environment;
+}
+
+const QString& firstExecutable(const QStringList& paths)
+{
+    const auto found =
+        std::find_if(paths.begin(), paths.end(), [](const QString& path) { return QFileInfo(path).isFile() && QFileInfo(path).isExecutable(); });
+    return found != paths.end() ? *found : paths.front();
+}
+
+} // namespace
+
+TerminalSession::TerminalSession(QObject* parent) : TerminalSession(Services{}, parent) {}
+
+TerminalSession::TerminalSession(Services services, QObject* parent)
+    : QObject(parent),
+      services_(std::move(services)),
+      title_(u"Terminal"_s),
+      environment_(applicationEnvironment()),
+      currentDirectory_(QDir::homePath())
+{
+    services_.notifications.addObserver(this, notifications::runFile,
+                                        [this](const Notification& notification) { handleRunFile(notification); });
+    services_.scheduler.after(bannerDelay, this, [this] { writeBanner(); });
+}
+
+TerminalSession::~TerminalSession() = default;
+
+QStringList TerminalSession::usualShells()
+{
+    return {u"/bin/zsh"_s, u"/bin/bash"_s, u"/bin/sh"_s};
+}
+
+QString TerminalSession::promptText(QStringView directory)
+{
+    return u"\n%1 $ "_s.arg(directory);
+}
+
+void TerminalSession::setTitle(const QString& title)
+{
+    if (std::exchange(title_, title) != title) {
+        Q_EMIT titleChanged();
+    }
+}
+
+void TerminalSession::executeCommand(const QString& line)
+{
+    if (line.isEmpty()) {
+        return;
+    }
+    if (isBusy_) {
+        whenIdle([this, line] { executeInTurn(line); });
+        return;
+    }
+    commandHistory_.append(line);
+    historyIndex_ = commandHistory_.size();
+    if (!handleBuiltinCommand(line)) {
+        executeExternalCommand(line);
+    }
+}
+
+void TerminalSession::executeInTurn(const QString& line)
+{
+    const QPointer<TerminalSession> self = this;
+    executeCommand(line);
+    if (self) {
+        writePrompt();
+    }
+}
+
+// ---- Builtin commands -----------------------------------------------------------------------------------------------
+
+const std::vector<TerminalSession::Builtin>& TerminalSession::builtins()
+{
+    static const std::vector<Builtin> table{
+        {u"cd", &TerminalSession::cd},           {u"pwd", &TerminalSession::pwd},
+        {u"clear", &TerminalSession::clear},     {u"export", &TerminalSession::exportVariable},
+        {u"history", &TerminalSession::history}, {u"alias", &TerminalSession::alias},
+        {u"help", &TerminalSession::help},       {u"exit", &TerminalSession::exit},
+    };
+    return table;
+}
+
+bool TerminalSession::handleBuiltinCommand(const QString& line)
+{
+    QStringList pieces;
+    for (const QStringView piece : split(line, isWhitespace)) {
+        pieces.append(piece.toString());
+    }
+    const QString name = pieces.takeFirst();
+    for (const Builtin& builtin : builtins()) {
+        if (builtin.name == name) {
+            (this->*builtin.run)(pieces);
+            return true;
+        }
+    }
+    return false;
+}
+
+void TerminalSession::cd(const QStringList& arguments)
+{
+    const QString path = arguments.join(u' ');
+    changeDirectory(path.isEmpty() ? QDir::homePath() : path);
+}
+
+void TerminalSession::pwd(const QStringList& /*arguments*/)
+{
+    write(u'\n' + currentDirectory_, plainColors::white);
+}
+
+void TerminalSession::clear(const QStringList& /*arguments*/)
+{
+    if (TerminalScreen* view = textView()) {
+        view->clear();
+    }
+    writePrompt();
+}
+
+void TerminalSession::exportVariable(const QStringList& arguments)
+{
+    if (arguments.isEmpty()) {
+        QString text = u"\n"_s;
+        for (auto entry = environment_.cbegin(); entry != environment_.cend(); ++entry) {
+            text += entry.key() + u'=' + entry.value() + u'\n';
+        }
+        write(text, plainColors::white);
+        return;
+    }
+    const QString assignment = arguments.join(u' ');
+    const qsizetype equals = assignment.indexOf(u'=');
+    if (equals < 0) {
+        return;
+    }
+    environment_.insert(assignment.first(equals), assignment.sliced(equals + 1));
+    write(u"\nSet "_s + assignment, plainColors::gray);
+}
+
+void TerminalSession::history(const QStringList& /*arguments*/)
+{
+    QString text = u"\n"_s;
+    for (qsizetype index = 0; index < commandHistory_.size(); ++index) {
+        text += QString::number(index + 1) + u"  "_s + commandHistory_[index] + u'\n';
+    }
+    write(text, plainColors::white);
+}
+
+void TerminalSession::alias(const QStringList& /*arguments*/)
+{
+    write(u"\nAliases not yet implemented"_s, plainColors::yellow);
+}
+
+void TerminalSession::help(const QStringList& /*arguments*/)
+{
+    write(helpText, plainColors::cyan);
+}
+
+void TerminalSession::exit(const QStringList& /*arguments*/)
+{
+    Q_EMIT exitRequested();
+}
+
+void TerminalSession::changeDirectory(const QString& path)
+{
+    const QString expanded = expandingTilde(path);
+    const QString target = expanded.startsWith(u'/') ? expanded : appendingPathComponent(currentDirectory_, expanded);
+    if (!QFileInfo(target).isDir()) {
+        write(u"\ncd: no such directory: "_s + path, plainColors::red);
+        return;
+    }
+    currentDirectory_ = standardizedPath(target);
+    QDir::setCurrent(currentDirectory_);
+}
+
+// ---- External commands ----------------------------------------------------------------------------------------------
+
+void TerminalSession::executeExternalCommand(const QString& line)
+{
+    process_ = std::make_unique<ChildProcess>();
+    connect(process_.get(), &ChildProcess::outputRead, this, &TerminalSession::appendWithANSIColors);
+    connect(process_.get(), &ChildProcess::errorRead, this,
+            [this](const QString& text) { write(u'\n' + text, plainColors::red); });
+    const auto error = process_->start({.program = firstExecutable(services_.shells),
+                                        .arguments = {u"-c"_s, line},
+                                        .workingDirectory = currentDirectory_,
+                                        .environment = environment_,
+                                        .ownGroup = true});
+    if (error) {
+        write(u"\nError: "_s + *error, plainColors::red);
+        return;
+    }
+    waitUntilExit();
+}
+
+void TerminalSession::waitUntilExit()
+{
+    QEventLoop loop;
+    connect(process_.get(), &ChildProcess::finished, &loop, &QEventLoop::quit);
+    connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
+    const QPointer<TerminalSession> self = this;
+    setIsBusy(true);
+    loop.exec();
+    if (self) {
+        setIsBusy(false);
+        onMainQueue(this, [this] { runWhatWaits(); });
+    }
+}
+
+void TerminalSession::setIsBusy(bool isBusy)
+{
+    isBusy_ = isBusy;
+    Q_EMIT isBusyChanged();
+}
+
+void TerminalSession::whenIdle(std::function<void()> work)
+{
+    if (isBusy_ || !waiting_.empty()) {
+        waiting_.push_back(std::move(work));
+    } else {
+        work();
+    }
+}
+
+void TerminalSession::runWhatWaits()
+{
+    const QPointer<TerminalSession> self = this;
+    while (self && !isBusy_ && !waiting_.empty()) {
+        const std::function<void()> work = std::move(waiting_.front());
+        waiting_.pop_front();
+        work();
+    }
+}
+
+void TerminalSession::sendInterrupt()
+{
+    if (process_) {
+        process_->interrupt();
+    }
+    write(u"^C"_s, plainColors::red);
+    writePrompt();
+}
+
+// ---- What the keys ask for ------------------------------------------------------------------------------------------
+
+QString TerminalSession::getNextCommand()
+{
+    if (historyIndex_ >= commandHistory_.size() - 1) {
+        historyIndex_ = commandHistory_.size();
+        return u""_s;
+    }
+    return commandHistory_[++historyIndex_];
+}
+
+std::optional<QString> TerminalSession::getTabCompletion(const QString& line)
+{
+    const PathCompletion completion(line, currentDirectory_);
+    if (completion.names().isEmpty()) {
+        return std::nullopt;
+    }
+    if (completion.names().size() == 1) {
+        return completion.lineWith(completion.names().front());
+    }
+    write(u'\n' + completion.names().join(u"  "_s), plainColors::gray);
+    writePrompt();
+    write(line, plainColors::green);
+    return std::nullopt;
+}
+
+// ---- Running a file -------------------------------------------------------------------------------------------------
+
+void TerminalSession::handleRunFile(const Notification& notification)
+{
+    if (notification.object.metaType() != QMetaType::fromType<QUrl>()) {
+        return;
+    }
+    whenIdle([this, file = notification.object.toUrl()] { runFile(file); });
+}
+
+void TerminalSession::runFile(const QUrl& file)
+{
+    const QString extension = pathExtension(file).toLower();
+    for (const FileCommand& command : fileCommands) {
+        if (command.extension == extension) {
+            executeInTurn(command.head.toString() + file.toLocalFile() + command.tail.toString());
+            return;
+        }
+    }
+    write(u"\nUnsupported file type: ."_s + extension + u'\n', plainColors::red);
+    writePrompt();
+}
+
+// ---- Writing --------------------------------------------------------------------------------------------------------
+
+void TerminalSession::writeBanner()
+{
+    write(u"KelmWright Terminal v2.0\n"_s, plainColors::cyan);
+    write(u"Type 'help' for available commands\n"_s, plainColors::gray);
+    writePrompt();
+}
+
+void TerminalSession::appendWithANSIColors(const QString& output)
+{
+    if (TerminalScreen* view = textView()) {
+        view->appendOutput(ANSIParser::parse(output));
+    }
+}
+
+void TerminalSession::write(const QString& text, const QColor& color)
+{
+    if (TerminalScreen* view = textView()) {
+        view->appendText(text, color);
+    }
+}
+
+void TerminalSession::writePrompt()
+{
+    if (TerminalScreen* view = textView()) {
+        view->appendPrompt();
+    }
+}
+
+} // namespace kelm

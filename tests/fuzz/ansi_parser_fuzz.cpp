@@ -1,0 +1,23 @@
+// Output of any bytes: the parser and a regular expression see the same sequences in it, and the runs cover the text.
+#include "../support/ansi_reference.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace kelm;
+
+    const QString asUtf8 = QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
+    // The same bytes as they stand, so that unpaired surrogates come up too.
+    QString asUnits(qsizetype(size / 2), Qt::Uninitialized);
+    std::memcpy(asUnits.data(), data, size / 2 * 2);
+    for (const QString& output : {asUtf8, asUnits}) {
+        const AttributedText text = ANSIParser::parse(output);
+        if (!test::runsCoverText(text) || text != test::parseByRegularExpression(output)) {
+            std::abort();
+        }
+    }
+    return 0;
+}
