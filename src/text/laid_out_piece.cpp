@@ -22,6 +22,26 @@ QList<QTextLayout::FormatRange> formatsFor(const std::vector<ColorRun>& colors)
     return formats;
 }
 
+/// Whether text may run from the right. Surrogates are not looked into: some of those scripts do.
+bool mayRunLeft(QStringView text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar unit) {
+        if (unit.unicode() < 0x0590) {
+            return false;
+        }
+        switch (unit.direction()) {
+        case QChar::DirR:
+        case QChar::DirAL:
+        case QChar::DirRLE:
+        case QChar::DirRLO:
+        case QChar::DirRLI:
+            return true;
+        default:
+            return unit.isSurrogate();
+        }
+    });
+}
+
 } // namespace
 
 LaidOutPiece::LaidOutPiece(const QString& text, const std::vector<ColorRun>& colors, const Preedit* preedit,
@@ -75,6 +95,35 @@ qsizetype LaidOutPiece::offsetAt(qreal x, int row) const
         position = end;
     }
     return fromLayout(position);
+}
+
+std::vector<XSpan> LaidOutPiece::spansOf(TextRange range, int row) const
+{
+    const QTextLine line = layout_.lineAt(row);
+    const int from = std::max(toLayout(range.location), line.textStart());
+    const int to = std::min(toLayout(range.end()), line.textStart() + line.textLength());
+    if (from >= to) {
+        return {};
+    }
+    if (!mayRunLeft(layout_.text())) {
+        return {{line.cursorToX(from), line.cursorToX(to)}};
+    }
+    std::vector<XSpan> spans;
+    for (int at = from; at < to;) {
+        const int next = std::max(at + 1, layout_.nextCursorPosition(at));
+        const qreal leading = line.cursorToX(at, QTextLine::Leading);
+        const qreal trailing = line.cursorToX(at, QTextLine::Trailing);
+        const XSpan span{std::min(leading, trailing), std::max(leading, trailing)};
+        if (!spans.empty() && span.left == spans.back().right) {
+            spans.back().right = span.right;
+        } else if (!spans.empty() && span.right == spans.back().left) {
+            spans.back().left = span.left;
+        } else {
+            spans.push_back(span);
+        }
+        at = next;
+    }
+    return spans;
 }
 
 std::pair<qreal, int> LaidOutPiece::preeditCaret() const

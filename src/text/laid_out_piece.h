@@ -23,6 +23,13 @@ struct Preedit
     std::optional<int> cursor;
 };
 
+/// A stretch of a row, in x.
+struct XSpan
+{
+    qreal left = 0;
+    qreal right = 0;
+};
+
 /// How rows are made: all that makes two layouts of the same text differ.
 struct RowMetrics
 {
@@ -49,6 +56,8 @@ public:
     int rowAt(qsizetype offset, bool atRowEnd) const;
     qreal xAt(qsizetype offset, int row) const;
     qsizetype offsetAt(qreal x, int row) const;
+    /// Where the units of a range stand in a row. Text of both directions in one row makes several spans.
+    std::vector<XSpan> spansOf(TextRange range, int row) const;
     /// Where the composition's caret stands, in x, and in which row.
     std::pair<qreal, int> preeditCaret() const;
 

@@ -123,7 +123,7 @@ void TextEditor::insertText(const QString& text, EditKind kind)
     for (const Selection& selection : selections_.all()) {
         changes.push_back({selection.range(), text});
     }
-    commit(changes, kind, false);
+    commit(changes, kind, Afterwards::caretBehindEach);
 }
 
 void TextEditor::paste(const QStringList& texts)
@@ -138,7 +138,7 @@ void TextEditor::paste(const QStringList& texts)
         const auto index = static_cast<qsizetype>(changes.size());
         changes.push_back({selection.range(), oneEach ? texts[index] : joined});
     }
-    commit(changes, EditKind::other, false);
+    commit(changes, EditKind::other, Afterwards::caretBehindEach);
 }
 
 void TextEditor::erase(Movement movement)
@@ -164,21 +164,43 @@ void TextEditor::erase(Movement movement)
     } else if (!hadText && movement == Movement::characterRight) {
         kind = EditKind::deletingAhead;
     }
-    commit(changes, kind, false);
+    commit(changes, kind, Afterwards::caretBehindEach);
 }
 
 void TextEditor::apply(const std::vector<Change>& changes, EditKind kind)
 {
     if (prepareEdit()) {
-        commit(changes, kind, false);
+        commit(changes, kind, Afterwards::caretBehindEach);
     }
 }
 
 void TextEditor::applyAndSelect(const std::vector<Change>& changes)
 {
     if (prepareEdit()) {
-        commit(changes, EditKind::other, true);
+        commit(changes, EditKind::other, Afterwards::insertedIsSelected);
     }
+}
+
+bool TextEditor::moveSelectedTextTo(qsizetype offset)
+{
+    if (!prepareEdit()) {
+        return false;
+    }
+    std::vector<Change> changes;
+    for (const Selection& selection : selections_.all()) {
+        const TextRange range = selection.range();
+        if (!range.isEmpty() && range.location <= offset && offset <= range.end()) {
+            return false;
+        }
+        if (!range.isEmpty()) {
+            changes.push_back({range, QString()});
+        }
+    }
+    const auto behind = std::find_if(changes.begin(), changes.end(),
+                                     [offset](const Change& change) { return change.range.location > offset; });
+    changes.insert(behind, {{offset, 0}, selectedTexts().join(u'\n')});
+    commit(changes, EditKind::other, Afterwards::insertedIsSelected);
+    return true;
 }
 
 void TextEditor::undo()
@@ -223,7 +245,7 @@ void TextEditor::replace(TextRange range, const QString& text)
     storage_.replace(range, text);
 }
 
-void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted)
+void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards)
 {
     UndoStep step;
     step.before = selections_;
@@ -241,9 +263,14 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, bool 
                 replace(range, change.text);
                 changed = true;
             }
-            const qsizetype end = range.location + change.text.size();
-            after.push_back(selectInserted ? Selection::over({range.location, change.text.size()})
-                                           : Selection::caret({end, false}));
+            const TextRange inserted{range.location, change.text.size()};
+            if (afterwards == Afterwards::caretBehindEach) {
+                after.push_back(Selection::caret({inserted.end(), false}));
+            } else if (!inserted.isEmpty()) {
+                after.push_back(Selection::over(inserted));
+            } else if (after.empty() && &change == &changes.back()) {
+                after.push_back(Selection::caret({inserted.location, false}));
+            }
             shift += change.text.size() - range.length;
             step.replacements.push_back(std::move(replacement));
         }

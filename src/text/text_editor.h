@@ -88,8 +88,11 @@ public:
     /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change
     /// afterwards.
     void apply(const std::vector<Change>& changes, EditKind kind);
-    /// As above, and then selects the text that was put in.
+    /// As above, and then selects the text that was put in; where it only takes text away no caret stays.
     void applyAndSelect(const std::vector<Change>& changes);
+    /// Moves the selected text to an offset as one undo step and selects it there, several texts a line each. False,
+    /// and nothing happens, where the offset lies in or right beside a selected text.
+    bool moveSelectedTextTo(qsizetype offset);
 
     void undo();
     void redo();
@@ -110,7 +113,8 @@ private:
     void foreignEditDone(const TextEdit& edit);
     /// Replaces text as an edit of this editor's.
     void replace(TextRange range, const QString& text);
-    void commit(const std::vector<Change>& changes, EditKind kind, bool selectInserted);
+    enum class Afterwards { caretBehindEach, insertedIsSelected };
+    void commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards);
     void replay(const std::vector<Replacement>& replacements, const SelectionSet& selections);
     void assignSelections(SelectionSet selections);
     Selection moved(const Selection& selection, Movement movement, Extend extend);

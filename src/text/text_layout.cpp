@@ -29,7 +29,7 @@ void TextLayout::setFont(const QFont& font, std::optional<qreal> rowHeight)
 {
     metrics_.font = font;
     const QFontMetricsF measure(font);
-    metrics_.rowHeight = rowHeight.value_or(std::ceil(measure.ascent() + measure.descent()));
+    metrics_.rowHeight = std::max<qreal>(1, rowHeight.value_or(std::ceil(measure.ascent() + measure.descent())));
     metrics_.baseline = std::round((metrics_.rowHeight - measure.ascent() - measure.descent()) / 2 + measure.ascent());
     advance_ = std::max<qreal>(1, measure.horizontalAdvance(u'0'));
     metrics_.tabStop = advance_ * columnsPerTab;
@@ -140,6 +140,12 @@ qreal TextLayout::xInRow(const TextRow& row, qsizetype offset)
 {
     const auto [piece, number] = pieceOf(row);
     return piece.layout->xAt(std::clamp(offset, row.range.location, row.range.end()) - piece.range.location, number);
+}
+
+std::vector<XSpan> TextLayout::spansInRow(const TextRow& row, TextRange range)
+{
+    const auto [piece, number] = pieceOf(row);
+    return piece.layout->spansOf({range.location - piece.range.location, range.length}, number);
 }
 
 CaretPlace TextLayout::placeInRow(const TextRow& row, qreal x)

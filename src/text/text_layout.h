@@ -100,6 +100,8 @@ public:
     CaretPlace placeAt(QPointF point);
     /// The x at which an offset stands in a row.
     qreal xInRow(const TextRow& row, qsizetype offset);
+    /// Where the units of a range stand in a row, in x.
+    std::vector<XSpan> spansInRow(const TextRow& row, TextRange range);
     /// The place in a row that is nearest to an x.
     CaretPlace placeInRow(const TextRow& row, qreal x);
     /// The row above or below, absent at the page's end.

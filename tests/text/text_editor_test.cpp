@@ -56,6 +56,8 @@ private Q_SLOTS:
     void settingTheTextForgetsTheHistory();
     void theCallBeforeAnEditMayChangeTheText();
     void rowMovementKeepsItsColumn();
+    void selectedTextIsMoved_data();
+    void selectedTextIsMoved();
     void receiversMayEditInTurn();
     void caretsFollowEachOfSeveralForeignEdits();
     void caretsAreAddedInRowsThatThereAre_data();
@@ -331,6 +333,47 @@ void TextEditorTest::rowMovementKeepsItsColumn()
     fixture.editor.move(Movement::rowUp, Extend::yes);
     fixture.editor.move(Movement::rowUp, Extend::yes);
     QCOMPARE(fixture.editor.selectedRange(), TextRange::between(8, 23));
+}
+
+void TextEditorTest::selectedTextIsMoved_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<qsizetype>("to");
+    QTest::addColumn<QString>("after");
+    const auto row = [](const char* name, const char* before, qsizetype to, const char* after) {
+        QTest::newRow(name) << QString::fromUtf8(before) << to << QString::fromUtf8(after);
+    };
+    row("ahead", "a[bc]def", 5, "ade[bc]f");
+    row("back", "abc[de]f", 1, "a[de]bcf");
+    row("to the end", "a[bc]def", 6, "adef[bc]");
+    row("into itself", "a[bcd]ef", 3, "a[bcd]ef");
+    row("to its own start", "a[bc]def", 1, "a[bc]def");
+    row("to its own end", "a[bc]def", 3, "a[bc]def");
+    row("several together", "a[b]c[d]ef", 5, "ace[b\nd]f");
+    row("several, to a place between them", "[a]bc[d]ef", 2, "b[a\nd]cef");
+    row("with a caret beside", "a[bc]d|ef", 4, "ad[bc]ef");
+}
+
+void TextEditorTest::selectedTextIsMoved()
+{
+    QFETCH(QString, before);
+    QFETCH(qsizetype, to);
+    QFETCH(QString, after);
+    Fixture fixture(before);
+    QCOMPARE(fixture.editor.moveSelectedTextTo(to), before != after);
+    QCOMPARE(describe(fixture.editor), after);
+    if (before != after) {
+        fixture.editor.undo();
+        QCOMPARE(describe(fixture.editor), before);
+        fixture.editor.redo();
+        QCOMPARE(describe(fixture.editor), after);
+    }
+    QCOMPARE(fixture.editor.canUndo(), before != after);
+
+    Fixture readOnly(before);
+    readOnly.editor.setReadOnly(true);
+    QVERIFY(!readOnly.editor.moveSelectedTextTo(to));
+    QCOMPARE(describe(readOnly.editor), before);
 }
 
 void TextEditorTest::receiversMayEditInTurn()

@@ -10,9 +10,11 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyleHints>
+#include <QWheelEvent>
 
 #include <cmath>
 
@@ -42,6 +44,7 @@ TextView::TextView(QWidget* parent)
     setAttribute(Qt::WA_KeyCompression);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setCursor(Qt::IBeamCursor);
+    viewport()->setMouseTracking(true);
     setAcceptDrops(true);
 
     connect(&storage_, &TextStorage::edited, this, &TextView::textEdited);
@@ -53,11 +56,8 @@ TextView::TextView(QWidget* parent)
             delegate_->textDidChange();
         }
     });
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
-        if (!isSyncingScrollBar_) {
-            setAnchor(value);
-        }
-    });
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TextView::scrollBarMoved);
+    verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
     updateWrapWidth();
 }
 
@@ -65,11 +65,13 @@ TextView::~TextView() = default;
 
 void TextView::setSelectedRange(TextRange range)
 {
+    commitComposition();
     editor_.select(range.clampedTo(storage_.length()));
 }
 
 void TextView::setReadOnly(bool readOnly)
 {
+    commitComposition();
     editor_.setReadOnly(readOnly);
     setAttribute(Qt::WA_InputMethodEnabled, !readOnly);
     viewport()->update();
@@ -89,7 +91,7 @@ void TextView::setColors(const TextViewColors& colors)
 
 void TextView::setTextFont(const QFont& font, std::optional<qreal> rowHeight)
 {
-    layout_.setFont(font, rowHeight);
+    keepingTopRow([&] { layout_.setFont(font, rowHeight); });
     verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
     updateWrapWidth();
     viewport()->update();
@@ -223,8 +225,10 @@ void TextView::redo()
 
 void TextView::deleteSelection()
 {
+    commitComposition();
     if (editor_.selections().hasText()) {
-        editor_.erase(Movement::characterRight);
+        // Carets without text among the selections take nothing.
+        editor_.insertText(QString(), EditKind::other);
         showCaret();
     }
 }
@@ -348,6 +352,21 @@ void TextView::resizeEvent(QResizeEvent* event)
     updateWrapWidth();
 }
 
+void TextView::wheelEvent(QWheelEvent* event)
+{
+    // What X11 drivers tell as pixels is not reliable.
+    static const bool hasPixels = QGuiApplication::platformName() != u"xcb";
+    const int pixels = event->pixelDelta().y();
+    if (!hasPixels || pixels == 0 || event->modifiers() != Qt::NoModifier) {
+        QAbstractScrollArea::wheelEvent(event);
+        return;
+    }
+    const PagePlace before = anchor_;
+    scrollBy(-pixels);
+    // At the page's end what is around the view may scroll.
+    event->setAccepted(anchor_ != before);
+}
+
 void TextView::scrollContentsBy(int /*dx*/, int /*dy*/)
 {
     viewport()->update();
@@ -357,6 +376,7 @@ void TextView::focusInEvent(QFocusEvent* event)
 {
     QAbstractScrollArea::focusInEvent(event);
     restartBlink();
+    viewport()->update();
 }
 
 void TextView::focusOutEvent(QFocusEvent* event)
@@ -375,8 +395,8 @@ void TextView::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() == blinkTimer_.timerId()) {
         isCaretOn_ = !isCaretOn_;
-        for (const Selection& selection : editor_.selections().all()) {
-            viewport()->update(caretBox(selection.head).toAlignedRect());
+        for (const QRectF& box : caretBoxes(visibleRows())) {
+            viewport()->update(box.toAlignedRect());
         }
     } else {
         QAbstractScrollArea::timerEvent(event);
@@ -391,10 +411,12 @@ void TextView::inputMethodEvent(QInputMethodEvent* event)
 void TextView::contextMenuEvent(QContextMenuEvent* event)
 {
     commitComposition();
-    const std::unique_ptr<QMenu> menu(makeContextMenu());
+    // The view may go while its menu is open, and the menu with it.
+    const QPointer<QMenu> menu(makeContextMenu());
     menu->exec(event->reason() == QContextMenuEvent::Keyboard
                    ? viewport()->mapToGlobal(caretBox(editor_.selections().primary().head).bottomLeft().toPoint())
                    : event->globalPos());
+    delete menu;
 }
 
 bool TextView::focusNextPrevChild(bool next)
@@ -405,11 +427,8 @@ bool TextView::focusNextPrevChild(bool next)
 
 void TextView::textEdited(const TextEdit& edit)
 {
-    if (anchorLine_ >= edit.firstLine + edit.linesRemoved) {
-        anchorLine_ += edit.linesAdded - edit.linesRemoved;
-    } else if (anchorLine_ > edit.firstLine) {
-        anchorLine_ = std::min(anchorLine_, edit.firstLine + edit.linesAdded - 1);
-    }
+    anchor_ = layout_.carriedOver(anchor_, edit);
+    topBeforeResize_.reset();
     for (TextHighlight& highlight : highlights_) {
         const qsizetype start = edit.moved(highlight.range.location);
         highlight.range = TextRange::between(start, std::max(start, edit.moved(highlight.range.end(), false)));
@@ -433,34 +452,66 @@ void TextView::selectionChanged()
 
 qreal TextView::scrollY() const
 {
-    return inset_.height() + layout_.topOfLine(anchorLine_) + anchorOffset_;
+    return inset_.height() + layout_.yOf(anchor_);
 }
 
 void TextView::setAnchor(qreal y)
 {
-    const qreal onPage = y - inset_.height();
-    anchorLine_ = layout_.lineAtY(onPage);
-    anchorOffset_ = onPage - layout_.topOfLine(anchorLine_);
+    anchor_ = layout_.pagePlaceAt(y - inset_.height());
+    topBeforeResize_.reset();
     viewport()->update();
-    Q_EMIT visibleRectChanged();
+}
+
+void TextView::scrollBy(qreal distance)
+{
+    anchor_ = layout_.movedBy(anchor_, distance);
+    topBeforeResize_.reset();
+    viewport()->update();
+    syncScrollBar();
+}
+
+void TextView::scrollBarMoved(int value)
+{
+    if (isSyncingScrollBar_) {
+        return;
+    }
+    const qreal distance = value - std::round(scrollY());
+    if (std::abs(distance) <= 2 * viewport()->height()) {
+        scrollBy(distance);
+    } else {
+        setAnchor(value);
+        Q_EMIT visibleRectChanged();
+    }
+}
+
+void TextView::keepWithinPage()
+{
+    const auto last = [this] { return std::max<qreal>(0, std::ceil(pageHeight() - viewport()->height())); };
+    if (scrollY() > last()) {
+        // The page ends on screen, so that the true heights of its last lines are what counts.
+        const qreal top = scrollY() - inset_.height();
+        layout_.rowsBetween(top, top + viewport()->height());
+    }
+    const qreal past = scrollY() - std::clamp<qreal>(scrollY(), -topObscured_, last());
+    if (past != 0) {
+        const bool isNear = std::abs(past) <= 2 * viewport()->height();
+        anchor_ = isNear ? layout_.movedBy(anchor_, -past) : layout_.pagePlaceAt(scrollY() - past - inset_.height());
+        viewport()->update();
+    }
 }
 
 void TextView::syncScrollBar()
 {
+    keepWithinPage();
     QScrollBar* bar = verticalScrollBar();
-    const auto last = static_cast<int>(std::max<qreal>(0, std::ceil(pageHeight() - viewport()->height())));
-    const qreal before = scrollY();
     {
         const QScopedValueRollback syncing(isSyncingScrollBar_, true);
         bar->setPageStep(viewport()->height());
-        bar->setRange(static_cast<int>(-topObscured_), last);
-        bar->setValue(static_cast<int>(std::lround(std::clamp<qreal>(before, -topObscured_, last))));
+        bar->setRange(static_cast<int>(-topObscured_),
+                      static_cast<int>(std::max<qreal>(0, std::ceil(pageHeight() - viewport()->height()))));
+        bar->setValue(static_cast<int>(std::lround(scrollY())));
     }
-    if (before < -topObscured_ || before > last) {
-        setAnchor(std::clamp<qreal>(before, -topObscured_, last));
-    } else {
-        Q_EMIT visibleRectChanged();
-    }
+    Q_EMIT visibleRectChanged();
 }
 
 void TextView::queueScrollSync()
@@ -472,15 +523,34 @@ void TextView::queueScrollSync()
     onMainQueue(this, [this] {
         isScrollSyncQueued_ = false;
         syncScrollBar();
-        viewport()->update();
     });
+}
+
+template <typename Change>
+void TextView::keepingTopRow(Change change)
+{
+    qreal within = 0;
+    if (anchor_.distance > 0 || topBeforeResize_) {
+        const qreal y = layout_.yOf(anchor_);
+        const std::vector<TextRow> rows = layout_.rowsBetween(y, y + 1);
+        if (!rows.empty()) {
+            within = (y - rows.front().top) / layout_.rowHeight();
+            topBeforeResize_ = topBeforeResize_.value_or(rows.front().range.location);
+        }
+    }
+    change();
+    if (topBeforeResize_) {
+        const qreal top = layout_.rowOf({*topBeforeResize_, false}).top;
+        anchor_ = layout_.pagePlaceAt(top + std::floor(within * layout_.rowHeight()));
+    }
 }
 
 void TextView::updateWrapWidth()
 {
-    layout_.setWidth(viewport()->width() - 2 * (inset_.width() + sidePadding));
-    // The line at the top may have fewer rows now.
-    anchorOffset_ = std::min(anchorOffset_, layout_.topOfLine(anchorLine_ + 1) - layout_.topOfLine(anchorLine_));
+    const qreal width = viewport()->width() - 2 * (inset_.width() + sidePadding);
+    if (width != layout_.width()) {
+        keepingTopRow([&] { layout_.setWidth(width); });
+    }
     syncScrollBar();
     viewport()->update();
 }

@@ -144,6 +144,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -170,9 +171,16 @@ private:
 
     qreal scrollY() const;
     void setAnchor(qreal y);
+    /// Scrolls over the rows as they are; what comes into sight does not move what is there.
+    void scrollBy(qreal distance);
+    void scrollBarMoved(int value);
+    void keepWithinPage();
     void syncScrollBar();
     void queueScrollSync();
     void updateWrapWidth();
+    /// Makes a change after which rows are others, with the same text at the top of the screen.
+    template <typename Change>
+    void keepingTopRow(Change change);
     void restartBlink();
     void showCaret();
     void showDropCaret(std::optional<CaretPlace> place);
@@ -180,7 +188,9 @@ private:
     QRectF caretBox(CaretPlace place);
     void paintRowBackground(QPainter& painter, const TextRow& row, const std::vector<ColorRun>& marks);
     void paintRange(QPainter& painter, const TextRow& row, TextRange range, const QColor& color, bool toEdge);
-    void paintCarets(QPainter& painter);
+    void paintCarets(QPainter& painter, const std::vector<TextRow>& rows);
+    /// The boxes of all carets in the rows, or of the composition's own caret.
+    std::vector<QRectF> caretBoxes(const std::vector<TextRow>& rows);
 
     TextStorage storage_;
     TextLayout layout_;
@@ -194,10 +204,10 @@ private:
     std::vector<TextHighlight> highlights_;
     QSizeF inset_{4, 4};
 
-    // What is at the top of the viewport: a line, and how far below its top. Line numbers above may change their rows,
-    // and what is on screen stays.
-    qsizetype anchorLine_ = 0;
-    qreal anchorOffset_ = 0;
+    // What is at the top of the viewport. Lines above may change their rows, and what is on screen stays.
+    PagePlace anchor_;
+    // What was at the top before the width changed, so that many changes do not creep away from it.
+    std::optional<qsizetype> topBeforeResize_;
     bool isSyncingScrollBar_ = false;
     bool isScrollSyncQueued_ = false;
 

@@ -156,6 +156,7 @@ public:
 
     void replaceText(int start, int end, const QString& text) override
     {
+        view().commitComposition();
         const TextRange range = TextRange::between(start, end).clampedTo(view().text().size());
         view().editor().apply({{range, text}}, EditKind::other);
     }
@@ -176,6 +177,7 @@ private:
 
     void select(const std::vector<TextRange>& ranges)
     {
+        view().commitComposition();
         std::vector<Selection> selections;
         selections.reserve(ranges.size());
         for (const TextRange range : ranges) {
@@ -193,8 +195,12 @@ private:
             const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
             return TextRange::between(start, nextGraphemeBoundary(text, start));
         }
-        case QAccessible::WordBoundary:
-            return wordAt(text, at);
+        case QAccessible::WordBoundary: {
+            // A line end is a step of its own, or whoever goes from word to word would never get past it.
+            const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
+            const qsizetype terminator = lineTerminatorLength(text, start);
+            return terminator > 0 ? TextRange{start, terminator} : wordAt(text, at);
+        }
         case QAccessible::NoBoundary:
             return {0, text.size()};
         default:
@@ -233,11 +239,21 @@ void notifyAccessibleEdit(TextView& view, const TextEdit& edit)
     if (!QAccessible::isActive()) {
         return;
     }
+    const auto at = static_cast<int>(edit.range.location);
+    const auto send = [&view](QAccessibleTextCursorEvent&& event) {
+        event.setCursorPosition(static_cast<int>(view.editor().selections().primary().head.offset));
+        QAccessible::updateAccessibility(&event);
+    };
     // What was removed is gone by now; its place and length are told with blanks, which the interface allows.
-    QAccessibleTextUpdateEvent event(&view, static_cast<int>(edit.range.location), QString(edit.range.length, u' '),
-                                     view.storage().substring(edit.newRange()));
-    event.setCursorPosition(static_cast<int>(view.editor().selections().primary().head.offset));
-    QAccessible::updateAccessibility(&event);
+    const QString removed(edit.range.length, u' ');
+    const QString inserted = view.storage().substring(edit.newRange());
+    if (removed.isEmpty()) {
+        send(QAccessibleTextInsertEvent(&view, at, inserted));
+    } else if (inserted.isEmpty()) {
+        send(QAccessibleTextRemoveEvent(&view, at, removed));
+    } else {
+        send(QAccessibleTextUpdateEvent(&view, at, removed, inserted));
+    }
 }
 
 void notifyAccessibleSelection(TextView& view)

@@ -100,7 +100,7 @@ QVariant TextViewInputMethod::query(Qt::InputMethodQuery query) const
     case Qt::ImCurrentSelection:
         return view_.storage().substring(primary.range());
     default:
-        return {};
+        return view_.QAbstractScrollArea::inputMethodQuery(query);
     }
 }
 
@@ -110,8 +110,12 @@ void TextViewInputMethod::insertCommitted(const QInputMethodEvent& event)
     view_.layout_.setPreedit({});
     if (event.replacementLength() > 0) {
         const qsizetype caret = editor.selections().primary().head.offset;
-        const TextRange replaced{std::max<qsizetype>(0, caret + event.replacementStart()), event.replacementLength()};
-        editor.apply({{replaced.clampedTo(view_.storage().length()), event.commitString()}}, EditKind::composing);
+        const qsizetype length = view_.storage().length();
+        const qsizetype start = caret + event.replacementStart();
+        const TextRange replaced =
+            TextRange::between(std::clamp<qsizetype>(start, 0, length),
+                               std::clamp<qsizetype>(start + event.replacementLength(), 0, length));
+        editor.apply({{replaced, event.commitString()}}, EditKind::composing);
     } else {
         editor.insertText(event.commitString(), EditKind::composing);
     }
@@ -122,7 +126,11 @@ void TextViewInputMethod::insertCommitted(const QInputMethodEvent& event)
 void TextViewInputMethod::showPreedit(const QInputMethodEvent& event)
 {
     if (event.preeditString().isEmpty()) {
-        view_.layout_.setPreedit({});
+        if (view_.isComposing()) {
+            // Cancelled: the next composition has nothing to do with this one.
+            view_.layout_.setPreedit({});
+            view_.editor().endUndoRun();
+        }
     } else {
         Preedit preedit;
         preedit.offset = view_.editor().selections().primary().head.offset;

@@ -9,6 +9,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStyleHints>
 
@@ -109,31 +110,15 @@ void TextViewMouse::drop(QDropEvent* event)
     view_.commitComposition();
     TextEditor& editor = view_.editor();
     const qsizetype at = view_.placeAt(event->position().toPoint()).offset;
-    const QString text = event->mimeData()->text();
-    const bool isMove = isDragging_ && event->dropAction() == Qt::MoveAction;
-    std::vector<Change> changes;
-    if (isMove) {
-        for (const Selection& selection : editor.selections().all()) {
-            const TextRange range = selection.range();
-            if (range.contains(at) || range.end() == at || range.location == at) {
-                // Dropped onto itself.
-                event->setDropAction(Qt::IgnoreAction);
-                return;
-            }
-            changes.push_back({range, QString()});
+    if (isDragging_ && event->dropAction() == Qt::MoveAction) {
+        if (!editor.moveSelectedTextTo(at)) {
+            // Dropped onto itself.
+            event->setDropAction(Qt::IgnoreAction);
+            return;
         }
+    } else {
+        editor.applyAndSelect({{{at, 0}, event->mimeData()->text()}});
     }
-    const auto behind =
-        std::find_if(changes.begin(), changes.end(), [at](const Change& change) { return change.range.location > at; });
-    const auto index = static_cast<std::size_t>(behind - changes.begin());
-    changes.insert(behind, {{at, 0}, text});
-    editor.applyAndSelect(changes);
-    // What was dropped stays selected; the places it came from do not matter any more.
-    qsizetype start = at;
-    for (std::size_t i = 0; i < index; ++i) {
-        start -= changes[i].range.length;
-    }
-    editor.select({start, text.size()});
     event->acceptProposedAction();
     view_.setFocus();
 }
@@ -224,8 +209,13 @@ void TextViewMouse::startDrag()
     auto* drag = new QDrag(&view_);
     drag->setMimeData(data);
     isDragging_ = true;
+    // The view may be closed while the drag goes on.
+    const QPointer<TextView> guard(&view_);
     const Qt::DropActions actions = view_.isReadOnly() ? Qt::CopyAction : Qt::CopyAction | Qt::MoveAction;
     const Qt::DropAction done = drag->exec(actions, view_.isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
+    if (!guard) {
+        return;
+    }
     const bool wentElsewhere = drag->target() != nullptr && drag->target() != view_.viewport();
     isDragging_ = false;
     if (done == Qt::MoveAction && wentElsewhere) {

@@ -4,6 +4,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace kelm {
@@ -31,7 +32,7 @@ void TextView::paintEvent(QPaintEvent* event)
         paintRowBackground(painter, row, storage_.background().runsIn(row.range));
         layout_.paintRow(painter, row, origin);
     }
-    paintCarets(painter);
+    paintCarets(painter, rows);
 }
 
 void TextView::paintRowBackground(QPainter& painter, const TextRow& row, const std::vector<ColorRun>& marks)
@@ -46,8 +47,12 @@ void TextView::paintRowBackground(QPainter& painter, const TextRow& row, const s
     for (auto mark = first; mark != highlights_.end() && mark->range.location < row.range.end(); ++mark) {
         paintRange(painter, row, mark->range, mark->color, false);
     }
-    for (const Selection& selection : editor_.selections().all()) {
-        paintRange(painter, row, selection.range(), colors_.selection, true);
+    const std::vector<Selection>& all = editor_.selections().all();
+    auto selection = std::partition_point(all.begin(), all.end(), [&row](const Selection& candidate) {
+        return candidate.range().end() < row.range.location;
+    });
+    for (; selection != all.end() && selection->range().location <= row.range.end(); ++selection) {
+        paintRange(painter, row, selection->range(), colors_.selection, true);
     }
 }
 
@@ -63,24 +68,62 @@ void TextView::paintRange(QPainter& painter, const TextRow& row, TextRange range
     if (range.location == row.range.end() && !row.isLastOfLine) {
         return;
     }
-    const qreal left = pageOrigin().x();
-    const qreal from = startsBefore ? 0 : layout_.xInRow(row, range.location);
-    const qreal to = endsBehind && toEdge ? viewport()->width() - left : layout_.xInRow(row, range.end());
-    const qreal right = viewport()->width() - inset_.width();
-    const QRectF box(left + std::min(from, to), row.top, std::abs(to - from), layout_.rowHeight());
-    painter.fillRect(box.intersected(QRectF(0, row.top, right, layout_.rowHeight())), color);
+    const QPointF topLeft(pageOrigin().x(), row.top);
+    const QRectF paintable(0, row.top, viewport()->width() - inset_.width(), layout_.rowHeight());
+    const auto fill = [&](XSpan span) {
+        const QRectF box(topLeft.x() + span.left, row.top, span.right - span.left, layout_.rowHeight());
+        painter.fillRect(box.intersected(paintable), color);
+    };
+    const qsizetype start = startsBefore ? row.range.location : range.location;
+    const std::vector<XSpan> spans =
+        layout_.spansInRow(row, TextRange::between(start, std::min(range.end(), row.range.end())));
+    std::for_each(spans.begin(), spans.end(), fill);
+    if (endsBehind && toEdge) {
+        // The line end is selected too.
+        qreal right = 0;
+        for (const XSpan span : layout_.spansInRow(row, row.range)) {
+            right = std::max(right, span.right);
+        }
+        fill({right, paintable.right()});
+    }
 }
 
 QRectF TextView::caretBox(CaretPlace place)
 {
-    const QRectF place0 = caretRect(place);
+    const QRectF line = caretRect(place);
     // A blank that hangs over the edge keeps its caret within the view.
     const qreal right = viewport()->width() - caretWidth;
-    return {std::clamp<qreal>(std::round(place0.x() - caretWidth / 2), 0, std::max<qreal>(0, right)), place0.y(),
-            caretWidth, place0.height()};
+    return {std::clamp<qreal>(std::round(line.x() - caretWidth / 2), 0, std::max<qreal>(0, right)), line.y(),
+            caretWidth, line.height()};
 }
 
-void TextView::paintCarets(QPainter& painter)
+std::vector<QRectF> TextView::caretBoxes(const std::vector<TextRow>& rows)
+{
+    std::vector<QRectF> boxes;
+    if (isComposing()) {
+        if (const auto composed = layout_.preeditCaretRect()) {
+            boxes.push_back(composed->translated(pageOrigin()));
+            boxes.back().setWidth(caretWidth);
+        }
+        return boxes;
+    }
+    if (rows.empty()) {
+        return boxes;
+    }
+    // Only carets on screen are asked for their place: the layout of a far line costs time.
+    const std::vector<Selection>& all = editor_.selections().all();
+    auto selection = std::partition_point(all.begin(), all.end(), [&rows](const Selection& candidate) {
+        return candidate.range().end() < rows.front().range.location;
+    });
+    for (; selection != all.end() && selection->range().location <= rows.back().range.end(); ++selection) {
+        if (selection->isCaret()) {
+            boxes.push_back(caretBox(selection->head));
+        }
+    }
+    return boxes;
+}
+
+void TextView::paintCarets(QPainter& painter, const std::vector<TextRow>& rows)
 {
     if (dropCaret_) {
         painter.fillRect(caretBox(*dropCaret_), colors_.insertionPoint);
@@ -88,22 +131,8 @@ void TextView::paintCarets(QPainter& painter)
     if (!hasFocus() || !isCaretOn_ || isReadOnly()) {
         return;
     }
-    if (isComposing()) {
-        if (const auto composed = layout_.preeditCaretRect()) {
-            QRectF box = composed->translated(pageOrigin());
-            box.setWidth(caretWidth);
-            painter.fillRect(box, colors_.insertionPoint);
-        }
-        return;
-    }
-    const QRectF visible = visibleRect();
-    for (const Selection& selection : editor_.selections().all()) {
-        // Only what can be on screen is asked for: the layout of a far line costs time.
-        const qreal lineTop = layout_.topOfLine(storage_.lines().lineAt(selection.head.offset));
-        const qreal nextTop = layout_.topOfLine(storage_.lines().lineAt(selection.head.offset) + 1);
-        if (selection.isCaret() && nextTop + 2 * inset_.height() >= visible.top() && lineTop <= visible.bottom()) {
-            painter.fillRect(caretBox(selection.head), colors_.insertionPoint);
-        }
+    for (const QRectF& box : caretBoxes(rows)) {
+        painter.fillRect(box, colors_.insertionPoint);
     }
 }
 
