@@ -86,10 +86,14 @@ PagePlace TextLayout::movedBy(PagePlace place, qreal distance)
     return {piece.range.location, distance};
 }
 
-PagePlace TextLayout::carriedOver(PagePlace place, const TextEdit& edit) const
+PagePlace TextLayout::carriedOver(PagePlace place, const TextEdit& edit)
 {
     const qsizetype offset = std::min(edit.moved(place.offset, false), storage_.length());
-    return {pieceRange(pieceAt({offset, false})).location, place.distance};
+    const PieceKey key = pieceAt({offset, false});
+    const qsizetype start = pieceRange(key).location;
+    // Where the line is cut otherwise now, the row that has the old start takes its place.
+    const qreal inPiece = start == offset ? 0 : rowOf({offset, false}).top - topOfPiece(key);
+    return {start, inPiece + place.distance};
 }
 
 std::vector<TextRow> TextLayout::rowsBetween(qreal top, qreal bottom)

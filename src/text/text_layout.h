@@ -89,7 +89,7 @@ public:
     /// The place `distance` further down, or up. What lies between is laid out, so that no estimate is part of the way.
     PagePlace movedBy(PagePlace place, qreal distance);
     /// A place carried over an edit that the layout has taken in.
-    PagePlace carriedOver(PagePlace place, const TextEdit& edit) const;
+    PagePlace carriedOver(PagePlace place, const TextEdit& edit);
 
     /// The rows that meet top to bottom, laid out. What is above `top` is not laid out and keeps its estimate.
     std::vector<TextRow> rowsBetween(qreal top, qreal bottom);
