@@ -425,12 +425,13 @@ TextRange TextLayout::pieceRange(PieceKey key) const
 
 TextLayout::PieceKey TextLayout::pieceAt(CaretPlace place) const
 {
-    const qsizetype line = storage_.lines().lineAt(place.offset);
+    const qsizetype offset = std::clamp<qsizetype>(place.offset, 0, storage_.length());
+    const qsizetype line = storage_.lines().lineAt(offset);
     const LinePieces* pieces = longLines_.find(line);
     if (pieces == nullptr) {
         return {line, 0};
     }
-    const qsizetype inLine = place.offset - storage_.lines().start(line);
+    const qsizetype inLine = offset - storage_.lines().start(line);
     const std::size_t piece = pieces->pieceAt(inLine);
     return {line, place.atRowEnd && piece > 0 && pieces->starts[piece] == inLine ? piece - 1 : piece};
 }

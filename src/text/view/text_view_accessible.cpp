@@ -65,20 +65,15 @@ public:
     int cursorPosition() const override { return static_cast<int>(view().editor().selections().primary().head.offset); }
     void setCursorPosition(int position) override { select({{position, 0}}); }
 
-    int selectionCount() const override
-    {
-        const SelectionSet& selections = view().editor().selections();
-        return selections.hasText() ? static_cast<int>(selections.all().size()) : 0;
-    }
+    int selectionCount() const override { return static_cast<int>(selectedRanges().size()); }
 
     void selection(int index, int* start, int* end) const override
     {
-        *start = *end = 0;
-        if (index >= 0 && index < selectionCount()) {
-            const TextRange range = view().editor().selections().all()[static_cast<std::size_t>(index)].range();
-            *start = static_cast<int>(range.location);
-            *end = static_cast<int>(range.end());
-        }
+        const std::vector<TextRange> ranges = selectedRanges();
+        const bool exists = index >= 0 && index < static_cast<int>(ranges.size());
+        const TextRange range = exists ? ranges[static_cast<std::size_t>(index)] : TextRange();
+        *start = static_cast<int>(range.location);
+        *end = static_cast<int>(range.end());
     }
 
     void addSelection(int start, int end) override
@@ -110,8 +105,9 @@ public:
 
     QRect characterRect(int offset) const override
     {
-        const qsizetype next = nextGraphemeBoundary(view().text(), offset);
-        const QRectF from = view().caretRect({offset, false});
+        const qsizetype at = std::clamp(offset, 0, characterCount());
+        const qsizetype next = nextGraphemeBoundary(view().text(), at);
+        const QRectF from = view().caretRect({at, false});
         const QRectF to = view().caretRect({next, true});
         const qreal width = to.y() == from.y() ? std::max<qreal>(1, to.x() - from.x()) : 1;
         const QRect box = QRectF(from.x(), from.y(), width, from.height()).toAlignedRect();
@@ -123,12 +119,16 @@ public:
         return static_cast<int>(view().placeAt(view().viewport()->mapFromGlobal(point)).offset);
     }
 
-    void scrollToSubstring(int start, int end) override { view().scrollRangeToVisible(TextRange::between(start, end)); }
-
-    QString attributes(int offset, int* start, int* end) const override
+    void scrollToSubstring(int start, int end) override
     {
-        *start = offset;
-        *end = offset;
+        view().scrollRangeToVisible(TextRange::between(start, end).clampedTo(characterCount()));
+    }
+
+    QString attributes(int /*offset*/, int* start, int* end) const override
+    {
+        // None is told, and none all through the text.
+        *start = 0;
+        *end = characterCount();
         return {};
     }
 
@@ -234,41 +234,48 @@ void installAccessibleTextViewFactory()
     Q_UNUSED(installed)
 }
 
-void notifyAccessibleEdit(TextView& view, const TextEdit& edit)
+std::unique_ptr<QAccessibleTextCursorEvent> accessibleEditEvent(TextView& view, const TextEdit& edit)
 {
-    if (!QAccessible::isActive()) {
-        return;
-    }
     const auto at = static_cast<int>(edit.range.location);
-    const auto send = [&view](QAccessibleTextCursorEvent&& event) {
-        event.setCursorPosition(static_cast<int>(view.editor().selections().primary().head.offset));
-        QAccessible::updateAccessibility(&event);
-    };
     // What was removed is gone by now; its place and length are told with blanks, which the interface allows.
     const QString removed(edit.range.length, u' ');
     const QString inserted = view.storage().substring(edit.newRange());
+    std::unique_ptr<QAccessibleTextCursorEvent> event;
     if (removed.isEmpty()) {
-        send(QAccessibleTextInsertEvent(&view, at, inserted));
+        event = std::make_unique<QAccessibleTextInsertEvent>(&view, at, inserted);
     } else if (inserted.isEmpty()) {
-        send(QAccessibleTextRemoveEvent(&view, at, removed));
+        event = std::make_unique<QAccessibleTextRemoveEvent>(&view, at, removed);
     } else {
-        send(QAccessibleTextUpdateEvent(&view, at, removed, inserted));
+        event = std::make_unique<QAccessibleTextUpdateEvent>(&view, at, removed, inserted);
+    }
+    event->setCursorPosition(static_cast<int>(view.editor().selections().primary().head.offset));
+    return event;
+}
+
+std::unique_ptr<QAccessibleTextCursorEvent> accessibleSelectionEvent(TextView& view)
+{
+    const Selection& primary = view.editor().selections().primary();
+    const auto head = static_cast<int>(primary.head.offset);
+    if (primary.isCaret()) {
+        return std::make_unique<QAccessibleTextCursorEvent>(&view, head);
+    }
+    auto event = std::make_unique<QAccessibleTextSelectionEvent>(&view, static_cast<int>(primary.range().location),
+                                                                 static_cast<int>(primary.range().end()));
+    event->setCursorPosition(head);
+    return event;
+}
+
+void notifyAccessibleEdit(TextView& view, const TextEdit& edit)
+{
+    if (QAccessible::isActive()) {
+        QAccessible::updateAccessibility(accessibleEditEvent(view, edit).get());
     }
 }
 
 void notifyAccessibleSelection(TextView& view)
 {
-    if (!QAccessible::isActive()) {
-        return;
-    }
-    const Selection& primary = view.editor().selections().primary();
-    if (primary.isCaret()) {
-        QAccessibleTextCursorEvent event(&view, static_cast<int>(primary.head.offset));
-        QAccessible::updateAccessibility(&event);
-    } else {
-        QAccessibleTextSelectionEvent event(&view, static_cast<int>(primary.range().location),
-                                            static_cast<int>(primary.range().end()));
-        QAccessible::updateAccessibility(&event);
+    if (QAccessible::isActive()) {
+        QAccessible::updateAccessibility(accessibleSelectionEvent(view).get());
     }
 }
 

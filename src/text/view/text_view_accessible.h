@@ -3,12 +3,21 @@
 
 #include "text/text_range.h"
 
+#include <QAccessible>
+
+#include <memory>
+
 namespace kelm {
 
 class TextView;
 
 /// Makes text views answer the platform's accessibility interface. Calling it again does nothing.
 void installAccessibleTextViewFactory();
+
+/// What an edit is for a screen reader: an insertion, a removal, or both as an update.
+std::unique_ptr<QAccessibleTextCursorEvent> accessibleEditEvent(TextView& view, const TextEdit& edit);
+/// What a screen reader is told about the primary selection: its range, or where the caret stands.
+std::unique_ptr<QAccessibleTextCursorEvent> accessibleSelectionEvent(TextView& view);
 
 /// Tells a screen reader, when one listens, what an edit did.
 void notifyAccessibleEdit(TextView& view, const TextEdit& edit);
