@@ -1,5 +1,6 @@
 #include "editor/view/kelm_editor_view.h"
 #include "support/captured_log.h"
+#include "support/random_text.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -75,6 +76,7 @@ private Q_SLOTS:
     void contentChangedElsewhereReplacesAFoldedText();
     void theLessonRegionReachesTheGutter();
     void theMinimapScrollsToALine();
+    void foldsNeverReachTheDocument();
     void aClosedDocumentsEditorGoesQuietly();
 };
 
@@ -324,6 +326,46 @@ void EditorContainerViewTest::theMinimapScrollsToALine()
     Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
     fixture.view->minimapView().onLineSelected(400);
     QCOMPARE(fixture.view->textView().visibleRect().y(), 399 * 17.0 - 200);
+}
+
+void EditorContainerViewTest::foldsNeverReachTheDocument()
+{
+    test::RandomText random;
+    for (int round = 0; round < 20; ++round) {
+        QString original;
+        for (int line = 0; line < 60; ++line) {
+            original += QStringList{QStringLiteral("{"), QStringLiteral("}"), QStringLiteral("  body"),
+                                    QStringLiteral("x { y"), QString()}[random.below(5)] +
+                        (random.below(4) == 0 ? QStringLiteral("\r\n") : QStringLiteral("\n"));
+        }
+        Fixture fixture(original);
+        for (int step = 0; step < 40; ++step) {
+            const auto& regions = fixture.view->codeFoldingManager().foldableRegions();
+            if (random.below(3) > 0 && !regions.empty()) {
+                const auto region = static_cast<std::size_t>(random.below(static_cast<qsizetype>(regions.size())));
+                fixture.view->lineNumberView().onFoldToggle(regions[region].startLine);
+            } else {
+                fixture.view->textView().setSelectedRange({random.below(fixture.view->text().size() + 1), 0});
+                fixture.type(QStringLiteral("Z"));
+                QCOMPARE(fixture.view->text(), fixture.document->content());
+            }
+            if (random.below(4) == 0) {
+                fixture.time.advance(150ms);
+            }
+            // Only the typed letters differ: no body is lost, and no placeholder is in the text that a save would
+            // write.
+            QString content = fixture.document->content();
+            content.remove(u'Z');
+            QCOMPARE(content, original);
+        }
+        while (fixture.view->textView().editor().canUndo()) {
+            fixture.view->textView().undo();
+        }
+        fixture.view->codeFoldingManager().unfoldAll();
+        QString content = fixture.view->text();
+        content.remove(u'Z');
+        QCOMPARE(content, original);
+    }
 }
 
 void EditorContainerViewTest::aClosedDocumentsEditorGoesQuietly()
