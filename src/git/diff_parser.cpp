@@ -2,9 +2,12 @@
 
 #include "git/decimal_integer.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <limits>
 #include <tuple>
+#include <vector>
 
 namespace kelm {
 
@@ -99,18 +102,18 @@ private:
     {
         switch (first) {
         case u'\\':
-            hunk_.lines.append({DiffLineKind::noNewline, line.toString(), {}, {}});
+            lines_.push_back({DiffLineKind::noNewline, line.toString(), {}, {}});
             break;
         case u'+':
-            hunk_.lines.append({DiffLineKind::added, line.sliced(1).toString(), {}, newLine_});
+            lines_.push_back({DiffLineKind::added, line.sliced(1).toString(), {}, newLine_});
             advance(newLine_);
             break;
         case u'-':
-            hunk_.lines.append({DiffLineKind::removed, line.sliced(1).toString(), oldLine_, {}});
+            lines_.push_back({DiffLineKind::removed, line.sliced(1).toString(), oldLine_, {}});
             advance(oldLine_);
             break;
         default:
-            hunk_.lines.append(
+            lines_.push_back(
                 {DiffLineKind::context, (first == u' ' ? line.sliced(1) : line).toString(), oldLine_, newLine_});
             advance(oldLine_);
             advance(newLine_);
@@ -124,7 +127,7 @@ private:
         const Ranges ranges = parseHunkHeader(line);
         const QString header = line.toString();
         hunk_ = {QUuid(), header, ranges.oldStart, ranges.oldCount, ranges.newStart, ranges.newCount, {}};
-        hunk_.lines.append({DiffLineKind::hunkHeader, header, {}, {}});
+        lines_.push_back({DiffLineKind::hunkHeader, header, {}, {}});
         oldLine_ = ranges.oldStart;
         newLine_ = ranges.newStart;
         isHunkOpen_ = true;
@@ -134,6 +137,9 @@ private:
     {
         if (isHunkOpen_) {
             hunk_.id = QUuid::createUuid();
+            hunk_.lines.reserve(static_cast<qsizetype>(lines_.size()));
+            std::move(lines_.begin(), lines_.end(), std::back_inserter(hunk_.lines));
+            lines_.clear();
             file_.hunks.append(std::move(hunk_));
             hunk_ = {};
             isHunkOpen_ = false;
@@ -152,6 +158,8 @@ private:
     QList<DiffFile> files_;
     DiffFile file_;
     DiffHunk hunk_;
+    /// The open hunk's lines, in a buffer that serves one hunk after another.
+    std::vector<DiffLine> lines_;
     bool isHunkOpen_ = false;
     qint64 oldLine_ = 0;
     qint64 newLine_ = 0;

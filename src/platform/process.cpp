@@ -17,6 +17,7 @@ public:
 
     ProcessResult toEnd()
     {
+        waitForQuickEnd();
         while (!ended_ && !result_.inputError) {
             step();
         }
@@ -34,6 +35,15 @@ public:
     }
 
 private:
+    /// Most commands end soon and write less than a pipe holds: looking at the pipes meanwhile would only wake this
+    /// thread for each piece of output. A child that writes more waits this little while, once.
+    void waitForQuickEnd()
+    {
+        constexpr int milliseconds = 10;
+        pollfd exit{child_.exitNotice.number(), POLLIN, 0};
+        ended_ = !child_.standardInput.isOpen() && ::poll(&exit, 1, milliseconds) > 0;
+    }
+
     void step()
     {
         // A closed descriptor is -1, which the call passes over.

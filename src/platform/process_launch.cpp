@@ -22,8 +22,6 @@ namespace kelm {
 
 namespace {
 
-constexpr qsizetype chunkSize = 64 * 1024;
-
 struct Pipe
 {
     FileDescriptor readEnd;
@@ -315,13 +313,13 @@ int writeOnce(const FileDescriptor& pipe, QByteArrayView bytes, qsizetype& writt
     return 0;
 }
 
-bool readOnce(const FileDescriptor& pipe, QByteArray& bytes)
+bool readOnce(const FileDescriptor& pipe, QByteArray& bytes, qsizetype limit)
 {
     const qsizetype size = bytes.size();
-    bytes.resize(size + chunkSize);
+    bytes.resize(size + limit);
     ssize_t count = 0;
     do {
-        count = ::read(pipe.number(), bytes.data() + size, chunkSize);
+        count = ::read(pipe.number(), bytes.data() + size, static_cast<size_t>(limit));
     } while (count < 0 && errno == EINTR);
     const bool waits = count < 0 && errno == EAGAIN;
     bytes.resize(size + std::max<ssize_t>(count, 0));
@@ -335,7 +333,8 @@ void readAvailable(const FileDescriptor& pipe, QByteArray& bytes)
         return;
     }
     const qsizetype end = bytes.size() + available;
-    while (bytes.size() < end && readOnce(pipe, bytes)) {
+    bytes.reserve(end);
+    while (bytes.size() < end && readOnce(pipe, bytes, end - bytes.size())) {
     }
 }
 

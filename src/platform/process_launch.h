@@ -38,8 +38,11 @@ void reapLater(pid_t pid);
 /// none; a reader that has gone is an error like another.
 int writeOnce(const FileDescriptor& pipe, QByteArrayView bytes, qsizetype& written);
 
-/// Reads once, at most 64 KiB, into the end of `bytes`. False when the pipe has come to its end or fails.
-bool readOnce(const FileDescriptor& pipe, QByteArray& bytes);
+/// As much as a pipe usually holds.
+inline constexpr qsizetype chunkSize = 64 * 1024;
+
+/// Reads once, at most `limit` bytes, into the end of `bytes`. False when the pipe has come to its end or fails.
+bool readOnce(const FileDescriptor& pipe, QByteArray& bytes, qsizetype limit = chunkSize);
 
 /// Reads what stands in the pipe at this moment and no more, so that a writer who goes on cannot hold the reader.
 void readAvailable(const FileDescriptor& pipe, QByteArray& bytes);

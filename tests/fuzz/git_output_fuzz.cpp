@@ -1,0 +1,65 @@
+// Any bytes as the output of git: every parser takes what fits and skips the rest.
+#include "git/ahead_behind_parser.h"
+#include "git/blame_parser.h"
+#include "git/branch_parser.h"
+#include "git/log_parser.h"
+#include "git/remote_parser.h"
+#include "git/stash_parser.h"
+#include "git/status_parser.h"
+#include "git/tag_parser.h"
+
+#include <QSet>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+void require(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace kelm;
+
+    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
+    const qsizetype lines = text.split(u'\n', Qt::SkipEmptyParts).size();
+
+    const auto status = parseStatus(text);
+    require(status.size() <= lines);
+    for (const GitFileStatus& file : status) {
+        require(!file.path.isEmpty() && text.contains(file.path) && !file.path.contains(u'\n'));
+        require(file.staged != GitFileChange::untracked || file.unstaged != GitFileChange::untracked);
+    }
+    if (const auto counts = parseAheadBehind(text)) {
+        require(text.contains(u'\t') || *counts == AheadBehind{});
+    }
+    for (const GitBranch& branch : parseLocalBranches(text)) {
+        require(!branch.isRemote && branch.upstream != QString());
+    }
+    for (const GitBranch& branch : parseRemoteBranches(text)) {
+        require(branch.isRemote && !branch.isCurrent && !branch.name.endsWith(QStringLiteral("/HEAD")));
+    }
+    QSet<QString> names;
+    for (const GitRemote& remote : parseRemotes(text)) {
+        require(!names.contains(remote.name));
+        names.insert(remote.name);
+    }
+    qint64 place = -1;
+    for (const GitStash& stash : parseStashes(text)) {
+        require(stash.id > place && stash.id < lines);
+        place = stash.id;
+    }
+    for (const GitTag& tag : parseTags(text)) {
+        require(tag.sha != QString());
+    }
+    require(parseLog(text).size() <= lines);
+    require(parseBlame(text).size() <= lines);
+    return 0;
+}
