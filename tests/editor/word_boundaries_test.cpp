@@ -24,8 +24,11 @@ std::vector<qsizetype> boundaries(const QString& text)
 {
     std::vector<qsizetype> places;
     const WordBoundaries words(text);
-    for (qsizetype place = words.next(0); place <= text.size(); place = words.next(place + 1)) {
-        places.push_back(place);
+    for (qsizetype from = 0; from <= text.size(); ++from) {
+        from = words.next(from);
+        if (from <= text.size()) {
+            places.push_back(from);
+        }
     }
     return places;
 }

@@ -56,13 +56,13 @@ constexpr bool isAsciiLetter(char16_t unit)
 /// `[a-zA-Z_]`.
 constexpr bool isNameStart(char16_t unit)
 {
-    return isAsciiLetter(unit) | (unit == u'_');
+    return isAsciiLetter(unit) || (unit == u'_');
 }
 
 /// `[a-zA-Z0-9_]`.
 constexpr bool isNamePart(char16_t unit)
 {
-    return isNameStart(unit) | isAsciiDigit(unit);
+    return isNameStart(unit) || isAsciiDigit(unit);
 }
 
 } // namespace kelm

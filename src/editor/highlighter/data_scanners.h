@@ -112,7 +112,7 @@ struct TagName
         while (start < text.size()) {
             qsizetype end = start + (text.at(start + 1) == u'/' ? 2 : 1);
             if (isAsciiLetter(text.at(end))) {
-                end = text.skip(end, [](char16_t c) { return isAsciiLetter(c) | isAsciiDigit(c) | (c == u'-'); });
+                end = text.skip(end, [](char16_t c) { return isAsciiLetter(c) || isAsciiDigit(c) || (c == u'-'); });
                 found(start, end);
             }
             start = text.find(end, u'<');
@@ -135,7 +135,7 @@ struct TagEnd
 /// `[a-zA-Z-]`.
 constexpr bool isHyphenedPart(char16_t unit)
 {
-    return isAsciiLetter(unit) | (unit == u'-');
+    return isAsciiLetter(unit) || (unit == u'-');
 }
 
 /// `\b[a-zA-Z-]+(?==)`.
@@ -162,7 +162,7 @@ struct SelectorName
     {
         for (qsizetype brace = text.find(0, u'{'); brace < text.size(); brace = text.find(brace + 1, u'{')) {
             const qsizetype end = text.skipSpaceBack(brace);
-            qsizetype start = text.skipBack(end, [](char16_t c) { return isNamePart(c) | (c == u'-'); });
+            qsizetype start = text.skipBack(end, [](char16_t c) { return isNamePart(c) || (c == u'-'); });
             const qsizetype parts = start;
             start = text.skip(start, isAsciiDigit);
             if (start == end) {
@@ -268,7 +268,7 @@ struct HexColor
     }
 
 private:
-    static bool isHexDigit(char16_t unit) { return isAsciiDigit(unit) | (char16_t((unit | 0x20) - u'a') < 6); }
+    static bool isHexDigit(char16_t unit) { return isAsciiDigit(unit) || (char16_t((unit | 0x20) - u'a') < 6); }
 };
 
 } // namespace kelm::scanners

@@ -62,7 +62,7 @@ struct EscapedString
         while (start < text.size()) {
             qsizetype i = start + 1;
             for (;;) {
-                i = text.find(i, [this](char16_t c) { return (c == quote) | (c == u'\\'); });
+                i = text.find(i, [quote = quote](char16_t c) { return (c == quote) | (c == u'\\'); });
                 if (text.at(i) != u'\\' || i + 1 >= text.size() || isLineEnd(text.at(i + 1))) {
                     break;
                 }

@@ -112,7 +112,7 @@ struct CalledName
         for (qsizetype bracket = text.find(0, u'('); bracket < text.size(); bracket = text.find(bracket + 1, u'(')) {
             const qsizetype end = text.skipSpaceBack(bracket);
             const qsizetype start =
-                text.skipBack(end, [this](char16_t c) { return isNamePart(c) | (withDollar & (c == u'$')); });
+                text.skipBack(end, [this](char16_t c) { return isNamePart(c) || (withDollar && (c == u'$')); });
             for (qsizetype i = start; i < end && (i = boundaries.next(i)) < end; ++i) {
                 if (!isAsciiDigit(text.at(i))) {
                     found(i, bracket);
