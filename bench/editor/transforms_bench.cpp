@@ -1,5 +1,7 @@
 // Formatters over whole documents of 50 million units.
 #include "editor/transforms/json_formatter.h"
+#include "editor/transforms/text_transformer.h"
+#include "editor/transforms/xml_formatter.h"
 
 #include <QString>
 
@@ -49,6 +51,31 @@ void formatNumbers(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * text.size());
 }
 BENCHMARK(formatNumbers)->Unit(benchmark::kMillisecond);
+
+using Transform = QString (*)(const QString&);
+
+void transform(benchmark::State& state, Transform change, const QString& piece)
+{
+    const QString text = QStringLiteral("<r>") + repeated(piece, documentLength) + QStringLiteral("</r>");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(change(text));
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+
+QString basicFormat(const QString& text)
+{
+    return kelm::XMLFormatter::basicFormat(text, 2);
+}
+
+const QString element = QStringLiteral("<item id='17'><name>Anna Kowalska</name><empty/></item>\n");
+const QString words = QStringLiteral("some words in_a row, wordsLikeThis ");
+
+BENCHMARK_CAPTURE(transform, formatXml, kelm::formatXml, element)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, basicFormat, basicFormat, element)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, upperCase, kelm::TextTransformer::toUpperCase, words)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, capitalized, kelm::TextTransformer::toCapitalized, words)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, snakeCase, kelm::TextTransformer::toSnakeCase, words)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
