@@ -4,7 +4,9 @@
 #include "support/marked_text.h"
 #include "text/view/text_view.h"
 
+#include <QDropEvent>
 #include <QFontDatabase>
+#include <QMimeData>
 #include <QtTest>
 
 namespace kelm::test {
@@ -56,6 +58,22 @@ public:
         QInputMethodEvent event(preedit, {});
         event.setCommitString(text, replaceFrom, replaceLength);
         QCoreApplication::sendEvent(this, &event);
+    }
+
+    /// A drag from outside comes in, moves and is dropped. False where it was turned away.
+    bool dropFromOutside(const QMimeData& dragged, QPoint point, Qt::DropAction action = Qt::CopyAction)
+    {
+        QDragEnterEvent enter(point, action, &dragged, Qt::LeftButton, {});
+        enter.ignore();
+        QCoreApplication::sendEvent(viewport(), &enter);
+        if (!enter.isAccepted()) {
+            return false;
+        }
+        QDragMoveEvent move(point, action, &dragged, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport(), &move);
+        QDropEvent drop(QPointF(point), action, &dragged, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport(), &drop);
+        return drop.isAccepted();
     }
 
 private:

@@ -121,12 +121,19 @@ qreal TextView::pageHeight() const
 
 std::vector<TextRow> TextView::visibleRows()
 {
-    // The line at the top may turn out to be shorter than was estimated.
+    const auto rowsOnScreen = [this] {
+        const qreal top = scrollY() - inset_.height();
+        return layout_.rowsBetween(top, top + viewport()->height());
+    };
+    std::vector<TextRow> rows = rowsOnScreen();
+    // The last lines may turn out to be shorter than was estimated, and so the page.
+    if (keepWithinPage()) {
+        rows = rowsOnScreen();
+    }
+    // The line at the top, too.
     const qreal top = scrollY() - inset_.height();
-    std::vector<TextRow> rows = layout_.rowsBetween(top, top + viewport()->height());
-    const qreal topNow = scrollY() - inset_.height();
     for (TextRow& row : rows) {
-        row.top -= topNow;
+        row.top -= top;
     }
     return rows;
 }
@@ -140,8 +147,8 @@ void TextView::scrollToY(qreal y)
 
 void TextView::scrollRangeToVisible(TextRange range)
 {
-    // Laying out the lines on the way may move the target, so that it is looked at twice.
-    for (int round = 0; round < 2; ++round) {
+    // Laying out the lines that come into sight may move the target, so that it is looked at again.
+    for (int round = 0; round < 3; ++round) {
         const QRectF end = layout_.caretRect({range.end(), false});
         const QRectF start = layout_.caretRect({range.location, false});
         const qreal height = viewport()->height() - 2 * inset_.height();
@@ -160,13 +167,15 @@ void TextView::scrollRangeToVisible(TextRange range)
         // What is far away is shown in the middle, with its surroundings.
         const bool isFar = wanted > top + viewport()->height() || wanted < top - viewport()->height();
         scrollToY(isFar ? start.top() - viewport()->height() / 2.0 : wanted);
+        visibleRows();
     }
 }
 
 CaretPlace TextView::placeAt(QPoint point)
 {
-    const QPointF origin = pageOrigin();
-    return layout_.placeAt(QPointF(point) - origin);
+    // What is on screen has its true rows first, also where it has not been painted since it came into sight.
+    visibleRows();
+    return layout_.placeAt(QPointF(point) - pageOrigin());
 }
 
 QRectF TextView::caretRect(CaretPlace place)
@@ -484,7 +493,7 @@ void TextView::scrollBarMoved(int value)
     }
 }
 
-void TextView::keepWithinPage()
+bool TextView::keepWithinPage()
 {
     const auto last = [this] { return std::max<qreal>(0, std::ceil(pageHeight() - viewport()->height())); };
     if (scrollY() > last()) {
@@ -493,11 +502,13 @@ void TextView::keepWithinPage()
         layout_.rowsBetween(top, top + viewport()->height());
     }
     const qreal past = scrollY() - std::clamp<qreal>(scrollY(), -topObscured_, last());
-    if (past != 0) {
-        const bool isNear = std::abs(past) <= 2 * viewport()->height();
-        anchor_ = isNear ? layout_.movedBy(anchor_, -past) : layout_.pagePlaceAt(scrollY() - past - inset_.height());
-        viewport()->update();
+    if (past == 0) {
+        return false;
     }
+    const bool isNear = std::abs(past) <= 2 * viewport()->height();
+    anchor_ = isNear ? layout_.movedBy(anchor_, -past) : layout_.pagePlaceAt(scrollY() - past - inset_.height());
+    viewport()->update();
+    return true;
 }
 
 void TextView::syncScrollBar()

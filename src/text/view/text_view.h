@@ -174,7 +174,8 @@ private:
     /// Scrolls over the rows as they are; what comes into sight does not move what is there.
     void scrollBy(qreal distance);
     void scrollBarMoved(int value);
-    void keepWithinPage();
+    /// Scrolls back where the page has become shorter; true when it did.
+    bool keepWithinPage();
     void syncScrollBar();
     void queueScrollSync();
     void updateWrapWidth();

@@ -59,6 +59,7 @@ void TextViewMouse::doubleClick(QMouseEvent* event)
         press(event);
         return;
     }
+    view_.commitComposition();
     lastDoubleClick_ = event->position().toPoint();
     lastDoubleClickTime_ = static_cast<qint64>(event->timestamp());
     begin(lastDoubleClick_, Unit::word, event->modifiers());

@@ -104,6 +104,7 @@ private Q_SLOTS:
     void anotherFontKeepsTheTopLine();
     void rangesAreScrolledToSight_data();
     void rangesAreScrolledToSight();
+    void farRangesAreInSightBeforeAnythingIsPainted();
     void whatIsInSightStays();
     void typingScrollsToTheCaret();
     void changesOfTheVisiblePartAreTold();
@@ -426,6 +427,19 @@ void TextViewScrollTest::rangesAreScrolledToSight()
     const QRectF box = view.caretRect({offset, false});
     QVERIFY2(box.top() >= 0 && box.bottom() <= view.viewport()->height(),
              qPrintable(QStringLiteral("%1 to %2").arg(box.top()).arg(box.bottom())));
+}
+
+void TextViewScrollTest::farRangesAreInSightBeforeAnythingIsPainted()
+{
+    // All lines are twice as high as they are guessed to be.
+    ShownTextView view((QStringLiteral("다람쥐헌쳇바퀴에타고파").repeated(8) + u'\n').repeated(300));
+    const qsizetype offset = view.storage().lines().start(200) + 40;
+    view.scrollRangeToVisible({offset, 1});
+    const QRectF box = view.caretRect({offset, false});
+    QVERIFY(box.top() >= 0 && box.bottom() <= view.viewport()->height());
+    QCOMPARE(view.placeAt(box.center().toPoint()).offset, offset);
+    view.grab();
+    QCOMPARE(view.caretRect({offset, false}), box);
 }
 
 void TextViewScrollTest::whatIsInSightStays()
