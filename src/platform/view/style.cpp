@@ -28,13 +28,12 @@ QColor withAlpha(QColor color, float alpha)
 
 QFont monospaced(int pixelSize)
 {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     // The system's answer may be an alias, which counts for nothing in a list of families.
-    QStringList families{QFontInfo(font).family()};
+    QStringList families{QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).family()};
     for (const char* family : {"D2Coding", "NanumGothicCoding", "Noto Sans Mono CJK KR", "Noto Color Emoji"}) {
         families.append(QString::fromLatin1(family));
     }
-    font.setFamilies(families);
+    QFont font(families);
     font.setStyleHint(QFont::Monospace);
     font.setPixelSize(pixelSize);
     return font;
@@ -99,6 +98,9 @@ namespace {
 
 constexpr int scrollBarExtent = 12;
 constexpr int shortestThumb = 28;
+/// The close cross: half its extent and the width of its lines.
+constexpr qreal crossArm = 3;
+constexpr qreal crossStroke = 1.4;
 
 void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QRect& thumb)
 {
@@ -119,6 +121,30 @@ void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QR
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
     painter.drawRoundedRect(box, radius, radius);
+    painter.restore();
+}
+
+/// A small cross, on a round ground while the mouse is over it.
+void drawCloseCross(const QStyleOption& option, QPainter& painter)
+{
+    const bool isHovered =
+        option.state.testFlag(QStyle::State_MouseOver) && option.state.testFlag(QStyle::State_Enabled);
+    const QRectF box = QRectF(option.rect).adjusted(1, 1, -1, -1);
+    QColor color = option.palette.color(QPalette::WindowText);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isHovered) {
+        QColor ground = color;
+        ground.setAlphaF(option.state.testFlag(QStyle::State_Sunken) ? 0.25F : 0.14F);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ground);
+        painter.drawRoundedRect(box, 3, 3);
+    }
+    color.setAlphaF(isHovered ? 0.9F : 0.5F);
+    painter.setPen(QPen(color, crossStroke, Qt::SolidLine, Qt::RoundCap));
+    const QPointF middle = box.center();
+    painter.drawLine(middle + QPointF(-crossArm, -crossArm), middle + QPointF(crossArm, crossArm));
+    painter.drawLine(middle + QPointF(-crossArm, crossArm), middle + QPointF(crossArm, -crossArm));
     painter.restore();
 }
 
@@ -167,6 +193,16 @@ void KelmStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
         return;
     }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const
+{
+    if (element == PE_IndicatorTabClose) {
+        drawCloseCross(*option, *painter);
+        return;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
 QRect KelmStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
