@@ -85,7 +85,8 @@ void DiffParserTest::textBecomesFilesHunksAndLines_data()
     row("newline alone", u"\n"_s, {});
     row("plain prose", u"Just a text.\nOf two lines.\n"_s, {});
     row("an ordinary change",
-        u"diff --git a/f.txt b/f.txt\nindex 111..222 100644\n--- a/f.txt\n+++ b/f.txt\n@@ -1,3 +1,3 @@ sec\n a\n-b\n+B\n c\n"_s,
+        u"diff --git a/f.txt b/f.txt\nindex 111..222 100644\n--- a/f.txt\n+++ b/f.txt\n"
+        "@@ -1,3 +1,3 @@ sec\n a\n-b\n+B\n c\n"_s,
         {u"file [f.txt]"_s, u"f - - [diff --git a/f.txt b/f.txt]"_s, u"f - - [index 111..222 100644]"_s,
          u"f - - [--- a/f.txt]"_s, u"f - - [+++ b/f.txt]"_s, u"hunk 1,3 1,3 [@@ -1,3 +1,3 @@ sec]"_s,
          u"h - - [@@ -1,3 +1,3 @@ sec]"_s, u"c 1 1 [a]"_s, u"r 2 - [b]"_s, u"a - 2 [B]"_s, u"c 3 3 [c]"_s,

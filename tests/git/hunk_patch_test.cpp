@@ -112,10 +112,12 @@ void HunkPatchTest::patchHoldsHeaderAndHunk_data()
     row("deleted file", u"diff --git a/d b/d\ndeleted file mode 100644\n--- a/d\n+++ /dev/null\n@@ -1 +0,0 @@\n-a"_s, 0,
         u"diff --git a/d b/d\ndeleted file mode 100644\n--- a/d\n+++ /dev/null\n@@ -1 +0,0 @@\n-a\n"_s);
     row("rename with a change",
-        u"diff --git a/o b/n\nsimilarity index 90%\nrename from o\nrename to n\nindex 1..2\n--- a/o\n+++ b/n\n@@ -1 +1 @@\n-a\n+b"_s,
+        u"diff --git a/o b/n\nsimilarity index 90%\nrename from o\nrename to n\nindex 1..2\n"
+        "--- a/o\n+++ b/n\n@@ -1 +1 @@\n-a\n+b"_s,
         0, u"diff --git a/o b/n\nrename from o\nrename to n\nindex 1..2\n--- a/o\n+++ b/n\n@@ -1 +1 @@\n-a\n+b\n"_s);
     row("modes and copies are dropped",
-        u"diff --git a/o b/n\nold mode 100644\nnew mode 100755\ncopy from o\ncopy to n\nBinary files x\n@@ -1 +1 @@\n-a\n+b"_s,
+        u"diff --git a/o b/n\nold mode 100644\nnew mode 100755\ncopy from o\ncopy to n\nBinary files x\n"
+        "@@ -1 +1 @@\n-a\n+b"_s,
         0, u"diff --git a/o b/n\n@@ -1 +1 @@\n-a\n+b\n"_s);
     row("marker gets another backslash", u"diff --git a/f b/f\n@@ -1 +1 @@\n-a\n\\ No newline at end of file\n+b"_s, 0,
         u"diff --git a/f b/f\n@@ -1 +1 @@\n-a\n\\\\ No newline at end of file\n+b\n"_s);
