@@ -367,7 +367,7 @@ void GitServiceOperationsTest::panelsPushNamesTheBranchWhenItHasNoUpstream()
         runner_->setAnswer([remoteLines](const ProcessCommand& command) {
             const QString form = shortForm(command.arguments);
             return ended(0, form == branch.front()     ? QByteArray("topic\n")
-                            : form == branches.front() ? QByteArray("topic\0*\0\n", 9)
+                            : form == branches.front() ? withNulls("topic#*#\n")
                             : form == remotes.front()  ? remoteLines
                                                        : QByteArray());
         });

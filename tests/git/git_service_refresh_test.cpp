@@ -40,7 +40,7 @@ QByteArray healthyOutput(const QStringList& command)
         return "3\t5\n";
     }
     if (command == localCommand) {
-        return QByteArray("main\0*\0origin/main\ntopic\0 \0\n", 31);
+        return withNulls("main#*#origin/main\ntopic# #\n");
     }
     if (command == remoteBranchesCommand) {
         return "origin/HEAD\norigin/main\n";
@@ -51,7 +51,7 @@ QByteArray healthyOutput(const QStringList& command)
     if (command == stashesCommand) {
         return "stash@{0}\x1fWIP";
     }
-    return QByteArray("v1\0commit\0\0abc\0s\n", 17);
+    return withNulls("v1#commit##abc#s\n");
 }
 
 } // namespace
@@ -362,8 +362,8 @@ void GitServiceRefreshTest::upstreamIsMissing_data()
     QTest::addColumn<QByteArray>("remoteBranches");
     QTest::addColumn<QByteArray>("remotes");
     QTest::addColumn<bool>("isMissing");
-    const QByteArray tracking("main\0*\0origin/main\n", 19);
-    const QByteArray alone("main\0*\0\n", 8);
+    const QByteArray tracking = withNulls("main#*#origin/main\n");
+    const QByteArray alone = withNulls("main#*#\n");
     const QByteArray remote("origin\tu (fetch)\n");
     QTest::newRow("has an upstream") << QByteArray("main") << tracking << QByteArray() << remote << false;
     QTest::newRow("has none") << QByteArray("main") << alone << QByteArray() << remote << true;
@@ -373,7 +373,7 @@ void GitServiceRefreshTest::upstreamIsMissing_data()
     QTest::newRow("unknown branch, no remote")
         << QByteArray("HEAD") << tracking << QByteArray() << QByteArray() << false;
     QTest::newRow("a remote branch of that name does not count")
-        << QByteArray("main") << QByteArray("other\0 \0u\n", 10) << QByteArray("main\n") << remote << true;
+        << QByteArray("main") << withNulls("other# #u\n") << QByteArray("main\n") << remote << true;
 }
 
 void GitServiceRefreshTest::upstreamIsMissing()

@@ -54,6 +54,12 @@ private:
     std::function<ProcessResult(const ProcessCommand&)> answer_;
 };
 
+/// An output with a null character for each "#".
+inline QByteArray withNulls(QByteArray text)
+{
+    return text.replace('#', '\0');
+}
+
 /// What came of a child that printed `output` and `error` and exited with `status`.
 inline ProcessResult ended(int status, const QByteArray& output = {}, const QByteArray& error = {})
 {
