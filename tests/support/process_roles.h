@@ -6,11 +6,13 @@
 #include <QCoreApplication>
 #include <QStringList>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <sys/ioctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -35,6 +37,15 @@ inline void writeAll(int descriptor, const std::string& bytes)
     }
 }
 
+/// Waits until the pipe that is written to is empty.
+inline void waitUntilRead(int descriptor)
+{
+    int left = 1;
+    while (::ioctl(descriptor, FIONREAD, &left) == 0 && left > 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 /// Plays the role that the command line names and does not come back then; returns when it names none.
 ///
 /// - flood OUT ERR: writes so many MiB to the two outputs, turn by turn
@@ -47,7 +58,9 @@ inline void writeAll(int descriptor, const std::string& bytes)
 /// - leave-behind: says "left", and exits while a process of its own keeps both outputs open
 /// - wait: says "ready" and waits to be ended
 /// - wait-with-child: the same, with a process of its own that holds the outputs and waits too
-/// - pieces HEX...: writes each piece of bytes, a moment apart
+/// - pieces HEX..., error-pieces HEX...: writes each piece of bytes to the standard output or the standard error when
+/// the
+///   one before has been read
 /// - broken-pipes: "default" when a broken pipe would end it, else "ignored"
 /// - group: "own" when it leads its process group, else "shared"
 inline void playRole(int argc, char** argv)
@@ -121,10 +134,11 @@ inline void playRole(int argc, char** argv)
         ::sleep(60);
         std::_Exit(0);
     }
-    if (role == "pieces") {
+    if (role == "pieces" || role == "error-pieces") {
+        const int descriptor = role == "pieces" ? 1 : 2;
         for (int index = 0; index + 3 < argc; ++index) {
-            writeAll(1, QByteArray::fromHex(argument(index).c_str()).toStdString());
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            writeAll(descriptor, QByteArray::fromHex(argument(index).c_str()).toStdString());
+            waitUntilRead(descriptor);
         }
         std::_Exit(0);
     }
