@@ -9,6 +9,15 @@
 
 namespace kelm {
 
+namespace {
+
+/// How many units may be moved by making changes one by one; some hundredths of a second. Thousands of carets in a long
+/// text go beyond it: then all between the first and the last is put in anew, though it loses its colours until they
+/// are given again.
+constexpr double mostUnitsMoved = 1e8;
+
+} // namespace
+
 TextEditor::TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent)
     : QObject(parent), storage_(storage), layout_(layout)
 {
@@ -212,10 +221,7 @@ void TextEditor::undo()
     if (!step) {
         return;
     }
-    std::vector<Replacement> inverted;
-    std::transform(step->replacements.rbegin(), step->replacements.rend(), std::back_inserter(inverted),
-                   [](const Replacement& replacement) { return replacement.inverted(); });
-    replay(inverted, step->before);
+    replay(batchesBack(step->replacements), step->before);
 }
 
 void TextEditor::redo()
@@ -224,7 +230,7 @@ void TextEditor::redo()
         return;
     }
     if (const std::optional<UndoStep> step = history_.takeRedo()) {
-        replay(step->replacements, step->after);
+        replay(batchesAhead(step->replacements), step->after);
     }
 }
 
@@ -239,10 +245,18 @@ bool TextEditor::prepareEdit()
     return true;
 }
 
-void TextEditor::replace(TextRange range, const QString& text)
+void TextEditor::replace(const ChangeBatch& batch)
 {
     const QScopedValueRollback own(isOwnReplacement_, true);
-    storage_.replace(range, text);
+    if (batch.size() > 1 && unitsMoved(batch, storage_.length()) > mostUnitsMoved) {
+        const Change whole = combined(storage_.text(), batch);
+        storage_.replace(whole.range, whole.text);
+        return;
+    }
+    // From the end on, so that what stands before keeps its place.
+    for (auto change = batch.rbegin(); change != batch.rend(); ++change) {
+        storage_.replace(change->range, change->text);
+    }
 }
 
 void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards)
@@ -251,19 +265,13 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
     step.before = selections_;
     step.kind = kind;
     std::vector<Selection> after;
-    bool changed = false;
+    ChangeBatch made;
     {
         const EditingBracket bracket(storage_);
         qsizetype shift = 0;
         for (const Change& change : changes) {
-            const TextRange range{change.range.location + shift, change.range.length};
-            Replacement replacement{range.location, storage_.substring(range), change.text};
-            // Text that stays the same is no edit: nobody is told of one.
-            if (replacement.removed != replacement.inserted) {
-                replace(range, change.text);
-                changed = true;
-            }
-            const TextRange inserted{range.location, change.text.size()};
+            const QString removed = storage_.substring(change.range);
+            const TextRange inserted{change.range.location + shift, change.text.size()};
             if (afterwards == Afterwards::caretBehindEach) {
                 after.push_back(Selection::caret({inserted.end(), false}));
             } else if (!inserted.isEmpty()) {
@@ -271,29 +279,34 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
             } else if (after.empty() && &change == &changes.back()) {
                 after.push_back(Selection::caret({inserted.location, false}));
             }
-            shift += change.text.size() - range.length;
-            step.replacements.push_back(std::move(replacement));
+            shift += change.text.size() - change.range.length;
+            // Text that stays the same is no edit: nobody is told of one.
+            if (removed != change.text) {
+                step.replacements.push_back({inserted.location, removed, change.text});
+                made.push_back(change);
+            }
         }
+        replace(made);
         selections_.replaceAll(std::move(after));
         // The history has the step before anyone hears of the edit, since a receiver may edit in turn.
-        if (changed) {
+        if (!made.empty()) {
             step.after = selections_;
             history_.push(std::move(step));
         }
     }
     Q_EMIT selectionChanged();
-    if (changed) {
+    if (!made.empty()) {
         Q_EMIT textChanged();
         Q_EMIT undoAvailabilityChanged();
     }
 }
 
-void TextEditor::replay(const std::vector<Replacement>& replacements, const SelectionSet& selections)
+void TextEditor::replay(const std::vector<ChangeBatch>& batches, const SelectionSet& selections)
 {
     {
         const EditingBracket bracket(storage_);
-        for (const Replacement& replacement : replacements) {
-            replace(replacement.oldRange(), replacement.inserted);
+        for (const ChangeBatch& batch : batches) {
+            replace(batch);
         }
         selections_ = selections;
     }

@@ -1,6 +1,7 @@
 // Editing a text at one or several selections.
 #pragma once
 
+#include "text/change_batch.h"
 #include "text/selection.h"
 #include "text/text_layout.h"
 #include "text/text_storage.h"
@@ -33,13 +34,6 @@ enum class Movement {
 };
 
 enum class Extend { no, yes };
-
-/// A range of the text and what is put in its place.
-struct Change
-{
-    TextRange range;
-    QString text;
-};
 
 /// All that a person does to a text, without the window: moving carets, typing, deleting, undoing. Every edit acts on
 /// all selections at once and is one undo step. Edits of the storage that others make go round the undo history; carets
@@ -111,11 +105,11 @@ private:
     bool prepareEdit();
     void foreignReplacement(TextRange range, QStringView replacement);
     void foreignEditDone(const TextEdit& edit);
-    /// Replaces text as an edit of this editor's.
-    void replace(TextRange range, const QString& text);
+    /// Changes the text as an edit of this editor's.
+    void replace(const ChangeBatch& batch);
     enum class Afterwards { caretBehindEach, insertedIsSelected };
     void commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards);
-    void replay(const std::vector<Replacement>& replacements, const SelectionSet& selections);
+    void replay(const std::vector<ChangeBatch>& batches, const SelectionSet& selections);
     void assignSelections(SelectionSet selections);
     Selection moved(const Selection& selection, Movement movement, Extend extend);
     CaretPlace target(const Selection& selection, Movement movement, std::optional<qreal>& goalX);

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void caretsFollowEachOfSeveralForeignEdits();
     void caretsAreAddedInRowsThatThereAre_data();
     void caretsAreAddedInRowsThatThereAre();
+    void thousandsOfCaretsTypeInALongText();
     void randomEditsAgreeWithAPlainString();
     void randomForeignEditsNeverSpoilUndo();
 };
@@ -437,6 +438,33 @@ void TextEditorTest::caretsAreAddedInRowsThatThereAre()
     Fixture fixture(before);
     fixture.editor.addCarets(direction);
     QTEST(describe(fixture.editor), "after");
+}
+
+void TextEditorTest::thousandsOfCaretsTypeInALongText()
+{
+    // Moved one by one, 100,000 carets in two million units would move a hundred thousand million of them at each key.
+    constexpr qsizetype lines = 100'000;
+    const QString text = QStringLiteral("line of a long text\n").repeated(lines);
+    Fixture fixture;
+    fixture.storage.setText(QString(text.constData(), text.size()));
+    std::vector<Selection> carets;
+    for (qsizetype line = 0; line < lines; ++line) {
+        carets.push_back(Selection::caret({line * 20 + 4, false}));
+    }
+    fixture.editor.setSelections(SelectionSet(carets));
+    for (const char16_t* key : {u"a", u"b"}) {
+        fixture.editor.insertText(QString::fromUtf16(key), EditKind::typing);
+    }
+    fixture.editor.erase(Movement::characterLeft);
+    QCOMPARE(fixture.storage.text(), QStringLiteral("linea of a long text\n").repeated(lines));
+    QCOMPARE(fixture.editor.selections().all().size(), std::size_t(lines));
+    QCOMPARE(fixture.editor.selections().all()[1].head.offset, qsizetype(21 + 5));
+    fixture.editor.undo();
+    fixture.editor.undo();
+    QCOMPARE(fixture.storage.text(), text);
+    QVERIFY(!fixture.editor.canUndo());
+    fixture.editor.redo();
+    QCOMPARE(fixture.storage.text(), QStringLiteral("lineab of a long text\n").repeated(lines));
 }
 
 void TextEditorTest::randomEditsAgreeWithAPlainString()
