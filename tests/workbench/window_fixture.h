@@ -1,0 +1,65 @@
+// A window over a state of its own, with fakes of what lies outside.
+#pragma once
+
+#include "app/app_state.h"
+#include "editor/themes/theme_manager.h"
+#include "editor/view/editor_container_view.h"
+#include "support/captured_log.h"
+#include "support/fake_file_panels.h"
+#include "workbench/editor_area.h"
+#include "workbench/main_window.h"
+
+#include <QFile>
+#include <QMenuBar>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace kelm::test {
+
+struct WindowFixture
+{
+    QTemporaryDir home;
+    UserDefaults defaults{home.filePath(QStringLiteral("defaults.conf"))};
+    CapturedLog log;
+    FakeFilePanels panels;
+    NotificationCenter notifications;
+    AppState state{{panels, defaults, Scheduler::system(), notifications, log}};
+    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
+    MainWindow window{state, themes};
+
+    WindowFixture()
+    {
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+    }
+
+    QUrl write(const QString& name, const QByteArray& bytes)
+    {
+        QFile file(home.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        }
+        return QUrl::fromLocalFile(file.fileName());
+    }
+    static QByteArray read(const QUrl& url)
+    {
+        QFile file(url.toLocalFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot read");
+    }
+
+    TextView& text() { return window.editorArea().currentEditor()->textView(); }
+    void turnQueue() { QCoreApplication::processEvents(); }
+
+    /// The command of the built menu bar with a label, in any menu.
+    QAction* command(const QString& label)
+    {
+        for (QAction* action : window.menuBar()->findChildren<QAction*>()) {
+            if (action->text() == label && action->menu() == nullptr) {
+                return action;
+            }
+        }
+        return nullptr;
+    }
+};
+
+} // namespace kelm::test
