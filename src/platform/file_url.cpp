@@ -4,18 +4,14 @@
 
 namespace kelm {
 
-namespace {
-
-QString decodedPath(const QUrl& url)
+QString filePath(const QUrl& url)
 {
     return url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
 }
 
-} // namespace
-
 QString lastPathComponent(const QUrl& url)
 {
-    const QString path = decodedPath(url);
+    const QString path = filePath(url);
     QStringView rest = path;
     while (rest.size() > 1 && rest.endsWith(u'/')) {
         rest.chop(1);
@@ -35,7 +31,7 @@ QString pathExtension(const QUrl& url)
 
 bool hasDirectoryPath(const QUrl& url)
 {
-    if (decodedPath(url).endsWith(u'/')) {
+    if (filePath(url).endsWith(u'/')) {
         return true;
     }
     return url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir();

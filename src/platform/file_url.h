@@ -6,6 +6,9 @@
 
 namespace kelm {
 
+/// The path of the URL, percent-decoded: where the file stands, for a file URL.
+QString filePath(const QUrl& url);
+
 /// The last component of the URL's path, percent-decoded, without a slash at its end: "src" for "file:///a/src/". Empty
 /// for a URL without a path; "/" for the root.
 QString lastPathComponent(const QUrl& url);

@@ -81,7 +81,7 @@ void CodeRunner::run(const QUrl& file, Completion completion)
         call(completion, false);
         return;
     }
-    const QString path = file.isLocalFile() ? file.toLocalFile() : file.path(QUrl::FullyDecoded);
+    const QString path = filePath(file);
     beginRun(lastPathComponent(file));
     process_ = makeProcess(completion);
     const auto error = process_->start({.program = config->executable,

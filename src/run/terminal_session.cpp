@@ -53,7 +53,9 @@ TerminalSession::Environment applicationEnvironment()
     TerminalSession::Environment environment;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const QString text = QString::fromUtf8(*entry);
-        if (const qsizetype equals = text.indexOf(u'='); equals > 0) {
+        const qsizetype equals = text.indexOf(u'=');
+        // Of two entries of one name, programs see the first.
+        if (equals > 0 && !environment.contains(text.first(equals))) {
             environment.insert(text.first(equals), text.sliced(equals + 1));
         }
     }
@@ -62,8 +64,11 @@ TerminalSession::Environment applicationEnvironment()
 
 const QString& firstExecutable(const QStringList& paths)
 {
-    const auto found =
-        std::find_if(paths.begin(), paths.end(), [](const QString& path) { return QFileInfo(path).isFile() && QFileInfo(path).isExecutable(); });
+    const auto isExecutable = [](const QString& path) {
+        const QFileInfo file(path);
+        return file.isFile() && file.isExecutable();
+    };
+    const auto found = std::find_if(paths.begin(), paths.end(), isExecutable);
     return found != paths.end() ? *found : paths.front();
 }
 
@@ -339,7 +344,7 @@ void TerminalSession::runFile(const QUrl& file)
     const QString extension = pathExtension(file).toLower();
     for (const FileCommand& command : fileCommands) {
         if (command.extension == extension) {
-            executeInTurn(command.head.toString() + file.toLocalFile() + command.tail.toString());
+            executeInTurn(command.head.toString() + filePath(file) + command.tail.toString());
             return;
         }
     }

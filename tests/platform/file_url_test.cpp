@@ -13,6 +13,7 @@ class FileUrlTest : public QObject
 private Q_SLOTS:
     void urlsFallIntoTheirParts_data();
     void urlsFallIntoTheirParts();
+    void pathIsDecoded();
     void aFolderIsKnownBySlashOrByTheDisk();
 };
 
@@ -45,6 +46,14 @@ void FileUrlTest::urlsFallIntoTheirParts()
     QFETCH(QString, extension);
     QCOMPARE(lastPathComponent(url), name);
     QCOMPARE(pathExtension(url), extension);
+}
+
+void FileUrlTest::pathIsDecoded()
+{
+    QCOMPARE(filePath(QUrl::fromLocalFile(u"/a b/50%.py"_s)), u"/a b/50%.py"_s);
+    QCOMPARE(filePath(QUrl(u"file:///a%20b/c.py"_s)), u"/a b/c.py"_s);
+    QCOMPARE(filePath(QUrl(u"https://host/a%20b/c.py?x#y"_s)), u"/a b/c.py"_s);
+    QCOMPARE(filePath(QUrl()), QString());
 }
 
 void FileUrlTest::aFolderIsKnownBySlashOrByTheDisk()
