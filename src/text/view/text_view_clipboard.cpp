@@ -9,33 +9,43 @@ namespace kelm {
 
 namespace {
 
-/// Beside the plain text, the text of each selection by itself, so that several come back into several.
-const QString piecesFormat = QStringLiteral("application/x-kelmwright-selections");
+/// Beside the plain text, the lengths of the texts of several selections, so that they come back into several.
+const QString lengthsFormat = QStringLiteral("application/x-kelmwright-selections");
 
 QMimeData* dataFor(const QStringList& texts)
 {
     auto* data = new QMimeData;
     data->setText(texts.join(u'\n'));
     if (texts.size() > 1) {
-        QByteArray pieces;
-        QDataStream stream(&pieces, QIODevice::WriteOnly);
-        stream << texts;
-        data->setData(piecesFormat, pieces);
+        QByteArrayList lengths;
+        for (const QString& text : texts) {
+            lengths.append(QByteArray::number(text.size()));
+        }
+        data->setData(lengthsFormat, lengths.join(' '));
     }
     return data;
 }
 
+/// The text cut into its selections; as a whole where the lengths, which another program may have written, do not fit.
 QStringList textsOf(const QMimeData& data)
 {
-    if (data.hasFormat(piecesFormat)) {
-        QDataStream stream(data.data(piecesFormat));
-        QStringList texts;
-        stream >> texts;
-        if (stream.status() == QDataStream::Ok && texts.join(u'\n') == data.text()) {
-            return texts;
-        }
+    const QString text = data.text();
+    if (!data.hasFormat(lengthsFormat)) {
+        return {text};
     }
-    return {data.text()};
+    QStringList texts;
+    qsizetype at = 0;
+    for (const QByteArray& number : data.data(lengthsFormat).split(' ')) {
+        bool isNumber = false;
+        const qsizetype length = number.toLongLong(&isNumber);
+        const bool isCut = at == 0 || (at <= text.size() && text[at - 1] == u'\n');
+        if (!isNumber || !isCut || length < 0 || length > text.size() - at) {
+            return {text};
+        }
+        texts.append(text.mid(at, length));
+        at += length + 1;
+    }
+    return at == text.size() + 1 ? texts : QStringList{text};
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "text/view/find_bar.h"
-
 #include "text/view/text_view.h"
 
 #include <QLabel>
@@ -51,7 +50,8 @@ struct Fixture
         withReplace ? view.showReplaceBar() : view.showFindBar();
         field("Find")->clear();
         // Keys are for ASCII; anything else comes from an input method, or is pasted.
-        const bool isAscii = std::all_of(wanted.begin(), wanted.end(), [](QChar unit) { return unit.unicode() < 0x80; });
+        const bool isAscii =
+            std::all_of(wanted.begin(), wanted.end(), [](QChar unit) { return unit.unicode() < 0x80; });
         isAscii ? QTest::keyClicks(field("Find"), wanted) : field("Find")->insert(wanted);
     }
     std::vector<TextRange> highlighted()

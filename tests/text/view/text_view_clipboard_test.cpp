@@ -198,8 +198,10 @@ void TextViewClipboardTest::foreignPiecesThatDoNotFitAreIgnored()
     });
     QVERIFY(own != formats.end());
     const QByteArray pieces = QGuiApplication::clipboard()->mimeData()->data(*own);
-    // Cut short, nonsense, and pieces of another text than the one beside them.
-    for (const QByteArray& odd : {pieces.left(7), QByteArray("\xff\xff\xff\xff\xff\xff"), pieces}) {
+    // Lengths of another text than the one beside them, cut short, and nonsense.
+    for (const QByteArray& odd :
+         {pieces, pieces.left(2), QByteArray(), QByteArray("\xff\xff\xff\xff\xff\xff"), QByteArray("-1 5"),
+          QByteArray("2 2"), QByteArray("5 0"), QByteArray("9223372036854775807 1"), QByteArray("5 x")}) {
         auto* data = new QMimeData;
         data->setText(QStringLiteral("plain"));
         data->setData(*own, odd);
