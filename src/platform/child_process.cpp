@@ -18,14 +18,14 @@ namespace kelm {
 namespace {
 
 /// Reads below this many bytes are small ones.
-constexpr qsizetype smallRead = 8 * 1024;
+constexpr qsizetype smallRead = qsizetype(8) * 1024;
 /// After so many small reads in a row the reader rests, so that a child that writes by the line wakes the application
 /// a few hundred times a second and not for each line. What fills its pipe is read without a rest, unless nobody hears
 /// it any more.
 constexpr int smallReadsBeforeRest = 4;
 constexpr std::chrono::milliseconds restTime{4};
 /// The most that is handed out at a time.
-constexpr qsizetype longestReport = 64 * 1024;
+constexpr qsizetype longestReport = qsizetype(64) * 1024;
 
 } // namespace
 

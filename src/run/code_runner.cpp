@@ -27,7 +27,7 @@ std::optional<FileError> writePrivately(const QString& path, const QString& text
         return FileError{u"%1: %2"_s.arg(path, file.errorString())};
     }
     file.close();
-    const auto error = writeAtomically(path, encodeUtf8Text(text));
+    auto error = writeAtomically(path, encodeUtf8Text(text));
     if (error) {
         QFile::remove(path);
     }
@@ -68,7 +68,7 @@ CodeRunner::~CodeRunner()
     }
 }
 
-void CodeRunner::run(const QUrl& file, Completion completion)
+void CodeRunner::run(const QUrl& file, const Completion& completion)
 {
     if (isRunning_) {
         call(completion, false);

@@ -61,7 +61,7 @@ public:
     /// Runs the file at the file URL `file` by its extension. While another run is on, the completion gets false and
     /// nothing changes. A file that cannot be run, and a program that cannot be started, are told in `output`, and the
     /// completion gets false before this returns.
-    void run(const QUrl& file, Completion completion = {});
+    void run(const QUrl& file, const Completion& completion = {});
 
     /// Runs `code` as a file in `language`, in the folder for temporary files; the file is readable by its owner alone
     /// and removed when the run has ended, before the completion is called. While another run is on, and when the file

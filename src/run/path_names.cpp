@@ -16,7 +16,7 @@ namespace {
 /// The home folder of another user; null when there is no such user.
 QString homeOfUser(const QString& name)
 {
-    std::vector<char> buffer(16 * 1024);
+    std::vector<char> buffer(16384);
     passwd entry = {};
     passwd* found = nullptr;
     const QByteArray encoded = name.toLocal8Bit();

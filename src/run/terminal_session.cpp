@@ -11,9 +11,8 @@
 #include <QEventLoop>
 #include <QFileInfo>
 
+#include <unistd.h>
 #include <utility>
-
-extern char** environ;
 
 namespace kelm {
 

@@ -479,7 +479,7 @@ void CodeRunnerTest::runThatPrints200MB()
     constexpr qsizetype size = qsizetype(200) * 1024 * 1024;
     QCOMPARE(posted, size + endedWell.size());
     QCOMPARE(fixture.runner->output().size(), u"Running a.py...\n"_s.size() + size + endedWell.size());
-    QVERIFY(longest <= 64 * 1024);
+    QVERIFY(longest <= 65536);
     QVERIFY2(turns >= 1000, qPrintable(QString::number(turns)));
 }
 
@@ -675,7 +675,7 @@ void CodeRunnerTest::realInterpreters_data()
     QTest::newRow("node") << u"node"_s << u"a.js"_s << QByteArray("console.log('hello', 6 * 7)");
     QTest::newRow("bash") << u"bash"_s << u"a.bash"_s << QByteArray("echo hello $((6 * 7))");
     QTest::newRow("zsh") << u"zsh"_s << u"a.zsh"_s << QByteArray("echo hello $((6 * 7))");
-    QTest::newRow("ruby") << u"ruby"_s << u"a.rb"_s << QByteArray("puts \"hello #{6 * 7}\"");
+    QTest::newRow("ruby") << u"ruby"_s << u"a.rb"_s << QByteArray("puts ['hello', 6 * 7].join(' ')");
     QTest::newRow("php") << u"php"_s << u"a.php"_s << QByteArray("<?php echo 'hello ', 6 * 7, \"\\n\";");
     QTest::newRow("go") << u"go"_s << u"a.go"_s
                         << QByteArray("package main\nimport \"fmt\"\nfunc main() { fmt.Println(\"hello\", 6*7) }\n");

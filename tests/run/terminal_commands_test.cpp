@@ -546,7 +546,7 @@ void TerminalCommandsTest::scriptIsReallyRun()
         QSKIP("There is no bash.");
     }
     fixture.makeFolder(u"it's a folder"_s);
-    fixture.makeFile(u"it's a folder/-n run.sh"_s, "printf '%s|' \"$0\" \"$PWD\"");
+    fixture.makeFile(u"it's a folder/-n run.sh"_s, R"(printf "%s|" "$0" "$PWD")");
     const QString path = fixture.path(u"it's a folder/-n run.sh"_s);
     fixture.notifications.post(notifications::runFile, QUrl::fromLocalFile(path));
     QCOMPARE(fixture.screen.text, path + u'|' + fixture.home() + u'|' + TerminalSession::promptText(fixture.home()));

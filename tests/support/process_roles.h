@@ -71,7 +71,7 @@ inline void playRole(int argc, char** argv)
     const std::string role = argv[2];
     const auto argument = [&](int index) { return std::string(index + 3 < argc ? argv[index + 3] : ""); };
     if (role == "flood") {
-        const std::string block(1024 * 1024, 'x');
+        const std::string block(1048576, 'x');
         int left[2] = {std::stoi(argument(0)), std::stoi(argument(1))};
         while (left[0] > 0 || left[1] > 0) {
             for (int stream = 0; stream < 2; ++stream) {
