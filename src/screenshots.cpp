@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -22,14 +23,18 @@ namespace {
 using namespace kelm;
 
 constexpr QSize windowSize(1200, 760);
+constexpr QSize windowSizeAtTwice(900, 600);
 
-/// One picture: its name, what is opened for it, and what is done with the window before it is drawn.
+/// One picture: its name, what is opened for it, and what is done with the window before it is drawn. The first file is
+/// the one that is seen.
 struct Shot
 {
     const char* name;
     QString theme;
     QStringList files;
     std::function<void(EditorContainerView&)> prepare;
+    /// Pixels to a point. The toolkit takes it once, at its start.
+    int scale = 1;
 };
 
 void settle()
@@ -70,8 +75,8 @@ std::vector<Shot> shots()
     const QString korean = source("docs/samples/korean.swift");
     const auto nothing = [](EditorContainerView&) {};
     return {
-        {"editor-dark", QStringLiteral("Monokai"), {cpp, python, swift}, nothing},
-        {"editor-light", QStringLiteral("GitHub Light"), {cpp, python, swift}, nothing},
+        {"editor-dark", QStringLiteral("Monokai"), {swift, python, cpp}, nothing},
+        {"editor-light", QStringLiteral("GitHub Light"), {swift, python, cpp}, nothing},
         {"folded-dark", QStringLiteral("One Dark"), {swift}, foldSecondRegion},
         {"find-dark",
          QStringLiteral("Dracula"),
@@ -84,6 +89,7 @@ std::vector<Shot> shots()
         {"korean-dark", QStringLiteral("Neon Kelm"), {korean}, nothing},
         {"solarized-dark", QStringLiteral("Solarized Dark"), {python}, nothing},
         {"empty-dark", QStringLiteral("Monokai"), {}, nothing},
+        {"korean-light-2x", QStringLiteral("GitHub Light"), {korean}, nothing, 2},
     };
 }
 
@@ -106,6 +112,7 @@ bool draw(const Shot& shot, MainWindow& window, const QDir& folder)
     for (const QString& file : shot.files) {
         state.openFile(QUrl::fromLocalFile(file));
     }
+    state.setCurrentDocumentIndex(0);
     settle();
     if (EditorContainerView* editor = window.editorArea().currentEditor()) {
         editor->textView().setFocus();
@@ -113,6 +120,32 @@ bool draw(const Shot& shot, MainWindow& window, const QDir& folder)
         settle();
     }
     return window.grab().save(folder.filePath(QString::fromLatin1(shot.name) + QStringLiteral(".png")), "PNG", 0);
+}
+
+bool drawAll(const QDir& folder, int scale)
+{
+    KelmPaneApp app;
+    app.start({});
+    app.window().resize(scale == 1 ? windowSize : windowSizeAtTwice);
+    for (const Shot& shot : shots()) {
+        if (shot.scale == scale && !draw(shot, app.window(), folder)) {
+            std::fprintf(stderr, "could not draw %s\n", shot.name);
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Draws the pictures of twice the scale in a process of their own.
+bool drawAtTwice(const QString& folder)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+    QProcess self;
+    self.setProcessEnvironment(environment);
+    self.setProcessChannelMode(QProcess::ForwardedChannels);
+    self.start(QCoreApplication::applicationFilePath(), {folder});
+    return self.waitForFinished(-1) && self.exitStatus() == QProcess::NormalExit && self.exitCode() == 0;
 }
 
 } // namespace
@@ -130,15 +163,8 @@ int main(int argc, char* argv[])
     }
     QApplication::setCursorFlashTime(0);
     style::installOn(application);
-    KelmPaneApp app;
-    app.window().resize(windowSize);
-    app.start({});
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    for (const Shot& shot : shots()) {
-        if (!draw(shot, app.window(), folder)) {
-            std::fprintf(stderr, "could not draw %s\n", shot.name);
-            return 1;
-        }
-    }
-    return 0;
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    const int scale = qRound(application.devicePixelRatio());
+    const bool isDone = drawAll(QDir(folder), scale) && (scale > 1 || drawAtTwice(folder));
+    return isDone ? 0 : 1;
 }

@@ -4,7 +4,8 @@
 
 namespace kelm {
 
-DocumentStrip::DocumentStrip(AppState& appState, QWidget* parent) : QTabBar(parent), appState_(appState)
+DocumentStrip::DocumentStrip(AppState& appState, ThemeManager& themeManager, QWidget* parent)
+    : QTabBar(parent), appState_(appState), themeManager_(themeManager)
 {
     setDocumentMode(true);
     setDrawBase(false);
@@ -17,6 +18,8 @@ DocumentStrip::DocumentStrip(AppState& appState, QWidget* parent) : QTabBar(pare
     connect(&appState_, &AppState::currentDocumentIndexChanged, this, &DocumentStrip::takeCurrentIndex);
     connect(this, &QTabBar::currentChanged, this, [this](int index) { appState_.setCurrentDocumentIndex(index); });
     connect(this, &QTabBar::tabCloseRequested, this, [this](int index) { appState_.closeTab(index); });
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &DocumentStrip::takeThemeBackground);
+    takeThemeBackground();
     takeDocuments();
 }
 
@@ -60,6 +63,13 @@ void DocumentStrip::takeTitle(const Document* document)
             setTabToolTip(index, document->fileURL() ? document->fileURL()->toLocalFile() : QString());
         }
     }
+}
+
+void DocumentStrip::takeThemeBackground()
+{
+    QPalette colors;
+    colors.setColor(QPalette::Base, themeManager_.currentTheme().backgroundColor.toColor());
+    setPalette(colors);
 }
 
 } // namespace kelm

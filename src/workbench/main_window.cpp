@@ -28,7 +28,7 @@ MainWindow::MainWindow(AppState& appState, ThemeManager& themeManager, QWidget* 
     setMenuBar(makeMenuBar(appState, this));
 
     auto* content = new QWidget(this);
-    documentStrip_ = new DocumentStrip(appState, content);
+    documentStrip_ = new DocumentStrip(appState, themeManager, content);
     editorArea_ = new EditorArea(appState, themeManager, content);
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);

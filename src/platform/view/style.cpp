@@ -98,6 +98,7 @@ namespace {
 
 constexpr int scrollBarExtent = 12;
 constexpr int shortestThumb = 28;
+constexpr int tabVerticalSpace = 16;
 /// The close cross: half its extent and the width of its lines.
 constexpr qreal crossArm = 3;
 constexpr qreal crossStroke = 1.4;
@@ -148,6 +149,100 @@ void drawCloseCross(const QStyleOption& option, QPainter& painter)
     painter.restore();
 }
 
+/// The label's colour, thinned: for grounds and lines that have to show on dark and light alike.
+QColor tint(const QStyleOption& option, float alpha)
+{
+    QColor color = option.palette.color(QPalette::Normal, QPalette::WindowText);
+    color.setAlphaF(alpha);
+    return color;
+}
+
+/// A ring in the accent colour along the inner edge of a box.
+void drawFocusRing(QPainter& painter, const QRectF& box, const QStyleOption& option, qreal radius)
+{
+    constexpr qreal stroke = 2;
+    QColor color = option.palette.color(QPalette::Normal, QPalette::Highlight);
+    color.setAlphaF(0.8F);
+    painter.setPen(QPen(color, stroke));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2), radius, radius);
+}
+
+/// A hairline under the bar, which the selected tab interrupts with its ground.
+void drawTab(const QStyleOptionTab& option, QPainter& painter)
+{
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    painter.save();
+    if (isSelected) {
+        painter.fillRect(option.rect, option.palette.color(QPalette::Base));
+    } else if (isHovered) {
+        painter.fillRect(option.rect, tint(option, 0.06F));
+    }
+    const QColor line = tint(option, 0.12F);
+    painter.fillRect(QRect(option.rect.right(), option.rect.top(), 1, option.rect.height()), line);
+    if (!isSelected) {
+        painter.fillRect(QRect(option.rect.left(), option.rect.bottom(), option.rect.width() - 1, 1), line);
+    }
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        drawFocusRing(painter, QRectF(option.rect).adjusted(0, 0, -1, 0), option, 0);
+    }
+    painter.restore();
+}
+
+/// The labels of tabs that are not selected stand back.
+QStyleOptionTab tabLabelOption(const QStyleOptionTab& option)
+{
+    QStyleOptionTab label(option);
+    label.state.setFlag(QStyle::State_HasFocus, false);
+    if (!option.state.testFlag(QStyle::State_Selected)) {
+        label.palette.setColor(QPalette::WindowText, tint(option, 0.6F));
+    }
+    return label;
+}
+
+void drawMenuBarItem(const QStyleOptionMenuItem& option, QPainter& painter)
+{
+    constexpr qreal radius = 4;
+    painter.save();
+    painter.fillRect(option.rect, option.palette.window());
+    if (option.state.testFlag(QStyle::State_Selected) && option.state.testFlag(QStyle::State_Enabled)) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(tint(option, option.state.testFlag(QStyle::State_Sunken) ? 0.18F : 0.1F));
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(0, 2, 0, -2), radius, radius);
+    }
+    painter.setPen(option.palette.color(QPalette::WindowText));
+    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextShowMnemonic | Qt::TextSingleLine, option.text);
+    painter.restore();
+}
+
+void drawPushButton(const QStyleOptionButton& option, QPainter& painter)
+{
+    constexpr qreal radius = 5;
+    const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
+    const bool isDown = option.state.testFlag(QStyle::State_Sunken) || option.state.testFlag(QStyle::State_On);
+    const bool isDefault = option.features.testFlag(QStyleOptionButton::DefaultButton) && isEnabled;
+    const QRectF box = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!option.features.testFlag(QStyleOptionButton::Flat) || isDown) {
+        painter.setPen(QPen(tint(option, 0.15F), 1));
+        painter.setBrush(option.palette.color(isDefault ? QPalette::Highlight : QPalette::Button));
+        painter.drawRoundedRect(box, radius, radius);
+    }
+    if (isEnabled && (isDown || option.state.testFlag(QStyle::State_MouseOver))) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(tint(option, isDown ? 0.16F : 0.07F));
+        painter.drawRoundedRect(box, radius, radius);
+    }
+    if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
+        drawFocusRing(painter, QRectF(option.rect), option, radius);
+    }
+    painter.restore();
+}
+
 /// Without arrows at the ends, the thumb runs along the whole bar.
 QRect scrollBarPart(const QStyleOptionSlider& option, QStyle::SubControl part)
 {
@@ -183,6 +278,28 @@ QRect scrollBarPart(const QStyleOptionSlider& option, QStyle::SubControl part)
 } // namespace
 
 KelmStyle::KelmStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+void KelmStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                            const QWidget* widget) const
+{
+    const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if (element == CE_TabBarTabShape && tab != nullptr) {
+        drawTab(*tab, *painter);
+    } else if (element == CE_TabBarTabLabel && tab != nullptr) {
+        const QStyleOptionTab label = tabLabelOption(*tab);
+        QProxyStyle::drawControl(element, &label, painter, widget);
+    } else if (element == CE_MenuBarItem && item != nullptr) {
+        drawMenuBarItem(*item, *painter);
+    } else if (element == CE_MenuBarEmptyArea) {
+        painter->fillRect(option->rect, option->palette.window());
+    } else if (element == CE_PushButtonBevel && button != nullptr) {
+        drawPushButton(*button, *painter);
+    } else {
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+}
 
 void KelmStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                    const QWidget* widget) const
@@ -224,6 +341,12 @@ int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         return shortestThumb;
     case PM_SplitterWidth:
         return 1;
+    case PM_TabBarTabShiftHorizontal:
+    case PM_TabBarTabShiftVertical:
+    case PM_TabBarTabOverlap:
+        return 0;
+    case PM_TabBarTabVSpace:
+        return tabVerticalSpace;
     case PM_ButtonIconSize:
     case PM_SmallIconSize:
         return 16;

@@ -28,7 +28,8 @@ void installOn(QApplication& application);
 namespace kelm {
 
 /// One style for all controls in both appearances: flat, with thin scroll bars that show a thumb only where there is
-/// something to scroll, and a focus ring in the accent colour.
+/// something to scroll, and a focus ring in the accent colour. A selected tab takes the ground of what it belongs to,
+/// which is its bar's `Base` colour.
 class KelmStyle final : public QProxyStyle
 {
     Q_OBJECT
@@ -36,6 +37,8 @@ class KelmStyle final : public QProxyStyle
 public:
     KelmStyle();
 
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
