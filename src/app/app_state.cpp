@@ -2,6 +2,7 @@
 
 #include "app/recent_files.h"
 #include "editor/transforms/text_transformer.h"
+#include "git/git_service.h"
 #include "platform/atomic_file.h"
 #include "platform/file_url.h"
 #include "platform/utf8_file.h"
@@ -45,10 +46,12 @@ std::optional<FileError> write(const Document& document, const QUrl& url)
 
 } // namespace
 
-AppState::AppState(const Services& services) : services_(services)
+AppState::AppState(const Services& services) : services_(services), git_(std::make_unique<GitService>())
 {
     loadRecentFiles();
 }
+
+AppState::~AppState() = default;
 
 AppState& AppState::shared()
 {

@@ -19,6 +19,8 @@
 
 namespace kelm {
 
+class GitService;
+
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
 /// toolbar, the tab bar and links all act through it, and views redraw on its signals.
 ///
@@ -61,6 +63,7 @@ public:
 
     /// Starts without a document, and loads the recent files.
     explicit AppState(const Services& services);
+    ~AppState() override;
 
     /// The state of the program, made on first use; the file panels are installed before that.
     static AppState& shared();
@@ -100,6 +103,9 @@ public:
     /// The folder that is open.
     const std::optional<QUrl>& currentProject() const { return currentProject_; }
     void setCurrentProject(const std::optional<QUrl>& project);
+
+    /// The one git service, the same for the whole run. No repository is open at first.
+    GitService& git() const { return *git_; }
 
     /// Opens an empty, untitled document and makes it the current one.
     void createNewTab();
@@ -164,6 +170,7 @@ private:
     void appendAndShow(std::shared_ptr<Document> document);
 
     Services services_;
+    const std::unique_ptr<GitService> git_;
     Documents documents_;
     qsizetype currentDocumentIndex_ = 0;
     QList<QUrl> recentFiles_;

@@ -1,5 +1,6 @@
 #include "app/app_state.h"
 #include "app/recent_files.h"
+#include "git/git_service.h"
 #include "support/app_state_fixture.h"
 
 #include <QSignalSpy>
@@ -97,6 +98,9 @@ void AppStateTest::itStartsWithItsDefaults()
     // Construction stores nothing and says nothing.
     QVERIFY(!fixture_->userDefaults.contains(u"recentFiles"_s));
     QVERIFY(fixture_->log.written.isEmpty());
+    QVERIFY(!state().git().repoURL());
+    QVERIFY(!state().git().isBusy());
+    QCOMPARE(&state().git(), &state().git());
 }
 
 void AppStateTest::eachFieldTellsOfItsChangeOnce()
