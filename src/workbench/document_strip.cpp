@@ -36,10 +36,9 @@ void DocumentStrip::takeDocuments()
     int index = 0;
     for (const std::shared_ptr<Document>& document : appState_.documents()) {
         if (index == count()) {
-            addTab(document->title());
+            addTab({});
         }
-        setTabText(index, document->title());
-        setTabToolTip(index, document->fileURL() ? document->fileURL()->toLocalFile() : QString());
+        showTitle(index, *document);
         const Document* observed = document.get();
         titleConnections_.push_back(
             connect(observed, &Document::titleChanged, this, [this, observed] { takeTitle(observed); }));
@@ -59,10 +58,16 @@ void DocumentStrip::takeTitle(const Document* document)
 {
     for (int index = 0; index < count(); ++index) {
         if (appState_.documents()[index].get() == document) {
-            setTabText(index, document->title());
-            setTabToolTip(index, document->fileURL() ? document->fileURL()->toLocalFile() : QString());
+            showTitle(index, *document);
         }
     }
+}
+
+void DocumentStrip::showTitle(int index, const Document& document)
+{
+    // An ampersand in a file's name is no mnemonic.
+    setTabText(index, document.title().replace(u'&', QStringLiteral("&&")));
+    setTabToolTip(index, document.fileURL() ? document.fileURL()->toLocalFile() : QString());
 }
 
 void DocumentStrip::takeThemeBackground()

@@ -23,6 +23,7 @@ private:
     void takeDocuments();
     void takeCurrentIndex();
     void takeTitle(const Document* document);
+    void showTitle(int index, const Document& document);
     void takeThemeBackground();
 
     AppState& appState_;

@@ -1,0 +1,205 @@
+#include "workbench/editor_area.h"
+#include "workbench/window_fixture.h"
+
+#include <QInputMethodEvent>
+#include <QPushButton>
+
+using namespace kelm;
+using namespace kelm::test;
+
+namespace {
+
+const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
+
+std::shared_ptr<Document> makeDocument(const QString& text)
+{
+    return std::make_shared<Document>(text, std::nullopt, Language::swift, std::nullopt);
+}
+
+/// A window with two documents, the first of which is seen.
+struct Fixture : WindowFixture
+{
+    EditorArea& area = window.editorArea();
+
+    explicit Fixture(const QString& text = foldable)
+    {
+        state.setDocuments({makeDocument(text), makeDocument(QStringLiteral("second"))});
+        show(0);
+    }
+
+    void show(qsizetype index)
+    {
+        state.setCurrentDocumentIndex(index);
+        turnQueue();
+    }
+
+    const QString& content(qsizetype index) const { return state.documents()[index]->content(); }
+};
+
+QPushButton* buttonWith(const QWidget& parent, const QString& label)
+{
+    for (QPushButton* button : parent.findChildren<QPushButton*>()) {
+        if (button->text() == label) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class EditorAreaTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anEditorIsMadeWhenItsDocumentIsFirstSeen();
+    void theShownEditorHasTheKeyboard();
+    void foldsSurviveAChangeOfTab();
+    void aChangeOfTabPutsACompositionIn();
+    void closingTheTabOfACompositionLeavesTheOthersAlone();
+    void whatHappensToADocumentOutOfSightIsShownLater();
+    void themeAndMinimapReachEditorsOutOfSight();
+    void withoutADocumentTheEmptyStateIsSeen();
+    void anIndexOutOfRangeShowsTheEmptyState();
+    void theEmptyStateLeadsToADocument();
+    void documentsThatAreReplacedTakeTheirEditorsAlong();
+};
+
+void EditorAreaTest::anEditorIsMadeWhenItsDocumentIsFirstSeen()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.area.findChildren<EditorContainerView*>().size(), 1);
+    fixture.show(1);
+    QCOMPARE(fixture.area.findChildren<EditorContainerView*>().size(), 2);
+    fixture.show(0);
+    QCOMPARE(fixture.area.findChildren<EditorContainerView*>().size(), 2);
+}
+
+void EditorAreaTest::theShownEditorHasTheKeyboard()
+{
+    Fixture fixture;
+    for (const qsizetype index : {1, 0, 1}) {
+        fixture.show(index);
+        QVERIFY(fixture.text().hasFocus());
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("x"));
+    }
+    QCOMPARE(fixture.content(0).count(u'x'), 1);
+    QCOMPARE(fixture.content(1), QStringLiteral("xxsecond"));
+}
+
+void EditorAreaTest::foldsSurviveAChangeOfTab()
+{
+    Fixture fixture;
+    CodeFoldingManager& folding = fixture.area.currentEditor()->codeFoldingManager();
+    folding.fold(folding.foldableRegions().front());
+    const QString folded = fixture.text().text();
+    QVERIFY(folded.contains(CodeFoldingManager::foldPlaceholder));
+    fixture.show(1);
+    fixture.show(0);
+    QCOMPARE(fixture.text().text(), folded);
+    QCOMPARE(fixture.content(0), foldable);
+    QVERIFY(!fixture.state.documents()[0]->isModified());
+    // An edit brings the body back first, so that it is saved with the rest.
+    QTest::keyClicks(&fixture.text(), QStringLiteral("x"));
+    QCOMPARE(fixture.content(0), u'x' + foldable);
+}
+
+void EditorAreaTest::aChangeOfTabPutsACompositionIn()
+{
+    Fixture fixture;
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.text(), &composing);
+    QCOMPARE(fixture.content(0), foldable);
+    fixture.show(1);
+    QCOMPARE(fixture.content(0), QStringLiteral("한") + foldable);
+    QCOMPARE(fixture.content(1), QStringLiteral("second"));
+    fixture.show(0);
+    fixture.text().undo();
+    QCOMPARE(fixture.content(0), foldable);
+}
+
+void EditorAreaTest::closingTheTabOfACompositionLeavesTheOthersAlone()
+{
+    Fixture fixture;
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.text(), &composing);
+    fixture.state.closeTab(0);
+    fixture.turnQueue();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(fixture.content(0), QStringLiteral("second"));
+    QVERIFY(!fixture.state.currentDocument()->isModified());
+    QVERIFY(fixture.text().hasFocus());
+}
+
+void EditorAreaTest::whatHappensToADocumentOutOfSightIsShownLater()
+{
+    Fixture fixture;
+    fixture.show(1);
+    fixture.state.documents()[0]->setContent(QStringLiteral("changed elsewhere"));
+    fixture.show(0);
+    QCOMPARE(fixture.text().text(), QStringLiteral("changed elsewhere"));
+}
+
+void EditorAreaTest::themeAndMinimapReachEditorsOutOfSight()
+{
+    Fixture fixture;
+    EditorContainerView* first = fixture.area.currentEditor();
+    fixture.show(1);
+    fixture.themes.setCurrentTheme(EditorTheme::githubLight());
+    fixture.state.setShowMinimap(false);
+    fixture.turnQueue();
+    for (EditorContainerView* editor : {first, fixture.area.currentEditor()}) {
+        QVERIFY(!editor->showMinimap());
+        QCOMPARE(editor->theme().name, EditorTheme::githubLight().name);
+    }
+}
+
+void EditorAreaTest::withoutADocumentTheEmptyStateIsSeen()
+{
+    WindowFixture fixture;
+    QVERIFY(fixture.window.editorArea().currentEditor() == nullptr);
+    QVERIFY(buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+    fixture.state.createNewTab();
+    QVERIFY(!buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+    fixture.state.closeTab(0);
+    QVERIFY(buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+}
+
+void EditorAreaTest::anIndexOutOfRangeShowsTheEmptyState()
+{
+    Fixture fixture;
+    fixture.show(7);
+    QVERIFY(fixture.area.currentEditor() == nullptr);
+    QVERIFY(buttonWith(fixture.window, QStringLiteral("Open..."))->isVisible());
+    fixture.show(1);
+    QCOMPARE(fixture.text().text(), QStringLiteral("second"));
+}
+
+void EditorAreaTest::theEmptyStateLeadsToADocument()
+{
+    WindowFixture fixture;
+    fixture.panels.openAnswer = {{fixture.write(QStringLiteral("a.txt"), "a"), false}};
+    QTest::mouseClick(buttonWith(fixture.window, QStringLiteral("Open...")), Qt::LeftButton);
+    QCOMPARE(fixture.panels.openPanelsShown, 1);
+    QCOMPARE(fixture.text().text(), QStringLiteral("a"));
+    fixture.state.closeTab(0);
+    QTest::mouseClick(buttonWith(fixture.window, QStringLiteral("New File")), Qt::LeftButton);
+    QCOMPARE(fixture.text().text(), QString());
+}
+
+void EditorAreaTest::documentsThatAreReplacedTakeTheirEditorsAlong()
+{
+    Fixture fixture;
+    fixture.show(1);
+    const QPointer<EditorContainerView> old = fixture.area.currentEditor();
+    fixture.state.setDocuments({makeDocument(QStringLiteral("third"))});
+    fixture.show(0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(old.isNull());
+    QCOMPARE(fixture.area.findChildren<EditorContainerView*>().size(), 1);
+    QCOMPARE(fixture.text().text(), QStringLiteral("third"));
+}
+
+QTEST_MAIN(EditorAreaTest)
+#include "editor_area_test.moc"

@@ -1,0 +1,126 @@
+#include "app/app_state.h"
+#include "editor/view/editor_container_view.h"
+#include "platform/view/style.h"
+#include "workbench/editor_area.h"
+#include "workbench/kelm_pane_app.h"
+#include "workbench/main_window.h"
+
+#include <QFile>
+#include <QFileOpenEvent>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace kelm;
+
+/// The application is one for the process, so the cases follow on each other and take what state they find.
+class KelmPaneAppTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void theStartOpensWhatTheCommandLineNames();
+    void aStartWithoutArgumentsShowsTheEmptyState();
+    void aFileThatTheSystemHandsOverOpens();
+    void aFolderThatTheSystemHandsOverBecomesTheProject();
+    void aFolderOpensNoTab();
+    void theProcessStaysWhenItsWindowIsClosed();
+    void themeAndAppearanceGoTogether();
+
+private:
+    QString write(const QString& name)
+    {
+        QFile file(folder_.filePath(name));
+        const bool isOpen = file.open(QIODevice::WriteOnly);
+        return isOpen && file.write("text") == 4 ? file.fileName() : QString();
+    }
+
+    QTemporaryDir folder_;
+};
+
+void KelmPaneAppTest::initTestCase()
+{
+    style::installOn(*qApp);
+}
+
+void KelmPaneAppTest::init()
+{
+    AppState::shared().setDocuments({});
+    AppState::shared().setCurrentDocumentIndex(0);
+    AppState::shared().setCurrentProject(std::nullopt);
+}
+
+void KelmPaneAppTest::theStartOpensWhatTheCommandLineNames()
+{
+    KelmPaneApp app;
+    app.start({write(QStringLiteral("a.txt")), folder_.path(), write(QStringLiteral("b.txt"))});
+    QVERIFY(app.window().isVisible());
+    const AppState& state = AppState::shared();
+    QCOMPARE(state.documents().size(), 2);
+    QCOMPARE(state.currentDocument()->title(), QStringLiteral("b.txt"));
+    QCOMPARE(state.currentProject()->toLocalFile(), folder_.path() + u'/');
+    QCOMPARE(app.window().editorArea().currentEditor()->text(), QStringLiteral("text"));
+}
+
+void KelmPaneAppTest::aStartWithoutArgumentsShowsTheEmptyState()
+{
+    KelmPaneApp app;
+    app.start({});
+    QVERIFY(app.window().isVisible());
+    QVERIFY(AppState::shared().documents().isEmpty());
+    QVERIFY(app.window().editorArea().currentEditor() == nullptr);
+}
+
+void KelmPaneAppTest::aFileThatTheSystemHandsOverOpens()
+{
+    KelmPaneApp app;
+    app.start({});
+    QFileOpenEvent event(write(QStringLiteral("한글 & name.txt")));
+    QCoreApplication::sendEvent(qApp, &event);
+    QCOMPARE(AppState::shared().currentDocument()->title(), QStringLiteral("한글 & name.txt"));
+}
+
+void KelmPaneAppTest::aFolderThatTheSystemHandsOverBecomesTheProject()
+{
+    KelmPaneApp app;
+    app.start({});
+    QFileOpenEvent event(QUrl::fromLocalFile(folder_.path() + u'/'));
+    QCoreApplication::sendEvent(qApp, &event);
+    QCOMPARE(AppState::shared().currentProject()->toLocalFile(), folder_.path() + u'/');
+}
+
+void KelmPaneAppTest::aFolderOpensNoTab()
+{
+    KelmPaneApp app;
+    app.start({folder_.path()});
+    QVERIFY(AppState::shared().documents().isEmpty());
+    QVERIFY(AppState::shared().currentProject().has_value());
+}
+
+void KelmPaneAppTest::theProcessStaysWhenItsWindowIsClosed()
+{
+    KelmPaneApp app;
+    app.start({write(QStringLiteral("a.txt"))});
+    const QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
+    app.window().close();
+    QCoreApplication::processEvents();
+    QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
+    QCOMPARE(quitting.count(), 0);
+    QCOMPARE(AppState::shared().documents().size(), 1);
+}
+
+void KelmPaneAppTest::themeAndAppearanceGoTogether()
+{
+    KelmPaneApp app;
+    app.start({});
+    ThemeManager& themes = ThemeManager::shared();
+    for (const EditorTheme& theme : {EditorTheme::githubLight(), EditorTheme::monokai()}) {
+        themes.setCurrentTheme(theme);
+        themes.applyAppearance();
+        QTRY_COMPARE(style::appearanceOf(app.window()) == Appearance::dark, theme.isDark);
+    }
+}
+
+QTEST_MAIN(KelmPaneAppTest)
+#include "kelm_pane_app_test.moc"
