@@ -6,7 +6,10 @@
 #include "platform/atomic_file.h"
 #include "platform/file_url.h"
 #include "platform/utf8_file.h"
+#include "run/code_runner.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace kelm {
@@ -18,6 +21,12 @@ namespace {
 
 constexpr auto focusDelay = 50ms;
 constexpr qsizetype mostRecentFiles = 10;
+/// The languages whose texts run without a file of their own.
+constexpr std::array<Language, 8> runnableLanguages{
+    Language::swift, Language::python, Language::javascript, Language::typescript,
+    Language::go,    Language::shell,  Language::ruby,       Language::php,
+};
+
 const QString recentFilesKey = u"recentFiles"_s;
 
 QString descriptionOf(const QUrl& url)
@@ -46,7 +55,10 @@ std::optional<FileError> write(const Document& document, const QUrl& url)
 
 } // namespace
 
-AppState::AppState(const Services& services) : services_(services), git_(std::make_unique<GitService>())
+AppState::AppState(const Services& services)
+    : services_(services),
+      codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
+      git_(std::make_unique<GitService>())
 {
     loadRecentFiles();
 }
@@ -226,6 +238,29 @@ void AppState::sortLines(bool ascending)
     if (const std::shared_ptr<Document> document = currentDocument()) {
         document->setContent(TextTransformer::sortLines(document->content(), ascending));
     }
+}
+
+void AppState::runCurrentFile()
+{
+    const std::shared_ptr<Document> document = currentDocument();
+    if (!document) {
+        return;
+    }
+    setShowBottomPanel(true);
+    setBottomPanelTab(BottomPanelTab::output);
+    services_.notificationCenter.post(notifications::clearOutput);
+    if (document->fileURL()) {
+        codeRunner_->run(*document->fileURL());
+        return;
+    }
+    const Language language = document->language();
+    if (std::find(runnableLanguages.begin(), runnableLanguages.end(), language) != runnableLanguages.end()) {
+        codeRunner_->runCode(document->content(), language);
+        return;
+    }
+    const QString message = u"Error: language '"_s + language.rawValue() + u"' is not runnable."_s;
+    codeRunner_->setOutput(message);
+    services_.notificationCenter.post(notifications::codeOutput, message);
 }
 
 // ---- Recent files ---------------------------------------------------------------------------------------------------

@@ -9,6 +9,7 @@
 #include "platform/notification_center.h"
 #include "platform/scheduler.h"
 #include "platform/user_defaults.h"
+#include "run/executable_search.h"
 
 #include <QList>
 #include <QObject>
@@ -19,6 +20,7 @@
 
 namespace kelm {
 
+class CodeRunner;
 class GitService;
 
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
@@ -59,6 +61,8 @@ public:
         Scheduler& scheduler;
         NotificationCenter& notificationCenter;
         Log& log;
+        /// Finds the programs that run files.
+        ExecutableSearch executableSearch = {};
     };
 
     /// Starts without a document, and loads the recent files.
@@ -104,6 +108,9 @@ public:
     const std::optional<QUrl>& currentProject() const { return currentProject_; }
     void setCurrentProject(const std::optional<QUrl>& project);
 
+    /// The one runner of files and snippets, the same for the whole run.
+    CodeRunner& codeRunner() const { return *codeRunner_; }
+
     /// The one git service, the same for the whole run. No repository is open at first.
     GitService& git() const { return *git_; }
 
@@ -141,6 +148,11 @@ public:
     /// Sorts the lines of the current document.
     void sortLines(bool ascending);
 
+    /// Shows the output page and runs the current document: its file as it stands on disk, without unsaved edits, or,
+    /// when it has none, its text. A text in a language that cannot be run so is told in the runner's output and on the
+    /// page.
+    void runCurrentFile();
+
     /// Puts `url` at the front of the recent files, cuts them to ten and stores them.
     void addToRecentFiles(const QUrl& url);
     /// Reads the stored recent files and keeps those that are still on disk; rewrites nothing.
@@ -170,6 +182,7 @@ private:
     void appendAndShow(std::shared_ptr<Document> document);
 
     Services services_;
+    const std::unique_ptr<CodeRunner> codeRunner_;
     const std::unique_ptr<GitService> git_;
     Documents documents_;
     qsizetype currentDocumentIndex_ = 0;

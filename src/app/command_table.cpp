@@ -129,6 +129,13 @@ std::vector<MenuGroup> makeCommandTable()
              item(u"Toggle Minimap"_s, commandShift | Qt::Key_M,
                   [](AppState& state) { state.setShowMinimap(!state.showMinimap()); }),
          }},
+        {u"Run"_s,
+         MenuPlacement::ownMenu,
+         {
+             item(u"Run"_s, command | Qt::Key_R, &AppState::runCurrentFile),
+             item(u"Run in Terminal"_s, commandShift | Qt::Key_R,
+                  [](AppState& state) { state.setShowBottomPanel(true); }),
+         }},
         {u"Find"_s,
          MenuPlacement::ownMenu,
          {

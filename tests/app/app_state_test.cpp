@@ -1,6 +1,7 @@
 #include "app/app_state.h"
 #include "app/recent_files.h"
 #include "git/git_service.h"
+#include "run/code_runner.h"
 #include "support/app_state_fixture.h"
 
 #include <QSignalSpy>
@@ -52,6 +53,13 @@ private Q_SLOTS:
     void savingAllSkipsUntitledDocuments();
     void savingAllClearsTheFlagOfAFailedWrite();
     void withoutADocumentCommandsDoNothing();
+    void runningASavedFileRunsWhatIsOnDisk();
+    void runningTellsItsStepsInTheirOrder();
+    void runningASnippetRunsItsText_data();
+    void runningASnippetRunsItsText();
+    void aSnippetThatCannotRunIsTold();
+    void aSavedFileGoesToTheRunnerInAnyLanguage();
+    void runningWhileARunIsOnClearsThePageOnly();
     void sortingLines_data();
     void sortingLines();
     void recentFilesAreTenAtMost();
@@ -629,7 +637,10 @@ void AppStateTest::withoutADocumentCommandsDoNothing()
     state().saveCurrentDocumentAs();
     state().saveAllDocuments();
     state().sortLines(true);
+    state().runCurrentFile();
     QCOMPARE(fixture_->filePanels.savePanelsShown, 0);
+    QVERIFY(!state().showBottomPanel());
+    QVERIFY(state().codeRunner().output().isEmpty());
     QVERIFY(fixture_->log.printed.isEmpty());
     // Nor do they with an index out of range.
     fixture_->openTabs({u"b\na"_s});
@@ -638,8 +649,131 @@ void AppStateTest::withoutADocumentCommandsDoNothing()
         QVERIFY(!state().currentDocument());
         state().sortLines(true);
         state().saveCurrentDocument();
+        state().runCurrentFile();
+        QVERIFY(!state().showBottomPanel());
         QCOMPARE(fixture_->openTexts(), (QStringList{u"b\na"_s}));
     }
+}
+
+void AppStateTest::runningASavedFileRunsWhatIsOnDisk()
+{
+    state().openFile(fixture_->write(u"a b.sh"_s, "echo on disk"));
+    state().currentDocument()->setContent(u"echo edited"_s);
+    state().runCurrentFile();
+    QTRY_VERIFY(state().codeRunner().lastExitCode());
+    QCOMPARE(state().codeRunner().output(), u"Running a b.sh...\non disk\n\n\nProcess exited with code 0\n"_s);
+    QVERIFY(state().currentDocument()->isModified());
+    QCOMPARE(fixture_->bytesOf(u"a b.sh"_s), QByteArray("echo on disk"));
+}
+
+void AppStateTest::runningTellsItsStepsInTheirOrder()
+{
+    QStringList steps;
+    QObject listener;
+    connect(&state(), &AppState::showBottomPanelChanged, &listener, [&] { steps << u"panel"_s; });
+    connect(&state(), &AppState::bottomPanelTabChanged, &listener, [&] { steps << u"tab"_s; });
+    connect(&state().codeRunner(), &CodeRunner::isRunningChanged, &listener, [&] { steps << u"running"_s; });
+    const auto record = [&](const Notification& notification) {
+        steps << notification.name + u": "_s + notification.object.toString();
+    };
+    fixture_->notificationCenter.addObserver(&listener, notifications::clearOutput, [&](const Notification& posted) {
+        QVERIFY(!posted.object.isValid());
+        record(posted);
+    });
+    fixture_->notificationCenter.addObserver(&listener, notifications::codeOutput, record);
+    fixture_->notificationCenter.addObserver(&listener, notifications::runFile, record);
+    fixture_->openTabs({u"prose"_s});
+    state().runCurrentFile();
+    QCOMPARE(steps, (QStringList{u"panel"_s, u"tab"_s, u"clearOutput: "_s,
+                                 u"codeOutput: Error: language 'Plain Text' is not runnable."_s}));
+    steps.clear();
+    state().openSnippet(u"echo 1"_s, Language::shell, std::nullopt);
+    state().runCurrentFile();
+    QCOMPARE(steps, (QStringList{u"clearOutput: "_s, u"running"_s}));
+    QTRY_VERIFY(!state().codeRunner().isRunning());
+    QCOMPARE(steps.last(), u"codeOutput: \n\nProcess exited with code 0\n"_s);
+}
+
+void AppStateTest::runningASnippetRunsItsText_data()
+{
+    QTest::addColumn<Language>("language");
+    QTest::addColumn<bool>("isRunnable");
+    const QList<Language> runnable{Language::swift, Language::python, Language::javascript, Language::typescript,
+                                   Language::go,    Language::shell,  Language::ruby,       Language::php};
+    for (const Language language : Language::allCases()) {
+        QTest::newRow(qPrintable(language.rawValue())) << language << runnable.contains(language);
+    }
+}
+
+void AppStateTest::runningASnippetRunsItsText()
+{
+    QFETCH(Language, language);
+    QFETCH(bool, isRunnable);
+    QTemporaryDir interpreters;
+    for (const QString& name : {u"python3"_s, u"node"_s, u"ts-node"_s, u"ruby"_s, u"php"_s, u"go"_s}) {
+        QFile script(interpreters.filePath(name));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nfor last; do :; done\ncat \"$last\"\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    AppState state({fixture_->filePanels, fixture_->userDefaults, fixture_->scheduler, fixture_->notificationCenter,
+                    fixture_->log, ExecutableSearch({interpreters.path()}, interpreters.filePath(u"no-which"_s))});
+    state.openSnippet(u"echo 한 글"_s, language, std::nullopt);
+    state.runCurrentFile();
+    const QString header = u"Running temp_"_s;
+    QCOMPARE(state.codeRunner().output().startsWith(header), isRunnable);
+    QTRY_VERIFY(!state.codeRunner().isRunning());
+    if (!isRunnable) {
+        QCOMPARE(state.codeRunner().output(), u"Error: language '"_s + language.rawValue() + u"' is not runnable."_s);
+    } else if (language != Language(Language::swift) || QFile::exists(u"/usr/bin/swift"_s)) {
+        QVERIFY(state.codeRunner().lastExitCode().has_value());
+        QVERIFY(state.codeRunner().output().contains(u"한 글"_s));
+    } else {
+        QVERIFY(!state.codeRunner().lastExitCode());
+    }
+}
+
+void AppStateTest::aSnippetThatCannotRunIsTold()
+{
+    state().openSnippet(u"select 1"_s, Language::sql, std::nullopt);
+    state().runCurrentFile();
+    QCOMPARE(state().codeRunner().output(), u"Error: language 'SQL' is not runnable."_s);
+    QVERIFY(state().showBottomPanel());
+    QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::output));
+    QVERIFY(!state().codeRunner().isRunning());
+}
+
+void AppStateTest::aSavedFileGoesToTheRunnerInAnyLanguage()
+{
+    state().openFile(fixture_->write(u"a.sql"_s, "select 1"));
+    QStringList posted;
+    fixture_->notificationCenter.addObserver(
+        &state(), notifications::codeOutput,
+        [&](const Notification& notification) { posted << notification.object.toString(); });
+    state().runCurrentFile();
+    QCOMPARE(state().codeRunner().output(), u"Error: Unsupported file type '.sql'"_s);
+    QVERIFY(posted.isEmpty());
+}
+
+void AppStateTest::runningWhileARunIsOnClearsThePageOnly()
+{
+    state().openFile(fixture_->write(u"a.sh"_s, "while [ ! -e gate ]; do sleep 0.01; done; echo done"));
+    state().runCurrentFile();
+    int cleared = 0;
+    fixture_->notificationCenter.addObserver(&state(), notifications::clearOutput,
+                                             [&](const Notification&) { ++cleared; });
+    state().setBottomPanelTab(BottomPanelTab::terminal);
+    const QString before = state().codeRunner().output();
+    state().runCurrentFile();
+    state().openSnippet(u"echo other"_s, Language::shell, std::nullopt);
+    state().runCurrentFile();
+    QCOMPARE(cleared, 2);
+    QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::output));
+    QCOMPARE(state().codeRunner().output(), before);
+    fixture_->write(u"gate"_s, "");
+    QTRY_VERIFY(!state().codeRunner().isRunning());
+    QCOMPARE(state().codeRunner().output(), u"Running a.sh...\ndone\n\n\nProcess exited with code 0\n"_s);
 }
 
 void AppStateTest::sortingLines_data()

@@ -1,4 +1,5 @@
 #include "app/command_table.h"
+#include "run/code_runner.h"
 #include "support/app_state_fixture.h"
 
 #include <QKeySequence>
@@ -79,6 +80,8 @@ private Q_SLOTS:
     void fileCommandsWork();
     void sortCommandsWork();
     void togglesFlip();
+    void runRunsTheCurrentDocument();
+    void runInTerminalOnlyShowsThePanel();
     void findCommandsShowTheirOverlay_data();
     void findCommandsShowTheirOverlay();
 
@@ -103,6 +106,7 @@ void CommandTableTest::groupsStandInTheirOrder()
                                                                {u"File"_s, MenuPlacement::replacingSaveItems},
                                                                {u"Edit"_s, MenuPlacement::afterTextEditing},
                                                                {u"View"_s, MenuPlacement::afterToolbar},
+                                                               {u"Run"_s, MenuPlacement::ownMenu},
                                                                {u"Find"_s, MenuPlacement::ownMenu}}));
 }
 
@@ -137,7 +141,8 @@ void CommandTableTest::linesStandInTheirOrder_data()
                                          u"Toggle Bottom Panel | Ctrl+`"_s,
 #endif
                                          u"Toggle Minimap | Ctrl+Shift+M"_s};
-    QTest::newRow("find") << 4 << QStringList{u"Find... | Ctrl+F"_s,
+    QTest::newRow("run") << 4 << QStringList{u"Run | Ctrl+R"_s, u"Run in Terminal | Ctrl+Shift+R"_s};
+    QTest::newRow("find") << 5 << QStringList{u"Find... | Ctrl+F"_s,
                                               u"Find and Replace... | Ctrl+H"_s,
                                               u"Find in Project... | Ctrl+Shift+F"_s,
                                               u"-"_s,
@@ -168,7 +173,7 @@ void CommandTableTest::everyCommandHasAnActionAndNoKeyIsTwice()
     for (const MenuGroup& group : commandTable()) {
         walk(group.items);
     }
-    QCOMPARE(keys.size(), 16);
+    QCOMPARE(keys.size(), 18);
 }
 
 void CommandTableTest::anEmptyListOfRecentFilesIsAnEmptySubmenu()
@@ -252,6 +257,29 @@ void CommandTableTest::togglesFlip()
         QCOMPARE(state().showBottomPanel(), isFlipped);
         QCOMPARE(state().showMinimap(), !isFlipped);
     }
+}
+
+void CommandTableTest::runRunsTheCurrentDocument()
+{
+    run(u"Run"_s, state());
+    QVERIFY(!state().showBottomPanel());
+    state().openSnippet(u"select 1"_s, Language::sql, std::nullopt);
+    run(u"Run"_s, state());
+    QVERIFY(state().showBottomPanel());
+    QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::output));
+    QCOMPARE(state().codeRunner().output(), u"Error: language 'SQL' is not runnable."_s);
+}
+
+void CommandTableTest::runInTerminalOnlyShowsThePanel()
+{
+    state().openSnippet(u"select 1"_s, Language::sql, std::nullopt);
+    state().setBottomPanelTab(BottomPanelTab::problems);
+    run(u"Run in Terminal"_s, state());
+    QVERIFY(state().showBottomPanel());
+    QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::problems));
+    QVERIFY(state().codeRunner().output().isEmpty());
+    run(u"Run in Terminal"_s, state());
+    QVERIFY(state().showBottomPanel());
 }
 
 void CommandTableTest::findCommandsShowTheirOverlay_data()

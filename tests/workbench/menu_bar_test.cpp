@@ -1,3 +1,4 @@
+#include "run/code_runner.h"
 #include "workbench/menu_bar.h"
 #include "workbench/window_fixture.h"
 
@@ -51,6 +52,7 @@ private Q_SLOTS:
     void anAmpersandInANameIsNoMnemonic();
     void newWindowDoesNothing();
     void togglesFlipTheState();
+    void runHandsTheTextOnScreenToTheRunner();
     void editingCommandsGoToWhatHasTheKeyboard();
     void findCommandsReachTheTextFromItsBar();
     void aCompositionIsPutInBeforeACommandRuns();
@@ -64,7 +66,7 @@ void MenuBarTest::menusStandInTheirOrder()
         titles.append(action->text());
     }
     QCOMPARE(titles, (QStringList{QStringLiteral("KelmWright"), QStringLiteral("File"), QStringLiteral("Edit"),
-                                  QStringLiteral("View"), QStringLiteral("Find")}));
+                                  QStringLiteral("View"), QStringLiteral("Run"), QStringLiteral("Find")}));
 }
 
 void MenuBarTest::linesReadBackAsTheTableHasThem_data()
@@ -86,6 +88,7 @@ void MenuBarTest::linesReadBackAsTheTableHasThem_data()
     QTest::newRow("view") << QStringLiteral("View")
                           << QStringLiteral("Toggle Sidebar | Ctrl+B\nToggle Bottom Panel | Ctrl+`\n"
                                             "Toggle Minimap | Ctrl+Shift+M");
+    QTest::newRow("run") << QStringLiteral("Run") << QStringLiteral("Run | Ctrl+R\nRun in Terminal | Ctrl+Shift+R");
     QTest::newRow("find") << QStringLiteral("Find")
                           << QStringLiteral("Find... | Ctrl+F\nFind and Replace... | Ctrl+H\n"
                                             "Find in Project... | Ctrl+Shift+F\n-\nGo to File... | Ctrl+P\n"
@@ -156,6 +159,19 @@ void MenuBarTest::togglesFlipTheState()
     fixture.turnQueue();
     QVERIFY(!fixture.state.showMinimap());
     QVERIFY(!fixture.window.editorArea().currentEditor()->showMinimap());
+}
+
+void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
+{
+    WindowFixture fixture;
+    fixture.command(QStringLiteral("Run"))->trigger();
+    QVERIFY(!fixture.state.showBottomPanel());
+    fixture.state.openSnippet(QString(), Language::shell, std::nullopt);
+    QTest::keyClicks(&fixture.text(), QStringLiteral("echo typed"));
+    QTest::keyClick(&fixture.text(), Qt::Key_R, Qt::ControlModifier);
+    QTRY_VERIFY(fixture.state.codeRunner().lastExitCode().has_value());
+    QVERIFY(fixture.state.codeRunner().output().contains(QStringLiteral("\ntyped\n")));
+    QVERIFY(fixture.state.showBottomPanel());
 }
 
 void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
