@@ -1,6 +1,7 @@
 #include "platform/view/style.h"
 
 #include "platform/named_colors.h"
+#include "platform/view/menu_painter.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -16,12 +17,35 @@ namespace kelm::style {
 
 namespace {
 
-constexpr int interfaceFontSize = 13;
-
 QColor withAlpha(QColor color, float alpha)
 {
     color.setAlphaF(alpha);
     return color;
+}
+
+/// The system's font where a desktop has chosen one. What the font matcher falls back on without a desktop is made for
+/// documents, so a face made for screens goes before it where it is installed.
+QStringList interfaceFamilies()
+{
+    const QString system = QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).family();
+    QStringList families;
+    if (system.isEmpty() || system.startsWith(QLatin1String("DejaVu"))) {
+        families.append(QStringLiteral("Inter"));
+    }
+    families.append(system);
+    for (const char* family : {"NanumGothic", "Noto Sans CJK KR", "Noto Color Emoji"}) {
+        families.append(QString::fromLatin1(family));
+    }
+    return families;
+}
+
+void drawRing(QPainter& painter, const QRectF& box, QColor color, qreal radius)
+{
+    constexpr qreal stroke = 2;
+    color.setAlphaF(0.8F);
+    painter.setPen(QPen(color, stroke));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2), radius, radius);
 }
 
 } // namespace
@@ -37,6 +61,20 @@ QFont monospaced(int pixelSize)
     font.setStyleHint(QFont::Monospace);
     font.setPixelSize(pixelSize);
     return font;
+}
+
+QFont interfaceFont(int pixelSize, QFont::Weight weight)
+{
+    static const QStringList families = interfaceFamilies();
+    QFont font(families);
+    font.setPixelSize(pixelSize);
+    font.setWeight(weight);
+    return font;
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& box, qreal cornerRadius, const QWidget& widget)
+{
+    drawRing(painter, box, widget.palette().color(QPalette::Active, QPalette::Highlight), cornerRadius);
 }
 
 QPalette palette(Appearance appearance)
@@ -83,9 +121,7 @@ Appearance appearanceOf(const QWidget& widget)
 void installOn(QApplication& application)
 {
     application.setStyle(new KelmStyle);
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPixelSize(interfaceFontSize);
-    application.setFont(font);
+    application.setFont(interfaceFont(typeSize::body));
     QApplication::setPalette(palette(Appearance::dark));
     installAppearance([](Appearance appearance) { QApplication::setPalette(palette(appearance)); });
 }
@@ -157,17 +193,6 @@ QColor tint(const QStyleOption& option, float alpha)
     return color;
 }
 
-/// A ring in the accent colour along the inner edge of a box.
-void drawFocusRing(QPainter& painter, const QRectF& box, const QStyleOption& option, qreal radius)
-{
-    constexpr qreal stroke = 2;
-    QColor color = option.palette.color(QPalette::Normal, QPalette::Highlight);
-    color.setAlphaF(0.8F);
-    painter.setPen(QPen(color, stroke));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(box.adjusted(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2), radius, radius);
-}
-
 /// A hairline under the bar, which the selected tab interrupts with its ground.
 void drawTab(const QStyleOptionTab& option, QPainter& painter)
 {
@@ -186,7 +211,8 @@ void drawTab(const QStyleOptionTab& option, QPainter& painter)
     }
     if (option.state.testFlag(QStyle::State_HasFocus)) {
         painter.setRenderHint(QPainter::Antialiasing);
-        drawFocusRing(painter, QRectF(option.rect).adjusted(0, 0, -1, 0), option, 0);
+        style::drawRing(painter, QRectF(option.rect).adjusted(0, 0, -1, 0),
+                        option.palette.color(QPalette::Normal, QPalette::Highlight), 0);
     }
     painter.restore();
 }
@@ -238,7 +264,8 @@ void drawPushButton(const QStyleOptionButton& option, QPainter& painter)
         painter.drawRoundedRect(box, radius, radius);
     }
     if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
-        drawFocusRing(painter, QRectF(option.rect), option, radius);
+        style::drawRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Highlight),
+                        radius);
     }
     painter.restore();
 }
@@ -292,6 +319,10 @@ void KelmStyle::drawControl(ControlElement element, const QStyleOption* option, 
         QProxyStyle::drawControl(element, &label, painter, widget);
     } else if (element == CE_MenuBarItem && item != nullptr) {
         drawMenuBarItem(*item, *painter);
+    } else if (element == CE_Splitter) {
+        painter->fillRect(option->rect, tint(*option, 0.15F));
+    } else if (element == CE_MenuItem && item != nullptr) {
+        drawMenuItem(*item, *painter);
     } else if (element == CE_MenuBarEmptyArea) {
         painter->fillRect(option->rect, option->palette.window());
     } else if (element == CE_PushButtonBevel && button != nullptr) {
@@ -319,6 +350,16 @@ void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         drawCloseCross(*option, *painter);
         return;
     }
+    if (element == PE_PanelMenu || element == PE_PanelTipLabel) {
+        const auto role = element == PE_PanelMenu ? QPalette::Window : QPalette::ToolTipBase;
+        painter->fillRect(option->rect, option->palette.color(role));
+        painter->setPen(tint(*option, 0.18F));
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        return;
+    }
+    if (element == PE_FrameMenu) {
+        return;
+    }
     QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
@@ -332,6 +373,16 @@ QRect KelmStyle::subControlRect(ComplexControl control, const QStyleOptionComple
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
+QSize KelmStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                  const QWidget* widget) const
+{
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (type == CT_MenuItem && item != nullptr) {
+        return menuItemSize(*item);
+    }
+    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
 int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
 {
     switch (metric) {
@@ -340,7 +391,14 @@ int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     case PM_ScrollBarSliderMin:
         return shortestThumb;
     case PM_SplitterWidth:
+    case PM_MenuPanelWidth:
         return 1;
+    case PM_MenuVMargin:
+        return 4;
+    case PM_MenuHMargin:
+        return 0;
+    case PM_ToolTipLabelFrameWidth:
+        return 5;
     case PM_TabBarTabShiftHorizontal:
     case PM_TabBarTabShiftVertical:
     case PM_TabBarTabOverlap:

@@ -8,11 +8,45 @@
 #include <QProxyStyle>
 
 class QApplication;
+class QPainter;
 
 namespace kelm::style {
 
 /// The monospaced system font at a pixel size, with families behind it that cover Korean and emoji.
 QFont monospaced(int pixelSize);
+
+/// The interface's font at a pixel size.
+QFont interfaceFont(int pixelSize, QFont::Weight weight = QFont::Normal);
+
+/// The sizes of the interface's type, in points.
+namespace typeSize {
+inline constexpr int largeTitle = 26;
+inline constexpr int title = 20;
+inline constexpr int headline = 13;
+inline constexpr int body = 13;
+inline constexpr int subheadline = 11;
+inline constexpr int caption = 10;
+} // namespace typeSize
+
+/// Bold at the size of the body: what names a section.
+inline QFont headlineFont()
+{
+    return interfaceFont(typeSize::headline, QFont::DemiBold);
+}
+
+/// The radii of corners, in points: of chips and hovered icons, of buttons and fields, of cards above the window.
+namespace radius {
+inline constexpr qreal chip = 4;
+inline constexpr qreal control = 6;
+inline constexpr qreal card = 10;
+} // namespace radius
+
+/// The opacities of the primary colour behind a control under the mouse, and of one that is held down.
+inline constexpr double hoverOpacity = 0.08;
+inline constexpr double pressedOpacity = 0.15;
+
+/// Draws the ring of a control that has the keyboard, along the inner edge of `box`.
+void drawFocusRing(QPainter& painter, const QRectF& box, qreal cornerRadius, const QWidget& widget);
 
 /// The palette of all controls.
 QPalette palette(Appearance appearance);
@@ -45,6 +79,8 @@ public:
                        const QWidget* widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                          const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;

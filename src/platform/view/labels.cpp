@@ -1,0 +1,158 @@
+#include "platform/view/labels.h"
+
+#include "platform/view/icons.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace kelm {
+
+TextLabel::TextLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent)
+    : QWidget(parent), tint_(tint)
+{
+    setFont(font);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setText(text);
+}
+
+void TextLabel::setText(const QString& text)
+{
+    if (text == text_ && !text.isEmpty()) {
+        return;
+    }
+    text_ = text;
+    setAccessibleName(text);
+    updateGeometry();
+    updateHelp();
+    update();
+}
+
+void TextLabel::setTint(const Tint& tint)
+{
+    tint_ = tint;
+    update();
+}
+
+void TextLabel::setElideMode(Qt::TextElideMode mode)
+{
+    elideMode_ = mode;
+    update();
+}
+
+void TextLabel::setAlignment(Qt::Alignment alignment)
+{
+    alignment_ = alignment;
+    update();
+}
+
+void TextLabel::setGivesWay(bool givesWay)
+{
+    givesWay_ = givesWay;
+    updateGeometry();
+}
+
+int TextLabel::textWidth() const
+{
+    return fontMetrics().horizontalAdvance(text_) + 1;
+}
+
+QSize TextLabel::sizeHint() const
+{
+    return {textWidth(), fontMetrics().height()};
+}
+
+QSize TextLabel::minimumSizeHint() const
+{
+    constexpr int fewLetters = 3;
+    const int least = fontMetrics().averageCharWidth() * fewLetters;
+    return {givesWay_ ? std::min(least, textWidth()) : textWidth(), fontMetrics().height()};
+}
+
+void TextLabel::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setPen(tint_.on(*this));
+    const QString shown = fontMetrics().elidedText(text_, elideMode_, width());
+    painter.drawText(rect(), int(alignment_) | Qt::TextSingleLine, shown);
+}
+
+void TextLabel::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    updateHelp();
+}
+
+void TextLabel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange) {
+        updateGeometry();
+        updateHelp();
+    }
+    QWidget::changeEvent(event);
+}
+
+void TextLabel::updateHelp()
+{
+    const bool isCut = width() > 0 && fontMetrics().horizontalAdvance(text_) > width();
+    setToolTip(isCut ? text_.toHtmlEscaped() : QString());
+}
+
+WrappedLabel::WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent)
+    : QLabel(text, parent), tint_(tint)
+{
+    setTextFormat(Qt::PlainText);
+    setFont(font);
+    setWordWrap(true);
+    takeTint();
+}
+
+void WrappedLabel::setTint(const Tint& tint)
+{
+    tint_ = tint;
+    takeTint();
+}
+
+void WrappedLabel::changeEvent(QEvent* event)
+{
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        takeTint();
+    }
+}
+
+void WrappedLabel::takeTint()
+{
+    // The parent still tells the appearance; this label's own palette may be that of the one before.
+    QPalette palette;
+    const QColor color = parentWidget() != nullptr ? tint_.on(*parentWidget()) : tint_.on(*this);
+    palette.setColor(QPalette::WindowText, color);
+    setPalette(palette);
+}
+
+SymbolLabel::SymbolLabel(const QString& symbol, int size, const Tint& tint, QWidget* parent)
+    : QWidget(parent), symbol_(symbol), size_(size), tint_(tint)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void SymbolLabel::setSymbol(const QString& symbol)
+{
+    symbol_ = symbol;
+    update();
+}
+
+void SymbolLabel::setTint(const Tint& tint)
+{
+    tint_ = tint;
+    update();
+}
+
+void SymbolLabel::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QRectF box((width() - size_) / 2, (height() - size_) / 2, size_, size_);
+    icons::paint(painter, symbol_, box, tint_.on(*this));
+}
+
+} // namespace kelm

@@ -1,0 +1,86 @@
+// Text and symbols that only show.
+#pragma once
+
+#include "platform/view/tint.h"
+
+#include <QLabel>
+
+namespace kelm {
+
+/// One line of plain text in a tint, which follows the appearance. Text that finds no room is cut with an ellipsis and
+/// then shown whole as the help text.
+class TextLabel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    TextLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent = nullptr);
+
+    void setText(const QString& text);
+    const QString& text() const { return text_; }
+    void setTint(const Tint& tint);
+    void setElideMode(Qt::TextElideMode mode);
+    void setAlignment(Qt::Alignment alignment);
+    /// A label that gives way may shrink to a few letters; one that does not keeps room for its whole text.
+    void setGivesWay(bool givesWay);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void updateHelp();
+    int textWidth() const;
+
+    QString text_;
+    Tint tint_;
+    Qt::TextElideMode elideMode_ = Qt::ElideRight;
+    Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
+    bool givesWay_ = true;
+};
+
+/// Several lines of plain text in a tint, wrapped at words.
+class WrappedLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent = nullptr);
+
+    void setTint(const Tint& tint);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void takeTint();
+
+    Tint tint_;
+};
+
+/// A symbol in a tint, centred in its place.
+class SymbolLabel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    SymbolLabel(const QString& symbol, int size, const Tint& tint, QWidget* parent = nullptr);
+
+    void setSymbol(const QString& symbol);
+    void setTint(const Tint& tint);
+    QSize sizeHint() const override { return {size_, size_}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString symbol_;
+    int size_;
+    Tint tint_;
+};
+
+} // namespace kelm
