@@ -55,6 +55,11 @@ std::optional<FileError> write(const Document& document, const QUrl& url)
 
 } // namespace
 
+bool runsWithoutFile(Language language)
+{
+    return std::find(runnableLanguages.begin(), runnableLanguages.end(), language) != runnableLanguages.end();
+}
+
 AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
@@ -254,7 +259,7 @@ void AppState::runCurrentFile()
         return;
     }
     const Language language = document->language();
-    if (std::find(runnableLanguages.begin(), runnableLanguages.end(), language) != runnableLanguages.end()) {
+    if (runsWithoutFile(language)) {
         codeRunner_->runCode(document->content(), language);
         return;
     }

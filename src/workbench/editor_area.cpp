@@ -1,7 +1,7 @@
 #include "workbench/editor_area.h"
 
 #include "editor/view/kelm_editor_view.h"
-#include "workbench/empty_state.h"
+#include "workbench/welcome_view.h"
 
 #include <QSet>
 #include <QStackedLayout>
@@ -13,10 +13,10 @@ EditorArea::EditorArea(AppState& appState, ThemeManager& themeManager, QWidget* 
       appState_(appState),
       themeManager_(themeManager),
       pages_(new QStackedLayout(this)),
-      emptyState_(new EmptyState(appState, this))
+      welcome_(new WelcomeView(appState, themeManager, this))
 {
     setAutoFillBackground(true);
-    pages_->addWidget(emptyState_);
+    pages_->addWidget(welcome_);
     connect(&appState_, &AppState::documentsChanged, this, &EditorArea::dropClosedDocuments);
     connect(&appState_, &AppState::currentDocumentChanged, this, &EditorArea::showCurrentDocument);
     connect(&appState_, &AppState::showMinimapChanged, this, &EditorArea::updateShownParts);
@@ -32,6 +32,13 @@ EditorContainerView* EditorArea::currentEditor() const
     const std::shared_ptr<Document> document = appState_.currentDocument();
     const auto editor = document ? editors_.value(document->id()) : nullptr;
     return editor ? editor->view() : nullptr;
+}
+
+void EditorArea::focusCurrentEditor()
+{
+    if (EditorContainerView* editor = currentEditor()) {
+        editor->setFocus();
+    }
 }
 
 void EditorArea::dropClosedDocuments()
@@ -58,7 +65,7 @@ void EditorArea::showCurrentDocument()
 {
     const std::shared_ptr<Document> document = appState_.currentDocument();
     if (!document) {
-        pages_->setCurrentWidget(emptyState_);
+        pages_->setCurrentWidget(welcome_);
         return;
     }
     std::shared_ptr<KelmEditorView>& editor = editors_[document->id()];

@@ -17,7 +17,7 @@ namespace kelm {
 class EditorContainerView;
 class KelmEditorView;
 
-/// Shows the current document, or an empty state when there is none. Each document keeps its editor while it is open,
+/// Shows the current document, or the welcome when there is none. Each document keeps its editor while it is open,
 /// so that caret, scroll position, folds and undo survive a change of tab; an editor is made when its document is first
 /// seen.
 class EditorArea final : public QWidget
@@ -30,6 +30,8 @@ public:
 
     /// The editor of the current document, or null.
     EditorContainerView* currentEditor() const;
+    /// Gives the keyboard to the text of the current document.
+    void focusCurrentEditor();
 
 private:
     void dropClosedDocuments();
@@ -40,7 +42,7 @@ private:
     AppState& appState_;
     ThemeManager& themeManager_;
     QStackedLayout* pages_;
-    QWidget* emptyState_;
+    QWidget* welcome_;
     QHash<QUuid, std::shared_ptr<KelmEditorView>> editors_;
 };
 

@@ -44,7 +44,7 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
 KelmPaneApp::KelmPaneApp()
     : appState_(sharedStateWithPanels()),
       themeManager_(ThemeManager::shared()),
-      window_(std::make_unique<MainWindow>(appState_, themeManager_))
+      window_(std::make_unique<MainWindow>(appState_, themeManager_, Workspace::system()))
 {
     qApp->installEventFilter(&appDelegate_);
     // The process stays when its window is closed.

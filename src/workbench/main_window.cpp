@@ -1,12 +1,20 @@
 #include "workbench/main_window.h"
 
-#include "workbench/document_strip.h"
+#include "platform/view/divider.h"
 #include "workbench/editor_area.h"
+#include "workbench/focus_order.h"
 #include "workbench/menu_bar.h"
+#include "workbench/status_bar_view.h"
+#include "workbench/tab_bar_view.h"
+#include "workbench/tool_bar_view.h"
+#include "workbench/window_overlays.h"
+#include "workbench/window_panels.h"
 
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QMenuBar>
 #include <QMimeData>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 namespace kelm {
@@ -16,26 +24,147 @@ namespace {
 constexpr QSize smallestSize(900, 600);
 constexpr QSize firstSize(1200, 800);
 
+QSplitter* makeSplitter(Qt::Orientation orientation, QWidget* parent)
+{
+    auto* splitter = new QSplitter(orientation, parent);
+    splitter->setChildrenCollapsible(false);
+    splitter->setHandleWidth(1);
+    return splitter;
+}
+
+template <typename Layout>
+Layout* makeTightLayout(QWidget* parent)
+{
+    auto* layout = new Layout(parent);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    return layout;
+}
+
 } // namespace
 
-MainWindow::MainWindow(AppState& appState, ThemeManager& themeManager, QWidget* parent)
-    : QMainWindow(parent), appState_(appState)
+MainWindow::MainWindow(AppState& appState, ThemeManager& themeManager, Workspace& workspace, QWidget* parent)
+    : QMainWindow(parent), appState_(appState), themeManager_(themeManager), workspace_(workspace)
 {
     setWindowTitle(QStringLiteral("KelmWright"));
     setMinimumSize(smallestSize);
     resize(firstSize);
     setAcceptDrops(true);
     setMenuBar(makeMenuBar(appState, this));
+    buildStack();
+    connectState();
+    takeSidebar();
+    takeBottomPanel();
+    takeLessonPanel();
+    takeTheme();
+    new WindowOverlays(appState, themeManager, *this);
+}
 
-    auto* content = new QWidget(this);
-    documentStrip_ = new DocumentStrip(appState, themeManager, content);
-    editorArea_ = new EditorArea(appState, themeManager, content);
-    auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(documentStrip_);
-    column->addWidget(editorArea_, 1);
-    setCentralWidget(content);
+void MainWindow::buildStack()
+{
+    auto* stack = new QWidget(this);
+    stack->setMinimumSize(smallestSize);
+    toolbar_ = new ToolbarView(
+        appState_, themeManager_, [] {}, stack);
+    columns_ = makeSplitter(Qt::Horizontal, stack);
+    rows_ = makeSplitter(Qt::Vertical, columns_);
+    auto* upper = new QWidget(rows_);
+    tabBar_ = new TabBarView(appState_, themeManager_, workspace_, upper);
+    auto* editors = new QWidget(upper);
+    editorArea_ = new EditorArea(appState_, themeManager_, editors);
+    statusBar_ = new StatusBarView(appState_, themeManager_, stack);
+
+    editorRow_ = makeTightLayout<QHBoxLayout>(editors);
+    editorRow_->addWidget(editorArea_, 1);
+    auto* upperColumn = makeTightLayout<QVBoxLayout>(upper);
+    upperColumn->addWidget(tabBar_);
+    upperColumn->addWidget(editors, 1);
+    rows_->addWidget(upper);
+    rows_->setStretchFactor(0, 1);
+    columns_->addWidget(rows_);
+    columns_->setStretchFactor(0, 1);
+
+    auto* column = makeTightLayout<QVBoxLayout>(stack);
+    column->addWidget(toolbar_);
+    column->addWidget(columns_, 1);
+    column->addWidget(statusBar_);
+    setCentralWidget(stack);
+}
+
+void MainWindow::connectState()
+{
+    connect(&appState_, &AppState::showSidebarChanged, this, &MainWindow::takeSidebar);
+    connect(&appState_, &AppState::showBottomPanelChanged, this, &MainWindow::takeBottomPanel);
+    connect(&appState_, &AppState::currentDocumentChanged, this, &MainWindow::takeLessonPanel);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &MainWindow::takeTheme);
+}
+
+void MainWindow::takeSidebar()
+{
+    if (appState_.showSidebar() == (sidebar_ != nullptr)) {
+        return;
+    }
+    if (sidebar_ != nullptr) {
+        // It may be one of its own controls that hides it.
+        sidebar_->hide();
+        sidebar_->setParent(nullptr);
+        sidebar_->deleteLater();
+        sidebar_ = nullptr;
+        return;
+    }
+    const auto makeContent = [this](SidebarTab tab, QWidget* parent) {
+        return makeSidebarContent(tab, appState_, themeManager_, parent);
+    };
+    sidebar_ = new SidebarView(themeManager_, makeContent, columns_);
+    columns_->insertWidget(0, sidebar_);
+    columns_->setStretchFactor(0, 0);
+    columns_->setStretchFactor(1, 1);
+    columns_->setSizes({sidebar_->sizeHint().width(), columns_->width() - sidebar_->sizeHint().width()});
+    sidebar_->show();
+}
+
+void MainWindow::takeBottomPanel()
+{
+    if (bottomPanel_ == nullptr && appState_.showBottomPanel()) {
+        bottomPanel_ = new BottomPanel(appState_, themeManager_, bottomPanelPages(appState_, themeManager_), rows_);
+        rows_->addWidget(bottomPanel_);
+        rows_->setStretchFactor(0, 1);
+        rows_->setStretchFactor(1, 0);
+        rows_->setSizes({rows_->height() - bottomPanel_->sizeHint().height(), bottomPanel_->sizeHint().height()});
+    }
+    if (bottomPanel_ == nullptr) {
+        return;
+    }
+    const bool hadKeyboard = bottomPanel_->isAncestorOf(focusWidget());
+    bottomPanel_->setVisible(appState_.showBottomPanel());
+    if (!appState_.showBottomPanel() && hadKeyboard) {
+        editorArea_->focusCurrentEditor();
+    }
+}
+
+void MainWindow::takeLessonPanel()
+{
+    delete lessonPanel_;
+    lessonPanel_ = nullptr;
+}
+
+void MainWindow::takeTheme()
+{
+    QPalette colors = menuBar()->palette();
+    colors.setColor(QPalette::Window, themeManager_.currentTheme().backgroundColor.toColor());
+    menuBar()->setPalette(colors);
+    centralWidget()->setPalette(colors);
+    centralWidget()->setAutoFillBackground(true);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    const QList<QWidget*> regions{toolbar_, sidebar_, tabBar_, editorArea_, lessonPanel_, bottomPanel_, statusBar_};
+    QWidget* const stop = nextFocusStop(regions, focusWidget(), next);
+    if (stop != nullptr) {
+        stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    }
+    return stop != nullptr;
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

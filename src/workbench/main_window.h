@@ -3,34 +3,72 @@
 
 #include "app/app_state.h"
 #include "editor/themes/theme_manager.h"
+#include "platform/workspace.h"
 
 #include <QMainWindow>
 
+#include <array>
+
+class QBoxLayout;
+class QSplitter;
+
 namespace kelm {
 
-class DocumentStrip;
+class BottomPanel;
 class EditorArea;
+class OverlayLayer;
+class SidebarView;
+class StatusBarView;
+class TabBarView;
+class ToolbarView;
 
-/// Menu bar, the strip of open documents and the editor. Files that are dropped on it open, and a folder becomes the
-/// project.
+/// Toolbar, sidebar, tabs, editor, panels and status bar, and the overlays above them. Whether a panel or an overlay is
+/// shown is a flag of the state, and a change of the flag is all that shows or hides it. Files that are dropped on the
+/// window open, and a folder becomes the project.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    MainWindow(AppState& appState, ThemeManager& themeManager, QWidget* parent = nullptr);
+    MainWindow(AppState& appState, ThemeManager& themeManager, Workspace& workspace, QWidget* parent = nullptr);
 
     EditorArea& editorArea() { return *editorArea_; }
-    DocumentStrip& documentStrip() { return *documentStrip_; }
+    ToolbarView& toolbar() { return *toolbar_; }
+    TabBarView& tabBar() { return *tabBar_; }
+    StatusBarView& statusBarView() { return *statusBar_; }
+    /// Null while it is not shown.
+    SidebarView* sidebar() const { return sidebar_; }
+    /// Null until it is first shown.
+    BottomPanel* bottomPanel() const { return bottomPanel_; }
+    /// The panel beside the editor, or null.
+    QWidget* lessonPanel() const { return lessonPanel_; }
 
 protected:
+    bool focusNextPrevChild(bool next) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void buildStack();
+    void takeSidebar();
+    void takeBottomPanel();
+    void takeLessonPanel();
+    void takeTheme();
+    void connectState();
+
     AppState& appState_;
-    DocumentStrip* documentStrip_;
-    EditorArea* editorArea_;
+    ThemeManager& themeManager_;
+    Workspace& workspace_;
+    ToolbarView* toolbar_ = nullptr;
+    QSplitter* columns_ = nullptr;
+    QSplitter* rows_ = nullptr;
+    QBoxLayout* editorRow_ = nullptr;
+    TabBarView* tabBar_ = nullptr;
+    EditorArea* editorArea_ = nullptr;
+    StatusBarView* statusBar_ = nullptr;
+    SidebarView* sidebar_ = nullptr;
+    BottomPanel* bottomPanel_ = nullptr;
+    QWidget* lessonPanel_ = nullptr;
 };
 
 } // namespace kelm

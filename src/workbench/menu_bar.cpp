@@ -1,9 +1,9 @@
 #include "workbench/menu_bar.h"
 
 #include "app/command_table.h"
-#include "text/view/text_view.h"
+#include "workbench/responder.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -48,25 +48,6 @@ constexpr std::array<FindItem, 5> findItems{{
     {QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
     {QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_E, "useSelectionForFind"},
 }};
-
-/// Calls a slot on what has the keyboard, or on the nearest widget around it that has such a slot.
-void callOnFocusWidget(const char* slot)
-{
-    const QByteArray signature = QByteArray(slot) + "()";
-    for (QWidget* widget = QApplication::focusWidget(); widget != nullptr; widget = widget->parentWidget()) {
-        if (widget->metaObject()->indexOfMethod(signature) >= 0) {
-            QMetaObject::invokeMethod(widget, slot, Qt::DirectConnection);
-            return;
-        }
-    }
-}
-
-void commitCompositionInFocus()
-{
-    if (auto* view = qobject_cast<TextView*>(QApplication::focusWidget())) {
-        view->commitComposition();
-    }
-}
 
 void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);
 
@@ -148,14 +129,14 @@ void addEditingItems(QMenu& menu)
         }
         QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
         action->setShortcut(QKeySequence(item.key));
-        QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { callOnFocusWidget(slot); });
+        QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
     menu.addSeparator();
     QMenu* find = menu.addMenu(QCoreApplication::translate("kelm", "Find"));
     for (const FindItem& item : findItems) {
         QAction* action = find->addAction(QCoreApplication::translate("kelm", item.label));
         action->setShortcut(QKeySequence(item.key));
-        QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { callOnFocusWidget(slot); });
+        QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
 }
 

@@ -1,8 +1,8 @@
+#include "workbench/controls.h"
 #include "workbench/editor_area.h"
 #include "workbench/window_fixture.h"
 
 #include <QInputMethodEvent>
-#include <QPushButton>
 
 using namespace kelm;
 using namespace kelm::test;
@@ -36,16 +36,6 @@ struct Fixture : WindowFixture
     const QString& content(qsizetype index) const { return state.documents()[index]->content(); }
 };
 
-QPushButton* buttonWith(const QWidget& parent, const QString& label)
-{
-    for (QPushButton* button : parent.findChildren<QPushButton*>()) {
-        if (button->text() == label) {
-            return button;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 class EditorAreaTest : public QObject
@@ -60,9 +50,9 @@ private Q_SLOTS:
     void closingTheTabOfACompositionLeavesTheOthersAlone();
     void whatHappensToADocumentOutOfSightIsShownLater();
     void themeAndMinimapReachEditorsOutOfSight();
-    void withoutADocumentTheEmptyStateIsSeen();
-    void anIndexOutOfRangeShowsTheEmptyState();
-    void theEmptyStateLeadsToADocument();
+    void withoutADocumentTheWelcomeIsSeen();
+    void anIndexOutOfRangeShowsTheWelcome();
+    void theWelcomeLeadsToADocument();
     void documentsThatAreReplacedTakeTheirEditorsAlong();
 };
 
@@ -155,36 +145,36 @@ void EditorAreaTest::themeAndMinimapReachEditorsOutOfSight()
     }
 }
 
-void EditorAreaTest::withoutADocumentTheEmptyStateIsSeen()
+void EditorAreaTest::withoutADocumentTheWelcomeIsSeen()
 {
     WindowFixture fixture;
     QVERIFY(fixture.window.editorArea().currentEditor() == nullptr);
-    QVERIFY(buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+    QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("New File")) != nullptr);
     fixture.state.createNewTab();
-    QVERIFY(!buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+    QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("New File")) == nullptr);
     fixture.state.closeTab(0);
-    QVERIFY(buttonWith(fixture.window, QStringLiteral("New File"))->isVisible());
+    QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("New File")) != nullptr);
 }
 
-void EditorAreaTest::anIndexOutOfRangeShowsTheEmptyState()
+void EditorAreaTest::anIndexOutOfRangeShowsTheWelcome()
 {
     Fixture fixture;
     fixture.show(7);
-    QVERIFY(fixture.area.currentEditor() == nullptr);
-    QVERIFY(buttonWith(fixture.window, QStringLiteral("Open..."))->isVisible());
+    QVERIFY(fixture.window.editorArea().currentEditor() == nullptr);
+    QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("Open File")) != nullptr);
     fixture.show(1);
     QCOMPARE(fixture.text().text(), QStringLiteral("second"));
 }
 
-void EditorAreaTest::theEmptyStateLeadsToADocument()
+void EditorAreaTest::theWelcomeLeadsToADocument()
 {
     WindowFixture fixture;
     fixture.panels.openAnswer = {{fixture.write(QStringLiteral("a.txt"), "a"), false}};
-    QTest::mouseClick(buttonWith(fixture.window, QStringLiteral("Open...")), Qt::LeftButton);
+    clickOn(fixture.window.editorArea(), QStringLiteral("Open File"));
     QCOMPARE(fixture.panels.openPanelsShown, 1);
     QCOMPARE(fixture.text().text(), QStringLiteral("a"));
     fixture.state.closeTab(0);
-    QTest::mouseClick(buttonWith(fixture.window, QStringLiteral("New File")), Qt::LeftButton);
+    clickOn(fixture.window.editorArea(), QStringLiteral("New File"));
     QCOMPARE(fixture.text().text(), QString());
 }
 

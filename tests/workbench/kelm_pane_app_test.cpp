@@ -21,7 +21,7 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void theStartOpensWhatTheCommandLineNames();
-    void aStartWithoutArgumentsShowsTheEmptyState();
+    void aStartWithoutArgumentsShowsTheWelcome();
     void aFileThatTheSystemHandsOverOpens();
     void aFolderThatTheSystemHandsOverBecomesTheProject();
     void aFolderOpensNoTab();
@@ -63,7 +63,7 @@ void KelmPaneAppTest::theStartOpensWhatTheCommandLineNames()
     QCOMPARE(app.window().editorArea().currentEditor()->text(), QStringLiteral("text"));
 }
 
-void KelmPaneAppTest::aStartWithoutArgumentsShowsTheEmptyState()
+void KelmPaneAppTest::aStartWithoutArgumentsShowsTheWelcome()
 {
     KelmPaneApp app;
     app.start({});

@@ -1,5 +1,5 @@
-#include "workbench/document_strip.h"
 #include "workbench/main_window.h"
+#include "workbench/tab_bar_view.h"
 #include "workbench/window_fixture.h"
 
 #include <QDropEvent>
@@ -20,8 +20,6 @@ private Q_SLOTS:
     void aFileThatIsNotUtf8OpensNothing();
     void eachDocumentKeepsItsEditor();
     void closingLeavesTheOthersAlone();
-    void theStripFollowsTheDocuments();
-    void clicksOnTheStripChooseAndClose();
     void droppedFilesOpenAndAFolderIsTheProject();
     void theWindowTakesTheThemesGround();
     void theProgramDrawsAPictureWithoutADisplay();
@@ -136,37 +134,7 @@ void MainWindowTest::closingLeavesTheOthersAlone()
     fixture.state.closeTab(0);
     fixture.turnQueue();
     QVERIFY(fixture.window.editorArea().currentEditor() == nullptr);
-    QVERIFY(!fixture.window.documentStrip().isVisible());
-}
-
-void MainWindowTest::theStripFollowsTheDocuments()
-{
-    WindowFixture fixture;
-    DocumentStrip& strip = fixture.window.documentStrip();
-    QVERIFY(!strip.isVisible());
-    fixture.state.openFile(fixture.write(QStringLiteral("a.txt"), "a"));
-    fixture.state.createNewTab();
-    QVERIFY(strip.isVisible());
-    QCOMPARE(strip.count(), 2);
-    QCOMPARE(strip.tabText(0), QStringLiteral("a.txt"));
-    QCOMPARE(strip.tabText(1), QStringLiteral("Untitled"));
-    QCOMPARE(strip.currentIndex(), 1);
-    fixture.state.documents()[0]->setContent(QStringLiteral("b"));
-    QCOMPARE(strip.tabText(0), QStringLiteral("a.txt *"));
-    fixture.state.setCurrentDocumentIndex(0);
-    QCOMPARE(strip.currentIndex(), 0);
-}
-
-void MainWindowTest::clicksOnTheStripChooseAndClose()
-{
-    WindowFixture fixture;
-    fixture.state.createNewTab();
-    fixture.state.createNewTab();
-    DocumentStrip& strip = fixture.window.documentStrip();
-    QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(0).center());
-    QCOMPARE(fixture.state.currentDocumentIndex(), 0);
-    Q_EMIT strip.tabCloseRequested(0);
-    QCOMPARE(fixture.state.documents().size(), 1);
+    QVERIFY(fixture.window.tabBar().tabs().isEmpty());
 }
 
 void MainWindowTest::droppedFilesOpenAndAFolderIsTheProject()
@@ -215,8 +183,8 @@ void MainWindowTest::theProgramDrawsAPictureWithoutADisplay()
     // The keyword is painted in its colour.
     const QRgb keyword = EditorTheme::monokai().keywordColor.toColor().rgb();
     bool found = false;
-    for (int y = 0; y < 120 && !found; ++y) {
-        for (int x = 0; x < 200 && !found; ++x) {
+    for (int y = 80; y < 200 && !found; ++y) {
+        for (int x = 260; x < 500 && !found; ++x) {
             found = image.pixel(x, y) == keyword;
         }
     }

@@ -6,6 +6,7 @@
 #include "editor/view/editor_container_view.h"
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
+#include "support/fake_workspace.h"
 #include "workbench/editor_area.h"
 #include "workbench/main_window.h"
 
@@ -25,7 +26,8 @@ struct WindowFixture
     NotificationCenter notifications;
     AppState state{{panels, defaults, Scheduler::system(), notifications, log}};
     ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
-    MainWindow window{state, themes};
+    FakeWorkspace workspace;
+    MainWindow window{state, themes, workspace};
 
     WindowFixture()
     {

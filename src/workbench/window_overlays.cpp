@@ -1,0 +1,72 @@
+#include "workbench/window_overlays.h"
+
+#include "workbench/editor_area.h"
+#include "workbench/extensions_view.h"
+#include "workbench/main_window.h"
+#include "workbench/overlay_layer.h"
+
+namespace kelm {
+
+const std::array<WindowOverlays::Overlay, 3>& WindowOverlays::overlays()
+{
+    static const std::array<Overlay, 3> overlays{
+        Overlay{&AppState::showQuickOpen, &AppState::setShowQuickOpen, &AppState::showQuickOpenChanged, 0.35,
+                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+        Overlay{&AppState::showSearch, &AppState::setShowSearch, &AppState::showSearchChanged, 0.25,
+                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+        Overlay{&AppState::showGoToLine, &AppState::setShowGoToLine, &AppState::showGoToLineChanged, 0.25,
+                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+    };
+    return overlays;
+}
+
+WindowOverlays::WindowOverlays(AppState& appState, ThemeManager& themeManager, MainWindow& window)
+    : QObject(&window), appState_(appState), themeManager_(themeManager), window_(window)
+{
+    for (std::size_t index = 0; index < overlays().size(); ++index) {
+        connect(&appState_, overlays().at(index).changed, this, [this, index] { take(index); });
+        take(index);
+    }
+}
+
+void WindowOverlays::take(std::size_t index)
+{
+    const Overlay& overlay = overlays().at(index);
+    QPointer<OverlayLayer>& layer = layers_.at(index);
+    const bool isShown = (appState_.*overlay.isShown)();
+    if (isShown == !layer.isNull()) {
+        return;
+    }
+    if (isShown) {
+        const auto dismiss = [this, &overlay] { (appState_.*overlay.setShown)(false); };
+        QWidget* content = overlay.make(appState_, themeManager_);
+        layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, window_.centralWidget());
+        layer->show();
+    } else {
+        // The click or the key that dismisses it is still being answered.
+        layer->hide();
+        layer->deleteLater();
+        layer = nullptr;
+    }
+    for (const QPointer<OverlayLayer>& each : layers_) {
+        if (each) {
+            each->raise();
+        }
+    }
+    giveKeyboard();
+}
+
+void WindowOverlays::giveKeyboard()
+{
+    OverlayLayer* top = nullptr;
+    for (const QPointer<OverlayLayer>& layer : layers_) {
+        top = layer ? layer.data() : top;
+    }
+    if (top == nullptr) {
+        window_.editorArea().focusCurrentEditor();
+    } else if (!top->isAncestorOf(window_.focusWidget())) {
+        top->content()->setFocus();
+    }
+}
+
+} // namespace kelm

@@ -1,0 +1,48 @@
+// The overlays above the window's panels, and its sheet.
+#pragma once
+
+#include "app/app_state.h"
+#include "editor/themes/theme_manager.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <array>
+#include <functional>
+
+namespace kelm {
+
+class MainWindow;
+class OverlayLayer;
+
+/// Shows each overlay while its flag of the state is set, on a layer that dims the window. Several show at once, those
+/// of the later flags on top. When the last of them closes the keyboard goes back to the text.
+class WindowOverlays final : public QObject
+{
+    Q_OBJECT
+
+public:
+    WindowOverlays(AppState& appState, ThemeManager& themeManager, MainWindow& window);
+
+private:
+    /// One overlay: its flag and its view.
+    struct Overlay
+    {
+        bool (AppState::*isShown)() const;
+        void (AppState::*setShown)(bool);
+        void (AppState::*changed)();
+        double dimOpacity;
+        std::function<QWidget*(AppState&, ThemeManager&)> make;
+    };
+    static const std::array<Overlay, 3>& overlays();
+
+    void take(std::size_t index);
+    void giveKeyboard();
+
+    AppState& appState_;
+    ThemeManager& themeManager_;
+    MainWindow& window_;
+    std::array<QPointer<OverlayLayer>, 3> layers_;
+};
+
+} // namespace kelm
