@@ -104,7 +104,8 @@ DocumentRightStatus::DocumentRightStatus(std::shared_ptr<Document> document, QWi
       lineCounter_(new LineCounter(*document_, this)),
       position_(new StatusBarItem({}, {}, false, this)),
       selection_(new StatusBarItem({}, {}, true, this)),
-      lines_(new StatusBarMenu(u"doc.text"_s, {}, [this](QMenu& menu) { fillCounts(menu); }, this)),
+      lines_(new StatusBarMenu(
+          u"doc.text"_s, {}, [this](QMenu& menu) { fillCounts(menu); }, this)),
       indent_(new StatusBarMenu(
           {}, {},
           [this](QMenu& menu) {

@@ -15,8 +15,8 @@ namespace kelm {
 
 class PlainButton;
 
-/// A bar of tabs, and below it the content of the one that is selected, which is made when its tab is first selected and
-/// then kept. The selected tab is this view's own: a sidebar that is made anew begins with the files.
+/// A bar of tabs, and below it the content of the one that is selected, which is made when its tab is first selected
+/// and then kept. The selected tab is this view's own: a sidebar that is made anew begins with the files.
 class SidebarView final : public QWidget
 {
     Q_OBJECT

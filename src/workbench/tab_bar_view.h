@@ -16,8 +16,8 @@ class TabItemView;
 class Workspace;
 
 /// One tab for each open document, in their order, and a button for a new one behind the last. Tabs are no model of
-/// their own: the strip follows the list of the state. What finds no room is scrolled to, sideways, and the selected tab
-/// is brought into sight.
+/// their own: the strip follows the list of the state. What finds no room is scrolled to, sideways, and the selected
+/// tab is brought into sight.
 class TabBarView final : public QWidget
 {
     Q_OBJECT

@@ -180,9 +180,9 @@ void TabItemView::paintGround(QPainter& painter) const
     if (selection > 0) {
         painter.setBrush(Tint(themeManager_.currentTheme().currentLineColor.toColor()).at(selection).on(*this));
         painter.drawRoundedRect(box, style::radius::control, style::radius::control);
-        painter.fillRect(QRectF(box.left() + style::radius::control, box.bottom() - 1,
-                                box.width() - 2 * style::radius::control, 1),
-                         Tint::primary().at(0.2 * selection).on(*this));
+        painter.fillRect(
+            QRectF(box.left() + style::radius::control, box.bottom() - 1, box.width() - 2 * style::radius::control, 1),
+            Tint::primary().at(0.2 * selection).on(*this));
     }
     if (hover > 0 && !isSelected_) {
         painter.setBrush(Tint::primary().at(0.05 * hover).on(*this));
@@ -217,8 +217,8 @@ void TabItemView::paintEvent(QPaintEvent*)
     const int left = horizontalPadding + chipSize + spacing;
     painter.setFont(titleFont());
     painter.setPen((isSelected_ ? Tint::primary() : Tint::secondary()).on(*this));
-    const QString title = QFontMetrics(titleFont()).elidedText(oneLine(document_->title()), Qt::ElideMiddle,
-                                                               right - left + 1);
+    const QString title =
+        QFontMetrics(titleFont()).elidedText(oneLine(document_->title()), Qt::ElideMiddle, right - left + 1);
     painter.drawText(QRect(left, 0, right - left + 1, height()), Qt::AlignVCenter | Qt::TextSingleLine, title);
     if (hasFocus()) {
         style::drawFocusRing(painter, QRectF(rect()), style::radius::control, *this);
@@ -290,11 +290,10 @@ void TabItemView::fillContextMenu(QMenu& menu)
     menu.addAction(QStringLiteral("Close All"), this, callbacks_.onCloseAll);
     menu.addSeparator();
     const std::optional<QUrl> url = document_->fileURL();
-    QAction* copy = menu.addAction(QStringLiteral("Copy Path"), this, [url] {
-        QGuiApplication::clipboard()->setText(url->toLocalFile());
-    });
-    QAction* reveal = menu.addAction(QStringLiteral("Reveal in Finder"), this,
-                                     [this, url] { workspace_.reveal(*url); });
+    QAction* copy = menu.addAction(QStringLiteral("Copy Path"), this,
+                                   [url] { QGuiApplication::clipboard()->setText(url->toLocalFile()); });
+    QAction* reveal =
+        menu.addAction(QStringLiteral("Reveal in Finder"), this, [this, url] { workspace_.reveal(*url); });
     copy->setEnabled(url.has_value());
     reveal->setEnabled(url.has_value());
 }

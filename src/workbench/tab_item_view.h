@@ -39,8 +39,8 @@ class TabItemView final : public QWidget
     Q_OBJECT
 
 public:
-    TabItemView(std::shared_ptr<Document> document, bool isSelected, TabCallbacks callbacks,
-                ThemeManager& themeManager, Workspace& workspace, QWidget* parent = nullptr);
+    TabItemView(std::shared_ptr<Document> document, bool isSelected, TabCallbacks callbacks, ThemeManager& themeManager,
+                Workspace& workspace, QWidget* parent = nullptr);
 
     const std::shared_ptr<Document>& document() const { return document_; }
     bool isSelected() const { return isSelected_; }

@@ -90,8 +90,8 @@ ToolbarView::ToolbarView(AppState& appState, ThemeManager& themeManager, std::fu
     addDivider();
     addToggle({u"sidebar.left"_s, u"Toggle Sidebar (⌘B)"_s, &AppState::showSidebar, &AppState::setShowSidebar,
                &AppState::showSidebarChanged});
-    addToggle({u"rectangle.split.3x1"_s, u"Toggle Minimap (⇧⌘M)"_s, &AppState::showMinimap,
-               &AppState::setShowMinimap, &AppState::showMinimapChanged});
+    addToggle({u"rectangle.split.3x1"_s, u"Toggle Minimap (⇧⌘M)"_s, &AppState::showMinimap, &AppState::setShowMinimap,
+               &AppState::showMinimapChanged});
     addToggle({u"rectangle.bottomthird.inset.filled"_s, u"Toggle Bottom Panel (⌃`)"_s, &AppState::showBottomPanel,
                &AppState::setShowBottomPanel, &AppState::showBottomPanelChanged});
     addButton(u"gear"_s, u"Settings"_s, std::move(openSettings));

@@ -1,6 +1,5 @@
-#include "workbench/text_counts.h"
-
 #include "app/document.h"
+#include "workbench/text_counts.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -30,8 +29,8 @@ void TextCountsTest::counts_data()
     QTest::newRow("a final newline opens a line") << u"a\n"_s << qsizetype(2) << qsizetype(1);
     QTest::newRow("CR LF counts as two separators") << u"a\r\nb"_s << qsizetype(3) << qsizetype(2);
     QTest::newRow("all newlines") << u"a\u000bb\u000cc\u0085d\u2028e\u2029f"_s << qsizetype(6) << qsizetype(6);
-    QTest::newRow("neighbours of newlines are none") << u"a\u0009b\u000eb\u2027c\u202ad\u0084e\u0086"_s << qsizetype(1)
-                                                     << qsizetype(2);
+    QTest::newRow("neighbours of newlines are none")
+        << u"a\u0009b\u000eb\u2027c\u202ad\u0084e\u0086"_s << qsizetype(1) << qsizetype(2);
     QTest::newRow("wide blanks part words") << u"가\u3000나\u00a0다"_s << qsizetype(1) << qsizetype(3);
     QTest::newRow("blanks alone") << u" \t \n "_s << qsizetype(2) << qsizetype(0);
 }

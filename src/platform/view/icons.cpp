@@ -40,11 +40,8 @@ void paint(QPainter& painter, const QString& name, const QRectF& rectangle, cons
     }
     const qreal ratio = painter.device()->devicePixelRatioF();
     const QSize size = (rectangle.size() * ratio).toSize();
-    const QString key = QStringLiteral("kelm-icon/%1/%2x%3/%4")
-                            .arg(name)
-                            .arg(size.width())
-                            .arg(size.height())
-                            .arg(tint.rgba(), 8, 16);
+    const QString key =
+        QStringLiteral("kelm-icon/%1/%2x%3/%4").arg(name).arg(size.width()).arg(size.height()).arg(tint.rgba(), 8, 16);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
         pixmap = draw(name, size, tint);
