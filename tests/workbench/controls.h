@@ -50,7 +50,7 @@ inline QStringList linesOf(const QMenu& menu)
 inline QMenu* openMenu(PlainButton& button)
 {
     QTest::mousePress(&button, Qt::LeftButton);
-    const auto menus = button.findChildren<QMenu*>();
+    const auto menus = button.findChildren<QMenu*>(Qt::FindDirectChildrenOnly);
     return menus.isEmpty() ? nullptr : menus.last();
 }
 

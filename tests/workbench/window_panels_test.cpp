@@ -1,0 +1,284 @@
+#include "workbench/controls.h"
+#include "workbench/bottom_panel.h"
+#include "workbench/overlay_layer.h"
+#include "workbench/sidebar_view.h"
+#include "workbench/status_bar_view.h"
+#include "workbench/tool_bar_view.h"
+#include "workbench/window_fixture.h"
+
+#include <QSplitter>
+
+using namespace kelm;
+using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Fixture : WindowFixture
+{
+    QList<OverlayLayer*> layers() const
+    {
+        QList<OverlayLayer*> layers;
+        for (QObject* child : window.centralWidget()->children()) {
+            if (auto* layer = qobject_cast<OverlayLayer*>(child)) {
+                layers.append(layer);
+            }
+        }
+        return layers;
+    }
+    void settle()
+    {
+        turnQueue();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+};
+
+} // namespace
+
+class WindowPanelsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
+    void atFirstTheSidebarStandsBesideTheWelcome();
+    void theSidebarKeepsItsWidths();
+    void hidingTheSidebarReturnsItToFiles();
+    void theSelectedSidebarTabIsMarked();
+    void sidebarTabsStandInTheirOrder();
+    void theBottomPanelKeepsItsTabOverClosing();
+    void theBottomPanelKeepsItsHeights();
+    void bottomTabsSelect();
+    void theWindowDoesNotShrinkBelowItsFloor();
+    void panelsFitAtTheSmallestAndTheLargestSize_data();
+    void panelsFitAtTheSmallestAndTheLargestSize();
+    void overlaysFollowTheirFlags_data();
+    void overlaysFollowTheirFlags();
+    void twoOverlaysShowAndTheLaterIsOnTop();
+    void aClickBesideAnOverlayDismissesItAndOneInsideDoesNot();
+    void escapeClosesAnOverlayAndTheTextHasTheKeyboard();
+    void overlaysFillTheWindowAsItGrows();
+};
+
+void WindowPanelsTest::atFirstTheSidebarStandsBesideTheWelcome()
+{
+    Fixture fixture;
+    QVERIFY(fixture.window.sidebar() != nullptr && fixture.window.sidebar()->isVisible());
+    QVERIFY(visibleButton(fixture.window.editorArea(), u"New File"_s) != nullptr);
+    QVERIFY(fixture.window.bottomPanel() == nullptr);
+    QVERIFY(fixture.window.lessonPanel() == nullptr);
+}
+
+void WindowPanelsTest::theSidebarKeepsItsWidths()
+{
+    Fixture fixture;
+    auto* splitter = qobject_cast<QSplitter*>(fixture.window.sidebar()->parentWidget());
+    QVERIFY(splitter != nullptr);
+    QCOMPARE(fixture.window.sidebar()->width(), 260);
+    splitter->setSizes({10, 2000});
+    QCOMPARE(fixture.window.sidebar()->width(), 220);
+    splitter->setSizes({2000, 10});
+    QCOMPARE(fixture.window.sidebar()->width(), 420);
+}
+
+void WindowPanelsTest::hidingTheSidebarReturnsItToFiles()
+{
+    Fixture fixture;
+    fixture.window.sidebar()->select(SidebarTab::extensions);
+    fixture.state.setShowSidebar(false);
+    QVERIFY(fixture.window.sidebar() == nullptr);
+    fixture.state.setShowSidebar(true);
+    fixture.settle();
+    QCOMPARE(fixture.window.sidebar()->selectedTab(), SidebarTab(SidebarTab::files));
+    QCOMPARE(fixture.window.sidebar()->width(), 260);
+}
+
+void WindowPanelsTest::theSelectedSidebarTabIsMarked()
+{
+    Fixture fixture;
+    SidebarView& sidebar = *fixture.window.sidebar();
+    QTest::mouseClick(&sidebar.tabButton(SidebarTab::extensions), Qt::LeftButton);
+    QCOMPARE(sidebar.selectedTab(), SidebarTab(SidebarTab::extensions));
+    for (const SidebarTab tab : SidebarTab::allCases()) {
+        QCOMPARE(sidebar.tabButton(tab).isChecked(), tab == SidebarTab(SidebarTab::extensions));
+    }
+    // A second click leaves it as it is.
+    QTest::mouseClick(&sidebar.tabButton(SidebarTab::extensions), Qt::LeftButton);
+    QVERIFY(sidebar.tabButton(SidebarTab::extensions).isChecked());
+}
+
+void WindowPanelsTest::sidebarTabsStandInTheirOrder()
+{
+    Fixture fixture;
+    SidebarView& sidebar = *fixture.window.sidebar();
+    QStringList helps;
+    int right = 0;
+    for (const SidebarTab tab : SidebarTab::allCases()) {
+        helps.append(sidebar.tabButton(tab).toolTip());
+        QVERIFY(sidebar.tabButton(tab).x() > right);
+        right = sidebar.tabButton(tab).geometry().right();
+    }
+    QCOMPARE(helps, (QStringList{u"Explorer"_s, u"Search"_s, u"Source Control"_s, u"Extensions"_s}));
+}
+
+void WindowPanelsTest::theBottomPanelKeepsItsTabOverClosing()
+{
+    Fixture fixture;
+    fixture.state.setBottomPanelTab(BottomPanelTab::problems);
+    fixture.state.setShowBottomPanel(true);
+    BottomPanel& panel = *fixture.window.bottomPanel();
+    QVERIFY(panel.isVisible() && panel.tabButton(BottomPanelTab::problems).isChecked());
+    QTest::mouseClick(&panel.closeButton(), Qt::LeftButton);
+    QVERIFY(!fixture.state.showBottomPanel());
+    QVERIFY(!panel.isVisible());
+    fixture.command(u"Toggle Bottom Panel"_s)->trigger();
+    QVERIFY(fixture.window.bottomPanel()->isVisible());
+    QCOMPARE(fixture.state.bottomPanelTab(), BottomPanelTab(BottomPanelTab::problems));
+}
+
+void WindowPanelsTest::theBottomPanelKeepsItsHeights()
+{
+    Fixture fixture;
+    fixture.state.setShowBottomPanel(true);
+    fixture.turnQueue();
+    auto* splitter = qobject_cast<QSplitter*>(fixture.window.bottomPanel()->parentWidget());
+    QCOMPARE(fixture.window.bottomPanel()->height(), 280);
+    splitter->setSizes({2000, 10});
+    QCOMPARE(fixture.window.bottomPanel()->height(), 200);
+    fixture.window.resize(1200, 1400);
+    fixture.turnQueue();
+    splitter->setSizes({10, 2000});
+    QCOMPARE(fixture.window.bottomPanel()->height(), 500);
+}
+
+void WindowPanelsTest::bottomTabsSelect()
+{
+    Fixture fixture;
+    fixture.state.setShowBottomPanel(true);
+    BottomPanel& panel = *fixture.window.bottomPanel();
+    for (const BottomPanelTab tab : {BottomPanelTab::output, BottomPanelTab::problems, BottomPanelTab::terminal}) {
+        QTest::mouseClick(&panel.tabButton(tab), Qt::LeftButton);
+        QCOMPARE(fixture.state.bottomPanelTab(), tab);
+        QVERIFY(panel.content()->isVisible());
+        for (const BottomPanelTab other : BottomPanelTab::allCases()) {
+            QCOMPARE(panel.tabButton(other).isChecked(), other == tab);
+        }
+    }
+}
+
+void WindowPanelsTest::theWindowDoesNotShrinkBelowItsFloor()
+{
+    Fixture fixture;
+    fixture.window.resize(100, 100);
+    QVERIFY(fixture.window.width() >= 900 && fixture.window.height() >= 600);
+}
+
+void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("smallest") << QSize(900, 600);
+    QTest::newRow("largest") << QSize(3840, 2160);
+}
+
+void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize()
+{
+    QFETCH(QSize, size);
+    Fixture fixture;
+    fixture.state.openSnippet(u"a"_s, Language::python, std::nullopt);
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.home.path()));
+    fixture.state.setShowBottomPanel(true);
+    fixture.window.resize(size);
+    fixture.settle();
+    QVERIFY(fixture.window.height() <= size.height() + 1);
+    // No control of toolbar and status bar is cut or lies on its neighbour.
+    for (const QWidget* bar : {static_cast<QWidget*>(&fixture.window.toolbar()),
+                               static_cast<QWidget*>(&fixture.window.statusBarView())}) {
+        QList<QRect> places;
+        for (const auto* button : bar->findChildren<PlainButton*>()) {
+            if (!button->isVisible()) {
+                continue;
+            }
+            const QRect place(button->mapTo(bar, QPoint()), button->size());
+            QVERIFY(bar->rect().contains(place));
+            QVERIFY(button->width() >= button->sizeHint().width());
+            for (const QRect& other : std::as_const(places)) {
+                QVERIFY(!other.intersects(place));
+            }
+            places.append(place);
+        }
+    }
+    QVERIFY(fixture.window.editorArea().height() > 60);
+}
+
+void WindowPanelsTest::overlaysFollowTheirFlags_data()
+{
+    QTest::addColumn<QByteArray>("flag");
+    QTest::newRow("quick open") << QByteArray("showQuickOpen");
+    QTest::newRow("search") << QByteArray("showSearch");
+    QTest::newRow("go to line") << QByteArray("showGoToLine");
+}
+
+void WindowPanelsTest::overlaysFollowTheirFlags()
+{
+    QFETCH(QByteArray, flag);
+    Fixture fixture;
+    QVERIFY(fixture.layers().isEmpty());
+    fixture.state.setProperty(flag, true);
+    QCOMPARE(fixture.layers().size(), 1);
+    QVERIFY(fixture.layers().first()->isVisible());
+    QCOMPARE(fixture.layers().first()->size(), fixture.window.centralWidget()->size());
+    fixture.state.setProperty(flag, false);
+    fixture.settle();
+    QVERIFY(fixture.layers().isEmpty());
+}
+
+void WindowPanelsTest::twoOverlaysShowAndTheLaterIsOnTop()
+{
+    Fixture fixture;
+    fixture.state.setShowGoToLine(true);
+    fixture.state.setShowQuickOpen(true);
+    const auto layers = fixture.layers();
+    QCOMPARE(layers.size(), 2);
+    // The last child is painted on top: the line number's, which the state raised first.
+    fixture.state.setShowGoToLine(false);
+    fixture.settle();
+    QCOMPARE(fixture.layers(), QList<OverlayLayer*>{layers.first()});
+}
+
+void WindowPanelsTest::aClickBesideAnOverlayDismissesItAndOneInsideDoesNot()
+{
+    Fixture fixture;
+    fixture.state.setShowSearch(true);
+    fixture.turnQueue();
+    OverlayLayer* layer = fixture.layers().first();
+    QTest::mouseClick(layer->content(), Qt::LeftButton, {}, {2, 2});
+    QVERIFY(fixture.state.showSearch());
+    QTest::mouseClick(layer, Qt::LeftButton, {}, {3, layer->height() - 3});
+    QVERIFY(!fixture.state.showSearch());
+}
+
+void WindowPanelsTest::escapeClosesAnOverlayAndTheTextHasTheKeyboard()
+{
+    Fixture fixture;
+    fixture.state.createNewTab();
+    fixture.state.setShowGoToLine(true);
+    fixture.turnQueue();
+    QVERIFY(fixture.layers().first()->isAncestorOf(fixture.window.focusWidget()));
+    QTest::keyClick(fixture.window.focusWidget(), Qt::Key_Escape);
+    fixture.settle();
+    QVERIFY(!fixture.state.showGoToLine());
+    QVERIFY(fixture.text().hasFocus());
+}
+
+void WindowPanelsTest::overlaysFillTheWindowAsItGrows()
+{
+    Fixture fixture;
+    fixture.state.setShowSearch(true);
+    fixture.window.resize(1500, 900);
+    fixture.turnQueue();
+    QCOMPARE(fixture.layers().first()->size(), fixture.window.centralWidget()->size());
+}
+
+QTEST_MAIN(WindowPanelsTest)
+#include "window_panels_test.moc"
