@@ -78,6 +78,7 @@ private Q_SLOTS:
     void clearingTheMenuEmptiesAndStores();
     void aNewWindowDoesNothing();
     void fileCommandsWork();
+    void cloningShowsItsDialog();
     void sortCommandsWork();
     void togglesFlip();
     void runRunsTheCurrentDocument();
@@ -115,8 +116,13 @@ void CommandTableTest::linesStandInTheirOrder_data()
     QTest::addColumn<int>("group");
     QTest::addColumn<QStringList>("lines");
     QTest::newRow("new items") << 0
-                               << QStringList{u"New File | Ctrl+N"_s, u"New Window | Ctrl+Shift+N"_s, u"-"_s,
-                                              u"Open... | Ctrl+O"_s, u"Open Recent >"_s};
+                               << QStringList{u"New File | Ctrl+N"_s,
+                                              u"New Window | Ctrl+Shift+N"_s,
+                                              u"-"_s,
+                                              u"Open... | Ctrl+O"_s,
+                                              u"Open Recent >"_s,
+                                              u"-"_s,
+                                              u"Clone Repository… | Ctrl+Shift+K"_s};
     QTest::newRow("save items") << 1
                                 << QStringList{u"Save | Ctrl+S"_s, u"Save As... | Ctrl+Shift+S"_s,
                                                u"Save All | Ctrl+Alt+S"_s};
@@ -173,7 +179,7 @@ void CommandTableTest::everyCommandHasAnActionAndNoKeyIsTwice()
     for (const MenuGroup& group : commandTable()) {
         walk(group.items);
     }
-    QCOMPARE(keys.size(), 18);
+    QCOMPARE(keys.size(), 19);
 }
 
 void CommandTableTest::anEmptyListOfRecentFilesIsAnEmptySubmenu()
@@ -234,6 +240,14 @@ void CommandTableTest::fileCommandsWork()
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("one"));
     QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("two"));
     QCOMPARE(fixture_->filePanels.savePanelsShown, 2);
+}
+
+void CommandTableTest::cloningShowsItsDialog()
+{
+    run(u"Clone Repository…"_s, state());
+    QVERIFY(state().showCloneDialog());
+    run(u"Clone Repository…"_s, state());
+    QVERIFY(state().showCloneDialog());
 }
 
 void CommandTableTest::sortCommandsWork()

@@ -75,7 +75,8 @@ void MenuBarTest::linesReadBackAsTheTableHasThem_data()
     QTest::addColumn<QString>("lines");
     QTest::newRow("file") << QStringLiteral("File")
                           << QStringLiteral("New File | Ctrl+N\nNew Window | Ctrl+Shift+N\n-\nOpen... | Ctrl+O\n"
-                                            "Open Recent >\n-\nSave | Ctrl+S\nSave As... | Ctrl+Shift+S\n"
+                                            "Open Recent >\n-\nClone Repository… | Ctrl+Shift+K\n-\n"
+                                            "Save | Ctrl+S\nSave As... | Ctrl+Shift+S\n"
                                             "Save All | Ctrl+Alt+S");
     QTest::newRow("edit") << QStringLiteral("Edit")
                           << QStringLiteral(
