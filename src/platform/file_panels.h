@@ -16,6 +16,8 @@ struct OpenPanelOptions
     bool canChooseFiles = true;
     bool canChooseDirectories = false;
     bool allowsMultipleSelection = false;
+    /// The words on the button that chooses; empty for "Open".
+    QString prompt = {};
 };
 
 /// One choice of an open panel.

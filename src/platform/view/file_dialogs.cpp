@@ -68,7 +68,7 @@ FileAndFolderDialog::FileAndFolderDialog(QWidget* parent, const OpenPanelOptions
                 : options.allowsMultipleSelection ? QFileDialog::ExistingFiles
                                                   : QFileDialog::ExistingFile);
     setOption(QFileDialog::ShowDirsOnly, onlyFolders);
-    setLabelText(QFileDialog::Accept, tr("Open"));
+    setLabelText(QFileDialog::Accept, options.prompt.isEmpty() ? tr("Open") : options.prompt);
     if (!options.canChooseDirectories || onlyFolders) {
         return;
     }
