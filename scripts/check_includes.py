@@ -48,7 +48,7 @@ VIEWS = {
 def place(path):
     """The folder of a file below src/ and whether it is a view."""
     parts = pathlib.PurePosixPath(path).parts
-    if parts[0] == "workbench" or len(parts) == 1:
+    if parts[0] in {"workbench", "screenshots"} or len(parts) == 1:
         return "workbench", True
     return parts[0], "view" in parts[:-1]
 

@@ -60,9 +60,11 @@ BottomPanel::BottomPanel(AppState& appState, ThemeManager& themeManager, Pages p
                                        strip);
         button->setText(tab.label());
         button->setCheckable(true);
-        connect(button, &PlainButton::clicked, this, [this, tab] {
-            appState_.setBottomPanelTab(tab);
-            takeTab();
+        button->setAutoExclusive(true);
+        connect(button, &PlainButton::toggled, this, [this, tab](bool isSelected) {
+            if (isSelected) {
+                appState_.setBottomPanelTab(tab);
+            }
         });
         buttons_.at(tab) = button;
         row->addWidget(button);
@@ -98,7 +100,9 @@ void BottomPanel::takeTab()
 {
     const BottomPanelTab selected = appState_.bottomPanelTab();
     for (const BottomPanelTab tab : BottomPanelTab::allCases()) {
-        buttons_.at(tab)->setChecked(tab == selected);
+        if (tab == selected) {
+            buttons_.at(tab)->setChecked(true);
+        }
         QWidget*& content = contents_.at(tab);
         if (tab != selected && content != nullptr && !pages_.at(tab).outlivesItsTab) {
             stack_->removeWidget(content);

@@ -56,7 +56,12 @@ SidebarView::SidebarView(ThemeManager& themeManager, MakeContent makeContent, QW
             bar);
         button->setHelp(tab.helpLabel());
         button->setCheckable(true);
-        connect(button, &PlainButton::clicked, this, [this, tab] { select(tab); });
+        button->setAutoExclusive(true);
+        connect(button, &PlainButton::toggled, this, [this, tab](bool isSelected) {
+            if (isSelected && tab != selectedTab_) {
+                select(tab);
+            }
+        });
         buttons_.at(tab) = button;
         row->addWidget(button);
     }

@@ -203,9 +203,11 @@ void ToolbarView::addToggle(const Toggle& toggle)
     const auto follow = [this, button, isShown = toggle.isShown] { button->setChecked((appState_.*isShown)()); };
     follow();
     connect(&appState_, toggle.changed, button, follow);
-    connect(button, &PlainButton::clicked, this, [this, toggle, follow] {
-        (appState_.*toggle.setShown)(!(appState_.*toggle.isShown)());
-        follow();
+    // Screen readers toggle without a click.
+    connect(button, &PlainButton::toggled, this, [this, toggle](bool on) {
+        if ((appState_.*toggle.isShown)() != on) {
+            (appState_.*toggle.setShown)(on);
+        }
     });
     row_->addWidget(button);
 }

@@ -1,5 +1,5 @@
-#include "workbench/controls.h"
 #include "workbench/bottom_panel.h"
+#include "workbench/controls.h"
 #include "workbench/overlay_layer.h"
 #include "workbench/sidebar_view.h"
 #include "workbench/status_bar_view.h"
@@ -192,8 +192,8 @@ void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize()
     fixture.settle();
     QVERIFY(fixture.window.height() <= size.height() + 1);
     // No control of toolbar and status bar is cut or lies on its neighbour.
-    for (const QWidget* bar : {static_cast<QWidget*>(&fixture.window.toolbar()),
-                               static_cast<QWidget*>(&fixture.window.statusBarView())}) {
+    for (const QWidget* bar :
+         {static_cast<QWidget*>(&fixture.window.toolbar()), static_cast<QWidget*>(&fixture.window.statusBarView())}) {
         QList<QRect> places;
         for (const auto* button : bar->findChildren<PlainButton*>()) {
             if (!button->isVisible()) {

@@ -89,7 +89,7 @@ void FileAndFolderDialog::accept()
         for (const QString& path : selected) {
             chosen_.append({QUrl::fromLocalFile(path), QFileInfo(path).isDir()});
         }
-        QDialog::accept();
+        done(QDialog::Accepted);
         return;
     }
     QFileDialog::accept();

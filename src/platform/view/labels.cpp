@@ -115,18 +115,21 @@ void WrappedLabel::setTint(const Tint& tint)
 void WrappedLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::PaletteChange) {
         takeTint();
     }
 }
 
 void WrappedLabel::takeTint()
 {
-    // The parent still tells the appearance; this label's own palette may be that of the one before.
-    QPalette palette;
-    const QColor color = parentWidget() != nullptr ? tint_.on(*parentWidget()) : tint_.on(*this);
-    palette.setColor(QPalette::WindowText, color);
-    setPalette(palette);
+    // The colour of its text no longer tells the appearance once it has been tinted; that of the tool tips still does.
+    const bool isDark = palette().color(QPalette::ToolTipText).lightness() > 127;
+    const QColor color = tint_.in(isDark ? Appearance::dark : Appearance::light);
+    if (palette().color(QPalette::WindowText) != color) {
+        QPalette tinted;
+        tinted.setColor(QPalette::WindowText, color);
+        setPalette(tinted);
+    }
 }
 
 SymbolLabel::SymbolLabel(const QString& symbol, int size, const Tint& tint, QWidget* parent)

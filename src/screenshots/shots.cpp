@@ -1,0 +1,141 @@
+#include "screenshots/shots.h"
+
+#include "app/app_state.h"
+#include "editor/view/editor_container_view.h"
+#include "platform/view/plain_button.h"
+#include "text/view/find_bar.h"
+#include "text/view/text_view.h"
+#include "workbench/document_status.h"
+#include "workbench/editor_area.h"
+#include "workbench/main_window.h"
+#include "workbench/status_bar_items.h"
+#include "workbench/status_bar_view.h"
+#include "workbench/tool_bar_view.h"
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QLineEdit>
+#include <QMouseEvent>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm::screenshots {
+
+namespace {
+
+const QString orchard = u"Sources/orchard.swift"_s;
+const QString basket = u"Sources/basket.py"_s;
+const QString forecast = u"Sources/Weather/forecast.ts"_s;
+const QString readme = u"README.md"_s;
+
+QString source(const char* path)
+{
+    return QDir(QStringLiteral(KELM_SOURCE_ROOT)).filePath(QString::fromLatin1(path));
+}
+
+void foldSecondRegion(Stage& stage)
+{
+    EditorContainerView& editor = *stage.window.editorArea().currentEditor();
+    const std::vector<FoldableRegion>& regions = editor.codeFoldingManager().foldableRegions();
+    if (regions.size() > 2) {
+        editor.codeFoldingManager().fold(regions[2]);
+    }
+}
+
+void findWord(Stage& stage, const QString& word)
+{
+    EditorContainerView& editor = *stage.window.editorArea().currentEditor();
+    editor.textView().showReplaceBar();
+    editor.textView().findBar().findChild<QLineEdit*>()->setText(word);
+    settle();
+    editor.textView().findNext();
+}
+
+void press(QWidget& widget)
+{
+    const QPointF place = widget.rect().center();
+    QMouseEvent event(QEvent::MouseButtonPress, place, widget.mapToGlobal(place), Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&widget, &event);
+    settle();
+}
+
+/// A picture of each menu of the status bar.
+std::vector<Shot> menuShots()
+{
+    struct Menu
+    {
+        const char* name;
+        std::function<QWidget&(MainWindow&)> button;
+    };
+    const std::vector<Menu> menus{
+        {"menu-language",
+         [](MainWindow& window) -> QWidget& { return window.statusBarView().leftStatus()->languageMenu(); }},
+        {"menu-encoding",
+         [](MainWindow& window) -> QWidget& { return window.statusBarView().leftStatus()->encodingMenu(); }},
+        {"menu-line-ending",
+         [](MainWindow& window) -> QWidget& { return window.statusBarView().leftStatus()->lineEndingMenu(); }},
+        {"menu-counts",
+         [](MainWindow& window) -> QWidget& { return window.statusBarView().rightStatus()->linesMenu(); }},
+        {"menu-indent",
+         [](MainWindow& window) -> QWidget& { return window.statusBarView().rightStatus()->indentMenu(); }},
+        {"menu-theme", [](MainWindow& window) -> QWidget& { return window.statusBarView().themeMenu(); }},
+    };
+    std::vector<Shot> shots;
+    for (const Menu& menu : menus) {
+        shots.push_back({menu.name, {orchard, basket}, [menu](Stage& stage) { press(menu.button(stage.window)); }});
+    }
+    return shots;
+}
+
+} // namespace
+
+void settle()
+{
+    for (int turn = 0; turn < 4; ++turn) {
+        QCoreApplication::processEvents();
+    }
+}
+
+void settleUntil(const std::function<bool()>& isDone)
+{
+    constexpr int patienceMilliseconds = 10'000;
+    const QDeadlineTimer deadline(patienceMilliseconds);
+    while (!isDone() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 50);
+    }
+    settle();
+}
+
+std::vector<Shot> shots()
+{
+    const QString swift = source("tests/editor/data/swift.swift");
+    const QString javascript = source("tests/editor/data/javascript.js");
+    const QString python = source("tests/editor/data/python.py");
+    const QString cpp = source("src/text/view/text_view.cpp");
+    const QString korean = source("docs/samples/korean.swift");
+    std::vector<Shot> shots{
+        {"welcome", {}, {}},
+        {"editor", {orchard, basket, forecast, readme}},
+        {.name = "themes",
+         .files = {orchard, basket},
+         .themes = {{u"Dracula"_s, u"dracula"_s},
+                    {u"Solarized Dark"_s, u"solarized"_s},
+                    {u"One Dark"_s, u"one-dark"_s},
+                    {u"Neon Kelm"_s, u"neon"_s}}},
+        {.name = "folded", .files = {swift}, .prepare = foldSecondRegion, .showsProject = false},
+        {.name = "find",
+         .files = {javascript},
+         .prepare = [](Stage& stage) { findWord(stage, u"return"_s); },
+         .showsProject = false},
+        {.name = "korean", .files = {korean}, .showsProject = false},
+        {.name = "korean-2x", .files = {korean}, .scale = 2, .showsProject = false},
+        {.name = "editor-2x", .files = {orchard, basket}, .scale = 2},
+    };
+    for (Shot& shot : menuShots()) {
+        shots.push_back(std::move(shot));
+    }
+    return shots;
+}
+
+} // namespace kelm::screenshots
