@@ -28,6 +28,7 @@ ENGINES = {
     "run": {"platform"},
     "learning": {"platform"},
     "maintenance": {"platform"},
+    "settings": set(),
     "app": {"platform", "editor", "search", "git", "run", "learning", "maintenance", "text"},
 }
 
@@ -41,6 +42,7 @@ VIEWS = {
     "run": {"platform", "text", "editor"},
     "learning": {"platform", "text", "editor"},
     "maintenance": {"platform"},
+    "settings": {"platform", "text"},
     "app": {"platform"},
 }
 

@@ -4,6 +4,8 @@
 #include "editor/transforms/json_formatter.h"
 #include "editor/transforms/text_transformer.h"
 #include "editor/transforms/xml_formatter.h"
+#include "maintenance/auto_update_service.h"
+#include "maintenance/uninstall_service.h"
 #include "platform/file_url.h"
 
 #include <utility>
@@ -79,6 +81,14 @@ Action rewrite(std::function<QString(const QString&)> transform)
 
 void doNothing(AppState&) {}
 
+MenuItem checkForUpdatesItem()
+{
+    MenuItem check = item(u"Check for Updates…"_s,
+                          [](AppState&) { AutoUpdateService::shared().updaterController().checkForUpdates(); });
+    check.isEnabled = [] { return AutoUpdateService::shared().canCheckForUpdates(); };
+    return check;
+}
+
 std::vector<MenuGroup> makeCommandTable()
 {
     return {
@@ -138,6 +148,13 @@ std::vector<MenuGroup> makeCommandTable()
              item(u"Run"_s, command | Qt::Key_R, &AppState::runCurrentFile),
              item(u"Run in Terminal"_s, commandShift | Qt::Key_R,
                   [](AppState& state) { state.setShowBottomPanel(true); }),
+         }},
+        {u"KelmWright"_s,
+         MenuPlacement::afterAbout,
+         {
+             checkForUpdatesItem(),
+             separator(),
+             item(u"Uninstall KelmWright…"_s, [](AppState&) { UninstallService::confirmAndRun(); }),
          }},
         {u"Find"_s,
          MenuPlacement::ownMenu,

@@ -23,6 +23,8 @@ struct MenuItem
     std::optional<QKeyCombination> key = std::nullopt;
     /// What a command does.
     std::function<void(AppState&)> action = {};
+    /// Whether a command can be given now; asked each time its menu opens. Absent for one that always can.
+    std::function<bool()> isEnabled = {};
     /// The lines of a submenu that are always the same.
     std::vector<MenuItem> items = {};
     /// The lines of a submenu that follow the state; they are made anew each time it opens, and stand in place of
@@ -32,6 +34,7 @@ struct MenuItem
 
 /// Where a group of lines stands among the standard ones of its menu.
 enum class MenuPlacement {
+    afterAbout,
     replacingNewItems,
     replacingSaveItems,
     afterTextEditing,

@@ -167,7 +167,8 @@ bool makeHistory(const QString& folder)
            write(dir.filePath(QStringLiteral("README.md")), "# Orchard\n\nCounts apples, and weighs them.\n") &&
            commit(folder, "안내를 더 자세히 쓴다", "2026-03-01T08:05:00+0900") &&
            run({"remote", "add", "origin", "https://example.org/sol/orchard.git"}) &&
-           write(dir.filePath(QStringLiteral("Makefile")), "run:\n\tpython3 Sources/basket.py\n\nclean:\n\trm -rf out\n") &&
+           write(dir.filePath(QStringLiteral("Makefile")),
+                 "run:\n\tpython3 Sources/basket.py\n\nclean:\n\trm -rf out\n") &&
            run({"stash", "push", "-qm", "Try a make rule for cleaning"});
 }
 

@@ -3,6 +3,8 @@
 #include "app/app_state.h"
 #include "app/open_events.h"
 #include "editor/themes/theme_manager.h"
+#include "maintenance/auto_update_service.h"
+#include "platform/view/alert_dialogs.h"
 #include "platform/view/file_dialogs.h"
 #include "workbench/main_window.h"
 
@@ -17,6 +19,7 @@ namespace {
 AppState& sharedStateWithPanels()
 {
     FilePanels::install(std::make_unique<FileDialogs>());
+    Alerts::install(std::make_unique<AlertDialogs>());
     return AppState::shared();
 }
 
@@ -43,8 +46,10 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
 
 KelmPaneApp::KelmPaneApp()
     : appState_(sharedStateWithPanels()),
+      updateService_(AutoUpdateService::shared()),
       themeManager_(ThemeManager::shared()),
-      window_(std::make_unique<MainWindow>(appState_, themeManager_, Workspace::system()))
+      window_(std::make_unique<MainWindow>(
+          MainWindow::Services{appState_, themeManager_, Workspace::system(), UserDefaults::shared()}))
 {
     qApp->installEventFilter(&appDelegate_);
     // The process stays when its window is closed.

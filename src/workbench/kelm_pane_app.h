@@ -9,6 +9,7 @@
 namespace kelm {
 
 class AppState;
+class AutoUpdateService;
 class MainWindow;
 class ThemeManager;
 
@@ -41,10 +42,12 @@ public:
     /// Shows the window and opens what the command line names, taken from the working folder.
     void start(const QStringList& arguments);
     MainWindow& window() { return *window_; }
+    AutoUpdateService& updateService() { return updateService_; }
 
 private:
     AppDelegate appDelegate_;
     AppState& appState_;
+    AutoUpdateService& updateService_;
     ThemeManager& themeManager_;
     std::unique_ptr<MainWindow> window_;
 };

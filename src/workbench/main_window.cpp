@@ -1,6 +1,7 @@
 #include "workbench/main_window.h"
 
 #include "platform/view/divider.h"
+#include "settings/view/settings_view.h"
 #include "workbench/editor_area.h"
 #include "workbench/focus_order.h"
 #include "workbench/menu_bar.h"
@@ -43,21 +44,38 @@ Layout* makeTightLayout(QWidget* parent)
 
 } // namespace
 
-MainWindow::MainWindow(AppState& appState, ThemeManager& themeManager, Workspace& workspace, QWidget* parent)
-    : QMainWindow(parent), appState_(appState), themeManager_(themeManager), workspace_(workspace)
+MainWindow::MainWindow(const Services& services, QWidget* parent)
+    : QMainWindow(parent),
+      appState_(services.appState),
+      themeManager_(services.themeManager),
+      workspace_(services.workspace),
+      userDefaults_(services.userDefaults)
 {
     setWindowTitle(QStringLiteral("KelmWright"));
     setMinimumSize(smallestSize);
     resize(firstSize);
     setAcceptDrops(true);
-    setMenuBar(makeMenuBar(appState, this));
+    setMenuBar(makeMenuBar(
+        appState_, [this] { openSettings(); }, this));
     buildStack();
     connectState();
     takeSidebar();
     takeBottomPanel();
     takeLessonPanel();
     takeTheme();
-    new WindowOverlays(appState, themeManager, *this);
+    new WindowOverlays(appState_, themeManager_, *this);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::openSettings()
+{
+    if (!settings_) {
+        settings_ = std::make_unique<SettingsView>(userDefaults_, themeManager_);
+    }
+    settings_->show();
+    settings_->raise();
+    settings_->activateWindow();
 }
 
 void MainWindow::buildStack()
@@ -65,7 +83,7 @@ void MainWindow::buildStack()
     auto* stack = new QWidget(this);
     stack->setMinimumSize(smallestSize);
     toolbar_ = new ToolbarView(
-        appState_, themeManager_, [] {}, stack);
+        appState_, themeManager_, [this] { openSettings(); }, stack);
     columns_ = makeSplitter(Qt::Horizontal, stack);
     rows_ = makeSplitter(Qt::Vertical, columns_);
     auto* upper = new QWidget(rows_);

@@ -7,7 +7,7 @@
 
 #include <QMainWindow>
 
-#include <array>
+#include <memory>
 
 class QBoxLayout;
 class QSplitter;
@@ -17,6 +17,7 @@ namespace kelm {
 class BottomPanel;
 class EditorArea;
 class OverlayLayer;
+class SettingsView;
 class SidebarView;
 class StatusBarView;
 class TabBarView;
@@ -30,7 +31,22 @@ class MainWindow final : public QMainWindow
     Q_OBJECT
 
 public:
-    MainWindow(AppState& appState, ThemeManager& themeManager, Workspace& workspace, QWidget* parent = nullptr);
+    /// What the window shows and reaches; all of it outlives the window.
+    struct Services
+    {
+        AppState& appState;
+        ThemeManager& themeManager;
+        Workspace& workspace;
+        UserDefaults& userDefaults;
+    };
+
+    explicit MainWindow(const Services& services, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Shows the settings window, or brings it to the front.
+    void openSettings();
+    /// Null until it is first shown.
+    SettingsView* settings() const { return settings_.get(); }
 
     EditorArea& editorArea() { return *editorArea_; }
     ToolbarView& toolbar() { return *toolbar_; }
@@ -59,6 +75,7 @@ private:
     AppState& appState_;
     ThemeManager& themeManager_;
     Workspace& workspace_;
+    UserDefaults& userDefaults_;
     ToolbarView* toolbar_ = nullptr;
     QSplitter* columns_ = nullptr;
     QSplitter* rows_ = nullptr;
@@ -69,6 +86,7 @@ private:
     SidebarView* sidebar_ = nullptr;
     BottomPanel* bottomPanel_ = nullptr;
     QWidget* lessonPanel_ = nullptr;
+    std::unique_ptr<SettingsView> settings_;
 };
 
 } // namespace kelm

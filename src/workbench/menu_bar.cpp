@@ -79,6 +79,11 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appStat
         case MenuItem::Kind::command: {
             // An ampersand in a file's name is no mnemonic.
             QAction* action = menu.addAction(QString(item.label).replace(u'&', QStringLiteral("&&")));
+            if (item.isEnabled) {
+                const auto update = [action, isEnabled = item.isEnabled] { action->setEnabled(isEnabled()); };
+                update();
+                QObject::connect(&menu, &QMenu::aboutToShow, action, update);
+            }
             if (item.key) {
                 action->setShortcut(QKeySequence(*item.key));
             }
@@ -104,7 +109,7 @@ void addGroups(QMenu& menu, MenuPlacement placement, AppState& appState)
     }
 }
 
-void addApplicationMenu(QMenuBar& bar)
+void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<void()>& openSettings)
 {
     QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
     QAction* about = menu->addAction(QObject::tr("About KelmWright"));
@@ -114,6 +119,11 @@ void addApplicationMenu(QMenuBar& bar)
                            QObject::tr("KelmWright %1\n\nA code editor for writing and learning.")
                                .arg(QCoreApplication::applicationVersion()));
     });
+    addGroups(*menu, MenuPlacement::afterAbout, appState);
+    menu->addSeparator();
+    QAction* settings = menu->addAction(QObject::tr("Settings…"), &bar, openSettings);
+    settings->setMenuRole(QAction::PreferencesRole);
+    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     menu->addSeparator();
     QAction* quit = menu->addAction(QObject::tr("Quit KelmWright"), &QCoreApplication::quit);
     quit->setMenuRole(QAction::QuitRole);
@@ -142,10 +152,10 @@ void addEditingItems(QMenu& menu)
 
 } // namespace
 
-QMenuBar* makeMenuBar(AppState& appState, QWidget* parent)
+QMenuBar* makeMenuBar(AppState& appState, std::function<void()> openSettings, QWidget* parent)
 {
     auto* bar = new QMenuBar(parent);
-    addApplicationMenu(*bar);
+    addApplicationMenu(*bar, appState, openSettings);
     QMenu* file = bar->addMenu(QStringLiteral("File"));
     addGroups(*file, MenuPlacement::replacingNewItems, appState);
     addGroups(*file, MenuPlacement::replacingSaveItems, appState);

@@ -3,13 +3,15 @@
 
 #include "app/app_state.h"
 
+#include <functional>
+
 class QMenuBar;
 class QWidget;
 
 namespace kelm {
 
 /// A menu bar with the standard menus and, at their places in them, the groups of the command table. What a text view
-/// is composing is put into its text before a command runs.
-QMenuBar* makeMenuBar(AppState& appState, QWidget* parent);
+/// is composing is put into its text before a command runs. `openSettings` shows the settings window.
+QMenuBar* makeMenuBar(AppState& appState, std::function<void()> openSettings, QWidget* parent);
 
 } // namespace kelm

@@ -108,6 +108,7 @@ void CommandTableTest::groupsStandInTheirOrder()
                                                                {u"Edit"_s, MenuPlacement::afterTextEditing},
                                                                {u"View"_s, MenuPlacement::afterToolbar},
                                                                {u"Run"_s, MenuPlacement::ownMenu},
+                                                               {u"KelmWright"_s, MenuPlacement::afterAbout},
                                                                {u"Find"_s, MenuPlacement::ownMenu}}));
 }
 
@@ -148,7 +149,8 @@ void CommandTableTest::linesStandInTheirOrder_data()
 #endif
                                          u"Toggle Minimap | Ctrl+Shift+M"_s};
     QTest::newRow("run") << 4 << QStringList{u"Run | Ctrl+R"_s, u"Run in Terminal | Ctrl+Shift+R"_s};
-    QTest::newRow("find") << 5 << QStringList{u"Find... | Ctrl+F"_s,
+    QTest::newRow("application") << 5 << QStringList{u"Check for Updates…"_s, u"-"_s, u"Uninstall KelmWright…"_s};
+    QTest::newRow("find") << 6 << QStringList{u"Find... | Ctrl+F"_s,
                                               u"Find and Replace... | Ctrl+H"_s,
                                               u"Find in Project... | Ctrl+Shift+F"_s,
                                               u"-"_s,

@@ -1,5 +1,4 @@
 #include "platform/view/labels.h"
-
 #include "platform/view/style.h"
 
 #include <QApplication>

@@ -27,7 +27,7 @@ struct WindowFixture
     AppState state{{panels, defaults, Scheduler::system(), notifications, log}};
     ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
     FakeWorkspace workspace;
-    MainWindow window{state, themes, workspace};
+    MainWindow window{{state, themes, workspace, defaults}};
 
     WindowFixture()
     {

@@ -1,0 +1,31 @@
+#include "platform/alerts.h"
+
+namespace kelm {
+
+namespace {
+
+class NoAlerts final : public Alerts
+{
+public:
+    std::optional<int> runWarning(const Alert&) override { return std::nullopt; }
+};
+
+std::unique_ptr<Alerts>& installed()
+{
+    static std::unique_ptr<Alerts> alerts = std::make_unique<NoAlerts>();
+    return alerts;
+}
+
+} // namespace
+
+Alerts& Alerts::shared()
+{
+    return *installed();
+}
+
+void Alerts::install(std::unique_ptr<Alerts> alerts)
+{
+    installed() = std::move(alerts);
+}
+
+} // namespace kelm

@@ -1,0 +1,23 @@
+// Alerts that answer what a test tells them.
+#pragma once
+
+#include "platform/alerts.h"
+
+#include <QList>
+
+namespace kelm {
+
+class FakeAlerts final : public Alerts
+{
+public:
+    std::optional<int> runWarning(const Alert& alert) override
+    {
+        shown << alert;
+        return answer;
+    }
+
+    std::optional<int> answer;
+    QList<Alert> shown;
+};
+
+} // namespace kelm
