@@ -65,6 +65,14 @@ void TextEditor::foreignEditDone(const TextEdit& edit)
     }
 }
 
+void TextEditor::forgetUndo()
+{
+    if (history_.hasUndo() || history_.hasRedo()) {
+        history_.clear();
+        Q_EMIT undoAvailabilityChanged();
+    }
+}
+
 void TextEditor::setSelections(SelectionSet selections)
 {
     std::vector<Selection> valid = selections.all();

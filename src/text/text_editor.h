@@ -92,6 +92,8 @@ public:
     void redo();
     bool canUndo() const { return !isReadOnly_ && history_.hasUndo(); }
     bool canRedo() const { return !isReadOnly_ && history_.hasRedo(); }
+    /// Forgets what can be undone and redone.
+    void forgetUndo();
     /// The next edit begins an undo step of its own.
     void endUndoRun() { history_.endRun(); }
 
