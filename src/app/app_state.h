@@ -111,6 +111,9 @@ public:
     const std::optional<QUrl>& currentProject() const { return currentProject_; }
     void setCurrentProject(const std::optional<QUrl>& project);
 
+    /// Where the state and its runner post.
+    NotificationCenter& notificationCenter() const { return services_.notificationCenter; }
+
     /// The one runner of files and snippets, the same for the whole run.
     CodeRunner& codeRunner() const { return *codeRunner_; }
 

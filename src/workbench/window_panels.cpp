@@ -1,5 +1,8 @@
 #include "workbench/window_panels.h"
 
+#include "run/view/output_view.h"
+#include "run/view/problems_view.h"
+#include "run/view/terminal_view.h"
 #include "workbench/extensions_view.h"
 
 namespace kelm {
@@ -20,10 +23,14 @@ QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& th
 
 BottomPanel::Pages bottomPanelPages(AppState& appState, ThemeManager& themeManager)
 {
-    Q_UNUSED(appState)
-    Q_UNUSED(themeManager)
-    const auto make = [](QWidget* parent) { return new ExtensionsView(parent); };
-    return {BottomPanel::Page{make, true}, BottomPanel::Page{make}, BottomPanel::Page{make}};
+    const auto terminal = [&](QWidget* parent) {
+        return new TerminalView(appState, {.notifications = appState.notificationCenter()}, parent);
+    };
+    const auto output = [&](QWidget* parent) {
+        return new OutputView(appState.notificationCenter(), themeManager, parent);
+    };
+    const auto problems = [&](QWidget* parent) { return new ProblemsView(themeManager, parent); };
+    return {BottomPanel::Page{terminal, true}, BottomPanel::Page{output}, BottomPanel::Page{problems}};
 }
 
 } // namespace kelm

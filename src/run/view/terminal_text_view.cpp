@@ -1,0 +1,301 @@
+#include "run/view/terminal_text_view.h"
+
+#include "platform/character_sets.h"
+#include "platform/view/style.h"
+#include "run/ansi_parser.h"
+#include "text/view/text_view_keys.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr QSizeF terminalInset(4, 6);
+
+TextViewColors terminalColors()
+{
+    TextViewColors colors;
+    colors.background = plainColors::black;
+    colors.text = plainColors::green;
+    colors.insertionPoint = plainColors::green;
+    colors.selection = systemColor(SystemColor::accent, Appearance::dark);
+    colors.selection.setAlphaF(0.5F);
+    return colors;
+}
+
+/// Whether a key leaves the text as it is.
+bool onlyLooks(const QKeyEvent& event)
+{
+    if (const auto index = keyActionFor(event)) {
+        const KeyAction& action = keyActions()[static_cast<std::size_t>(*index)];
+        return action.kind == KeyAction::Kind::move || action.slot == &TextView::copy ||
+               action.slot == &TextView::selectAll;
+    }
+    return !insertsText(event);
+}
+
+} // namespace
+
+TerminalTextView::TerminalTextView(QWidget* parent)
+    : TextView(parent), follower_(new EndFollower(*this)), appearance_(style::appearanceOf(*this))
+{
+    setTextFont(style::monospaced(ANSIParser::fontSize));
+    setTextInset(terminalInset);
+    setColors(terminalColors());
+    setAccessibleName(tr("Terminal"));
+    connect(&storage(), &TextStorage::willReplace, this, [this] { isTyping_ = editor().isEditing(); });
+    connect(&storage(), &TextStorage::edited, this, &TerminalTextView::textEdited);
+}
+
+TerminalTextView::~TerminalTextView() = default;
+
+void TerminalTextView::setSession(TerminalSession* session)
+{
+    if (session_) {
+        disconnect(session_, nullptr, this, nullptr);
+    }
+    session_ = session;
+    editor().setReadOnly(session != nullptr && session->isBusy());
+    if (session != nullptr) {
+        connect(session, &TerminalSession::isBusyChanged, this,
+                [this, session] { editor().setReadOnly(session->isBusy()); });
+        connect(session, &QObject::destroyed, this, [this] { editor().setReadOnly(false); });
+    }
+}
+
+// ---- Writing --------------------------------------------------------------------------------------------------------
+
+void TerminalTextView::appendText(const QString& text, const QColor& color)
+{
+    append(text, [&](qsizetype start) { storage().setForeground({start, text.size()}, color.rgba()); });
+}
+
+void TerminalTextView::appendOutput(const AttributedText& text)
+{
+    append(text.text, [&](qsizetype start) {
+        for (const AttributedRun& run : text.runs) {
+            storage().setForeground({start + run.start, run.length}, resolved(run.color, appearance_));
+        }
+    });
+}
+
+void TerminalTextView::appendPrompt()
+{
+    appendText(TerminalSession::promptText(session_ ? QStringView(session_->currentDirectory()) : u"~"),
+               plainColors::cyan);
+}
+
+void TerminalTextView::clear()
+{
+    editor().forgetUndo();
+    storage().setText(QString());
+    commandStartLocation_ = 0;
+}
+
+void TerminalTextView::append(const QString& text, const std::function<void(qsizetype)>& color)
+{
+    // What was typed before has become a part of what was written.
+    editor().forgetUndo();
+    follower_->willAppend();
+    {
+        const EditingBracket bracket(storage());
+        const qsizetype start = storage().length();
+        storage().replace({start, 0}, text);
+        color(start);
+    }
+    commandStartLocation_ = characters_.count(storage().text());
+    follower_->didAppend();
+}
+
+void TerminalTextView::textEdited(const TextEdit& edit)
+{
+    characters_.textReplaced(edit.range.location);
+    if (std::exchange(isTyping_, false) && editor().selections().isSingle()) {
+        // Beside the prompt it would take the prompt's colour.
+        storage().setForeground(edit.newRange(), plainColors::green.rgba());
+    }
+}
+
+void TerminalTextView::recolor()
+{
+    const Appearance before = std::exchange(appearance_, style::appearanceOf(*this));
+    if (before == appearance_) {
+        return;
+    }
+    std::vector<ColorRun> runs = storage().foreground().runsIn({0, storage().length()});
+    for (ColorRun& run : runs) {
+        for (const ANSIParser::ColorCode& code : ANSIParser::ansiColors()) {
+            if (resolved(code.color, before) == run.color) {
+                run.color = resolved(code.color, appearance_);
+                break;
+            }
+        }
+    }
+    storage().assignForeground(runs);
+}
+
+void TerminalTextView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        recolor();
+    }
+    TextView::changeEvent(event);
+}
+
+// ---- The line being typed -------------------------------------------------------------------------------------------
+
+QString TerminalTextView::currentCommand() const
+{
+    const QStringView all = text();
+    return trimmed(all.sliced(std::min(commandStartLocation_, all.size())), isWhitespaceOrNewline).toString();
+}
+
+void TerminalTextView::replaceCurrentCommand(const QString& text)
+{
+    const qsizetype end = std::max(commandStartLocation_, characters_.count(this->text()));
+    const TextRange replaced = TextRange::between(commandStartLocation_, end).clampedTo(storage().length());
+    {
+        const EditingBracket bracket(storage());
+        storage().replace(replaced, text);
+        storage().setForeground({replaced.location, text.size()}, plainColors::green.rgba());
+    }
+    moveCaretToEnd();
+}
+
+void TerminalTextView::moveCaretToEnd()
+{
+    setSelectedRange({storage().length(), 0});
+    follower_->resume();
+    follower_->scrollToEnd();
+}
+
+bool TerminalTextView::isAnySelectionAtPrompt() const
+{
+    const std::vector<Selection>& all = editor().selections().all();
+    return std::any_of(all.begin(), all.end(), [this](const Selection& selection) {
+        return selection.range().location <= commandStartLocation_;
+    });
+}
+
+// ---- Keys -----------------------------------------------------------------------------------------------------------
+
+const std::vector<TerminalTextView::CommandKey>& TerminalTextView::commandKeys()
+{
+    static const std::vector<CommandKey> keys{
+        {Qt::Key_Return, &TerminalTextView::runCommand},       {Qt::Key_Tab, &TerminalTextView::completeCommand},
+        {Qt::Key_Backtab, &TerminalTextView::completeCommand}, {Qt::Key_Down, &TerminalTextView::showNextCommand},
+        {Qt::Key_Up, &TerminalTextView::showPreviousCommand},
+    };
+    return keys;
+}
+
+bool TerminalTextView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && session_ &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
+    return TextView::event(event);
+}
+
+bool TerminalTextView::keyDown(QKeyEvent* event)
+{
+    const bool isInTurn = std::exchange(keyInTurn_, nullptr) == event;
+    if (!session_) {
+        return false;
+    }
+    if (event->key() == Qt::Key_Escape) {
+        follower_->resume();
+        session_->sendInterrupt();
+        return true;
+    }
+    const auto& keys = commandKeys();
+    const auto command = std::find_if(keys.begin(), keys.end(),
+                                      [event](const CommandKey& candidate) { return candidate.key == event->key(); });
+    if (!isInTurn && !session_->isIdle() && (command != keys.end() || !onlyLooks(*event))) {
+        session_->whenIdle([view = QPointer(this), waiting = std::shared_ptr<QKeyEvent>(event->clone())] {
+            if (view) {
+                view->keyInTurn_ = waiting.get();
+                view->keyPressEvent(waiting.get());
+            }
+        });
+        return true;
+    }
+    if (command != keys.end()) {
+        commitComposition();
+        (this->*command->run)();
+        return true;
+    }
+    if (event->key() == Qt::Key_Backspace) {
+        commitComposition();
+        return isAnySelectionAtPrompt();
+    }
+    return false;
+}
+
+void TerminalTextView::runCommand()
+{
+    const QString line = currentCommand();
+    moveCaretToEnd();
+    // The command runs in an event loop of its own, in which this view may go.
+    const QPointer<TerminalTextView> self = this;
+    session_->executeCommand(line);
+    if (self) {
+        appendPrompt();
+    }
+}
+
+void TerminalTextView::completeCommand()
+{
+    if (const auto line = session_->getTabCompletion(currentCommand())) {
+        replaceCurrentCommand(*line);
+    }
+}
+
+void TerminalTextView::showNextCommand()
+{
+    replaceCurrentCommand(session_->getNextCommand());
+}
+
+void TerminalTextView::showPreviousCommand()
+{
+    const qsizetype index = session_->historyIndex() - 1;
+    if (index >= 0) {
+        session_->setHistoryIndex(index);
+        replaceCurrentCommand(session_->commandHistory().at(index));
+    }
+}
+
+void TerminalTextView::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (!session_ || session_->isIdle()) {
+        TextView::inputMethodEvent(event);
+        return;
+    }
+    event->accept();
+    if (!event->commitString().isEmpty()) {
+        session_->whenIdle([view = QPointer(this), text = event->commitString()] {
+            if (view) {
+                QInputMethodEvent committed;
+                committed.setCommitString(text);
+                view->TextView::inputMethodEvent(&committed);
+            }
+        });
+    }
+}
+
+bool TerminalTextView::focusNextPrevChild(bool next)
+{
+    return !session_ && TextView::focusNextPrevChild(next);
+}
+
+} // namespace kelm

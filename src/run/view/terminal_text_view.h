@@ -1,0 +1,87 @@
+// The text surface of a terminal session.
+#pragma once
+
+#include "run/terminal_screen.h"
+#include "run/terminal_session.h"
+#include "run/view/end_follower.h"
+#include "text/grapheme_counter.h"
+#include "text/view/text_view.h"
+
+#include <QPointer>
+
+#include <functional>
+
+namespace kelm {
+
+/// Shows what a session has written, and behind it the line being typed. Return runs that line, Tab completes it, Up
+/// and Down walk through the history, Escape interrupts, and Backspace stops at the prompt; all other keys edit, and
+/// the caret may be put anywhere. Without a session it is a plain text view.
+///
+/// While the session waits for a command, nobody can edit: what is typed is kept, and takes effect when the prompt is
+/// there. Keys that move the caret, scroll and copy work at once, and so does Escape. Main thread only.
+class TerminalTextView final : public TextView, public TerminalScreen
+{
+    Q_OBJECT
+
+public:
+    explicit TerminalTextView(QWidget* parent = nullptr);
+    ~TerminalTextView() override;
+
+    /// Where keys go; not kept alive.
+    TerminalSession* session() const { return session_; }
+    void setSession(TerminalSession* session);
+
+    /// Where the line being typed starts: the number of user-perceived characters that the text had after the last
+    /// write, taken as an offset in UTF-16 units. The two drift apart behind characters of more than one unit.
+    qsizetype commandStartLocation() const { return commandStartLocation_; }
+    /// The text from `commandStartLocation` to the end, without white space and line ends around it.
+    QString currentCommand() const;
+    /// Puts `text` in the place of what stands from `commandStartLocation` up to the number of characters of the whole
+    /// text.
+    void replaceCurrentCommand(const QString& text);
+
+    void appendText(const QString& text, const QColor& color) override;
+    void appendOutput(const AttributedText& text) override;
+    void appendPrompt() override;
+    void clear() override;
+
+protected:
+    bool event(QEvent* event) override;
+    bool keyDown(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    struct CommandKey
+    {
+        Qt::Key key;
+        void (TerminalTextView::*run)();
+    };
+    static const std::vector<CommandKey>& commandKeys();
+
+    bool takeKey(QKeyEvent* event);
+    void runCommand();
+    void completeCommand();
+    void showNextCommand();
+    void showPreviousCommand();
+    bool isAnySelectionAtPrompt() const;
+    void moveCaretToEnd();
+
+    /// Adds text at the end; `color` colours it, which begins at the given offset.
+    void append(const QString& text, const std::function<void(qsizetype)>& color);
+    void textEdited(const TextEdit& edit);
+    void recolor();
+
+    QPointer<TerminalSession> session_;
+    EndFollower* follower_;
+    GraphemeCounter characters_;
+    qsizetype commandStartLocation_ = 0;
+    Appearance appearance_;
+    /// Whether the edit in hand is the person's.
+    bool isTyping_ = false;
+    /// The key that had to wait and is being pressed again.
+    const QKeyEvent* keyInTurn_ = nullptr;
+};
+
+} // namespace kelm

@@ -1,0 +1,41 @@
+#include "run/view/terminal_view.h"
+
+#include "app/app_state.h"
+#include "platform/named_colors.h"
+#include "run/view/terminal_text_view.h"
+
+#include <QVBoxLayout>
+
+namespace kelm {
+
+TerminalTextView* TerminalViewRepresentable::makeView(QWidget* parent) const
+{
+    auto* view = new TerminalTextView(parent);
+    view->setSession(&session_);
+    session_.setTextView(view);
+    return view;
+}
+
+TerminalView::TerminalView(AppState& appState, QWidget* parent)
+    : TerminalView(appState, TerminalSession::Services{}, parent)
+{}
+
+TerminalView::TerminalView(AppState& appState, TerminalSession::Services services, QWidget* parent)
+    : QWidget(parent), session_(std::make_unique<TerminalSession>(std::move(services)))
+{
+    QPalette onBlack = palette();
+    onBlack.setColor(QPalette::Window, plainColors::black);
+    setPalette(onBlack);
+    setAutoFillBackground(true);
+    textView_ = TerminalViewRepresentable(*session_).makeView(this);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(textView_);
+    setFocusProxy(textView_);
+    connect(session_.get(), &TerminalSession::exitRequested, &appState,
+            [&appState] { appState.setShowBottomPanel(false); });
+}
+
+TerminalView::~TerminalView() = default;
+
+} // namespace kelm

@@ -1,0 +1,110 @@
+#include "run/view/terminal_page.h"
+
+#include <QImage>
+
+using namespace kelm;
+using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
+
+class TerminalViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void itHasOneSessionForItsLife();
+    void theRepresentableTiesViewAndSession();
+    void itIsBlackToAllEdges();
+    void exitPutsTheBottomPanelAway();
+    void itGivesTheKeyboardToItsText();
+    void runFileReachesTheSession();
+    void charactersWrittenByteByByteArriveWhole();
+    void invalidBytesDropTheirChunkAndNothingElse();
+};
+
+void TerminalViewTest::itHasOneSessionForItsLife()
+{
+    TerminalPage page;
+    const QUuid id = page.session().id();
+    page.view->hide();
+    page.view->show();
+    QCOMPARE(page.session().id(), id);
+    const QPointer<TerminalSession> session(&page.session());
+    page.view.reset();
+    QVERIFY(!session);
+    // Nothing is left that would write the banner.
+    page.app.scheduler.advance(std::chrono::seconds(1));
+}
+
+void TerminalViewTest::theRepresentableTiesViewAndSession()
+{
+    QWidget parent;
+    TerminalSession session;
+    const TerminalViewRepresentable representable(session);
+    TerminalTextView* view = representable.makeView(&parent);
+    QCOMPARE(view->parentWidget(), &parent);
+    QCOMPARE(view->session(), &session);
+    QVERIFY(session.textView() == view);
+    view->appendText(u"text"_s, plainColors::white);
+    representable.updateView();
+    QCOMPARE(view->text(), u"text"_s);
+    delete view;
+    QVERIFY(session.textView() == nullptr);
+}
+
+void TerminalViewTest::itIsBlackToAllEdges()
+{
+    TerminalPage page;
+    const QImage picture = page.view->grab().toImage();
+    for (const QPoint corner : {QPoint(0, 0), QPoint(picture.width() - 1, 0), QPoint(0, picture.height() - 1),
+                                QPoint(picture.width() - 1, picture.height() - 1)}) {
+        QCOMPARE(picture.pixelColor(corner), plainColors::black);
+    }
+}
+
+void TerminalViewTest::exitPutsTheBottomPanelAway()
+{
+    TerminalPage page;
+    page.showBanner();
+    page.app.state.setShowBottomPanel(true);
+    page.run(u"exit"_s);
+    QVERIFY(!page.app.state.showBottomPanel());
+    QCOMPARE(page.written(), u"exit"_s + page.prompt());
+}
+
+void TerminalViewTest::itGivesTheKeyboardToItsText()
+{
+    TerminalPage page;
+    page.text().clearFocus();
+    page.view->setFocus();
+    QVERIFY(page.text().hasFocus());
+}
+
+void TerminalViewTest::runFileReachesTheSession()
+{
+    TerminalPage page;
+    page.showBanner();
+    page.makeFile(u"a b.sh"_s);
+    page.app.notificationCenter.post(notifications::runFile, QUrl::fromLocalFile(page.path(u"a b.sh"_s)));
+    QCOMPARE(page.session().commandHistory(), QStringList{u"bash \""_s + page.path(u"a b.sh"_s) + u'"'});
+    QCOMPARE(page.written(), page.prompt());
+}
+
+void TerminalViewTest::charactersWrittenByteByByteArriveWhole()
+{
+    TerminalPage page;
+    page.showBanner();
+    // U+D55C and an emoji.
+    page.run(u"for b in 355 225 234 360 237 230 200; do printf \"\\\\$b\"; sleep 0.02; done; echo"_s);
+    QVERIFY(page.written().contains(u"한😀\n"_s));
+}
+
+void TerminalViewTest::invalidBytesDropTheirChunkAndNothingElse()
+{
+    TerminalPage page;
+    page.showBanner();
+    page.run(u"printf before; sleep 0.1; printf 'bad\\377'; sleep 0.1; printf after"_s);
+    QVERIFY(page.written().endsWith(u"beforeafter"_s + page.prompt()));
+}
+
+QTEST_MAIN(TerminalViewTest)
+#include "terminal_view_test.moc"
