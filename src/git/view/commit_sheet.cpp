@@ -1,0 +1,72 @@
+#include "git/view/commit_sheet.h"
+
+#include "git/view/diff_viewer.h"
+#include "git/view/sheet_frame.h"
+#include "platform/view/labels.h"
+#include "platform/view/style.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QPushButton>
+
+namespace kelm {
+
+namespace {
+
+constexpr int titleSize = 12;
+constexpr qsizetype shownShaLength = 10;
+
+} // namespace
+
+CommitDetailView::CommitDetailView(GitService& git, CommitSheet sheet, QWidget* parent)
+    : QDialog(parent), git_(&git), sheet_(std::move(sheet))
+{
+    viewer_ = new DiffViewer(this);
+    frameSheet(*this, makeHeader(), viewer_);
+    connect(this, &QDialog::finished, this, [this] {
+        if (onClose) {
+            onClose();
+        }
+    });
+}
+
+CommitDetailView::~CommitDetailView() = default;
+
+QWidget* CommitDetailView::makeHeader()
+{
+    auto* header = new QWidget(this);
+    setWindowTitle(tr("Commit %1").arg(sheet_.sha.left(shownShaLength)));
+    auto* title =
+        new TextLabel(windowTitle(), style::interfaceFont(titleSize, QFont::DemiBold), Tint::primary(), header);
+    auto* copy = new QPushButton(tr("Copy SHA"), header);
+    copy->setAutoDefault(false);
+    connect(copy, &QPushButton::clicked, this, &CommitDetailView::copySha);
+
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(sheetMargins());
+    row->setSpacing(sheetSpacing);
+    row->addWidget(title, 1);
+    row->addWidget(copy);
+    row->addWidget(makeCloseButton(*this));
+    return header;
+}
+
+void CommitDetailView::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (!hasAppeared_) {
+        hasAppeared_ = true;
+        content_ = git_ ? git_->showCommit(sheet_.sha) : QString();
+        viewer_->setDiffText(content_);
+    }
+}
+
+void CommitDetailView::copySha() const
+{
+    QClipboard* const clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setText(sheet_.sha);
+}
+
+} // namespace kelm

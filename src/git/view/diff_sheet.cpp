@@ -1,0 +1,93 @@
+#include "git/view/diff_sheet.h"
+
+#include "git/view/diff_viewer.h"
+#include "git/view/segmented_picker.h"
+#include "git/view/sheet_frame.h"
+#include "platform/view/labels.h"
+#include "platform/view/style.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+
+namespace kelm {
+
+namespace {
+
+constexpr int pickerWidth = 160;
+
+} // namespace
+
+DiffSheetView::DiffSheetView(GitService& git, DiffSheet sheet, QWidget* parent)
+    : QDialog(parent), git_(&git), sheet_(std::move(sheet))
+{
+    setWindowTitle(sheet_.path);
+    viewer_ = new DiffViewer(this);
+    frameSheet(*this, makeHeader(), viewer_);
+    updateAction();
+    connect(this, &QDialog::finished, this, [this] {
+        if (onClose) {
+            onClose();
+        }
+    });
+}
+
+DiffSheetView::~DiffSheetView() = default;
+
+QWidget* DiffSheetView::makeHeader()
+{
+    auto* header = new QWidget(this);
+    auto* title = new TextLabel(sheet_.path, style::headlineFont(), Tint::primary(), header);
+    title->setElideMode(Qt::ElideMiddle);
+    picker_ = new SegmentedPicker({tr("Working"), tr("Staged")}, tr("Which changes are shown"), header);
+    picker_->setFixedWidth(pickerWidth);
+    connect(picker_, &SegmentedPicker::selectionChanged, this, [this](int index) { setStagedView(index == 1); });
+
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(sheetMargins());
+    row->setSpacing(sheetSpacing);
+    row->addWidget(title, 1);
+    row->addWidget(picker_);
+    row->addWidget(makeCloseButton(*this));
+    return header;
+}
+
+void DiffSheetView::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (!hasAppeared_) {
+        hasAppeared_ = true;
+        load();
+    }
+}
+
+void DiffSheetView::setStagedView(bool staged)
+{
+    if (staged != stagedView_) {
+        stagedView_ = staged;
+        picker_->setSelectedIndex(staged ? 1 : 0);
+        load();
+        updateAction();
+    }
+}
+
+void DiffSheetView::load()
+{
+    diff_ = git_ ? git_->diff(sheet_.path, stagedView_) : QString();
+    viewer_->setDiffText(diff_);
+}
+
+void DiffSheetView::updateAction()
+{
+    viewer_->setHunkAction(stagedView_ ? tr("Unstage hunk") : tr("Stage hunk"),
+                           [this](const DiffFile& file, qsizetype hunk) { applyHunk(file, hunk); });
+}
+
+void DiffSheetView::applyHunk(const DiffFile& file, qsizetype hunk)
+{
+    const std::optional<QString> patch = file.patch(hunk);
+    if (git_ && patch && git_->applyPartialPatch(*patch, stagedView_).isSuccess()) {
+        load();
+    }
+}
+
+} // namespace kelm
