@@ -1,5 +1,6 @@
 #include "git/view/commit_sheet.h"
 
+#include "git/view/diff_list.h"
 #include "git/view/diff_viewer.h"
 #include "git/view/sheet_frame.h"
 #include "platform/view/labels.h"
@@ -22,8 +23,11 @@ constexpr qsizetype shownShaLength = 10;
 CommitDetailView::CommitDetailView(GitService& git, CommitSheet sheet, QWidget* parent)
     : QDialog(parent), git_(&git), sheet_(std::move(sheet))
 {
+    // In the order in which Tab reaches them.
+    QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
-    frameSheet(*this, makeHeader(), viewer_);
+    frameSheet(*this, header, viewer_);
+    viewer_->list().setFocus();
     connect(this, &QDialog::finished, this, [this] {
         if (onClose) {
             onClose();

@@ -94,6 +94,8 @@ std::unique_ptr<HunkControls::Row> HunkControls::makeRow()
     for (PlainButton* button : {row->toggle, row->action}) {
         // The diff leads Tab from hunk to hunk, also to those that are not on screen.
         button->setFocusPolicy(Qt::ClickFocus);
+        // From the last one, Tab goes on to what follows the diff.
+        QWidget::setTabOrder(viewport_.parentWidget(), button);
         button->setCursor(Qt::ArrowCursor);
     }
     return row;

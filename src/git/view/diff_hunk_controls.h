@@ -42,7 +42,7 @@ struct PlacedHunk
 class HunkControls
 {
 public:
-    /// The buttons are children of `viewport`.
+    /// The buttons are children of `viewport`, which is that of a scroll area.
     explicit HunkControls(QWidget& viewport) : viewport_(viewport) {}
 
     /// Shows the buttons of exactly these hunks; `block` tells what is in one. Buttons that stay where they were keep

@@ -1,5 +1,6 @@
 #include "git/view/diff_sheet.h"
 
+#include "git/view/diff_list.h"
 #include "git/view/diff_viewer.h"
 #include "git/view/segmented_picker.h"
 #include "git/view/sheet_frame.h"
@@ -21,9 +22,12 @@ DiffSheetView::DiffSheetView(GitService& git, DiffSheet sheet, QWidget* parent)
     : QDialog(parent), git_(&git), sheet_(std::move(sheet))
 {
     setWindowTitle(sheet_.path);
+    // In the order in which Tab reaches them.
+    QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
-    frameSheet(*this, makeHeader(), viewer_);
+    frameSheet(*this, header, viewer_);
     updateAction();
+    viewer_->list().setFocus();
     connect(this, &QDialog::finished, this, [this] {
         if (onClose) {
             onClose();

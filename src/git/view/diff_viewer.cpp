@@ -53,8 +53,11 @@ protected:
 
 DiffViewer::DiffViewer(QWidget* parent) : QWidget(parent)
 {
+    QWidget* const toolbar = makeToolbar();
     noChanges_ = new TextLabel(tr("No changes"), style::monospaced(textSize), Tint::secondary());
     static_cast<TextLabel*>(noChanges_)->setAlignment(Qt::AlignCenter);
+    noChanges_->setAutoFillBackground(true);
+    noChanges_->setBackgroundRole(QPalette::Base);
     rawText_ = new RawDiffText(this);
     list_ = new DiffList(
         [this](qsizetype index) {
@@ -75,7 +78,7 @@ DiffViewer::DiffViewer(QWidget* parent) : QWidget(parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->setSpacing(0);
-    column->addWidget(makeToolbar());
+    column->addWidget(toolbar);
     column->addWidget(new Divider(Qt::Horizontal, this));
     column->addWidget(content_, 1);
     evaluate();
