@@ -19,6 +19,8 @@ namespace {
 
 /// Of a row of a line, at least: Hangul of a fallback family needs more than the font's own height.
 constexpr int leastRowHeight = 16;
+/// Of the content: in less room, lines are cut off at the right rather than broken into rows of a letter.
+constexpr int leastWidth = 320;
 /// Farther away than this a button is not told exactly where.
 constexpr qint64 farAway = 30'000;
 
@@ -66,7 +68,7 @@ void DiffList::setFiles(QList<DiffFile> files, DiffViewMode mode)
     selection_.reset();
     texts_.clear();
     words_.clear();
-    columns_ = diffColumns(mode, metrics_.padding, viewport()->width() - metrics_.padding);
+    columns_ = columnsOf(mode);
     layout_ = DiffLayout(std::move(files), mode, metrics_, texts_.columns(columns_.front().bodyWidth()));
     updateScrollBar();
     updateBlocks();
@@ -94,10 +96,14 @@ void DiffList::setCollapsed(qsizetype file, qsizetype hunk, bool isCollapsed)
     updateBlocks();
 }
 
+int DiffList::blockWidth() const
+{
+    return static_cast<int>(columns_.back().right - columns_.front().left);
+}
+
 DiffScene DiffList::scene()
 {
-    const int textEnd = viewport()->width() - 2 * metrics_.padding - actionWidth_;
-    return {layout_, fonts_, texts_, words_, columns_, selection_, textEnd};
+    return {layout_, fonts_, texts_, words_, columns_, selection_, blockWidth() - actionWidth_};
 }
 
 void DiffList::paintEvent(QPaintEvent* event)
@@ -116,12 +122,17 @@ void DiffList::resizeEvent(QResizeEvent* event)
     updateColumns();
 }
 
+std::vector<DiffColumn> DiffList::columnsOf(DiffViewMode mode) const
+{
+    return diffColumns(mode, metrics_.padding, std::max(viewport()->width(), leastWidth) - metrics_.padding);
+}
+
 void DiffList::updateColumns()
 {
     // What stands at the upper edge stays there, whatever the lines above it come to.
     const DiffPlace top = layout_.placeAt(scrolledTo());
     const qint64 within = scrolledTo() - topOf(top);
-    columns_ = diffColumns(layout_.mode(), metrics_.padding, viewport()->width() - metrics_.padding);
+    columns_ = columnsOf(layout_.mode());
     texts_.clear();
     layout_.setColumns(texts_.columns(columns_.front().bodyWidth()));
     updateScrollBar();
@@ -169,9 +180,7 @@ void DiffList::placeControls()
     using Part = DiffPlace::Part;
     const auto placed = [this](qsizetype file, qsizetype hunk) -> PlacedHunk {
         const qint64 top = std::clamp(layout_.hunkTop(file, hunk) - scrolledTo(), -farAway, farAway);
-        return {file, hunk,
-                QRect(metrics_.padding, static_cast<int>(top), viewport()->width() - 2 * metrics_.padding,
-                      metrics_.hunkHeader)};
+        return {file, hunk, QRect(metrics_.padding, static_cast<int>(top), blockWidth(), metrics_.hunkHeader)};
     };
     std::vector<PlacedHunk> shown;
     const QList<DiffFile>& files = layout_.files();
@@ -191,7 +200,8 @@ void DiffList::placeControls()
     const auto isFocused = [&focused](const PlacedHunk& hunk) {
         return hunk.file == focused->file && hunk.hunk == focused->hunk;
     };
-    if (focused && std::none_of(shown.begin(), shown.end(), isFocused)) {
+    const bool isThere = focused && focused->file < files.size() && focused->hunk < files[focused->file].hunks.size();
+    if (isThere && std::none_of(shown.begin(), shown.end(), isFocused)) {
         shown.push_back(placed(focused->file, focused->hunk));
     }
     controls_.place(shown, [this](const PlacedHunk& hunk) {

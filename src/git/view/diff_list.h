@@ -70,6 +70,8 @@ protected:
 private:
     DiffScene scene();
     // Geometry.
+    std::vector<DiffColumn> columnsOf(DiffViewMode mode) const;
+    int blockWidth() const;
     void updateColumns();
     void updateScrollBar();
     void placeControls();

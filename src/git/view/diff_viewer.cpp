@@ -157,6 +157,10 @@ void DiffViewer::evaluate()
 {
     DiffContent content = DiffContent::of(diffText_);
     rawText_->setPlainText(content.state == DiffContent::State::rawText ? diffText_ : QString());
+    if (content_->currentWidget() != list_) {
+        // A page that has not been shown yet has no width of its own, and lines would be cut into rows twice.
+        list_->resize(content_->size());
+    }
     list_->setFiles(std::move(content.files), mode_);
     summary_->setText(filesSummary());
     switch (content.state) {
