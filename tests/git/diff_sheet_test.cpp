@@ -7,9 +7,11 @@
 #include "support/temporary_repository.h"
 
 #include <QClipboard>
+#include <QDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
+#include <QVBoxLayout>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -58,9 +60,9 @@ struct ChangedFile
     GitService git;
 };
 
-void open(QDialog& sheet)
+void open(QWidget& sheet)
 {
-    sheet.open();
+    sheet.show();
     QVERIFY(QTest::qWaitForWindowExposed(&sheet));
 }
 
@@ -79,7 +81,8 @@ private Q_SLOTS:
     void hunkOfANewFileIsUnstaged();
     void refusedHunkLeavesItsWordsInTheService();
     void untrackedFileShowsNoChanges();
-    void sheetClosesByItsButtonAndByEscape();
+    void closeButtonTellsTheOwner();
+    void escapeIsLeftToTheDialogAround();
     void sheetOutlivesTheService();
     void commitIsShownReadOnly();
     void commitsHashIsCopiedWhole();
@@ -89,12 +92,10 @@ private Q_SLOTS:
 void DiffSheetTest::sheetAsksGitWhenItAppears()
 {
     ChangedFile changed;
-    DiffSheetView sheet(changed.git, {u"a.txt"_s}, nullptr);
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
     QVERIFY(sheet.diff().isEmpty());
     QVERIFY(!sheet.stagedView());
     open(sheet);
-    QVERIFY(sheet.isModal());
-    QCOMPARE(sheet.windowModality(), Qt::WindowModal);
     QCOMPARE(sheet.diff(), changed.git.diff(u"a.txt"_s, false));
     QCOMPARE(sheet.viewer().diffText(), sheet.diff());
     QCOMPARE(sheet.viewer().list().diffLayout().files()[0].hunks.size(), 2);
@@ -104,7 +105,7 @@ void DiffSheetTest::sheetAsksGitWhenItAppears()
 void DiffSheetTest::oneHunkIsStagedAndUnstaged()
 {
     ChangedFile changed;
-    DiffSheetView sheet(changed.git, {u"a.txt"_s}, nullptr);
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
     open(sheet);
     DiffList& list = sheet.viewer().list();
     QSignalSpy statusChanged(&changed.git, &GitService::statusChanged);
@@ -146,7 +147,7 @@ void DiffSheetTest::hunkOfANewFileIsUnstaged()
     repository.git({u"add"_s, u"-A"_s});
     GitService git;
     git.open(repository.url());
-    DiffSheetView sheet(git, {u"새 파일.txt"_s}, nullptr);
+    DiffSheetView sheet(git, u"새 파일.txt"_s, nullptr);
     open(sheet);
     QVERIFY(sheet.diff().isEmpty());
     sheet.setStagedView(true);
@@ -160,7 +161,7 @@ void DiffSheetTest::hunkOfANewFileIsUnstaged()
 void DiffSheetTest::refusedHunkLeavesItsWordsInTheService()
 {
     ChangedFile changed;
-    DiffSheetView sheet(changed.git, {u"a.txt"_s}, nullptr);
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
     open(sheet);
     const QString shown = sheet.diff();
     // Somebody else has staged something different meanwhile.
@@ -180,37 +181,51 @@ void DiffSheetTest::untrackedFileShowsNoChanges()
     repository.write(u"new.txt"_s, "a\n");
     GitService git;
     git.open(repository.url());
-    DiffSheetView sheet(git, {u"new.txt"_s}, nullptr);
+    DiffSheetView sheet(git, u"new.txt"_s, nullptr);
     open(sheet);
     QVERIFY(sheet.diff().isEmpty());
     QCOMPARE(sheet.viewer().filesSummary(), u"0 files   +0 \u22120"_s);
 }
 
-void DiffSheetTest::sheetClosesByItsButtonAndByEscape()
+void DiffSheetTest::closeButtonTellsTheOwner()
 {
     ChangedFile changed;
-    int closed = 0;
     QSignalSpy statusChanged(&changed.git, &GitService::statusChanged);
-    for (const bool byButton : {true, false}) {
-        DiffSheetView sheet(changed.git, {u"a.txt"_s}, nullptr);
-        sheet.onClose = [&] { ++closed; };
-        open(sheet);
-        if (byButton) {
-            QTest::mouseClick(named<QPushButton>(sheet, u"Close"_s), Qt::LeftButton);
-        } else {
-            QTest::keyClick(&sheet.viewer().list(), Qt::Key_Escape);
-        }
-        QVERIFY(!sheet.isVisible());
-        QCOMPARE(closed, byButton ? 1 : 2);
-    }
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
+    open(sheet);
+    auto* close = named<QPushButton>(sheet, u"Close"_s);
+    QTest::mouseClick(close, Qt::LeftButton);
+    int closed = 0;
+    sheet.onClose = [&] { ++closed; };
+    QTest::mouseClick(close, Qt::LeftButton);
+    QCOMPARE(closed, 1);
     // Nothing is refreshed by closing.
     QCOMPARE(statusChanged.count(), 0);
+}
+
+void DiffSheetTest::escapeIsLeftToTheDialogAround()
+{
+    ChangedFile changed;
+    QDialog dialog;
+    auto* sheet = new DiffSheetView(changed.git, u"a.txt"_s, &dialog);
+    auto* column = new QVBoxLayout(&dialog);
+    column->addWidget(sheet);
+    sheet->setFocus();
+    dialog.open();
+    dialog.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    // The arrow keys scroll at once.
+    QCOMPARE(QApplication::focusWidget(), &sheet->viewer().list());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QVERIFY(dialog.isVisible());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    QVERIFY(!dialog.isVisible());
 }
 
 void DiffSheetTest::sheetOutlivesTheService()
 {
     auto changed = std::make_unique<ChangedFile>();
-    DiffSheetView sheet(changed->git, {u"a.txt"_s}, nullptr);
+    DiffSheetView sheet(changed->git, u"a.txt"_s, nullptr);
     open(sheet);
     changed.reset();
     QTest::mouseClick(sheet.viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
@@ -223,7 +238,7 @@ void DiffSheetTest::commitIsShownReadOnly()
     ChangedFile changed;
     changed.repository.commitAll(u"second"_s);
     const QString sha = QString::fromLatin1(changed.repository.git({u"rev-parse"_s, u"HEAD"_s})).trimmed();
-    CommitDetailView sheet(changed.git, {sha}, nullptr);
+    CommitDetailView sheet(changed.git, sha, nullptr);
     int closed = 0;
     sheet.onClose = [&] { ++closed; };
     QVERIFY(sheet.content().isEmpty());
@@ -245,7 +260,7 @@ void DiffSheetTest::commitsHashIsCopiedWhole()
 {
     ChangedFile changed;
     const QString sha = QString::fromLatin1(changed.repository.git({u"rev-parse"_s, u"HEAD"_s})).trimmed();
-    CommitDetailView sheet(changed.git, {sha}, nullptr);
+    CommitDetailView sheet(changed.git, sha, nullptr);
     open(sheet);
     QGuiApplication::clipboard()->setText(u"before"_s);
     QTest::mouseClick(named<QPushButton>(sheet, u"Copy SHA"_s), Qt::LeftButton);
@@ -256,7 +271,7 @@ void DiffSheetTest::commitsHashIsCopiedWhole()
 void DiffSheetTest::unknownCommitIsEmpty()
 {
     ChangedFile changed;
-    CommitDetailView sheet(changed.git, {u"0123456789abcdef"_s}, nullptr);
+    CommitDetailView sheet(changed.git, u"0123456789abcdef"_s, nullptr);
     open(sheet);
     QCOMPARE(sheet.windowTitle(), u"Commit 0123456789"_s);
     QVERIFY(sheet.content().isEmpty());

@@ -20,27 +20,32 @@ constexpr qsizetype shownShaLength = 10;
 
 } // namespace
 
-CommitDetailView::CommitDetailView(GitService& git, CommitSheet sheet, QWidget* parent)
-    : QDialog(parent), git_(&git), sheet_(std::move(sheet))
+CommitDetailView::CommitDetailView(GitService& git, const QString& sha, QWidget* parent)
+    : QWidget(parent), git_(&git), sha_(sha)
 {
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
-    viewer_->list().setFocus();
-    connect(this, &QDialog::finished, this, [this] {
-        if (onClose) {
-            onClose();
-        }
-    });
+    setFocusProxy(&viewer_->list());
 }
 
 CommitDetailView::~CommitDetailView() = default;
 
+QSize CommitDetailView::sizeHint() const
+{
+    return usualSheetSize;
+}
+
+QSize CommitDetailView::minimumSizeHint() const
+{
+    return leastSheetSize;
+}
+
 QWidget* CommitDetailView::makeHeader()
 {
     auto* header = new QWidget(this);
-    setWindowTitle(tr("Commit %1").arg(sheet_.sha.left(shownShaLength)));
+    setWindowTitle(tr("Commit %1").arg(sha_.left(shownShaLength)));
     auto* title =
         new TextLabel(windowTitle(), style::interfaceFont(titleSize, QFont::DemiBold), Tint::primary(), header);
     auto* copy = new QPushButton(tr("Copy SHA"), header);
@@ -52,16 +57,20 @@ QWidget* CommitDetailView::makeHeader()
     row->setSpacing(sheetSpacing);
     row->addWidget(title, 1);
     row->addWidget(copy);
-    row->addWidget(makeCloseButton(*this));
+    row->addWidget(makeCloseButton(*header, [this] {
+        if (onClose) {
+            onClose();
+        }
+    }));
     return header;
 }
 
 void CommitDetailView::showEvent(QShowEvent* event)
 {
-    QDialog::showEvent(event);
+    QWidget::showEvent(event);
     if (!hasAppeared_) {
         hasAppeared_ = true;
-        content_ = git_ ? git_->showCommit(sheet_.sha) : QString();
+        content_ = git_ ? git_->showCommit(sha_) : QString();
         viewer_->setDiffText(content_);
     }
 }
@@ -70,7 +79,7 @@ void CommitDetailView::copySha() const
 {
     QClipboard* const clipboard = QGuiApplication::clipboard();
     clipboard->clear();
-    clipboard->setText(sheet_.sha);
+    clipboard->setText(sha_);
 }
 
 } // namespace kelm

@@ -3,8 +3,8 @@
 
 #include "git/git_service.h"
 
-#include <QDialog>
 #include <QPointer>
+#include <QWidget>
 
 #include <functional>
 
@@ -12,33 +12,26 @@ namespace kelm {
 
 class DiffViewer;
 
-/// Which commit a sheet shows; one hash is one sheet.
-struct CommitSheet
-{
-    QString sha;
-
-    const QString& id() const { return sha; }
-    bool operator==(const CommitSheet&) const = default;
-};
-
-/// Shows a commit's changes, to be read only. A window-modal dialog: show it with `open`. git is asked when the sheet
-/// appears.
-class CommitDetailView final : public QDialog
+/// What a sheet with one commit holds; its changes are only shown. git is asked when it appears.
+class CommitDetailView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    CommitDetailView(GitService& git, CommitSheet sheet, QWidget* parent);
+    CommitDetailView(GitService& git, const QString& sha, QWidget* parent);
     ~CommitDetailView() override;
 
-    /// Called once when the sheet has been closed, by its button or otherwise.
+    /// Called by the button "Close".
     std::function<void()> onClose;
 
-    const QString& sha() const { return sheet_.sha; }
+    const QString& sha() const { return sha_; }
     /// What git printed; empty on any failure.
     const QString& content() const { return content_; }
 
     DiffViewer& viewer() { return *viewer_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -48,7 +41,7 @@ private:
     void copySha() const;
 
     QPointer<GitService> git_;
-    CommitSheet sheet_;
+    QString sha_;
     QString content_;
     bool hasAppeared_ = false;
     DiffViewer* viewer_ = nullptr;

@@ -18,29 +18,34 @@ constexpr int pickerWidth = 160;
 
 } // namespace
 
-DiffSheetView::DiffSheetView(GitService& git, DiffSheet sheet, QWidget* parent)
-    : QDialog(parent), git_(&git), sheet_(std::move(sheet))
+DiffSheetView::DiffSheetView(GitService& git, const QString& path, QWidget* parent)
+    : QWidget(parent), git_(&git), path_(path)
 {
-    setWindowTitle(sheet_.path);
+    setWindowTitle(path_);
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
     updateAction();
-    viewer_->list().setFocus();
-    connect(this, &QDialog::finished, this, [this] {
-        if (onClose) {
-            onClose();
-        }
-    });
+    setFocusProxy(&viewer_->list());
 }
 
 DiffSheetView::~DiffSheetView() = default;
 
+QSize DiffSheetView::sizeHint() const
+{
+    return usualSheetSize;
+}
+
+QSize DiffSheetView::minimumSizeHint() const
+{
+    return leastSheetSize;
+}
+
 QWidget* DiffSheetView::makeHeader()
 {
     auto* header = new QWidget(this);
-    auto* title = new TextLabel(sheet_.path, style::headlineFont(), Tint::primary(), header);
+    auto* title = new TextLabel(path_, style::headlineFont(), Tint::primary(), header);
     title->setElideMode(Qt::ElideMiddle);
     picker_ = new SegmentedPicker({tr("Working"), tr("Staged")}, tr("Which changes are shown"), header);
     picker_->setFixedWidth(pickerWidth);
@@ -51,13 +56,17 @@ QWidget* DiffSheetView::makeHeader()
     row->setSpacing(sheetSpacing);
     row->addWidget(title, 1);
     row->addWidget(picker_);
-    row->addWidget(makeCloseButton(*this));
+    row->addWidget(makeCloseButton(*header, [this] {
+        if (onClose) {
+            onClose();
+        }
+    }));
     return header;
 }
 
 void DiffSheetView::showEvent(QShowEvent* event)
 {
-    QDialog::showEvent(event);
+    QWidget::showEvent(event);
     if (!hasAppeared_) {
         hasAppeared_ = true;
         load();
@@ -76,7 +85,7 @@ void DiffSheetView::setStagedView(bool staged)
 
 void DiffSheetView::load()
 {
-    diff_ = git_ ? git_->diff(sheet_.path, stagedView_) : QString();
+    diff_ = git_ ? git_->diff(path_, stagedView_) : QString();
     viewer_->setDiffText(diff_);
 }
 

@@ -4,8 +4,8 @@
 #include "git/diff.h"
 #include "git/git_service.h"
 
-#include <QDialog>
 #include <QPointer>
+#include <QWidget>
 
 #include <functional>
 
@@ -14,32 +14,23 @@ namespace kelm {
 class DiffViewer;
 class SegmentedPicker;
 
-/// Which file's changes a sheet shows; one path is one sheet.
-struct DiffSheet
-{
-    QString path;
-
-    const QString& id() const { return path; }
-    bool operator==(const DiffSheet&) const = default;
-};
-
-/// Shows what changed in one file, in the working tree or in the index, and stages or unstages single hunks. A
-/// window-modal dialog: show it with `open`.
+/// What a sheet with the changes of one file holds: the working tree's or the index's, of which single hunks are staged
+/// or unstaged.
 ///
-/// git is asked when the sheet appears, when another view is chosen, and after a hunk has gone; a failure's words are
-/// in the service's `lastError`.
-class DiffSheetView final : public QDialog
+/// git is asked when it appears, when the other view is chosen, and after a hunk has gone; a failure's words are in the
+/// service's `lastError`.
+class DiffSheetView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    DiffSheetView(GitService& git, DiffSheet sheet, QWidget* parent);
+    DiffSheetView(GitService& git, const QString& path, QWidget* parent);
     ~DiffSheetView() override;
 
-    /// Called once when the sheet has been closed, by its button or otherwise.
+    /// Called by the button "Close".
     std::function<void()> onClose;
 
-    const QString& path() const { return sheet_.path; }
+    const QString& path() const { return path_; }
     /// The diff as git printed it.
     const QString& diff() const { return diff_; }
     /// Whether the index is shown rather than the working tree.
@@ -47,6 +38,9 @@ public:
     void setStagedView(bool staged);
 
     DiffViewer& viewer() { return *viewer_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -58,7 +52,7 @@ private:
     void applyHunk(const DiffFile& file, qsizetype hunk);
 
     QPointer<GitService> git_;
-    DiffSheet sheet_;
+    QString path_;
     QString diff_;
     bool stagedView_ = false;
     bool hasAppeared_ = false;

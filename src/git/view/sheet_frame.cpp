@@ -5,42 +5,23 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace kelm {
 
-namespace {
-
-constexpr QSize usualSize(920, 640);
-constexpr QSize leastSize(520, 320);
-/// Between the edges of the window and those of its sheet.
-constexpr int distance = 60;
-
-} // namespace
-
-void frameSheet(QDialog& dialog, QWidget* header, QWidget* content)
+void frameSheet(QWidget& sheet, QWidget* header, QWidget* content)
 {
-    dialog.setWindowModality(Qt::WindowModal);
-    auto* column = new QVBoxLayout(&dialog);
+    auto* column = new QVBoxLayout(&sheet);
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addWidget(header);
-    column->addWidget(new Divider(Qt::Horizontal, &dialog));
+    column->addWidget(new Divider(Qt::Horizontal, &sheet));
     column->addWidget(content, 1);
-
-    dialog.setMinimumSize(leastSize);
-    QSize size = usualSize;
-    if (const QWidget* parent = dialog.parentWidget(); parent != nullptr) {
-        size = size.boundedTo(parent->window()->size() - QSize(distance, distance)).expandedTo(leastSize);
-    }
-    dialog.resize(size);
 }
 
-QPushButton* makeCloseButton(QDialog& dialog)
+QPushButton* makeCloseButton(QWidget& header, std::function<void()> close)
 {
-    auto* button = new QPushButton(QDialog::tr("Close"), &dialog);
+    auto* button = new QPushButton(QWidget::tr("Close"), &header);
     button->setAutoDefault(false);
-    QObject::connect(button, &QPushButton::clicked, &dialog, &QDialog::close);
+    QObject::connect(button, &QPushButton::clicked, &header, std::move(close));
     return button;
 }
 
