@@ -1,0 +1,31 @@
+// What the tabs of the source control panel have in common.
+#pragma once
+
+#include <QWidget>
+
+namespace kelm {
+
+/// The content of one tab. While it is hidden it only remembers that the repository has changed, and takes the changes
+/// when it appears.
+class PanelTab : public QWidget
+{
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    /// Takes the repository's state, now or when the tab appears.
+    void refresh();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+    virtual void takeState() = 0;
+    /// Has the state taken when the tab appears next.
+    void markStale() { isStale_ = true; }
+
+private:
+    bool isStale_ = true;
+};
+
+} // namespace kelm

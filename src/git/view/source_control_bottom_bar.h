@@ -1,0 +1,59 @@
+// The buttons of the network and the error line, below the source control panel.
+#pragma once
+
+#include "platform/view/labels.h"
+
+#include <QWidget>
+
+class QBoxLayout;
+
+namespace kelm {
+
+class GitService;
+class PlainButton;
+
+/// The last failure on one line; git's words as they stand are its help text.
+class ErrorLine final : public TextLabel
+{
+    Q_OBJECT
+
+public:
+    explicit ErrorLine(QWidget* parent = nullptr);
+
+    void setError(const QString& error);
+    const QString& error() const { return error_; }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    QString error_;
+};
+
+/// "Fetch", "Pull" and "Push", which rest while one of them runs, and the last failure with a button that takes it
+/// away. In a narrow panel the failure stands below the buttons.
+class SourceControlBottomBar final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SourceControlBottomBar(GitService& git, QWidget* parent = nullptr);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    PlainButton* makeTransferButton(const QString& symbol, const QString& label);
+    void takeBusy();
+    void takeError();
+    void push();
+
+    GitService& git_;
+    QList<PlainButton*> transferButtons_;
+    QBoxLayout* column_;
+    QWidget* errorRow_;
+    ErrorLine* errorLine_;
+};
+
+} // namespace kelm

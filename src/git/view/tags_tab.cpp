@@ -1,0 +1,82 @@
+#include "git/view/tags_tab.h"
+
+#include "git/git_service.h"
+#include "git/view/panel_controls.h"
+#include "git/view/row_list.h"
+#include "git/view/tag_row.h"
+#include "platform/view/divider.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr int rowHeight = 42;
+
+} // namespace
+
+TagsTab::TagsTab(GitService& git, QWidget* parent)
+    : PanelTab(parent),
+      git_(git),
+      tagName_(makePanelField(tr("Tag name (e.g. v1.0)"), this)),
+      tagMessage_(makePanelField(tr("Annotation (optional)"), this)),
+      createButton_(makePanelButton(tr("Create"), this)),
+      list_(new RowList(rowHeight, this))
+{
+    createButton_->setEnabled(false);
+    connect(tagName_, &QLineEdit::textChanged, createButton_,
+            [this](const QString& text) { createButton_->setEnabled(!text.isEmpty()); });
+    connect(createButton_, &QAbstractButton::clicked, this, &TagsTab::create);
+    for (QLineEdit* field : {tagName_, tagMessage_}) {
+        connect(field, &QLineEdit::returnPressed, createButton_, [this] { createButton_->click(); });
+    }
+    list_->setAccessibleName(tr("Tags"));
+    list_->setPlaceholder(tr("No tags"));
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(6);
+    row->addWidget(tagMessage_, 1);
+    row->addWidget(createButton_);
+    auto* form = new QVBoxLayout;
+    form->setContentsMargins(8, 8, 8, 8);
+    form->setSpacing(6);
+    form->addWidget(tagName_);
+    form->addLayout(row);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(form);
+    column->addWidget(new Divider(Qt::Horizontal, this));
+    column->addWidget(list_, 1);
+    connect(&git_, &GitService::tagsChanged, this, &TagsTab::refresh);
+}
+
+void TagsTab::takeState()
+{
+    const QList<GitTag> tags = git_.tags();
+    list_->setSections({{.title = {},
+                         .count = tags.size(),
+                         .row =
+                             [this, tags](qsizetype i) {
+                                 const QString& name = tags[i].name;
+                                 return TagRow{.tag = tags[i],
+                                               .onPush = [this, name] { git_.pushTag(name, u"origin"_s); },
+                                               .onDelete = [this, name] { git_.deleteTag(name); }}
+                                     .content();
+                             },
+                         .key = [tags](qsizetype i) { return tags[i].name; }}});
+}
+
+void TagsTab::create()
+{
+    const QString message = tagMessage_->text();
+    git_.createTag(tagName_->text(), message.isEmpty() ? std::nullopt : std::optional(message));
+    tagName_->clear();
+    tagMessage_->clear();
+}
+
+} // namespace kelm
