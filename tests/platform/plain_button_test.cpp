@@ -236,7 +236,7 @@ void PlainButtonTest::helpTextIsNoMarkup()
 {
     Fixture fixture;
     fixture.button.setHelp(u"<b>x</b>"_s);
-    QCOMPARE(fixture.button.toolTip(), u"&lt;b&gt;x&lt;/b&gt;"_s);
+    QVERIFY(fixture.button.toolTip().contains(u"&lt;b&gt;x&lt;/b&gt;"));
     QCOMPARE(fixture.button.accessibleName(), u"<b>x</b>"_s);
 }
 

@@ -1,6 +1,7 @@
 #include "platform/view/labels.h"
 
 #include "platform/view/icons.h"
+#include "platform/view/plain_help.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -94,7 +95,7 @@ void TextLabel::changeEvent(QEvent* event)
 void TextLabel::updateHelp()
 {
     const bool isCut = width() > 0 && fontMetrics().horizontalAdvance(text_) > width();
-    setToolTip(isCut ? text_.toHtmlEscaped() : QString());
+    setToolTip(isCut ? plainHelp(text_) : QString());
 }
 
 WrappedLabel::WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent)

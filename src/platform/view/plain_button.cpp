@@ -1,6 +1,7 @@
 #include "platform/view/plain_button.h"
 
 #include "platform/view/icons.h"
+#include "platform/view/plain_help.h"
 
 #include <QAccessible>
 #include <QFocusEvent>
@@ -43,7 +44,7 @@ void PlainButton::setSymbol(const QString& symbol)
 
 void PlainButton::setHelp(const QString& help)
 {
-    setToolTip(help.toHtmlEscaped());
+    setToolTip(plainHelp(help));
     if (text().isEmpty()) {
         setAccessibleName(help);
     } else {
@@ -90,7 +91,7 @@ void PlainButton::paintGround(QPainter& painter) const
         painter.drawRoundedRect(QRectF(rect()), look_.cornerRadius, look_.cornerRadius);
     };
     painter.setPen(Qt::NoPen);
-    fill(look_.ground);
+    fill(look_.ground.at(isEnabled() ? 1 : disabledOpacity));
     if (isChecked()) {
         fill(look_.checkedGround);
     }

@@ -161,6 +161,29 @@ void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QR
     painter.restore();
 }
 
+/// A rounded box, filled with the accent colour and ticked when it is checked.
+void drawCheckBox(const QStyleOption& option, QPainter& painter)
+{
+    constexpr qreal radius = 3.5;
+    const bool isChecked = option.state.testFlag(QStyle::State_On);
+    const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
+    QColor line = option.palette.color(QPalette::Normal, QPalette::WindowText);
+    line.setAlphaF(option.state.testFlag(QStyle::State_MouseOver) && isEnabled ? 0.5F : 0.3F);
+    const QRectF box = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled ? 1 : 0.4);
+    painter.setPen(isChecked ? QPen(Qt::NoPen) : QPen(line, 1));
+    painter.setBrush(option.palette.color(QPalette::Normal, isChecked ? QPalette::Highlight : QPalette::Base));
+    painter.drawRoundedRect(isChecked ? QRectF(option.rect) : box, radius, radius);
+    if (isChecked) {
+        const auto at = [&](qreal x, qreal y) { return box.topLeft() + QPointF(box.width() * x, box.height() * y); };
+        painter.setPen(QPen(Qt::white, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF{at(0.24, 0.53), at(0.43, 0.72), at(0.77, 0.3)});
+    }
+    painter.restore();
+}
+
 /// A small cross, on a round ground while the mouse is over it.
 void drawCloseCross(const QStyleOption& option, QPainter& painter)
 {
@@ -358,6 +381,10 @@ void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         return;
     }
     if (element == PE_FrameMenu) {
+        return;
+    }
+    if (element == PE_IndicatorCheckBox) {
+        drawCheckBox(*option, *painter);
         return;
     }
     QProxyStyle::drawPrimitive(element, option, painter, widget);

@@ -1,0 +1,48 @@
+#include "platform/view/plain_help.h"
+
+#include <QTextDocument>
+#include <QtTest>
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+class PlainHelpTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aToolTipReadsAsTheText_data();
+    void aToolTipReadsAsTheText();
+};
+
+void PlainHelpTest::aToolTipReadsAsTheText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("plain") << u"fatal: no such branch\n"_s;
+    QTest::newRow("ampersand") << u"a & b"_s;
+    QTest::newRow("entity") << u"a &amp; b"_s;
+    QTest::newRow("entity that a tool tip takes for markup") << u"a &lt; b"_s;
+    QTest::newRow("markup") << u"<b>bold</b>"_s;
+    QTest::newRow("markup over lines") << u"one\n<i>two</i>\n   three"_s;
+    QTest::newRow("document") << u"<!DOCTYPE html>"_s;
+    QTest::newRow("instruction") << u"<?xml version=\"1.0\"?>"_s;
+    QTest::newRow("unknown tag") << u"git <command>"_s;
+    QTest::newRow("Korean") << u"<b>저장소</b> & 가지"_s;
+}
+
+void PlainHelpTest::aToolTipReadsAsTheText()
+{
+    QFETCH(QString, text);
+    const QString help = plainHelp(text);
+    QString shown = help;
+    if (Qt::mightBeRichText(help)) {
+        QTextDocument document;
+        document.setHtml(help);
+        shown = document.toPlainText();
+    }
+    QCOMPARE(shown, text);
+}
+
+QTEST_MAIN(PlainHelpTest)
+#include "plain_help_test.moc"
