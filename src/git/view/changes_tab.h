@@ -34,8 +34,8 @@ private:
 
     GitService& git_;
     std::function<void(const QString& path)> onClickDiff_;
-    QWidget* conflictBar_;
     TextLabel* conflictCount_ = nullptr;
+    QWidget* conflictBar_;
     CommitComposer* composer_;
     RowList* list_;
 };

@@ -26,6 +26,7 @@ QLineEdit* makePanelField(const QString& prompt, QWidget* parent)
     field->setPlaceholderText(prompt);
     field->setAccessibleName(prompt);
     field->setFont(style::interfaceFont(12));
+    field->setTextMargins(3, 1, 3, 1);
     field->setMinimumWidth(40);
     return field;
 }

@@ -22,7 +22,7 @@ struct RowText
     Qt::TextElideMode elideMode = Qt::ElideRight;
     /// Whether the piece is cut when the line finds no room; the others keep their width.
     bool givesWay = true;
-    /// The width that the piece takes at least, in points.
+    /// The width that the piece asks for at least, in points.
     int leastWidth = 0;
 };
 

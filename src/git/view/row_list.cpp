@@ -90,7 +90,10 @@ RowList::RowList(int rowHeight, QWidget* parent)
     connect(this, &QListView::clicked, this, [this](const QModelIndex& index) { click(index.row()); });
     connect(focusedActions_, &RowActions::keyboardChanged, this, &RowList::updateActions);
     connect(focusedActions_, &RowActions::leftBackwards, this, [this] { setFocus(Qt::BacktabFocusReason); });
-    connect(focusedActions_, &RowActions::leftForwards, this, [this] { QListView::focusNextPrevChild(true); });
+    connect(focusedActions_, &RowActions::leftForwards, this, [this] {
+        setFocus(Qt::OtherFocusReason);
+        QListView::focusNextPrevChild(true);
+    });
     connect(focusedActions_, &RowActions::rowKeyPressed, this, [this](QKeyEvent* event) { keyPressEvent(event); });
 }
 
@@ -336,7 +339,7 @@ void RowList::focusInEvent(QFocusEvent* event)
         event->reason() == Qt::ShortcutFocusReason) {
         isByKey_ = true;
         if (!isUsable(currentIndex().row())) {
-            setCurrentIndex(moveCursor(QAbstractItemView::MoveHome, Qt::NoModifier));
+            setCurrentIndex(moveCursor(MoveHome, Qt::NoModifier));
         }
     }
     updateActions();
@@ -372,6 +375,50 @@ void RowList::contextMenuEvent(QContextMenuEvent* event)
     }
     const QRect place = visualRect(model_.index(item));
     menu->popup(isByMouse ? event->globalPos() : viewport()->mapToGlobal(place.center()));
+}
+
+QModelIndex RowList::moveCursor(CursorAction action, Qt::KeyboardModifiers)
+{
+    const int last = model_.rowCount() - 1;
+    const int page = std::max(1, viewport()->height() / rowHeight_ - 1);
+    int item = currentIndex().row();
+    bool isForwards = true;
+    switch (action) {
+    case MoveUp:
+    case MoveLeft:
+    case MovePrevious:
+        item -= 1;
+        isForwards = false;
+        break;
+    case MoveDown:
+    case MoveRight:
+    case MoveNext:
+        item += 1;
+        break;
+    case MovePageUp:
+        item -= page;
+        isForwards = false;
+        break;
+    case MovePageDown:
+        item += page;
+        break;
+    case MoveHome:
+        item = 0;
+        break;
+    case MoveEnd:
+        item = last;
+        isForwards = false;
+        break;
+    }
+    // Over titles onwards, and at an end back to the row before them.
+    for (const int step : {isForwards ? 1 : -1, isForwards ? -1 : 1}) {
+        for (int at = std::clamp(item, 0, std::max(0, last)); at >= 0 && at <= last; at += step) {
+            if (isUsable(at)) {
+                return model_.index(at);
+            }
+        }
+    }
+    return {};
 }
 
 void RowList::currentChanged(const QModelIndex& current, const QModelIndex& previous)

@@ -20,9 +20,9 @@ constexpr double labelOpacity = 0.85;
 constexpr double badgeOpacity = 0.25;
 
 constexpr int symbolSize = 12;
-constexpr int padding = 6;
-constexpr int spacing = 4;
-constexpr int badgePadding = 5;
+constexpr int padding = 5;
+constexpr int spacing = 3;
+constexpr int badgePadding = 4;
 constexpr int badgeHeight = 14;
 constexpr int buttonHeight = 24;
 constexpr int margin = 4;
