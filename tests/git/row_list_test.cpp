@@ -2,6 +2,7 @@
 #include "git/view/row_list.h"
 #include "git/view/row_painter.h"
 
+#include <QAccessible>
 #include <QContextMenuEvent>
 #include <QScrollBar>
 
@@ -318,9 +319,21 @@ void RowListTest::everythingHasItsNames()
     QCOMPARE(row.data(Qt::AccessibleTextRole).toString(), u"<b>bold</b> & more"_s);
     QVERIFY(row.data(Qt::ToolTipRole).toString().contains(u"&lt;b&gt;bold&lt;/b&gt; &amp; more"));
     hover(f.list, 1);
-    const QAbstractButton* button = visibleButton(*f.list.viewport(), u"Take"_s);
+    QAbstractButton* button = visibleButton(*f.list.viewport(), u"Take"_s);
     QCOMPARE(button->toolTip(), u"Take"_s);
     QCOMPARE(button->accessibleDescription(), u"<b>bold</b> & more"_s);
+
+    f.list.setAccessibleName(u"Names"_s);
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&f.list);
+    QCOMPARE(list->text(QAccessible::Name), u"Names"_s);
+    QStringList names;
+    for (int i = 0; i < list->childCount(); ++i) {
+        names.append(list->child(i)->text(QAccessible::Name));
+    }
+    QCOMPARE(names.mid(0, 3), (QStringList{u"First"_s, u"<b>bold</b> & more"_s, u"Second"_s}));
+    QAccessibleInterface* action = QAccessible::queryAccessibleInterface(button);
+    QCOMPARE(action->text(QAccessible::Name), u"Take"_s);
+    QCOMPARE(action->role(), QAccessible::Button);
 }
 
 void RowListTest::theScrollPositionStays()
