@@ -4,6 +4,7 @@
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/view/style.h"
+#include "screenshots/contact_sheet.h"
 #include "screenshots/demo_project.h"
 #include "screenshots/shots.h"
 #include "text/view/text_view.h"
@@ -12,6 +13,7 @@
 #include "workbench/main_window.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QPainter>
 #include <QProcess>
@@ -88,6 +90,8 @@ bool draw(const Shot& shot, Stage stage, const QDir& folder)
             shot.prepare(stage);
             settle();
         }
+        // The tabs' colours come by and by.
+        settleUntil([deadline = QDeadlineTimer(250)] { return deadline.hasExpired(); });
         const QString name = QString::fromLatin1(shot.name) + u'-' + suffix + QStringLiteral(".png");
         if (!picture(stage.window).save(folder.filePath(name), "PNG", 0)) {
             return false;
@@ -146,6 +150,10 @@ int main(int argc, char* argv[])
         return 1;
     }
     const int scale = qRound(application.devicePixelRatio());
+    const bool wantsSheets = scale == 1 && (arguments.size() == 1 || arguments.contains(QStringLiteral("icons")));
+    if (wantsSheets && !drawContactSheets(QDir(arguments.first()))) {
+        return 1;
+    }
     const bool isDone =
         drawAll(QDir(arguments.first()), project, arguments.mid(1), scale) && (scale > 1 || drawAtTwice(arguments));
     return isDone ? 0 : 1;

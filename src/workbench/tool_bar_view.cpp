@@ -20,7 +20,7 @@ constexpr int barHeight = 44;
 constexpr int windowControlsWidth = 70;
 constexpr int endPadding = 10;
 constexpr QSize buttonSize(28, 28);
-constexpr int buttonIconSize = 14;
+constexpr int buttonIconSize = 16;
 constexpr int menuIconSize = 12;
 constexpr double gradientOpacity = 0.02;
 constexpr double lineOpacity = 0.15;

@@ -1,5 +1,6 @@
 #include "workbench/window_overlays.h"
 
+#include "git/view/clone_dialog.h"
 #include "workbench/editor_area.h"
 #include "workbench/extensions_view.h"
 #include "workbench/main_window.h"
@@ -27,6 +28,22 @@ WindowOverlays::WindowOverlays(AppState& appState, ThemeManager& themeManager, M
         connect(&appState_, overlays().at(index).changed, this, [this, index] { take(index); });
         take(index);
     }
+    connect(&appState_, &AppState::showCloneDialogChanged, this, &WindowOverlays::takeCloneDialog);
+    takeCloneDialog();
+}
+
+void WindowOverlays::takeCloneDialog()
+{
+    if (appState_.showCloneDialog() == !cloneDialog_.isNull()) {
+        return;
+    }
+    if (cloneDialog_) {
+        cloneDialog_->close();
+        return;
+    }
+    cloneDialog_ = new CloneDialog(appState_.git(), FilePanels::shared(), Scheduler::system(), &window_);
+    connect(cloneDialog_, &QObject::destroyed, this, [this] { appState_.setShowCloneDialog(false); });
+    cloneDialog_->show();
 }
 
 void WindowOverlays::take(std::size_t index)

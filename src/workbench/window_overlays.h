@@ -12,6 +12,7 @@
 
 namespace kelm {
 
+class CloneDialog;
 class MainWindow;
 class OverlayLayer;
 
@@ -38,11 +39,13 @@ private:
 
     void take(std::size_t index);
     void giveKeyboard();
+    void takeCloneDialog();
 
     AppState& appState_;
     ThemeManager& themeManager_;
     MainWindow& window_;
     std::array<QPointer<OverlayLayer>, 3> layers_;
+    QPointer<CloneDialog> cloneDialog_;
 };
 
 } // namespace kelm

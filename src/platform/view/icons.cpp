@@ -1,5 +1,6 @@
 #include "platform/view/icons.h"
 
+#include <QDir>
 #include <QFile>
 #include <QPainter>
 #include <QPixmapCache>
@@ -27,6 +28,15 @@ QPixmap draw(const QString& name, const QSize& size, const QColor& tint)
 }
 
 } // namespace
+
+QStringList names()
+{
+    QStringList names = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")}, QDir::Files, QDir::Name);
+    for (QString& name : names) {
+        name.chop(4);
+    }
+    return names;
+}
 
 bool has(const QString& name)
 {

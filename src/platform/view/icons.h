@@ -2,12 +2,15 @@
 #pragma once
 
 #include <QColor>
-#include <QString>
+#include <QStringList>
 
 class QPainter;
 class QRectF;
 
 namespace kelm::icons {
+
+/// The names of all symbols, sorted.
+QStringList names();
 
 /// Whether there is a symbol of this name.
 bool has(const QString& name);
