@@ -1,6 +1,6 @@
 #include "git/ahead_behind_parser.h"
 
-#include "git/decimal_integer.h"
+#include "platform/decimal_integer.h"
 
 #include <QList>
 

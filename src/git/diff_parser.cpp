@@ -1,6 +1,6 @@
 #include "git/diff_parser.h"
 
-#include "git/decimal_integer.h"
+#include "platform/decimal_integer.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "git/decimal_integer.h"
+#include "platform/decimal_integer.h"
 
 #include <limits>
 

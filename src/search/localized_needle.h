@@ -1,0 +1,35 @@
+// Looking for a text as a person means it, letter case aside.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+#include <QStringView>
+
+namespace kelm {
+
+/// A text to look for: letter case does not matter, and texts that are canonically equivalent (Unicode, UAX #15) are the
+/// same. A match covers whole characters, so that "e" is not found in a decomposed "é". An empty text is found nowhere.
+class LocalizedNeedle
+{
+public:
+    explicit LocalizedNeedle(const QString& text);
+
+    /// Linear in the length of `text`.
+    bool isIn(QStringView text) const;
+
+    /// Whether UTF-8 `bytes` can hold the text at all. A quick look that never says no to bytes that do.
+    bool mayBeIn(QByteArrayView bytes) const;
+
+private:
+    bool isInFolded(const QString& folded) const;
+    bool isInAscii(QStringView text) const;
+
+    QString folded_;
+    /// The text in lower case when it is all ASCII, else empty.
+    QByteArray ascii_;
+    /// The place in `ascii_` of its rarest sign.
+    qsizetype rarest_ = 0;
+};
+
+} // namespace kelm
