@@ -29,20 +29,49 @@ std::vector<ColorRun> ColorRuns::runsIn(TextRange range) const
 void ColorRuns::set(TextRange range, Color color)
 {
     const TextRange wanted = range.clampedTo(length_);
-    if (wanted.isEmpty()) {
-        return;
+    if (!wanted.isEmpty()) {
+        setSideBySide(wanted, {wanted.location}, {color});
     }
-    qsizetype first = splitAt(wanted.location);
-    qsizetype last = splitAt(wanted.end());
+}
+
+void ColorRuns::set(const std::vector<ColorRun>& runs)
+{
+    std::vector<qsizetype> starts;
+    std::vector<Color> colors;
+    starts.reserve(runs.size());
+    colors.reserve(runs.size());
+    TextRange whole;
+    for (const ColorRun& run : runs) {
+        const TextRange range = run.range.clampedTo(length_);
+        if (range.isEmpty()) {
+            continue;
+        }
+        if (colors.empty()) {
+            whole.location = range.location;
+        }
+        whole.length = range.end() - whole.location;
+        if (colors.empty() || colors.back() != run.color) {
+            starts.push_back(range.location);
+            colors.emplace_back(run.color);
+        }
+    }
+    if (!colors.empty()) {
+        setSideBySide(whole, std::move(starts), colors);
+    }
+}
+
+void ColorRuns::setSideBySide(TextRange whole, std::vector<qsizetype> starts, const std::vector<Color>& colors)
+{
+    qsizetype first = splitAt(whole.location);
+    qsizetype last = splitAt(whole.end());
     // Runs of one colour that meet become one, or marks set and taken away all day would cut the text to shreds.
-    qsizetype start = wanted.location;
-    if (first > 0 && colors_[static_cast<std::size_t>(first - 1)] == color) {
-        start = starts_.at(--first);
+    if (first > 0 && colors_[static_cast<std::size_t>(first - 1)] == colors.front()) {
+        starts.front() = starts_.at(--first);
     }
-    if (last < starts_.size() && colors_[static_cast<std::size_t>(last)] == color) {
+    if (last < starts_.size() && colors_[static_cast<std::size_t>(last)] == colors.back()) {
         ++last;
     }
-    replaceRuns(first, last - first, {start}, {color});
+    replaceRuns(first, last - first, starts, colors);
 }
 
 TextRange ColorRuns::assign(const std::vector<ColorRun>& runs)

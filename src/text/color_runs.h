@@ -34,6 +34,8 @@ public:
 
     /// Colours `range`, or takes its colour away.
     void set(TextRange range, Color color);
+    /// Colours the ranges of `runs`, which are in order and lie side by side without a gap, in one go.
+    void set(const std::vector<ColorRun>& runs);
     /// Colours the whole text anew: `runs` are in order and do not overlap. Returns the range within which the colours
     /// differ from those before, empty where none does.
     TextRange assign(const std::vector<ColorRun>& runs);
@@ -46,6 +48,8 @@ public:
 private:
     qsizetype runAt(qsizetype offset) const { return starts_.upperBound(offset) - 1; }
     qsizetype runEnd(qsizetype run) const { return run + 1 < starts_.size() ? starts_.at(run + 1) : length_; }
+    /// Puts runs that begin at `starts` in the place of what `whole` holds; neighbours among them differ in colour.
+    void setSideBySide(TextRange whole, std::vector<qsizetype> starts, const std::vector<Color>& colors);
     /// Makes a run begin at `offset` and returns its index; at the end of the text that is one past the last.
     qsizetype splitAt(qsizetype offset);
     void replaceRuns(qsizetype first, qsizetype count, const std::vector<qsizetype>& starts,

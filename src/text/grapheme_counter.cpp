@@ -4,6 +4,8 @@
 
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
+
 namespace kelm {
 
 namespace {
@@ -26,6 +28,30 @@ constexpr bool standsAlone(char16_t unit)
     // Lines of tables and trees.
     const bool isBoxDrawing = unit >= 0x2500 && unit <= 0x259F;
     return isLatin || isKana || isIdeograph || isHangulSyllable || isBoxDrawing;
+}
+
+/// The end of the run of units from `offset` on that stand alone. Plain text goes by in blocks, which the compiler does
+/// several units at a time.
+qsizetype endOfLoners(QStringView text, qsizetype offset)
+{
+    constexpr qsizetype blockSize = 32;
+    const char16_t* units = text.utf16();
+    while (offset < text.size()) {
+        const qsizetype end = std::min(offset + blockSize, text.size());
+        bool isPlain = true;
+        for (qsizetype at = offset; at < end; ++at) {
+            isPlain &= units[at] < 0x80 && units[at] != u'\r';
+        }
+        const auto standing = [](char16_t unit) { return standsAlone(unit); };
+        if (!isPlain) {
+            const char16_t* loner = std::find_if_not(units + offset, units + end, standing);
+            if (loner != units + end) {
+                return loner - units;
+            }
+        }
+        offset = end;
+    }
+    return text.size();
 }
 
 /// Whether the units at `offset` - 1 and `offset` are surely of two characters.
@@ -58,10 +84,7 @@ qsizetype GraphemeCounter::count(QStringView text)
     Boundary at = last_;
     while (at.offset < text.size()) {
         const qsizetype start = at.offset;
-        qsizetype next = start + 1;
-        while (next < text.size() && isSurelyBoundary(text, next)) {
-            ++next;
-        }
+        const qsizetype next = std::max(start + 1, endOfLoners(text, start));
         // The unit before `next` may be the first of a longer character.
         at.count += next - 1 - start;
         qsizetype end = next;

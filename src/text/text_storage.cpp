@@ -53,7 +53,12 @@ void TextStorage::replace(TextRange range, QStringView replacement)
     }
     Q_EMIT willReplace(wanted, replacement);
     const qsizetype oddRemoved = LineIndex::countOdd(text_, LineIndex::affected(wanted, length()));
-    text_.replace(wanted.location, wanted.length, replacement.data(), replacement.size());
+    if (wanted.location == length()) {
+        // Room at the end grows without a copy where the system can move pages.
+        text_.append(replacement);
+    } else {
+        text_.replace(wanted.location, wanted.length, replacement.data(), replacement.size());
+    }
     ++revision_;
     const TextEdit edit = lines_.replace(text_, wanted, replacement.size(), oddRemoved);
     foreground_.textReplaced(wanted, replacement.size());
@@ -88,6 +93,16 @@ void TextStorage::setForeground(TextRange range, ColorRuns::Color color)
     const EditingBracket bracket(*this);
     foreground_.set(range, color);
     colorsChanged(range.clampedTo(length()));
+}
+
+void TextStorage::setForeground(const std::vector<ColorRun>& runs)
+{
+    if (runs.empty()) {
+        return;
+    }
+    const EditingBracket bracket(*this);
+    foreground_.set(runs);
+    colorsChanged(TextRange::between(runs.front().range.location, runs.back().range.end()).clampedTo(length()));
 }
 
 void TextStorage::assignForeground(const std::vector<ColorRun>& runs)

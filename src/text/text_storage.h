@@ -49,6 +49,8 @@ public:
     void setText(const QString& text);
 
     void setForeground(TextRange range, ColorRuns::Color color);
+    /// Colours several ranges in one go; see `ColorRuns::set`.
+    void setForeground(const std::vector<ColorRun>& runs);
     /// Colours the whole text anew; see `ColorRuns::assign`.
     void assignForeground(const std::vector<ColorRun>& runs);
     void setBackground(TextRange range, ColorRuns::Color color);

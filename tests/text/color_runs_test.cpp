@@ -119,12 +119,24 @@ void ColorRunsTest::randomChangesAgreeWithAColourPerUnit()
         const auto length = static_cast<qsizetype>(model.size());
         const TextRange range = random.range(length);
         const ColorRuns::Color color = colors[static_cast<std::size_t>(random.below(4))];
-        switch (random.below(3)) {
+        switch (random.below(4)) {
         case 0:
             runs.set(range, color);
             std::fill_n(model.begin() + range.location, range.length, color);
             break;
         case 1: {
+            // Several side by side, some of them of one colour or empty.
+            std::vector<ColorRun> sideBySide;
+            for (qsizetype at = range.location; at < range.end();) {
+                const qsizetype pieceLength = std::min(random.below(4), range.end() - at);
+                sideBySide.push_back({{at, pieceLength}, random.below(2) == 0 ? red : blue});
+                std::fill_n(model.begin() + at, pieceLength, sideBySide.back().color);
+                at += pieceLength;
+            }
+            runs.set(sideBySide);
+            break;
+        }
+        case 2: {
             const qsizetype newLength = random.below(length > 120 ? 3 : 9);
             runs.textReplaced(range, newLength);
             replaceInModel(model, range, newLength);

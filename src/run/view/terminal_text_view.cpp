@@ -75,16 +75,17 @@ void TerminalTextView::setSession(TerminalSession* session)
 
 void TerminalTextView::appendText(const QString& text, const QColor& color)
 {
-    append(text, [&](qsizetype start) { storage().setForeground({start, text.size()}, color.rgba()); });
+    append(text, {{{0, text.size()}, color.rgba()}});
 }
 
 void TerminalTextView::appendOutput(const AttributedText& text)
 {
-    append(text.text, [&](qsizetype start) {
-        for (const AttributedRun& run : text.runs) {
-            storage().setForeground({start + run.start, run.length}, resolved(run.color, appearance_));
-        }
-    });
+    std::vector<ColorRun> colors;
+    colors.reserve(text.runs.size());
+    for (const AttributedRun& run : text.runs) {
+        colors.push_back({{run.start, run.length}, resolved(run.color, appearance_)});
+    }
+    append(text.text, std::move(colors));
 }
 
 void TerminalTextView::appendPrompt()
@@ -100,7 +101,7 @@ void TerminalTextView::clear()
     commandStartLocation_ = 0;
 }
 
-void TerminalTextView::append(const QString& text, const std::function<void(qsizetype)>& color)
+void TerminalTextView::append(const QString& text, std::vector<ColorRun> colors)
 {
     // What was typed before has become a part of what was written.
     editor().forgetUndo();
@@ -109,7 +110,10 @@ void TerminalTextView::append(const QString& text, const std::function<void(qsiz
         const EditingBracket bracket(storage());
         const qsizetype start = storage().length();
         storage().replace({start, 0}, text);
-        color(start);
+        for (ColorRun& run : colors) {
+            run.range.location += start;
+        }
+        storage().setForeground(colors);
     }
     commandStartLocation_ = characters_.count(storage().text());
     follower_->didAppend();
@@ -117,7 +121,10 @@ void TerminalTextView::append(const QString& text, const std::function<void(qsiz
 
 void TerminalTextView::textEdited(const TextEdit& edit)
 {
-    characters_.textReplaced(edit.range.location);
+    const bool isAppended = edit.range.isEmpty() && edit.newRange().end() == storage().length();
+    if (!isAppended) {
+        characters_.textReplaced(edit.range.location);
+    }
     if (std::exchange(isTyping_, false) && editor().selections().isSingle()) {
         // Beside the prompt it would take the prompt's colour.
         storage().setForeground(edit.newRange(), plainColors::green.rgba());

@@ -9,7 +9,7 @@
 
 #include <QPointer>
 
-#include <functional>
+#include <vector>
 
 namespace kelm {
 
@@ -68,8 +68,8 @@ private:
     bool isAnySelectionAtPrompt() const;
     void moveCaretToEnd();
 
-    /// Adds text at the end; `color` colours it, which begins at the given offset.
-    void append(const QString& text, const std::function<void(qsizetype)>& color);
+    /// Adds text at the end; the places of `colors` count from its start.
+    void append(const QString& text, std::vector<ColorRun> colors);
     void textEdited(const TextEdit& edit);
     void recolor();
 
