@@ -1,3 +1,4 @@
+#include "platform/application_exit.h"
 #include "platform/main_queue.h"
 #include "platform/view/style.h"
 #include "workbench/kelm_pane_app.h"
@@ -29,11 +30,15 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(QStringLiteral("kelmwright"));
     kelm::style::installOn(application);
 
-    kelm::KelmPaneApp app;
-    app.start(QApplication::arguments().mid(1));
-    const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
-    if (!picture.isEmpty()) {
-        drawPictureAndQuit(app.window(), picture);
+    int status = 0;
+    {
+        kelm::KelmPaneApp app;
+        app.start(QApplication::arguments().mid(1));
+        const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
+        if (!picture.isEmpty()) {
+            drawPictureAndQuit(app.window(), picture);
+        }
+        status = QApplication::exec();
     }
-    return QApplication::exec();
+    return kelm::leaveWithoutWaiting(status);
 }
