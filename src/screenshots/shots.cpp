@@ -3,6 +3,8 @@
 #include "app/app_state.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/view/plain_button.h"
+#include "run/code_runner.h"
+#include "run/view/terminal_text_view.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
 #include "workbench/document_status.h"
@@ -15,8 +17,11 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -58,6 +63,48 @@ void press(QWidget& widget)
     QMouseEvent event(QEvent::MouseButtonPress, place, widget.mapToGlobal(place), Qt::LeftButton, Qt::LeftButton, {});
     QCoreApplication::sendEvent(&widget, &event);
     settle();
+}
+
+void runFile(Stage& stage)
+{
+    stage.state.runCurrentFile();
+    // The page scrolls to its end when all is there.
+    bool hasScrolled = false;
+    settleUntil([&stage] { return !stage.state.codeRunner().isRunning(); });
+    QTimer::singleShot(200, &stage.window, [&hasScrolled] { hasScrolled = true; });
+    settleUntil([&hasScrolled] { return hasScrolled; });
+}
+
+void press(TerminalTextView& terminal, Qt::Key key)
+{
+    QKeyEvent event(QEvent::KeyPress, key, {});
+    QCoreApplication::sendEvent(&terminal, &event);
+}
+
+void type(TerminalTextView& terminal, const QString& text)
+{
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(&terminal, &event);
+}
+
+void useTerminal(Stage& stage)
+{
+    qputenv("HOME", stage.project.toLocal8Bit());
+    stage.state.setBottomPanelTab(BottomPanelTab::terminal);
+    stage.state.setShowBottomPanel(true);
+    auto& terminal = *stage.window.findChild<TerminalTextView*>();
+    settleUntil([&terminal] { return terminal.text().endsWith(u"$ "); });
+    terminal.setFocus();
+    // What the last picture left on the line counts as output now.
+    press(terminal, Qt::Key_Escape);
+    for (const QString& line :
+         {u"clear"_s, u"cd"_s, u"ls --color"_s, u"export SEASON=가을"_s, u"echo $SEASON"_s, u"cd Sources"_s}) {
+        type(terminal, line);
+        press(terminal, Qt::Key_Return);
+    }
+    type(terminal, u"python3 ba"_s);
+    press(terminal, Qt::Key_Tab);
 }
 
 /// A picture of each menu of the status bar.
@@ -128,6 +175,8 @@ std::vector<Shot> shots()
          .files = {javascript},
          .prepare = [](Stage& stage) { findWord(stage, u"return"_s); },
          .showsProject = false},
+        {"output", {basket}, runFile},
+        {"terminal", {basket}, useTerminal},
         {.name = "korean", .files = {korean}, .showsProject = false},
         {.name = "korean-2x", .files = {korean}, .scale = 2, .showsProject = false},
         {.name = "editor-2x", .files = {orchard, basket}, .scale = 2},

@@ -18,6 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int fontSize = 12;
+constexpr qreal rowHeight = 16;
 constexpr QSizeF outputInset(7, 8);
 constexpr int anchorHeight = 1;
 constexpr int scrollDurationMs = 100;
@@ -34,7 +35,7 @@ OutputView::OutputView(NotificationCenter& notifications, ThemeManager& themeMan
       follower_(new EndFollower(*textView_, [this] { scrollToBottomAnchor(); }))
 {
     textView_->setReadOnly(true);
-    textView_->setTextFont(style::monospaced(fontSize));
+    textView_->setTextFont(style::monospaced(fontSize), rowHeight);
     textView_->setTextInset(outputInset);
     textView_->setAccessibleName(tr("Output"));
     auto* layout = new QVBoxLayout(this);
