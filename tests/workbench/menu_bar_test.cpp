@@ -1,4 +1,5 @@
 #include "run/code_runner.h"
+#include "run/view/output_view.h"
 #include "workbench/menu_bar.h"
 #include "workbench/window_fixture.h"
 
@@ -173,6 +174,8 @@ void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
     QTRY_VERIFY(fixture.state.codeRunner().lastExitCode().has_value());
     QVERIFY(fixture.state.codeRunner().output().contains(QStringLiteral("\ntyped\n")));
     QVERIFY(fixture.state.showBottomPanel());
+    QCOMPARE(fixture.window.findChild<OutputView*>()->output(),
+             QStringLiteral("typed\n\n\nProcess exited with code 0\n"));
 }
 
 void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()

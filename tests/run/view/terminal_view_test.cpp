@@ -1,10 +1,32 @@
 #include "run/view/terminal_page.h"
+#include "support/roles.h"
 
 #include <QImage>
 
 using namespace kelm;
 using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Quits while a command runs and keys wait for it.
+int quitWhileRunning(const QStringList& /*arguments*/)
+{
+    TerminalPage page;
+    page.showBanner();
+    QTimer::singleShot(0, page.view.get(), [&page] {
+        page.onceRunning(
+            [&page] {
+                page.type(QStringLiteral("waiting"));
+                QCoreApplication::quit();
+            },
+            QStringLiteral("started\n"));
+        page.run(QStringLiteral("echo started; sleep 60"));
+    });
+    return QCoreApplication::exec();
+}
+
+} // namespace
 
 class TerminalViewTest : public QObject
 {
@@ -19,6 +41,7 @@ private Q_SLOTS:
     void runFileReachesTheSession();
     void charactersWrittenByteByByteArriveWhole();
     void invalidBytesDropTheirChunkAndNothingElse();
+    void quittingDoesNotWaitForACommand();
 };
 
 void TerminalViewTest::itHasOneSessionForItsLife()
@@ -106,5 +129,20 @@ void TerminalViewTest::invalidBytesDropTheirChunkAndNothingElse()
     QVERIFY(page.written().endsWith(u"beforeafter"_s + page.prompt()));
 }
 
-QTEST_MAIN(TerminalViewTest)
+void TerminalViewTest::quittingDoesNotWaitForACommand()
+{
+    // The command would take longer than the program is waited for.
+    QCOMPARE(runRole(u"quit-while-running"_s, {}), 0);
+}
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    if (const auto code = carryOutRole({{u"quit-while-running"_s, quitWhileRunning}})) {
+        return *code;
+    }
+    TerminalViewTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "terminal_view_test.moc"
