@@ -85,43 +85,38 @@ qsizetype cellCount(QStringView line)
     return count;
 }
 
-LineRows::LineRows(QStringView line, qsizetype columns) : length_(line.size()), columns_(columns)
+LineRows::LineRows(QStringView line, qsizetype columns) : length_(line.size()), starts_{0}
 {
     // No character takes more cells than a tab: most lines are not looked at.
-    if (line.size() * cellsPerTab <= columns || isPlainAscii(line)) {
+    if (line.size() * cellsPerTab <= columns || (line.size() <= columns && isPlainAscii(line))) {
         return;
     }
-    starts_.push_back(0);
     qsizetype cell = 0;
-    forEachCharacter(line, [&](qsizetype at, qsizetype, char32_t character) {
-        // A tab at the end of a row takes what room there is.
-        const bool fits = character == U'\t' ? cell < columns : cell + cellsOf(character) <= columns;
-        if (!fits && at > starts_.back()) {
-            starts_.push_back(static_cast<qint32>(at));
-            cell = 0;
+    /// Behind the last blank of the row, and the cell there.
+    qsizetype wordStart = 0;
+    qsizetype wordCell = 0;
+    forEachCharacter(line, [&](qsizetype at, qsizetype units, char32_t character) {
+        const bool isBlank = character == U' ' || character == U'\t';
+        const auto fits = [&] {
+            // A blank may stand over the edge, where nobody sees it; a tab takes what room there is.
+            return isBlank ? cell <= columns - (character == U'\t' ? 1 : 0) : cell + cellsOf(character) <= columns;
+        };
+        while (!fits() && at > starts_.back()) {
+            const bool keepsWord =
+                wordStart > starts_.back() && 2 * (wordStart - starts_.back()) >= at - starts_.back();
+            starts_.push_back(static_cast<qint32>(keepsWord ? wordStart : at));
+            cell = keepsWord ? cell - wordCell : 0;
         }
         cell += cellsAt(character, cell);
+        if (isBlank) {
+            wordStart = at + units;
+            wordCell = cell;
+        }
     });
-}
-
-qsizetype LineRows::count() const
-{
-    if (!starts_.empty()) {
-        return static_cast<qsizetype>(starts_.size());
-    }
-    return std::max<qsizetype>(1, (length_ + columns_ - 1) / columns_);
-}
-
-qsizetype LineRows::start(qsizetype row) const
-{
-    return starts_.empty() ? row * columns_ : starts_[static_cast<std::size_t>(row)];
 }
 
 qsizetype LineRows::rowOf(qsizetype unit) const
 {
-    if (starts_.empty()) {
-        return std::min(unit / columns_, count() - 1);
-    }
     return std::upper_bound(starts_.begin(), starts_.end(), unit) - starts_.begin() - 1;
 }
 

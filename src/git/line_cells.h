@@ -14,27 +14,26 @@ inline constexpr qsizetype cellsPerTab = 4;
 /// combining marks, up to the next stop for a tab. Linear in the line; quick where it is plain ASCII.
 qsizetype cellCount(QStringView line);
 
-/// A line cut into rows of at most so many cells. Every row but that of an empty line holds at least one character. Tab
-/// stops count from the start of each row.
+/// A line cut into rows of at most so many cells, behind a blank where there is one in the row's second half, else
+/// anywhere. Every row but that of an empty line holds at least one character. Tab stops count from the start of each
+/// row.
 ///
-/// Making it costs one pass over the line, or next to nothing where the line is plain ASCII.
+/// Making it costs one pass over the line, or next to nothing where the line is short.
 class LineRows
 {
 public:
     /// `columns` is at least 1.
     LineRows(QStringView line, qsizetype columns);
 
-    qsizetype count() const;
+    qsizetype count() const { return static_cast<qsizetype>(starts_.size()); }
     /// The first UTF-16 unit of a row, and the one behind its last.
-    qsizetype start(qsizetype row) const;
+    qsizetype start(qsizetype row) const { return starts_[static_cast<std::size_t>(row)]; }
     qsizetype end(qsizetype row) const { return row + 1 < count() ? start(row + 1) : length_; }
     /// The row that holds a unit; the last one for the line's end.
     qsizetype rowOf(qsizetype unit) const;
 
 private:
     qsizetype length_;
-    qsizetype columns_;
-    /// The starts of all rows, where not every unit is one cell.
     std::vector<qint32> starts_;
 };
 

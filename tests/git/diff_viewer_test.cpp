@@ -108,6 +108,7 @@ private Q_SLOTS:
     void actionGetsTheFileAndTheHunksIndex();
     void actionMayReplaceTheText();
     void buttonsAreNamedForScreenReaders();
+    void textIsToldToScreenReaders();
     void tabLeadsFromHunkToHunk();
     void tabEntersWhereTheDiffIsScrolledTo();
     void keyboardStaysNextToAHunkThatIsGone();
@@ -301,6 +302,41 @@ void DiffViewerTest::buttonsAreNamedForScreenReaders()
     QAccessible::queryAccessibleInterface(toggle)->actionInterface()->doAction(
         QAccessibleActionInterface::pressAction());
     QTRY_VERIFY(shown.viewer.collapsedHunks().isEmpty());
+}
+
+void DiffViewerTest::textIsToldToScreenReaders()
+{
+    for (const DiffViewMode mode : allDiffViewModes) {
+        ShownViewer shown(manyFiles(60), mode);
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&shown.list());
+        QVERIFY(accessible->state().readOnly);
+        QAccessibleTextInterface* text = accessible->textInterface();
+        QVERIFY(text != nullptr);
+        const QString whole = text->text(0, text->characterCount());
+        QVERIFY(whole.startsWith(u"file0\n@@ -1,9 +1,9 @@ section 0\n a\n-old word\n+new word\nfile1\n"_s));
+
+        const int word = static_cast<int>(whole.indexOf(u"word\nfile1"));
+        const QRect letter = text->characterRect(word);
+        const QPoint place = shown.pointOf({0, 0, mode == DiffViewMode::unified ? 2 : 1, 4});
+        QVERIFY(letter.contains(shown.list().viewport()->mapToGlobal(place + QPoint(2, 0))));
+        QCOMPARE(text->offsetAtPoint(letter.center() - QPoint(2, 0)), word);
+
+        text->addSelection(word, word + 4);
+        QCOMPARE(shown.list().selectedText(), u"word"_s);
+        int start = 0;
+        int end = 0;
+        text->selection(0, &start, &end);
+        QCOMPARE(start, word);
+        QCOMPARE(end, word + 4);
+        text->removeSelection(0);
+        QCOMPARE(text->selectionCount(), 0);
+
+        text->scrollToSubstring(static_cast<int>(whole.indexOf(u"file59")), 0);
+        QVERIFY(shown.button(59, 0, Role::toggle) != nullptr);
+        const QUuid last = shown.list().diffLayout().files()[59].hunks[0].id;
+        shown.viewer.toggleHunk(last);
+        QVERIFY(text->text(0, text->characterCount()).endsWith(u"file59\n@@ -1,9 +1,9 @@ section 0\n"_s));
+    }
 }
 
 void DiffViewerTest::tabLeadsFromHunkToHunk()

@@ -56,6 +56,11 @@ void LineCellsTest::linesAreCutIntoRows_data()
     QTest::newRow("fits") << u"abcd"_s << 4 << QStringList{u"abcd"_s};
     QTest::newRow("one more") << u"abcde"_s << 4 << QStringList{u"abcd"_s, u"e"_s};
     QTest::newRow("exactly two") << u"abcdefgh"_s << 4 << QStringList{u"abcd"_s, u"efgh"_s};
+    QTest::newRow("at a blank") << u"ab cdefg"_s << 5 << QStringList{u"ab "_s, u"cdefg"_s};
+    QTest::newRow("at the last blank") << u"a b cdef"_s << 6 << QStringList{u"a b "_s, u"cdef"_s};
+    QTest::newRow("not at an early blank") << u"a bcdefghi"_s << 6 << QStringList{u"a bcde"_s, u"fghi"_s};
+    QTest::newRow("blank over the edge") << u"abcd ef"_s << 4 << QStringList{u"abcd "_s, u"ef"_s};
+    QTest::newRow("blanks over the edge") << u"abcd  ef"_s << 4 << QStringList{u"abcd "_s, u" ef"_s};
     QTest::newRow("wide character at the edge") << u"abc가나"_s << 4 << QStringList{u"abc"_s, u"가나"_s};
     QTest::newRow("wide character in a narrow row") << u"가나"_s << 1 << QStringList{u"가"_s, u"나"_s};
     QTest::newRow("mark stays with its letter") << u"abce\u0301x"_s << 4 << QStringList{u"abce\u0301"_s, u"x"_s};
@@ -98,9 +103,9 @@ void LineCellsTest::rowsHoldTheWholeLine()
             for (qsizetype unit = start; unit < end; ++unit) {
                 QCOMPARE(rows.rowOf(unit), row);
             }
-            // Only a wide character in a row of one cell and a tab at the end may stand over.
+            // Only a wide character in a row of one cell, a blank and a tab at the end may stand over.
             const qsizetype cells = cellCount(QStringView(line).sliced(start, end - start));
-            QVERIFY(cells <= std::max(columns, 2) + cellsPerTab - 1);
+            QVERIFY(cells <= std::max(columns, 2) + cellsPerTab);
         }
         QCOMPARE(rows.rowOf(line.size()), rows.count() - 1);
     }

@@ -1,5 +1,6 @@
 #include "git/view/diff_list.h"
 
+#include "git/view/diff_list_accessible.h"
 #include "git/view/diff_painter.h"
 #include "platform/view/plain_button.h"
 
@@ -43,6 +44,7 @@ DiffList::DiffList(std::function<FileBlock(qsizetype)> blockOf, QWidget* parent)
       words_([this] { viewport()->update(); }),
       controls_(*viewport())
 {
+    installAccessibleDiffListFactory();
     texts_.setFont(fonts_.body);
     setAccessibleName(tr("Diff"));
     setFrameShape(QFrame::NoFrame);
@@ -66,6 +68,7 @@ void DiffList::setFiles(QList<DiffFile> files, DiffViewMode mode)
     }
     isDragging_ = false;
     selection_.reset();
+    transcript_.reset();
     texts_.clear();
     words_.clear();
     columns_ = columnsOf(mode);
@@ -92,6 +95,7 @@ void DiffList::setCollapsed(qsizetype file, qsizetype hunk, bool isCollapsed)
         return;
     }
     layout_.setCollapsed(file, hunk, isCollapsed);
+    transcript_.reset();
     updateScrollBar();
     updateBlocks();
 }
@@ -219,6 +223,47 @@ QPointF DiffList::pointOf(const DiffTextPlace& place, SideBySideHunkLines::Side 
     const DiffRowText& text = texts_.row(line->text, row, layout_.columns(), column.bodyWidth());
     const qint64 top = layout_.entryTop(place.file, place.hunk, place.entry) + row * metrics_.row - scrolledTo();
     return {column.bodyLeft + text.xOf(place.unit - start), qreal(top) + metrics_.row / 2.0};
+}
+
+const DiffTranscript& DiffList::transcript() const
+{
+    if (!transcript_) {
+        transcript_.emplace(layout_);
+    }
+    return *transcript_;
+}
+
+QRect DiffList::rectOf(const DiffTextPlace& place, SideBySideHunkLines::Side side)
+{
+    const int left = metrics_.padding;
+    if (place.hunk < 0) {
+        return {left, static_cast<int>(layout_.fileTop(place.file) - scrolledTo()), blockWidth(), metrics_.fileHeader};
+    }
+    if (place.entry < 0) {
+        return {left, static_cast<int>(layout_.hunkTop(place.file, place.hunk) - scrolledTo()), blockWidth(),
+                metrics_.hunkHeader};
+    }
+    const QPointF from = pointOf(place, side);
+    DiffTextPlace next = place;
+    next.unit = std::min(place.unit + 1, lineOn(side, layout_, place.file, place.hunk, place.entry)->text.size());
+    const QPointF to = pointOf(next, side);
+    const qreal width = to.y() == from.y() ? std::max(1.0, to.x() - from.x()) : texts_.cellWidth();
+    return QRectF(from.x(), from.y() - metrics_.row / 2.0, width, metrics_.row).toAlignedRect();
+}
+
+void DiffList::scrollTo(const DiffTextPlace& place)
+{
+    qint64 top = layout_.fileTop(place.file);
+    if (place.hunk >= 0) {
+        const bool isHeader = place.entry < 0 || layout_.isCollapsed(place.file, place.hunk);
+        top =
+            isHeader ? layout_.hunkTop(place.file, place.hunk) : layout_.entryTop(place.file, place.hunk, place.entry);
+    }
+    const int height = viewport()->height();
+    if (top < scrolledTo() || top + metrics_.row > scrolledTo() + height) {
+        const qint64 target = top - (height - metrics_.row) / 2;
+        verticalScrollBar()->setValue(static_cast<int>(std::clamp<qint64>(target, 0, verticalScrollBar()->maximum())));
+    }
 }
 
 } // namespace kelm

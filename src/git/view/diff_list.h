@@ -2,6 +2,7 @@
 #pragma once
 
 #include "git/diff_selection.h"
+#include "git/diff_transcript.h"
 #include "git/view/diff_columns.h"
 #include "git/view/diff_fonts.h"
 #include "git/view/diff_hunk_controls.h"
@@ -12,6 +13,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace kelm {
 
@@ -48,9 +50,22 @@ public:
     /// The number of pairs of lines that have been compared word by word.
     qsizetype comparedPairs() const { return words_.size(); }
 
+    const std::optional<DiffSelection>& selection() const { return selection_; }
+    void select(const DiffSelection& selection);
+    void clearSelection();
     QString selectedText() const;
     void copy() const;
     void selectAll();
+
+    // For screen readers.
+    /// Everything as one text; made when it is asked for.
+    const DiffTranscript& transcript() const;
+    /// Where a unit is drawn, in the viewport, also where that is not on screen.
+    QRect rectOf(const DiffTextPlace& place, SideBySideHunkLines::Side side);
+    /// The place in the text that is nearest to a point of the viewport, and its side.
+    std::pair<DiffTextPlace, SideBySideHunkLines::Side> textAt(const QPoint& point);
+    /// Scrolls the row of a place to the middle, unless it is on screen.
+    void scrollTo(const DiffTextPlace& place);
 
 protected:
     bool event(QEvent* event) override;
@@ -90,7 +105,6 @@ private:
     DiffTextPlace textPlaceAt(const QPointF& point, const DiffColumn& column);
     qsizetype pathUnitAt(qsizetype file, qreal x);
     void extendSelection(const QPointF& point);
-    void select(const DiffSelection& selection);
     QString helpAt(const QPoint& point);
 
     std::function<FileBlock(qsizetype)> blockOf_;
@@ -104,6 +118,7 @@ private:
     /// The room at the right of a hunk's header that its text stays clear of.
     int actionWidth_ = 0;
     std::optional<DiffSelection> selection_;
+    mutable std::optional<DiffTranscript> transcript_;
     bool isDragging_ = false;
     QPointF dragPoint_;
     QBasicTimer dragTimer_;

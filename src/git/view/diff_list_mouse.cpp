@@ -86,6 +86,18 @@ void DiffList::select(const DiffSelection& selection)
     viewport()->update();
 }
 
+void DiffList::clearSelection()
+{
+    selection_.reset();
+    viewport()->update();
+}
+
+std::pair<DiffTextPlace, SideBySideHunkLines::Side> DiffList::textAt(const QPoint& point)
+{
+    const DiffColumn& column = columnAt(point.x());
+    return {textPlaceAt(point, column), column.side};
+}
+
 void DiffList::extendSelection(const QPointF& point)
 {
     if (selection_) {

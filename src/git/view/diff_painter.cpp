@@ -1,6 +1,7 @@
 #include "git/view/diff_painter.h"
 
 #include "git/diff_content.h"
+#include "git/diff_transcript.h"
 #include "git/unified_hunk_lines.h"
 #include "git/view/selective_rounded_shape.h"
 #include "platform/view/icons.h"
@@ -27,23 +28,6 @@ constexpr double noNewlineGround = 0.05;
 constexpr double wordGround = 0.35;
 constexpr double numberGround = 0.04;
 constexpr double selectionGround = 0.28;
-
-QString sign(DiffLineKind kind)
-{
-    switch (kind) {
-    case DiffLineKind::added:
-        return QStringLiteral("+");
-    case DiffLineKind::removed:
-        return QStringLiteral("-");
-    case DiffLineKind::noNewline:
-        return QStringLiteral("\\");
-    case DiffLineKind::context:
-    case DiffLineKind::hunkHeader:
-    case DiffLineKind::fileHeader:
-        break;
-    }
-    return QStringLiteral(" ");
-}
 
 Tint unifiedText(DiffLineKind kind)
 {
@@ -306,7 +290,7 @@ void DiffPainter::paintNumber(const std::optional<qint64>& number, qreal left, q
 
 void DiffPainter::paintSign(const Line& line)
 {
-    const QString text = sign(line.line.kind);
+    const QString text = diffSign(line.line.kind);
     if (text == u' ') {
         return;
     }
