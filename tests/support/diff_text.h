@@ -10,7 +10,9 @@ namespace kelm::test {
 /// The only hunk of a file whose body is `lines`, each with its sign.
 inline DiffHunk hunkOf(const QStringList& lines)
 {
-    return DiffParser::parse((QStringList{QStringLiteral("@@ -1,9 +1,9 @@")} + lines).join(u'\n')).front().hunks.front();
+    return DiffParser::parse((QStringList{QStringLiteral("@@ -1,9 +1,9 @@")} + lines).join(u'\n'))
+        .front()
+        .hunks.front();
 }
 
 /// A diff of one file with a hunk for each list of lines.

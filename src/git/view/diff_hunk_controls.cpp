@@ -26,7 +26,7 @@ ButtonLook toggleLook()
 ButtonLook actionLook()
 {
     return {.symbol = QStringLiteral("plus.circle"),
-            .symbolSize = 12,
+            .symbolSize = 10,
             .textSize = style::typeSize::caption,
             .tint = Tint::primary(),
             .padding = {actionPadding, 2, actionPadding, 2},
