@@ -2,6 +2,8 @@
 #include "git/view/diff_list.h"
 #include "git/view/diff_sheet.h"
 #include "git/view/diff_viewer.h"
+#include "git/view/live_sheets.h"
+#include "panel_fixture.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "support/temporary_repository.h"
@@ -87,6 +89,7 @@ private Q_SLOTS:
     void commitIsShownReadOnly();
     void commitsHashIsCopiedWhole();
     void unknownCommitIsEmpty();
+    void panelOpensTheSheets();
 };
 
 void DiffSheetTest::sheetAsksGitWhenItAppears()
@@ -210,7 +213,6 @@ void DiffSheetTest::escapeIsLeftToTheDialogAround()
     auto* sheet = new DiffSheetView(changed.git, u"a.txt"_s, &dialog);
     auto* column = new QVBoxLayout(&dialog);
     column->addWidget(sheet);
-    sheet->setFocus();
     dialog.open();
     dialog.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
@@ -276,6 +278,45 @@ void DiffSheetTest::unknownCommitIsEmpty()
     QCOMPARE(sheet.windowTitle(), u"Commit 0123456789"_s);
     QVERIFY(sheet.content().isEmpty());
     QCOMPARE(sheet.viewer().filesSummary(), u"0 files   +0 \u22120"_s);
+}
+
+void DiffSheetTest::panelOpensTheSheets()
+{
+    ChangedFile changed;
+    AppStateFixture app;
+    QWidget window;
+    SourceControlView panel(app.state, {app.filePanels, app.scheduler, liveSheets()}, &window);
+    auto* layout = new QVBoxLayout(&window);
+    layout->addWidget(&panel);
+    window.resize(1000, 700);
+    app.state.setCurrentProject(changed.repository.url());
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto shownList = [&] {
+        const auto lists = panel.findChildren<RowList*>();
+        return *std::find_if(lists.begin(), lists.end(), [](RowList* list) { return list->isVisible(); });
+    };
+
+    clickRow(*shownList(), u"M a.txt"_s);
+    QCOMPARE(panel.diffPath(), std::optional(u"a.txt"_s));
+    QPointer<DiffSheetView> sheet = window.findChild<DiffSheetView*>();
+    QVERIFY(sheet);
+    QVERIFY(sheet->window()->isModal());
+    QTRY_COMPARE(QApplication::focusWidget(), &sheet->viewer().list());
+    QTest::mouseClick(sheet->viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
+    // The file stands in both lists now.
+    QCOMPARE(linesOf(*shownList()), (QStringList{u"# Staged"_s, u"M a.txt"_s, u"# Changes"_s, u"M a.txt"_s}));
+    QTest::mouseClick(named<QPushButton>(*sheet, u"Close"_s), Qt::LeftButton);
+    QVERIFY(!panel.diffPath());
+    QTRY_VERIFY(!sheet);
+
+    panel.setHistorySha(u"HEAD"_s);
+    QPointer<CommitDetailView> commit = window.findChild<CommitDetailView*>();
+    QVERIFY(commit);
+    QVERIFY(commit->content().contains(u"first"));
+    QTest::keyClick(&commit->viewer().list(), Qt::Key_Escape);
+    QVERIFY(!panel.historySha());
+    QTRY_VERIFY(!commit);
 }
 
 QTEST_MAIN(DiffSheetTest)

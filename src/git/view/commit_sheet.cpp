@@ -27,7 +27,6 @@ CommitDetailView::CommitDetailView(GitService& git, const QString& sha, QWidget*
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
-    setFocusProxy(&viewer_->list());
 }
 
 CommitDetailView::~CommitDetailView() = default;
@@ -72,6 +71,8 @@ void CommitDetailView::showEvent(QShowEvent* event)
         hasAppeared_ = true;
         content_ = git_ ? git_->showCommit(sha_) : QString();
         viewer_->setDiffText(content_);
+        // The arrow keys scroll at once.
+        viewer_->list().setFocus();
     }
 }
 

@@ -27,7 +27,6 @@ DiffSheetView::DiffSheetView(GitService& git, const QString& path, QWidget* pare
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
     updateAction();
-    setFocusProxy(&viewer_->list());
 }
 
 DiffSheetView::~DiffSheetView() = default;
@@ -70,6 +69,8 @@ void DiffSheetView::showEvent(QShowEvent* event)
     if (!hasAppeared_) {
         hasAppeared_ = true;
         load();
+        // The arrow keys scroll at once.
+        viewer_->list().setFocus();
     }
 }
 
