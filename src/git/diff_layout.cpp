@@ -101,7 +101,7 @@ void DiffLayout::setCollapsed(qsizetype file, qsizetype hunk, bool isCollapsed)
 
 qint64 DiffLayout::height() const
 {
-    return files_.isEmpty() ? 2 * metrics_.padding : fileTops_.back() - metrics_.spacing + metrics_.padding;
+    return files_.isEmpty() ? 2 * qint64(metrics_.padding) : fileTops_.back() - metrics_.spacing + metrics_.padding;
 }
 
 qint64 DiffLayout::fileHeight(qsizetype file) const

@@ -6,8 +6,8 @@
 
 #include <QString>
 
-#include <compare>
 #include <optional>
+#include <tuple>
 
 namespace kelm {
 
@@ -20,7 +20,12 @@ struct DiffTextPlace
     qsizetype entry = 0;
     qsizetype unit = 0;
 
-    auto operator<=>(const DiffTextPlace&) const = default;
+    bool operator==(const DiffTextPlace&) const = default;
+    /// In the order of reading.
+    friend bool operator<(const DiffTextPlace& a, const DiffTextPlace& b)
+    {
+        return std::tie(a.file, a.hunk, a.entry, a.unit) < std::tie(b.file, b.hunk, b.entry, b.unit);
+    }
 };
 
 /// A stretch of paths and lines, from where it was begun to where it ends now. In the side-by-side form it holds the

@@ -20,8 +20,8 @@ constexpr qsizetype shownShaLength = 10;
 
 } // namespace
 
-CommitDetailView::CommitDetailView(GitService& git, const QString& sha, QWidget* parent)
-    : QWidget(parent), git_(&git), sha_(sha)
+CommitDetailView::CommitDetailView(GitService& git, QString sha, QWidget* parent)
+    : QWidget(parent), git_(&git), sha_(std::move(sha))
 {
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();

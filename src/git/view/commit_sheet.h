@@ -18,7 +18,7 @@ class CommitDetailView final : public QWidget
     Q_OBJECT
 
 public:
-    CommitDetailView(GitService& git, const QString& sha, QWidget* parent);
+    CommitDetailView(GitService& git, QString sha, QWidget* parent);
     ~CommitDetailView() override;
 
     /// Called by the button "Close".

@@ -5,9 +5,9 @@
 
 #include <QRect>
 
-#include <compare>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QWidget;
@@ -25,7 +25,7 @@ struct HunkControl
     qsizetype hunk = 0;
     Role role = Role::toggle;
 
-    auto operator<=>(const HunkControl&) const = default;
+    bool operator==(const HunkControl&) const = default;
 };
 
 /// A hunk header that is on screen.

@@ -18,8 +18,8 @@ constexpr int pickerWidth = 160;
 
 } // namespace
 
-DiffSheetView::DiffSheetView(GitService& git, const QString& path, QWidget* parent)
-    : QWidget(parent), git_(&git), path_(path)
+DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
+    : QWidget(parent), git_(&git), path_(std::move(path))
 {
     setWindowTitle(path_);
     // In the order in which Tab reaches them.

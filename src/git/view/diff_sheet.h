@@ -24,7 +24,7 @@ class DiffSheetView final : public QWidget
     Q_OBJECT
 
 public:
-    DiffSheetView(GitService& git, const QString& path, QWidget* parent);
+    DiffSheetView(GitService& git, QString path, QWidget* parent);
     ~DiffSheetView() override;
 
     /// Called by the button "Close".
