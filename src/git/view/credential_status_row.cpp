@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QPainter>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;

@@ -8,6 +8,7 @@
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QMenu>
 #include <QVBoxLayout>
 

@@ -4,6 +4,7 @@
 #include "git/view/panel_controls.h"
 #include "platform/view/plain_help.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;

@@ -19,6 +19,7 @@
 
 #include <QDialog>
 #include <QFileInfo>
+#include <QShowEvent>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
