@@ -1,5 +1,7 @@
 #include "git/panel_fixture.h"
 #include "git/view/clone_dialog.h"
+#include "git/view/commit_sheet.h"
+#include "git/view/diff_sheet.h"
 #include "git/view/source_control_bottom_bar.h"
 #include "git/view/source_control_tab_bar.h"
 #include "git/view/source_control_view.h"
@@ -79,6 +81,7 @@ private Q_SLOTS:
     void aClickOnAFileOpensItsDiffUntilItIsClosed();
     void anotherPathReplacesTheSheet();
     void aClickOnACommitOpensIt();
+    void theProgramsOwnSheetsShowWhatWasClicked();
     void escapeClosesASheet();
     void aSheetGoesWithThePanel();
     void theErrorLineShowsGitsWordsWhole();
@@ -403,6 +406,45 @@ void SourceControlViewTest::aClickOnACommitOpensIt()
     QCOMPARE(shownSheet(f.window)->text, sha);
     shownSheet(f.window)->onClose();
     QVERIFY(!f.view.historySha());
+}
+
+void SourceControlViewTest::theProgramsOwnSheetsShowWhatWasClicked()
+{
+    const TemporaryRepository repo;
+    repo.write(u"a.txt"_s, "one\n");
+    repo.commitAll(u"first"_s);
+    repo.write(u"a.txt"_s, "two\n");
+    AppStateFixture app;
+    app.state.setCurrentProject(repo.url());
+    QWidget window;
+    SourceControlView view(app.state, {app.filePanels, app.scheduler}, &window);
+    window.show();
+    const auto shownList = [&] {
+        for (auto* list : view.findChildren<RowList*>()) {
+            if (list->isVisible()) {
+                return list;
+            }
+        }
+        return static_cast<RowList*>(nullptr);
+    };
+
+    clickRow(*shownList(), u"M a.txt"_s);
+    auto* diff = window.findChild<DiffSheetView*>();
+    QVERIFY(diff != nullptr && diff->isVisible());
+    QCOMPARE(diff->path(), u"a.txt"_s);
+    QVERIFY(diff->diff().contains(u"+two"));
+    clickOn(*diff, u"Close"_s);
+    QVERIFY(!view.diffPath());
+    QTRY_VERIFY(window.findChild<DiffSheetView*>() == nullptr);
+
+    view.setTab(SourceControlTab::history);
+    clickRow(*shownList(), linesOf(*shownList()).first());
+    auto* commit = window.findChild<CommitDetailView*>();
+    QVERIFY(commit != nullptr && commit->isVisible());
+    QCOMPARE(commit->sha(), QString::fromLatin1(repo.git({u"rev-parse"_s, u"HEAD"_s}).trimmed()));
+    clickOn(*commit, u"Close"_s);
+    QVERIFY(!view.historySha());
+    QTRY_VERIFY(window.findChild<CommitDetailView*>() == nullptr);
 }
 
 void SourceControlViewTest::escapeClosesASheet()

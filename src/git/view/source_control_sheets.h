@@ -37,6 +37,9 @@ struct SourceControlSheets
     std::function<QWidget*(const DiffSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent)> makeDiff;
     std::function<QWidget*(const CommitSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent)>
         makeCommit;
+
+    /// The diff viewer's sheets.
+    static SourceControlSheets standard();
 };
 
 } // namespace kelm

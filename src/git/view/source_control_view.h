@@ -38,7 +38,7 @@ public:
     {
         FilePanels& filePanels = FilePanels::shared();
         Scheduler& scheduler = Scheduler::system();
-        SourceControlSheets sheets = {};
+        SourceControlSheets sheets = SourceControlSheets::standard();
     };
 
     /// The application's state and the services outlive the view.
