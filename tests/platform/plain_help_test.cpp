@@ -13,6 +13,7 @@ class PlainHelpTest : public QObject
 private Q_SLOTS:
     void aToolTipReadsAsTheText_data();
     void aToolTipReadsAsTheText();
+    void longLinesWrap();
 };
 
 void PlainHelpTest::aToolTipReadsAsTheText_data()
@@ -28,6 +29,7 @@ void PlainHelpTest::aToolTipReadsAsTheText_data()
     QTest::newRow("document") << u"<!DOCTYPE html>"_s;
     QTest::newRow("instruction") << u"<?xml version=\"1.0\"?>"_s;
     QTest::newRow("unknown tag") << u"git <command>"_s;
+    QTest::newRow("long line") << u"short\n"_s + QString(300, u'x') + u" <y>  &z\n"_s;
     QTest::newRow("Korean") << u"<b>저장소</b> & 가지"_s;
 }
 
@@ -42,6 +44,12 @@ void PlainHelpTest::aToolTipReadsAsTheText()
         shown = document.toPlainText();
     }
     QCOMPARE(shown, text);
+}
+
+void PlainHelpTest::longLinesWrap()
+{
+    QVERIFY(!Qt::mightBeRichText(plainHelp(QString(120, u'x') + u'\n' + QString(120, u'x'))));
+    QVERIFY(Qt::mightBeRichText(plainHelp(QString(121, u'x'))));
 }
 
 QTEST_MAIN(PlainHelpTest)

@@ -172,6 +172,8 @@ void CloneDialog::takeForm()
     cloneButton_->setText(form_.inProgress() ? u"Cloning…"_s : u"Clone"_s);
     cloneButton_->updateGeometry();
     cloneButton_->setEnabled(form_.canStart() && !form_.inProgress());
+    // The longer words want their room in the same picture.
+    cloneButton_->parentWidget()->layout()->activate();
 }
 
 void CloneDialog::reject()

@@ -120,7 +120,10 @@ void RemotesTab::edit(const QString& name, const std::optional<QString>& url)
     if (row != shown_.end()) {
         if (QWidget* editor = list_->indexWidget(list_->rows().index(static_cast<int>(row - shown_.begin())))) {
             editor->setFocus(Qt::OtherFocusReason);
-            static_cast<RemoteURLEditor*>(editor)->field().selectAll();
+            // All of it is selected, and its beginning shows.
+            QLineEdit& field = static_cast<RemoteURLEditor*>(editor)->field();
+            field.end(false);
+            field.home(true);
         }
     }
 }

@@ -43,18 +43,19 @@ void RowActions::setActions(const QList<RowAction>& actions, const QString& desc
             button->deleteLater();
         }
         buttons_.clear();
-        for (qsizetype i = 0; i < actions_.size(); ++i) {
-            auto* button = new PlainButton({.symbol = actions_[i].symbol,
+        for (const RowAction& action : actions_) {
+            auto* button = new PlainButton({.symbol = action.symbol,
                                             .symbolSize = symbolSize,
                                             .hoveredTint = Tint::primary(),
                                             .padding = {4, 3, 4, 3},
                                             .cornerRadius = style::radius::chip},
                                            this);
-            button->setHelp(actions_[i].help);
+            button->setHelp(action.help);
             button->setFocusPolicy(takesKeyboard_ ? Qt::TabFocus : Qt::NoFocus);
             button->installEventFilter(this);
-            connect(button, &QAbstractButton::clicked, this, [this, i] {
-                const std::function<void()> run = actions_[i].run;
+            connect(button, &QAbstractButton::clicked, this, [this, place = buttons_.size()] {
+                // Running it may set other actions.
+                const std::function<void()> run = actions_[place].run;
                 run();
             });
             layout()->addWidget(button);

@@ -2,11 +2,26 @@
 
 #include <QTextDocument>
 
+#include <algorithm>
+
 namespace kelm {
+
+namespace {
+
+/// A tool tip of plain text is as wide as its longest line, which may be wider than the screen; one of markup wraps.
+constexpr qsizetype mostUnitsInLine = 120;
+
+bool hasLongLine(const QString& text)
+{
+    const QList<QStringView> lines = QStringView(text).split(u'\n');
+    return std::any_of(lines.begin(), lines.end(), [](QStringView line) { return line.size() > mostUnitsInLine; });
+}
+
+} // namespace
 
 QString plainHelp(const QString& text)
 {
-    if (!Qt::mightBeRichText(text)) {
+    if (!Qt::mightBeRichText(text) && !hasLongLine(text)) {
         return text;
     }
     return QStringLiteral("<span style=\"white-space:pre-wrap\">%1</span>").arg(text.toHtmlEscaped());
