@@ -1,6 +1,7 @@
 #include "workbench/recent_file_button.h"
 
 #include "platform/view/icons.h"
+#include "platform/view/plain_help.h"
 #include "platform/view/style.h"
 #include "platform/view/tint.h"
 
@@ -35,7 +36,7 @@ RecentFileButton::RecentFileButton(const QUrl& url, QWidget* parent) : QAbstract
     setText(file.fileName());
     folder_ = file.path();
     setAccessibleDescription(folder_);
-    setToolTip(file.filePath().toHtmlEscaped());
+    setToolTip(plainHelp(file.filePath()));
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

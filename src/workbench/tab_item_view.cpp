@@ -2,6 +2,7 @@
 
 #include "platform/view/icons.h"
 #include "platform/view/plain_button.h"
+#include "platform/view/plain_help.h"
 #include "platform/workspace.h"
 
 #include <QAccessible>
@@ -119,7 +120,7 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 void TabItemView::takeDocument()
 {
     setAccessibleName(document_->title());
-    setToolTip(document_->fileURL() ? document_->fileURL()->path().toHtmlEscaped() : QString());
+    setToolTip(document_->fileURL() ? plainHelp(document_->fileURL()->path()) : QString());
     updateGeometry();
     update();
 }

@@ -1,4 +1,5 @@
 #include "editor/transforms/xml_formatter.h"
+#include "platform/view/plain_help.h"
 #include "workbench/controls.h"
 #include "workbench/tool_bar_view.h"
 #include "workbench/window_fixture.h"
@@ -16,7 +17,7 @@ struct Fixture : WindowFixture
     PlainButton& button(const QString& help) const
     {
         for (auto* button : bar.findChildren<PlainButton*>()) {
-            if (button->toolTip() == help.toHtmlEscaped()) {
+            if (button->toolTip() == plainHelp(help)) {
                 return *button;
             }
         }

@@ -1,6 +1,7 @@
 // Selecting and copying the text of a list of diffs.
 #include "git/view/diff_list.h"
 #include "git/view/diff_painter.h"
+#include "platform/view/plain_help.h"
 #include "text/text_boundaries.h"
 
 #include <QApplication>
@@ -214,7 +215,7 @@ bool DiffList::viewportEvent(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
-        QToolTip::showText(help->globalPos(), helpAt(help->pos()).toHtmlEscaped(), viewport());
+        QToolTip::showText(help->globalPos(), plainHelp(helpAt(help->pos())), viewport());
         return true;
     }
     return QAbstractScrollArea::viewportEvent(event);

@@ -4,7 +4,6 @@
 #include "platform/view/style.h"
 #include "platform/view/tint.h"
 
-#include <QButtonGroup>
 #include <QFocusEvent>
 #include <QPainter>
 
@@ -130,11 +129,10 @@ void SourceControlTabButton::focusOutEvent(QFocusEvent* event)
 
 SourceControlTabBar::SourceControlTabBar(QWidget* parent) : QWidget(parent)
 {
-    auto* group = new QButtonGroup(this);
     for (const SourceControlTab tab : allSourceControlTabs) {
         auto* button = new SourceControlTabButton(tab, this);
         buttons_[static_cast<std::size_t>(tab)] = button;
-        group->addButton(button);
+        group_.addButton(button);
         connect(button, &QAbstractButton::toggled, this, [this, tab](bool isChecked) {
             if (isChecked) {
                 selectedTab_ = tab;

@@ -4,6 +4,7 @@
 #include "git/source_control_tab.h"
 
 #include <QAbstractButton>
+#include <QButtonGroup>
 #include <QWidget>
 
 #include <array>
@@ -65,6 +66,7 @@ private:
     int columnsFor(int width) const;
     void place();
 
+    QButtonGroup group_;
     std::array<SourceControlTabButton*, allSourceControlTabs.size()> buttons_{};
     SourceControlTab selectedTab_ = SourceControlTab::changes;
 };
