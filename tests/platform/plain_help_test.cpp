@@ -48,8 +48,10 @@ void PlainHelpTest::aToolTipReadsAsTheText()
 
 void PlainHelpTest::longLinesWrap()
 {
-    QVERIFY(!Qt::mightBeRichText(plainHelp(QString(120, u'x') + u'\n' + QString(120, u'x'))));
-    QVERIFY(Qt::mightBeRichText(plainHelp(QString(121, u'x'))));
+    QVERIFY(!Qt::mightBeRichText(plainHelp(u"a "_s + QString(118, u'x') + u'\n' + QString(120, u'x'))));
+    QVERIFY(Qt::mightBeRichText(plainHelp(u"a "_s + QString(119, u'x'))));
+    // There is nowhere to wrap.
+    QVERIFY(!Qt::mightBeRichText(plainHelp(QString(300, u'x'))));
 }
 
 QTEST_MAIN(PlainHelpTest)
