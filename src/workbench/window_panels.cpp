@@ -1,8 +1,6 @@
 #include "workbench/window_panels.h"
 
 #include "app/app_state.h"
-#include "git/view/commit_sheet.h"
-#include "git/view/diff_sheet.h"
 #include "git/view/source_control_view.h"
 #include "run/view/output_view.h"
 #include "run/view/problems_view.h"
@@ -11,33 +9,12 @@
 
 namespace kelm {
 
-namespace {
-
-SourceControlSheets sourceControlSheets()
-{
-    using OnClose = SourceControlSheets::OnClose;
-    return {
-        [](const DiffSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) -> QWidget* {
-            auto* view = new DiffSheetView(git, sheet.path, parent);
-            view->onClose = onClose;
-            return view;
-        },
-        [](const CommitSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) -> QWidget* {
-            auto* view = new CommitDetailView(git, sheet.sha, parent);
-            view->onClose = onClose;
-            return view;
-        },
-    };
-}
-
-} // namespace
-
 QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& themeManager, QWidget* parent)
 {
     Q_UNUSED(themeManager)
     switch (tab) {
     case SidebarTab::sourceControl:
-        return new SourceControlView(appState, {.sheets = sourceControlSheets()}, parent);
+        return new SourceControlView(appState, {}, parent);
     case SidebarTab::files:
     case SidebarTab::search:
     case SidebarTab::extensions:
