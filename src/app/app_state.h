@@ -113,6 +113,8 @@ public:
 
     /// Where the state and its runner post.
     NotificationCenter& notificationCenter() const { return services_.notificationCenter; }
+    /// Where what is logged and printed goes.
+    Log& log() const { return services_.log; }
 
     /// The one runner of files and snippets, the same for the whole run.
     CodeRunner& codeRunner() const { return *codeRunner_; }

@@ -14,8 +14,8 @@ using ShortcutTable = QHash<ShortcutAction, KeyboardShortcut>;
 /// The shortcuts that menus and the text view have of themselves.
 const ShortcutTable& defaultShortcuts();
 
-/// Keeps the table in force: the defaults, with a person's overrides in their places. Kept ready: the program's keys are
-/// those of its menus and views, and nothing consults this table when a key is pressed. Main thread only.
+/// Keeps the table in force: the defaults, with a person's overrides in their places. Kept ready: the program's keys
+/// are those of its menus and views, and nothing consults this table when a key is pressed. Main thread only.
 class KeyboardShortcutManager : public QObject
 {
     Q_OBJECT

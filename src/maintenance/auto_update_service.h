@@ -9,7 +9,8 @@
 
 namespace kelm {
 
-/// Holds the updater and tells the menu whether a check can start now. Opens no connection of its own. Main thread only.
+/// Holds the updater and tells the menu whether a check can start now. Opens no connection of its own. Main thread
+/// only.
 class AutoUpdateService final : public QObject
 {
     Q_OBJECT

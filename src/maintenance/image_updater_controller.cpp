@@ -7,8 +7,7 @@ namespace kelm {
 
 ImageUpdaterController::ImageUpdaterController(QString updater, QString image)
     : updater_(std::move(updater)), image_(std::move(image))
-{
-}
+{}
 
 QString ImageUpdaterController::findUpdater()
 {

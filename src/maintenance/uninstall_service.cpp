@@ -34,8 +34,9 @@ constexpr int keepUserDataAnswer = 1;
 constexpr int removeEverythingAnswer = 2;
 
 const QString message = u"Move KelmWright to the Trash?"_s;
-const QString advice = u"This will move the KelmWright app and its user data to the Trash. You can drag them back out if "
-                       u"you change your mind.\n\nThe following will be moved:\n"_s;
+const QString advice =
+    u"This will move the KelmWright app and its user data to the Trash. You can drag them back out if "
+    u"you change your mind.\n\nThe following will be moved:\n"_s;
 
 bool exists(const std::optional<QUrl>& url)
 {

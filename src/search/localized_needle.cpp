@@ -43,8 +43,10 @@ qsizetype rarestPlace(const QByteArray& text)
 /// Case folded under canonical equivalence (Unicode, section 3.13, D145).
 QString fold(QStringView text)
 {
-    return text.toString().normalized(QString::NormalizationForm_D).toCaseFolded().normalized(
-        QString::NormalizationForm_D);
+    return text.toString()
+        .normalized(QString::NormalizationForm_D)
+        .toCaseFolded()
+        .normalized(QString::NormalizationForm_D);
 }
 
 bool isMark(QChar character)

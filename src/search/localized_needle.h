@@ -8,8 +8,9 @@
 
 namespace kelm {
 
-/// A text to look for: letter case does not matter, and texts that are canonically equivalent (Unicode, UAX #15) are the
-/// same. A match covers whole characters, so that "e" is not found in a decomposed "é". An empty text is found nowhere.
+/// A text to look for: letter case does not matter, and texts that are canonically equivalent (Unicode, UAX #15) are
+/// the same. A match covers whole characters, so that "e" is not found in a decomposed "é". An empty text is found
+/// nowhere.
 class LocalizedNeedle
 {
 public:

@@ -32,7 +32,8 @@ Kind kindOf(const dirent& entry, int folder)
         return Kind::file;
     case DT_UNKNOWN: {
         // Some file systems tell only when they are asked.
-        struct stat status{};
+        struct stat status
+        {};
         if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             return Kind::other;
         }
@@ -83,8 +84,7 @@ class Scan
 {
 public:
     Scan(const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks) : needle_(needle), callbacks_(callbacks)
-    {
-    }
+    {}
 
     void walk(const QByteArray& folder)
     {
@@ -155,7 +155,8 @@ private:
                     url = QUrl::fromLocalFile(file);
                     name = file.mid(file.lastIndexOf(u'/') + 1);
                 }
-                callbacks_.onResult({.fileURL = url, .fileName = name, .lineNumber = number, .matchLine = line.toString()});
+                callbacks_.onResult(
+                    {.fileURL = url, .fileName = name, .lineNumber = number, .matchLine = line.toString()});
             }
             ++number;
             start = at + 1;

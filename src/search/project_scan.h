@@ -18,9 +18,9 @@ struct ProjectScanCallbacks
     std::function<bool()> isCancelled;
 };
 
-/// Looks for `needle` in each line of each regular file below the folder `root`, folder by folder, and reports each line
-/// that holds it, once. Hidden files and folders are left out, symbolic links are not followed, and what cannot be read,
-/// or is no UTF-8, is passed over. A file is read whole. Any thread.
+/// Looks for `needle` in each line of each regular file below the folder `root`, folder by folder, and reports each
+/// line that holds it, once. Hidden files and folders are left out, symbolic links are not followed, and what cannot be
+/// read, or is no UTF-8, is passed over. A file is read whole. Any thread.
 void scanProject(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks);
 
 } // namespace kelm

@@ -76,8 +76,8 @@ void ProjectSearch::start(const QUrl& project, const QString& searchText)
             deliver();
         }
     };
-    thread_.reset(QThread::create(
-        [run = run_, add, deliver, root = project.toLocalFile(), needle = LocalizedNeedle(searchText)] {
+    thread_.reset(
+        QThread::create([run = run_, add, deliver, root = project.toLocalFile(), needle = LocalizedNeedle(searchText)] {
             scanProject(root, needle, {add, [&run] { return run->isCancelled.load(); }});
             const std::lock_guard lock(run->mutex);
             run->isDone = true;

@@ -63,7 +63,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     takeBottomPanel();
     takeLessonPanel();
     takeTheme();
-    new WindowOverlays(appState_, themeManager_, *this);
+    new WindowOverlays(appState_, *this);
 }
 
 MainWindow::~MainWindow() = default;

@@ -42,7 +42,8 @@ void OverlayLayer::mousePressEvent(QMouseEvent* event)
 void OverlayLayer::mouseReleaseEvent(QMouseEvent* event)
 {
     // What the content leaves unanswered arrives here too, and is no click beside it.
-    if (!content_->geometry().contains(event->pos()) && rect().contains(event->pos())) {
+    const QRect card = content_->geometry().marginsRemoved(content_->contentsMargins());
+    if (!card.contains(event->pos()) && rect().contains(event->pos())) {
         dismiss_();
     }
 }

@@ -1,8 +1,10 @@
 #include "workbench/window_overlays.h"
 
 #include "git/view/clone_dialog.h"
+#include "search/view/go_to_line_view.h"
+#include "search/view/quick_open_view.h"
+#include "search/view/search_overlay.h"
 #include "workbench/editor_area.h"
-#include "workbench/extensions_view.h"
 #include "workbench/main_window.h"
 #include "workbench/overlay_layer.h"
 
@@ -12,17 +14,17 @@ const std::array<WindowOverlays::Overlay, 3>& WindowOverlays::overlays()
 {
     static const std::array<Overlay, 3> overlays{
         Overlay{&AppState::showQuickOpen, &AppState::setShowQuickOpen, &AppState::showQuickOpenChanged, 0.35,
-                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+                [](AppState& state) -> QWidget* { return new QuickOpenView(state); }},
         Overlay{&AppState::showSearch, &AppState::setShowSearch, &AppState::showSearchChanged, 0.25,
-                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+                [](AppState& state) -> QWidget* { return new SearchOverlay(state); }},
         Overlay{&AppState::showGoToLine, &AppState::setShowGoToLine, &AppState::showGoToLineChanged, 0.25,
-                [](AppState&, ThemeManager&) { return new ExtensionsView; }},
+                [](AppState& state) -> QWidget* { return new GoToLineView(state, state.log()); }},
     };
     return overlays;
 }
 
-WindowOverlays::WindowOverlays(AppState& appState, ThemeManager& themeManager, MainWindow& window)
-    : QObject(&window), appState_(appState), themeManager_(themeManager), window_(window)
+WindowOverlays::WindowOverlays(AppState& appState, MainWindow& window)
+    : QObject(&window), appState_(appState), window_(window)
 {
     for (std::size_t index = 0; index < overlays().size(); ++index) {
         connect(&appState_, overlays().at(index).changed, this, [this, index] { take(index); });
@@ -56,7 +58,7 @@ void WindowOverlays::take(std::size_t index)
     }
     if (isShown) {
         const auto dismiss = [this, &overlay] { (appState_.*overlay.setShown)(false); };
-        QWidget* content = overlay.make(appState_, themeManager_);
+        QWidget* content = overlay.make(appState_);
         layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, window_.centralWidget());
         layer->show();
     } else {

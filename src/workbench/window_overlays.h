@@ -2,13 +2,11 @@
 #pragma once
 
 #include "app/app_state.h"
-#include "editor/themes/theme_manager.h"
 
 #include <QObject>
 #include <QPointer>
 
 #include <array>
-#include <functional>
 
 namespace kelm {
 
@@ -23,7 +21,7 @@ class WindowOverlays final : public QObject
     Q_OBJECT
 
 public:
-    WindowOverlays(AppState& appState, ThemeManager& themeManager, MainWindow& window);
+    WindowOverlays(AppState& appState, MainWindow& window);
 
 private:
     /// One overlay: its flag and its view.
@@ -33,7 +31,7 @@ private:
         void (AppState::*setShown)(bool);
         void (AppState::*changed)();
         double dimOpacity;
-        std::function<QWidget*(AppState&, ThemeManager&)> make;
+        QWidget* (*make)(AppState&);
     };
     static const std::array<Overlay, 3>& overlays();
 
@@ -42,7 +40,6 @@ private:
     void takeCloneDialog();
 
     AppState& appState_;
-    ThemeManager& themeManager_;
     MainWindow& window_;
     std::array<QPointer<OverlayLayer>, 3> layers_;
     QPointer<CloneDialog> cloneDialog_;

@@ -1,10 +1,12 @@
 #include "workbench/window_panels.h"
 
 #include "app/app_state.h"
+#include "files/view/file_tree_view.h"
 #include "git/view/source_control_view.h"
 #include "run/view/output_view.h"
 #include "run/view/problems_view.h"
 #include "run/view/terminal_view.h"
+#include "search/view/project_search_view.h"
 #include "workbench/extensions_view.h"
 
 namespace kelm {
@@ -15,8 +17,10 @@ QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& th
     switch (tab) {
     case SidebarTab::sourceControl:
         return new SourceControlView(appState, {}, parent);
-    case SidebarTab::files:
     case SidebarTab::search:
+        return new ProjectSearchView(appState, parent);
+    case SidebarTab::files:
+        return new FileTreeView(appState, FilePanels::shared(), parent);
     case SidebarTab::extensions:
         break;
     }

@@ -12,23 +12,25 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// All actions by name, in their order.
-const QStringList names = QStringLiteral(
-    "newFile newWindow openFile openFolder save saveAs saveAll closeTab closeWindow "
-    "undo redo cut copy paste selectAll "
-    "duplicateLine deleteLine moveLineUp moveLineDown copyLineUp copyLineDown indentLine outdentLine toggleComment "
-    "blockComment "
-    "expandSelection shrinkSelection selectWord selectLine addCursorAbove addCursorBelow addCursorToLineEnds "
-    "find findAndReplace findInFiles findNext findPrevious replaceNext replaceAll "
-    "goToFile goToLine goToSymbol goToDefinition goBack goForward "
-    "nextTab previousTab switchTab1 switchTab2 switchTab3 switchTab4 switchTab5 "
-    "toggleSidebar toggleTerminal toggleMinimap toggleLineNumbers toggleWordWrap zoomIn zoomOut resetZoom "
-    "splitHorizontal splitVertical "
-    "focusEditor focusSidebar focusTerminal "
-    "formatDocument formatJSON formatXML sortLines "
-    "foldAll unfoldAll foldLevel1 foldLevel2 foldLevel3 toggleFold "
-    "run runInTerminal stop debug "
-    "toggleBookmark nextBookmark previousBookmark clearBookmarks "
-    "insertSnippet surroundWith").split(u' ');
+const QStringList names =
+    QStringLiteral(
+        "newFile newWindow openFile openFolder save saveAs saveAll closeTab closeWindow "
+        "undo redo cut copy paste selectAll "
+        "duplicateLine deleteLine moveLineUp moveLineDown copyLineUp copyLineDown indentLine outdentLine toggleComment "
+        "blockComment "
+        "expandSelection shrinkSelection selectWord selectLine addCursorAbove addCursorBelow addCursorToLineEnds "
+        "find findAndReplace findInFiles findNext findPrevious replaceNext replaceAll "
+        "goToFile goToLine goToSymbol goToDefinition goBack goForward "
+        "nextTab previousTab switchTab1 switchTab2 switchTab3 switchTab4 switchTab5 "
+        "toggleSidebar toggleTerminal toggleMinimap toggleLineNumbers toggleWordWrap zoomIn zoomOut resetZoom "
+        "splitHorizontal splitVertical "
+        "focusEditor focusSidebar focusTerminal "
+        "formatDocument formatJSON formatXML sortLines "
+        "foldAll unfoldAll foldLevel1 foldLevel2 foldLevel3 toggleFold "
+        "run runInTerminal stop debug "
+        "toggleBookmark nextBookmark previousBookmark clearBookmarks "
+        "insertSnippet surroundWith")
+        .split(u' ');
 
 } // namespace
 
@@ -152,8 +154,7 @@ void ShortcutsTest::theTableInForceIsTheDefaultsWithTheOverrides()
     manager.setCustomShortcuts({{ShortcutAction::save, own}, {ShortcutAction::debug, own}});
     QCOMPARE(manager.shortcuts().value(ShortcutAction::save), own);
     QCOMPARE(manager.shortcuts().value(ShortcutAction::debug), own);
-    QCOMPARE(manager.shortcuts().value(ShortcutAction::newFile),
-             defaultShortcuts().value(ShortcutAction::newFile));
+    QCOMPARE(manager.shortcuts().value(ShortcutAction::newFile), defaultShortcuts().value(ShortcutAction::newFile));
     QCOMPARE(changes.count(), 1);
     manager.setCustomShortcuts({});
     QCOMPARE(manager.shortcuts(), defaultShortcuts());

@@ -81,13 +81,12 @@ void UninstallServiceTest::theAlertHasItsWordsAndButtons()
 void UninstallServiceTest::theListNamesWhatExists()
 {
     const Fixture fixture;
-    QCOMPARE(UninstallService::itemsList(fixture.plan),
-             (QStringList{fixture.line(u"App bundle"_s, u"KelmWright"_s),
-                          fixture.line(u"Application Support"_s, u"support"_s),
-                          fixture.line(u"Caches"_s, u"caches"_s),
-                          fixture.line(u"Preferences"_s, u"preferences.conf"_s),
-                          fixture.line(u"Saved state"_s, u"state"_s)})
-                 .join(u'\n'));
+    QCOMPARE(
+        UninstallService::itemsList(fixture.plan),
+        (QStringList{fixture.line(u"App bundle"_s, u"KelmWright"_s),
+                     fixture.line(u"Application Support"_s, u"support"_s), fixture.line(u"Caches"_s, u"caches"_s),
+                     fixture.line(u"Preferences"_s, u"preferences.conf"_s), fixture.line(u"Saved state"_s, u"state"_s)})
+            .join(u'\n'));
 }
 
 void UninstallServiceTest::withoutPreferencesNothingIsSaidOrMovedOfThem()

@@ -1,8 +1,7 @@
-#include "settings/view/settings_view.h"
-
 #include "platform/view/plain_button.h"
 #include "settings/view/keybindings_view.h"
 #include "settings/view/setting_control.h"
+#include "settings/view/settings_view.h"
 #include "settings/view/theme_preview.h"
 #include "settings/view/theme_settings_view.h"
 #include "support/captured_log.h"
@@ -287,8 +286,7 @@ void SettingsViewTest::sectionsStandInTheirOrder()
         return titles;
     };
     QCOMPARE(headings(SettingsView::general), (QStringList{u"Startup"_s, u"Saving"_s, u"Closing"_s}));
-    QCOMPARE(headings(SettingsView::editor),
-             (QStringList{u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}));
+    QCOMPARE(headings(SettingsView::editor), (QStringList{u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}));
 }
 
 void SettingsViewTest::selectingAThemeChangesThePreviewAlone()
@@ -342,13 +340,13 @@ void SettingsViewTest::theListOfKeysIsAsItStands()
             lines.append(section.title + u'|' + row.action + u'|' + row.shortcut);
         }
     }
-    QCOMPARE(lines,
-             (QStringList{u"File|New File|⌘N"_s, u"File|Open File|⌘O"_s, u"File|Save|⌘S"_s, u"File|Save As|⇧⌘S"_s,
-                          u"Edit|Undo|⌘Z"_s, u"Edit|Redo|⇧⌘Z"_s, u"Edit|Find|⌘F"_s, u"Edit|Find and Replace|⌘H"_s,
-                          u"Edit|Toggle Comment|⌘/"_s, u"View|Toggle Sidebar|⌘B"_s, u"View|Toggle Terminal|⌃`"_s,
-                          u"View|Toggle Minimap|⇧⌘M"_s, u"View|Quick Open|⌘P"_s, u"View|Go to Line|⌘G"_s,
-                          u"Run|Run File|⌘R"_s, u"Run|Stop|⌘."_s, u"Format|Format JSON|⇧⌘J"_s,
-                          u"Format|Format XML|⇧⌘X"_s}));
+    QCOMPARE(
+        lines,
+        (QStringList{u"File|New File|⌘N"_s, u"File|Open File|⌘O"_s, u"File|Save|⌘S"_s, u"File|Save As|⇧⌘S"_s,
+                     u"Edit|Undo|⌘Z"_s, u"Edit|Redo|⇧⌘Z"_s, u"Edit|Find|⌘F"_s, u"Edit|Find and Replace|⌘H"_s,
+                     u"Edit|Toggle Comment|⌘/"_s, u"View|Toggle Sidebar|⌘B"_s, u"View|Toggle Terminal|⌃`"_s,
+                     u"View|Toggle Minimap|⇧⌘M"_s, u"View|Quick Open|⌘P"_s, u"View|Go to Line|⌘G"_s,
+                     u"Run|Run File|⌘R"_s, u"Run|Stop|⌘."_s, u"Format|Format JSON|⇧⌘J"_s, u"Format|Format XML|⇧⌘X"_s}));
 }
 
 void SettingsViewTest::escapeClosesTheWindow()

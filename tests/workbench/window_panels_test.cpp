@@ -252,7 +252,7 @@ void WindowPanelsTest::aClickBesideAnOverlayDismissesItAndOneInsideDoesNot()
     fixture.state.setShowSearch(true);
     fixture.turnQueue();
     OverlayLayer* layer = fixture.layers().first();
-    QTest::mouseClick(layer->content(), Qt::LeftButton, {}, {2, 2});
+    QTest::mouseClick(layer->content(), Qt::LeftButton, {}, layer->content()->rect().center());
     QVERIFY(fixture.state.showSearch());
     QTest::mouseClick(layer, Qt::LeftButton, {}, {3, layer->height() - 3});
     QVERIFY(!fixture.state.showSearch());

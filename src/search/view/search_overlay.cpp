@@ -74,11 +74,9 @@ QWidget* SearchOverlay::makeTitleRow()
     auto* row = new QWidget(this);
     QHBoxLayout* layout = makeRow(row);
     title_ = new TextLabel({}, style::headlineFont(), Tint::primary(), row);
-    auto* close = new PlainButton({.symbol = u"xmark.circle.fill"_s,
-                                   .symbolSize = 15,
-                                   .hoveredTint = Tint::primary(),
-                                   .fixedSize = {22, 22}},
-                                  row);
+    auto* close = new PlainButton(
+        {.symbol = u"xmark.circle.fill"_s, .symbolSize = 15, .hoveredTint = Tint::primary(), .fixedSize = {22, 22}},
+        row);
     close->setHelp(tr("Close"));
     connect(close, &PlainButton::clicked, this, [this] { appState_.setShowSearch(false); });
     layout->addWidget(title_);

@@ -127,8 +127,7 @@ void SettingControl::addSlider()
 
 void SettingControl::addPicker()
 {
-    auto* label =
-        new TextLabel(setting_.label, style::interfaceFont(style::typeSize::body), Tint::primary(), this);
+    auto* label = new TextLabel(setting_.label, style::interfaceFont(style::typeSize::body), Tint::primary(), this);
     label->setMinimumWidth(labelWidth);
     layout()->addWidget(label);
     auto* box = new QComboBox(this);

@@ -61,12 +61,10 @@ SettingsForm::SettingsForm(const QString& tab, const QStringList& sections, User
 
 GeneralSettingsView::GeneralSettingsView(UserDefaults& store, QWidget* parent)
     : SettingsForm(u"General"_s, {u"Startup"_s, u"Saving"_s, u"Closing"_s}, store, parent)
-{
-}
+{}
 
 EditorSettingsView::EditorSettingsView(UserDefaults& store, QWidget* parent)
     : SettingsForm(u"Editor"_s, {u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}, store, parent)
-{
-}
+{}
 
 } // namespace kelm

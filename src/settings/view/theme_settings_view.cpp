@@ -52,9 +52,9 @@ public:
         painter->drawRoundedRect(swatch.adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
         painter->setPen(Tint::primary().in(appearance));
         const QRectF place(swatch.right() + 8, box.top(), box.right() - swatch.right() - 34, box.height());
-        painter->drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
-                                                        static_cast<int>(place.width())));
+        painter->drawText(
+            place, Qt::AlignVCenter | Qt::TextSingleLine,
+            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, static_cast<int>(place.width())));
         if (index.data(currentRole).toBool()) {
             icons::paint(*painter, u"checkmark"_s, QRectF(box.right() - 20, box.center().y() - 6, 12, 12),
                          Tint::accent().in(appearance));

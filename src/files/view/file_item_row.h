@@ -1,0 +1,20 @@
+// How a row of the file tree looks.
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace kelm {
+
+/// A chevron before a folder, the icon, the name, and the badge at the end.
+class FileItemRow final : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+};
+
+} // namespace kelm

@@ -1,0 +1,226 @@
+#include "files/view/file_tree_view.h"
+
+#include "app/app_state.h"
+#include "files/view/file_item_row.h"
+#include "git/git_service.h"
+#include "platform/file_url.h"
+#include "platform/view/divider.h"
+#include "platform/view/labels.h"
+#include "platform/view/plain_button.h"
+
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QListView>
+#include <QMimeData>
+#include <QStackedWidget>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr int padding = 12;
+constexpr int emptyIconSize = 28;
+
+} // namespace
+
+FileTreeView::FileTreeView(AppState& appState, FilePanels& filePanels, QWidget* parent)
+    : QWidget(parent),
+      appState_(appState),
+      filePanels_(filePanels),
+      model_(new FileTreeModel(this)),
+      pages_(new QStackedWidget(this))
+{
+    setAcceptDrops(true);
+    pages_->addWidget(makeEmptyState());
+    pages_->addWidget(makeTree());
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(pages_);
+    connect(&appState_, &AppState::currentProjectChanged, this, &FileTreeView::takeProject);
+    connect(&appState_.git(), &GitService::statusChanged, this, &FileTreeView::takeStatus);
+    takeProject();
+    takeStatus();
+}
+
+QWidget* FileTreeView::makeTree()
+{
+    auto* tree = new QWidget(pages_);
+    title_ = new TextLabel({}, style::headlineFont(), Tint::primary(), tree);
+    title_->setElideMode(Qt::ElideMiddle);
+    auto* refresh = new PlainButton({.symbol = u"arrow.clockwise"_s, .symbolSize = 13, .fixedSize = {24, 24}}, tree);
+    refresh->setHelp(tr("Refresh"));
+    connect(refresh, &PlainButton::clicked, this, &FileTreeView::loadFiles);
+    list_ = new QListView(tree);
+    list_->setModel(model_);
+    list_->setItemDelegate(new FileItemRow(list_));
+    list_->setUniformItemSizes(true);
+    list_->setFrameShape(QFrame::NoFrame);
+    list_->setMouseTracking(true);
+    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setAccessibleName(tr("Files"));
+    list_->viewport()->setAutoFillBackground(false);
+    list_->installEventFilter(this);
+    connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) { select(index.row()); });
+
+    auto* header = new QHBoxLayout;
+    header->setContentsMargins(padding, 7, padding - 4, 7);
+    header->addWidget(title_, 1);
+    header->addWidget(refresh);
+    auto* column = new QVBoxLayout(tree);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(header);
+    column->addWidget(new Divider(Qt::Horizontal, tree));
+    column->addSpacing(4);
+    column->addWidget(list_, 1);
+    return tree;
+}
+
+QWidget* FileTreeView::makeEmptyState()
+{
+    auto* empty = new QWidget(pages_);
+    auto* open = new PlainButton(borderedLook(), empty);
+    open->setText(u"Open Folder…"_s);
+    connect(open, &PlainButton::clicked, this, &FileTreeView::openFolder);
+    auto* column = new QVBoxLayout(empty);
+    column->setSpacing(10);
+    column->addStretch(1);
+    const std::initializer_list<QWidget*> parts{
+        new SymbolLabel(u"folder.badge.questionmark"_s, emptyIconSize, Tint::secondary().at(0.6), empty),
+        new TextLabel(u"No folder opened"_s, style::interfaceFont(style::typeSize::body), Tint::secondary(), empty),
+        open,
+        new TextLabel(u"or drag a folder into the sidebar"_s, style::interfaceFont(style::typeSize::caption),
+                      Tint::secondary().at(0.7), empty),
+    };
+    for (QWidget* part : parts) {
+        column->addWidget(part, 0, Qt::AlignHCenter);
+    }
+    column->addStretch(1);
+    return empty;
+}
+
+void FileTreeView::takeProject()
+{
+    const std::optional<QUrl>& project = appState_.currentProject();
+    const bool appears = project && pages_->currentIndex() == 0;
+    pages_->setCurrentIndex(project ? 1 : 0);
+    if (project) {
+        title_->setText(lastPathComponent(*project));
+    }
+    if (appears && isVisible()) {
+        loadFiles();
+    }
+}
+
+void FileTreeView::takeStatus()
+{
+    model_->setBadges(GitBadges(appState_.git().status(), appState_.git().repoURL()));
+}
+
+void FileTreeView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    loadFiles();
+}
+
+void FileTreeView::loadFiles()
+{
+    if (!appState_.currentProject()) {
+        return;
+    }
+    const auto listed = listFolder(*appState_.currentProject());
+    if (const auto* files = std::get_if<QList<FileItem>>(&listed)) {
+        model_->setFiles(*files);
+    } else {
+        appState_.log().print(u"Error loading files: "_s + std::get<FileError>(listed).message);
+    }
+}
+
+void FileTreeView::openFolder()
+{
+    const QList<ChosenUrl> chosen =
+        filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
+    if (!chosen.isEmpty()) {
+        appState_.setCurrentProject(chosen.first().url);
+        loadFiles();
+    }
+}
+
+void FileTreeView::select(int row)
+{
+    const FileItem item = model_->item(row);
+    if (item.isDirectory) {
+        model_->toggleExpand(row);
+    } else {
+        appState_.openFile(item.url);
+    }
+}
+
+bool FileTreeView::takeKey(int key)
+{
+    const int row = list_->currentIndex().row();
+    if (row < 0) {
+        return false;
+    }
+    const bool isFolder = model_->item(row).isDirectory;
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        select(row);
+        return true;
+    case Qt::Key_Right:
+        if (isFolder && !model_->isExpanded(row)) {
+            model_->toggleExpand(row);
+        }
+        return true;
+    case Qt::Key_Left:
+        if (isFolder && model_->isExpanded(row)) {
+            model_->toggleExpand(row);
+        } else if (const int parent = model_->parentRow(row); parent >= 0) {
+            list_->setCurrentIndex(model_->index(parent));
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == list_ && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->modifiers() == Qt::NoModifier && takeKey(key->key())) {
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void FileTreeView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void FileTreeView::dropEvent(QDropEvent* event)
+{
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
+            appState_.setCurrentProject(url);
+            loadFiles();
+        } else {
+            appState_.openFile(url);
+        }
+    }
+    event->acceptProposedAction();
+}
+
+} // namespace kelm

@@ -1,0 +1,28 @@
+// A thin line that shows that something works.
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+namespace kelm {
+
+/// Two points high; a short piece in the accent colour runs along it while it is active.
+class ActivityLine final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ActivityLine(QWidget* parent = nullptr);
+
+    bool isActive() const { return timer_.isActive(); }
+    void setActive(bool isActive);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QTimer timer_;
+    int step_ = 0;
+};
+
+} // namespace kelm

@@ -1,0 +1,45 @@
+// The panel that reopens a file by its name.
+#pragma once
+
+#include "search/view/overlay_card.h"
+
+#include <QList>
+#include <QUrl>
+
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+
+namespace kelm {
+
+class AppState;
+
+/// Lists the recent files whose names hold what is typed. The selection is a place in the list and stays where it is
+/// while the list changes: behind its end no file is selected, and Return only closes the panel.
+class QuickOpenView final : public OverlayCard
+{
+    Q_OBJECT
+
+public:
+    explicit QuickOpenView(AppState& appState, QWidget* parent = nullptr);
+
+    QList<QUrl> filteredFiles() const;
+    qsizetype selectedIndex() const { return selectedIndex_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool takeKey(int key);
+    void fillList();
+    void showSelection();
+    void openRow(qsizetype row);
+    void close();
+
+    AppState& appState_;
+    QLineEdit* searchText_;
+    QListWidget* list_;
+    qsizetype selectedIndex_ = 0;
+};
+
+} // namespace kelm

@@ -1,0 +1,290 @@
+#include "search/project_search.h"
+
+#include "search/localized_needle.h"
+#include "search/quick_open.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Fixture
+{
+    QTemporaryDir project;
+    ProjectSearch search;
+
+    void write(const QString& name, const QByteArray& bytes) const
+    {
+        QDir(project.path()).mkpath(QFileInfo(name).path());
+        QFile file(project.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+            qFatal("no file");
+        }
+    }
+    /// What a search finds, as "name:line:text".
+    QStringList find(const QString& text)
+    {
+        search.start(QUrl::fromLocalFile(project.path()), text);
+        if (!QTest::qWaitFor([this] { return !search.isRunning(); }, 20'000)) {
+            qFatal("the search does not end");
+        }
+        QStringList found;
+        for (const SearchResult& result : search.results()) {
+            found.append(result.fileName + u':' + QString::number(result.lineNumber) + u':' + result.matchLine);
+        }
+        return found;
+    }
+};
+
+} // namespace
+
+class ProjectSearchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textsMatchAsAPersonMeansThem_data();
+    void textsMatchAsAPersonMeansThem();
+    void theQuickLookNeverMissesAMatch_data();
+    void theQuickLookNeverMissesAMatch();
+    void letterCaseDoesNotMatter();
+    void eachLineGivesOneResult();
+    void linesEndAtEachNewline();
+    void hiddenFilesAndFoldersAreLeftOut();
+    void otherFoldersAreAllSearched();
+    void binaryAndUnreadableFilesArePassedOver();
+    void linksAreNotFollowed();
+    void anEmptyFolderGivesNothing();
+    void aProjectThatIsGoneGivesNothing();
+    void aLineOfAMegabyteComesWhole();
+    void aNameMayHoldALineFeed();
+    void identitiesAreFresh();
+    void resultsComeInBatchesInOrder();
+    void aNewSearchEndsTheOneBefore();
+    void anEndedSearchTellsNothing();
+    void quickOpenLooksAtNamesAlone_data();
+    void quickOpenLooksAtNamesAlone();
+};
+
+void ProjectSearchTest::textsMatchAsAPersonMeansThem_data()
+{
+    QTest::addColumn<QString>("needle");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isIn");
+    QTest::newRow("another case") << u"ABC"_s << u"xabcx"_s << true;
+    QTest::newRow("not there") << u"abc"_s << u"ab c"_s << false;
+    QTest::newRow("Korean") << u"한글"_s << u"이 한글은"_s << true;
+    QTest::newRow("Korean in single letters") << u"한글"_s << u"한글"_s.normalized(QString::NormalizationForm_D) << true;
+    QTest::newRow("composed in decomposed") << u"\u00e9"_s << u"cafe\u0301"_s << true;
+    QTest::newRow("decomposed in composed") << u"e\u0301"_s << u"caf\u00e9"_s << true;
+    QTest::newRow("a letter is no part of an accented one") << u"cafe"_s << u"cafe\u0301"_s << false;
+    QTest::newRow("nor of a composed one") << u"e"_s << u"\u00e9"_s << false;
+    QTest::newRow("but of the next") << u"e"_s << u"\u00e9e"_s << true;
+    QTest::newRow("capital umlaut") << u"\u00e4pfel"_s << u"\u00c4PFEL"_s << true;
+    QTest::newRow("sharp s") << u"strasse"_s << u"Stra\u00dfe"_s << true;
+    QTest::newRow("Kelvin sign") << u"k"_s << u"\u212a"_s << true;
+    QTest::newRow("emoji") << u"🍎"_s << u"an 🍎"_s << true;
+    QTest::newRow("unpaired surrogate") << QString(QChar(0xd83c)) << u"plain"_s << false;
+    QTest::newRow("an empty text is nowhere") << QString() << u"abc"_s << false;
+}
+
+void ProjectSearchTest::textsMatchAsAPersonMeansThem()
+{
+    QFETCH(QString, needle);
+    QFETCH(QString, text);
+    QFETCH(bool, isIn);
+    QCOMPARE(LocalizedNeedle(needle).isIn(text), isIn);
+}
+
+void ProjectSearchTest::theQuickLookNeverMissesAMatch_data()
+{
+    textsMatchAsAPersonMeansThem_data();
+    QTest::newRow("at the very end") << u"xyz"_s << u"aaaxyz"_s << true;
+    QTest::newRow("at the very start") << u"xyz"_s << u"xyzaaa"_s << true;
+    QTest::newRow("the rarest sign elsewhere") << u"zebra"_s << u"z z zz zebrA"_s << true;
+    QTest::newRow("signs") << u"a->b"_s << u"if (a->b)"_s << true;
+    QTest::newRow("cut off") << u"zebra"_s << u"zebr"_s << false;
+}
+
+void ProjectSearchTest::theQuickLookNeverMissesAMatch()
+{
+    QFETCH(QString, needle);
+    QFETCH(QString, text);
+    QFETCH(bool, isIn);
+    if (isIn) {
+        QVERIFY(LocalizedNeedle(needle).mayBeIn(text.toUtf8()));
+    }
+}
+
+void ProjectSearchTest::letterCaseDoesNotMatter()
+{
+    Fixture fixture;
+    fixture.write(u"a.txt"_s, "abc\nAbc\nABC\nab\n");
+    QCOMPARE(fixture.find(u"ABC"_s), (QStringList{u"a.txt:1:abc"_s, u"a.txt:2:Abc"_s, u"a.txt:3:ABC"_s}));
+}
+
+void ProjectSearchTest::eachLineGivesOneResult()
+{
+    Fixture fixture;
+    fixture.write(u"a.txt"_s, "  one one one  ");
+    QCOMPARE(fixture.find(u"one"_s), QStringList{u"a.txt:1:  one one one  "_s});
+}
+
+void ProjectSearchTest::linesEndAtEachNewline()
+{
+    Fixture fixture;
+    fixture.write(u"a.txt"_s, "x\r\nx\rx\u2028x\n");
+    QCOMPARE(fixture.find(u"x"_s), (QStringList{u"a.txt:1:x"_s, u"a.txt:3:x"_s, u"a.txt:4:x"_s, u"a.txt:5:x"_s}));
+}
+
+void ProjectSearchTest::hiddenFilesAndFoldersAreLeftOut()
+{
+    Fixture fixture;
+    fixture.write(u".git/config"_s, "word");
+    fixture.write(u".hidden"_s, "word");
+    fixture.write(u"seen/.also/x"_s, "word");
+    QCOMPARE(fixture.find(u"word"_s), QStringList());
+}
+
+void ProjectSearchTest::otherFoldersAreAllSearched()
+{
+    Fixture fixture;
+    fixture.write(u"node_modules/a"_s, "word");
+    fixture.write(u"build/deep/deeper/b"_s, "word");
+    QCOMPARE(fixture.find(u"word"_s).size(), 2);
+}
+
+void ProjectSearchTest::binaryAndUnreadableFilesArePassedOver()
+{
+    Fixture fixture;
+    fixture.write(u"binary"_s, QByteArray("word\0\xff\xfe word", 13));
+    fixture.write(u"nul"_s, QByteArray("word\0word", 9));
+    QCOMPARE(mkfifo(QFile::encodeName(fixture.project.filePath(u"pipe"_s)).constData(), 0600), 0);
+    QCOMPARE(fixture.find(u"word"_s).size(), 1);
+}
+
+void ProjectSearchTest::linksAreNotFollowed()
+{
+    Fixture fixture;
+    fixture.write(u"real/a"_s, "word");
+    QVERIFY(QFile::link(fixture.project.path(), fixture.project.filePath(u"real/loop"_s)));
+    QVERIFY(QFile::link(fixture.project.filePath(u"real/a"_s), fixture.project.filePath(u"link"_s)));
+    QCOMPARE(fixture.find(u"word"_s).size(), 1);
+}
+
+void ProjectSearchTest::anEmptyFolderGivesNothing()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.find(u"word"_s), QStringList());
+}
+
+void ProjectSearchTest::aProjectThatIsGoneGivesNothing()
+{
+    Fixture fixture;
+    fixture.project.remove();
+    QCOMPARE(fixture.find(u"word"_s), QStringList());
+}
+
+void ProjectSearchTest::aLineOfAMegabyteComesWhole()
+{
+    Fixture fixture;
+    const QByteArray line = QByteArray(1'000'000, 'a') + "word" + QByteArray(1000, 'b');
+    fixture.write(u"long"_s, line + '\n');
+    fixture.find(u"word"_s);
+    QCOMPARE(fixture.search.results().size(), 1);
+    QCOMPARE(fixture.search.results().first().matchLine.toUtf8(), line);
+}
+
+void ProjectSearchTest::aNameMayHoldALineFeed()
+{
+    Fixture fixture;
+    fixture.write(u"two\nlines %20#"_s, "word");
+    fixture.find(u"word"_s);
+    QCOMPARE(fixture.search.results().first().fileName, u"two\nlines %20#"_s);
+    QVERIFY(QFile::exists(fixture.search.results().first().fileURL.toLocalFile()));
+}
+
+void ProjectSearchTest::identitiesAreFresh()
+{
+    Fixture fixture;
+    fixture.write(u"a"_s, "word\nword");
+    fixture.find(u"word"_s);
+    QVERIFY(fixture.search.results().at(0).id != fixture.search.results().at(1).id);
+}
+
+void ProjectSearchTest::resultsComeInBatchesInOrder()
+{
+    Fixture fixture;
+    QByteArray lines;
+    for (int line = 1; line <= 50'000; ++line) {
+        lines += "word " + QByteArray::number(line) + '\n';
+    }
+    fixture.write(u"a"_s, lines);
+    const QSignalSpy batches(&fixture.search, &ProjectSearch::resultsAdded);
+    fixture.find(u"word"_s);
+    QVERIFY(batches.count() > 1);
+    QCOMPARE(fixture.search.results().size(), 50'000);
+    for (qsizetype at = 0; at < fixture.search.results().size(); ++at) {
+        QCOMPARE(fixture.search.results().at(at).lineNumber, at + 1);
+    }
+}
+
+void ProjectSearchTest::aNewSearchEndsTheOneBefore()
+{
+    Fixture fixture;
+    fixture.write(u"a"_s, QByteArray("first\n").repeated(200'000));
+    fixture.write(u"b"_s, "second\n");
+    fixture.search.start(QUrl::fromLocalFile(fixture.project.path()), u"first"_s);
+    QTRY_VERIFY(!fixture.search.results().isEmpty());
+    QCOMPARE(fixture.find(u"second"_s), QStringList{u"b:1:second"_s});
+}
+
+void ProjectSearchTest::anEndedSearchTellsNothing()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"a"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("word\n").repeated(300'000));
+    file.close();
+    {
+        ProjectSearch search;
+        search.start(QUrl::fromLocalFile(folder.path()), u"word"_s);
+        QTRY_VERIFY(!search.results().isEmpty());
+    }
+    // What was still queued for it is dropped.
+    QCoreApplication::processEvents();
+}
+
+void ProjectSearchTest::quickOpenLooksAtNamesAlone_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("nothing typed") << QString() << QStringList{u"readme.md"_s, u"a.txt"_s, u"Read.txt"_s};
+    QTest::newRow("another case") << u"READ"_s << QStringList{u"readme.md"_s, u"Read.txt"_s};
+    QTest::newRow("folders are not searched") << u"src"_s << QStringList();
+    QTest::newRow("the middle") << u"d.t"_s << QStringList{u"Read.txt"_s};
+}
+
+void ProjectSearchTest::quickOpenLooksAtNamesAlone()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, names);
+    QStringList found;
+    for (const QUrl& url : filteredFiles({QUrl::fromLocalFile(u"/src/readme.md"_s), QUrl::fromLocalFile(u"/src/a.txt"_s),
+                                          QUrl::fromLocalFile(u"/x/Read.txt"_s)},
+                                         text)) {
+        found.append(url.fileName());
+    }
+    QCOMPARE(found, names);
+}
+
+QTEST_GUILESS_MAIN(ProjectSearchTest)
+#include "project_search_test.moc"
