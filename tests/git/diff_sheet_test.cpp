@@ -2,7 +2,6 @@
 #include "git/view/diff_list.h"
 #include "git/view/diff_sheet.h"
 #include "git/view/diff_viewer.h"
-#include "git/view/live_sheets.h"
 #include "panel_fixture.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
@@ -61,6 +60,21 @@ struct ChangedFile
     TemporaryRepository repository;
     GitService git;
 };
+
+SourceControlSheets realSheets()
+{
+    using OnClose = SourceControlSheets::OnClose;
+    return {[](const DiffSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) {
+                auto* view = new DiffSheetView(git, sheet.path, parent);
+                view->onClose = onClose;
+                return view;
+            },
+            [](const CommitSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) {
+                auto* view = new CommitDetailView(git, sheet.sha, parent);
+                view->onClose = onClose;
+                return view;
+            }};
+}
 
 void open(QWidget& sheet)
 {
@@ -285,7 +299,7 @@ void DiffSheetTest::panelOpensTheSheets()
     ChangedFile changed;
     AppStateFixture app;
     QWidget window;
-    SourceControlView panel(app.state, {app.filePanels, app.scheduler, liveSheets()}, &window);
+    SourceControlView panel(app.state, {app.filePanels, app.scheduler, realSheets()}, &window);
     auto* layout = new QVBoxLayout(&window);
     layout->addWidget(&panel);
     window.resize(1000, 700);
