@@ -1,10 +1,13 @@
+#include "app/open_events.h"
 #include "platform/application_exit.h"
 #include "platform/main_queue.h"
+#include "platform/single_instance.h"
 #include "platform/view/style.h"
 #include "workbench/kelm_pane_app.h"
 #include "workbench/main_window.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QPixmap>
 
 namespace {
@@ -32,9 +35,19 @@ int main(int argc, char* argv[])
 
     int status = 0;
     {
-        kelm::KelmPaneApp app;
-        app.start(QApplication::arguments().mid(1));
+        const QStringList arguments = QApplication::arguments().mid(1);
         const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
+        kelm::SingleInstance instance(kelm::SingleInstance::defaultSocketPath());
+        // A picture is drawn by a program of its own, whatever else runs.
+        if (picture.isEmpty()) {
+            if (instance.handOver(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+                return 0;
+            }
+            instance.listen();
+        }
+        kelm::KelmPaneApp app;
+        QObject::connect(&instance, &kelm::SingleInstance::received, &app, &kelm::KelmPaneApp::openFromOutside);
+        app.start(arguments);
         if (!picture.isEmpty()) {
             drawPictureAndQuit(app.window(), picture);
         }

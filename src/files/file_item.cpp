@@ -54,7 +54,8 @@ bool isFolder(const dirent& entry, int folder)
         return entry.d_type == DT_DIR;
     }
     // Some file systems tell only when they are asked.
-    struct stat status{};
+    struct stat status
+    {};
     return fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 

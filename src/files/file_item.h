@@ -29,9 +29,9 @@ struct FileItem
     QString name() const;
 };
 
-/// The entries of the folder at `url`, one level deep: folders first, and each kind in the order of the user's language,
-/// letter case aside. Hidden entries, whose names begin with a dot, are left out. The error says why the folder cannot
-/// be read.
+/// The entries of the folder at `url`, one level deep: folders first, and each kind in the order of the user's
+/// language, letter case aside. Hidden entries, whose names begin with a dot, are left out. The error says why the
+/// folder cannot be read.
 std::variant<QList<FileItem>, FileError> listFolder(const QUrl& url);
 
 } // namespace kelm

@@ -5,6 +5,7 @@
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 #include "run/view/terminal_text_view.h"
+#include "screenshots/panel_shots.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
 #include "workbench/document_status.h"
@@ -181,8 +182,10 @@ std::vector<Shot> shots()
         {.name = "korean-2x", .files = {korean}, .scale = 2, .showsProject = false},
         {.name = "editor-2x", .files = {orchard, basket}, .scale = 2},
     };
-    for (Shot& shot : menuShots()) {
-        shots.push_back(std::move(shot));
+    for (auto* more : {menuShots, panelShots}) {
+        for (Shot& shot : more()) {
+            shots.push_back(std::move(shot));
+        }
     }
     return shots;
 }

@@ -1,5 +1,8 @@
 #include "search/localized_needle.h"
 
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -40,13 +43,45 @@ qsizetype rarestPlace(const QByteArray& text)
     return std::max_element(text.begin(), text.end(), [&](char a, char b) { return rank(a) < rank(b); }) - text.begin();
 }
 
+/// Full case folding (Unicode, section 5.18): "ß" becomes "ss".
+QString caseFolded(const QString& text)
+{
+    // No character becomes more than three units.
+    QString folded(text.size() * 3, Qt::Uninitialized);
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t length = u_strFoldCase(reinterpret_cast<UChar*>(folded.data()), static_cast<int32_t>(folded.size()),
+                                         reinterpret_cast<const UChar*>(text.utf16()),
+                                         static_cast<int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    if (U_FAILURE(status)) {
+        return text;
+    }
+    folded.truncate(length);
+    return folded;
+}
+
 /// Case folded under canonical equivalence (Unicode, section 3.13, D145).
 QString fold(QStringView text)
 {
-    return text.toString()
-        .normalized(QString::NormalizationForm_D)
-        .toCaseFolded()
+    return caseFolded(text.toString().normalized(QString::NormalizationForm_D))
         .normalized(QString::NormalizationForm_D);
+}
+
+bool isAscii(QByteArrayView bytes)
+{
+    signed char all = 0;
+    for (const char byte : bytes) {
+        all = static_cast<signed char>(all | static_cast<signed char>(byte));
+    }
+    return all >= 0;
+}
+
+/// Whether UTF-8 bytes hold one of the few characters beyond ASCII that fold to ASCII letters: the long s, "ŉ", the
+/// Kelvin sign, "ß", a few letters with marks from U+1E80 on, among them the capital sharp s, and the Latin ligatures.
+bool holdsWhatFoldsToAscii(QByteArrayView bytes)
+{
+    constexpr std::array<QByteArrayView, 6> forms{"\xc5\xbf", "\xc5\x89", "\xe2\x84\xaa",
+                                                  "\xc3\x9f", "\xe1\xba", "\xef\xac"};
+    return std::any_of(forms.begin(), forms.end(), [bytes](QByteArrayView form) { return bytes.contains(form); });
 }
 
 bool isMark(QChar character)
@@ -109,10 +144,7 @@ bool LocalizedNeedle::mayBeIn(QByteArrayView bytes) const
     if (ascii_.isEmpty()) {
         return true;
     }
-    // The two letters beyond ASCII that fold to it: the long s and the Kelvin sign.
-    constexpr QByteArrayView longS("\xc5\xbf");
-    constexpr QByteArrayView kelvin("\xe2\x84\xaa");
-    if ((ascii_.contains('s') && bytes.contains(longS)) || (ascii_.contains('k') && bytes.contains(kelvin))) {
+    if (!isAscii(bytes) && holdsWhatFoldsToAscii(bytes)) {
         return true;
     }
     const char* const begin = bytes.data();

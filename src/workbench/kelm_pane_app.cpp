@@ -1,6 +1,7 @@
 #include "workbench/kelm_pane_app.h"
 
 #include "app/app_state.h"
+#include "app/lesson_links.h"
 #include "app/open_events.h"
 #include "editor/themes/theme_manager.h"
 #include "maintenance/auto_update_service.h"
@@ -32,7 +33,10 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::open(const QStringList& urlTexts)
 {
-    openUrls(urlTexts, AppState::shared(), {});
+    const auto handleLink = [this](const QString& urlText) {
+        handleKelmPaneURL(urlText, AppState::shared(), Scheduler::system(), Log::system(), activate_);
+    };
+    openUrls(urlTexts, AppState::shared(), handleLink);
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
@@ -52,6 +56,7 @@ KelmPaneApp::KelmPaneApp()
           MainWindow::Services{appState_, themeManager_, Workspace::system(), UserDefaults::shared()}))
 {
     qApp->installEventFilter(&appDelegate_);
+    appDelegate_.setActivate([this] { bringToFront(); });
     // The process stays when its window is closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
@@ -63,6 +68,20 @@ void KelmPaneApp::start(const QStringList& arguments)
     appDelegate_.applicationDidFinishLaunching();
     appDelegate_.open(urlTextsOfArguments(arguments, QDir::currentPath()));
     window_->show();
+}
+
+void KelmPaneApp::openFromOutside(const QStringList& urlTexts)
+{
+    bringToFront();
+    appDelegate_.open(urlTexts);
+}
+
+void KelmPaneApp::bringToFront()
+{
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
 }
 
 } // namespace kelm

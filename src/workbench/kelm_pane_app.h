@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace kelm {
@@ -24,10 +25,15 @@ public:
     void applicationDidFinishLaunching();
     /// Opens what the texts of absolute URLs name.
     void open(const QStringList& urlTexts);
+    /// What brings the application to the front when a link opens.
+    void setActivate(std::function<void()> activate) { activate_ = std::move(activate); }
 
 protected:
     /// The platform hands over files and links as events of the application.
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    std::function<void()> activate_ = [] {};
 };
 
 /// Puts state, themes and the one window together.
@@ -41,10 +47,14 @@ public:
 
     /// Shows the window and opens what the command line names, taken from the working folder.
     void start(const QStringList& arguments);
+    /// Opens what another start of the program hands over, and brings the window to the front, back if it was closed.
+    void openFromOutside(const QStringList& urlTexts);
     MainWindow& window() { return *window_; }
     AutoUpdateService& updateService() { return updateService_; }
 
 private:
+    void bringToFront();
+
     AppDelegate appDelegate_;
     AppState& appState_;
     AutoUpdateService& updateService_;

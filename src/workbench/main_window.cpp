@@ -1,5 +1,6 @@
 #include "workbench/main_window.h"
 
+#include "learning/view/learning_mode_side_panel.h"
 #include "platform/view/divider.h"
 #include "settings/view/settings_view.h"
 #include "workbench/editor_area.h"
@@ -162,8 +163,19 @@ void MainWindow::takeBottomPanel()
 
 void MainWindow::takeLessonPanel()
 {
+    // The panel and its divider come and go with the tab.
     delete lessonPanel_;
     lessonPanel_ = nullptr;
+    const std::shared_ptr<Document> document = appState_.currentDocument();
+    if (!document || !document->lessonInfo()) {
+        return;
+    }
+    lessonPanel_ = new QWidget(editorArea_->parentWidget());
+    auto* row = makeTightLayout<QHBoxLayout>(lessonPanel_);
+    row->addWidget(new Divider(Qt::Vertical, lessonPanel_));
+    row->addWidget(new LearningModeSidePanel(*document->lessonInfo(), appState_.codeRunner(), workspace_,
+                                             Scheduler::system(), lessonPanel_));
+    editorRow_->addWidget(lessonPanel_);
 }
 
 void MainWindow::takeTheme()

@@ -75,8 +75,7 @@ void FileItemTest::foldersGoFirstAndCaseDoesNotMatter()
     }
     fixture.makeFolder(u"zebra"_s);
     fixture.makeFolder(u"Ant"_s);
-    QCOMPARE(fixture.names(),
-             (QStringList{u"Ant/"_s, u"zebra/"_s, u"A.txt"_s, u"b.txt"_s, u"c.txt"_s, u"가.txt"_s}));
+    QCOMPARE(fixture.names(), (QStringList{u"Ant/"_s, u"zebra/"_s, u"A.txt"_s, u"b.txt"_s, u"c.txt"_s, u"가.txt"_s}));
 }
 
 void FileItemTest::hiddenEntriesAreLeftOut()
@@ -115,8 +114,7 @@ void FileItemTest::whatCannotBeReadIsAnError()
     const auto missing = listFolder(QUrl::fromLocalFile(fixture.folder.filePath(u"nothing"_s)));
     QVERIFY(std::get<FileError>(missing).message.contains(fixture.folder.filePath(u"nothing"_s)));
     fixture.makeFile(u"file"_s);
-    QVERIFY(std::holds_alternative<FileError>(
-        listFolder(QUrl::fromLocalFile(fixture.folder.filePath(u"file"_s)))));
+    QVERIFY(std::holds_alternative<FileError>(listFolder(QUrl::fromLocalFile(fixture.folder.filePath(u"file"_s)))));
 }
 
 void FileItemTest::identitiesAreFresh()

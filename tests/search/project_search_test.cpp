@@ -1,6 +1,5 @@
-#include "search/project_search.h"
-
 #include "search/localized_needle.h"
+#include "search/project_search.h"
 #include "search/quick_open.h"
 
 #include <QDir>
@@ -82,7 +81,8 @@ void ProjectSearchTest::textsMatchAsAPersonMeansThem_data()
     QTest::newRow("another case") << u"ABC"_s << u"xabcx"_s << true;
     QTest::newRow("not there") << u"abc"_s << u"ab c"_s << false;
     QTest::newRow("Korean") << u"한글"_s << u"이 한글은"_s << true;
-    QTest::newRow("Korean in single letters") << u"한글"_s << u"한글"_s.normalized(QString::NormalizationForm_D) << true;
+    QTest::newRow("Korean in single letters")
+        << u"한글"_s << u"한글"_s.normalized(QString::NormalizationForm_D) << true;
     QTest::newRow("composed in decomposed") << u"\u00e9"_s << u"cafe\u0301"_s << true;
     QTest::newRow("decomposed in composed") << u"e\u0301"_s << u"caf\u00e9"_s << true;
     QTest::newRow("a letter is no part of an accented one") << u"cafe"_s << u"cafe\u0301"_s << false;
@@ -278,8 +278,8 @@ void ProjectSearchTest::quickOpenLooksAtNamesAlone()
     QFETCH(QString, text);
     QFETCH(QStringList, names);
     QStringList found;
-    for (const QUrl& url : filteredFiles({QUrl::fromLocalFile(u"/src/readme.md"_s), QUrl::fromLocalFile(u"/src/a.txt"_s),
-                                          QUrl::fromLocalFile(u"/x/Read.txt"_s)},
+    for (const QUrl& url : filteredFiles({QUrl::fromLocalFile(u"/src/readme.md"_s),
+                                          QUrl::fromLocalFile(u"/src/a.txt"_s), QUrl::fromLocalFile(u"/x/Read.txt"_s)},
                                          text)) {
         found.append(url.fileName());
     }

@@ -55,8 +55,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     if (index.data(FileTreeModel::isDirectoryRole).toBool()) {
         const bool isExpanded = index.data(FileTreeModel::isExpandedRole).toBool();
         icons::paint(*painter, isExpanded ? u"chevron.down"_s : u"chevron.right"_s,
-                     QRectF(x, middle - chevronSize / 2.0, chevronSize, chevronSize),
-                     Tint::secondary().in(appearance));
+                     QRectF(x, middle - chevronSize / 2.0, chevronSize, chevronSize), Tint::secondary().in(appearance));
     }
     x += chevronWidth;
     icons::paint(*painter, index.data(FileTreeModel::iconRole).toString(),

@@ -11,14 +11,22 @@
 
 namespace kelm {
 
-/// The entries that are seen, from top to bottom, each with its depth. A folder is listed when it is expanded, one level
-/// at a time; an entry that is made anew has no children until its folder is expanded again.
+/// The entries that are seen, from top to bottom, each with its depth. A folder is listed when it is expanded, one
+/// level at a time; an entry that is made anew has no children until its folder is expanded again.
 class FileTreeModel final : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
-    enum Role { depthRole = Qt::UserRole, isDirectoryRole, isExpandedRole, iconRole, iconColorRole, badgeRole, badgeColorRole };
+    enum Role {
+        depthRole = Qt::UserRole,
+        isDirectoryRole,
+        isExpandedRole,
+        iconRole,
+        iconColorRole,
+        badgeRole,
+        badgeColorRole
+    };
 
     using QAbstractListModel::QAbstractListModel;
 

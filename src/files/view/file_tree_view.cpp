@@ -144,8 +144,7 @@ void FileTreeView::loadFiles()
 
 void FileTreeView::openFolder()
 {
-    const QList<ChosenUrl> chosen =
-        filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
+    const QList<ChosenUrl> chosen = filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
     if (!chosen.isEmpty()) {
         appState_.setCurrentProject(chosen.first().url);
         loadFiles();

@@ -15,8 +15,8 @@ class AppState;
 class TextLabel;
 
 /// The project's folder, level by level, with the changes that git knows of; without a project, a way to open one. The
-/// list is read when the tree appears, on the refresh button and when a folder is opened here: nothing watches the disk.
-/// A folder that is dropped becomes the project, and files open.
+/// list is read when the tree appears, on the refresh button and when a folder is opened here: nothing watches the
+/// disk. A folder that is dropped becomes the project, and files open.
 class FileTreeView final : public QWidget
 {
     Q_OBJECT

@@ -56,9 +56,9 @@ public:
                      Tint::secondary().in(appearance));
         painter->setPen(Tint::primary().in(appearance));
         const QRectF place = box.adjusted(34, 0, -8, 0);
-        painter->drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle,
-                                                        static_cast<int>(place.width())));
+        painter->drawText(
+            place, Qt::AlignVCenter | Qt::TextSingleLine,
+            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, static_cast<int>(place.width())));
         painter->restore();
     }
 };
@@ -77,11 +77,9 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     searchText_->setFont(style::interfaceFont(16));
     searchText_->installEventFilter(this);
     setFocusProxy(searchText_);
-    auto* closeButton = new PlainButton({.symbol = u"xmark.circle.fill"_s,
-                                         .symbolSize = 16,
-                                         .hoveredTint = Tint::primary(),
-                                         .fixedSize = {24, 24}},
-                                        this);
+    auto* closeButton = new PlainButton(
+        {.symbol = u"xmark.circle.fill"_s, .symbolSize = 16, .hoveredTint = Tint::primary(), .fixedSize = {24, 24}},
+        this);
     closeButton->setHelp(u"Close (Esc / ⌘W)"_s);
     connect(closeButton, &PlainButton::clicked, this, &QuickOpenView::close);
     auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
@@ -171,8 +169,7 @@ bool QuickOpenView::takeKey(int key)
 
 bool QuickOpenView::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == searchText_ && event->type() == QEvent::KeyPress &&
-        takeKey(static_cast<QKeyEvent*>(event)->key())) {
+    if (watched == searchText_ && event->type() == QEvent::KeyPress && takeKey(static_cast<QKeyEvent*>(event)->key())) {
         return true;
     }
     return OverlayCard::eventFilter(watched, event);

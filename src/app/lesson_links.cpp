@@ -1,0 +1,30 @@
+#include "app/lesson_links.h"
+
+#include "app/app_state.h"
+#include "learning/lesson_link.h"
+#include "platform/main_queue.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+void handleKelmPaneURL(const QString& urlText, AppState& appState, Scheduler& scheduler, Log& log,
+                       std::function<void()> activate)
+{
+    constexpr std::chrono::milliseconds runDelay(150);
+    const auto decoded = decodeLessonLink(urlText);
+    if (const auto* failure = std::get_if<LessonLinkFailure>(&decoded)) {
+        log.write(*failure == LessonLinkFailure::invalidUrl ? u"kelmpane:// invalid URL: "_s + urlText
+                                                            : u"kelmpane:// failed to decode code"_s);
+        return;
+    }
+    onMainQueue(&appState, [link = std::get<LessonLink>(decoded), &appState, &scheduler, activate = std::move(activate)] {
+        activate();
+        appState.openSnippet(link.code, link.language, link.lessonInfo);
+        if (link.run) {
+            scheduler.after(runDelay, &appState, [&appState] { appState.runCurrentFile(); });
+        }
+    });
+}
+
+} // namespace kelm

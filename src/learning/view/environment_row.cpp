@@ -1,0 +1,67 @@
+#include "learning/view/environment_row.h"
+
+#include "learning/lesson_texts.h"
+#include "platform/view/labels.h"
+#include "platform/view/plain_button.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr std::chrono::milliseconds copiedTime(1500);
+constexpr int symbolSize = 12;
+constexpr int smallSize = 10;
+
+} // namespace
+
+EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent)
+    : QWidget(parent), key_(key), isSet_(isSet), isKo_(isKo), scheduler_(scheduler)
+{
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(3);
+    auto* first = new QHBoxLayout;
+    first->setSpacing(6);
+    first->addWidget(new SymbolLabel(isSet ? u"checkmark.circle.fill"_s : u"xmark.circle.fill"_s, symbolSize,
+                                     isSet ? SystemColor::green : SystemColor::red, this));
+    auto* name = new TextLabel(key, style::monospaced(11), Tint::primary(), this);
+    name->setElideMode(Qt::ElideMiddle);
+    first->addWidget(name, 1);
+    column->addLayout(first);
+    if (isSet) {
+        return;
+    }
+    copyButton_ = new PlainButton({.textSize = smallSize, .tint = Tint::accent(), .padding = {4, 1, 4, 1}}, this);
+    connect(copyButton_, &PlainButton::clicked, this, &EnvRow::copyExport);
+    setCopied(false);
+    auto* second = new QHBoxLayout;
+    second->setContentsMargins(symbolSize + 2, 0, 0, 0);
+    second->addWidget(copyButton_);
+    second->addStretch(1);
+    column->addLayout(second);
+    auto* where = new WrappedLabel(lessonTexts::whereToGetKey(key, isKo), style::interfaceFont(smallSize),
+                                   Tint::secondary(), this);
+    where->setContentsMargins(symbolSize + 6, 0, 0, 0);
+    column->addWidget(where);
+}
+
+void EnvRow::copyExport()
+{
+    QGuiApplication::clipboard()->setText(u"export "_s + key_ + u"=..."_s);
+    setCopied(true);
+    scheduler_.after(copiedTime, this, [this] { setCopied(false); });
+}
+
+void EnvRow::setCopied(bool copied)
+{
+    copyButton_->setText((copied ? lessonTexts::copied : lessonTexts::copyExport).in(isKo_));
+    copyButton_->updateGeometry();
+}
+
+} // namespace kelm

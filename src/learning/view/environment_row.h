@@ -1,0 +1,36 @@
+// One environment variable that a lesson needs.
+#pragma once
+
+#include "platform/scheduler.h"
+
+#include <QWidget>
+
+namespace kelm {
+
+class PlainButton;
+class TextLabel;
+
+/// Says whether a variable is set and, when it is not, offers the line that sets it and says where its value is to be
+/// had.
+class EnvRow final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent = nullptr);
+
+    bool isSet() const { return isSet_; }
+
+private:
+    /// Puts the line on the clipboard and says so for 1.5 seconds.
+    void copyExport();
+    void setCopied(bool copied);
+
+    QString key_;
+    bool isSet_;
+    bool isKo_;
+    Scheduler& scheduler_;
+    PlainButton* copyButton_ = nullptr;
+};
+
+} // namespace kelm

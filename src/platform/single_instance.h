@@ -1,0 +1,49 @@
+// One running program for each user.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+
+class QLocalServer;
+class QLocalSocket;
+
+namespace kelm {
+
+/// The first start of the program listens on a local socket of its user; every other hands over what it was to open, and
+/// ends. Only the same user can speak to it, and whatever else is said to it is dropped. Main thread only.
+class SingleInstance final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The socket's file; nothing happens yet.
+    explicit SingleInstance(const QString& socketPath);
+    ~SingleInstance() override;
+
+    /// Hands `urlTexts` to the program that listens already, and waits until it has them, a few seconds at most. False
+    /// when none does.
+    bool handOver(const QStringList& urlTexts);
+
+    /// Begins to listen; a file that a crash has left behind is replaced. False when that is not possible, in which case
+    /// the program works all the same, on its own.
+    bool listen();
+
+    /// The socket of the program's user, in the folder that the system gives for such files.
+    static QString defaultSocketPath();
+
+Q_SIGNALS:
+    /// Another start of the program hands over what it was to open, perhaps nothing.
+    void received(const QStringList& urlTexts);
+
+private:
+    void takeConnections();
+    /// `bytes` is what has come so far.
+    void read(QLocalSocket& socket, QByteArray& bytes);
+
+    QString socketPath_;
+    std::unique_ptr<QLocalServer> server_;
+};
+
+} // namespace kelm
