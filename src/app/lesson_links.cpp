@@ -18,13 +18,14 @@ void handleKelmPaneURL(const QString& urlText, AppState& appState, Scheduler& sc
                                                             : u"kelmpane:// failed to decode code"_s);
         return;
     }
-    onMainQueue(&appState, [link = std::get<LessonLink>(decoded), &appState, &scheduler, activate = std::move(activate)] {
-        activate();
-        appState.openSnippet(link.code, link.language, link.lessonInfo);
-        if (link.run) {
-            scheduler.after(runDelay, &appState, [&appState] { appState.runCurrentFile(); });
-        }
-    });
+    onMainQueue(&appState,
+                [link = std::get<LessonLink>(decoded), &appState, &scheduler, activate = std::move(activate)] {
+                    activate();
+                    appState.openSnippet(link.code, link.language, link.lessonInfo);
+                    if (link.run) {
+                        scheduler.after(runDelay, &appState, [&appState] { appState.runCurrentFile(); });
+                    }
+                });
 }
 
 } // namespace kelm

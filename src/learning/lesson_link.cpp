@@ -68,7 +68,8 @@ std::optional<QList<QueryItem>> queryItems(QStringView urlText)
 
 std::optional<QString> firstValue(const QList<QueryItem>& items, QStringView name)
 {
-    const auto found = std::find_if(items.begin(), items.end(), [name](const QueryItem& item) { return item.name == name; });
+    const auto found =
+        std::find_if(items.begin(), items.end(), [name](const QueryItem& item) { return item.name == name; });
     return found == items.end() ? std::nullopt : found->value;
 }
 
@@ -87,7 +88,8 @@ bool isPaddedBase64(QStringView text)
     while (body.endsWith(u'=')) {
         body.chop(1);
     }
-    return text.size() % 4 == 0 && text.size() - body.size() <= 2 && std::all_of(body.begin(), body.end(), isBase64Sign);
+    return text.size() % 4 == 0 && text.size() - body.size() <= 2 &&
+           std::all_of(body.begin(), body.end(), isBase64Sign);
 }
 
 std::optional<QString> decodedCode(QString code)
@@ -135,7 +137,8 @@ std::optional<LessonInfo> lessonInfoOf(const QList<QueryItem>& items)
                       .title = firstValue(items, u"learnTitle"),
                       .regionStart = region.start,
                       .regionEnd = region.end,
-                      .requires_ = firstValue(items, u"learnRequires").value_or(QString()).split(u',', Qt::SkipEmptyParts),
+                      .requires_ =
+                          firstValue(items, u"learnRequires").value_or(QString()).split(u',', Qt::SkipEmptyParts),
                       .lang = lang};
 }
 

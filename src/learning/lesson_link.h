@@ -32,8 +32,8 @@ enum class LessonLinkFailure {
 
 /// Reads the text of a URL of the scheme "kelmpane" (RFC 3986): the host is "open", and the query's items, in any order
 /// and compared after percent-decoding, are "code" (base64 of UTF-8 bytes, in the standard or the URL-safe alphabet,
-/// padded or not), "lang", "run", "learnSlug", "learnTitle", "learnRegion", "learnRequires" and "learnLang". A plus sign
-/// is a plus sign, the first item of a name counts, and an item without "=" has no value. Linear time; any thread.
+/// padded or not), "lang", "run", "learnSlug", "learnTitle", "learnRegion", "learnRequires" and "learnLang". A plus
+/// sign is a plus sign, the first item of a name counts, and an item without "=" has no value. Linear time; any thread.
 std::variant<LessonLink, LessonLinkFailure> decodeLessonLink(const QString& urlText);
 
 /// The way back: the lesson in the companion application when one is installed, else on the lesson site. Absent when

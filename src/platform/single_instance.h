@@ -11,8 +11,8 @@ class QLocalSocket;
 
 namespace kelm {
 
-/// The first start of the program listens on a local socket of its user; every other hands over what it was to open, and
-/// ends. Only the same user can speak to it, and whatever else is said to it is dropped. Main thread only.
+/// The first start of the program listens on a local socket of its user; every other hands over what it was to open,
+/// and ends. Only the same user can speak to it, and whatever else is said to it is dropped. Main thread only.
 class SingleInstance final : public QObject
 {
     Q_OBJECT
@@ -26,8 +26,8 @@ public:
     /// when none does.
     bool handOver(const QStringList& urlTexts);
 
-    /// Begins to listen; a file that a crash has left behind is replaced. False when that is not possible, in which case
-    /// the program works all the same, on its own.
+    /// Begins to listen; a file that a crash has left behind is replaced. False when that is not possible, in which
+    /// case the program works all the same, on its own.
     bool listen();
 
     /// The socket of the program's user, in the folder that the system gives for such files.

@@ -74,8 +74,9 @@ void searchProject(Stage& stage)
 
 void addRecentFiles(Stage& stage)
 {
-    for (const char* file : {"README.md", "Makefile", "Site/index.html", "문서/안내.md", "Sources/Weather/stations.json",
-                             "Sources/Weather/forecast.ts", "Sources/basket.py", "Sources/orchard.swift"}) {
+    for (const char* file :
+         {"README.md", "Makefile", "Site/index.html", "문서/안내.md", "Sources/Weather/stations.json",
+          "Sources/Weather/forecast.ts", "Sources/basket.py", "Sources/orchard.swift"}) {
         stage.state.addToRecentFiles(QUrl::fromLocalFile(stage.project + u'/' + QString::fromUtf8(file)));
     }
 }
@@ -173,7 +174,10 @@ std::vector<Shot> panelShots()
         {"settings-editor", sources, [](Stage& stage) { showSettings(stage, SettingsView::editor); }},
         {"settings-themes", sources, [](Stage& stage) { showSettings(stage, SettingsView::themes); }},
         {"settings-keys", sources, [](Stage& stage) { showSettings(stage, SettingsView::keybindings); }},
-        {.name = "lesson-korean", .files = {}, .prepare = [](Stage& stage) { openLesson(stage, true); }, .themes = darkOnly},
+        {.name = "lesson-korean",
+         .files = {},
+         .prepare = [](Stage& stage) { openLesson(stage, true); },
+         .themes = darkOnly},
         {.name = "lesson-english",
          .files = {},
          .prepare = [](Stage& stage) { openLesson(stage, false); },

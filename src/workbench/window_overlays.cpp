@@ -59,7 +59,7 @@ void WindowOverlays::take(std::size_t index)
     if (isShown) {
         const auto dismiss = [this, &overlay] { (appState_.*overlay.setShown)(false); };
         QWidget* content = overlay.make(appState_);
-        layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, window_.centralWidget());
+        layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, &window_);
         layer->show();
     } else {
         // The click or the key that dismisses it is still being answered.

@@ -1,5 +1,4 @@
 #include "learning/view/learning_mode_side_panel.h"
-
 #include "platform/notification_center.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
@@ -40,7 +39,7 @@ struct Fixture
         for (auto* widget : panel->findChildren<QWidget*>()) {
             const auto* label = qobject_cast<QLabel*>(widget);
             const auto* button = qobject_cast<PlainButton*>(widget);
-            const QString text = label != nullptr ? label->text()
+            const QString text = label != nullptr    ? label->text()
                                  : button != nullptr ? button->text()
                                                      : widget->accessibleName();
             if (widget->isVisible() && !text.isEmpty()) {
@@ -99,14 +98,15 @@ void LearningModeSidePanelTest::theEnglishPanelReads()
 {
     Fixture fixture;
     fixture.show({.slug = u"intro"_s, .title = u"First steps"_s, .regionStart = 3, .regionEnd = 7});
-    QCOMPARE(fixture.texts(),
-             (QStringList{
-                 u"Learning Mode"_s, u"First steps"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
-                 u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s, u"Lines 3–7"_s,
-                 u"Lines outside this range were auto-added so the snippet runs end-to-end (imports, sample inputs, auto-print)."_s,
-                 u"TIPS"_s, u"• Edit any line. Cmd-R runs the whole file."_s,
-                 u"• Output appears in the bottom Output panel."_s,
-                 u"• Replace sample inputs near the top to test other cases."_s}));
+    QCOMPARE(
+        fixture.texts(),
+        (QStringList{
+            u"Learning Mode"_s, u"First steps"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
+            u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s, u"Lines 3–7"_s,
+            u"Lines outside this range were auto-added so the snippet runs end-to-end (imports, sample inputs, auto-print)."_s,
+            u"TIPS"_s, u"• Edit any line. Cmd-R runs the whole file."_s,
+            u"• Output appears in the bottom Output panel."_s,
+            u"• Replace sample inputs near the top to test other cases."_s}));
     QCOMPARE(fixture.panel->width(), 280);
 }
 
@@ -114,13 +114,15 @@ void LearningModeSidePanelTest::theKoreanPanelReads()
 {
     Fixture fixture;
     fixture.show({.slug = u"intro"_s, .title = u"첫걸음"_s, .regionStart = 2, .regionEnd = 2, .lang = u"ko"_s});
-    QCOMPARE(fixture.texts(),
-             (QStringList{u"학습 모드"_s, u"첫걸음"_s, u"레슨 열기"_s, u"필요한 API 키"_s,
-                          u"이 스니펫은 API 키가 필요하지 않습니다."_s, u"교재 발췌 구간"_s, u"2–2 행"_s,
-                          u"이 범위 밖의 줄은 스니펫이 end-to-end 로 실행되도록 자동 추가됨 (imports · 샘플 입력 · auto-print)."_s,
-                          u"팁"_s, u"• 아무 줄이나 수정하세요. Cmd-R 로 전체 파일 실행."_s,
-                          u"• 결과는 아래쪽 Output 패널에 표시됩니다."_s,
-                          u"• 상단의 샘플 입력값을 바꿔서 다른 케이스도 시험해 보세요."_s}));
+    QCOMPARE(
+        fixture.texts(),
+        (QStringList{
+            u"학습 모드"_s, u"첫걸음"_s, u"레슨 열기"_s, u"필요한 API 키"_s,
+            u"이 스니펫은 API 키가 필요하지 않습니다."_s, u"교재 발췌 구간"_s, u"2–2 행"_s,
+            u"이 범위 밖의 줄은 스니펫이 end-to-end 로 실행되도록 자동 추가됨 (imports · 샘플 입력 · auto-print)."_s,
+            u"팁"_s, u"• 아무 줄이나 수정하세요. Cmd-R 로 전체 파일 실행."_s,
+            u"• 결과는 아래쪽 Output 패널에 표시됩니다."_s,
+            u"• 상단의 샘플 입력값을 바꿔서 다른 케이스도 시험해 보세요."_s}));
 }
 
 void LearningModeSidePanelTest::theSlugStandsForAMissingTitle()

@@ -1,7 +1,6 @@
-#include "learning/lesson_link.h"
-
 #include "app/lesson_links.h"
 #include "learning/diagnosis.h"
+#include "learning/lesson_link.h"
 #include "support/app_state_fixture.h"
 
 #include <QtTest>
@@ -74,7 +73,8 @@ void LessonLinkTest::codeDecodes_data()
     QTest::newRow("a minus for it") << u"Pj4-"_s << u">>>"_s;
     QTest::newRow("percent-encoded padding") << u"YQ%3D%3D"_s << u"a"_s;
     QTest::newRow("empty") << QString() << QString();
-    QTest::newRow("Korean and emoji") << encoded(u"print('안녕 👩‍👩‍👧')\r\n"_s) << u"print('안녕 👩‍👩‍👧')\r\n"_s;
+    QTest::newRow("Korean and emoji") << encoded(u"print('안녕 👩‍👩‍👧')\r\n"_s)
+                                      << u"print('안녕 👩‍👩‍👧')\r\n"_s;
 }
 
 void LessonLinkTest::codeDecodes()
@@ -196,8 +196,8 @@ void LessonLinkTest::withoutASlugThereIsNoLesson()
 
 void LessonLinkTest::theLessonTakesItsFields()
 {
-    const LessonInfo info = *decoded(link(u"code=&learnSlug=a%2Fb&learnTitle=%3Cb%3E%EC%A0%9C%EB%AA%A9+1&learnLang=KO-kr"_s))
-                                 .lessonInfo;
+    const LessonInfo info =
+        *decoded(link(u"code=&learnSlug=a%2Fb&learnTitle=%3Cb%3E%EC%A0%9C%EB%AA%A9+1&learnLang=KO-kr"_s)).lessonInfo;
     QCOMPARE(info.slug, u"a/b"_s);
     QCOMPARE(info.title, std::optional(u"<b>제목+1"_s));
     QCOMPARE(info.lang, std::optional(u"ko-kr"_s));
@@ -226,11 +226,11 @@ void LessonLinkTest::theWayBack_data()
     QTest::addColumn<std::optional<QString>>("url");
     using Text = std::optional<QString>;
     QTest::newRow("companion") << u"intro"_s << Text() << true << Text(u"tutorbay://lesson/intro"_s);
-    QTest::newRow("companion and language") << u"intro"_s << Text(u"ko"_s) << true
-                                            << Text(u"tutorbay://lesson/intro?lang=ko"_s);
+    QTest::newRow("companion and language")
+        << u"intro"_s << Text(u"ko"_s) << true << Text(u"tutorbay://lesson/intro?lang=ko"_s);
     QTest::newRow("site") << u"intro"_s << Text(u"en"_s) << false << Text(u"https://site/lesson/intro?lang=en"_s);
-    QTest::newRow("slashes and percent signs") << u"a/b/%20c"_s << Text() << false
-                                               << Text(u"https://site/lesson/a/b/%20c"_s);
+    QTest::newRow("slashes and percent signs")
+        << u"a/b/%20c"_s << Text() << false << Text(u"https://site/lesson/a/b/%20c"_s);
     QTest::newRow("a lone percent sign") << u"100%"_s << Text() << true << Text();
     QTest::newRow("a blank") << u"a b"_s << Text() << false << Text();
     QTest::newRow("Korean") << u"수업"_s << Text() << true << Text();
@@ -308,7 +308,7 @@ void LessonLinkTest::diagnoses_data()
     row("a module", "ModuleNotFoundError: No module named 'foo.bar'\n",
         "Missing module|Module 'foo.bar' is not installed.|pip install foo.bar",
         "모듈 누락|'foo.bar' 를 찾을 수 없습니다.|pip install foo.bar");
-    row("a module without quotes", "No module named requests", 
+    row("a module without quotes", "No module named requests",
         "Missing module|Module 'requests' is not installed.|pip install requests",
         "모듈 누락|'requests' 를 찾을 수 없습니다.|pip install requests");
     row("a module goes before all", "HTTP 401\nNo module named \"x\"",

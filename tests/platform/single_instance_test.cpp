@@ -1,6 +1,5 @@
-#include "platform/single_instance.h"
-
 #include "platform/open_request.h"
+#include "platform/single_instance.h"
 
 #include <QDir>
 #include <QFile>
@@ -82,7 +81,8 @@ void SingleInstanceTest::messagesComeBack_data()
     QTest::addColumn<QStringList>("texts");
     QTest::newRow("nothing") << QStringList();
     QTest::newRow("an empty text") << QStringList{QString()};
-    QTest::newRow("several") << QStringList{u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s, u"한글 👩‍👩‍👧\n\0"_s};
+    QTest::newRow("several") << QStringList{u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s,
+                                            u"한글 👩‍👩‍👧\n\0"_s};
 }
 
 void SingleInstanceTest::messagesComeBack()
@@ -145,7 +145,8 @@ void SingleInstanceTest::onlyTheUserCanOpenTheSocket()
 {
     Fixture fixture;
     QVERIFY(fixture.first.listen());
-    struct stat status{};
+    struct stat status
+    {};
     QCOMPARE(stat(QFile::encodeName(fixture.path).constData(), &status), 0);
     QCOMPARE(status.st_mode & 077, 0U);
 }

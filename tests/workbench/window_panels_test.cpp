@@ -19,7 +19,7 @@ struct Fixture : WindowFixture
     QList<OverlayLayer*> layers() const
     {
         QList<OverlayLayer*> layers;
-        for (QObject* child : window.centralWidget()->children()) {
+        for (QObject* child : window.children()) {
             if (auto* layer = qobject_cast<OverlayLayer*>(child)) {
                 layers.append(layer);
             }
@@ -227,7 +227,7 @@ void WindowPanelsTest::overlaysFollowTheirFlags()
     fixture.state.setProperty(flag, true);
     QCOMPARE(fixture.layers().size(), 1);
     QVERIFY(fixture.layers().first()->isVisible());
-    QCOMPARE(fixture.layers().first()->size(), fixture.window.centralWidget()->size());
+    QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
     fixture.state.setProperty(flag, false);
     fixture.settle();
     QVERIFY(fixture.layers().isEmpty());
@@ -277,7 +277,7 @@ void WindowPanelsTest::overlaysFillTheWindowAsItGrows()
     fixture.state.setShowSearch(true);
     fixture.window.resize(1500, 900);
     fixture.turnQueue();
-    QCOMPARE(fixture.layers().first()->size(), fixture.window.centralWidget()->size());
+    QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
 }
 
 QTEST_MAIN(WindowPanelsTest)

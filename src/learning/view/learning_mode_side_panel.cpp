@@ -127,8 +127,8 @@ QWidget* LearningModeSidePanel::makeHeader()
     auto* label = new QHBoxLayout;
     label->setSpacing(6);
     label->addWidget(new SymbolLabel(u"graduationcap.fill"_s, 16, Tint::accent(), section));
-    label->addWidget(new TextLabel(lessonTexts::learningMode.in(isKo_),
-                                   style::interfaceFont(textSize, QFont::DemiBold), Tint::accent(), section),
+    label->addWidget(new TextLabel(lessonTexts::learningMode.in(isKo_), style::interfaceFont(textSize, QFont::DemiBold),
+                                   Tint::accent(), section),
                      1);
     auto* column = static_cast<QVBoxLayout*>(section->layout());
     column->addLayout(label);

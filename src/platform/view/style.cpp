@@ -216,6 +216,26 @@ QColor tint(const QStyleOption& option, float alpha)
     return color;
 }
 
+/// The ground of a field with round corners, and the ring of one that is typed into; a field without a frame is its
+/// text alone.
+void drawField(const QStyleOptionFrame& option, QPainter& painter)
+{
+    if (option.lineWidth <= 0) {
+        return;
+    }
+    constexpr qreal radius = style::radius::control;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(tint(option, 0.18F), 1));
+    painter.setBrush(option.palette.color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        style::drawRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Highlight),
+                        radius);
+    }
+    painter.restore();
+}
+
 /// A hairline under the bar, which the selected tab interrupts with its ground.
 void drawTab(const QStyleOptionTab& option, QPainter& painter)
 {
@@ -381,6 +401,11 @@ void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         return;
     }
     if (element == PE_FrameMenu) {
+        return;
+    }
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == PE_PanelLineEdit && frame != nullptr) {
+        drawField(*frame, *painter);
         return;
     }
     if (element == PE_IndicatorCheckBox) {
