@@ -13,15 +13,15 @@ struct LessonInfo
 {
     /// The lesson's identifier in URLs; never empty.
     QString slug;
-    std::optional<QString> title;
+    std::optional<QString> title = {};
     /// First and last line, 1-based, of the region that the learner is meant to edit; as the link gave them, neither
     /// put in order nor checked against the text.
     qint64 regionStart = 1;
     qint64 regionEnd = 1;
     /// Names of the environment variables that the code needs. (`requires` itself is a word of the language.)
-    QStringList requires_;
+    QStringList requires_ = {};
     /// The learner's language code in lower case; "ko" is Korean.
-    std::optional<QString> lang;
+    std::optional<QString> lang = {};
 
     friend bool operator==(const LessonInfo&, const LessonInfo&) = default;
 };

@@ -1,5 +1,6 @@
 #include "workbench/status_bar_items.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/icons.h"
 
 #include <QPainter>
@@ -20,6 +21,7 @@ StatusBarItem::StatusBarItem(const QString& icon, const QString& text, bool high
     : QWidget(parent), icon_(icon), text_(text), highlight_(highlight)
 {
     setAttribute(Qt::WA_Hover);
+    setAccessibleRole(*this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(text);
 }

@@ -1,5 +1,6 @@
 #include "workbench/tab_bar_view.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "workbench/tab_item_view.h"
 
@@ -34,6 +35,7 @@ TabBarView::TabBarView(AppState& appState, ThemeManager& themeManager, Workspace
       scrollArea_(new QScrollArea(this))
 {
     setFixedHeight(stripHeight);
+    setAccessibleRole(*this, QAccessible::PageTabList);
     setAccessibleName(tr("Open documents"));
 
     auto* strip = new QWidget;

@@ -1,5 +1,6 @@
 #include "workbench/tab_item_view.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/icons.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
@@ -105,6 +106,7 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 {
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAccessibleRole(*this, QAccessible::PageTab);
     prepare(hover_, hoverMilliseconds, false, this);
     prepare(selection_, selectionMilliseconds, isSelected, this);
     closeButton_->setHelp(tr("Close"));
@@ -137,6 +139,11 @@ void TabItemView::setSelected(bool isSelected)
     updateCloseButton();
     updateGeometry();
     update();
+}
+
+void TabItemView::press()
+{
+    callbacks_.onSelect();
 }
 
 void TabItemView::setHovered(bool isHovered)

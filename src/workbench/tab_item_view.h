@@ -47,6 +47,8 @@ public:
     void setSelected(bool isSelected);
     bool isHovered() const { return isHovered_; }
     PlainButton& closeButton() { return *closeButton_; }
+    /// Selects the tab, as a click does.
+    Q_INVOKABLE void press();
     /// Fills a menu with what can be done with the tab.
     void fillContextMenu(QMenu& menu);
 

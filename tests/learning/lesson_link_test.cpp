@@ -3,6 +3,7 @@
 #include "learning/lesson_link.h"
 #include "support/app_state_fixture.h"
 
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace kelm;
@@ -53,6 +54,7 @@ private Q_SLOTS:
     void twentyMegabytesDecode();
     void theWayBack_data();
     void theWayBack();
+    void theLinksOfTheSamplePageDecode();
     void aLinkOpensATabAndRunsItLater();
     void aLinkWithoutRunRunsNothing();
     void badLinksAreLoggedAndDoNothing();
@@ -244,6 +246,20 @@ void LessonLinkTest::theWayBack()
     QFETCH(bool, hasCompanion);
     QFETCH(std::optional<QString>, url);
     QCOMPARE(lessonURL({.slug = slug, .lang = lang}, hasCompanion, u"https://site"_s), url);
+}
+
+void LessonLinkTest::theLinksOfTheSamplePageDecode()
+{
+    QFile page(QStringLiteral(KELM_SAMPLES "/lesson-links.html"));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    static const QRegularExpression reference(u"href=\"(kelmpane:[^\"]*)\""_s);
+    QStringList titles;
+    for (const auto& match : reference.globalMatch(QString::fromUtf8(page.readAll()))) {
+        const LessonLink link = decoded(match.captured(1).replace(u"&amp;"_s, u"&"_s));
+        QVERIFY(link.run && link.language == Language(Language::python) && !link.code.isEmpty());
+        titles.append(*link.lessonInfo->title);
+    }
+    QCOMPARE(titles, (QStringList{u"A first loop"_s, u"첫 번째 반복문"_s, u"When a module is missing"_s}));
 }
 
 void LessonLinkTest::aLinkOpensATabAndRunsItLater()

@@ -1,9 +1,11 @@
 #include "platform/view/icons.h"
 #include "workbench/controls.h"
+#include "workbench/status_bar_items.h"
 #include "workbench/tab_bar_view.h"
 #include "workbench/tab_item_view.h"
 #include "workbench/window_fixture.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -98,6 +100,7 @@ private Q_SLOTS:
     void theChipTakesTheLanguagesColour_data();
     void theChipTakesTheLanguagesColour();
     void aChangeOfDocumentsKeepsTheTabsThatStay();
+    void screenReadersGetTabs();
 };
 
 void TabBarViewTest::tabsStandInTheOrderOfTheDocuments()
@@ -331,6 +334,22 @@ void TabBarViewTest::aChangeOfDocumentsKeepsTheTabsThatStay()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(&fixture.tab(0), first.data());
     QVERIFY(second.isNull());
+}
+
+void TabBarViewTest::screenReadersGetTabs()
+{
+    Fixture fixture;
+    QAccessibleInterface* strip = QAccessible::queryAccessibleInterface(&fixture.strip);
+    QCOMPARE(strip->role(), QAccessible::PageTabList);
+    QAccessibleInterface* tab = QAccessible::queryAccessibleInterface(&fixture.tab(2));
+    QCOMPARE(tab->role(), QAccessible::PageTab);
+    QCOMPARE(tab->text(QAccessible::Name), u"c.txt"_s);
+    QVERIFY(tab->actionInterface()->actionNames().contains(QAccessibleActionInterface::pressAction()));
+    tab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCOMPARE(fixture.state.currentDocumentIndex(), 2);
+    QAccessibleInterface* position = QAccessible::queryAccessibleInterface(fixture.window.findChild<StatusBarItem*>());
+    QCOMPARE(position->role(), QAccessible::StaticText);
+    QVERIFY(position->text(QAccessible::Name).startsWith(u"Ln "));
 }
 
 QTEST_MAIN(TabBarViewTest)

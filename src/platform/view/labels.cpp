@@ -1,5 +1,6 @@
 #include "platform/view/labels.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/icons.h"
 #include "platform/view/plain_help.h"
 
@@ -12,6 +13,7 @@ TextLabel::TextLabel(const QString& text, const QFont& font, const Tint& tint, Q
     : QWidget(parent), tint_(tint)
 {
     setFont(font);
+    setAccessibleRole(*this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setText(text);
 }
