@@ -1,5 +1,6 @@
-# The symbols of the interface, one file each, under ":/icons" in the program.
+# The symbols of the interface, one file each, under ":/icons" in the program, and the program's own icon.
 set(KELM_ICONS
+  app/kelmwright.svg
   arrow.clockwise.svg
   arrow.down.circle.svg
   arrow.down.right.circle.svg
@@ -11,65 +12,62 @@ set(KELM_ICONS
   arrow.up.circle.svg
   arrow.up.right.square.svg
   arrow.up.to.line.svg
-  arrow.uturn.backward.svg
   arrow.uturn.backward.circle.svg
+  arrow.uturn.backward.svg
   arrow.uturn.forward.svg
   bell.svg
   book.svg
-  checkmark.svg
   checkmark.circle.fill.svg
+  checkmark.svg
   chevron.down.svg
-  chevron.left.svg
   chevron.left.forwardslash.chevron.right.svg
+  chevron.left.svg
   chevron.right.svg
   circle.svg
   clock.svg
   cloud.svg
-  command.svg
   curlybraces.svg
-  doc.svg
   doc.on.doc.svg
   doc.richtext.svg
+  doc.svg
   doc.text.svg
-  exclamationmark.triangle.svg
   exclamationmark.triangle.fill.svg
+  exclamationmark.triangle.svg
   externaldrive.badge.questionmark.svg
-  folder.svg
   folder.badge.questionmark.svg
   folder.fill.svg
-  function.svg
+  folder.svg
   gear.svg
   globe.svg
   graduationcap.fill.svg
-  key.svg
   keyboard.svg
   magnifyingglass.svg
-  minus.svg
   minus.circle.svg
+  minus.svg
   network.svg
   number.svg
   paintbrush.svg
   paintpalette.svg
   pencil.svg
   play.fill.svg
-  plus.svg
   plus.circle.svg
   plus.square.on.square.svg
+  plus.svg
   puzzlepiece.extension.svg
   rectangle.bottomthird.inset.filled.svg
   rectangle.split.3x1.svg
   sidebar.left.svg
-  square.and.arrow.down.svg
   square.and.arrow.down.on.square.svg
+  square.and.arrow.down.svg
   swift.svg
-  tag.svg
   tag.fill.svg
+  tag.svg
   terminal.svg
   text.alignleft.svg
   textformat.svg
   trash.svg
   tray.and.arrow.up.svg
   tray.full.svg
-  xmark.svg
   xmark.circle.fill.svg
+  xmark.svg
 )

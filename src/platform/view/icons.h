@@ -1,7 +1,9 @@
-// The symbols of the interface, drawn in any size and colour.
+// The symbols of the interface, drawn in any size and colour. All of it belongs to the main thread.
 #pragma once
 
 #include <QColor>
+#include <QIcon>
+#include <QPixmap>
 #include <QStringList>
 
 class QPainter;
@@ -15,8 +17,22 @@ QStringList names();
 /// Whether there is a symbol of this name.
 bool has(const QString& name);
 
-/// Draws a symbol into `rectangle`, in the painter's points, crisp at its device pixel ratio and all in `tint`. An
-/// empty name and an unknown one draw nothing. Main thread only.
+/// A symbol in a square of `pointSize` points, all in `tint`, with `devicePixelRatio` pixels to a point. A null pixmap
+/// when there is no such symbol, which is logged once for each name, or when nothing is left of the size.
+QPixmap pixmap(const QString& name, qreal pointSize, const QColor& tint, qreal devicePixelRatio);
+
+/// Draws a symbol into the middle of `rectangle`, as large as it takes a square, with the pixels of the painter's
+/// device. An empty name draws nothing, as does one that `pixmap` does not know.
 void paint(QPainter& painter, const QString& name, const QRectF& rectangle, const QColor& tint);
+
+/// A symbol for controls that take an icon: in the colour that the application's palette has for the text of buttons,
+/// and follows it; in that of disabled buttons, or of selected text, where it is asked for that.
+QIcon icon(const QString& name);
+
+/// The same in a colour of its own, which is pale while the control is disabled.
+QIcon icon(const QString& name, const QColor& tint);
+
+/// The program's own icon, in colour, in the sizes that windows and task bars ask for.
+QIcon application();
 
 } // namespace kelm::icons
