@@ -2,6 +2,7 @@
 #include "platform/application_exit.h"
 #include "platform/main_queue.h"
 #include "platform/single_instance.h"
+#include "platform/view/icons.h"
 #include "platform/view/style.h"
 #include "workbench/kelm_pane_app.h"
 #include "workbench/main_window.h"
@@ -31,6 +32,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationDisplayName(QStringLiteral("KelmWright"));
     QApplication::setApplicationVersion(QStringLiteral(KELM_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("kelmwright"));
+    QApplication::setWindowIcon(kelm::icons::application());
     kelm::style::installOn(application);
 
     int status = 0;

@@ -12,34 +12,59 @@ namespace kelm::screenshots {
 
 namespace {
 
-constexpr std::array sizes{9, 12, 16, 24, 40};
-constexpr int columns = 4;
-constexpr int cellWidth = 290;
-constexpr int cellHeight = 66;
-constexpr int margin = 16;
+/// In points: those of buttons and rows, of the sidebar, and of the pages that say that there is nothing.
+constexpr std::array sizes{9, 12, 16, 24, 60};
+constexpr std::array applicationSizes{16, 22, 24, 32, 48, 64, 128, 256};
+constexpr int columns = 5;
+constexpr int cellWidth = 224;
+constexpr int rowHeight = 60;
+constexpr int cellHeight = rowHeight + 32;
+constexpr int margin = 24;
+constexpr int spacing = 16;
+
+int rowsOf(qsizetype count)
+{
+    return (static_cast<int>(count) + columns - 1) / columns;
+}
+
+void drawSymbol(QPainter& painter, const QString& name, QPoint corner, Appearance appearance)
+{
+    int x = corner.x();
+    for (const int size : sizes) {
+        const QRectF box(x, corner.y() + (rowHeight - size) / 2, size, size);
+        icons::paint(painter, name, box, Tint::primary().in(appearance));
+        x += size + spacing;
+    }
+    painter.setPen(Tint::secondary().in(appearance));
+    painter.drawText(corner + QPoint(0, rowHeight + 14), name);
+}
+
+void drawApplicationIcon(QPainter& painter, QPoint corner)
+{
+    const QIcon icon = icons::application();
+    for (const int size : applicationSizes) {
+        painter.drawPixmap(corner, icon.pixmap(size, size));
+        corner.rx() += size + spacing;
+    }
+}
 
 bool draw(Appearance appearance, const QString& file)
 {
     const QStringList names = icons::names();
-    const int rows = (static_cast<int>(names.size()) + columns - 1) / columns;
-    QImage sheet(columns * cellWidth + 2 * margin, rows * cellHeight + 2 * margin, QImage::Format_RGB32);
+    const int symbolsHeight = rowsOf(names.size()) * cellHeight;
+    QImage sheet(columns * cellWidth + 2 * margin, symbolsHeight + applicationSizes.back() + 2 * margin,
+                 QImage::Format_RGB32);
     sheet.fill(systemColor(SystemColor::windowBackground, appearance));
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(style::interfaceFont(style::typeSize::caption));
     int cell = 0;
     for (const QString& name : names) {
-        const QPoint corner(margin + cell % columns * cellWidth, margin + cell / columns * cellHeight);
-        int x = corner.x();
-        for (const int size : sizes) {
-            icons::paint(painter, name, QRectF(x, corner.y() + (40 - size) / 2, size, size),
-                         Tint::primary().in(appearance));
-            x += size + 14;
-        }
-        painter.setPen(Tint::secondary().in(appearance));
-        painter.drawText(QPoint(corner.x(), corner.y() + 56), name);
+        drawSymbol(painter, name, QPoint(margin + cell % columns * cellWidth, margin + cell / columns * cellHeight),
+                   appearance);
         ++cell;
     }
+    drawApplicationIcon(painter, QPoint(margin, margin + symbolsHeight));
     return sheet.save(file, "PNG", 0);
 }
 

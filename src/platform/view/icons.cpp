@@ -53,71 +53,117 @@ qreal strokeWidth(qreal pointSize, int extent)
 QByteArray readDrawing(const QString& name, qreal stroke)
 {
     QFile file(pathOf(name));
-    if (name.isEmpty() || !file.open(QFile::ReadOnly)) {
+    if (!file.open(QFile::ReadOnly)) {
         return {};
     }
     return file.readAll().replace("stroke-width=\"1.75\"", "stroke-width=\"" + QByteArray::number(stroke) + '"');
 }
 
-QImage drawAt(QSvgRenderer& renderer, int extent, QPointF shift)
+QImage drawIn(QSvgRenderer& renderer, int extent, const QRectF& box)
 {
     QImage image(extent, extent, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    renderer.render(&painter, QRectF(shift, QSizeF(extent, extent)));
+    renderer.render(&painter, box);
     return image;
 }
 
-/// The sum of the squares of the coverage: of two drawings with as much ink, that with the clearer edges has more.
-qint64 sharpness(const QImage& image)
+/// How much of the ink lies in pixels that are covered whole, from 0 to 1: what has edges between pixels has less.
+qreal sharpnessOf(const QImage& image)
 {
-    qint64 sum = 0;
+    qint64 ink = 0;
+    qint64 squares = 0;
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x) {
-            sum += qAlpha(line[x]) * qAlpha(line[x]);
+            ink += qAlpha(line[x]);
+            squares += qAlpha(line[x]) * qAlpha(line[x]);
         }
     }
-    return sum;
+    return ink == 0 ? 0 : static_cast<qreal>(squares) / static_cast<qreal>(ink * 255);
 }
 
-/// Draws at the place where the edges fall on those of pixels best: as it is, or half a pixel aside. Where strokes are
-/// wide, half a pixel does not show.
+/// The part of its square that a drawing needs, with the square's side as the unit.
+QRectF boundsOf(QSvgRenderer& renderer)
+{
+    constexpr int extent = 72;
+    const QImage image = drawIn(renderer, extent, QRectF(0, 0, extent, extent));
+    QRect bounds;
+    for (int y = 0; y < extent; ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < extent; ++x) {
+            if (qAlpha(line[x]) > 0) {
+                bounds |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return QTransform::fromScale(1.0 / extent, 1.0 / extent).mapRect(QRectF(bounds));
+}
+
+/// Draws at the place and in the size at which the edges fall on those of pixels best: in the middle or half a pixel
+/// aside, and up to a pixel smaller or larger.
 QImage drawSharpest(QSvgRenderer& renderer, int extent)
 {
-    constexpr int largestShifted = 24;
-    constexpr std::array<QPointF, 3> shifts{QPointF(0.5, 0.5), QPointF(0.5, 0), QPointF(0, 0.5)};
-    QImage best = drawAt(renderer, extent, {});
-    if (extent > largestShifted) {
+    // Where strokes are wide, an edge between pixels does not show.
+    constexpr int largestFitted = 20;
+    constexpr std::array steps{0.0, -1 / 3.0, 1 / 3.0, -2 / 3.0, 2 / 3.0, 4 / 3.0};
+    constexpr std::array shifts{QPointF(0, 0), QPointF(0.5, 0.5), QPointF(0.5, 0), QPointF(0, 0.5)};
+    // What is not as it was drawn has to be worth it.
+    constexpr qreal gainOfShift = 1.02;
+    constexpr qreal gainOfStep = 1.05;
+    const QRectF paper(0, 0, extent, extent);
+    QImage best = drawIn(renderer, extent, paper);
+    if (extent > largestFitted) {
         return best;
     }
-    // A place off the middle has to be worth it.
-    qint64 most = sharpness(best) * 21 / 20;
-    for (const QPointF& shift : shifts) {
-        QImage shifted = drawAt(renderer, extent, shift);
-        if (const qint64 sum = sharpness(shifted); sum > most) {
-            most = sum;
-            best = std::move(shifted);
+    const QRectF bounds = boundsOf(renderer);
+    qreal sharpest = sharpnessOf(best);
+    for (const qreal step : steps) {
+        const qreal size = extent + step;
+        qreal least = sharpest * (step == 0 ? gainOfShift : gainOfStep);
+        for (const QPointF& shift : shifts) {
+            const QRectF box(QPointF(-step / 2, -step / 2) + shift, QSizeF(size, size));
+            const QRectF ink(box.topLeft() + bounds.topLeft() * size, bounds.size() * size);
+            if (!paper.contains(ink)) {
+                continue;
+            }
+            QImage image = drawIn(renderer, extent, box);
+            if (const qreal sharpness = sharpnessOf(image); sharpness > least) {
+                least = sharpness;
+                sharpest = sharpness;
+                best = std::move(image);
+            }
         }
     }
     return best;
 }
 
-/// A symbol in a square of `extent` device pixels.
-QPixmap draw(const QString& name, qreal pointSize, int extent, const QColor& tint)
+/// The shape of a symbol in a square of `extent` device pixels, in black. It is kept as well as the tinted ones, since
+/// finding its place takes longer than tinting, and the same symbol comes in several tints.
+QPixmap shape(const QString& name, qreal pointSize, int extent)
 {
-    const QByteArray drawing = readDrawing(name, strokeWidth(pointSize, extent));
-    QSvgRenderer renderer(drawing);
-    if (!renderer.isValid()) {
-        logOnce(name);
-        return {};
+    const QString key = QStringLiteral("kelm-shape/%1/%2/%3").arg(name).arg(extent).arg(pointSize);
+    QPixmap shape;
+    if (!QPixmapCache::find(key, &shape)) {
+        QSvgRenderer renderer(readDrawing(name, strokeWidth(pointSize, extent)));
+        if (!renderer.isValid()) {
+            logOnce(name);
+            return {};
+        }
+        shape = QPixmap::fromImage(drawSharpest(renderer, extent));
+        QPixmapCache::insert(key, shape);
     }
-    QImage image = drawSharpest(renderer, extent);
-    QPainter painter(&image);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), tint);
-    painter.end();
-    return QPixmap::fromImage(std::move(image));
+    return shape;
+}
+
+QPixmap tinted(QPixmap shape, const QColor& tint)
+{
+    if (!shape.isNull()) {
+        QPainter painter(&shape);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(shape.rect(), tint);
+    }
+    return shape;
 }
 
 /// The part of a transformation that changes sizes.
@@ -146,14 +192,17 @@ bool has(const QString& name)
 QPixmap pixmap(const QString& name, qreal pointSize, const QColor& tint, qreal devicePixelRatio)
 {
     const int extent = qRound(pointSize * devicePixelRatio);
-    if (extent <= 0) {
+    if (name.isEmpty() || extent <= 0) {
         return {};
     }
     const QString key =
         QStringLiteral("kelm-symbol/%1/%2/%3/%4").arg(name).arg(extent).arg(devicePixelRatio).arg(tint.rgba(), 8, 16);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = draw(name, pointSize, extent, tint);
+        pixmap = tinted(shape(name, pointSize, extent), tint);
+        if (pixmap.isNull()) {
+            return {};
+        }
         pixmap.setDevicePixelRatio(devicePixelRatio);
         QPixmapCache::insert(key, pixmap);
     }
@@ -162,9 +211,6 @@ QPixmap pixmap(const QString& name, qreal pointSize, const QColor& tint, qreal d
 
 void paint(QPainter& painter, const QString& name, const QRectF& rectangle, const QColor& tint)
 {
-    if (name.isEmpty()) {
-        return;
-    }
     const QTransform toDevice = painter.deviceTransform();
     const qreal pointSize = std::min(rectangle.width(), rectangle.height());
     const QPixmap symbol = pixmap(name, pointSize, tint, scaleOf(toDevice));
@@ -196,7 +242,7 @@ QIcon application()
     QSvgRenderer renderer(QStringLiteral(":/icons/app/kelmwright.svg"));
     QIcon icon;
     for (const int extent : extents) {
-        icon.addPixmap(QPixmap::fromImage(drawAt(renderer, extent, {})));
+        icon.addPixmap(QPixmap::fromImage(drawIn(renderer, extent, QRectF(0, 0, extent, extent))));
     }
     return icon;
 }
