@@ -2,10 +2,10 @@
 #include "files/file_item.h"
 #include "files/git_badge.h"
 
-#include <benchmark/benchmark.h>
-
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
 
 namespace {
 

@@ -1,12 +1,12 @@
 // A project search against grep on the same tree of small files. KELM_BENCH_FILES sets their number (20,000).
 #include "search/project_scan.h"
 
-#include <benchmark/benchmark.h>
-
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -18,7 +18,8 @@ const QString& tree()
         const int files = qEnvironmentVariableIntValue("KELM_BENCH_FILES") > 0
                               ? qEnvironmentVariableIntValue("KELM_BENCH_FILES")
                               : 20'000;
-        const QByteArray text = QByteArray("let value = compute(width: 12, height: 30) // a line of a source\n").repeated(60);
+        const QByteArray text =
+            QByteArray("let value = compute(width: 12, height: 30) // a line of a source\n").repeated(60);
         for (int file = 0; file < files; ++file) {
             const QString path = folder.filePath(QStringLiteral("d%1/e%2").arg(file / 1000).arg(file / 50));
             QDir().mkpath(path);

@@ -758,7 +758,8 @@ void AppStateTest::aSavedFileGoesToTheRunnerInAnyLanguage()
 
 void AppStateTest::runningWhileARunIsOnClearsThePageOnly()
 {
-    state().openFile(fixture_->write(u"a.sh"_s, "while [ ! -e gate ]; do sleep 0.01; done; echo done"));
+    state().openFile(fixture_->write(
+        u"a.sh"_s, "n=0; while [ ! -e gate ] && [ $n -lt 2000 ]; do sleep 0.01; n=$((n+1)); done; echo done"));
     state().runCurrentFile();
     int cleared = 0;
     fixture_->notificationCenter.addObserver(&state(), notifications::clearOutput,

@@ -16,8 +16,8 @@ bool run(const QString& program, const QStringList& arguments, const QProcessEnv
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setProcessEnvironment(environment.isEmpty() ? QProcessEnvironment::systemEnvironment() : environment);
     process.start(program, arguments);
-    const bool isDone = process.waitForFinished(60'000) && process.exitStatus() == QProcess::NormalExit &&
-                        process.exitCode() == 0;
+    const bool isDone =
+        process.waitForFinished(60'000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     if (!isDone) {
         qWarning("%s", process.readAll().constData());
     }
@@ -46,7 +46,8 @@ private:
 
 void InstallTest::initTestCase()
 {
-    QVERIFY(run(QStringLiteral(KELM_CMAKE), {u"--install"_s, QStringLiteral(KELM_BUILD), u"--prefix"_s, prefix_.path()}));
+    QVERIFY(
+        run(QStringLiteral(KELM_CMAKE), {u"--install"_s, QStringLiteral(KELM_BUILD), u"--prefix"_s, prefix_.path()}));
 }
 
 void InstallTest::theProgramStandsInThePrefix()

@@ -91,7 +91,11 @@ struct TerminalPage
         timer->start(1);
     }
     /// A line that waits for the file "gate".
-    QString waitingLine() const { return QStringLiteral("while [ ! -e gate ]; do sleep 0.01; done; echo through"); }
+    QString waitingLine() const
+    {
+        return QStringLiteral(
+            "n=0; while [ ! -e gate ] && [ $n -lt 2000 ]; do sleep 0.01; n=$((n+1)); done; echo through");
+    }
     void openGate() const { makeFile(QStringLiteral("gate")); }
 
     QTemporaryDir folder;
