@@ -11,7 +11,9 @@ target_compile_definitions(kelm_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 if(KELM_SANITIZE)
   target_compile_options(kelm_options INTERFACE
-    -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # What the sanitizers put into the code looks to GCC 12 like reads of values that were never set.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(kelm_options INTERFACE -fsanitize=${KELM_SANITIZE})
 endif()
 if(KELM_FUZZ)

@@ -98,15 +98,14 @@ void LearningModeSidePanelTest::theEnglishPanelReads()
 {
     Fixture fixture;
     fixture.show({.slug = u"intro"_s, .title = u"First steps"_s, .regionStart = 3, .regionEnd = 7});
-    QCOMPARE(
-        fixture.texts(),
-        (QStringList{
-            u"Learning Mode"_s, u"First steps"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
-            u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s, u"Lines 3–7"_s,
-            u"Lines outside this range were auto-added so the snippet runs end-to-end (imports, sample inputs, auto-print)."_s,
-            u"TIPS"_s, u"• Edit any line. Cmd-R runs the whole file."_s,
-            u"• Output appears in the bottom Output panel."_s,
-            u"• Replace sample inputs near the top to test other cases."_s}));
+    QCOMPARE(fixture.texts(),
+             (QStringList{u"Learning Mode"_s, u"First steps"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
+                          u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s, u"Lines 3–7"_s,
+                          u"Lines outside this range were auto-added so the snippet runs end-to-end "
+                          u"(imports, sample inputs, auto-print)."_s,
+                          u"TIPS"_s, u"• Edit any line. Cmd-R runs the whole file."_s,
+                          u"• Output appears in the bottom Output panel."_s,
+                          u"• Replace sample inputs near the top to test other cases."_s}));
     QCOMPARE(fixture.panel->width(), 280);
 }
 
