@@ -19,8 +19,6 @@ namespace {
 
 constexpr int connectMilliseconds = 1000;
 constexpr int answerMilliseconds = 5000;
-/// A program that says nothing whole for so long is let go.
-constexpr int patienceMilliseconds = 5000;
 constexpr int mostWaiting = 4096;
 constexpr QByteArrayView answer("ok\n");
 
@@ -96,6 +94,8 @@ bool SingleInstance::listen()
     server_ = std::make_unique<QLocalServer>();
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     server_->setMaxPendingConnections(mostWaiting);
+    // Many starts at once, as of a script, wait for their turn.
+    server_->setListenBacklogSize(mostWaiting);
     connect(server_.get(), &QLocalServer::newConnection, this, &SingleInstance::takeConnections);
     return server_->listen(socketPath_);
 }
@@ -110,7 +110,7 @@ void SingleInstance::takeConnections()
         }
         const auto bytes = std::make_shared<QByteArray>();
         connect(socket, &QLocalSocket::readyRead, this, [this, socket, bytes] { read(*socket, *bytes); });
-        QTimer::singleShot(patienceMilliseconds, socket, [socket] { socket->abort(); });
+        QTimer::singleShot(patience_, socket, [socket] { socket->abort(); });
         read(*socket, *bytes);
     }
 }

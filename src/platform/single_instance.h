@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 
 class QLocalServer;
@@ -30,6 +31,9 @@ public:
     /// case the program works all the same, on its own.
     bool listen();
 
+    /// How long another program may take to say something whole before it is let go.
+    void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }
+
     /// The socket of the program's user, in the folder that the system gives for such files.
     static QString defaultSocketPath();
 
@@ -43,6 +47,7 @@ private:
     void read(QLocalSocket& socket, QByteArray& bytes);
 
     QString socketPath_;
+    std::chrono::milliseconds patience_ = std::chrono::seconds(5);
     std::unique_ptr<QLocalServer> server_;
 };
 

@@ -132,8 +132,8 @@ bool drawAtTwice(const QStringList& arguments)
 
 int main(int argc, char* argv[])
 {
-    const QTemporaryDir home;
-    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
+    const QTemporaryDir home(QDir::tempPath() + QStringLiteral("/sol-XXXXXX"));
+    for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
         qputenv(variable, home.path().toLocal8Bit());
     }
     QApplication application(argc, argv);
