@@ -200,13 +200,15 @@ void ToolbarView::addToggle(const Toggle& toggle)
                                    this);
     button->setHelp(toggle.help);
     button->setCheckable(true);
-    const auto follow = [this, button, isShown = toggle.isShown] { button->setChecked((appState_.*isShown)()); };
+    const auto follow = [this, button, isShown = toggle.isShown] {
+        button->setChecked(std::invoke(isShown, appState_));
+    };
     follow();
     connect(&appState_, toggle.changed, button, follow);
     // Screen readers toggle without a click.
     connect(button, &PlainButton::toggled, this, [this, toggle](bool on) {
-        if ((appState_.*toggle.isShown)() != on) {
-            (appState_.*toggle.setShown)(on);
+        if (std::invoke(toggle.isShown, appState_) != on) {
+            std::invoke(toggle.setShown, appState_, on);
         }
     });
     row_->addWidget(button);

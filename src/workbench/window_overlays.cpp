@@ -8,6 +8,8 @@
 #include "workbench/main_window.h"
 #include "workbench/overlay_layer.h"
 
+#include <functional>
+
 namespace kelm {
 
 const std::array<WindowOverlays::Overlay, 3>& WindowOverlays::overlays()
@@ -52,12 +54,12 @@ void WindowOverlays::take(std::size_t index)
 {
     const Overlay& overlay = overlays().at(index);
     QPointer<OverlayLayer>& layer = layers_.at(index);
-    const bool isShown = (appState_.*overlay.isShown)();
+    const bool isShown = std::invoke(overlay.isShown, appState_);
     if (isShown == !layer.isNull()) {
         return;
     }
     if (isShown) {
-        const auto dismiss = [this, &overlay] { (appState_.*overlay.setShown)(false); };
+        const auto dismiss = [this, &overlay] { std::invoke(overlay.setShown, appState_, false); };
         QWidget* content = overlay.make(appState_);
         layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, &window_);
         layer->show();

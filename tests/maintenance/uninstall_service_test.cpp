@@ -37,6 +37,9 @@ struct Fixture
         }
     }
 
+    /// What was put off comes while the fixture stands.
+    ~Fixture() { QCoreApplication::processEvents(); }
+
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(home.filePath(name)); }
     QString line(const QString& label, const QString& name) const
     {

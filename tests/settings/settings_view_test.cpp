@@ -253,7 +253,7 @@ void SettingsViewTest::aDamagedFileIsLeftUntilAControlChanges()
 {
     const QTemporaryDir home;
     const QString path = home.filePath(u"store.conf"_s);
-    const QByteArray damage("\0\xff\xfe[General\nfontSize=@Invalid(\ntabSize", 40);
+    const QByteArray damage = QByteArrayLiteral("\0\xff\xfe[General\nfontSize=@Invalid(\ntabSize");
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(damage);
