@@ -16,6 +16,8 @@ namespace kelm {
 namespace {
 
 constexpr double disabledOpacity = 0.4;
+/// Between a menu and the edge of the window.
+constexpr int menuMargin = 4;
 
 } // namespace
 
@@ -167,7 +169,7 @@ void PlainButton::keyPressEvent(QKeyEvent* event)
 void PlainButton::focusInEvent(QFocusEvent* event)
 {
     showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
-                  event->reason() == Qt::ShortcutFocusReason || event->reason() == Qt::OtherFocusReason;
+                  event->reason() == Qt::ShortcutFocusReason;
     QAbstractButton::focusInEvent(event);
     update();
 }
@@ -195,6 +197,9 @@ void PlainButton::openMenu()
         place.y() - menuHeight > 0 && place.y() > mapToGlobal(QPoint()).y()) {
         place = mapToGlobal(QPoint(0, -menuHeight - 2));
     }
+    // Not beyond the window's right edge, where there is room inside.
+    const int rightmost = top->mapToGlobal(QPoint(top->width(), 0)).x() - menu->sizeHint().width() - menuMargin;
+    place.setX(std::max(std::min(place.x(), rightmost), top->mapToGlobal(QPoint()).x()));
     isMenuOpen_ = true;
     connect(menu, &QMenu::aboutToHide, this, [this] {
         isMenuOpen_ = false;
