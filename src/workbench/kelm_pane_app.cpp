@@ -13,6 +13,8 @@
 #include <QDir>
 #include <QFileOpenEvent>
 
+#include <algorithm>
+
 namespace kelm {
 
 namespace {
@@ -72,7 +74,11 @@ void KelmPaneApp::start(const QStringList& arguments)
 
 void KelmPaneApp::openFromOutside(const QStringList& urlTexts)
 {
-    bringToFront();
+    // A link brings the window by itself, once it turns out to be a good one.
+    const auto isLink = [](const QString& urlText) { return urlText.startsWith(u"kelmpane:"); };
+    if (urlTexts.isEmpty() || !std::all_of(urlTexts.begin(), urlTexts.end(), isLink)) {
+        bringToFront();
+    }
     appDelegate_.open(urlTexts);
 }
 

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void aFolderOpensNoTab();
     void theProcessStaysWhenItsWindowIsClosed();
     void themeAndAppearanceGoTogether();
+    void anotherStartBringsTheWindowBack();
+    void aGoodLinkBringsTheWindowAndABadOneDoesNot();
 
 private:
     QString write(const QString& name)
@@ -108,6 +110,38 @@ void KelmPaneAppTest::theProcessStaysWhenItsWindowIsClosed()
     QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
     QCOMPARE(quitting.count(), 0);
     QCOMPARE(AppState::shared().documents().size(), 1);
+}
+
+void KelmPaneAppTest::anotherStartBringsTheWindowBack()
+{
+    KelmPaneApp app;
+    app.start({});
+    app.window().close();
+    app.openFromOutside({});
+    QVERIFY(app.window().isVisible());
+    app.window().close();
+    app.openFromOutside({QUrl::fromLocalFile(write(QStringLiteral("a.txt"))).toString()});
+    QVERIFY(app.window().isVisible());
+    QCOMPARE(AppState::shared().currentDocument()->title(), QStringLiteral("a.txt"));
+}
+
+void KelmPaneAppTest::aGoodLinkBringsTheWindowAndABadOneDoesNot()
+{
+    KelmPaneApp app;
+    app.start({});
+    app.window().close();
+    app.openFromOutside({QStringLiteral("kelmpane://open?code=!!"), QStringLiteral("kelmpane://close?code=YQ==")});
+    QCoreApplication::processEvents();
+    QVERIFY(!app.window().isVisible());
+    QVERIFY(AppState::shared().documents().isEmpty());
+    app.openFromOutside({QStringLiteral("kelmpane://open?code=YQ==&learnSlug=intro")});
+    QTRY_VERIFY(app.window().isVisible());
+    QCOMPARE(AppState::shared().currentDocument()->content(), QStringLiteral("a"));
+    QVERIFY(app.window().lessonPanel() != nullptr);
+    AppState::shared().createNewTab();
+    QVERIFY(app.window().lessonPanel() == nullptr);
+    AppState::shared().setCurrentDocumentIndex(0);
+    QVERIFY(app.window().lessonPanel() != nullptr);
 }
 
 void KelmPaneAppTest::themeAndAppearanceGoTogether()
