@@ -40,10 +40,12 @@ public:
           ownGroup_(command.ownGroup),
           input_(command.standardInput.value_or(QByteArray()))
     {
-        // What is still there when the application ends goes with it.
+        // What is still there when the application or the thread ends goes with it.
         if (QCoreApplication* application = QCoreApplication::instance();
             application != nullptr && application->thread() == thread()) {
             setParent(application);
+        } else {
+            connect(thread(), &QThread::finished, this, &QObject::deleteLater);
         }
         output_ = {
             &child_.standardOutput, watch(child_.standardOutput, QSocketNotifier::Read), {}, &ChildProcess::outputRead};
