@@ -191,6 +191,13 @@ void TextEditor::apply(const std::vector<Change>& changes, EditKind kind)
     }
 }
 
+void TextEditor::insertText(const QString& text, TextRange replacedRange)
+{
+    if (prepareEdit()) {
+        commit({{replacedRange.clampedTo(storage_.length()), text}}, EditKind::other, Afterwards::caretsStayWithText);
+    }
+}
+
 void TextEditor::applyAndSelect(const std::vector<Change>& changes)
 {
     if (prepareEdit()) {
@@ -267,38 +274,58 @@ void TextEditor::replace(const ChangeBatch& batch)
     }
 }
 
+SelectionSet TextEditor::selectionsAfter(const std::vector<Change>& changes, Afterwards afterwards) const
+{
+    SelectionSet result = selections_;
+    if (afterwards == Afterwards::caretsStayWithText) {
+        for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+            TextEdit edit;
+            edit.range = change->range;
+            edit.newLength = change->text.size();
+            result.moveThrough(edit);
+        }
+        return result;
+    }
+    std::vector<Selection> after;
+    qsizetype shift = 0;
+    for (const Change& change : changes) {
+        const TextRange inserted{change.range.location + shift, change.text.size()};
+        if (afterwards == Afterwards::caretBehindEach) {
+            after.push_back(Selection::caret({inserted.end(), false}));
+        } else if (!inserted.isEmpty()) {
+            after.push_back(Selection::over(inserted));
+        } else if (after.empty() && &change == &changes.back()) {
+            after.push_back(Selection::caret({inserted.location, false}));
+        }
+        shift += change.text.size() - change.range.length;
+    }
+    result.replaceAll(std::move(after));
+    return result;
+}
+
 void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards)
 {
     UndoStep step;
     step.before = selections_;
+    step.after = selectionsAfter(changes, afterwards);
     step.kind = kind;
-    std::vector<Selection> after;
     ChangeBatch made;
     {
         const EditingBracket bracket(storage_);
         qsizetype shift = 0;
         for (const Change& change : changes) {
             const QString removed = storage_.substring(change.range);
-            const TextRange inserted{change.range.location + shift, change.text.size()};
-            if (afterwards == Afterwards::caretBehindEach) {
-                after.push_back(Selection::caret({inserted.end(), false}));
-            } else if (!inserted.isEmpty()) {
-                after.push_back(Selection::over(inserted));
-            } else if (after.empty() && &change == &changes.back()) {
-                after.push_back(Selection::caret({inserted.location, false}));
-            }
-            shift += change.text.size() - change.range.length;
             // Text that stays the same is no edit: nobody is told of one.
             if (removed != change.text) {
-                step.replacements.push_back({inserted.location, removed, change.text});
+                step.replacements.push_back({change.range.location + shift, removed, change.text});
                 made.push_back(change);
             }
+            shift += change.text.size() - change.range.length;
         }
         replace(made);
-        selections_.replaceAll(std::move(after));
+        selections_ = step.after;
         // The history has the step before anyone hears of the edit, since a receiver may edit in turn.
         if (!made.empty()) {
-            step.after = selections_;
             history_.push(std::move(step));
         }
     }

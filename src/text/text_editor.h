@@ -82,7 +82,10 @@ public:
     /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change
     /// afterwards.
     void apply(const std::vector<Change>& changes, EditKind kind);
-    /// As above, and then selects the text that was put in; where it only takes text away no caret stays.
+    /// Puts `text` in the place of a range as one undo step. Carets and selections stay with their text: one at the
+    /// range's end, or within it, stands behind what was put in.
+    void insertText(const QString& text, TextRange replacedRange);
+    /// As `apply`, and then selects the text that was put in; where it only takes text away no caret stays.
     void applyAndSelect(const std::vector<Change>& changes);
     /// Moves the selected text to an offset as one undo step and selects it there, several texts a line each. False,
     /// and nothing happens, where the offset lies in or right beside a selected text.
@@ -109,7 +112,8 @@ private:
     void foreignEditDone(const TextEdit& edit);
     /// Changes the text as an edit of this editor's.
     void replace(const ChangeBatch& batch);
-    enum class Afterwards { caretBehindEach, insertedIsSelected };
+    enum class Afterwards { caretBehindEach, insertedIsSelected, caretsStayWithText };
+    SelectionSet selectionsAfter(const std::vector<Change>& changes, Afterwards afterwards) const;
     void commit(const std::vector<Change>& changes, EditKind kind, Afterwards afterwards);
     void replay(const std::vector<ChangeBatch>& batches, const SelectionSet& selections);
     void assignSelections(SelectionSet selections);

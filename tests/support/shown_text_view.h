@@ -9,40 +9,49 @@
 #include <QMimeData>
 #include <QtTest>
 
+#include <utility>
+
 namespace kelm::test {
 
-/// A view of 400 by 200 with the focus, showing `marked`. One letter is as wide as the next.
-class ShownTextView : public TextView
+/// A text view of some kind, 400 by 200 and with the focus, showing `marked`. One letter is as wide as the next.
+/// Further arguments are the kind's own.
+template <typename View>
+class Shown : public View
 {
 public:
-    explicit ShownTextView(const QString& marked = {}, QSize size = {400, 200})
+    template <typename... Arguments>
+    explicit Shown(const QString& marked = {}, QSize size = {400, 200}, Arguments&&... arguments)
+        : View(std::forward<Arguments>(arguments)...)
     {
         QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
         font.setPixelSize(14);
-        setTextFont(font);
-        resize(size);
+        this->setTextFont(font);
+        this->resize(size);
         set(marked);
-        show();
-        activateWindow();
-        setFocus();
+        this->show();
+        this->activateWindow();
+        this->setFocus();
         isShown_ = QTest::qWaitForWindowActive(this);
     }
 
-    bool isShown() const { return isShown_ && hasFocus(); }
+    bool isShown() const { return isShown_ && this->hasFocus(); }
 
     void set(const QString& marked)
     {
         const MarkedText parsed = parseMarked(marked);
-        storage().setText(parsed.text);
+        this->storage().setText(parsed.text);
         if (!parsed.selections.empty()) {
-            editor().setSelections(SelectionSet(parsed.selections));
+            this->editor().setSelections(SelectionSet(parsed.selections));
         }
     }
 
-    QString marked() const { return describeMarked(text(), editor().selections()); }
+    QString marked() const { return describeMarked(this->text(), this->editor().selections()); }
 
     /// The middle of the left edge of a unit, in the viewport.
-    QPoint pointAt(qsizetype offset, bool atRowEnd = false) { return caretRect({offset, atRowEnd}).center().toPoint(); }
+    QPoint pointAt(qsizetype offset, bool atRowEnd = false)
+    {
+        return this->caretRect({offset, atRowEnd}).center().toPoint();
+    }
 
     /// A point within the letter at an offset, nearer to its left edge.
     QPoint inLetter(qsizetype offset) { return pointAt(offset) + QPoint(2, 0); }
@@ -65,19 +74,21 @@ public:
     {
         QDragEnterEvent enter(point, action, &dragged, Qt::LeftButton, {});
         enter.ignore();
-        QCoreApplication::sendEvent(viewport(), &enter);
+        QCoreApplication::sendEvent(this->viewport(), &enter);
         if (!enter.isAccepted()) {
             return false;
         }
         QDragMoveEvent move(point, action, &dragged, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(viewport(), &move);
+        QCoreApplication::sendEvent(this->viewport(), &move);
         QDropEvent drop(QPointF(point), action, &dragged, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(viewport(), &drop);
+        QCoreApplication::sendEvent(this->viewport(), &drop);
         return drop.isAccepted();
     }
 
 private:
     bool isShown_ = false;
 };
+
+using ShownTextView = Shown<TextView>;
 
 } // namespace kelm::test

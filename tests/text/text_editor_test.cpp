@@ -55,6 +55,8 @@ private Q_SLOTS:
     void foreignEditsOnUndoneTextForgetOnlyWhatTheyTouch();
     void settingTheTextForgetsTheHistory();
     void theCallBeforeAnEditMayChangeTheText();
+    void textIsPutInThePlaceOfARange_data();
+    void textIsPutInThePlaceOfARange();
     void rowMovementKeepsItsColumn();
     void selectedTextIsMoved_data();
     void selectedTextIsMoved();
@@ -321,6 +323,39 @@ void TextEditorTest::theCallBeforeAnEditMayChangeTheText()
     });
     fixture.editor.insertText(QStringLiteral("!"), EditKind::typing);
     QCOMPARE(describe(fixture.editor), QStringLiteral("arestoredb!|"));
+}
+
+void TextEditorTest::textIsPutInThePlaceOfARange_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<TextRange>("range");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("a caret before it") << QStringLiteral("a|bcd") << TextRange{2, 1} << QStringLiteral("a|bxyd");
+    QTest::newRow("a caret behind it") << QStringLiteral("abcd|") << TextRange{1, 1} << QStringLiteral("axycd|");
+    QTest::newRow("a caret at its end") << QStringLiteral("ab|c") << TextRange{0, 2} << QStringLiteral("xy|c");
+    QTest::newRow("a caret within it") << QStringLiteral("ab|cd") << TextRange{1, 2} << QStringLiteral("axy|d");
+    QTest::newRow("a caret at an insertion") << QStringLiteral("a|b") << TextRange{1, 0} << QStringLiteral("axy|b");
+    QTest::newRow("a selection elsewhere") << QStringLiteral("a[bc]d") << TextRange{0, 1} << QStringLiteral("xy[bc]d");
+    QTest::newRow("several carets") << QStringLiteral("|abc|") << TextRange{1, 1} << QStringLiteral("|axyc|");
+    QTest::newRow("past the end") << QStringLiteral("a|b") << TextRange{1, 9} << QStringLiteral("axy|");
+}
+
+void TextEditorTest::textIsPutInThePlaceOfARange()
+{
+    QFETCH(QString, before);
+    QFETCH(TextRange, range);
+    Fixture fixture(before);
+    const QSignalSpy changed(&fixture.editor, &TextEditor::textChanged);
+    fixture.editor.insertText(QStringLiteral("xy"), range);
+    QTEST(describe(fixture.editor), "after");
+    QCOMPARE(changed.size(), 1);
+    fixture.editor.undo();
+    QCOMPARE(describe(fixture.editor), before);
+    fixture.editor.redo();
+    QTEST(describe(fixture.editor), "after");
+    fixture.editor.setReadOnly(true);
+    fixture.editor.insertText(QStringLiteral("z"), {0, 0});
+    QTEST(describe(fixture.editor), "after");
 }
 
 void TextEditorTest::rowMovementKeepsItsColumn()

@@ -86,6 +86,9 @@ public:
     /// Distance of the text from the view's edges.
     void setTextInset(QSizeF inset);
     QSizeF textInset() const { return inset_; }
+    /// The width, in points, of the box that the text is wrapped in, its padding included; what the insets leave of the
+    /// view where none is given.
+    void setContainerWidth(std::optional<qreal> width);
     void setHighlights(std::vector<TextHighlight> highlights);
     const std::vector<TextHighlight>& highlights() const { return highlights_; }
 
@@ -204,6 +207,7 @@ private:
     TextViewColors colors_;
     std::vector<TextHighlight> highlights_;
     QSizeF inset_{4, 4};
+    std::optional<qreal> containerWidth_;
 
     // What is at the top of the viewport. Lines above may change their rows, and what is on screen stays.
     PagePlace anchor_;

@@ -240,9 +240,16 @@ void TextView::setTextInset(QSizeF inset)
     updateWrapWidth();
 }
 
+void TextView::setContainerWidth(std::optional<qreal> width)
+{
+    containerWidth_ = width;
+    updateWrapWidth();
+}
+
 void TextView::updateWrapWidth()
 {
-    const qreal width = viewport()->width() - 2 * (inset_.width() + sidePadding);
+    const qreal container = containerWidth_.value_or(viewport()->width() - 2 * inset_.width());
+    const qreal width = container - 2 * sidePadding;
     if (width != layout_.width()) {
         keepingTopRow([&] { layout_.setWidth(width); });
     }
