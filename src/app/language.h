@@ -62,6 +62,7 @@ public:
     QString iconName() const;
 
     friend constexpr bool operator==(Language a, Language b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(Language a, Case b) { return a.value_ == b; }
     friend size_t qHash(Language language, size_t seed = 0) noexcept { return ::qHash(int(language.value_), seed); }
 
 private:

@@ -1,6 +1,7 @@
 #include "platform/standard_paths.h"
 #include "platform/user_defaults.h"
 #include "support/roles.h"
+#include "support/unprivileged.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void writesAndRemovalsAreTold();
     void aDamagedFileCountsAsEmptyAndStaysUntilAWrite_data();
     void aDamagedFileCountsAsEmptyAndStaysUntilAWrite();
+    void aFileThatMayNotBeReadStaysAsItIs();
     void aFolderInPlaceOfTheFileDoesNoHarm();
     void twoProgramsLoseNeithersKeys();
     void keysOfAnotherProgramStay();
@@ -224,6 +226,26 @@ void UserDefaultsTest::aDamagedFileCountsAsEmptyAndStaysUntilAWrite()
     }
     QVERIFY(bytesOfFile() != bytes);
     QVERIFY(UserDefaults(path()).string(u"selectedTheme"_s) == u"Dracula"_s);
+}
+
+void UserDefaultsTest::aFileThatMayNotBeReadStaysAsItIs()
+{
+    const QByteArray bytes("[General]\nselectedTheme=Nord\n");
+    writeFile(bytes);
+    QVERIFY(QFile::setPermissions(folder_->path(), QFile::Permissions(0x7777)));
+    QVERIFY(QFile::setPermissions(folder_->filePath(u"sub"_s), QFile::Permissions(0x7777)));
+    QVERIFY(QFile::setPermissions(path(), QFile::Permissions()));
+    {
+        const test::Unprivileged ordinary;
+        UserDefaults defaults(path());
+        QVERIFY(!defaults.string(u"selectedTheme"_s));
+        defaults.setString(u"selectedTheme"_s, u"Dracula"_s);
+        QVERIFY(!defaults.synchronize());
+        // The program goes on with what it was given.
+        QVERIFY(defaults.string(u"selectedTheme"_s) == u"Dracula"_s);
+    }
+    QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner));
+    QCOMPARE(bytesOfFile(), bytes);
 }
 
 void UserDefaultsTest::aFolderInPlaceOfTheFileDoesNoHarm()

@@ -1,8 +1,7 @@
 #include "editor/view/editor_container_view.h"
 
+#include "editor/view/editor_text.h"
 #include "platform/main_queue.h"
-#include "platform/named_colors.h"
-#include "platform/view/style.h"
 #include "text/text_position.h"
 
 #include <QResizeEvent>
@@ -15,15 +14,6 @@ namespace kelm {
 namespace {
 
 constexpr std::chrono::milliseconds highlightDelay{150};
-constexpr int editorFontSize = 14;
-/// How strongly the match that a search stands at is marked.
-constexpr float currentMatchAlpha = 0.4F;
-
-QColor withAlpha(QColor color, float alpha)
-{
-    color.setAlphaF(alpha);
-    return color;
-}
 
 } // namespace
 
@@ -59,15 +49,7 @@ EditorContainerView::~EditorContainerView()
 
 void EditorContainerView::setUpTextView()
 {
-    textView_->setTextFont(style::monospaced(editorFontSize), lineHeight);
-    textView_->setTextInset({4, 4});
-    TextViewColors colors;
-    colors.background = QColor::fromRgbF(0.12F, 0.12F, 0.14F);
-    colors.text = Qt::white;
-    colors.insertionPoint = systemColor(SystemColor::yellow, Appearance::dark);
-    colors.selection = systemColor(SystemColor::blue, Appearance::dark);
-    colors.selection.setAlphaF(0.4F);
-    textView_->setColors(colors);
+    setUpEditorText(*textView_, {4, 4});
     textView_->setDelegate(this);
     textView_->editor().setBeforeEdit([this] { unfoldBeforeEdit(); });
 }
@@ -132,12 +114,7 @@ void EditorContainerView::setText(const QString& text)
 void EditorContainerView::setTheme(const EditorTheme& theme)
 {
     syntaxHighlighter_.theme = theme;
-    TextViewColors colors = textView_->colors();
-    colors.background = theme.backgroundColor.toColor();
-    colors.insertionPoint = theme.cursorColor.toColor();
-    colors.match = theme.selectionColor.toColor();
-    colors.currentMatch = withAlpha(theme.cursorColor.toColor(), currentMatchAlpha);
-    textView_->setColors(colors);
+    takeThemeColors(*textView_, theme);
     lineNumberView_->backgroundColor = theme.gutterColor.toColor();
     lineNumberView_->textColor = theme.lineNumberColor.toColor();
     minimapView_->theme = theme;
@@ -157,7 +134,7 @@ void EditorContainerView::setCurrentLanguage(Language language)
 
 void EditorContainerView::scrollToLine(qsizetype line)
 {
-    const qreal y = static_cast<qreal>(line - 1) * lineHeight - textView_->viewport()->height() / 2.0;
+    const qreal y = static_cast<qreal>(line - 1) * editorLineHeight - textView_->viewport()->height() / 2.0;
     textView_->scrollToY(std::max<qreal>(0, y));
 }
 

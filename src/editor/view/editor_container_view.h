@@ -38,8 +38,6 @@ class EditorContainerView final : public QWidget, public TextViewDelegate
     Q_OBJECT
 
 public:
-    /// The height of a row, in points, that places on the page are reckoned with. It does not come from the font.
-    static constexpr qreal lineHeight = 17;
     static constexpr int gutterWidth = 55;
     static constexpr int minimapWidth = 80;
 

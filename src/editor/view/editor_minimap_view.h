@@ -42,7 +42,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
-    MinimapGeometry geometryNow() const;
+    const TextStorage* shownText() const;
     void selectLineAt(qreal y);
 };
 

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QWidget>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,22 @@
 namespace kelm {
 
 namespace {
+
+/// How far the strip's colour is taken from the text's background.
+constexpr qreal tintFraction = 0.04;
+
+QColor blended(const QColor& color, qreal fraction, const QColor& with)
+{
+    const auto mix = [fraction](float from, float to) { return static_cast<float>(from + (to - from) * fraction); };
+    return QColor::fromRgbF(mix(color.redF(), with.redF()), mix(color.greenF(), with.greenF()),
+                            mix(color.blueF(), with.blueF()), mix(color.alphaF(), with.alphaF()));
+}
+
+QColor withAlpha(QColor color, float alpha)
+{
+    color.setAlphaF(alpha);
+    return color;
+}
 
 /// All four channels of a pixel times `factor` / 255, rounded, two channels at a time.
 QRgb scaled(QRgb pixel, uint factor)
@@ -86,6 +103,45 @@ void paintMinimapBars(QPainter& painter, const std::vector<MinimapBar>& bars, co
         }
     }
     painter.drawImage(QPointF(0, 0), image);
+}
+
+MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage)
+{
+    const qsizetype lines = storage != nullptr ? minimapLineCount(*storage) : 0;
+    return {static_cast<qreal>(map.width()), static_cast<qreal>(map.height()), lines};
+}
+
+void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture)
+{
+    const EditorTheme& theme = picture.theme;
+    const QRectF leftEdge(0, 0, 1, map.height());
+    painter.fillRect(map.rect(),
+                     blended(theme.backgroundColor.toColor(), tintFraction, theme.isDark ? Qt::white : Qt::black));
+    painter.fillRect(leftEdge, withAlpha(theme.lineNumberColor.toColor(), 0.4F));
+    const MinimapGeometry geometry = minimapGeometry(map, picture.storage);
+    if (geometry.isDrawable()) {
+        const QColor box = theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.1F) : QColor::fromRgbF(0, 0, 0, 0.08F);
+        const qreal pixelRatio = map.devicePixelRatioF();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillRect(geometry.viewportBox(picture.visibleRect), box);
+        paintMinimapBars(painter, minimapBars(*picture.storage, geometry, theme, pixelRatio), geometry, pixelRatio);
+        if (picture.cursorLine && *picture.cursorLine >= 1 && *picture.cursorLine <= geometry.lineCount) {
+            const QRectF mark(0, geometry.barY(*picture.cursorLine - 1), geometry.width, geometry.barHeight());
+            painter.fillRect(mark, withAlpha(theme.cursorColor.toColor(), 0.5F));
+        }
+        painter.fillRect(leftEdge, withAlpha(QColor(128, 128, 128), 0.3F));
+    }
+    // The layer's border lies over everything.
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(QPen(QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F), 1));
+    painter.drawRect(QRectF(map.rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+void takeMinimapBackground(QWidget& map, const EditorTheme& theme)
+{
+    QPalette colors = map.palette();
+    colors.setColor(QPalette::Window, theme.backgroundColor.toColor());
+    map.setPalette(colors);
 }
 
 } // namespace kelm

@@ -1,11 +1,15 @@
-// Paints the bars of a minimap.
+// Paints a minimap.
 #pragma once
 
 #include "editor/minimap/minimap_bars.h"
 
+#include <QRectF>
+
+#include <optional>
 #include <vector>
 
 class QPainter;
+class QWidget;
 
 namespace kelm {
 
@@ -13,5 +17,26 @@ namespace kelm {
 /// other, in a fraction of the time. The painter's origin is the map's top left; `pixelRatio` its pixels in a point.
 void paintMinimapBars(QPainter& painter, const std::vector<MinimapBar>& bars, const MinimapGeometry& geometry,
                       qreal pixelRatio);
+
+/// What a map shows.
+struct MinimapPicture
+{
+    /// The text; none is drawn where it is gone.
+    const TextStorage* storage;
+    const EditorTheme& theme;
+    /// The part of the page on screen, in the text's points.
+    QRectF visibleRect;
+    /// The line, from 1, that is marked.
+    std::optional<qsizetype> cursorLine;
+};
+
+/// Where everything stands in a map of the widget's size.
+MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage);
+
+/// Paints the whole map: ground, box over what is on screen, bars, edges.
+void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture);
+
+/// Gives the widget the theme's background.
+void takeMinimapBackground(QWidget& map, const EditorTheme& theme);
 
 } // namespace kelm

@@ -1,8 +1,8 @@
 #include "editor/view/simple_line_number_view.h"
 
+#include "editor/view/numbered_rows.h"
 #include "platform/named_colors.h"
 #include "platform/view/style.h"
-#include "text/text_position.h"
 
 #include <QFontMetricsF>
 #include <QMouseEvent>
@@ -59,7 +59,7 @@ void SimpleLineNumberView::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(style::monospaced(numberFontSize));
     const QFontMetricsF measure(painter.font());
     const qreal rowHeight = textView->textLayout().rowHeight();
-    for (const NumberedRow& row : numberedRows()) {
+    for (const NumberedRow& row : numberedRows(*textView)) {
         const bool isInLesson = lessonRegion && lessonRegion->contains(row.line);
         if (isInLesson) {
             painter.fillRect(QRectF(0, row.top, width(), rowHeight), lessonHighlightColor);
@@ -98,22 +98,6 @@ void SimpleLineNumberView::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
-std::vector<SimpleLineNumberView::NumberedRow> SimpleLineNumberView::numberedRows() const
-{
-    std::vector<NumberedRow> numbered;
-    qsizetype line = 0;
-    for (const TextRow& row : textView->visibleRows()) {
-        if (line == 0) {
-            // The line at the top counts even when its first row is above the screen.
-            line = lineFeedsBefore(textView->storage(), row.range.location) + (row.isFirstOfLine ? 0 : 1);
-        }
-        if (row.isFirstOfLine) {
-            numbered.push_back({++line, row.top});
-        }
-    }
-    return numbered;
-}
-
 const FoldableRegion* SimpleLineNumberView::regionAt(qsizetype line) const
 {
     return codeFoldingManager != nullptr ? codeFoldingManager->firstRegionStartingAt(line) : nullptr;
@@ -124,13 +108,8 @@ std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) con
     if (!textView || point.x() >= foldZoneWidth) {
         return {};
     }
-    const qreal rowHeight = textView->textLayout().rowHeight();
-    for (const NumberedRow& row : numberedRows()) {
-        if (point.y() >= row.top && point.y() < row.top + rowHeight) {
-            return regionAt(row.line) != nullptr ? std::optional(row.line) : std::nullopt;
-        }
-    }
-    return {};
+    const std::optional<qsizetype> line = lineAtRow(*textView, point.y());
+    return line && regionAt(*line) != nullptr ? line : std::nullopt;
 }
 
 void SimpleLineNumberView::takeSystemColors()

@@ -10,7 +10,6 @@
 
 #include <functional>
 #include <optional>
-#include <vector>
 
 namespace kelm {
 
@@ -57,13 +56,6 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    struct NumberedRow
-    {
-        qsizetype line;
-        qreal top;
-    };
-
-    std::vector<NumberedRow> numberedRows() const;
     const FoldableRegion* regionAt(qsizetype line) const;
     /// The foldable line under a point, absent outside the triangles.
     std::optional<qsizetype> foldableLineAt(QPointF point) const;

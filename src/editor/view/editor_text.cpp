@@ -1,0 +1,47 @@
+#include "editor/view/editor_text.h"
+
+#include "editor/themes/editor_theme.h"
+#include "platform/named_colors.h"
+#include "platform/view/style.h"
+#include "text/view/text_view.h"
+
+namespace kelm {
+
+namespace {
+
+constexpr int editorFontSize = 14;
+constexpr float selectionAlpha = 0.4F;
+/// How strongly the match that a search stands at is marked.
+constexpr float currentMatchAlpha = 0.4F;
+
+QColor withAlpha(QColor color, float alpha)
+{
+    color.setAlphaF(alpha);
+    return color;
+}
+
+} // namespace
+
+void setUpEditorText(TextView& view, QSizeF inset)
+{
+    view.setTextFont(style::monospaced(editorFontSize), editorLineHeight);
+    view.setTextInset(inset);
+    TextViewColors colors;
+    colors.background = QColor::fromRgbF(0.12F, 0.12F, 0.14F);
+    colors.text = Qt::white;
+    colors.insertionPoint = systemColor(SystemColor::yellow, Appearance::dark);
+    colors.selection = withAlpha(systemColor(SystemColor::blue, Appearance::dark), selectionAlpha);
+    view.setColors(colors);
+}
+
+void takeThemeColors(TextView& view, const EditorTheme& theme)
+{
+    TextViewColors colors = view.colors();
+    colors.background = theme.backgroundColor.toColor();
+    colors.insertionPoint = theme.cursorColor.toColor();
+    colors.match = theme.selectionColor.toColor();
+    colors.currentMatch = withAlpha(theme.cursorColor.toColor(), currentMatchAlpha);
+    view.setColors(colors);
+}
+
+} // namespace kelm

@@ -1,0 +1,180 @@
+#include "editor/completion/completion_ranking.h"
+#include "editor/completion/completion_tables.h"
+
+#include <QtTest>
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The texts of a list, a snippet's with "()" behind it.
+QStringList textsOf(const QList<CompletionItem>& items)
+{
+    QStringList texts;
+    for (const CompletionItem& item : items) {
+        texts << item.text + (item.type == CompletionType::snippet ? u"()"_s : QString());
+    }
+    return texts;
+}
+
+} // namespace
+
+class CompletionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theTablesAreWhole_data();
+    void theTablesAreWhole();
+    void theSnippetsAreTheSame();
+    void suggestions_data();
+    void suggestions();
+    void atMostFifteenAreOffered();
+    void itemsTellWhatTheyAre();
+    void scores_data();
+    void scores();
+    void snippetsExpandToTheirDefaults_data();
+    void snippetsExpandToTheirDefaults();
+    void everyBadgeIsItsOwn();
+};
+
+void CompletionTest::theTablesAreWhole_data()
+{
+    QTest::addColumn<Language>("language");
+    QTest::addColumn<qsizetype>("count");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("last");
+    QTest::newRow("swift") << Language(Language::swift) << qsizetype(48) << u"import"_s << u"@Environment"_s;
+    QTest::newRow("python") << Language(Language::python) << qsizetype(44) << u"import"_s << u"tuple"_s;
+    QTest::newRow("javascript") << Language(Language::javascript) << qsizetype(41) << u"import"_s << u"Promise"_s;
+    QTest::newRow("go") << Language(Language::go) << qsizetype(32) << u"package"_s << u"fmt.Printf"_s;
+    QTest::newRow("rust") << Language(Language::rust) << qsizetype(40) << u"use"_s << u"panic!"_s;
+}
+
+void CompletionTest::theTablesAreWhole()
+{
+    QFETCH(Language, language);
+    QFETCH(qsizetype, count);
+    const auto keywords = completionKeywords(language);
+    QCOMPARE(qsizetype(keywords.size()), count);
+    QTEST(QString(keywords.front()), "first");
+    QTEST(QString(keywords.back()), "last");
+    for (const Language other : Language::allCases()) {
+        const bool hasList = other == Language::swift || other == Language::python || other == Language::javascript ||
+                             other == Language::go || other == Language::rust;
+        QCOMPARE(!completionKeywords(other).empty(), hasList);
+    }
+}
+
+void CompletionTest::theSnippetsAreTheSame()
+{
+    QStringList triggers;
+    for (const Snippet& snippet : completionSnippets()) {
+        triggers << QString(snippet.trigger);
+    }
+    QCOMPARE(triggers.join(u' '),
+             u"func if guard for while switch class struct enum init closure try print mark todo fixme"_s);
+}
+
+void CompletionTest::suggestions_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<Language>("language");
+    QTest::addColumn<QString>("offered");
+    QTest::newRow("a keyword goes before the snippet of its name")
+        << u"fo"_s << Language(Language::python) << u"for for()"_s;
+    QTest::newRow("no keywords for TypeScript") << u"fo"_s << Language(Language::typescript) << u"for()"_s;
+    QTest::newRow("the at sign is part of a word") << u"@St"_s << Language(Language::swift) << u"@State @StateObject"_s;
+    QTest::newRow("an equal word is offered") << u"guard"_s << Language(Language::swift) << u"guard guard()"_s;
+    QTest::newRow("the case as typed goes first") << u"Se"_s << Language(Language::rust) << u"Self self"_s;
+    QTest::newRow("the shorter the better") << u"im"_s << Language(Language::rust) << u"impl"_s;
+    QTest::newRow("nothing") << u"zz"_s << Language(Language::swift) << QString();
+    QTest::newRow("another script") << u"가"_s << Language(Language::swift) << QString();
+}
+
+void CompletionTest::suggestions()
+{
+    QFETCH(QString, word);
+    QFETCH(Language, language);
+    QFETCH(QString, offered);
+    QCOMPARE(textsOf(getSuggestions(word, language)).join(u' '), offered);
+}
+
+void CompletionTest::atMostFifteenAreOffered()
+{
+    // An empty word fits everything: 48 keywords and 16 snippets.
+    QCOMPARE(getSuggestions(QString(), Language::swift).size(), 15);
+    QCOMPARE(getSuggestions(QString(), Language::plainText).size(), 15);
+    // Each list that is not cut is offered whole.
+    const QList<CompletionItem> all = getSuggestions(u"f"_s, Language::javascript);
+    QCOMPARE(all.size(), 9);
+}
+
+void CompletionTest::itemsTellWhatTheyAre()
+{
+    const QList<CompletionItem> items = getSuggestions(u"fo"_s, Language::python);
+    QCOMPARE(items[0].detail, u"Keyword"_s);
+    QVERIFY(!items[0].insertText);
+    QCOMPARE(items[1].detail, u"Snippet"_s);
+    QCOMPARE(items[1].insertText, u"for ${1:item} in ${2:collection} {\n    ${0}\n}"_s);
+    QVERIFY(!items[0].id.isNull());
+    QVERIFY(items[0].id != items[1].id);
+    QVERIFY(getSuggestions(u"fo"_s, Language::python)[0].id != items[0].id);
+}
+
+void CompletionTest::scores_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<int>("score");
+    QTest::newRow("same case") << u"for"_s << u"fo"_s << 119;
+    QTest::newRow("another case") << u"For"_s << u"fo"_s << 69;
+    QTest::newRow("equal") << u"for"_s << u"for"_s << 120;
+    QTest::newRow("no prefix") << u"while"_s << u"fo"_s << 17;
+    QTest::newRow("far longer") << QString(40, u'a') << u"a"_s << 100;
+    QTest::newRow("far longer and no prefix") << QString(40, u'a') << u"b"_s << 0;
+    QTest::newRow("shorter than the prefix") << u"a"_s << u"ab"_s << 19;
+    QTest::newRow("characters are counted, not units") << u"e\u0301a"_s << u"e\u0301"_s << 119;
+}
+
+void CompletionTest::scores()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, prefix);
+    QTEST(relevanceScore(text, prefix), "score");
+}
+
+void CompletionTest::snippetsExpandToTheirDefaults_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<QString>("expanded");
+    QTest::newRow("no placeholder") << u"break"_s << u"break"_s;
+    QTest::newRow("the caret's place") << u"print(\"${0}\")"_s << u"print(\"\")"_s;
+    QTest::newRow("defaults") << u"for ${1:item} in ${2:collection} {\n    ${0}\n}"_s
+                              << u"for item in collection {\n    \n}"_s;
+    QTest::newRow("a default at the caret's place") << u"${0:return}"_s << u"return"_s;
+    QTest::newRow("an empty default") << u"a${12:}b"_s << u"ab"_s;
+    QTest::newRow("no number") << u"${name}"_s << u"${name}"_s;
+}
+
+void CompletionTest::snippetsExpandToTheirDefaults()
+{
+    QFETCH(QString, body);
+    QTEST(expandedSnippet(body), "expanded");
+}
+
+void CompletionTest::everyBadgeIsItsOwn()
+{
+    using Type = CompletionType;
+    QCOMPARE(badgeOf(Type::keyword), (CompletionBadge{u"k"_s, SystemColor::purple}));
+    QCOMPARE(badgeOf(Type::function), (CompletionBadge{u"f"_s, SystemColor::blue}));
+    QCOMPARE(badgeOf(Type::variable), (CompletionBadge{u"v"_s, SystemColor::orange}));
+    QCOMPARE(badgeOf(Type::type), (CompletionBadge{u"T"_s, SystemColor::cyan}));
+    QCOMPARE(badgeOf(Type::snippet), (CompletionBadge{u"S"_s, SystemColor::green}));
+    QCOMPARE(badgeOf(Type::property), (CompletionBadge{u"p"_s, SystemColor::yellow}));
+    QCOMPARE(badgeOf(Type::method), (CompletionBadge{u"m"_s, SystemColor::blue}));
+}
+
+QTEST_GUILESS_MAIN(CompletionTest)
+#include "completion_test.moc"
