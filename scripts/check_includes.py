@@ -114,7 +114,7 @@ def main():
             continue
         source = path.relative_to(ROOT).as_posix()
         targets = INCLUDE.findall(path.read_text(encoding="utf-8"))
-        targets = [target for target in targets if not target.endswith(".moc")]
+        targets = [target for target in targets if not target.endswith(".moc") and not target.startswith("moc_")]
         graph[source] = targets
         for target in targets:
             if not (ROOT / target).exists():

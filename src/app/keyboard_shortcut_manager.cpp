@@ -63,3 +63,5 @@ void KeyboardShortcutManager::setCustomShortcuts(const ShortcutTable& customShor
 }
 
 } // namespace kelm
+
+#include "moc_keyboard_shortcut_manager.cpp"

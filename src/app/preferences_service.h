@@ -15,7 +15,8 @@ class PreferencesService : public QObject
     Q_OBJECT
 
 public:
-    PreferencesService() = default;
+    PreferencesService();
+    ~PreferencesService() override;
 
 Q_SIGNALS:
     void fontSizeChanged();

@@ -54,3 +54,5 @@ void TerminalManager::setActiveSession(TerminalSession* session)
 }
 
 } // namespace kelm
+
+#include "moc_terminal_manager.cpp"
