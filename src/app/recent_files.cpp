@@ -27,7 +27,7 @@ std::optional<QList<QUrl>> decodeUrls(const QByteArray& data)
     }
     QList<QUrl> urls;
     const QJsonArray array = document->array();
-    for (const QJsonValue& value : array) {
+    for (const auto& value : array) {
         const QUrl url(value.toString(), QUrl::StrictMode);
         if (!value.isString() || url.isEmpty() || !url.isValid()) {
             return std::nullopt;

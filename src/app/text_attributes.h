@@ -48,6 +48,7 @@ public:
     QString label() const;
 
     friend constexpr bool operator==(LineEnding a, LineEnding b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(LineEnding a, Case b) { return a.value_ == b; }
 
 private:
     Case value_ = lf;
@@ -92,6 +93,7 @@ public:
     TextEncoding platformEncoding() const;
 
     friend constexpr bool operator==(FileEncoding a, FileEncoding b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(FileEncoding a, Case b) { return a.value_ == b; }
 
 private:
     Case value_ = utf8;

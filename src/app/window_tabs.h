@@ -27,6 +27,7 @@ public:
     QString iconName() const;
 
     friend constexpr bool operator==(BottomPanelTab a, BottomPanelTab b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(BottomPanelTab a, Case b) { return a.value_ == b; }
 
 private:
     Case value_ = terminal;
@@ -54,6 +55,7 @@ public:
     QString helpLabel() const;
 
     friend constexpr bool operator==(SidebarTab a, SidebarTab b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(SidebarTab a, Case b) { return a.value_ == b; }
 
 private:
     Case value_ = files;

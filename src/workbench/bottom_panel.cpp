@@ -66,6 +66,12 @@ BottomPanel::BottomPanel(AppState& appState, ThemeManager& themeManager, Pages p
                 appState_.setBottomPanelTab(tab);
             }
         });
+        // A click leaves the keyboard where it is; in the terminal one goes on to type.
+        connect(button, &PlainButton::clicked, this, [this, button] {
+            if (!button->hasFocus()) {
+                focusTerminal();
+            }
+        });
         buttons_.at(tab) = button;
         row->addWidget(button);
     }
@@ -94,6 +100,13 @@ QSize BottomPanel::sizeHint() const
 QWidget* BottomPanel::content() const
 {
     return contents_.at(appState_.bottomPanelTab());
+}
+
+void BottomPanel::focusTerminal()
+{
+    if (isVisible() && appState_.bottomPanelTab() == BottomPanelTab::terminal) {
+        content()->setFocus();
+    }
 }
 
 void BottomPanel::takeTab()

@@ -36,6 +36,8 @@ public:
     PlainButton& tabButton(BottomPanelTab tab) { return *buttons_.at(tab); }
     PlainButton& closeButton() { return *closeButton_; }
     QWidget* content() const;
+    /// Gives the terminal the keyboard while it is what the panel shows; nothing otherwise.
+    void focusTerminal();
 
     QSize sizeHint() const override;
 

@@ -1,6 +1,7 @@
 #include "workbench/main_window.h"
 
 #include "learning/view/learning_mode_side_panel.h"
+#include "platform/main_queue.h"
 #include "platform/view/divider.h"
 #include "settings/view/settings_view.h"
 #include "workbench/editor_area.h"
@@ -53,7 +54,6 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
       userDefaults_(services.userDefaults)
 {
     setWindowTitle(QStringLiteral("KelmWright"));
-    setMinimumSize(smallestSize);
     resize(firstSize);
     setAcceptDrops(true);
     setMenuBar(makeMenuBar(
@@ -73,6 +73,7 @@ void MainWindow::openSettings()
 {
     if (!settings_) {
         settings_ = std::make_unique<SettingsView>(userDefaults_, themeManager_);
+        settings_->move(frameGeometry().center() - settings_->rect().center());
     }
     settings_->show();
     settings_->raise();
@@ -82,6 +83,7 @@ void MainWindow::openSettings()
 void MainWindow::buildStack()
 {
     auto* stack = new QWidget(this);
+    // A menu bar that stands in the window comes on top of it.
     stack->setMinimumSize(smallestSize);
     toolbar_ = new ToolbarView(
         appState_, themeManager_, [this] { openSettings(); }, stack);
@@ -156,7 +158,10 @@ void MainWindow::takeBottomPanel()
     }
     const bool hadKeyboard = bottomPanel_->isAncestorOf(focusWidget());
     bottomPanel_->setVisible(appState_.showBottomPanel());
-    if (!appState_.showBottomPanel() && hadKeyboard) {
+    if (appState_.showBottomPanel()) {
+        // Who shows the panel for a run's output selects that page only afterwards.
+        onMainQueue(this, [this] { bottomPanel_->focusTerminal(); });
+    } else if (hadKeyboard) {
         editorArea_->focusCurrentEditor();
     }
 }

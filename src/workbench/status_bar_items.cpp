@@ -17,8 +17,8 @@ constexpr int spacing = 4;
 
 } // namespace
 
-StatusBarItem::StatusBarItem(const QString& icon, const QString& text, bool highlight, QWidget* parent)
-    : QWidget(parent), icon_(icon), text_(text), highlight_(highlight)
+StatusBarItem::StatusBarItem(QString icon, const QString& text, bool highlight, QWidget* parent)
+    : QWidget(parent), icon_(std::move(icon)), text_(text), highlight_(highlight)
 {
     setAttribute(Qt::WA_Hover);
     setAccessibleRole(*this, QAccessible::StaticText);

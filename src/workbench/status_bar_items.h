@@ -14,7 +14,7 @@ class StatusBarItem final : public QWidget
 
 public:
     /// `highlight` gives the text the accent colour.
-    StatusBarItem(const QString& icon, const QString& text, bool highlight, QWidget* parent = nullptr);
+    StatusBarItem(QString icon, const QString& text, bool highlight, QWidget* parent = nullptr);
 
     const QString& text() const { return text_; }
     void setText(const QString& text);

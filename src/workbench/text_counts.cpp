@@ -10,8 +10,8 @@ namespace kelm {
 namespace {
 
 /// A text up to this length is counted with each change: a fraction of a millisecond.
-constexpr qsizetype ordinaryLength = 256 * 1024;
-constexpr qsizetype sliceLength = 2 * 1024 * 1024;
+constexpr qsizetype ordinaryLength = qsizetype(256) * 1024;
+constexpr qsizetype sliceLength = qsizetype(2) * 1024 * 1024;
 constexpr int restMilliseconds = 150;
 
 qsizetype newlinesIn(QStringView text)

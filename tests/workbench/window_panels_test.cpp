@@ -50,6 +50,9 @@ private Q_SLOTS:
     void theBottomPanelKeepsItsTabOverClosing();
     void theBottomPanelKeepsItsHeights();
     void bottomTabsSelect();
+    void anOpenedTerminalHasTheKeyboard();
+    void anotherPageLeavesTheKeyboardInTheText();
+    void theSettingsOpenOverTheWindow();
     void theWindowDoesNotShrinkBelowItsFloor();
     void panelsFitAtTheSmallestAndTheLargestSize_data();
     void panelsFitAtTheSmallestAndTheLargestSize();
@@ -167,11 +170,67 @@ void WindowPanelsTest::bottomTabsSelect()
     }
 }
 
+void WindowPanelsTest::anOpenedTerminalHasTheKeyboard()
+{
+    Fixture fixture;
+    fixture.state.createNewTab();
+    fixture.turnQueue();
+    fixture.text().setFocus();
+    fixture.state.setShowBottomPanel(true);
+    fixture.turnQueue();
+    BottomPanel& panel = *fixture.window.bottomPanel();
+    QVERIFY(panel.content()->isAncestorOf(fixture.window.focusWidget()));
+    fixture.state.setShowBottomPanel(false);
+    QVERIFY(fixture.text().hasFocus());
+    // So it has after a click on its tab.
+    fixture.state.setBottomPanelTab(BottomPanelTab::problems);
+    fixture.state.setShowBottomPanel(true);
+    fixture.turnQueue();
+    QVERIFY(fixture.text().hasFocus());
+    QTest::mouseClick(&panel.tabButton(BottomPanelTab::terminal), Qt::LeftButton);
+    QVERIFY(panel.content()->isAncestorOf(fixture.window.focusWidget()));
+    // Who goes through the tabs by keyboard stays there.
+    panel.tabButton(BottomPanelTab::terminal).setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&panel.tabButton(BottomPanelTab::terminal), Qt::Key_Space);
+    QVERIFY(panel.tabButton(BottomPanelTab::terminal).hasFocus());
+}
+
+void WindowPanelsTest::anotherPageLeavesTheKeyboardInTheText()
+{
+    Fixture fixture;
+    fixture.state.createNewTab();
+    fixture.turnQueue();
+    fixture.text().setFocus();
+    QVERIFY(fixture.state.bottomPanelTab() == BottomPanelTab::terminal);
+    // As running a file does it: the panel first, and then the page.
+    fixture.state.setShowBottomPanel(true);
+    fixture.state.setBottomPanelTab(BottomPanelTab::output);
+    fixture.turnQueue();
+    QVERIFY(fixture.text().hasFocus());
+}
+
+void WindowPanelsTest::theSettingsOpenOverTheWindow()
+{
+    Fixture fixture;
+    fixture.window.openSettings();
+    const auto windows = QApplication::topLevelWidgets();
+    const auto settings = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return window->windowTitle() == u"Settings" && window->isVisible();
+    });
+    QVERIFY(settings != windows.end());
+    const QPoint apart = (*settings)->geometry().center() - fixture.window.frameGeometry().center();
+    // Give or take what a frame adds.
+    QVERIFY(std::abs(apart.x()) < 10 && std::abs(apart.y()) < 40);
+}
+
 void WindowPanelsTest::theWindowDoesNotShrinkBelowItsFloor()
 {
     Fixture fixture;
     fixture.window.resize(100, 100);
     QVERIFY(fixture.window.width() >= 900 && fixture.window.height() >= 600);
+    QCOMPARE(fixture.window.centralWidget()->size(), QSize(900, 600));
+    const QWidget& statusBar = fixture.window.statusBarView();
+    QVERIFY(fixture.window.rect().contains(QRect(statusBar.mapTo(&fixture.window, QPoint()), statusBar.size())));
 }
 
 void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize_data()
@@ -190,7 +249,8 @@ void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize()
     fixture.state.setShowBottomPanel(true);
     fixture.window.resize(size);
     fixture.settle();
-    QVERIFY(fixture.window.height() <= size.height() + 1);
+    QVERIFY(fixture.window.height() <= std::max(size.height(), fixture.window.minimumSizeHint().height()));
+    QVERIFY(fixture.window.rect().contains(fixture.window.centralWidget()->geometry()));
     // No control of toolbar and status bar is cut or lies on its neighbour.
     for (const QWidget* bar :
          {static_cast<QWidget*>(&fixture.window.toolbar()), static_cast<QWidget*>(&fixture.window.statusBarView())}) {
