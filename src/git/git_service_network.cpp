@@ -75,7 +75,7 @@ GitOpResult GitService::initRepo(const QUrl& at, const QString& defaultBranch)
                 u"Cannot make the folder \"%1\": %2"_s.arg(folder, QString::fromLocal8Bit(error.message().c_str())));
         }
     }
-    const GitOpResult result = runProcess(makeProcess({u"init"_s, u"-b"_s, defaultBranch}, folder));
+    GitOpResult result = runProcess(makeProcess({u"init"_s, u"-b"_s, defaultBranch}, folder));
     if (result.isSuccess()) {
         open(at);
     }

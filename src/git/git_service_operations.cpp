@@ -63,32 +63,32 @@ GitOpResult GitService::createBranch(const QString& name, bool checkout)
         return GitOpResult::failure(u"branch name is empty"_s);
     }
     if (checkout) {
-        const GitOpResult result = runOp({u"checkout"_s, u"-b"_s, name});
+        GitOpResult result = runOp({u"checkout"_s, u"-b"_s, name});
         refreshAll();
         return result;
     }
-    const GitOpResult result = runOp({u"branch"_s, name});
+    GitOpResult result = runOp({u"branch"_s, name});
     refreshBranches();
     return result;
 }
 
 GitOpResult GitService::checkoutBranch(const QString& name)
 {
-    const GitOpResult result = runOp({u"checkout"_s, name});
+    GitOpResult result = runOp({u"checkout"_s, name});
     refreshAll();
     return result;
 }
 
 GitOpResult GitService::deleteBranch(const QString& name, bool force)
 {
-    const GitOpResult result = runOp({u"branch"_s, force ? u"-D"_s : u"-d"_s, name});
+    GitOpResult result = runOp({u"branch"_s, force ? u"-D"_s : u"-d"_s, name});
     refreshBranches();
     return result;
 }
 
 GitOpResult GitService::renameBranch(const QString& from, const QString& to)
 {
-    const GitOpResult result = runOp({u"branch"_s, u"-m"_s, from, to});
+    GitOpResult result = runOp({u"branch"_s, u"-m"_s, from, to});
     // It may be the current branch that has a new name.
     refreshBranch();
     refreshBranches();
@@ -97,28 +97,28 @@ GitOpResult GitService::renameBranch(const QString& from, const QString& to)
 
 GitOpResult GitService::mergeBranch(const QString& name)
 {
-    const GitOpResult result = runOp({u"merge"_s, u"--no-edit"_s, name});
+    GitOpResult result = runOp({u"merge"_s, u"--no-edit"_s, name});
     refreshAll();
     return result;
 }
 
 GitOpResult GitService::addRemote(const QString& name, const QString& url)
 {
-    const GitOpResult result = runOp({u"remote"_s, u"add"_s, name, url});
+    GitOpResult result = runOp({u"remote"_s, u"add"_s, name, url});
     refreshRemotes();
     return result;
 }
 
 GitOpResult GitService::removeRemote(const QString& name)
 {
-    const GitOpResult result = runOp({u"remote"_s, u"remove"_s, name});
+    GitOpResult result = runOp({u"remote"_s, u"remove"_s, name});
     refreshRemotes();
     return result;
 }
 
 GitOpResult GitService::setRemoteURL(const QString& name, const QString& url)
 {
-    const GitOpResult result = runOp({u"remote"_s, u"set-url"_s, name, url});
+    GitOpResult result = runOp({u"remote"_s, u"set-url"_s, name, url});
     refreshRemotes();
     return result;
 }
@@ -132,28 +132,28 @@ GitOpResult GitService::stashPush(const std::optional<QString>& message, bool in
     if (isGiven(message)) {
         args.append({u"-m"_s, *message});
     }
-    const GitOpResult result = runOp(args);
+    GitOpResult result = runOp(args);
     refreshAll();
     return result;
 }
 
 GitOpResult GitService::stashPop(const QString& stash)
 {
-    const GitOpResult result = runOp({u"stash"_s, u"pop"_s, stash});
+    GitOpResult result = runOp({u"stash"_s, u"pop"_s, stash});
     refreshAll();
     return result;
 }
 
 GitOpResult GitService::stashApply(const QString& stash)
 {
-    const GitOpResult result = runOp({u"stash"_s, u"apply"_s, stash});
+    GitOpResult result = runOp({u"stash"_s, u"apply"_s, stash});
     refreshStatus();
     return result;
 }
 
 GitOpResult GitService::stashDrop(const QString& stash)
 {
-    const GitOpResult result = runOp({u"stash"_s, u"drop"_s, stash});
+    GitOpResult result = runOp({u"stash"_s, u"drop"_s, stash});
     refreshStashes();
     return result;
 }
@@ -171,7 +171,7 @@ GitOpResult GitService::createTag(const QString& name, const std::optional<QStri
 
 GitOpResult GitService::deleteTag(const QString& name)
 {
-    const GitOpResult result = runOp({u"tag"_s, u"-d"_s, name});
+    GitOpResult result = runOp({u"tag"_s, u"-d"_s, name});
     refreshTags();
     return result;
 }
@@ -188,7 +188,7 @@ void GitService::markResolved(const QStringList& paths)
 
 GitOpResult GitService::abortMerge()
 {
-    const GitOpResult result = runOp({u"merge"_s, u"--abort"_s});
+    GitOpResult result = runOp({u"merge"_s, u"--abort"_s});
     refreshAll();
     return result;
 }

@@ -20,7 +20,7 @@ constexpr QStringView noRepository = u"no repo open";
 QString GitService::findGit(const PathTest& isExecutable)
 {
     for (const char* place : places) {
-        const QString path = QLatin1String(place);
+        QString path = QLatin1String(place);
         if (isExecutable ? isExecutable(path) : QFileInfo(path).isExecutable()) {
             return path;
         }

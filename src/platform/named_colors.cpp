@@ -48,7 +48,7 @@ QColor systemColor(SystemColor color, Appearance appearance)
         return {};
     }
     const Shade& shade = appearance == Appearance::dark ? row->dark : row->light;
-    return QColor(shade.red, shade.green, shade.blue, int(std::lround(shade.alpha * 255)));
+    return {shade.red, shade.green, shade.blue, int(std::lround(shade.alpha * 255))};
 }
 
 } // namespace kelm

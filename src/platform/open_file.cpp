@@ -74,12 +74,12 @@ OpenFile OpenFile::openForReading(const QByteArray& nativePath)
     OpenFile file(::open(nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
-        return OpenFile();
+        return {};
     }
     if (!S_ISREG(status.st_mode)) {
         file.close();
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-        return OpenFile();
+        return {};
     }
     return file;
 }

@@ -39,7 +39,7 @@ void reapLater(pid_t pid);
 int writeOnce(const FileDescriptor& pipe, QByteArrayView bytes, qsizetype& written);
 
 /// As much as a pipe usually holds.
-inline constexpr qsizetype chunkSize = 64 * 1024;
+inline constexpr qsizetype chunkSize = qsizetype(64) * 1024;
 
 /// Reads once, at most `limit` bytes, into the end of `bytes`. False when the pipe has come to its end or fails.
 bool readOnce(const FileDescriptor& pipe, QByteArray& bytes, qsizetype limit = chunkSize);

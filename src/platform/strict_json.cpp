@@ -42,6 +42,12 @@ std::size_t skipEscape(std::string_view text, std::size_t at)
     return isPair ? at + 12 : std::string_view::npos;
 }
 
+/// Whether a decimal point has a digit on both sides.
+bool isBetweenDigits(std::string_view text, std::size_t point)
+{
+    return point > 0 && isDigit(text[point - 1]) && point + 1 < text.size() && isDigit(text[point + 1]);
+}
+
 /// Whether the places at which the toolkit's parser is lenient are as the grammar wants them, in a text that this
 /// parser takes.
 bool isStrict(std::string_view text)
@@ -57,10 +63,9 @@ bool isStrict(std::string_view text)
                 return false;
             }
             continue;
-        } else if (inString && static_cast<unsigned char>(byte) < 0x20) {
-            return false;
-        } else if (!inString && byte == '.' &&
-                   (at == 0 || !isDigit(text[at - 1]) || at + 1 == text.size() || !isDigit(text[at + 1]))) {
+        }
+        const bool isControl = inString && static_cast<unsigned char>(byte) < 0x20;
+        if (isControl || (!inString && byte == '.' && !isBetweenDigits(text, at))) {
             return false;
         }
         ++at;

@@ -36,7 +36,7 @@ std::unique_ptr<const icu::Collator> makeCollator(const QString& localeName)
 QString currentLocaleName()
 {
     for (const char* name : {"LC_ALL", "LC_COLLATE", "LANG"}) {
-        const QString value = qEnvironmentVariable(name);
+        QString value = qEnvironmentVariable(name);
         if (!value.isEmpty()) {
             return value;
         }

@@ -59,7 +59,7 @@ std::size_t LinePieces::pieceAtRow(qsizetype row) const
 void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change)
 {
     const auto at = static_cast<qsizetype>(first);
-    const auto behind = static_cast<qsizetype>(first + count);
+    const auto behind = static_cast<qsizetype>(first) + static_cast<qsizetype>(count);
     std::vector<qsizetype> added = with.starts;
     for (qsizetype& start : added) {
         start += starts[first];

@@ -131,6 +131,7 @@ private:
         qsizetype line;
         std::size_t piece;
 
+        // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the comparison that is made here for one with 0.
         friend auto operator<=>(const PieceKey&, const PieceKey&) = default;
     };
     using Pieces = std::map<PieceKey, std::unique_ptr<LaidOutPiece>>;

@@ -8,6 +8,8 @@
 
 #include <QString>
 
+#include <utility>
+
 namespace kelm {
 
 /// Colours a whole text by the rules of its language's family. There is no tokeniser and no state between runs: each
@@ -18,7 +20,7 @@ namespace kelm {
 class SyntaxHighlighter
 {
 public:
-    explicit SyntaxHighlighter(const EditorTheme& initialTheme) : theme(initialTheme) {}
+    explicit SyntaxHighlighter(EditorTheme initialTheme) : theme(std::move(initialTheme)) {}
 
     /// What the next run takes its colours from.
     EditorTheme theme;

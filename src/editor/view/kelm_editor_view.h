@@ -16,7 +16,7 @@ namespace kelm {
 class Coordinator final : public QObject, public EditorContainerDelegate
 {
 public:
-    explicit Coordinator(std::shared_ptr<Document> document, QObject* parent = nullptr);
+    explicit Coordinator(std::shared_ptr<Document> shown, QObject* parent = nullptr);
 
     std::shared_ptr<Document> document;
 

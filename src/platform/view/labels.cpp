@@ -135,8 +135,8 @@ void WrappedLabel::takeTint()
     }
 }
 
-SymbolLabel::SymbolLabel(const QString& symbol, int size, const Tint& tint, QWidget* parent)
-    : QWidget(parent), symbol_(symbol), size_(size), tint_(tint)
+SymbolLabel::SymbolLabel(QString symbol, int size, const Tint& tint, QWidget* parent)
+    : QWidget(parent), symbol_(std::move(symbol)), size_(size), tint_(tint)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -157,7 +157,8 @@ void SymbolLabel::setTint(const Tint& tint)
 void SymbolLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    const QRectF box((width() - size_) / 2, (height() - size_) / 2, size_, size_);
+    // On whole pixels, where symbols are crisp.
+    const QRect box((width() - size_) / 2, (height() - size_) / 2, size_, size_);
     icons::paint(painter, symbol_, box, tint_.on(*this));
 }
 

@@ -68,7 +68,7 @@ class SymbolLabel : public QWidget
     Q_OBJECT
 
 public:
-    SymbolLabel(const QString& symbol, int size, const Tint& tint, QWidget* parent = nullptr);
+    SymbolLabel(QString symbol, int size, const Tint& tint, QWidget* parent = nullptr);
 
     void setSymbol(const QString& symbol);
     void setTint(const Tint& tint);
