@@ -5,9 +5,11 @@
 #include "text/text_position.h"
 
 #include <QResizeEvent>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 
 namespace kelm {
 
@@ -33,7 +35,7 @@ EditorContainerView::EditorContainerView(QWidget* parent, Scheduler& scheduler, 
 
     connect(&textView_->storage(), &TextStorage::willEdit, this, [this] {
         // Others edit the text too, as folding does: the document keeps its own then.
-        if (delegate_ != nullptr && textView_->editor().isEditing()) {
+        if (delegate_ != nullptr && textView_->editor().isEditing() && !takesDocumentsText_) {
             delegate_->textWillChange();
         }
     });
@@ -104,11 +106,31 @@ void EditorContainerView::setText(const QString& text)
 {
     const SelectionSet carets = textView_->editor().selections();
     textView_->commitComposition();
-    textView_->storage().setText(text);
+    if (hasText_ && !textView_->isReadOnly()) {
+        replaceText(text);
+    } else {
+        textView_->storage().setText(text);
+    }
+    hasText_ = true;
     textView_->editor().setSelections(carets);
+    highlightDebounce_.cancel();
     highlight();
     detectFoldableRegions();
     minimapView_->update();
+}
+
+void EditorContainerView::replaceText(const QString& text)
+{
+    const QScopedValueRollback taking(takesDocumentsText_, true);
+    unfoldBeforeEdit();
+    const QString& now = textView_->text();
+    const auto [nowDiffers, textDiffers] = std::mismatch(now.begin(), now.end(), text.begin(), text.end());
+    const auto [nowSame, textSame] =
+        std::mismatch(std::reverse_iterator(now.end()), std::reverse_iterator(nowDiffers),
+                      std::reverse_iterator(text.end()), std::reverse_iterator(textDiffers));
+    const qsizetype start = nowDiffers - now.begin();
+    const TextRange replaced{start, nowSame.base() - nowDiffers};
+    textView_->editor().insertText(text.sliced(start, textSame.base() - textDiffers), replaced);
 }
 
 void EditorContainerView::setTheme(const EditorTheme& theme)
@@ -140,7 +162,7 @@ void EditorContainerView::scrollToLine(qsizetype line)
 
 void EditorContainerView::textDidChange()
 {
-    if (delegate_ != nullptr) {
+    if (delegate_ != nullptr && !takesDocumentsText_) {
         delegate_->textDidChange(textView_->text());
     }
     lineNumberView_->update();

@@ -51,7 +51,8 @@ public:
     CodeFoldingManager& codeFoldingManager() { return codeFoldingManager_; }
     void setDelegate(EditorContainerDelegate* delegate) { delegate_ = delegate; }
 
-    /// Shows another text. It has no undo history; carets stay where they stood as far as the text goes.
+    /// Shows another text; carets stay where they stood as far as the text goes. The first text begins the undo
+    /// history. A later one is what a command made of the document's, and an undo step; the delegate is not told of it.
     void setText(const QString& text);
     const QString& text() const { return textView_->text(); }
 
@@ -80,6 +81,7 @@ protected:
 
 private:
     void setUpTextView();
+    void replaceText(const QString& text);
     void setUpSideViews();
     void layOut();
     void debouncedHighlight();
@@ -101,6 +103,8 @@ private:
     bool showLineNumbers_ = true;
     bool showMinimap_ = true;
     Language currentLanguage_ = Language::plainText;
+    bool hasText_ = false;
+    bool takesDocumentsText_ = false;
     Debounce highlightDebounce_;
 };
 

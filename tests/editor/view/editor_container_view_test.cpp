@@ -61,6 +61,7 @@ private Q_SLOTS:
     void typingEditsTheSharedTextInPlace();
     void typingMarksTheDocumentModified();
     void contentChangedElsewhereIsShown();
+    void contentChangedElsewhereIsAnUndoStep();
     void anUpdateWithoutAChangeColoursNothing();
     void theThemeIsTakenWithoutSelectionAndCurrentLineColours();
     void theLanguageSetterRunsTheCycleAndTellsTheMinimap();
@@ -149,6 +150,38 @@ void EditorContainerViewTest::contentChangedElsewhereIsShown()
     fixture.turnQueue();
     QCOMPARE(fixture.view->text(), QStringLiteral("a\nb"));
     QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{2, 0}));
+}
+
+void EditorContainerViewTest::contentChangedElsewhereIsAnUndoStep()
+{
+    Fixture fixture(foldable);
+    TextView& text = fixture.view->textView();
+    QVERIFY(!text.editor().canUndo());
+    fixture.type(QStringLiteral("x"));
+    fixture.view->codeFoldingManager().detectFoldableRegions(Language::swift);
+    fixture.view->codeFoldingManager().fold(fixture.view->codeFoldingManager().foldableRegions().front());
+    const QString before = fixture.document->content();
+    fixture.document->setContent(before.toUpper());
+    fixture.document->setIsModified(false);
+    fixture.turnQueue();
+    QCOMPARE(text.text(), before.toUpper());
+    // The document has its text already: it is not told of it once more.
+    QVERIFY(!fixture.document->isModified());
+    QCOMPARE(fixture.colorAt(0), rgba(fixture.themes.currentTheme().textColor));
+    // It is coloured at once, and not a second time after the pause.
+    fixture.storage().setForeground({0, 1}, qRgb(1, 2, 3));
+    fixture.time.advance(1s);
+    QCOMPARE(fixture.colorAt(0), qRgb(1, 2, 3));
+    text.undo();
+    QCOMPARE(text.text(), before);
+    QCOMPARE(fixture.document->content(), before);
+    QVERIFY(fixture.document->isModified());
+    text.redo();
+    QCOMPARE(fixture.document->content(), before.toUpper());
+    text.undo();
+    text.undo();
+    QCOMPARE(fixture.document->content(), foldable);
+    QVERIFY(!text.editor().canUndo());
 }
 
 void EditorContainerViewTest::anUpdateWithoutAChangeColoursNothing()
