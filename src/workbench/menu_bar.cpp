@@ -130,6 +130,18 @@ void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<v
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
+/// The platform's keys. Redo has the one that the toolbar names, too, and shows it.
+QList<QKeySequence> keysOf(QKeySequence::StandardKey key)
+{
+    QList<QKeySequence> keys = QKeySequence::keyBindings(key);
+    if (key == QKeySequence::Redo) {
+        const QKeySequence named(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+        keys.removeAll(named);
+        keys.prepend(named);
+    }
+    return keys;
+}
+
 void addEditingItems(QMenu& menu)
 {
     for (const StandardItem& item : editingItems) {
@@ -138,7 +150,7 @@ void addEditingItems(QMenu& menu)
             continue;
         }
         QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
-        action->setShortcut(QKeySequence(item.key));
+        action->setShortcuts(keysOf(item.key));
         QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
     menu.addSeparator();

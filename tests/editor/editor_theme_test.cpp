@@ -1,6 +1,7 @@
 #include "editor/themes/editor_theme.h"
 #include "support/theme_files.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QSet>
 #include <QtTest>
@@ -50,6 +51,7 @@ private Q_SLOTS:
     void unknownKeysAreIgnored();
     void textsThatAreNoObjectAreRejected_data();
     void textsThatAreNoObjectAreRejected();
+    void theSampleOfTheDocumentsIsATheme();
 };
 
 void EditorThemeTest::hexadecimalTextGivesItsColor_data()
@@ -314,6 +316,17 @@ void EditorThemeTest::textsThatAreNoObjectAreRejected()
 {
     QFETCH(QByteArray, json);
     QVERIFY(!EditorTheme::decode(json).has_value());
+}
+
+void EditorThemeTest::theSampleOfTheDocumentsIsATheme()
+{
+    QFile sample(QStringLiteral(KELM_SAMPLE_THEME));
+    QVERIFY(sample.open(QIODevice::ReadOnly));
+    const std::optional<EditorTheme> theme = EditorTheme::decode(sample.readAll());
+    QVERIFY(theme.has_value());
+    QCOMPARE(theme->name, u"Harbour Dusk"_s);
+    QVERIFY(theme->isDark);
+    QVERIFY(theme->keywordColor != theme->stringColor);
 }
 
 QTEST_GUILESS_MAIN(EditorThemeTest)

@@ -203,6 +203,11 @@ void TextView::keyPressEvent(QKeyEvent* event)
         event->accept();
         return;
     }
+    if (event->key() == Qt::Key_Escape && !editor_.selections().isSingle()) {
+        event->accept();
+        keepPrimaryCaret();
+        return;
+    }
     if (const auto action = keyActionFor(*event)) {
         event->accept();
         runKeyAction(*action);
@@ -222,6 +227,15 @@ void TextView::keyPressEvent(QKeyEvent* event)
         return;
     }
     QAbstractScrollArea::keyPressEvent(event);
+}
+
+void TextView::keepPrimaryCaret()
+{
+    commitComposition();
+    SelectionSet selections = editor_.selections();
+    selections.keepPrimary();
+    editor_.setSelections(std::move(selections));
+    showCaret();
 }
 
 void TextView::runKeyAction(int action)

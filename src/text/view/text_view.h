@@ -171,6 +171,7 @@ private:
     void textEdited(const TextEdit& edit);
     void selectionChanged();
     void runKeyAction(int action);
+    void keepPrimaryCaret();
 
     qreal scrollY() const;
     void setAnchor(qreal y);

@@ -68,6 +68,7 @@ std::vector<KeyAction> makeActions()
         moving(Key::SelectEndOfDocument, Movement::textEnd, Extend::yes),
         calling(Key::Undo, &TextView::undo),
         calling(Key::Redo, &TextView::redo),
+        own(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, calling(Key::Redo, &TextView::redo)),
         calling(Key::Cut, &TextView::cut),
         calling(Key::Copy, &TextView::copy),
         calling(Key::Paste, &TextView::paste),

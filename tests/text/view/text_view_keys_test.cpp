@@ -64,6 +64,8 @@ private Q_SLOTS:
     void cursorKeysGoByRows();
     void pagesGoByTheRowsOnScreen();
     void keysAddCaretsAboveAndBelow();
+    void escapeKeepsTheLastCaret();
+    void redoHasTheKeyThatTheMenuNames();
     void shiftBackspaceDeletesLikeBackspace();
     void textIsTyped_data();
     void textIsTyped();
@@ -211,6 +213,26 @@ void TextViewKeysTest::keysAddCaretsAboveAndBelow()
     QCOMPARE(view.marked(), QStringLiteral("ax|b\ncx|d\nex|f"));
     press(view, Standard::Undo);
     QCOMPARE(view.marked(), QStringLiteral("a|b\nc|d\ne|f"));
+}
+
+void TextViewKeysTest::escapeKeepsTheLastCaret()
+{
+    ShownTextView view(QStringLiteral("a|b|c"));
+    QTest::keyClick(&view, Qt::Key_Escape);
+    QCOMPARE(view.marked(), QStringLiteral("ab|c"));
+    // With one caret it is left to whoever is around the view.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &escape);
+    QVERIFY(!escape.isAccepted());
+}
+
+void TextViewKeysTest::redoHasTheKeyThatTheMenuNames()
+{
+    ShownTextView view;
+    QTest::keyClicks(&view, QStringLiteral("ab"));
+    view.undo();
+    QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(view.text(), QStringLiteral("ab"));
 }
 
 void TextViewKeysTest::shiftBackspaceDeletesLikeBackspace()
