@@ -7,6 +7,7 @@
 #include "maintenance/auto_update_service.h"
 #include "platform/view/alert_dialogs.h"
 #include "platform/view/file_dialogs.h"
+#include "platform/view/window_frame.h"
 #include "workbench/main_window.h"
 
 #include <QApplication>
@@ -70,6 +71,7 @@ void KelmPaneApp::start(const QStringList& arguments)
     appDelegate_.applicationDidFinishLaunching();
     appDelegate_.open(urlTextsOfArguments(arguments, QDir::currentPath()));
     window_->show();
+    hideTitleBar(*window_);
 }
 
 void KelmPaneApp::openFromOutside(const QStringList& urlTexts)

@@ -1,8 +1,10 @@
 #include <QFileInfo>
+#include <QImage>
 #include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -36,6 +38,11 @@ private Q_SLOTS:
     void theProgramStandsInThePrefix();
     void theDesktopEntryIsValid();
     void theEntryRegistersTheScheme();
+    void theKindsOfFilesAreWellFormed();
+    void theDescriptionIsValid();
+    void theIconIsThereAtEverySize_data();
+    void theIconIsThereAtEverySize();
+    void theManualPageIsThere();
     void theInstalledProgramStarts();
 
 private:
@@ -72,6 +79,64 @@ void InstallTest::theEntryRegistersTheScheme()
     QFile file(entry());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("MimeType=x-scheme-handler/kelmpane;"));
+}
+
+void InstallTest::theKindsOfFilesAreWellFormed()
+{
+    QFile file(prefix_.filePath(u"share/mime/packages/kelmwright.xml"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QXmlStreamReader reader(&file);
+    QStringList types;
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == u"mime-type") {
+            types << reader.attributes().value(u"type"_s).toString();
+        }
+    }
+    QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
+    // What the desktops do not know by themselves has to be told to them.
+    QFile entryFile(entry());
+    QVERIFY(entryFile.open(QIODevice::ReadOnly));
+    const QByteArray bytes = entryFile.readAll();
+    QVERIFY(!types.isEmpty());
+    for (const QString& type : std::as_const(types)) {
+        QVERIFY2(bytes.contains(type.toUtf8() + ';'), qPrintable(type));
+    }
+}
+
+void InstallTest::theDescriptionIsValid()
+{
+    const QString file = prefix_.filePath(u"share/metainfo/com.kelm.KelmWright.metainfo.xml"_s);
+    QVERIFY(QFileInfo(file).isFile());
+    const QString validator = QStandardPaths::findExecutable(u"appstreamcli"_s);
+    if (validator.isEmpty()) {
+        QSKIP("appstreamcli is not installed");
+    }
+    QVERIFY(run(validator, {u"validate"_s, u"--no-net"_s, file}));
+}
+
+void InstallTest::theIconIsThereAtEverySize_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : {16, 22, 24, 32, 48, 64, 128, 256, 512}) {
+        QTest::addRow("%d", size) << size;
+    }
+}
+
+void InstallTest::theIconIsThereAtEverySize()
+{
+    QFETCH(int, size);
+    const QImage icon(prefix_.filePath(u"share/icons/hicolor/%1x%1/apps/kelmwright.png"_s.arg(size)));
+    QCOMPARE(icon.size(), QSize(size, size));
+    // Drawn in the middle and clear in the corners.
+    QCOMPARE(icon.pixelColor(0, 0).alpha(), 0);
+    QCOMPARE(icon.pixelColor(size / 2, size / 4).alpha(), 255);
+}
+
+void InstallTest::theManualPageIsThere()
+{
+    QFile page(prefix_.filePath(u"share/man/man1/kelmwright.1.gz"_s));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    QVERIFY(page.read(2) == QByteArray("\x1f\x8b"));
 }
 
 void InstallTest::theInstalledProgramStarts()
