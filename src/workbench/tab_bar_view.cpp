@@ -162,6 +162,10 @@ bool TabBarView::eventFilter(QObject* watched, QEvent* event)
         bar->setValue(bar->value() - (pixels.x() != 0 ? pixels.x() : pixels.y()));
         return true;
     }
+    if (event->type() == QEvent::Resize) {
+        // In a window that has become narrower the selected tab may lie outside.
+        QTimer::singleShot(0, this, &TabBarView::scrollToSelected);
+    }
     return QWidget::eventFilter(watched, event);
 }
 

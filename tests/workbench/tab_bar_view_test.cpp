@@ -93,6 +93,7 @@ private Q_SLOTS:
     void copyPathAndReveal();
     void theNewTabButtonStandsBehindTheLastTab();
     void manyTabsScrollSidewaysAndTheSelectedOneIsSeen();
+    void aNarrowerWindowStillShowsTheSelectedTab();
     void aWheelScrollsSideways();
     void aLongTitleIsCutInTheMiddle();
     void theKeyboardSelectsAndCloses();
@@ -242,6 +243,24 @@ void TabBarViewTest::manyTabsScrollSidewaysAndTheSelectedOneIsSeen()
     fixture.state.setCurrentDocumentIndex(0);
     QTRY_VERIFY(!fixture.tab(0).visibleRegion().isEmpty());
     QVERIFY(fixture.strip.newTabButton().visibleRegion().isEmpty());
+}
+
+void TabBarViewTest::aNarrowerWindowStillShowsTheSelectedTab()
+{
+    Fixture fixture;
+    fixture.window.resize(1600, 800);
+    for (int number = 0; number < 5; ++number) {
+        fixture.state.openFile(fixture.write(u"a file with a longer name %1.txt"_s.arg(number), "x"));
+    }
+    fixture.turnQueue();
+    const auto* area = fixture.strip.findChild<QScrollArea*>();
+    fixture.window.resize(900, 700);
+    const auto isSeen = [&] {
+        const TabItemView& tab = *fixture.strip.tabs().last();
+        const QRect place(tab.mapTo(area->viewport(), QPoint()), tab.size());
+        return area->viewport()->rect().contains(place);
+    };
+    QTRY_VERIFY(isSeen());
 }
 
 void TabBarViewTest::aWheelScrollsSideways()
