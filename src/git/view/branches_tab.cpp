@@ -7,10 +7,6 @@
 #include "git/view/panel_controls.h"
 #include "git/view/row_list.h"
 #include "platform/character_sets.h"
-#include "platform/view/divider.h"
-
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -32,18 +28,7 @@ BranchesTab::BranchesTab(GitService& git, QWidget* parent)
     connect(createButton, &QAbstractButton::clicked, this, &BranchesTab::create);
     connect(newBranchName_, &QLineEdit::returnPressed, this, &BranchesTab::create);
     list_->setAccessibleName(tr("Branches"));
-
-    auto* form = new QHBoxLayout;
-    form->setContentsMargins(8, 8, 8, 8);
-    form->setSpacing(6);
-    form->addWidget(newBranchName_, 1);
-    form->addWidget(createButton);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(form);
-    column->addWidget(new Divider(Qt::Horizontal, this));
-    column->addWidget(list_, 1);
+    arrange({besideButton(newBranchName_, createButton)}, list_);
     connect(&git_, &GitService::branchesChanged, this, &BranchesTab::refresh);
 }
 

@@ -1,7 +1,12 @@
 // What the tabs of the source control panel have in common.
 #pragma once
 
+#include <QList>
 #include <QWidget>
+
+#include <variant>
+
+class QLayout;
 
 namespace kelm {
 
@@ -21,6 +26,11 @@ protected:
     void showEvent(QShowEvent* event) override;
 
     virtual void takeState() = 0;
+    /// Stands a form of rows above what it makes entries of, with a line between. A row is a widget, or a layout of
+    /// several.
+    void arrange(const QList<std::variant<QWidget*, QLayout*>>& formRows, QWidget* list);
+    /// A field and the button that takes it, side by side.
+    static QLayout* besideButton(QWidget* field, QWidget* button);
     /// Has the state taken when the tab appears next.
     void markStale() { isStale_ = true; }
 

@@ -4,10 +4,6 @@
 #include "git/view/panel_controls.h"
 #include "git/view/remote_row.h"
 #include "git/view/row_list.h"
-#include "platform/view/divider.h"
-
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -46,22 +42,7 @@ RemotesTab::RemotesTab(GitService& git, QWidget* parent)
     list_->setAccessibleName(tr("Remotes"));
     list_->setPlaceholder(tr("No remotes configured"));
     list_->setHasEditors(true);
-
-    auto* row = new QHBoxLayout;
-    row->setSpacing(6);
-    row->addWidget(remoteURL_, 1);
-    row->addWidget(addButton_);
-    auto* form = new QVBoxLayout;
-    form->setContentsMargins(8, 8, 8, 8);
-    form->setSpacing(6);
-    form->addWidget(remoteName_);
-    form->addLayout(row);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(form);
-    column->addWidget(new Divider(Qt::Horizontal, this));
-    column->addWidget(list_, 1);
+    arrange({remoteName_, besideButton(remoteURL_, addButton_)}, list_);
     connect(&git_, &GitService::remotesChanged, this, &RemotesTab::refresh);
 }
 

@@ -5,9 +5,6 @@
 #include "git/view/row_list.h"
 #include "git/view/stash_row.h"
 #include "git/view/wrapping_row.h"
-#include "platform/view/divider.h"
-
-#include <QVBoxLayout>
 
 namespace kelm {
 
@@ -34,17 +31,7 @@ StashesTab::StashesTab(GitService& git, QWidget* parent)
     row->addWidget(includeUntracked_);
     row->alignRestRight();
     row->addWidget(stashButton);
-    auto* form = new QVBoxLayout;
-    form->setContentsMargins(8, 8, 8, 8);
-    form->setSpacing(6);
-    form->addWidget(stashMessage_);
-    form->addLayout(row);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(form);
-    column->addWidget(new Divider(Qt::Horizontal, this));
-    column->addWidget(list_, 1);
+    arrange({stashMessage_, row}, list_);
     connect(&git_, &GitService::stashesChanged, this, &StashesTab::refresh);
 }
 

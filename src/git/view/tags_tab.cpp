@@ -4,10 +4,6 @@
 #include "git/view/panel_controls.h"
 #include "git/view/row_list.h"
 #include "git/view/tag_row.h"
-#include "platform/view/divider.h"
-
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -36,22 +32,7 @@ TagsTab::TagsTab(GitService& git, QWidget* parent)
     }
     list_->setAccessibleName(tr("Tags"));
     list_->setPlaceholder(tr("No tags"));
-
-    auto* row = new QHBoxLayout;
-    row->setSpacing(6);
-    row->addWidget(tagMessage_, 1);
-    row->addWidget(createButton_);
-    auto* form = new QVBoxLayout;
-    form->setContentsMargins(8, 8, 8, 8);
-    form->setSpacing(6);
-    form->addWidget(tagName_);
-    form->addLayout(row);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(form);
-    column->addWidget(new Divider(Qt::Horizontal, this));
-    column->addWidget(list_, 1);
+    arrange({tagName_, besideButton(tagMessage_, createButton_)}, list_);
     connect(&git_, &GitService::tagsChanged, this, &TagsTab::refresh);
 }
 
