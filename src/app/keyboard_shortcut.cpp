@@ -51,7 +51,7 @@ std::optional<KeyboardShortcut> KeyboardShortcut::decoded(const QByteArray& json
         return std::nullopt;
     }
     KeyboardShortcut shortcut{key.toString(), {}};
-    for (const QJsonValue& name : modifiers.toArray()) {
+    for (const auto& name : modifiers.toArray()) {
         const auto modifier = modifierFromRawValue(name.toString());
         if (!modifier) {
             return std::nullopt;

@@ -8,10 +8,16 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
 
+namespace {
+
+/// From the opening of the tab to the run, so that the editor stands by then.
+constexpr std::chrono::milliseconds runDelay(150);
+
+} // namespace
+
 void handleKelmPaneURL(const QString& urlText, AppState& appState, Scheduler& scheduler, Log& log,
                        std::function<void()> activate)
 {
-    constexpr std::chrono::milliseconds runDelay(150);
     const auto decoded = decodeLessonLink(urlText);
     if (const auto* failure = std::get_if<LessonLinkFailure>(&decoded)) {
         log.write(*failure == LessonLinkFailure::invalidUrl ? u"kelmpane:// invalid URL: "_s + urlText
