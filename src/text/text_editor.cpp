@@ -16,6 +16,14 @@ namespace {
 /// are given again.
 constexpr double mostUnitsMoved = 1e8;
 
+/// A range of the text before an edit as it is behind it. A place stays before what was put in at it; a range that
+/// begins in what was replaced does not take the replacement in.
+TextRange carried(TextRange range, const TextEdit& edit)
+{
+    const qsizetype start = edit.moved(range.location, !range.isEmpty());
+    return TextRange::between(start, std::max(start, edit.moved(range.end(), !range.isEmpty())));
+}
+
 } // namespace
 
 TextEditor::TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent)
@@ -43,6 +51,11 @@ void TextEditor::foreignReplacement(TextRange range, QStringView replacement)
     edit.range = range;
     edit.newLength = replacement.size();
     selections_.moveThrough(edit);
+    if (carriedChanges_ != nullptr) {
+        for (Change& change : *carriedChanges_) {
+            change.range = carried(change.range, edit);
+        }
+    }
 }
 
 void TextEditor::foreignEditDone(const TextEdit& edit)
@@ -184,32 +197,35 @@ void TextEditor::erase(Movement movement)
     commit(changes, kind, Afterwards::caretBehindEach);
 }
 
-void TextEditor::apply(const std::vector<Change>& changes, EditKind kind)
+void TextEditor::apply(std::vector<Change> changes, EditKind kind)
 {
-    if (prepareEdit()) {
+    if (prepareEdit(changes)) {
         commit(changes, kind, Afterwards::caretBehindEach);
     }
 }
 
 void TextEditor::insertText(const QString& text, TextRange replacedRange)
 {
-    if (prepareEdit()) {
-        commit({{replacedRange.clampedTo(storage_.length()), text}}, EditKind::other, Afterwards::caretsStayWithText);
+    std::vector<Change> changes{{replacedRange.clampedTo(storage_.length()), text}};
+    if (prepareEdit(changes)) {
+        commit(changes, EditKind::other, Afterwards::caretsStayWithText);
     }
 }
 
-void TextEditor::applyAndSelect(const std::vector<Change>& changes)
+void TextEditor::applyAndSelect(std::vector<Change> changes)
 {
-    if (prepareEdit()) {
+    if (prepareEdit(changes)) {
         commit(changes, EditKind::other, Afterwards::insertedIsSelected);
     }
 }
 
 bool TextEditor::moveSelectedTextTo(qsizetype offset)
 {
-    if (!prepareEdit()) {
+    std::vector<Change> target{{{offset, 0}, {}}};
+    if (!prepareEdit(target)) {
         return false;
     }
+    offset = target.front().range.location;
     std::vector<Change> changes;
     for (const Selection& selection : selections_.all()) {
         const TextRange range = selection.range();
@@ -258,6 +274,12 @@ bool TextEditor::prepareEdit()
         beforeEdit_();
     }
     return true;
+}
+
+bool TextEditor::prepareEdit(std::vector<Change>& changes)
+{
+    const QScopedValueRollback carrying(carriedChanges_, &changes);
+    return prepareEdit();
 }
 
 void TextEditor::replace(const ChangeBatch& batch)

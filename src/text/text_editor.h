@@ -67,6 +67,9 @@ public:
     bool isEditing() const { return isOwnReplacement_; }
     /// Called before each edit by the user, which then acts on the text and the selections as the call left them.
     void setBeforeEdit(std::function<void()> call) { beforeEdit_ = std::move(call); }
+    /// Makes ready for an edit by the user, which may change the text: does what `setBeforeEdit` was given. Each edit
+    /// does so by itself; whoever works an edit out from the text does it before. False when the text is read-only.
+    bool prepareEdit();
 
     void move(Movement movement, Extend extend);
     /// Adds a caret in the row above or below each one.
@@ -80,13 +83,14 @@ public:
     /// Deletes the selected text, or from each caret as far as the movement goes.
     void erase(Movement movement);
     /// Makes changes as one undo step. They are in order and do not overlap; carets stand behind each change
-    /// afterwards.
-    void apply(const std::vector<Change>& changes, EditKind kind);
-    /// Puts `text` in the place of a range as one undo step. Carets and selections stay with their text: one at the
-    /// range's end, or within it, stands behind what was put in.
+    /// afterwards. Their places are those of the text before the call; where making ready for the edit changes it, they
+    /// are carried along.
+    void apply(std::vector<Change> changes, EditKind kind);
+    /// Puts `text` in the place of a range, which is carried along likewise, as one undo step. Carets and selections
+    /// stay with their text: one at the range's end, or within it, stands behind what was put in.
     void insertText(const QString& text, TextRange replacedRange);
     /// As `apply`, and then selects the text that was put in; where it only takes text away no caret stays.
-    void applyAndSelect(const std::vector<Change>& changes);
+    void applyAndSelect(std::vector<Change> changes);
     /// Moves the selected text to an offset as one undo step and selects it there, several texts a line each. False,
     /// and nothing happens, where the offset lies in or right beside a selected text.
     bool moveSelectedTextTo(qsizetype offset);
@@ -107,7 +111,8 @@ Q_SIGNALS:
     void undoAvailabilityChanged();
 
 private:
-    bool prepareEdit();
+    /// As above, with the places of `changes` carried along.
+    bool prepareEdit(std::vector<Change>& changes);
     void foreignReplacement(TextRange range, QStringView replacement);
     void foreignEditDone(const TextEdit& edit);
     /// Changes the text as an edit of this editor's.
@@ -128,6 +133,8 @@ private:
     std::function<void()> beforeEdit_;
     bool isReadOnly_ = false;
     bool isOwnReplacement_ = false;
+    // Changes whose edit is being made ready.
+    std::vector<Change>* carriedChanges_ = nullptr;
     // The selections before others edited; they are carried over each replacement, and told when all are done.
     std::optional<SelectionSet> beforeForeignEdit_;
     bool wasReset_ = false;

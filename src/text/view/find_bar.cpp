@@ -259,9 +259,13 @@ void FindBar::select(std::optional<TextRange> match)
 
 void FindBar::replaceCurrent()
 {
+    // What is folded away opens first: matches in the text on screen are not those in the text that is edited.
+    if (!view_.editor().prepareEdit()) {
+        return;
+    }
     const std::optional<TextRange> match = session_.currentMatch();
     const std::optional<QString> replacement = session_.replacementForCurrent();
-    if (!match || !replacement || view_.isReadOnly()) {
+    if (!match || !replacement) {
         return;
     }
     origin_ = match->location + replacement->size();
@@ -275,7 +279,7 @@ void FindBar::replaceCurrent()
 
 void FindBar::replaceAll()
 {
-    if (view_.isReadOnly()) {
+    if (!view_.editor().prepareEdit()) {
         return;
     }
     const ReplaceAllResult result = session_.replaceAll();

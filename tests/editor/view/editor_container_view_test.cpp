@@ -1,7 +1,14 @@
 #include "editor/view/kelm_editor_view.h"
 #include "support/captured_log.h"
 #include "support/random_text.h"
+#include "text/view/find_bar.h"
 
+#include <QAbstractButton>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -41,6 +48,37 @@ struct Fixture
     QRgb colorAt(qsizetype offset) { return storage().foreground().colorAt(offset).value_or(0); }
     void type(const QString& text) { QTest::keyClicks(&view->textView(), text); }
     void turnQueue() { QCoreApplication::processEvents(); }
+
+    /// Opens the find bar to replace one text by another.
+    void replaceBar(const QString& wanted, const QString& replacement)
+    {
+        view->textView().showReplaceBar();
+        const auto fields = view->textView().findBar().findChildren<QLineEdit*>();
+        for (QLineEdit* field : fields) {
+            field->setText(field->accessibleName() == u"Find" ? wanted : replacement);
+        }
+    }
+    QAbstractButton& button(const char* help)
+    {
+        for (auto* found : view->textView().findBar().findChildren<QAbstractButton*>()) {
+            if (found->accessibleName() == QLatin1String(help)) {
+                return *found;
+            }
+        }
+        qFatal("no button '%s'", help);
+    }
+    /// Drops a text that another program drags in.
+    void drop(qsizetype offset, const QString& text)
+    {
+        TextView& target = view->textView();
+        const QPoint point = target.caretRect({offset, false}).center().toPoint();
+        QMimeData data;
+        data.setText(text);
+        QDragEnterEvent enter(point, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target.viewport(), &enter);
+        QDropEvent event(point, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target.viewport(), &event);
+    }
 };
 
 QRgb rgba(const CodableColor& color)
@@ -73,6 +111,11 @@ private Q_SLOTS:
     void foldingLeavesTheDocumentAlone();
     void anEditUnfoldsFirst();
     void anUndoUnfoldsFirst();
+    void replacingAllUnfoldsFirst();
+    void replacingOneUnfoldsFirst();
+    void aDropGoesToItsPlaceBehindAFold();
+    void movedTextGoesToItsPlaceBehindAFold();
+    void anInputMethodReplacesBehindAFold();
     void aLanguageChangeKeepsTheFolds();
     void contentChangedElsewhereReplacesAFoldedText();
     void theLessonRegionReachesTheGutter();
@@ -317,6 +360,58 @@ void EditorContainerViewTest::anUndoUnfoldsFirst()
     QCOMPARE(fixture.document->content(), foldable);
     fixture.view->textView().redo();
     QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\n  xone\n  two\n}\nlast\n"));
+}
+
+void EditorContainerViewTest::replacingAllUnfoldsFirst()
+{
+    Fixture fixture(QStringLiteral("a {\n  one a\n  two\n}\na last\n"));
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.replaceBar(QStringLiteral("a"), QStringLiteral("new"));
+    fixture.button("Replace all matches").click();
+    const QString expected = QStringLiteral("new {\n  one new\n  two\n}\nnew lnewst\n");
+    QCOMPARE(fixture.document->content(), expected);
+    QCOMPARE(fixture.view->text(), expected);
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.document->content(), QStringLiteral("a {\n  one a\n  two\n}\na last\n"));
+}
+
+void EditorContainerViewTest::replacingOneUnfoldsFirst()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.replaceBar(QStringLiteral("last"), QStringLiteral("end"));
+    fixture.button("Replace this match").click();
+    QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\n  one\n  two\n}\nend\n"));
+}
+
+void EditorContainerViewTest::aDropGoesToItsPlaceBehindAFold()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    const qsizetype at = fixture.view->text().indexOf(QStringLiteral("last"));
+    fixture.drop(at, QStringLiteral("new "));
+    QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\n  one\n  two\n}\nnew last\n"));
+    QCOMPARE(fixture.view->textView().editor().selectedTexts(), QStringList{QStringLiteral("new ")});
+}
+
+void EditorContainerViewTest::movedTextGoesToItsPlaceBehindAFold()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.view->textView().setSelectedRange({0, 5});
+    QVERIFY(fixture.view->textView().editor().moveSelectedTextTo(fixture.view->text().size() - 1));
+    QCOMPARE(fixture.document->content(), QStringLiteral("f() {\n  one\n  two\n}\nlastfunc \n"));
+}
+
+void EditorContainerViewTest::anInputMethodReplacesBehindAFold()
+{
+    Fixture fixture(foldable);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    fixture.view->textView().setSelectedRange({fixture.view->text().size() - 1, 0});
+    QInputMethodEvent event;
+    event.setCommitString(QStringLiteral("한"), -4, 4);
+    QCoreApplication::sendEvent(&fixture.view->textView(), &event);
+    QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\n  one\n  two\n}\n한\n"));
 }
 
 void EditorContainerViewTest::aLanguageChangeKeepsTheFolds()
