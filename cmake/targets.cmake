@@ -1,9 +1,9 @@
-# kelm_test(name [LIBRARIES lib...] [SOURCES file...] [TIMEOUT seconds])
+# kelm_test(name [LIBRARIES lib...] [SOURCES file...] [ARGUMENTS argument...] [TIMEOUT seconds])
 #
 # Builds tests/<folder>/<name>.cpp into one test program, registered with CTest under <folder>/<name> and labelled with
-# the folder. It links kelm_core unless LIBRARIES names something else.
+# the folder, and run with the arguments. It links kelm_core unless LIBRARIES names something else.
 function(kelm_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;SOURCES;ARGUMENTS" ${ARGN})
   if(NOT ARG_LIBRARIES)
     set(ARG_LIBRARIES kelm_core)
   endif()
@@ -17,7 +17,7 @@ function(kelm_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE KELM_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/${folder})
-  add_test(NAME ${folder}/${name} COMMAND ${name})
+  add_test(NAME ${folder}/${name} COMMAND ${name} ${ARG_ARGUMENTS})
   set(home ${PROJECT_BINARY_DIR}/tests/home/${name})
   set(environment
     QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 LC_ALL=C.UTF-8

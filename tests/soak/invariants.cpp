@@ -1,0 +1,88 @@
+#include "soak/invariants.h"
+
+#include "workbench/tab_bar_view.h"
+#include "workbench/tab_item_view.h"
+
+namespace kelm::soak {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+void checkDocument(World& world, const Document& document, const ShadowDocument& shadow)
+{
+    if (!world.expect(!document.isContentLent(), u"a document's text is with an editor that does nothing"_s)) {
+        return;
+    }
+    const QString name = document.title();
+    if (document.content() != shadow.text()) {
+        world.fail(name + u" holds another text: "_s + howTheyDiffer(shadow.text(), document.content()));
+    }
+    world.expect(document.isModified() == shadow.isModified,
+                 name + (shadow.isModified ? u" should be modified"_s : u" should not be modified"_s));
+    world.expect(document.fileURL() == shadow.url, name + u" belongs to another file"_s);
+}
+
+/// The line index, which is shifted with every edit, must be the one that the text as it stands gives.
+void checkLines(World& world, const TextStorage& storage)
+{
+    TextStorage fresh;
+    fresh.setText(storage.text());
+    const LineIndex& expected = fresh.lines();
+    const LineIndex& found = storage.lines();
+    bool isSame = expected.lineCount() == found.lineCount();
+    for (qsizetype line = 0; isSame && line < expected.lineCount(); ++line) {
+        isSame = expected.start(line) == found.start(line);
+    }
+    world.expect(isSame, u"the lines are not those of the text"_s);
+}
+
+void checkEditor(World& world, const ShadowDocument& shadow)
+{
+    EditorContainerView* editor = world.editor();
+    if (!world.expect(editor != nullptr && editor->isVisible(), u"the current document has no editor"_s)) {
+        return;
+    }
+    if (!world.isFolded() && editor->text() != shadow.text()) {
+        world.fail(u"the editor shows another text: "_s + howTheyDiffer(shadow.text(), editor->text()));
+    }
+    world.expect(!editor->textView().isComposing(), u"a composition was left open"_s);
+    checkLines(world, editor->textView().storage());
+    const qsizetype length = editor->text().size();
+    for (const Selection& selection : editor->textView().editor().selections().all()) {
+        world.expect(selection.range().end() <= length, u"a selection reaches behind the text"_s);
+    }
+}
+
+} // namespace
+
+void checkInvariants(World& world)
+{
+    const auto& documents = world.state.documents();
+    const auto& shadows = world.tabs.all();
+    if (!world.expect(documents.size() == shadows.size(),
+                      u"%1 tabs are open instead of %2"_s.arg(documents.size()).arg(shadows.size()))) {
+        return;
+    }
+    const QList<TabItemView*>& views = world.window.tabBar().tabs();
+    world.expect(views.size() == shadows.size(), u"the strip shows %1 tabs"_s.arg(views.size()));
+    world.expect(
+        world.state.currentDocumentIndex() == world.tabs.currentIndex(),
+        u"tab %1 is current instead of %2"_s.arg(world.state.currentDocumentIndex()).arg(world.tabs.currentIndex()));
+    for (qsizetype index = 0; index < documents.size() && !world.failure; ++index) {
+        checkDocument(world, *documents[index], shadows[index]);
+        world.expect(views[index]->document() == documents[index], u"the strip has another order"_s);
+    }
+    if (const ShadowDocument* current = world.tabs.current(); current != nullptr && !world.failure) {
+        checkEditor(world, *current);
+    }
+    world.expect((world.window.sidebar() != nullptr) == world.state.showSidebar(), u"the sidebar is not as its flag"_s);
+}
+
+void checkDisk(World& world)
+{
+    const QStringList differences = world.disk.differences();
+    world.expect(differences.isEmpty(), u"the disk is not as it must be:\n  "_s + differences.join(u"\n  "_s));
+}
+
+} // namespace kelm::soak
