@@ -66,9 +66,11 @@ void SelectionSet::replaceAll(std::vector<Selection> selections)
 
 void SelectionSet::moveThrough(const TextEdit& edit)
 {
+    // What stands right before a text that is replaced stays before it; only an insertion pushes it along.
+    const bool isInsertion = edit.range.isEmpty();
     for (Selection& selection : selections_) {
-        selection.anchor = edit.moved(selection.anchor);
-        const qsizetype head = edit.moved(selection.head.offset);
+        selection.anchor = edit.moved(selection.anchor, isInsertion);
+        const qsizetype head = edit.moved(selection.head.offset, isInsertion);
         if (head != selection.head.offset) {
             selection.head = {head, false};
         }

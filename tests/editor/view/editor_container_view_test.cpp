@@ -110,6 +110,7 @@ private Q_SLOTS:
     void hiddenPartsGiveTheirWidthToTheText();
     void foldingLeavesTheDocumentAlone();
     void anEditUnfoldsFirst();
+    void aCaretBeforeAFoldStaysBeforeIt();
     void anUndoUnfoldsFirst();
     void replacingAllUnfoldsFirst();
     void replacingOneUnfoldsFirst();
@@ -346,6 +347,17 @@ void EditorContainerViewTest::anEditUnfoldsFirst()
     QCOMPARE(fixture.view->text(), expected);
     QCOMPARE(fixture.document->content(), expected);
     QVERIFY(fixture.document->isModified());
+}
+
+void EditorContainerViewTest::aCaretBeforeAFoldStaysBeforeIt()
+{
+    Fixture fixture(foldable);
+    const qsizetype body = foldable.indexOf(QStringLiteral("  one"));
+    fixture.view->textView().setSelectedRange({body, 0});
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{body, 0}));
+    fixture.type(QStringLiteral("x"));
+    QCOMPARE(fixture.document->content(), QStringLiteral("func f() {\nx  one\n  two\n}\nlast\n"));
 }
 
 void EditorContainerViewTest::anUndoUnfoldsFirst()
