@@ -21,6 +21,19 @@ bool isWithin(const QString& found, const QString& whole)
     return true;
 }
 
+/// What was selected on screen; absent where a fold is a part of it, whose text goes with its placeholder.
+std::optional<QString> selectedText(const Before& before)
+{
+    const TextRange range = before.ranges.front();
+    if (range.isEmpty()) {
+        return QString();
+    }
+    const QString& mark = CodeFoldingManager::foldPlaceholder;
+    const qsizetype fold = before.shown.indexOf(mark, std::max<qsizetype>(0, range.location - mark.size() + 1));
+    return fold >= 0 && fold < range.end() ? std::nullopt
+                                           : std::optional(before.shown.mid(range.location, range.length));
+}
+
 /// Looks at an edit of one selection whose place is read off the caret afterwards: what stands before and behind what
 /// was put in must be the beginning and the end of the text before. `selected` is what had been selected, absent where
 /// the edit may have taken more.
@@ -33,8 +46,12 @@ void expectAround(World& world, const Before& before, const QString& piece, cons
     const qsizetype taken = before.text.size() - head.size() - tail.size();
     const bool isWhole = content.mid(head.size(), piece.size()) == piece && before.text.left(head.size()) == head &&
                          before.text.right(tail.size()) == tail && taken >= 0;
-    const bool isSelection = !selected || selected->contains(CodeFoldingManager::foldPlaceholder) ||
-                             before.text.mid(head.size(), taken) == *selected;
+    const bool isSelection = !selected || before.text.mid(head.size(), taken) == *selected;
+    // What stands on screen before the place must stand before it, up to the nearest fold.
+    const TextRange range = before.ranges.front();
+    const QString shown = before.shown.left(range.location).section(CodeFoldingManager::foldPlaceholder, -1).right(20);
+    const bool isThere = !selected || head.right(shown.size()) == shown;
+    world.expect(isThere, u"an edit went elsewhere: \"%1\" does not stand before it"_s.arg(shown));
     world.expect(isWhole && isSelection, u"an edit changed more than what was edited: "_s +
                                              howTheyDiffer(before.text, content) +
                                              u"; caret at %1, %2 units missing"_s.arg(caret).arg(taken));
@@ -81,8 +98,7 @@ QString replaced(const QString& text, const std::vector<TextRange>& ranges, cons
 void expectInserted(World& world, const Before& before, const QStringList& pieces)
 {
     if (before.isFolded) {
-        const QString selected = before.shown.mid(before.ranges.front().location, before.ranges.front().length);
-        expectAround(world, before, pieces.first(), selected);
+        expectAround(world, before, pieces.first(), selectedText(before));
         return;
     }
     expectEdited(world, before, replaced(before.text, before.ranges, pieces));
