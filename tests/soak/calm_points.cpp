@@ -14,7 +14,10 @@
 #include <QPixmapCache>
 
 #include <algorithm>
+
+#ifdef Q_OS_LINUX
 #include <malloc.h>
+#endif
 
 #if defined(__SANITIZE_ADDRESS__)
 /// As the sanitizer's library has it; not every compiler brings the header along.
@@ -37,9 +40,12 @@ qsizetype bytesInUse()
 {
 #if defined(__SANITIZE_ADDRESS__)
     return static_cast<qsizetype>(__sanitizer_get_current_allocated_bytes());
-#else
+#elif defined(Q_OS_LINUX)
     const struct mallinfo2 info = ::mallinfo2();
     return static_cast<qsizetype>(info.uordblks + info.hblkhd);
+#else
+    // Widgets alone are counted there.
+    return 0;
 #endif
 }
 
