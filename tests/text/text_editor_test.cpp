@@ -337,7 +337,8 @@ void TextEditorTest::textIsPutInThePlaceOfARange_data()
     QTest::newRow("a caret at an insertion") << QStringLiteral("a|b") << TextRange{1, 0} << QStringLiteral("axy|b");
     QTest::newRow("a selection elsewhere") << QStringLiteral("a[bc]d") << TextRange{0, 1} << QStringLiteral("xy[bc]d");
     QTest::newRow("several carets") << QStringLiteral("|abc|") << TextRange{1, 1} << QStringLiteral("|axyc|");
-    QTest::newRow("past the end") << QStringLiteral("a|b") << TextRange{1, 9} << QStringLiteral("axy|");
+    QTest::newRow("a caret right before it") << QStringLiteral("a|b") << TextRange{1, 1} << QStringLiteral("a|xy");
+    QTest::newRow("past the end") << QStringLiteral("|ab") << TextRange{1, 9} << QStringLiteral("|axy");
 }
 
 void TextEditorTest::textIsPutInThePlaceOfARange()
