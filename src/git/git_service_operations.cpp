@@ -163,7 +163,7 @@ GitOpResult GitService::createTag(const QString& name, const std::optional<QStri
     if (name.isEmpty()) {
         return GitOpResult::failure(u"tag name is empty"_s);
     }
-    const GitOpResult result =
+    GitOpResult result =
         runOp(isGiven(message) ? QStringList{u"tag"_s, u"-a"_s, name, u"-m"_s, *message} : QStringList{u"tag"_s, name});
     refreshTags();
     return result;

@@ -44,7 +44,6 @@ QString currentLocaleName()
     return QLocale::system().name();
 }
 
-/// For a system without collation data: case folding under canonical equivalence.
 QString folded(QStringView text)
 {
     return text.toString()

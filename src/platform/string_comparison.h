@@ -20,6 +20,9 @@ public:
     /// languages share.
     explicit StringComparison(const QString& localeName);
 
+    /// The order that a system without collation data gets: case folding under canonical equivalence, unit by unit.
+    static StringComparison byFolding() { return StringComparison(); }
+
     /// Less than 0 when `a` goes before `b`, 0 when they are equal but for case, greater than 0 when `a` goes after
     /// `b`.
     int localizedCaseInsensitiveCompare(QStringView a, QStringView b) const;
@@ -31,6 +34,8 @@ public:
     static const StringComparison& current();
 
 private:
+    StringComparison() = default;
+
     std::unique_ptr<const icu::Collator> collator_;
 };
 

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void longTextsHaveKeys();
     void unpairedSurrogatesCompare();
     void theCurrentLocaleIgnoresCase();
+    void withoutCollationTextsAreFolded();
 };
 
 void StringComparisonTest::textsCompareAsTheLocaleOrdersThem_data()
@@ -97,6 +98,22 @@ void StringComparisonTest::theCurrentLocaleIgnoresCase()
 {
     QCOMPARE(StringComparison::current().localizedCaseInsensitiveCompare(u"readme", u"README"), 0);
     QCOMPARE(&StringComparison::current(), &StringComparison::current());
+}
+
+void StringComparisonTest::withoutCollationTextsAreFolded()
+{
+    const StringComparison folding = StringComparison::byFolding();
+    QCOMPARE(folding.localizedCaseInsensitiveCompare(u"README", u"readme"), 0);
+    QCOMPARE(folding.localizedCaseInsensitiveCompare(u"é", u"E\u0301"), 0);
+    QVERIFY(folding.localizedCaseInsensitiveCompare(u"a", u"B") < 0);
+    QVERIFY(folding.localizedCaseInsensitiveCompare(u"é", u"e") > 0);
+    for (const QString& a : {u"a"_s, u"B"_s, u"é"_s, u"한글"_s, QString()}) {
+        for (const QString& b : {u"A"_s, u"b"_s, u"e"_s, u"가"_s, QString()}) {
+            const int byKey = folding.sortKey(a).compare(folding.sortKey(b));
+            const int byText = folding.localizedCaseInsensitiveCompare(a, b);
+            QVERIFY((byKey < 0) == (byText < 0) && (byKey > 0) == (byText > 0));
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(StringComparisonTest)
