@@ -54,8 +54,9 @@ qreal sharpnessOf(const QImage& image)
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x) {
-            ink += qAlpha(line[x]);
-            squares += qAlpha(line[x]) * qAlpha(line[x]);
+            const qint64 alpha = qAlpha(line[x]);
+            ink += alpha;
+            squares += alpha * alpha;
         }
     }
     return ink == 0 ? 0 : static_cast<qreal>(squares) / static_cast<qreal>(ink * 255);
