@@ -12,7 +12,7 @@ ImageUpdaterController::ImageUpdaterController(QString updater, QString image)
 QString ImageUpdaterController::findUpdater()
 {
     for (const char* name : {"AppImageUpdate", "appimageupdatetool"}) {
-        const QString path = QStandardPaths::findExecutable(QString::fromLatin1(name));
+        QString path = QStandardPaths::findExecutable(QString::fromLatin1(name));
         if (!path.isEmpty()) {
             return path;
         }

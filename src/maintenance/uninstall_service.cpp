@@ -45,7 +45,7 @@ bool exists(const std::optional<QUrl>& url)
 
 QString programFile()
 {
-    const QString image = qEnvironmentVariable("APPIMAGE");
+    QString image = qEnvironmentVariable("APPIMAGE");
     if (!image.isEmpty()) {
         return image;
     }

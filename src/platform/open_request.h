@@ -7,12 +7,10 @@
 
 #include <optional>
 
-namespace kelm {
-
 /// A list of texts as bytes: a mark, the number of texts, and each text as its length and its UTF-8 bytes, the numbers
 /// as four bytes with the highest first. A message of more than 64 MiB, or of more
 /// than 65,536 texts, is none.
-namespace openRequest {
+namespace kelm::openRequest {
 
 inline constexpr qsizetype largestMessage = 64 * qsizetype(1024) * 1024;
 inline constexpr qsizetype mostTexts = 65'536;
@@ -32,6 +30,4 @@ struct Decoded
 /// the length of the bytes, and it never makes room for what has not come.
 Decoded decode(QByteArrayView bytes);
 
-} // namespace openRequest
-
-} // namespace kelm
+} // namespace kelm::openRequest

@@ -12,6 +12,7 @@
 
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kelm {
 
@@ -39,7 +40,7 @@ bool isOfSameUser(qintptr descriptor)
 
 } // namespace
 
-SingleInstance::SingleInstance(const QString& socketPath) : socketPath_(socketPath) {}
+SingleInstance::SingleInstance(QString socketPath) : socketPath_(std::move(socketPath)) {}
 
 SingleInstance::~SingleInstance() = default;
 

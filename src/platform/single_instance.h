@@ -20,7 +20,7 @@ class SingleInstance final : public QObject
 
 public:
     /// The socket's file; nothing happens yet.
-    explicit SingleInstance(const QString& socketPath);
+    explicit SingleInstance(QString socketPath);
     ~SingleInstance() override;
 
     /// Hands `urlTexts` to the program that listens already, and waits until it has them, a few seconds at most. False

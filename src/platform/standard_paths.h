@@ -3,10 +3,8 @@
 
 #include <QString>
 
-namespace kelm {
-
 /// Absolute paths of the user's own places; none of them need exist. Each is read anew from the environment.
-namespace standardPaths {
+namespace kelm::standardPaths {
 
 /// The folder that holds the support folders of all applications: the XDG data home, or "Application Support".
 QString applicationSupportDirectory();
@@ -20,6 +18,4 @@ QString preferences();
 /// `com.kelm.KelmPane.savedState` in the state home.
 QString savedState();
 
-} // namespace standardPaths
-
-} // namespace kelm
+} // namespace kelm::standardPaths

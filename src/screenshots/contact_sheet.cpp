@@ -31,7 +31,7 @@ void drawSymbol(QPainter& painter, const QString& name, QPoint corner, Appearanc
 {
     int x = corner.x();
     for (const int size : sizes) {
-        const QRectF box(x, corner.y() + (rowHeight - size) / 2, size, size);
+        const QRect box(x, corner.y() + (rowHeight - size) / 2, size, size);
         icons::paint(painter, name, box, Tint::primary().in(appearance));
         x += size + spacing;
     }

@@ -130,6 +130,7 @@ std::vector<Shot> menuShots()
         {"menu-theme", [](MainWindow& window) -> QWidget& { return window.statusBarView().themeMenu(); }},
     };
     std::vector<Shot> shots;
+    shots.reserve(std::size(menus));
     for (const Menu& menu : menus) {
         shots.push_back({menu.name, {orchard, basket}, [menu](Stage& stage) { press(menu.button(stage.window)); }});
     }

@@ -57,7 +57,7 @@ public:
         }
         const qsizetype size = readAll(file, isCancelled);
         close(file);
-        return QByteArrayView(buffer_.constData(), size);
+        return {buffer_.constData(), size};
     }
 
 private:

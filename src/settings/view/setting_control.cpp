@@ -47,7 +47,7 @@ SettingControl::SettingControl(const Setting& setting, UserDefaults& store, QWid
     row->addStretch(1);
 }
 
-void SettingControl::follow(std::function<void(const QVariant&)> show)
+void SettingControl::follow(const std::function<void(const QVariant&)>& show)
 {
     connect(&store_, &UserDefaults::valueChanged, this, [this, show](const QString& key) {
         if (key == setting_.key) {

@@ -27,7 +27,7 @@ private:
     void store(const QVariant& value);
     QVariant value() const { return settingValue(store_, setting_); }
     /// Calls `show` with the value now and whenever it changes.
-    void follow(std::function<void(const QVariant&)> show);
+    void follow(const std::function<void(const QVariant&)>& show);
 
     const Setting& setting_;
     UserDefaults& store_;
