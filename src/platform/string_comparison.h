@@ -21,7 +21,7 @@ public:
     explicit StringComparison(const QString& localeName);
 
     /// The order that a system without collation data gets: case folding under canonical equivalence, unit by unit.
-    static StringComparison byFolding() { return StringComparison(); }
+    static StringComparison byFolding() { return {}; }
 
     /// Less than 0 when `a` goes before `b`, 0 when they are equal but for case, greater than 0 when `a` goes after
     /// `b`.
