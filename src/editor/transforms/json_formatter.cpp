@@ -2,6 +2,7 @@
 
 #include "editor/transforms/bounded_text.h"
 #include "editor/transforms/json_outline.h"
+#include "editor/transforms/json_scanner.h"
 
 #include <utility>
 

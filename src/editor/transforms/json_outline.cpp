@@ -1,6 +1,7 @@
 #include "editor/transforms/json_outline.h"
 
 #include "editor/transforms/json_key.h"
+#include "editor/transforms/json_scanner.h"
 
 #include <QString>
 
@@ -10,21 +11,6 @@
 
 namespace kelm {
 namespace {
-
-bool isDigit(char16_t unit)
-{
-    return unit >= u'0' && unit <= u'9';
-}
-
-/// The value of a hexadecimal digit, or -1.
-int hexValue(char16_t unit)
-{
-    if (isDigit(unit)) {
-        return unit - u'0';
-    }
-    const char16_t lower = unit | 0x20;
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
 
 /// Reads a text from its start to its end, level by level on a stack of its own.
 class OutlineReader
@@ -55,12 +41,6 @@ private:
     bool readSeparator();
     bool openLevel(bool isArray);
     void closeLevel();
-    bool readString();
-    bool readEscape();
-    bool readHex(char16_t& unit);
-    bool readNumber();
-    bool readDigits();
-    bool readWord(QStringView word);
     void sortMembers(quint32 firstOpen);
     QStringView keyText(quint32 key, std::deque<QString>& decoded) const;
 
@@ -145,22 +125,22 @@ bool OutlineReader::readValue()
     case u'[':
         return openLevel(true);
     case u'"':
-        return readString();
+        return readJsonString(text_, at_);
     case u't':
-        return readWord(u"true");
+        return readJsonWord(text_, at_, u"true");
     case u'f':
-        return readWord(u"false");
+        return readJsonWord(text_, at_, u"false");
     case u'n':
-        return readWord(u"null");
+        return readJsonWord(text_, at_, u"null");
     default:
-        return readNumber();
+        return readJsonNumber(text_, at_);
     }
 }
 
 bool OutlineReader::readKey()
 {
     const auto key = quint32(at_);
-    if (!readString()) {
+    if (!readJsonString(text_, at_)) {
         return false;
     }
     at_ = skipJsonBlanks(text_, at_);
@@ -267,154 +247,11 @@ QStringView OutlineReader::keyText(quint32 key, std::deque<QString>& decoded) co
     return text;
 }
 
-bool OutlineReader::readString()
-{
-    if (!take(u'"')) {
-        return false;
-    }
-    while (at_ < size_) {
-        const char16_t unit = units_[at_++];
-        if (unit == u'"') {
-            return true;
-        }
-        if (unit < u' ') {
-            return false;
-        }
-        if (unit == u'\\') {
-            if (!readEscape()) {
-                return false;
-            }
-        } else if (QChar::isSurrogate(unit)) {
-            if (!QChar::isHighSurrogate(unit) || !QChar::isLowSurrogate(peek())) {
-                return false;
-            }
-            ++at_;
-        }
-    }
-    return false;
-}
-
-/// Reads what follows a backslash. An escaped surrogate is half of an escaped pair.
-bool OutlineReader::readEscape()
-{
-    if (at_ == size_) {
-        return false;
-    }
-    const char16_t letter = units_[at_++];
-    if (letter != u'u') {
-        return QStringView(u"\"\\/bfnrt").contains(QChar(letter));
-    }
-    char16_t unit = 0;
-    if (!readHex(unit)) {
-        return false;
-    }
-    if (!QChar::isSurrogate(unit)) {
-        return true;
-    }
-    char16_t low = 0;
-    return QChar::isHighSurrogate(unit) && take(u'\\') && take(u'u') && readHex(low) && QChar::isLowSurrogate(low);
-}
-
-bool OutlineReader::readHex(char16_t& unit)
-{
-    for (int i = 0; i < 4; ++i, ++at_) {
-        const int value = hexValue(peek());
-        if (value < 0) {
-            return false;
-        }
-        unit = char16_t(unit << 4 | value);
-    }
-    return true;
-}
-
-bool OutlineReader::readNumber()
-{
-    take(u'-');
-    if (!take(u'0') && !readDigits()) {
-        return false;
-    }
-    if (take(u'.') && !readDigits()) {
-        return false;
-    }
-    if (take(u'e') || take(u'E')) {
-        if (!take(u'+')) {
-            take(u'-');
-        }
-        return readDigits();
-    }
-    return true;
-}
-
-bool OutlineReader::readDigits()
-{
-    const qsizetype start = at_;
-    while (at_ < size_ && isDigit(units_[at_])) {
-        ++at_;
-    }
-    return at_ > start;
-}
-
-bool OutlineReader::readWord(QStringView word)
-{
-    if (!text_.sliced(at_).startsWith(word)) {
-        return false;
-    }
-    at_ += word.size();
-    return true;
-}
-
 } // namespace
 
 std::optional<JsonOutline> JsonOutline::read(QStringView text)
 {
     return OutlineReader(text).read();
-}
-
-qsizetype skipJsonBlanks(QStringView text, qsizetype at)
-{
-    const char16_t* units = text.utf16();
-    while (at < text.size() && (units[at] == u' ' || units[at] == u'\n' || units[at] == u'\r' || units[at] == u'\t')) {
-        ++at;
-    }
-    return at;
-}
-
-qsizetype endOfJsonString(QStringView text, qsizetype at)
-{
-    const char16_t* units = text.utf16();
-    for (++at; units[at] != u'"'; ++at) {
-        if (units[at] == u'\\') {
-            ++at;
-        }
-    }
-    return at + 1;
-}
-
-char16_t decodeJsonEscape(QStringView text, qsizetype& at)
-{
-    const char16_t letter = text.utf16()[at + 1];
-    at += 2;
-    switch (letter) {
-    case u'b':
-        return u'\b';
-    case u'f':
-        return u'\f';
-    case u'n':
-        return u'\n';
-    case u'r':
-        return u'\r';
-    case u't':
-        return u'\t';
-    case u'u': {
-        char16_t unit = 0;
-        for (int i = 0; i < 4; ++i) {
-            unit = char16_t(unit << 4 | hexValue(text.utf16()[at++]));
-        }
-        return unit;
-    }
-    default:
-        return letter;
-    }
 }
 
 } // namespace kelm

@@ -41,13 +41,4 @@ struct JsonOutline
     static std::optional<JsonOutline> read(QStringView text);
 };
 
-/// The offset of the first unit at or behind `at` that is not JSON's white space.
-qsizetype skipJsonBlanks(QStringView text, qsizetype at);
-
-/// The offset behind the valid string whose opening quote stands at `at`.
-qsizetype endOfJsonString(QStringView text, qsizetype at);
-
-/// Decodes the escape at `at`, which is a valid one, and steps behind it. A pair of surrogates is two escapes.
-char16_t decodeJsonEscape(QStringView text, qsizetype& at);
-
 } // namespace kelm
