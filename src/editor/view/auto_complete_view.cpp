@@ -2,7 +2,6 @@
 
 #include "editor/view/auto_complete_manager.h"
 #include "editor/view/completion_row.h"
-#include "platform/view/tint.h"
 
 #include <QGraphicsDropShadowEffect>
 #include <QScrollBar>
@@ -25,9 +24,8 @@ AutoCompleteView::AutoCompleteView(AutoCompleteManager& manager, QWidget* parent
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidget(list_);
-    QPalette ground = palette();
-    ground.setColor(QPalette::Window, Tint(SystemColor::controlBackground).on(*this));
-    setPalette(ground);
+    // The colour of controls, in either appearance.
+    setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
     auto* shadow = new QGraphicsDropShadowEffect(this);
     shadow->setColor(QColor::fromRgbF(0, 0, 0, shadowOpacity));

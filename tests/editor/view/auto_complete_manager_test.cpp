@@ -1,8 +1,11 @@
 #include "editor/view/auto_complete_manager.h"
 #include "editor/view/auto_complete_view.h"
 #include "editor/view/completion_row.h"
+#include "platform/named_colors.h"
+#include "platform/view/style.h"
 #include "support/shown_text_view.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 
 using namespace kelm;
@@ -50,6 +53,7 @@ private Q_SLOTS:
     void theWindowTakesNoFocusAndIsKept();
     void theListIsAsHighAsItsRows();
     void theSelectedRowIsShown();
+    void theGroundFollowsTheAppearance();
     void aClickChoosesARow();
     void observersHearOfEveryChange();
     void aViewThatIsGoneStopsEverything();
@@ -250,6 +254,18 @@ void AutoCompleteManagerTest::theSelectedRowIsShown()
     QVERIFY(!fixture.list().rows().first()->isSelected());
     const QRect place(last.mapTo(fixture.list().viewport(), QPoint(0, 0)), last.size());
     QVERIFY(fixture.list().viewport()->rect().contains(place));
+}
+
+void AutoCompleteManagerTest::theGroundFollowsTheAppearance()
+{
+    Fixture fixture(u"fo|"_s);
+    fixture.manager.triggerCompletion(Language::python);
+    // Without the shadow, at the right end of the row that is not selected: nothing is drawn there.
+    const auto ground = [&] { return fixture.list().viewport()->grab().toImage().pixelColor(298, 28 + 14); };
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        QApplication::setPalette(style::palette(appearance));
+        QTRY_COMPARE(ground(), systemColor(SystemColor::controlBackground, appearance));
+    }
 }
 
 void AutoCompleteManagerTest::aClickChoosesARow()
