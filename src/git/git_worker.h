@@ -20,7 +20,6 @@ public:
 
     /// Runs the process to its end and turns what came of it into a result.
     GitOpResult runProcess(const ProcessCommand& process) const;
-    ProcessResult run(const ProcessCommand& process) const { return runner_->run(process); }
 
     /// Queues the write of a failure's words.
     void queueLastError(const QString& text) const;

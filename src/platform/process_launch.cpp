@@ -1,12 +1,13 @@
 #include "platform/process_launch.h"
 
+#include "platform/environment.h"
+
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <ctime>
 #include <fcntl.h>
 #include <mutex>
 #include <spawn.h>
@@ -24,6 +25,8 @@ struct Pipe
 {
     FileDescriptor readEnd;
     FileDescriptor writeEnd;
+
+    bool isOpen() const { return readEnd.isOpen() && writeEnd.isOpen(); }
 };
 
 /// The descriptor moved above the three standard ones: the child's own would overwrite it there.
@@ -39,9 +42,18 @@ FileDescriptor aboveStandard(FileDescriptor descriptor)
 Pipe makePipe()
 {
     int ends[2] = {-1, -1};
+#ifdef Q_OS_MACOS
+    if (::pipe(ends) != 0) {
+        return {};
+    }
+    for (const int end : ends) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
+#else
     if (::pipe2(ends, O_CLOEXEC) != 0) {
         return {};
     }
+#endif
     Pipe pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
     return {aboveStandard(std::move(pipe.readEnd)), aboveStandard(std::move(pipe.writeEnd))};
 }
@@ -60,10 +72,7 @@ public:
     {
         sigemptyset(&brokenPipe_);
         sigaddset(&brokenPipe_, SIGPIPE);
-        sigset_t pending;
-        sigemptyset(&pending);
-        ::sigpending(&pending);
-        wasPending_ = sigismember(&pending, SIGPIPE) == 1;
+        wasPending_ = isPending();
         ::pthread_sigmask(SIG_BLOCK, &brokenPipe_, &before_);
     }
     BrokenPipeGuard(const BrokenPipeGuard&) = delete;
@@ -71,14 +80,23 @@ public:
     ~BrokenPipeGuard()
     {
         const int error = errno;
-        const timespec now = {};
-        while (!wasPending_ && ::sigtimedwait(&brokenPipe_, nullptr, &now) < 0 && errno == EINTR) {
+        if (!wasPending_ && isPending()) {
+            int taken = 0;
+            ::sigwait(&brokenPipe_, &taken);
         }
         ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
         errno = error;
     }
 
 private:
+    static bool isPending()
+    {
+        sigset_t pending;
+        sigemptyset(&pending);
+        ::sigpending(&pending);
+        return sigismember(&pending, SIGPIPE) == 1;
+    }
+
     sigset_t brokenPipe_;
     sigset_t before_;
     bool wasPending_ = false;
@@ -184,10 +202,22 @@ void reapAbandoned()
     std::erase_if(abandoned(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
-/// Where the system has no descriptor for a process: a pipe that a waiting thread closes when the child has ended.
-FileDescriptor exitNoticeByThread(pid_t pid)
+/// Whoever started the application may have had the ends of children ignored. The system then keeps no child's exit, so
+/// that each would seem to have ended well; what is asked for here holds for the whole application.
+void keepExits()
 {
-    Pipe pipe = makePipe();
+    struct sigaction action = {};
+    if (::sigaction(SIGCHLD, nullptr, &action) == 0 &&
+        (action.sa_handler == SIG_IGN || (action.sa_flags & SA_NOCLDWAIT) != 0)) {
+        action.sa_handler = SIG_DFL;
+        action.sa_flags = 0;
+        ::sigaction(SIGCHLD, &action, nullptr);
+    }
+}
+
+/// Where the system has no descriptor for a process: a pipe that a waiting thread closes when the child has ended.
+FileDescriptor exitNoticeByThread(pid_t pid, Pipe pipe)
+{
     std::thread([pid, end = std::move(pipe.writeEnd)] {
         siginfo_t info = {};
         while (::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
@@ -196,7 +226,8 @@ FileDescriptor exitNoticeByThread(pid_t pid)
     return std::move(pipe.readEnd);
 }
 
-FileDescriptor makeExitNotice(pid_t pid)
+/// `pipe` was made before the child: once that runs, there has to be a way to hear of its end.
+FileDescriptor makeExitNotice(pid_t pid, Pipe pipe)
 {
 #ifdef SYS_pidfd_open
     FileDescriptor notice(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
@@ -204,7 +235,7 @@ FileDescriptor makeExitNotice(pid_t pid)
         return notice;
     }
 #endif
-    return exitNoticeByThread(pid);
+    return exitNoticeByThread(pid, std::move(pipe));
 }
 
 /// The system does not say whether it was the folder or the program that failed.
@@ -222,6 +253,7 @@ QString launchErrorText(const ProcessCommand& command, int error)
 
 std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
 {
+    keepExits();
     reapAbandoned();
 
     CStringList arguments;
@@ -232,7 +264,7 @@ std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
     CStringList environment;
     if (command.environment) {
         for (auto entry = command.environment->cbegin(); entry != command.environment->cend(); ++entry) {
-            environment.append(entry.key().toUtf8() + '=' + entry.value().toUtf8());
+            environment.append(environmentEntry(entry.key(), entry.value()));
         }
     }
     const QByteArray folder = QFile::encodeName(command.workingDirectory);
@@ -245,10 +277,11 @@ std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
     Pipe input;
     Pipe output = makePipe();
     Pipe error = makePipe();
+    Pipe notice = makePipe();
     if (command.standardInput) {
         input = makePipe();
     }
-    if (!output.readEnd.isOpen() || !error.readEnd.isOpen() || (command.standardInput && !input.readEnd.isOpen())) {
+    if (!output.isOpen() || !error.isOpen() || !notice.isOpen() || (command.standardInput && !input.isOpen())) {
         return launchErrorText(command, errno);
     }
     if (command.standardInput) {
@@ -264,11 +297,11 @@ std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
     LaunchedProcess child;
     char** const argumentList = arguments.data();
     const int failure = ::posix_spawn(&child.pid, argumentList[0], actions.get(), attributes.get(), argumentList,
-                                      command.environment ? environment.data() : environ);
+                                      command.environment ? environment.data() : environmentBlock());
     if (failure != 0) {
         return launchErrorText(command, failure);
     }
-    child.exitNotice = makeExitNotice(child.pid);
+    child.exitNotice = makeExitNotice(child.pid, std::move(notice));
     child.standardInput = std::move(input.writeEnd);
     child.standardOutput = std::move(output.readEnd);
     child.standardError = std::move(error.readEnd);
@@ -285,7 +318,9 @@ ProcessExit reap(pid_t pid)
     siginfo_t info = {};
     while (::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED) != 0) {
         if (errno != EINTR) {
-            break;
+            // An exit that the system cannot tell is no success.
+            constexpr int unknown = 255;
+            return {unknown, false};
         }
     }
     return {info.si_status, info.si_code == CLD_KILLED || info.si_code == CLD_DUMPED};

@@ -1,6 +1,7 @@
 #include "run/terminal_session.h"
 
 #include "platform/character_sets.h"
+#include "platform/environment.h"
 #include "platform/file_url.h"
 #include "platform/main_queue.h"
 #include "run/ansi_parser.h"
@@ -46,20 +47,6 @@ constexpr FileCommand fileCommands[] = {
     {u"go", u"go run \"", u"\""},
     {u"rs", u"rustc \"", u"\" -o /tmp/rust_out && /tmp/rust_out"},
 };
-
-TerminalSession::Environment applicationEnvironment()
-{
-    TerminalSession::Environment environment;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-        const QString text = QString::fromUtf8(*entry);
-        const qsizetype equals = text.indexOf(u'=');
-        // Of two entries of one name, programs see the first.
-        if (equals > 0 && !environment.contains(text.first(equals))) {
-            environment.insert(text.first(equals), text.sliced(equals + 1));
-        }
-    }
-    return environment;
-}
 
 const QString& firstExecutable(const QStringList& paths)
 {

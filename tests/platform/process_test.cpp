@@ -1,3 +1,4 @@
+#include "platform/environment.h"
 #include "platform/process.h"
 #include "support/process_roles.h"
 
@@ -8,6 +9,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -27,18 +29,22 @@ private Q_SLOTS:
     void childRunsInTheGivenFolder();
     void environmentIsInheritedUnchanged();
     void givenEnvironmentReplacesTheApplications();
+    void bytesThatAreNoTextPassThroughTheEnvironment();
     void argumentsArriveAsGiven_data();
     void argumentsArriveAsGiven();
     void standardInputTextReachesTheChild_data();
     void standardInputTextReachesTheChild();
     void standardInputIsForwardedWhenNoneIsGiven();
     void childThatDoesNotTakeItsInputIsAnInputError();
+    void childThatRefusesItsInputIsNotWaitedFor();
     void childThatLeavesASmallInputUnreadEndsAsUsual();
     void endBySignalIsReported();
+    void endsAreToldThoughWhoeverStartedUsIgnoredThem();
     void processThatHoldsThePipesIsNotWaitedFor();
     void brokenPipesHaveTheirDefaultMeaningInTheChild();
     void ownGroupIsMadeOnlyOnDemand();
     void noDescriptorIsLeftOpenOrInherited();
+    void aLackOfDescriptorsIsALaunchFailure();
     void manyThreadsRunChildrenAtOnce();
 };
 
@@ -141,6 +147,17 @@ void ProcessTest::givenEnvironmentReplacesTheApplications()
     QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("(unset)"));
 }
 
+void ProcessTest::bytesThatAreNoTextPassThroughTheEnvironment()
+{
+    qputenv("KELM_PROCESS_TEST", "caf\xe9");
+    ProcessCommand command = roleCommand({u"environment"_s, u"KELM_PROCESS_TEST"_s});
+    command.environment = applicationEnvironment();
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("caf\xe9"));
+    command.environment->insert(u"KELM_PROCESS_TEST"_s, u"caf\u00e9"_s);
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("caf\xc3\xa9"));
+    qunsetenv("KELM_PROCESS_TEST");
+}
+
 void ProcessTest::argumentsArriveAsGiven_data()
 {
     QTest::addColumn<QString>("argument");
@@ -206,6 +223,17 @@ void ProcessTest::childThatDoesNotTakeItsInputIsAnInputError()
     QVERIFY(ProcessRunner::system().run(roleCommand({u"say"_s, u""_s, u""_s, u"0"_s})).exit.isSuccess());
 }
 
+void ProcessTest::childThatRefusesItsInputIsNotWaitedFor()
+{
+    ProcessCommand command = roleCommand({u"close-input"_s});
+    command.standardInput = QByteArray(10'000'000, 'x');
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(ProcessRunner::system().run(command).inputError);
+    // The child stays for half a minute.
+    QVERIFY(timer.elapsed() < 25000);
+}
+
 void ProcessTest::childThatLeavesASmallInputUnreadEndsAsUsual()
 {
     ProcessCommand command = roleCommand({u"leave-behind"_s});
@@ -220,6 +248,16 @@ void ProcessTest::endBySignalIsReported()
     const ProcessResult result = ProcessRunner::system().run(roleCommand({u"signal"_s, QString::number(SIGTERM)}));
     QCOMPARE(result.exit, (ProcessExit{SIGTERM, true}));
     QVERIFY(!result.exit.isSuccess());
+}
+
+void ProcessTest::endsAreToldThoughWhoeverStartedUsIgnoredThem()
+{
+    const auto before = ::signal(SIGCHLD, SIG_IGN);
+    const auto restore = qScopeGuard([before] { ::signal(SIGCHLD, before); });
+    const ProcessResult failure = ProcessRunner::system().run(roleCommand({u"say"_s, u""_s, u""_s, u"3"_s}));
+    QCOMPARE(failure.exit, (ProcessExit{3, false}));
+    const ProcessResult signal = ProcessRunner::system().run(roleCommand({u"signal"_s, QString::number(SIGTERM)}));
+    QCOMPARE(signal.exit, (ProcessExit{SIGTERM, true}));
 }
 
 void ProcessTest::processThatHoldsThePipesIsNotWaitedFor()
@@ -260,6 +298,30 @@ void ProcessTest::noDescriptorIsLeftOpenOrInherited()
         ProcessRunner::system().run({.program = u"/nowhere"_s});
     }
     QCOMPARE(openDescriptors(), before);
+}
+
+void ProcessTest::aLackOfDescriptorsIsALaunchFailure()
+{
+    int highest = 0;
+    for (const QString& name : QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System)) {
+        highest = std::max(highest, name.toInt());
+    }
+    rlimit before = {};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const auto restore = qScopeGuard([before] { ::setrlimit(RLIMIT_NOFILE, &before); });
+    int failures = 0;
+    int successes = 0;
+    const int most = highest + 12;
+    for (int limit = 3; limit <= most; ++limit) {
+        const rlimit few = {static_cast<rlim_t>(limit), before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        const ProcessResult result = ProcessRunner::system().run(roleCommand({u"say"_s, u"a"_s, u""_s, u"7"_s}));
+        failures += result.launchError ? 1 : 0;
+        successes += !result.launchError && result.exit.status == 7 && result.standardOutput == "a" ? 1 : 0;
+    }
+    QVERIFY(failures > 0);
+    QVERIFY(successes > 0);
+    QCOMPARE(failures + successes, most - 2);
 }
 
 void ProcessTest::manyThreadsRunChildrenAtOnce()

@@ -55,12 +55,12 @@ inline void waitUntilRead(int descriptor)
 /// - folder, environment NAME: prints where it runs, or one variable ("(unset)" when there is none)
 /// - signal NUMBER: ends itself by the signal
 /// - ignore-input STATUS: exits without reading its input
+/// - close-input: closes its standard input and stays for half a minute
 /// - leave-behind: says "left", and exits while a process of its own keeps both outputs open
 /// - wait: says "ready" and waits to be ended
 /// - wait-with-child: the same, with a process of its own that holds the outputs and waits too
 /// - pieces HEX..., error-pieces HEX...: writes each piece of bytes to the standard output or the standard error when
-/// the
-///   one before has been read
+///   the one before has been read
 /// - broken-pipes: "default" when a broken pipe would end it, else "ignored"
 /// - group: "own" when it leads its process group, else "shared"
 inline void playRole(int argc, char** argv)
@@ -117,6 +117,11 @@ inline void playRole(int argc, char** argv)
     }
     if (role == "ignore-input") {
         std::_Exit(std::stoi(argument(0)));
+    }
+    if (role == "close-input") {
+        ::close(0);
+        ::sleep(30);
+        std::_Exit(0);
     }
     if (role == "leave-behind") {
         if (::fork() == 0) {
