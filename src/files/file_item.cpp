@@ -101,10 +101,10 @@ QString FileItem::name() const
 
 std::variant<QList<FileItem>, FileError> listFolder(const QUrl& url)
 {
-    const QString path = url.toLocalFile();
+    const QString path = folderPrefix(url);
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(QFile::encodeName(path).constData()), closedir);
     if (!folder) {
-        return FileError{path + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
+        return FileError{filePath(url) + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
     }
     const StringComparison& comparison = StringComparison::current();
     std::vector<SortedItem> entries;
@@ -113,8 +113,7 @@ std::variant<QList<FileItem>, FileError> listFolder(const QUrl& url)
             continue;
         }
         const QString name = QFile::decodeName(entry->d_name);
-        FileItem item{.url = QUrl::fromLocalFile(path + u'/' + name),
-                      .isDirectory = isFolder(*entry, dirfd(folder.get()))};
+        FileItem item{.url = QUrl::fromLocalFile(path + name), .isDirectory = isFolder(*entry, dirfd(folder.get()))};
         entries.push_back({comparison.sortKey(name), std::move(item)});
     }
     return sorted(std::move(entries));

@@ -1,5 +1,7 @@
 #include "files/git_badge.h"
 
+#include "platform/file_url.h"
+
 #include <algorithm>
 
 namespace kelm {
@@ -9,7 +11,7 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
     if (!repoURL) {
         return;
     }
-    root_ = repoURL->toLocalFile() + u'/';
+    root_ = folderPrefix(*repoURL);
     for (const GitFileStatus& file : status) {
         const bool isKnown = files_.contains(file.path);
         if (!isKnown && (file.staged || file.unstaged)) {

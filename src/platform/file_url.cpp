@@ -22,6 +22,15 @@ QString lastPathComponent(const QUrl& url)
     return rest.sliced(rest.lastIndexOf(u'/') + 1).toString();
 }
 
+QString folderPrefix(const QUrl& folder)
+{
+    QString path = filePath(folder);
+    while (path.endsWith(u'/')) {
+        path.chop(1);
+    }
+    return path + u'/';
+}
+
 QString pathExtension(const QUrl& url)
 {
     const QString name = lastPathComponent(url);

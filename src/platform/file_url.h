@@ -13,6 +13,10 @@ QString filePath(const QUrl& url);
 /// for a URL without a path; "/" for the root.
 QString lastPathComponent(const QUrl& url);
 
+/// The path of a folder with one slash at its end, whether or not its URL has one: what the paths of its entries begin
+/// with.
+QString folderPrefix(const QUrl& folder);
+
 /// What follows the last dot of the last path component, without the dot; empty when there is no dot, when it is the
 /// first character (".bashrc"), or when it is the last.
 QString pathExtension(const QUrl& url);

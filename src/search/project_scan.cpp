@@ -86,6 +86,7 @@ public:
     Scan(const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks) : needle_(needle), callbacks_(callbacks)
     {}
 
+    /// Every path of a folder ends with a slash.
     void walk(const QByteArray& folder)
     {
         // A list instead of a call within a call: folders may be nested as deep as the disk likes.
@@ -95,7 +96,7 @@ public:
             QList<QByteArray> folders;
             walkOne(path, folders);
             for (qsizetype at = folders.size() - 1; at >= 0; --at) {
-                pending.append(path + '/' + folders[at]);
+                pending.append(path + folders[at] + '/');
             }
         }
     }
@@ -118,7 +119,7 @@ private:
                 if (callbacks_.isCancelled()) {
                     return;
                 }
-                search(path + '/' + entry->d_name);
+                search(path + entry->d_name);
             }
         }
     }
@@ -172,7 +173,7 @@ private:
 
 void scanProject(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks)
 {
-    Scan(needle, callbacks).walk(QFile::encodeName(root));
+    Scan(needle, callbacks).walk(QFile::encodeName(root.endsWith(u'/') ? root : root + u'/'));
 }
 
 } // namespace kelm

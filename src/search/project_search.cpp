@@ -1,5 +1,6 @@
 #include "search/project_search.h"
 
+#include "platform/file_url.h"
 #include "platform/main_queue.h"
 #include "search/project_scan.h"
 
@@ -77,7 +78,7 @@ void ProjectSearch::start(const QUrl& project, const QString& searchText)
         }
     };
     thread_.reset(
-        QThread::create([run = run_, add, deliver, root = project.toLocalFile(), needle = LocalizedNeedle(searchText)] {
+        QThread::create([run = run_, add, deliver, root = folderPrefix(project), needle = LocalizedNeedle(searchText)] {
             scanProject(root, needle, {add, [&run] { return run->isCancelled.load(); }});
             const std::lock_guard lock(run->mutex);
             run->isDone = true;

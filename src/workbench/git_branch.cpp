@@ -1,6 +1,7 @@
 #include "workbench/git_branch.h"
 
 #include "platform/character_sets.h"
+#include "platform/file_url.h"
 #include "platform/utf8_file.h"
 
 namespace kelm {
@@ -8,7 +9,7 @@ namespace kelm {
 std::optional<QString> gitBranch(const QUrl& project)
 {
     constexpr QStringView prefix = u"ref: refs/heads/";
-    const auto file = readUtf8File(project.toLocalFile() + QStringLiteral("/.git/HEAD"));
+    const auto file = readUtf8File(folderPrefix(project) + QStringLiteral(".git/HEAD"));
     const auto* const head = std::get_if<QString>(&file);
     if (head == nullptr || !head->startsWith(prefix)) {
         return std::nullopt;

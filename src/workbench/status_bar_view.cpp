@@ -1,6 +1,7 @@
 #include "workbench/status_bar_view.h"
 
 #include "git/git_service.h"
+#include "platform/file_url.h"
 #include "workbench/document_status.h"
 #include "workbench/git_branch.h"
 #include "workbench/status_bar_items.h"
@@ -106,7 +107,10 @@ void StatusBarView::takeBranch()
         watchHead({});
         return;
     }
-    watchHead(appState_.currentProject()->toLocalFile() + u"/.git"_s);
+    // Where there is no repository yet, one may come.
+    const QString project = folderPrefix(*appState_.currentProject());
+    const QString repository = project + u".git"_s;
+    watchHead(QFileInfo(repository).isDir() ? repository : project);
     branchPill_->setText(gitBranch(*appState_.currentProject()).value_or(u"main"_s));
     branchPill_->updateGeometry();
 }

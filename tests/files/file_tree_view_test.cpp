@@ -106,6 +106,10 @@ private Q_SLOTS:
     void theKeyboardWalksTheTree();
     void aDroppedFolderBecomesTheProject();
     void badgesComeFromTheRepository();
+    void aProjectNamedWithASlashIsTheSame();
+    void aWindowThatComesBackKeepsTheTree();
+    void theTreeThatAppearsAgainIsCollapsed();
+    void onlyTheKeyboardMarksARow();
     void rowsAreNamedForScreenReaders();
     void aLargeFolderExpands();
 };
@@ -275,6 +279,67 @@ void FileTreeViewTest::badgesComeFromTheRepository()
     fixture.state.git().open(QUrl::fromLocalFile(fixture.project.path()));
     QTRY_COMPARE(badge(2), u"U"_s);
     QCOMPARE(badge(1), u"U"_s);
+}
+
+void FileTreeViewTest::aProjectNamedWithASlashIsTheSame()
+{
+    Fixture fixture;
+    QVERIFY(QProcess::execute(u"git"_s, {u"init"_s, u"-q"_s, fixture.project.path()}) == 0);
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.project.path() + u'/'));
+    fixture.show(false);
+    fixture.state.git().open(*fixture.state.currentProject());
+    const auto badge = [&](int row) {
+        return fixture.view->model().index(row).data(FileTreeModel::badgeRole).toString();
+    };
+    QTRY_COMPARE(badge(2), u"U"_s);
+    QCOMPARE(badge(1), u"U"_s);
+    fixture.click(u"readme.md"_s);
+    fixture.state.openFile(QUrl::fromLocalFile(fixture.project.filePath(u"readme.md"_s)));
+    QCOMPARE(fixture.state.documents().size(), 1);
+    fixture.click(u"src"_s);
+    QCOMPARE(fixture.view->model().item(3).url, QUrl::fromLocalFile(fixture.project.filePath(u"src/A.swift"_s)));
+}
+
+void FileTreeViewTest::aWindowThatComesBackKeepsTheTree()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    const QStringList rows = fixture.rows();
+    QShowEvent comesBack;
+    QSpontaneKeyEvent::setSpontaneous(&comesBack);
+    qApp->notify(fixture.view.get(), &comesBack);
+    QCOMPARE(fixture.rows(), rows);
+}
+
+void FileTreeViewTest::theTreeThatAppearsAgainIsCollapsed()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    fixture.view->hide();
+    fixture.make(u"new.txt"_s);
+    fixture.view->show();
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"> src"_s, u"new.txt"_s, u"readme.md"_s}));
+}
+
+void FileTreeViewTest::onlyTheKeyboardMarksARow()
+{
+    Fixture fixture;
+    fixture.show();
+    QListView& list = fixture.view->list();
+    const auto ground = [&](int row) {
+        const QRect place = list.visualRect(fixture.view->model().index(row));
+        return list.viewport()->grab().toImage().pixelColor(place.right() - 20, place.top() + 3);
+    };
+    const QColor plain = ground(2);
+    fixture.click(u"empty"_s);
+    QTest::mouseMove(list.viewport(), QPoint(50, 400));
+    QTRY_COMPARE(ground(0), plain);
+    QTest::keyClick(&list, Qt::Key_Down);
+    QCOMPARE(list.currentIndex().data().toString(), u"src"_s);
+    QVERIFY(ground(1) != plain);
+    QCOMPARE(ground(0), plain);
 }
 
 void FileTreeViewTest::rowsAreNamedForScreenReaders()

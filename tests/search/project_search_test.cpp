@@ -29,9 +29,10 @@ struct Fixture
         }
     }
     /// What a search finds, as "name:line:text".
-    QStringList find(const QString& text)
+    QStringList find(const QString& text) { return findIn(project.path(), text); }
+    QStringList findIn(const QString& folder, const QString& text)
     {
-        search.start(QUrl::fromLocalFile(project.path()), text);
+        search.start(QUrl::fromLocalFile(folder), text);
         if (!QTest::qWaitFor([this] { return !search.isRunning(); }, 20'000)) {
             qFatal("the search does not end");
         }
@@ -55,6 +56,7 @@ private Q_SLOTS:
     void theQuickLookNeverMissesAMatch_data();
     void theQuickLookNeverMissesAMatch();
     void letterCaseDoesNotMatter();
+    void aSlashAtTheProjectsEndChangesNothing();
     void eachLineGivesOneResult();
     void linesEndAtEachNewline();
     void hiddenFilesAndFoldersAreLeftOut();
@@ -129,6 +131,14 @@ void ProjectSearchTest::letterCaseDoesNotMatter()
     Fixture fixture;
     fixture.write(u"a.txt"_s, "abc\nAbc\nABC\nab\n");
     QCOMPARE(fixture.find(u"ABC"_s), (QStringList{u"a.txt:1:abc"_s, u"a.txt:2:Abc"_s, u"a.txt:3:ABC"_s}));
+}
+
+void ProjectSearchTest::aSlashAtTheProjectsEndChangesNothing()
+{
+    Fixture fixture;
+    fixture.write(u"deep/a.txt"_s, "needle");
+    QCOMPARE(fixture.findIn(fixture.project.path() + u"//"_s, u"needle"_s), QStringList{u"a.txt:1:needle"_s});
+    QCOMPARE(fixture.search.results().first().fileURL, QUrl::fromLocalFile(fixture.project.filePath(u"deep/a.txt"_s)));
 }
 
 void ProjectSearchTest::eachLineGivesOneResult()

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void theBranchIsRead_data();
     void theBranchIsRead();
     void aSwitchOfBranchesIsSeen();
+    void aRepositoryThatComesLaterIsSeen();
     void aProjectThatIsNoRepositoryShowsMain();
     void theLanguageMenuChooses();
     void theEncodingMenuStoresOnly();
@@ -121,6 +122,23 @@ void StatusBarViewTest::aSwitchOfBranchesIsSeen()
     QFile::remove(head);
     QVERIFY(QFile::rename(head + u".lock"_s, head));
     QTRY_COMPARE(fixture.bar.branchPill().text(), u"two"_s);
+}
+
+void StatusBarViewTest::aRepositoryThatComesLaterIsSeen()
+{
+    Fixture fixture;
+    QDir(fixture.home.path()).mkpath(u"project"_s);
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.home.filePath(u"project/"_s)));
+    QCOMPARE(fixture.bar.branchPill().text(), u"main"_s);
+    const auto comes = [&](const QByteArray& head, const QString& shown) {
+        QDir(fixture.home.path()).mkpath(u"project/.git"_s);
+        fixture.write(u"project/.git/HEAD"_s, head);
+        return QTest::qWaitFor([&] { return fixture.bar.branchPill().text() == shown; });
+    };
+    QVERIFY(comes("ref: refs/heads/topic\n", u"topic"_s));
+    QVERIFY(QDir(fixture.home.filePath(u"project/.git"_s)).removeRecursively());
+    QTRY_COMPARE(fixture.bar.branchPill().text(), u"main"_s);
+    QVERIFY(comes("ref: refs/heads/again\n", u"again"_s));
 }
 
 void StatusBarViewTest::aProjectThatIsNoRepositoryShowsMain()

@@ -43,7 +43,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     const QRect& box = option.rect;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    const bool isMarked = option.state.testFlag(QStyle::State_HasFocus);
+    const bool isMarked = marksCurrent_ && option.state.testFlag(QStyle::State_HasFocus);
     if (isMarked || option.state.testFlag(QStyle::State_MouseOver)) {
         const Tint ground = isMarked ? Tint::accent().at(0.2) : Tint::secondary().at(hoverOpacity);
         painter->setPen(Qt::NoPen);

@@ -31,6 +31,14 @@ void FileTreeModel::setFiles(const QList<FileItem>& files)
     endResetModel();
 }
 
+void FileTreeModel::collapseAll()
+{
+    beginResetModel();
+    expandedFolders_.clear();
+    std::erase_if(rows_, [](const Row& row) { return row.depth > 0; });
+    endResetModel();
+}
+
 bool FileTreeModel::isExpanded(int row) const
 {
     return item(row).isDirectory && expandedFolders_.contains(item(row).url);

@@ -32,6 +32,9 @@ public:
 
     /// Puts a new top level in the place of all rows.
     void setFiles(const QList<FileItem>& files);
+    /// Collapses all folders and drops what lies in them.
+    void collapseAll();
+
     /// Expands a folder, listing it, or collapses it.
     void toggleExpand(int row);
     void setBadges(GitBadges badges);

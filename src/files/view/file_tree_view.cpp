@@ -56,7 +56,8 @@ QWidget* FileTreeView::makeTree()
     connect(refresh, &PlainButton::clicked, this, &FileTreeView::loadFiles);
     list_ = new QListView(tree);
     list_->setModel(model_);
-    list_->setItemDelegate(new FileItemRow(list_));
+    rowLook_ = new FileItemRow(list_);
+    list_->setItemDelegate(rowLook_);
     list_->setUniformItemSizes(true);
     list_->setFrameShape(QFrame::NoFrame);
     list_->setMouseTracking(true);
@@ -66,6 +67,7 @@ QWidget* FileTreeView::makeTree()
     list_->setAccessibleName(tr("Files"));
     list_->viewport()->setAutoFillBackground(false);
     list_->installEventFilter(this);
+    list_->viewport()->installEventFilter(this);
     connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) { select(index.row()); });
 
     auto* header = new QHBoxLayout;
@@ -126,7 +128,11 @@ void FileTreeView::takeStatus()
 void FileTreeView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    loadFiles();
+    // A window that comes back from the dock has been here all the time.
+    if (!event->spontaneous()) {
+        model_->collapseAll();
+        loadFiles();
+    }
 }
 
 void FileTreeView::loadFiles()
@@ -191,9 +197,23 @@ bool FileTreeView::takeKey(int key)
     }
 }
 
+void FileTreeView::setIsByKey(bool isByKey)
+{
+    rowLook_->setMarksCurrent(isByKey);
+    list_->viewport()->update();
+}
+
 bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == list_ && event->type() == QEvent::KeyPress) {
+    if (watched == list_->viewport() && event->type() == QEvent::MouseButtonPress) {
+        setIsByKey(false);
+    } else if (watched == list_ && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason) {
+            setIsByKey(true);
+        }
+    } else if (watched == list_ && event->type() == QEvent::KeyPress) {
+        setIsByKey(true);
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->modifiers() == Qt::NoModifier && takeKey(key->key())) {
             return true;

@@ -12,6 +12,7 @@ class QStackedWidget;
 namespace kelm {
 
 class AppState;
+class FileItemRow;
 class TextLabel;
 
 /// The project's folder, level by level, with the changes that git knows of; without a project, a way to open one. The
@@ -44,6 +45,7 @@ private:
     void openFolder();
     void select(int row);
     bool takeKey(int key);
+    void setIsByKey(bool isByKey);
 
     AppState& appState_;
     FilePanels& filePanels_;
@@ -51,6 +53,7 @@ private:
     QStackedWidget* pages_;
     TextLabel* title_ = nullptr;
     QListView* list_ = nullptr;
+    FileItemRow* rowLook_ = nullptr;
 };
 
 } // namespace kelm
