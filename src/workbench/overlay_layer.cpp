@@ -6,6 +6,8 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <utility>
+
 namespace kelm {
 
 OverlayLayer::OverlayLayer(QWidget* content, double dimOpacity, std::function<void()> dismiss, QWidget* parent)
@@ -36,16 +38,23 @@ void OverlayLayer::paintEvent(QPaintEvent*)
 
 void OverlayLayer::mousePressEvent(QMouseEvent* event)
 {
+    isPressedBeside_ = event->button() == Qt::LeftButton && isBeside(event->pos());
     event->accept();
 }
 
 void OverlayLayer::mouseReleaseEvent(QMouseEvent* event)
 {
-    // What the content leaves unanswered arrives here too, and is no click beside it.
-    const QRect card = content_->geometry().marginsRemoved(content_->contentsMargins());
-    if (!card.contains(event->pos()) && rect().contains(event->pos())) {
+    event->accept();
+    if (std::exchange(isPressedBeside_, false) && event->button() == Qt::LeftButton && isBeside(event->pos())) {
         dismiss_();
     }
+}
+
+bool OverlayLayer::isBeside(const QPoint& place) const
+{
+    // What the content leaves unanswered arrives here too, and is no click beside it.
+    const QRect card = content_->geometry().marginsRemoved(content_->contentsMargins());
+    return !card.contains(place) && rect().contains(place);
 }
 
 void OverlayLayer::mouseDoubleClickEvent(QMouseEvent* event)
@@ -60,10 +69,7 @@ void OverlayLayer::wheelEvent(QWheelEvent* event)
 
 void OverlayLayer::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape) {
-        dismiss_();
-        return;
-    }
+    // Its content answers keys; what that leaves is not for the window below.
     event->accept();
 }
 

@@ -7,8 +7,8 @@
 
 namespace kelm {
 
-/// Dims what lies below it and takes every click; the view stands centred on it. A click beside the view asks to be
-/// dismissed; one inside it stays there. The layer fills its parent.
+/// Dims what lies below it and takes every click; the view stands centred on it. A click beside the view, from the
+/// press to the release, asks to be dismissed; one inside it stays there. The layer fills its parent.
 class OverlayLayer final : public QWidget
 {
     Q_OBJECT
@@ -30,9 +30,12 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    bool isBeside(const QPoint& place) const;
+
     QWidget* content_;
     double dimOpacity_;
     std::function<void()> dismiss_;
+    bool isPressedBeside_ = false;
 };
 
 } // namespace kelm

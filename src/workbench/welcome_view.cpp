@@ -5,6 +5,7 @@
 #include "workbench/recent_file_button.h"
 
 #include <QPainter>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -47,15 +48,17 @@ PlainButton* makeButton(const QString& text, const QString& symbol, QWidget* par
 } // namespace
 
 WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget* parent)
-    : QWidget(parent), appState_(appState), themeManager_(themeManager), recentFiles_(new RoundedGroup(this))
+    : QWidget(parent), appState_(appState), themeManager_(themeManager)
 {
-    auto* icon = new SymbolLabel(u"doc.text"_s, iconSize, Tint::secondary(), this);
+    auto* content = new QWidget;
+    recentFiles_ = new RoundedGroup(content);
+    auto* icon = new SymbolLabel(u"doc.text"_s, iconSize, Tint::secondary(), content);
     auto* name = new TextLabel(u"KelmWright"_s, style::interfaceFont(style::typeSize::largeTitle, QFont::Bold),
-                               Tint::primary(), this);
+                               Tint::primary(), content);
     auto* advice = new TextLabel(u"Start editing by creating a new file or opening an existing one"_s,
-                                 style::interfaceFont(style::typeSize::body), Tint::secondary(), this);
-    auto* newFile = makeButton(u"New File"_s, u"plus"_s, this);
-    auto* openFile = makeButton(u"Open File"_s, u"folder"_s, this);
+                                 style::interfaceFont(style::typeSize::body), Tint::secondary(), content);
+    auto* newFile = makeButton(u"New File"_s, u"plus"_s, content);
+    auto* openFile = makeButton(u"Open File"_s, u"folder"_s, content);
     connect(newFile, &PlainButton::clicked, &appState_, &AppState::createNewTab);
     connect(openFile, &PlainButton::clicked, &appState_, &AppState::showOpenPanel);
 
@@ -72,7 +75,7 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
     recentRows_->setContentsMargins(groupPadding, groupPadding, groupPadding, groupPadding);
     recentRows_->setSpacing(2);
 
-    auto* column = new QVBoxLayout(this);
+    auto* column = new QVBoxLayout(content);
     column->setSpacing(spacing);
     column->addStretch(1);
     for (QWidget* widget : std::initializer_list<QWidget*>{icon, name, advice}) {
@@ -81,6 +84,19 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
     column->addLayout(buttons);
     column->addWidget(recentFiles_, 0, Qt::AlignHCenter);
     column->addStretch(1);
+
+    // Where the area is lower than the column, that scrolls.
+    auto* scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(content);
+    // The theme's ground is painted behind both.
+    scroll->viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+    auto* area = new QVBoxLayout(this);
+    area->setContentsMargins(0, 0, 0, 0);
+    area->addWidget(scroll);
 
     connect(&appState_, &AppState::recentFilesChanged, this, &WelcomeView::takeRecentFiles);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));

@@ -42,7 +42,11 @@ void WindowOverlays::takeCloneDialog()
         return;
     }
     if (cloneDialog_) {
-        cloneDialog_->close();
+        // The flag may be set again before the closed dialog has gone.
+        if (CloneDialog* closed = cloneDialog_; closed->close()) {
+            closed->disconnect(this);
+            cloneDialog_ = nullptr;
+        }
         return;
     }
     cloneDialog_ = new CloneDialog(appState_.git(), FilePanels::shared(), Scheduler::system(), &window_);

@@ -1,6 +1,10 @@
+#include "platform/notification_center.h"
+#include "run/view/output_view.h"
+#include "run/view/terminal_text_view.h"
+#include "run/view/terminal_view.h"
 #include "workbench/bottom_panel.h"
 #include "workbench/controls.h"
-#include "workbench/overlay_layer.h"
+#include "workbench/recent_file_button.h"
 #include "workbench/sidebar_view.h"
 #include "workbench/status_bar_view.h"
 #include "workbench/tool_bar_view.h"
@@ -16,16 +20,6 @@ namespace {
 
 struct Fixture : WindowFixture
 {
-    QList<OverlayLayer*> layers() const
-    {
-        QList<OverlayLayer*> layers;
-        for (QObject* child : window.children()) {
-            if (auto* layer = qobject_cast<OverlayLayer*>(child)) {
-                layers.append(layer);
-            }
-        }
-        return layers;
-    }
     void settle()
     {
         turnQueue();
@@ -50,18 +44,14 @@ private Q_SLOTS:
     void theBottomPanelKeepsItsTabOverClosing();
     void theBottomPanelKeepsItsHeights();
     void bottomTabsSelect();
+    void theOutputGoesWithItsTabAndTheTerminalStays();
+    void thePanelOpensAtItsHeightOverTheWelcomeToo();
     void anOpenedTerminalHasTheKeyboard();
     void anotherPageLeavesTheKeyboardInTheText();
     void theSettingsOpenOverTheWindow();
     void theWindowDoesNotShrinkBelowItsFloor();
     void panelsFitAtTheSmallestAndTheLargestSize_data();
     void panelsFitAtTheSmallestAndTheLargestSize();
-    void overlaysFollowTheirFlags_data();
-    void overlaysFollowTheirFlags();
-    void twoOverlaysShowAndTheLaterIsOnTop();
-    void aClickBesideAnOverlayDismissesItAndOneInsideDoesNot();
-    void escapeClosesAnOverlayAndTheTextHasTheKeyboard();
-    void overlaysFillTheWindowAsItGrows();
 };
 
 void WindowPanelsTest::atFirstTheSidebarStandsBesideTheWelcome()
@@ -170,6 +160,52 @@ void WindowPanelsTest::bottomTabsSelect()
     }
 }
 
+void WindowPanelsTest::theOutputGoesWithItsTabAndTheTerminalStays()
+{
+    Fixture fixture;
+    fixture.state.setShowBottomPanel(true);
+    const auto terminal = [&] { return fixture.window.bottomPanel()->findChild<TerminalView*>(); };
+    const auto output = [&] { return fixture.window.bottomPanel()->findChild<OutputView*>()->output(); };
+    const QUuid session = terminal()->session().id();
+    QTest::keyClicks(&terminal()->textView(), u"stays"_s);
+    fixture.state.setBottomPanelTab(BottomPanelTab::output);
+    fixture.notifications.post(notifications::codeOutput, u"seen"_s);
+    QCOMPARE(output(), u"seen"_s);
+    fixture.state.setBottomPanelTab(BottomPanelTab::problems);
+    fixture.notifications.post(notifications::codeOutput, u"unseen"_s);
+    fixture.settle();
+    fixture.state.setBottomPanelTab(BottomPanelTab::output);
+    QCOMPARE(output(), QString());
+    fixture.state.setBottomPanelTab(BottomPanelTab::terminal);
+    fixture.state.setShowBottomPanel(false);
+    fixture.settle();
+    fixture.state.setShowBottomPanel(true);
+    QCOMPARE(terminal()->session().id(), session);
+    QVERIFY(terminal()->textView().text().contains(u"stays"_s));
+}
+
+void WindowPanelsTest::thePanelOpensAtItsHeightOverTheWelcomeToo()
+{
+    Fixture fixture;
+    for (int file = 0; file < 6; ++file) {
+        fixture.state.openFile(fixture.write(u"%1.txt"_s.arg(file), "x"));
+    }
+    while (fixture.state.currentDocument()) {
+        fixture.state.closeTab(0);
+    }
+    fixture.turnQueue();
+    fixture.state.setShowBottomPanel(true);
+    fixture.turnQueue();
+    QCOMPARE(fixture.window.bottomPanel()->height(), 280);
+    fixture.window.resize(900, 600);
+    fixture.settle();
+    const auto recent = fixture.window.editorArea().findChildren<RecentFileButton*>();
+    QCOMPARE(recent.size(), 5);
+    for (const auto* button : recent) {
+        QCOMPARE(button->height(), button->sizeHint().height());
+    }
+}
+
 void WindowPanelsTest::anOpenedTerminalHasTheKeyboard()
 {
     Fixture fixture;
@@ -269,75 +305,6 @@ void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize()
         }
     }
     QVERIFY(fixture.window.editorArea().height() > 60);
-}
-
-void WindowPanelsTest::overlaysFollowTheirFlags_data()
-{
-    QTest::addColumn<QByteArray>("flag");
-    QTest::newRow("quick open") << QByteArray("showQuickOpen");
-    QTest::newRow("search") << QByteArray("showSearch");
-    QTest::newRow("go to line") << QByteArray("showGoToLine");
-}
-
-void WindowPanelsTest::overlaysFollowTheirFlags()
-{
-    QFETCH(QByteArray, flag);
-    Fixture fixture;
-    QVERIFY(fixture.layers().isEmpty());
-    fixture.state.setProperty(flag, true);
-    QCOMPARE(fixture.layers().size(), 1);
-    QVERIFY(fixture.layers().first()->isVisible());
-    QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
-    fixture.state.setProperty(flag, false);
-    fixture.settle();
-    QVERIFY(fixture.layers().isEmpty());
-}
-
-void WindowPanelsTest::twoOverlaysShowAndTheLaterIsOnTop()
-{
-    Fixture fixture;
-    fixture.state.setShowGoToLine(true);
-    fixture.state.setShowQuickOpen(true);
-    const auto layers = fixture.layers();
-    QCOMPARE(layers.size(), 2);
-    // The last child is painted on top: the line number's, which the state raised first.
-    fixture.state.setShowGoToLine(false);
-    fixture.settle();
-    QCOMPARE(fixture.layers(), QList<OverlayLayer*>{layers.first()});
-}
-
-void WindowPanelsTest::aClickBesideAnOverlayDismissesItAndOneInsideDoesNot()
-{
-    Fixture fixture;
-    fixture.state.setShowSearch(true);
-    fixture.turnQueue();
-    OverlayLayer* layer = fixture.layers().first();
-    QTest::mouseClick(layer->content(), Qt::LeftButton, {}, layer->content()->rect().center());
-    QVERIFY(fixture.state.showSearch());
-    QTest::mouseClick(layer, Qt::LeftButton, {}, {3, layer->height() - 3});
-    QVERIFY(!fixture.state.showSearch());
-}
-
-void WindowPanelsTest::escapeClosesAnOverlayAndTheTextHasTheKeyboard()
-{
-    Fixture fixture;
-    fixture.state.createNewTab();
-    fixture.state.setShowGoToLine(true);
-    fixture.turnQueue();
-    QVERIFY(fixture.layers().first()->isAncestorOf(fixture.window.focusWidget()));
-    QTest::keyClick(fixture.window.focusWidget(), Qt::Key_Escape);
-    fixture.settle();
-    QVERIFY(!fixture.state.showGoToLine());
-    QVERIFY(fixture.text().hasFocus());
-}
-
-void WindowPanelsTest::overlaysFillTheWindowAsItGrows()
-{
-    Fixture fixture;
-    fixture.state.setShowSearch(true);
-    fixture.window.resize(1500, 900);
-    fixture.turnQueue();
-    QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
 }
 
 QTEST_MAIN(WindowPanelsTest)
