@@ -86,6 +86,8 @@ private Q_SLOTS:
     void requirementsShowWhatIsSet();
     void recheckLooksAgain();
     void theExportLineIsCopied();
+    void recheckLeavesWhatARowSaysOfItsCopy();
+    void longWordsStayInThePanel();
     void theLessonOpens_data();
     void theLessonOpens();
     void withoutAnAddressThereIsNoLink();
@@ -168,6 +170,43 @@ void LearningModeSidePanelTest::theExportLineIsCopied()
     QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
     fixture.scheduler.advance(std::chrono::milliseconds(1));
     QVERIFY(fixture.button(u"Copy export"_s) != nullptr);
+}
+
+void LearningModeSidePanelTest::recheckLeavesWhatARowSaysOfItsCopy()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"KELM_TEST_ABSENT"_s, u"KELM_TEST_LATER"_s}});
+    QCOMPARE(fixture.panel->refreshTick(), 1);
+    QTest::mouseClick(fixture.button(u"Copy export"_s), Qt::LeftButton);
+    qputenv("KELM_TEST_LATER", "1");
+    QTest::mouseClick(fixture.button(u"Recheck"_s), Qt::LeftButton);
+    qunsetenv("KELM_TEST_LATER");
+    QCOMPARE(fixture.panel->refreshTick(), 2);
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    QVERIFY(fixture.button(u"Copy export"_s) == nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1500));
+    QVERIFY(fixture.button(u"Copied!"_s) == nullptr);
+    QVERIFY(fixture.button(u"Copy export"_s) != nullptr);
+    QCoreApplication::processEvents();
+    const QStringList texts = fixture.texts();
+    QVERIFY(texts.contains(u"KELM_TEST_LATER"_s));
+    QVERIFY(texts.indexOf(u"KELM_TEST_ABSENT"_s) < texts.indexOf(u"KELM_TEST_LATER"_s));
+}
+
+void LearningModeSidePanelTest::longWordsStayInThePanel()
+{
+    Fixture fixture;
+    const QString word = u"a_very_long_name.with_many_parts.and_more_parts.and_still_more_parts.and_an_end"_s;
+    fixture.show({.slug = word, .requires_ = {word.toUpper().replace(u'.', u'_')}});
+    fixture.run(u"echo \"No module named '%1'\" >&2"_s.arg(word));
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    QTRY_VERIFY(fixture.button(u"Copy"_s)->mapTo(fixture.panel.get(), QPoint(26, 0)).x() <= 280);
+    const QRect panel = fixture.panel->rect();
+    for (const auto* label : fixture.panel->findChildren<QLabel*>()) {
+        const QRect place(label->mapTo(fixture.panel.get(), QPoint()), label->size());
+        QVERIFY(place.left() >= 0 && place.right() <= panel.right());
+        QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    }
 }
 
 void LearningModeSidePanelTest::theLessonOpens_data()

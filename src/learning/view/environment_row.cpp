@@ -60,6 +60,7 @@ void EnvRow::copyExport()
 
 void EnvRow::setCopied(bool copied)
 {
+    copied_ = copied;
     copyButton_->setText((copied ? lessonTexts::copied : lessonTexts::copyExport).in(isKo_));
     copyButton_->updateGeometry();
 }

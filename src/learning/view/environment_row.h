@@ -20,6 +20,8 @@ public:
     EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent = nullptr);
 
     bool isSet() const { return isSet_; }
+    /// Whether the line was copied within the last 1.5 seconds.
+    bool copied() const { return copied_; }
 
 private:
     /// Puts the line on the clipboard and says so for 1.5 seconds.
@@ -29,6 +31,7 @@ private:
     QString key_;
     bool isSet_;
     bool isKo_;
+    bool copied_ = false;
     Scheduler& scheduler_;
     PlainButton* copyButton_ = nullptr;
 };

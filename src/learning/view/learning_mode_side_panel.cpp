@@ -37,8 +37,7 @@ public:
     {
         auto* row = new QHBoxLayout(this);
         row->setContentsMargins(8, 5, 8, 5);
-        auto* text = new TextLabel(fix, style::monospaced(noteSize), Tint::primary(), this);
-        row->addWidget(text);
+        row->addWidget(new WrappedLabel(fix, style::monospaced(noteSize), Tint::primary(), this));
     }
 
 protected:
@@ -83,6 +82,8 @@ LearningModeSidePanel::LearningModeSidePanel(LessonInfo lessonInfo, CodeRunner& 
     }
     column_->addStretch(1);
 
+    // As wide as the panel, whatever stands in them.
+    sections->setMinimumWidth(1);
     auto* area = new QScrollArea(this);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
@@ -176,6 +177,7 @@ void LearningModeSidePanel::recheckEnv()
         environment.insert(key, !qEnvironmentVariableIsEmpty(key.toLocal8Bit().constData()));
     }
     envCache_ = environment;
+    ++refreshTick_;
     fillRequirements();
 }
 
@@ -184,16 +186,23 @@ void LearningModeSidePanel::fillRequirements()
     if (requirements_ == nullptr) {
         return;
     }
-    while (QLayoutItem* item = requirements_->takeAt(0)) {
-        if (QWidget* row = item->widget()) {
-            // It may be the one whose click is being answered.
+    for (int index = 0; index < lessonInfo_.requires_.size(); ++index) {
+        const QString& key = lessonInfo_.requires_[index];
+        const bool isSet = envCache_.value(key, false);
+        QLayoutItem* const item = requirements_->itemAt(index);
+        auto* const row = item != nullptr ? static_cast<EnvRow*>(item->widget()) : nullptr;
+        // A row that tells the same stays, with what it says of its copy.
+        if (row != nullptr && row->isSet() == isSet) {
+            continue;
+        }
+        auto* const made = new EnvRow(key, isSet, isKo_, scheduler_, this);
+        if (row == nullptr) {
+            requirements_->addWidget(made);
+        } else {
+            delete requirements_->replaceWidget(row, made);
             row->hide();
             row->deleteLater();
         }
-        delete item;
-    }
-    for (const QString& key : std::as_const(lessonInfo_.requires_)) {
-        requirements_->addWidget(new EnvRow(key, envCache_.value(key, false), isKo_, scheduler_, this));
     }
 }
 

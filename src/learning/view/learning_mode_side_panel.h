@@ -31,6 +31,8 @@ public:
     const std::optional<Diagnosis>& diagnosis() const { return diagnosis_; }
     /// Looks anew at the environment of this process.
     void recheckEnv();
+    /// How often it was looked at.
+    int refreshTick() const { return refreshTick_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -51,6 +53,7 @@ private:
     Scheduler& scheduler_;
     bool isKo_;
     QHash<QString, bool> envCache_;
+    int refreshTick_ = 0;
     std::optional<Diagnosis> diagnosis_;
     QVBoxLayout* column_ = nullptr;
     QVBoxLayout* requirements_ = nullptr;

@@ -6,6 +6,10 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace kelm {
 
@@ -113,6 +117,48 @@ void WrappedLabel::setTint(const Tint& tint)
 {
     tint_ = tint;
     takeTint();
+}
+
+QSize WrappedLabel::minimumSizeHint() const
+{
+    return {0, heightForWidth(sizeHint().width())};
+}
+
+qreal WrappedLabel::layOut(QTextLayout& lines, int width) const
+{
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    lines.setText(text().replace(u'\n', QChar::LineSeparator));
+    lines.setFont(font());
+    lines.setTextOption(option);
+    qreal height = 0;
+    lines.beginLayout();
+    for (QTextLine line = lines.createLine(); line.isValid(); line = lines.createLine()) {
+        line.setLineWidth(std::max(1, width));
+        line.setPosition({0, height});
+        height += line.height();
+    }
+    lines.endLayout();
+    return height;
+}
+
+int WrappedLabel::heightForWidth(int width) const
+{
+    const QMargins margins = contentsMargins();
+    QTextLayout lines;
+    const qreal height = layOut(lines, width - margins.left() - margins.right());
+    return static_cast<int>(std::ceil(height)) + margins.top() + margins.bottom();
+}
+
+void WrappedLabel::paintEvent(QPaintEvent* /*event*/)
+{
+    const QRect box = contentsRect();
+    QTextLayout lines;
+    const qreal height = layOut(lines, box.width());
+    const bool isCentred = alignment().testFlag(Qt::AlignVCenter);
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::WindowText));
+    lines.draw(&painter, QPointF(box.left(), box.top() + (isCentred ? (box.height() - height) / 2 : 0)));
 }
 
 void WrappedLabel::changeEvent(QEvent* event)

@@ -5,6 +5,8 @@
 
 #include <QLabel>
 
+class QTextLayout;
+
 namespace kelm {
 
 /// One line of plain text in a tint, which follows the appearance. Text that finds no room is cut with an ellipsis and
@@ -43,7 +45,7 @@ private:
     bool givesWay_ = true;
 };
 
-/// Several lines of plain text in a tint, wrapped at words.
+/// Several lines of plain text in a tint, wrapped at words, and within a word that is wider than the label.
 class WrappedLabel : public QLabel
 {
     Q_OBJECT
@@ -52,12 +54,17 @@ public:
     WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent = nullptr);
 
     void setTint(const Tint& tint);
+    QSize minimumSizeHint() const override;
+    int heightForWidth(int width) const override;
 
 protected:
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void takeTint();
+    /// Breaks the text into lines of a width, and tells their height.
+    qreal layOut(QTextLayout& lines, int width) const;
 
     Tint tint_;
 };
