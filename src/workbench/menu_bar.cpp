@@ -164,7 +164,7 @@ void addEditingItems(QMenu& menu)
 
 } // namespace
 
-QMenuBar* makeMenuBar(AppState& appState, std::function<void()> openSettings, QWidget* parent)
+QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent)
 {
     auto* bar = new QMenuBar(parent);
     addApplicationMenu(*bar, appState, openSettings);

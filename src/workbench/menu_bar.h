@@ -12,6 +12,6 @@ namespace kelm {
 
 /// A menu bar with the standard menus and, at their places in them, the groups of the command table. What a text view
 /// is composing is put into its text before a command runs. `openSettings` shows the settings window.
-QMenuBar* makeMenuBar(AppState& appState, std::function<void()> openSettings, QWidget* parent);
+QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent);
 
 } // namespace kelm

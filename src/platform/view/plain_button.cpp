@@ -193,8 +193,8 @@ void PlainButton::openMenu()
     }
     // Upwards, too, at the lower edge of a window that does not reach the lower edge of the screen.
     const QWidget* const top = window();
-    if (top != nullptr && mapTo(top, QPoint(0, height())).y() > top->height() - 2 * height() &&
-        place.y() - menuHeight > 0 && place.y() > mapToGlobal(QPoint()).y()) {
+    if (mapTo(top, QPoint(0, height())).y() > top->height() - 2 * height() && place.y() - menuHeight > 0 &&
+        place.y() > mapToGlobal(QPoint()).y()) {
         place = mapToGlobal(QPoint(0, -menuHeight - 2));
     }
     // Not beyond the window's right edge, where there is room inside.
