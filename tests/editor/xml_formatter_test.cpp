@@ -1,5 +1,6 @@
 #include "editor/transforms/xml_formatter.h"
-#include "editor/transforms/xml_outline.h"
+#include "editor/transforms/xml_markup.h"
+#include "editor/transforms/xml_well_formed.h"
 #include "support/random_text.h"
 
 #include <QTemporaryFile>
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void unpairedSurrogatesComeBack();
     void entitiesAreNeitherLoadedNorExpanded();
     void deepAndLongDocumentsAreNeitherCutNorTooMuch();
+    void signsThatAreNoAttributesDoNotCount_data();
+    void signsThatAreNoAttributesDoNotCount();
     void onlyWhiteSpaceChanges();
 };
 
@@ -213,7 +216,42 @@ void XmlFormatterTest::deepAndLongDocumentsAreNeitherCutNorTooMuch()
         attributes += QStringLiteral(" a%1='1'").arg(i);
     }
     attributes += QStringLiteral("><b/></a>");
-    QVERIFY(formatXml(attributes).endsWith(u"\n  <b/>\n</a>"));
+    QCOMPARE(formatXml(attributes), attributes);
+    attributes.replace(0, 2, QStringLiteral("<a b='>'"));
+    QCOMPARE(formatXml(attributes), attributes);
+    const QString entity = QStringLiteral("<!DOCTYPE a [<!ENTITY e \"%1\">]><a>&e;</a>").arg(attributes);
+    QCOMPARE(formatXml(entity), entity);
+}
+
+void XmlFormatterTest::signsThatAreNoAttributesDoNotCount_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("formatted");
+    const QString lines = QStringLiteral("k=v\n").repeated(60'000);
+    const QString signs = QString(60'000, u'=');
+    const auto row = [](const char* name, const QString& text, const QString& formatted) {
+        QTest::newRow(name) << text << formatted;
+    };
+    row("character data", QStringLiteral("<a><d><![CDATA[") + lines + QStringLiteral("]]></d></a>"),
+        QStringLiteral("<a>\n    <d><![CDATA[") + lines + QStringLiteral("]]></d>\n</a>"));
+    row("a comment", QStringLiteral("<a><!--") + signs + QStringLiteral("--><b/></a>"),
+        QStringLiteral("<a>\n    <!--") + signs + QStringLiteral("-->\n    <b/>\n</a>"));
+    row("an instruction", QStringLiteral("<a><?p ") + signs + QStringLiteral("?><b/></a>"),
+        QStringLiteral("<a>\n    <?p ") + signs + QStringLiteral("?>\n    <b/>\n</a>"));
+    row("a value", QStringLiteral("<a v='") + signs + QStringLiteral("'><b/></a>"),
+        QStringLiteral("<a v='") + signs + QStringLiteral("'>\n    <b/>\n</a>"));
+    const QString deep = QStringLiteral("<c>").repeated(300) + QStringLiteral("</c>").repeated(300);
+    row("a word in a comment", QStringLiteral("<a><!-- <!ENTITY -->") + deep + QStringLiteral("<b>x\ny</b></a>"), {});
+}
+
+void XmlFormatterTest::signsThatAreNoAttributesDoNotCount()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, formatted);
+    QCOMPARE(checkXml(text), XmlVerdict::wellFormed);
+    if (!formatted.isEmpty()) {
+        QCOMPARE(formatXml(text), formatted);
+    }
 }
 
 void XmlFormatterTest::onlyWhiteSpaceChanges()
@@ -241,10 +279,10 @@ void XmlFormatterTest::onlyWhiteSpaceChanges()
     const auto packed = [](QString text) { return text.removeIf([](QChar unit) { return isXmlBlank(unit); }); };
     for (int i = 0; i < 500; ++i) {
         const QString text = element(5);
-        QVERIFY2(isWellFormedXml(text), qPrintable(text));
+        QVERIFY2(checkXml(text) == XmlVerdict::wellFormed, qPrintable(text));
         const QString once = formatXml(text);
         QCOMPARE(packed(once), packed(text));
-        QVERIFY2(isWellFormedXml(once), qPrintable(once));
+        QVERIFY2(checkXml(once) == XmlVerdict::wellFormed, qPrintable(once));
         QCOMPARE(formatXml(once), once);
     }
 }

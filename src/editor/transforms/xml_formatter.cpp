@@ -1,7 +1,9 @@
 #include "editor/transforms/xml_formatter.h"
 
 #include "editor/transforms/bounded_text.h"
+#include "editor/transforms/xml_markup.h"
 #include "editor/transforms/xml_outline.h"
+#include "editor/transforms/xml_well_formed.h"
 #include "platform/character_sets.h"
 
 namespace kelm {
@@ -94,7 +96,8 @@ void BasicFormatter::appendLine(QStringView line)
 class XmlPrinter
 {
 public:
-    XmlPrinter(QStringView text, const XmlOutline& outline) : text_(text), outline_(outline), result_(text.size() * 2)
+    XmlPrinter(QStringView text, XmlOutline outline)
+        : text_(text), outline_(std::move(outline)), result_(text.size() * 2)
     {}
 
     std::optional<QString> print();
@@ -105,7 +108,7 @@ private:
     void printTag(QStringView tag);
 
     QStringView text_;
-    const XmlOutline& outline_;
+    XmlOutline outline_;
     qsizetype level_ = 0;
     bool isFirstLine_ = true;
     BoundedText result_;
@@ -205,11 +208,15 @@ QString formatXml(const QString& text)
     if (!QStringView(text).isValidUtf16()) {
         return text;
     }
-    if (!isWellFormedXml(text)) {
+    switch (checkXml(text)) {
+    case XmlVerdict::wellFormed:
+        return XmlPrinter(text, XmlOutline::read(text)).print().value_or(text);
+    case XmlVerdict::malformed:
         return XMLFormatter::basicFormat(text, basicIndent);
+    case XmlVerdict::tooMuch:
+        break;
     }
-    const XmlOutline outline = XmlOutline::read(text);
-    return XmlPrinter(text, outline).print().value_or(text);
+    return text;
 }
 
 } // namespace kelm

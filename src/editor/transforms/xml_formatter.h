@@ -17,7 +17,7 @@ struct XMLFormatter
 };
 
 /// Pretty-prints an XML document, four blanks a level, or gives `basicFormat` at indent 2 of a text that is not well
-/// formed. A text with unpaired surrogates comes back as it is.
+/// formed. A text with unpaired surrogates, and one that it would take too long to look at, comes back as it is.
 ///
 /// Only white space changes: between elements, and within tags around names and attributes. Declaration, document type,
 /// comments, CDATA sections, processing instructions, entities, values and the two forms of an empty element stay as

@@ -40,14 +40,4 @@ struct XmlOutline
     static XmlOutline read(QStringView text);
 };
 
-/// Whether libxml2 takes the text, which must be valid UTF-16, for a well-formed document. An encoding that its
-/// declaration names is not looked at. Loads nothing and expands no entity.
-bool isWellFormedXml(QStringView text);
-
-/// One of XML's four white space characters.
-bool isXmlBlank(QChar unit);
-
-/// The offset of the first unit at or behind `at` that is not XML's white space.
-qsizetype skipXmlBlanks(QStringView text, qsizetype at);
-
 } // namespace kelm
