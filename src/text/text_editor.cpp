@@ -5,6 +5,7 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace kelm {
@@ -22,6 +23,19 @@ TextRange carried(TextRange range, const TextEdit& edit)
 {
     const qsizetype start = edit.moved(range.location, !range.isEmpty());
     return TextRange::between(start, std::max(start, edit.moved(range.end(), !range.isEmpty())));
+}
+
+/// Whether several changes leave the text as it is, as moving a letter behind its equal does.
+bool cancelsOut(QStringView text, const ChangeBatch& batch)
+{
+    const auto growth = [](qsizetype sum, const Change& change) {
+        return sum + change.text.size() - change.range.length;
+    };
+    if (batch.size() < 2 || std::accumulate(batch.begin(), batch.end(), qsizetype(0), growth) != 0) {
+        return false;
+    }
+    const Change whole = combined(text, batch);
+    return whole.text == text.sliced(whole.range.location, whole.range.length);
 }
 
 } // namespace
@@ -315,6 +329,9 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
                 made.push_back(change);
             }
             shift += change.text.size() - change.range.length;
+        }
+        if (cancelsOut(storage_.text(), made)) {
+            made.clear();
         }
         replace(made);
         selections_ = step.after;

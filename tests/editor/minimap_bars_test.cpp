@@ -22,6 +22,8 @@ private Q_SLOTS:
     void linesEndAtLineFeedsAlone();
     void aMapWithoutRoomHasNoBars();
     void ofManyLinesInOnePixelTheLastAreGiven();
+    void aLineIsLeftOutOnlyUnderLongerOnes_data();
+    void aLineIsLeftOutOnlyUnderLongerOnes();
 };
 
 void MinimapBarsTest::aLineIsTintedByAGlance_data()
@@ -155,6 +157,41 @@ void MinimapBarsTest::ofManyLinesInOnePixelTheLastAreGiven()
         QVERIFY(bars[i].y > bars[i - 1].y);
         QVERIFY(bars[i].y - bars[i - 1].y < 1.01);
     }
+}
+
+void MinimapBarsTest::aLineIsLeftOutOnlyUnderLongerOnes_data()
+{
+    QTest::addColumn<QStringList>("block");
+    QTest::addColumn<qreal>("longest");
+    const QString full(60, u'x');
+    QTest::newRow("blank lines behind") << QStringList(13, full) + QStringList(13, QString()) << 60 * 1.2;
+    QTest::newRow("spaces behind") << QStringList(13, full) + QStringList(13, QString(90, u' ')) << 60 * 1.2;
+    QTest::newRow("short lines behind") << QStringList(13, full) + QStringList(13, QStringLiteral("}")) << 60 * 1.2;
+    QTest::newRow("longer than the map") << QStringList(13, full + full) + QStringList(200, full) << 76.0;
+}
+
+void MinimapBarsTest::aLineIsLeftOutOnlyUnderLongerOnes()
+{
+    QFETCH(QStringList, block);
+    QFETCH(qreal, longest);
+    TextStorage storage;
+    storage.setText((block.join(u'\n') + u'\n').repeated(400));
+    const MinimapGeometry geometry{80, 400, minimapLineCount(storage)};
+    // What a map shows at each pixel is the longest of its bars.
+    std::vector<qreal> shown(400, 0);
+    for (const MinimapBar& bar : minimapBars(storage, geometry, EditorTheme::monokai(), 1)) {
+        shown.at(static_cast<std::size_t>(bar.y)) = std::max(shown.at(static_cast<std::size_t>(bar.y)), bar.width);
+    }
+    std::vector<qreal> expected(400, 0);
+    const QStringList lines = storage.text().split(u'\n');
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const bool isBlank = lines[line].trimmed().isEmpty();
+        const qreal width = isBlank ? 0 : std::min<qreal>(76, static_cast<qreal>(lines[line].size()) * 1.2);
+        const auto pixel = static_cast<std::size_t>(geometry.barY(line));
+        expected.at(pixel) = std::max(expected.at(pixel), width);
+    }
+    QCOMPARE(*std::max_element(shown.begin(), shown.end()), longest);
+    QCOMPARE(shown, expected);
 }
 
 QTEST_GUILESS_MAIN(MinimapBarsTest)

@@ -7,14 +7,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 
 namespace kelm {
 
 namespace {
 
-/// How many bars are painted over one pixel at most. A bar's tint is at least half opaque, so that of what lies under
-/// this many of them less than a thousandth is left to be seen.
-constexpr qsizetype barsPerPixel = 12;
+/// How many bars hide what lies under them: a bar's tint is at least half opaque, so that at most a sixtieth of it is
+/// left to be seen.
+constexpr std::size_t barsPerPixel = 6;
 
 /// Words with which a line of code begins.
 constexpr std::array<QStringView, 13> keywordPrefixes{u"func", u"def",   u"class",  u"struct", u"enum", u"if", u"else",
@@ -57,6 +58,13 @@ qreal barWidth(QStringView line, qreal longest)
     const auto shown = static_cast<qsizetype>(std::ceil(longest / MinimapGeometry::charWidth));
     qsizetype offset = 0;
     qsizetype count = 0;
+    const qsizetype plain = std::min(shown, line.size() - 1);
+    // A character that joins the one before it is none of ASCII's.
+    while (offset < plain && line[offset].unicode() < 0x80 && line[offset] != u'\r') {
+        ++offset;
+    }
+    offset = std::max<qsizetype>(0, offset - 1);
+    count = offset;
     while (count < shown && offset < line.size()) {
         offset = nextGraphemeBoundary(line, offset);
         ++count;
@@ -86,22 +94,72 @@ public:
         return starts_.empty() ? storage_.lines().lineCount() : static_cast<qsizetype>(starts_.size());
     }
 
-    QStringView line(qsizetype number) const
-    {
-        const qsizetype start = startOf(number);
-        const bool isLast = number + 1 == count();
-        const qsizetype end = isLast ? storage_.length() : startOf(number + 1) - 1;
-        return QStringView(storage_.text()).mid(start, end - start);
-    }
-
-private:
     qsizetype startOf(qsizetype number) const
     {
         return starts_.empty() ? storage_.lines().start(number) : starts_[static_cast<std::size_t>(number)];
     }
+    /// The offset of the line's line feed, or of the text's end.
+    qsizetype endOf(qsizetype number) const
+    {
+        return number + 1 == count() ? storage_.length() : startOf(number + 1) - 1;
+    }
+    QStringView text() const { return storage_.text(); }
 
+private:
     const TextStorage& storage_;
     std::vector<qsizetype> starts_;
+};
+
+/// The bars that begin within one pixel. The later lie over the earlier, so they are looked at from the last on: a bar
+/// that others at least as long have covered often enough cannot be seen.
+class BarsOfPixel
+{
+public:
+    BarsOfPixel(const MinimapGeometry& geometry, const EditorTheme& theme)
+        : geometry_(geometry), theme_(theme), longest_(geometry.longestBar())
+    {}
+
+    /// Those of the lines from `first` up to `end`, the last one first.
+    std::vector<MinimapBar> of(const LineFeedLines& lines, qsizetype first, qsizetype end)
+    {
+        std::vector<MinimapBar> seen;
+        qsizetype lineEnd = lines.endOf(end - 1);
+        for (qsizetype number = end - 1; number >= first && !isCovered(longest_); --number) {
+            const qsizetype start = lines.startOf(number);
+            const qsizetype length = lineEnd - start;
+            lineEnd = start - 1;
+            // No longer than its units are, which is told without reading it.
+            if (length == 0 || isCovered(static_cast<qreal>(length) * MinimapGeometry::charWidth)) {
+                continue;
+            }
+            const QStringView line = lines.text().sliced(start, length);
+            const qreal width = barWidth(line, longest_);
+            if (isCovered(width)) {
+                continue;
+            }
+            if (const QColor color = minimapLineColor(line, theme_); color.alpha() > 0) {
+                seen.push_back({geometry_.barY(number), width, color, covers_.back()});
+                cover(width);
+            }
+        }
+        return seen;
+    }
+
+private:
+    bool isCovered(qreal width) const { return covers_.back() >= width; }
+
+    void cover(qreal width)
+    {
+        const auto place = std::upper_bound(covers_.begin(), covers_.end(), width, std::greater<>());
+        std::move_backward(place, covers_.end() - 1, covers_.end());
+        *place = width;
+    }
+
+    const MinimapGeometry& geometry_;
+    const EditorTheme& theme_;
+    qreal longest_;
+    /// The widths of the longest bars so far, falling.
+    std::array<qreal, barsPerPixel> covers_{};
 };
 
 } // namespace
@@ -161,26 +219,16 @@ std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeo
     }
     const LineFeedLines lines(storage);
     const qreal pitch = geometry.scale() * MinimapGeometry::lineHeight;
-    // The bars that begin within one pixel; of more than a few only the last can be seen.
-    const qreal linesPerPixel = 1 / (pitch * pixelRatio);
-    const bool isCrowded = linesPerPixel > static_cast<qreal>(barsPerPixel);
-    for (qsizetype number = 0; number < lines.count(); ++number) {
-        const qreal y = geometry.barY(number);
-        if (y > geometry.height) {
-            break;
-        }
-        if (isCrowded) {
-            const qreal pixelEnd = std::floor(y * pixelRatio) + 1;
-            const auto firstOfNext =
-                static_cast<qsizetype>(std::ceil((pixelEnd / pixelRatio - MinimapGeometry::topMargin) / pitch));
-            number = std::clamp(firstOfNext - barsPerPixel, number, lines.count() - 1);
-        }
-        const QStringView line = lines.line(number);
-        const QColor color = minimapLineColor(line, theme);
-        const qreal width = color.alpha() == 0 ? 0 : barWidth(line, geometry.longestBar());
-        if (width > 0) {
-            bars.push_back({geometry.barY(number), width, color});
-        }
+    for (qsizetype first = 0; first < lines.count() && geometry.barY(first) <= geometry.height;) {
+        const qreal pixelEnd = (std::floor(geometry.barY(first) * pixelRatio) + 1) / pixelRatio;
+        const auto next = static_cast<qsizetype>(std::ceil((pixelEnd - MinimapGeometry::topMargin) / pitch));
+        // Bars begin within the map.
+        const auto behindLast =
+            static_cast<qsizetype>(std::floor((geometry.height - MinimapGeometry::topMargin) / pitch)) + 1;
+        const qsizetype end = std::clamp(std::min(next, behindLast), first + 1, lines.count());
+        const std::vector<MinimapBar> seen = BarsOfPixel(geometry, theme).of(lines, first, end);
+        bars.insert(bars.end(), seen.rbegin(), seen.rend());
+        first = end;
     }
     return bars;
 }

@@ -17,6 +17,8 @@ struct MinimapBar
     qreal y = 0;
     qreal width = 0;
     QColor color;
+    /// How much of the width, from the left, lies hidden under other bars and need not be painted.
+    qreal hiddenWidth = 0;
 };
 
 /// Where everything in a minimap stands, from its size and the number of lines.
@@ -53,8 +55,8 @@ qsizetype minimapLineCount(const TextStorage& storage);
 /// The tint of a line, told from a glance at its text; transparent for a blank one.
 QColor minimapLineColor(QStringView line, const EditorTheme& theme);
 
-/// The bars of all lines from the top down to the map's height. Where very many lines share a pixel, only the last of
-/// them are given, since the others cannot be told apart beneath them. `pixelRatio` is the number of pixels in a point.
+/// The bars of all lines from the top down to the map's height. Where very many lines share a pixel, those that others
+/// of at least their length hide are left out. `pixelRatio` is the number of pixels in a point.
 std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeometry& geometry,
                                     const EditorTheme& theme, qreal pixelRatio);
 

@@ -46,9 +46,8 @@ Survey survey(QStringView text)
     for (qsizetype at = text.indexOf(u'<'); at >= 0 && at < text.size(); at = text.indexOf(u'<', at)) {
         const qsizetype start = at;
         at = endOfXmlMarkup(text, start);
-        found.declaresEntities =
-            found.declaresEntities || (xmlMarkupAt(text, start) == XmlMarkup::declaration &&
-                                       text.sliced(start, at - start).contains(entityDeclaration));
+        found.declaresEntities = found.declaresEntities || (xmlMarkupAt(text, start) == XmlMarkup::declaration &&
+                                                            text.sliced(start, at - start).contains(entityDeclaration));
         if (hasTooManyAttributes(text, start, at)) {
             found.hasTooManyAttributes = true;
             return found;

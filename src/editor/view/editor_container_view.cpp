@@ -224,8 +224,11 @@ void EditorContainerView::unfoldBeforeEdit()
 void EditorContainerView::scrollViewDidScroll()
 {
     lineNumberView_->update();
-    minimapView_->currentVisibleRect = textView_->visibleRect();
-    minimapView_->update();
+    // Keys that scroll nothing leave the map as it is.
+    if (const QRectF visible = textView_->visibleRect(); visible != minimapView_->currentVisibleRect) {
+        minimapView_->currentVisibleRect = visible;
+        minimapView_->update();
+    }
 }
 
 void EditorContainerView::focusEditorRequested()

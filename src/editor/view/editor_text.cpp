@@ -11,8 +11,9 @@ namespace {
 
 constexpr int editorFontSize = 14;
 constexpr float selectionAlpha = 0.4F;
-/// How strongly the match that a search stands at is marked.
-constexpr float currentMatchAlpha = 0.4F;
+/// How strongly the matches of a search are marked, and the one that it stands at.
+constexpr float matchAlpha = 0.2F;
+constexpr float currentMatchAlpha = 0.45F;
 
 QColor withAlpha(QColor color, float alpha)
 {
@@ -39,7 +40,7 @@ void takeThemeColors(TextView& view, const EditorTheme& theme)
     TextViewColors colors = view.colors();
     colors.background = theme.backgroundColor.toColor();
     colors.insertionPoint = theme.cursorColor.toColor();
-    colors.match = theme.selectionColor.toColor();
+    colors.match = withAlpha(theme.cursorColor.toColor(), matchAlpha);
     colors.currentMatch = withAlpha(theme.cursorColor.toColor(), currentMatchAlpha);
     view.setColors(colors);
 }

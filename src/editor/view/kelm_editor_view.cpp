@@ -42,7 +42,9 @@ EditorContainerView* KelmEditorView::makeView(QWidget* parent, Scheduler& schedu
     view_->setShowMinimap(showMinimap_);
     view_->setCurrentLanguage(document_->language());
     view_->setTheme(themeManager_.currentTheme());
-    updateText();
+    // An empty text too is one that later texts replace in a step of their own.
+    coordinator_.noteExchange();
+    view_->setText(document_->content());
     view_->setLessonRegion(lessonRegion());
     return view_;
 }

@@ -45,7 +45,7 @@ QRgb scaled(QRgb pixel, uint factor)
 uint coverage(qreal from, qreal to, int at)
 {
     const qreal covered = std::min<qreal>(to, at + 1) - std::max<qreal>(from, at);
-    return static_cast<uint>(std::lround(std::clamp<qreal>(covered, 0, 1) * 255));
+    return static_cast<uint>(std::clamp<qreal>(covered, 0, 1) * 255 + 0.5);
 }
 
 /// Lays a premultiplied colour over the pixels from `first` up to `last`: as `scaled` does it, but in steps of 16 bits
@@ -95,10 +95,11 @@ void paintMinimapBars(QPainter& painter, const std::vector<MinimapBar>& bars, co
     for (const MinimapBar& bar : bars) {
         const qreal top = bar.y * pixelRatio;
         const QRgb color = qPremultiply(bar.color.rgba());
+        const qreal start = left + bar.hiddenWidth * pixelRatio;
         const int first = static_cast<int>(std::floor(top));
         const int last = std::min(image.height(), static_cast<int>(std::ceil(top + height)));
         for (int y = first; y < last; ++y) {
-            blendRow(reinterpret_cast<QRgb*>(image.scanLine(y)), image.width(), left, left + bar.width * pixelRatio,
+            blendRow(reinterpret_cast<QRgb*>(image.scanLine(y)), image.width(), start, left + bar.width * pixelRatio,
                      scaled(color, coverage(top, top + height, y)));
         }
     }

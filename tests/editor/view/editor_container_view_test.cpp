@@ -100,6 +100,9 @@ private Q_SLOTS:
     void typingMarksTheDocumentModified();
     void contentChangedElsewhereIsShown();
     void contentChangedElsewhereIsAnUndoStep();
+    void soItIsWhereTheTextBeganEmpty();
+    void keysThatScrollNothingLeaveTheMinimap();
+    void editsThatCancelOutLeaveTheDocument();
     void anUpdateWithoutAChangeColoursNothing();
     void theThemeIsTakenWithoutSelectionAndCurrentLineColours();
     void theLanguageSetterRunsTheCycleAndTellsTheMinimap();
@@ -226,6 +229,59 @@ void EditorContainerViewTest::contentChangedElsewhereIsAnUndoStep()
     text.undo();
     QCOMPARE(fixture.document->content(), foldable);
     QVERIFY(!text.editor().canUndo());
+}
+
+void EditorContainerViewTest::soItIsWhereTheTextBeganEmpty()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("a b"));
+    fixture.document->setContent(QStringLiteral("A B"));
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->text(), QStringLiteral("A B"));
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.document->content(), QStringLiteral("a b"));
+}
+
+void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(10));
+    class Paints final : public QObject
+    {
+    public:
+        int count = 0;
+
+    protected:
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            count += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+    } paints;
+    fixture.turnQueue();
+    fixture.view->minimapView().installEventFilter(&paints);
+    fixture.type(QStringLiteral("abcde"));
+    fixture.turnQueue();
+    QCOMPARE(paints.count, 0);
+    fixture.document->setContent(QStringLiteral("new"));
+    QTRY_VERIFY(paints.count > 0);
+}
+
+void EditorContainerViewTest::editsThatCancelOutLeaveTheDocument()
+{
+    Fixture fixture(QStringLiteral("aaa"));
+    TextView& text = fixture.view->textView();
+    text.setSelectedRange({0, 1});
+    text.editor().moveSelectedTextTo(2);
+    QCOMPARE(fixture.document->content(), QStringLiteral("aaa"));
+    QVERIFY(!fixture.document->isModified());
+    QVERIFY(!text.editor().canUndo());
+    QCOMPARE(text.selectedRange(), TextRange(1, 1));
+    text.editor().moveSelectedTextTo(0);
+    text.setSelectedRange({3, 0});
+    fixture.type(QStringLiteral("b"));
+    text.setSelectedRange({2, 1});
+    text.editor().moveSelectedTextTo(4);
+    QCOMPARE(fixture.document->content(), QStringLiteral("aaba"));
 }
 
 void EditorContainerViewTest::anUpdateWithoutAChangeColoursNothing()
