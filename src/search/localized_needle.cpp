@@ -75,12 +75,13 @@ bool isAscii(QByteArrayView bytes)
     return all >= 0;
 }
 
-/// Whether UTF-8 bytes hold one of the few characters beyond ASCII that fold to ASCII letters: the long s, "ŉ", the
-/// Kelvin sign, "ß", a few letters with marks from U+1E80 on, among them the capital sharp s, and the Latin ligatures.
+/// Whether UTF-8 bytes hold one of the few characters beyond ASCII that fold to ASCII: the long s, "ŉ", the Kelvin
+/// sign, "ß", a few letters with marks from U+1E80 on, among them the capital sharp s, the Latin ligatures, and two
+/// signs of Greek, the question mark and the grave accent.
 bool holdsWhatFoldsToAscii(QByteArrayView bytes)
 {
-    constexpr std::array<QByteArrayView, 6> forms{"\xc5\xbf", "\xc5\x89", "\xe2\x84\xaa",
-                                                  "\xc3\x9f", "\xe1\xba", "\xef\xac"};
+    constexpr std::array<QByteArrayView, 8> forms{"\xc5\xbf", "\xc5\x89", "\xe2\x84\xaa", "\xc3\x9f",
+                                                  "\xe1\xba", "\xef\xac", "\xcd\xbe",     "\xe1\xbf\xaf"};
     return std::any_of(forms.begin(), forms.end(), [bytes](QByteArrayView form) { return bytes.contains(form); });
 }
 

@@ -42,7 +42,11 @@ ProjectSearch::~ProjectSearch()
 void ProjectSearch::stop()
 {
     if (run_) {
-        run_->isCancelled = true;
+        {
+            // Not between a look at it and the wait that follows the look: nobody would wake that up.
+            const std::lock_guard lock(run_->mutex);
+            run_->isCancelled = true;
+        }
         run_->hasRoom.notify_all();
         run_ = nullptr;
     }

@@ -113,6 +113,8 @@ void ProjectSearchTest::theQuickLookNeverMissesAMatch_data()
     QTest::newRow("at the very start") << u"xyz"_s << u"xyzaaa"_s << true;
     QTest::newRow("the rarest sign elsewhere") << u"zebra"_s << u"z z zz zebrA"_s << true;
     QTest::newRow("signs") << u"a->b"_s << u"if (a->b)"_s << true;
+    QTest::newRow("the Greek question mark") << u";"_s << u"\u037e"_s << true;
+    QTest::newRow("the Greek grave accent") << u"`"_s << u"\u1fef"_s << true;
     QTest::newRow("cut off") << u"zebra"_s << u"zebr"_s << false;
 }
 

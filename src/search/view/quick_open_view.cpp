@@ -28,11 +28,13 @@ constexpr int rowHeight = 30;
 constexpr int largestListHeight = 300;
 constexpr double selectionOpacity = 0.3;
 
+} // namespace
+
 /// An icon and the file's name.
-class FileRowDelegate final : public QStyledItemDelegate
+class QuickOpenView::FileRowDelegate final : public QStyledItemDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    explicit FileRowDelegate(QuickOpenView& view) : QStyledItemDelegate(&view), view_(view) {}
 
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override { return {1, rowHeight}; }
 
@@ -43,12 +45,9 @@ public:
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         const QRectF box = QRectF(option.rect).adjusted(8, 1, -8, -1);
-        painter->setPen(Qt::NoPen);
-        if (option.state.testFlag(QStyle::State_Selected)) {
+        if (index.row() == view_.selectedIndex_) {
+            painter->setPen(Qt::NoPen);
             painter->setBrush(Tint::accent().at(selectionOpacity).in(appearance));
-            painter->drawRoundedRect(box, style::radius::control, style::radius::control);
-        } else if (option.state.testFlag(QStyle::State_MouseOver)) {
-            painter->setBrush(Tint::primary().at(style::hoverOpacity).in(appearance));
             painter->drawRoundedRect(box, style::radius::control, style::radius::control);
         }
         icons::paint(*painter, u"doc"_s,
@@ -61,9 +60,10 @@ public:
             option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, static_cast<int>(place.width())));
         painter->restore();
     }
-};
 
-} // namespace
+private:
+    QuickOpenView& view_;
+};
 
 QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     : OverlayCard(panelWidth, shadowRadius, parent),
@@ -85,10 +85,10 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
     connect(shortcut, &QShortcut::activated, this, &QuickOpenView::close);
 
-    list_->setItemDelegate(new FileRowDelegate(list_));
+    list_->setItemDelegate(new FileRowDelegate(*this));
     list_->setFrameShape(QFrame::NoFrame);
     list_->setFocusPolicy(Qt::NoFocus);
-    list_->setMouseTracking(true);
+    list_->setSelectionMode(QAbstractItemView::NoSelection);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->setAccessibleName(tr("Recent files"));
     list_->viewport()->setAutoFillBackground(false);
@@ -136,8 +136,8 @@ void QuickOpenView::showSelection()
         list_->setCurrentRow(static_cast<int>(selectedIndex_));
     } else {
         list_->setCurrentItem(nullptr);
-        list_->clearSelection();
     }
+    list_->viewport()->update();
 }
 
 bool QuickOpenView::takeKey(int key)

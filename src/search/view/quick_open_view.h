@@ -30,6 +30,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    class FileRowDelegate;
+
     bool takeKey(int key);
     void fillList();
     void showSelection();
