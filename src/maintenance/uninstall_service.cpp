@@ -1,5 +1,6 @@
 #include "maintenance/uninstall_service.h"
 
+#include "maintenance/application_image.h"
 #include "platform/main_queue.h"
 #include "platform/standard_paths.h"
 #include "platform/user_defaults.h"
@@ -45,8 +46,7 @@ bool exists(const std::optional<QUrl>& url)
 
 QString programFile()
 {
-    QString image = qEnvironmentVariable("APPIMAGE");
-    if (!image.isEmpty()) {
+    if (const QString image = applicationImage(); !image.isEmpty()) {
         return image;
     }
     const QString file = QCoreApplication::applicationFilePath();

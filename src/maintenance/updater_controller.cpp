@@ -1,5 +1,6 @@
 #include "maintenance/updater_controller.h"
 
+#include "maintenance/application_image.h"
 #include "maintenance/image_updater_controller.h"
 
 namespace kelm {
@@ -14,8 +15,7 @@ std::unique_ptr<UpdaterController> UpdaterController::makeForPlatform()
 #ifdef KELM_HAS_UPDATE_FRAMEWORK
     return makeFrameworkUpdaterController();
 #else
-    return std::make_unique<ImageUpdaterController>(ImageUpdaterController::findUpdater(),
-                                                    qEnvironmentVariable("APPIMAGE"));
+    return std::make_unique<ImageUpdaterController>(ImageUpdaterController::findUpdater(), applicationImage());
 #endif
 }
 

@@ -46,7 +46,7 @@ constexpr std::array<FindItem, 5> findItems{{
     {QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R, "showReplaceBar"},
     {QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
     {QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
-    {QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_E, "useSelectionForFind"},
+    {QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_F3, "useSelectionForFind"},
 }};
 
 void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);

@@ -65,6 +65,7 @@ private Q_SLOTS:
     void absentFieldsAreSkipped();
     void thePlanOfTheProgramIsMadeWithoutALook();
     void anApplicationImageIsTheProgram();
+    void theImageOfWhoeverStartedTheProgramIsLeftAlone();
 };
 
 void UninstallServiceTest::theAlertHasItsWordsAndButtons()
@@ -185,9 +186,26 @@ void UninstallServiceTest::thePlanOfTheProgramIsMadeWithoutALook()
 void UninstallServiceTest::anApplicationImageIsTheProgram()
 {
     qputenv("APPIMAGE", "/somewhere/KelmWright.AppImage");
+    qputenv("APPDIR", QCoreApplication::applicationDirPath().toLocal8Bit());
     QCOMPARE(UninstallService::currentPlan().appBundle,
              std::optional(QUrl::fromLocalFile(u"/somewhere/KelmWright.AppImage"_s)));
     qunsetenv("APPIMAGE");
+    qunsetenv("APPDIR");
+}
+
+void UninstallServiceTest::theImageOfWhoeverStartedTheProgramIsLeftAlone()
+{
+    const QTemporaryDir mounted;
+    const auto program = std::optional(QUrl::fromLocalFile(QCoreApplication::applicationFilePath()));
+    qputenv("APPIMAGE", "/somewhere/Another.AppImage");
+    QCOMPARE(UninstallService::currentPlan().appBundle, program);
+    qputenv("APPDIR", mounted.path().toLocal8Bit());
+    QCOMPARE(UninstallService::currentPlan().appBundle, program);
+    // A folder whose name only begins like the image's.
+    qputenv("APPDIR", QCoreApplication::applicationFilePath().chopped(3).toLocal8Bit());
+    QCOMPARE(UninstallService::currentPlan().appBundle, program);
+    qunsetenv("APPIMAGE");
+    qunsetenv("APPDIR");
 }
 
 QTEST_GUILESS_MAIN(UninstallServiceTest)

@@ -104,6 +104,7 @@ private Q_SLOTS:
     void aDamagedFileIsLeftUntilAControlChanges();
     void sectionsStandInTheirOrder();
     void selectingAThemeChangesThePreviewAlone();
+    void theKeyboardAloneSelectsNoTheme();
     void applyingSetsSavesAndApplies();
     void importAndLearnMoreDoNothing();
     void theListOfKeysIsAsItStands();
@@ -233,6 +234,9 @@ void SettingsViewTest::theFontPickerShowsEachFamilyInItself()
                                     u"Fira Code"_s}));
     fixture.view.select(SettingsView::editor);
     box.setFocus();
+    // To choose what stands there already changes nothing.
+    Q_EMIT box.activated(box.currentIndex());
+    QVERIFY(!fixture.store.contains(u"fontFamily"_s));
     QTest::keyClick(&box, Qt::Key_Down);
     QCOMPARE(fixture.store.string(u"fontFamily"_s), std::optional(u"Menlo"_s));
 }
@@ -303,6 +307,24 @@ void SettingsViewTest::selectingAThemeChangesThePreviewAlone()
     QCOMPARE(fixture.themes.currentTheme().name, before);
     QVERIFY(!fixture.store.contains(u"selectedTheme"_s));
     QVERIFY(fixture.appearances.isEmpty());
+}
+
+void SettingsViewTest::theKeyboardAloneSelectsNoTheme()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::themes);
+    ThemeSettingsView& themes = fixture.themeView();
+    themes.window()->activateWindow();
+    themes.list().setFocus(Qt::TabFocusReason);
+    QCOMPARE(themes.selectedTheme(), std::nullopt);
+    QCOMPARE(themes.preview().theme().name, fixture.themes.currentTheme().name);
+    themes.list().setCurrentRow(4);
+    QCOMPARE(themes.preview().theme().name, u"GitHub Light"_s);
+    // What is selected no more is not previewed any more.
+    QTest::mouseClick(themes.list().viewport(), Qt::LeftButton, Qt::ControlModifier,
+                      themes.list().visualItemRect(themes.list().item(4)).center());
+    QCOMPARE(themes.selectedTheme(), std::nullopt);
+    QCOMPARE(themes.preview().theme().name, fixture.themes.currentTheme().name);
 }
 
 void SettingsViewTest::applyingSetsSavesAndApplies()

@@ -143,7 +143,12 @@ void SettingControl::addPicker()
         const QSignalBlocker quiet(box);
         box->setCurrentIndex(box->findText(value.toString()));
     });
-    connect(box, &QComboBox::activated, this, [this, box](int index) { store(box->itemText(index)); });
+    // The list also tells of the choice that was made before.
+    connect(box, &QComboBox::activated, this, [this, box](int index) {
+        if (box->itemText(index) != value().toString()) {
+            store(box->itemText(index));
+        }
+    });
 }
 
 } // namespace kelm

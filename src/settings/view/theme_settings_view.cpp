@@ -104,7 +104,8 @@ ThemeSettingsView::ThemeSettingsView(ThemeManager& themeManager, QWidget* parent
     row->addWidget(list_);
     row->addLayout(right, 1);
 
-    connect(list_, &QListWidget::currentRowChanged, this, &ThemeSettingsView::takeSelection);
+    // The row that only has the keyboard is not selected by that.
+    connect(list_, &QListWidget::itemSelectionChanged, this, &ThemeSettingsView::takeSelection);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &ThemeSettingsView::fillList);
     connect(&themeManager_, &ThemeManager::availableThemesChanged, this, &ThemeSettingsView::fillList);
     fillList();
@@ -125,12 +126,14 @@ void ThemeSettingsView::fillList()
     preview_->setTheme(selectedTheme_.value_or(themeManager_.currentTheme()));
 }
 
-void ThemeSettingsView::takeSelection(int row)
+void ThemeSettingsView::takeSelection()
 {
-    if (row >= 0 && row < themeManager_.availableThemes().size()) {
-        selectedTheme_ = themeManager_.availableThemes().at(row);
-        preview_->setTheme(*selectedTheme_);
+    const QList<QListWidgetItem*> selected = list_->selectedItems();
+    selectedTheme_.reset();
+    if (!selected.isEmpty()) {
+        selectedTheme_ = themeManager_.availableThemes().at(list_->row(selected.first()));
     }
+    preview_->setTheme(selectedTheme_.value_or(themeManager_.currentTheme()));
 }
 
 void ThemeSettingsView::apply()

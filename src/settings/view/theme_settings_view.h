@@ -27,7 +27,7 @@ public:
 
 private:
     void fillList();
-    void takeSelection(int row);
+    void takeSelection();
     void apply();
 
     ThemeManager& themeManager_;
