@@ -52,8 +52,13 @@ std::vector<TextRange> occurrences(QStringView text, QStringView needle)
     if (needle.isEmpty()) {
         return found;
     }
-    for (qsizetype at = text.indexOf(needle); at >= 0; at = text.indexOf(needle, at + needle.size())) {
-        found.push_back({at, needle.size()});
+    const auto isBoundary = [text](qsizetype offset) { return graphemeBoundaryAtOrBefore(text, offset) == offset; };
+    for (qsizetype at = text.indexOf(needle); at >= 0;) {
+        const bool isWhole = isBoundary(at) && isBoundary(at + needle.size());
+        if (isWhole) {
+            found.push_back({at, needle.size()});
+        }
+        at = text.indexOf(needle, isWhole ? at + needle.size() : at + 1);
     }
     return found;
 }

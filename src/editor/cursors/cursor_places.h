@@ -13,7 +13,8 @@ namespace kelm {
 std::optional<qsizetype> placeAbove(const TextStorage& storage, qsizetype position);
 std::optional<qsizetype> placeBelow(const TextStorage& storage, qsizetype position);
 
-/// Where `needle` stands in the text, letter by letter; what is found does not overlap. Nothing for an empty needle.
+/// Where `needle` stands in the text, letter by letter; what is found does not overlap. Half of a character, as a
+/// letter without the accent that follows it, is not found. Nothing for an empty needle.
 std::vector<TextRange> occurrences(QStringView text, QStringView needle);
 
 /// The end of each line that `range` touches, before its terminator.

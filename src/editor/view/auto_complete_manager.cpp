@@ -155,7 +155,9 @@ void AutoCompleteManager::insertCompletion(const CompletionItem& item)
     }
     const QString inserted = expandedSnippet(item.insertText.value_or(item.text));
     textView_->commitComposition();
-    textView_->editor().insertText(inserted, wordRange_);
+    const TextRange replaced = wordRange_.clampedTo(textView_->storage().length());
+    textView_->editor().apply({{replaced, inserted}}, EditKind::other);
+    textView_->scrollRangeToVisible(textView_->selectedRange());
 }
 
 void AutoCompleteManager::setIsVisible(bool isVisible)

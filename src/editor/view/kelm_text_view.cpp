@@ -6,6 +6,7 @@
 #include "platform/key_event.h"
 #include "platform/view/style.h"
 #include "platform/view/tint.h"
+#include "text/view/text_view_keys.h"
 
 #include <QCoreApplication>
 #include <QFocusEvent>
@@ -59,7 +60,7 @@ QString inWords(bool value)
 }
 
 /// Another window's coming and going, and a menu's, leave the view where the keyboard is in its own.
-bool changesFirstResponder(const QFocusEvent& event)
+bool resignsFirstResponder(const QFocusEvent& event)
 {
     return event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason;
 }
@@ -92,7 +93,8 @@ void KelmTextView::resignFirstResponder(QFocusEvent* event)
 
 void KelmTextView::focusInEvent(QFocusEvent* event)
 {
-    if (changesFirstResponder(*event) && acceptsFirstResponder()) {
+    if (!isFirstResponder_ && acceptsFirstResponder()) {
+        isFirstResponder_ = true;
         becomeFirstResponder(event);
     } else {
         TextView::focusInEvent(event);
@@ -101,19 +103,34 @@ void KelmTextView::focusInEvent(QFocusEvent* event)
 
 void KelmTextView::focusOutEvent(QFocusEvent* event)
 {
-    if (changesFirstResponder(*event)) {
+    if (resignsFirstResponder(*event)) {
+        isFirstResponder_ = false;
         resignFirstResponder(event);
     } else {
         TextView::focusOutEvent(event);
     }
 }
 
+void KelmTextView::mouseDown(const QMouseEvent& event)
+{
+    if (event.button() == Qt::LeftButton) {
+        const QPoint place = viewport()->mapTo(window(), event.position().toPoint());
+        log_.print(u"🖱️ mouseDown at (%1, %2)"_s.arg(place.x()).arg(place.y()));
+        setFocus(Qt::MouseFocusReason);
+    }
+}
+
 void KelmTextView::mousePressEvent(QMouseEvent* event)
 {
-    const QPoint place = viewport()->mapTo(window(), event->position().toPoint());
-    log_.print(u"🖱️ mouseDown at (%1, %2)"_s.arg(place.x()).arg(place.y()));
-    setFocus(Qt::MouseFocusReason);
+    mouseDown(*event);
     TextView::mousePressEvent(event);
+}
+
+void KelmTextView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // It is what the toolkit makes of the second press.
+    mouseDown(*event);
+    TextView::mouseDoubleClickEvent(event);
 }
 
 bool KelmTextView::event(QEvent* event)
@@ -157,7 +174,9 @@ void KelmTextView::keyPressEvent(QKeyEvent* event)
     if (editorContainer && editorContainer->autoCompleteManager().handleKeyEvent(*event)) {
         return;
     }
-    if (event->modifiers().testFlag(Qt::ControlModifier) && runCommandKey(*event)) {
+    // The third level of a keyboard may come as Control with Alt: such a key types its sign.
+    const bool typesASign = event->modifiers().testFlag(Qt::AltModifier) && insertsText(*event);
+    if (event->modifiers().testFlag(Qt::ControlModifier) && !typesASign && runCommandKey(*event)) {
         return;
     }
     if (isControlHeld(*event) && virtualKeyCode(*event) == virtualKey::space) {

@@ -42,6 +42,7 @@ protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
@@ -52,6 +53,7 @@ private:
     void triggerCompletion();
     void becomeFirstResponder(QFocusEvent* event);
     void resignFirstResponder(QFocusEvent* event);
+    void mouseDown(const QMouseEvent& event);
     void noteWindow();
     void viewDidMoveToWindow(QWidget* window);
 
@@ -64,6 +66,7 @@ private:
 
     Scheduler& scheduler_;
     Log& log_;
+    bool isFirstResponder_ = false;
     std::optional<TextRange> matchingBracketRange_;
     QPointer<QWidget> window_;
 };

@@ -46,6 +46,7 @@ private Q_SLOTS:
     void keysAreTakenOnlyWhileTheListIsShown();
     void aChosenWordReplacesTheBegunOne_data();
     void aChosenWordReplacesTheBegunOne();
+    void theCaretGoesBehindWhatIsPutIn();
     void whatIsPutInIsOneUndoStep();
     void theRangeCountsCharacters();
     void anIndexOutsideTheListChoosesNothing();
@@ -152,6 +153,7 @@ void AutoCompleteManagerTest::aChosenWordReplacesTheBegunOne_data()
     QTest::newRow("a keyword, by Tab") << u"x fo| y"_s << 0 << tab << u"x for| y"_s;
     QTest::newRow("a snippet") << u"fo|"_s << 1 << enter << u"for item in collection {\n    \n}|"_s;
     QTest::newRow("the print snippet") << u"pri|"_s << 1 << enter << u"print(\"\")|"_s;
+    QTest::newRow("with a selection behind the word") << u"fo[rest]"_s << 0 << enter << u"for|rest"_s;
     QTest::newRow("the case as typed gives way") << u"FO|"_s << 0 << enter << u"for|"_s;
 }
 
@@ -169,6 +171,16 @@ void AutoCompleteManagerTest::aChosenWordReplacesTheBegunOne()
     QTEST(fixture.view.marked(), "after");
     QVERIFY(!fixture.manager.isVisible());
     QVERIFY(!fixture.manager.completionWindow()->isVisible());
+}
+
+void AutoCompleteManagerTest::theCaretGoesBehindWhatIsPutIn()
+{
+    Fixture fixture(u"fo|"_s);
+    fixture.manager.triggerCompletion(Language::python);
+    // A digit leaves the list as it is.
+    QTest::keyClicks(&fixture.view, u"1"_s);
+    QVERIFY(fixture.press(Qt::Key_Return));
+    QCOMPARE(fixture.view.marked(), u"for|1"_s);
 }
 
 void AutoCompleteManagerTest::whatIsPutInIsOneUndoStep()

@@ -63,7 +63,9 @@ private Q_SLOTS:
     void fieldsStartAsTheyShould();
     void keysAreTold();
     void focusIsTold();
+    void theFirstFocusOfANewWindowIsTold();
     void clicksAreTold();
+    void aSignOfTheThirdLevelIsTyped();
     void aNewWindowIsAskedForTheKeyboard();
     void aViewThatIsGoneIsNotAsked();
 
@@ -136,12 +138,51 @@ void KelmTextViewTest::focusIsTold()
     QCOMPARE(fixture.log.printed, (QStringList{u"🎯 resignFirstResponder called"_s}));
 }
 
+void KelmTextViewTest::theFirstFocusOfANewWindowIsTold()
+{
+    ManualScheduler scheduler;
+    CapturedLog log;
+    KelmTextView view(nullptr, scheduler, log);
+    view.setFocus();
+    view.show();
+    view.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    QVERIFY(view.hasFocus());
+    QCOMPARE(log.printed.count(u"🎯 becomeFirstResponder called"_s), 1);
+    // Another window's coming and going changes nothing.
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    view.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    QCOMPARE(log.printed.count(u"🎯 becomeFirstResponder called"_s), 1);
+    QCOMPARE(log.printed.count(u"🎯 resignFirstResponder called"_s), 0);
+}
+
 void KelmTextViewTest::clicksAreTold()
 {
     Fixture fixture(u"abc"_s);
+    fixture.log.printed.clear();
     QTest::mouseClick(fixture.view.viewport(), Qt::LeftButton, {}, {12, 9});
     QCOMPARE(fixture.log.printed, (QStringList{u"🖱️ mouseDown at (12, 9)"_s}));
     QVERIFY(fixture.view.hasFocus());
+    fixture.log.printed.clear();
+    QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, {12, 9});
+    QCOMPARE(fixture.log.printed, QStringList());
+    // The second press of two is one too.
+    QTest::mouseDClick(fixture.view.viewport(), Qt::LeftButton, {}, {12, 9});
+    QCOMPARE(fixture.log.printed, (QStringList{u"🖱️ mouseDown at (12, 9)"_s}));
+}
+
+void KelmTextViewTest::aSignOfTheThirdLevelIsTyped()
+{
+    Fixture fixture;
+    for (const auto& [key, sign] : {std::pair(Qt::Key_BracketRight, u"]"_s), std::pair(Qt::Key_Slash, u"/"_s)}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier | Qt::AltModifier, sign);
+        QCoreApplication::sendEvent(&fixture.view, &press);
+    }
+    QCOMPARE(fixture.view.text(), u"]/"_s);
 }
 
 void KelmTextViewTest::aNewWindowIsAskedForTheKeyboard()
