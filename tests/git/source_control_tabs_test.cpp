@@ -194,6 +194,7 @@ void SourceControlTabsTest::aFileWithBothChangesStandsInBothLists()
     f.repo.write(u"new.txt"_s, "two\n");
     f.show();
     QCOMPARE(f.lines(), (QStringList{u"# Staged"_s, u"A new.txt"_s, u"# Changes"_s, u"M new.txt"_s}));
+    QCOMPARE(static_cast<const RowModel*>(f.list().model())->shownTitleOf(0), u"STAGED"_s);
     hover(f.list(), 1);
     QCOMPARE(shownActions(f.list()), QStringList{u"Unstage"_s});
     hover(f.list(), 3);
@@ -510,6 +511,7 @@ void SourceControlTabsTest::aBranchIsCreatedAndCheckedOut()
     QCOMPARE(QString::fromUtf8(f.output({u"rev-parse"_s, u"--abbrev-ref"_s, u"HEAD"_s})), u"기능/하나"_s);
     QCOMPARE(f.field(u"New branch"_s).text(), QString());
     QCOMPARE(f.lines(), (QStringList{u"# Local"_s, u"main"_s, u"기능/하나"_s, u"# Remote"_s}));
+    QCOMPARE(static_cast<const RowModel*>(f.list().model())->shownTitleOf(0), u"Local"_s);
     COMPARE_WITH_FRESH(f, SourceControlTab::branches);
 
     f.type(u"New branch"_s, u"second"_s);

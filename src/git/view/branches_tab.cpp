@@ -76,7 +76,7 @@ void BranchesTab::askToMerge(const GitBranch& branch)
     showingMergePicker_ = branch;
     auto* dialog =
         new ConfirmationDialog(u"Merge "_s + branch.name + u" into "_s + git_.branch() + u'?',
-                               {{tr("Merge"), [this, name = branch.name] { git_.mergeBranch(name); }}}, window());
+                               {{tr("Merge"), [&git = git_, name = branch.name] { git.mergeBranch(name); }}}, window());
     connect(dialog, &QDialog::finished, this, [this] { showingMergePicker_.reset(); });
     dialog->open();
 }
@@ -84,8 +84,8 @@ void BranchesTab::askToMerge(const GitBranch& branch)
 void BranchesTab::askToDelete(const GitBranch& branch)
 {
     showingDeleteConfirm_ = branch;
-    const auto remove = [this, name = branch.name](bool force) {
-        return [this, name, force] { git_.deleteBranch(name, force); };
+    const auto remove = [&git = git_, name = branch.name](bool force) {
+        return [&git, name, force] { git.deleteBranch(name, force); };
     };
     auto* dialog = new ConfirmationDialog(
         u"Delete branch "_s + branch.name + u'?',

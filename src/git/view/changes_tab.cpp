@@ -84,7 +84,8 @@ void ChangesTab::takeState()
             {.title = title,
              .count = indexes.size(),
              .row = [this, files, indexes, isStaged](qsizetype i) { return rowOf(files[indexes[i]], isStaged); },
-             .key = [files, indexes](qsizetype i) { return files[indexes[i]].path; }});
+             .key = [files, indexes](qsizetype i) { return files[indexes[i]].path; },
+             .isTitleUpperCase = true});
     };
     addSection(tr("Staged"), staged, true);
     addSection(tr("Changes"), unstaged, false);

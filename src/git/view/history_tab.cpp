@@ -76,6 +76,9 @@ void HistoryTab::takeState()
 
 void HistoryTab::setLimit(int limit)
 {
+    if (limit == limit_) {
+        return;
+    }
     limit_ = limit;
     limitButton_->setText(QString::number(limit));
     limitButton_->updateGeometry();

@@ -62,7 +62,8 @@ struct RowSection
     qsizetype count = 0;
     std::function<Row(qsizetype index)> row;
     /// What tells a row from the others when the list is made anew: the keyboard stays on the row of the same key.
-    std::function<QString(qsizetype index)> key;
+    std::function<QString(qsizetype index)> key = {};
+    bool isTitleUpperCase = false;
 };
 
 /// The type of rows, made once.

@@ -31,7 +31,7 @@ public:
         const Appearance appearance = style::appearanceOf(list_);
         const int item = index.row();
         if (list_.model_.isTitle(item)) {
-            paintSectionTitle(*painter, option.rect, list_.model_.titleOf(item), appearance);
+            paintSectionTitle(*painter, option.rect, list_.model_.shownTitleOf(item), appearance);
             return;
         }
         const Row row = list_.model_.rowAt(item);

@@ -31,6 +31,12 @@ public:
     int itemAt(const Place& place) const;
     bool isTitle(int item) const { return placeOf(item).position < 0; }
     QString titleOf(int item) const { return sections_[placeOf(item).section].title; }
+    /// The title as it is drawn.
+    QString shownTitleOf(int item) const
+    {
+        const RowSection& section = sections_[placeOf(item).section];
+        return section.isTitleUpperCase ? section.title.toUpper() : section.title;
+    }
     /// The row of an item that is no title.
     Row rowAt(int item) const;
 

@@ -87,7 +87,7 @@ void paintSectionTitle(QPainter& painter, const QRect& rectangle, const QString&
     painter.setFont(RowFonts::shared().mark);
     painter.setPen(Tint::secondary().in(appearance));
     painter.drawText(rectangle.adjusted(sideSpace, 2, -sideSpace, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, title.toUpper());
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, title);
 }
 
 void paintRow(QPainter& painter, const QRect& rectangle, const Row& row, int trailingSpace, Appearance appearance)
