@@ -94,6 +94,8 @@ public:
     bool isBusy() const { return isBusy_; }
     /// Whether `whenIdle` would run its work at once.
     bool isIdle() const { return !isBusy_ && waiting_.empty(); }
+    /// Whether some work waits for its turn.
+    bool hasWaiting() const { return !waiting_.empty(); }
     /// Runs `work` now, or, while a command is waited for, when it has ended and its caller has written the prompt; in
     /// the order of the calls.
     void whenIdle(std::function<void()> work);

@@ -228,7 +228,9 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     const auto& keys = commandKeys();
     const auto command = std::find_if(keys.begin(), keys.end(),
                                       [event](const CommandKey& candidate) { return candidate.key == event->key(); });
-    if (!isInTurn && !session_->isIdle() && (command != keys.end() || !onlyLooks(*event))) {
+    // A look waits only behind what waits already, so that keys act in the order in which they were pressed.
+    const bool mayPass = command == keys.end() && onlyLooks(*event) && !session_->hasWaiting();
+    if (!isInTurn && !session_->isIdle() && !mayPass) {
         session_->whenIdle([view = QPointer(this), waiting = std::shared_ptr<QKeyEvent>(event->clone())] {
             if (view) {
                 view->keyInTurn_ = waiting.get();

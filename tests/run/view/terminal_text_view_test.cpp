@@ -75,6 +75,7 @@ private Q_SLOTS:
     void escapeInterruptsAnEndlessStream();
     void keysDuringACommandWaitForThePrompt();
     void keysThatOnlyLookDoNotWait();
+    void aLookWaitsBehindWhatWaits();
     void nobodyEditsWhileACommandRuns();
     void aCompositionDuringACommandWaits();
     void aWaitingLineRunsInItsTurn();
@@ -486,6 +487,20 @@ void TerminalTextViewTest::keysThatOnlyLookDoNotWait()
     });
     page.run(page.waitingLine());
     QCOMPARE(page.written(), page.waitingLine() + u"through\n"_s + page.prompt());
+}
+
+void TerminalTextViewTest::aLookWaitsBehindWhatWaits()
+{
+    TerminalPage page;
+    page.showBanner();
+    page.onceRunning([&] {
+        page.type(u"echo ad"_s);
+        page.press(Qt::Key_Left);
+        page.type(u"b"_s);
+        page.openGate();
+    });
+    page.run(page.waitingLine());
+    QTRY_COMPARE(page.written(), page.waitingLine() + u"through\n"_s + page.prompt() + u"echo abd"_s);
 }
 
 void TerminalTextViewTest::nobodyEditsWhileACommandRuns()
