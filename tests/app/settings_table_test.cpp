@@ -32,6 +32,7 @@ private Q_SLOTS:
     void aFreshStoreGivesTheDefaults_data();
     void aFreshStoreGivesTheDefaults();
     void theTableHasSeventeenSettings();
+    void everyRowIsAsItIsShown();
     void readingWritesNothing();
     void aStoredValueComesBack_data();
     void aStoredValueComesBack();
@@ -85,6 +86,46 @@ void SettingsTableTest::theTableHasSeventeenSettings()
         QCOMPARE(isNumber, setting.maximum > setting.minimum);
     }
     QCOMPARE(keys.size(), 17);
+}
+
+void SettingsTableTest::everyRowIsAsItIsShown()
+{
+    const QStringList expected{
+        u"autoSave|toggle|Auto save files|General|Saving"_s,
+        u"autoSaveDelay|stepper|Auto save delay: 5 seconds|General|Saving|1..60 by 1|while autoSave"_s,
+        u"showWelcome|toggle|Show welcome screen on startup|General|Startup"_s,
+        u"reopenFiles|toggle|Reopen files from previous session|General|Startup"_s,
+        u"confirmClose|toggle|Confirm before closing modified files|General|Closing"_s,
+        u"fontFamily|picker|Font family|Editor|Font"_s,
+        u"fontSize|slider|Font size: 13|Editor|Font|10..24 by 1"_s,
+        u"lineHeight|slider|Line height: 1.4|Editor|Font|1..2 by 0.1"_s,
+        u"tabSize|stepper|Tab size: 4|Editor|Indentation|2..8 by 1"_s,
+        u"insertSpaces|toggle|Insert spaces instead of tabs|Editor|Indentation"_s,
+        u"showLineNumbers|toggle|Show line numbers|Editor|Display"_s,
+        u"showMinimap|toggle|Show minimap|Editor|Display"_s,
+        u"highlightCurrentLine|toggle|Highlight current line|Editor|Display"_s,
+        u"showIndentGuides|toggle|Show indent guides|Editor|Display"_s,
+        u"wordWrap|toggle|Word wrap|Editor|Display"_s,
+        u"matchBrackets|toggle|Match brackets|Editor|Editing"_s,
+        u"autoCloseBrackets|toggle|Auto-close brackets|Editor|Editing"_s,
+    };
+    const QStringList controls{u"toggle"_s, u"stepper"_s, u"slider"_s, u"picker"_s};
+    QStringList rows;
+    for (const Setting& setting : settingsTable()) {
+        const bool isNumber =
+            setting.control == Setting::Control::stepper || setting.control == Setting::Control::slider;
+        QStringList row{setting.key, controls[static_cast<int>(setting.control)],
+                        isNumber ? settingText(setting, setting.defaultValue) : setting.label, setting.tab,
+                        setting.section};
+        if (isNumber) {
+            row << u"%1..%2 by %3"_s.arg(setting.minimum).arg(setting.maximum).arg(setting.step);
+        }
+        if (!setting.shownWhile.isEmpty()) {
+            row << u"while "_s + setting.shownWhile;
+        }
+        rows << row.join(u'|');
+    }
+    QCOMPARE(rows, expected);
 }
 
 void SettingsTableTest::readingWritesNothing()

@@ -27,7 +27,10 @@ class CompletionTest : public QObject
 private Q_SLOTS:
     void theTablesAreWhole_data();
     void theTablesAreWhole();
+    void onlyFiveLanguagesHaveKeywords();
+    void theSnippetsAreTheSame_data();
     void theSnippetsAreTheSame();
+    void theSnippetsStandInTheirOrder();
     void suggestions_data();
     void suggestions();
     void atMostFifteenAreOffered();
@@ -42,32 +45,92 @@ private Q_SLOTS:
 void CompletionTest::theTablesAreWhole_data()
 {
     QTest::addColumn<Language>("language");
-    QTest::addColumn<qsizetype>("count");
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("last");
-    QTest::newRow("swift") << Language(Language::swift) << qsizetype(48) << u"import"_s << u"@Environment"_s;
-    QTest::newRow("python") << Language(Language::python) << qsizetype(44) << u"import"_s << u"tuple"_s;
-    QTest::newRow("javascript") << Language(Language::javascript) << qsizetype(41) << u"import"_s << u"Promise"_s;
-    QTest::newRow("go") << Language(Language::go) << qsizetype(32) << u"package"_s << u"fmt.Printf"_s;
-    QTest::newRow("rust") << Language(Language::rust) << qsizetype(40) << u"use"_s << u"panic!"_s;
+    QTest::addColumn<QString>("words");
+    const auto row = [](const char* name, Language language, const char* words) {
+        QTest::newRow(name) << language << QString::fromLatin1(words);
+    };
+    row("swift", Language::swift,
+        "import class struct enum protocol extension func var let if else guard switch case default "
+        "for while repeat return throw try catch do break continue fallthrough public private "
+        "internal fileprivate open static override final lazy weak unowned self super nil true false "
+        "@State @Binding @Published @ObservedObject @StateObject @Environment");
+    row("python", Language::python,
+        "import from class def if elif else for while try except finally with as return yield raise "
+        "break continue pass lambda and or not in is True False None global nonlocal assert async "
+        "await print len range str int float list dict set tuple");
+    row("javascript", Language::javascript,
+        "import export from const let var function class if else switch case default for while do "
+        "return throw try catch finally break continue new this super extends static async await true "
+        "false null undefined typeof instanceof console.log document window fetch Promise");
+    row("go", Language::go,
+        "package import func var const type struct interface if else switch case default for range "
+        "break continue return defer go select chan map make new append true false nil iota "
+        "fmt.Println fmt.Printf");
+    row("rust", Language::rust,
+        "use mod pub fn let mut const static struct enum trait impl if else match loop while for in "
+        "return break continue move ref self Self super true false Some None Ok Err Box Vec String "
+        "println! format! vec! panic!");
 }
 
 void CompletionTest::theTablesAreWhole()
 {
     QFETCH(Language, language);
-    QFETCH(qsizetype, count);
-    const auto keywords = completionKeywords(language);
-    QCOMPARE(qsizetype(keywords.size()), count);
-    QTEST(QString(keywords.front()), "first");
-    QTEST(QString(keywords.back()), "last");
-    for (const Language other : Language::allCases()) {
-        const bool hasList = other == Language::swift || other == Language::python || other == Language::javascript ||
-                             other == Language::go || other == Language::rust;
-        QCOMPARE(!completionKeywords(other).empty(), hasList);
+    QStringList words;
+    for (const QLatin1String word : completionKeywords(language)) {
+        words << QString(word);
     }
+    QTEST(words.join(u' '), "words");
+}
+
+void CompletionTest::onlyFiveLanguagesHaveKeywords()
+{
+    QStringList languages;
+    for (const Language language : Language::allCases()) {
+        if (!completionKeywords(language).empty()) {
+            languages << language.rawValue();
+        }
+    }
+    languages.sort();
+    QStringList five{Language(Language::swift).rawValue(), Language(Language::python).rawValue(),
+                     Language(Language::javascript).rawValue(), Language(Language::go).rawValue(),
+                     Language(Language::rust).rawValue()};
+    five.sort();
+    QCOMPARE(languages, five);
+}
+
+void CompletionTest::theSnippetsAreTheSame_data()
+{
+    QTest::addColumn<QString>("body");
+    const auto row = [](const char* trigger, const char* body) { QTest::newRow(trigger) << QString::fromLatin1(body); };
+    row("func", "func ${1:name}(${2:params}) ${3:-> ReturnType} {\n    ${0}\n}");
+    row("if", "if ${1:condition} {\n    ${0}\n}");
+    row("guard", "guard ${1:condition} else {\n    ${0:return}\n}");
+    row("for", "for ${1:item} in ${2:collection} {\n    ${0}\n}");
+    row("while", "while ${1:condition} {\n    ${0}\n}");
+    row("switch", "switch ${1:value} {\ncase ${2:pattern}:\n    ${0}\ndefault:\n    break\n}");
+    row("class", "class ${1:Name} {\n    ${0}\n}");
+    row("struct", "struct ${1:Name} {\n    ${0}\n}");
+    row("enum", "enum ${1:Name} {\n    case ${0}\n}");
+    row("init", "init(${1:params}) {\n    ${0}\n}");
+    row("closure", "{ ${1:params} in\n    ${0}\n}");
+    row("try", "do {\n    try ${1:expression}\n} catch {\n    ${0}\n}");
+    row("print", "print(\"${0}\")");
+    row("mark", "// MARK: - ${0}");
+    row("todo", "// TODO: ${0}");
+    row("fixme", "// FIXME: ${0}");
 }
 
 void CompletionTest::theSnippetsAreTheSame()
+{
+    const QString trigger = QString::fromLatin1(QTest::currentDataTag());
+    const auto snippets = completionSnippets();
+    const auto found = std::find_if(snippets.begin(), snippets.end(),
+                                    [&](const Snippet& snippet) { return snippet.trigger == trigger; });
+    QVERIFY(found != snippets.end());
+    QTEST(QString(found->body), "body");
+}
+
+void CompletionTest::theSnippetsStandInTheirOrder()
 {
     QStringList triggers;
     for (const Snippet& snippet : completionSnippets()) {

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void aFolderOpensNoTab();
     void theProcessStaysWhenItsWindowIsClosed();
     void themeAndAppearanceGoTogether();
+    void theStartTakesTheAppearanceOfTheTheme();
     void anotherStartBringsTheWindowBack();
     void aGoodLinkBringsTheWindowAndABadOneDoesNot();
 
@@ -152,6 +153,17 @@ void KelmPaneAppTest::themeAndAppearanceGoTogether()
     for (const EditorTheme& theme : {EditorTheme::githubLight(), EditorTheme::monokai()}) {
         themes.setCurrentTheme(theme);
         themes.applyAppearance();
+        QTRY_COMPARE(style::appearanceOf(app.window()) == Appearance::dark, theme.isDark);
+    }
+}
+
+void KelmPaneAppTest::theStartTakesTheAppearanceOfTheTheme()
+{
+    ThemeManager& themes = ThemeManager::shared();
+    for (const EditorTheme& theme : {EditorTheme::githubLight(), EditorTheme::monokai()}) {
+        themes.setCurrentTheme(theme);
+        KelmPaneApp app;
+        app.start({});
         QTRY_COMPARE(style::appearanceOf(app.window()) == Appearance::dark, theme.isDark);
     }
 }

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void menusStandInTheirOrder();
     void linesReadBackAsTheTableHasThem_data();
     void linesReadBackAsTheTableHasThem();
+    void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
     void openRecentFollowsTheState();
     void anAmpersandInANameIsNoMnemonic();
     void newWindowDoesNothing();
@@ -74,6 +75,10 @@ void MenuBarTest::linesReadBackAsTheTableHasThem_data()
 {
     QTest::addColumn<QString>("menu");
     QTest::addColumn<QString>("lines");
+    QTest::newRow("application") << QStringLiteral("KelmWright")
+                                 << QStringLiteral("About KelmWright\n-\nCheck for Updates…\n-\n"
+                                                   "Uninstall KelmWright…\n-\nSettings… | Ctrl+,\n-\n"
+                                                   "Quit KelmWright | Ctrl+Q");
     QTest::newRow("file") << QStringLiteral("File")
                           << QStringLiteral("New File | Ctrl+N\nNew Window | Ctrl+Shift+N\n-\nOpen... | Ctrl+O\n"
                                             "Open Recent >\n-\nClone Repository… | Ctrl+Shift+K\n-\n"
@@ -103,6 +108,18 @@ void MenuBarTest::linesReadBackAsTheTableHasThem()
     QFETCH(QString, lines);
     WindowFixture fixture;
     QCOMPARE(linesOf(*menuOf(fixture.window, menu)).join(u'\n'), lines);
+}
+
+void MenuBarTest::updatesCanBeLookedForOnlyWhereThereIsAnUpdater()
+{
+    // Without an application image there is none.
+    WindowFixture fixture;
+    QAction* check = fixture.command(QStringLiteral("Check for Updates…"));
+    QVERIFY(!check->isEnabled());
+    // The menu asks anew each time it opens.
+    check->setEnabled(true);
+    Q_EMIT menuOf(fixture.window, QStringLiteral("KelmWright"))->aboutToShow();
+    QVERIFY(!check->isEnabled());
 }
 
 void MenuBarTest::openRecentFollowsTheState()

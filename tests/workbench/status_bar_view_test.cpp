@@ -205,10 +205,12 @@ void StatusBarViewTest::theThemeMenuChoosesSavesAndApplies()
         expected.append((theme.name == fixture.themes.currentTheme().name ? u"*"_s : QString()) + theme.name);
     }
     const QString light = EditorTheme::githubLight().name;
+    fixture.appearances.clear();
     QCOMPARE(chooseFrom(fixture.bar.themeMenu(), light), expected);
     QCOMPARE(fixture.themes.currentTheme().name, light);
     QCOMPARE(fixture.bar.themeMenu().text(), light);
     QCOMPARE(fixture.defaults.string(u"selectedTheme"_s), light);
+    QTRY_COMPARE(fixture.appearances, QList<Appearance>{Appearance::light});
 }
 
 void StatusBarViewTest::caretAndSelectionAreShown()

@@ -25,7 +25,8 @@ struct WindowFixture
     FakeFilePanels panels;
     NotificationCenter notifications;
     AppState state{{panels, defaults, Scheduler::system(), notifications, log}};
-    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
+    QList<Appearance> appearances;
+    ThemeManager themes{{defaults, log, home.path(), [this](Appearance appearance) { appearances << appearance; }}};
     FakeWorkspace workspace;
     MainWindow window{{state, themes, workspace, defaults}};
 
