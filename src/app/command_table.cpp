@@ -1,6 +1,7 @@
 #include "app/command_table.h"
 
 #include "app/app_state.h"
+#include "app/rewrite_document.h"
 #include "editor/transforms/json_formatter.h"
 #include "editor/transforms/text_transformer.h"
 #include "editor/transforms/xml_formatter.h"
@@ -28,7 +29,7 @@ constexpr Qt::KeyboardModifiers commandShift = Qt::ControlModifier | Qt::ShiftMo
 constexpr Qt::KeyboardModifiers commandOption = Qt::ControlModifier | Qt::AltModifier;
 
 /// Blanks to a level of formatted JSON.
-constexpr int formatIndent = 2;
+constexpr int jsonIndent = 2;
 
 using Action = std::function<void(AppState&)>;
 
@@ -69,14 +70,9 @@ Action showSearch(SearchMode mode)
     };
 }
 
-/// Puts another text in the place of the current document's whole content; nothing without a document.
 Action rewrite(std::function<QString(const QString&)> transform)
 {
-    return [transform = std::move(transform)](AppState& state) {
-        if (const std::shared_ptr<Document> document = state.currentDocument()) {
-            document->setContent(transform(document->content()));
-        }
-    };
+    return [transform = std::move(transform)](AppState& state) { rewriteCurrentDocument(state, transform); };
 }
 
 void doNothing(AppState&) {}
@@ -117,7 +113,7 @@ std::vector<MenuGroup> makeCommandTable()
              submenu(u"Format"_s,
                      std::vector{
                          item(u"Format JSON"_s, commandShift | Qt::Key_J,
-                              rewrite([](const QString& text) { return JSONFormatter::format(text, formatIndent); })),
+                              rewrite([](const QString& text) { return JSONFormatter::format(text, jsonIndent); })),
                          item(u"Format XML"_s, commandShift | Qt::Key_X, rewrite(formatXml)),
                          separator(),
                          item(u"Sort Lines Ascending"_s, [](AppState& state) { state.sortLines(true); }),

@@ -1,6 +1,7 @@
 #include "workbench/tool_bar_view.h"
 
 #include "app/command_table.h"
+#include "app/rewrite_document.h"
 #include "editor/transforms/xml_formatter.h"
 #include "platform/view/plain_button.h"
 #include "workbench/responder.h"
@@ -24,7 +25,6 @@ constexpr int buttonIconSize = 16;
 constexpr int menuIconSize = 12;
 constexpr double gradientOpacity = 0.02;
 constexpr double lineOpacity = 0.15;
-constexpr int formatIndent = 2;
 
 /// The action of a command in a submenu of the Edit menu.
 std::function<void(AppState&)> editCommand(const QString& submenu, const QString& label)
@@ -46,9 +46,8 @@ std::function<void(AppState&)> editCommand(const QString& submenu, const QString
 
 void formatXmlPlainly(AppState& state)
 {
-    if (const std::shared_ptr<Document> document = state.currentDocument()) {
-        document->setContent(XMLFormatter::basicFormat(document->content(), formatIndent));
-    }
+    rewriteCurrentDocument(
+        state, [](const QString& text) { return XMLFormatter::basicFormat(text, XMLFormatter::basicIndent); });
 }
 
 /// A small upright line between groups.

@@ -10,7 +10,6 @@ namespace kelm {
 namespace {
 
 constexpr int blanksALevel = 4;
-constexpr int basicIndent = 2;
 
 bool isBlankOrTab(char16_t unit)
 {
@@ -212,7 +211,7 @@ QString formatXml(const QString& text)
     case XmlVerdict::wellFormed:
         return XmlPrinter(text, XmlOutline::read(text)).print().value_or(text);
     case XmlVerdict::malformed:
-        return XMLFormatter::basicFormat(text, basicIndent);
+        return XMLFormatter::basicFormat(text, XMLFormatter::basicIndent);
     case XmlVerdict::tooMuch:
         break;
     }

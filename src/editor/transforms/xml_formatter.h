@@ -9,6 +9,9 @@ struct XMLFormatter
 {
     XMLFormatter() = delete;
 
+    /// The blanks a level of a text that is formatted without being read as a document.
+    static constexpr qsizetype basicIndent = 2;
+
     /// Puts each tag and each run of text on a line of its own, `indent` blanks a level (below 0 counts as 0), whether
     /// the text is well formed or not: a "<" begins a tag and the next ">" ends it, be it in a comment or an
     /// attribute's value. Line feeds and carriage returns are dropped, and so are blanks and tabs at both ends of a

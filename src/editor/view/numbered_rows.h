@@ -17,7 +17,8 @@ struct NumberedRow
     qreal top = 0;
 };
 
-/// The lines whose first rows are on screen. Lines end at line feeds alone.
+/// The lines whose first rows are on screen. The first number counts the line feeds before it; from there each line
+/// counts, whatever it ends with.
 std::vector<NumberedRow> numberedRows(TextView& view);
 
 /// The line, from 1, whose first row is at a y in points from the top of the view.
