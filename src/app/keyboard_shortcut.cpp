@@ -1,5 +1,7 @@
 #include "app/keyboard_shortcut.h"
 
+#include "platform/strict_json.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -44,7 +46,8 @@ QByteArray KeyboardShortcut::encoded() const
 
 std::optional<KeyboardShortcut> KeyboardShortcut::decoded(const QByteArray& json)
 {
-    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    const auto document = parseStrictJson(json);
+    const QJsonObject object = document ? document->object() : QJsonObject();
     const QJsonValue key = object.value(keyMember);
     const QJsonValue modifiers = object.value(modifiersMember);
     if (!key.isString() || !modifiers.isArray()) {

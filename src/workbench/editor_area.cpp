@@ -38,6 +38,8 @@ void EditorArea::focusCurrentEditor()
 {
     if (EditorContainerView* editor = currentEditor()) {
         editor->setFocus();
+    } else {
+        welcome_->setFocus();
     }
 }
 
@@ -65,7 +67,12 @@ void EditorArea::showCurrentDocument()
 {
     const std::shared_ptr<Document> document = appState_.currentDocument();
     if (!document) {
+        const bool isNew = pages_->currentWidget() != welcome_;
         pages_->setCurrentWidget(welcome_);
+        if (isNew) {
+            // Else the keyboard would go on to the first button of the window.
+            welcome_->setFocus();
+        }
         return;
     }
     std::shared_ptr<KelmEditorView>& editor = editors_[document->id()];

@@ -30,7 +30,7 @@ public:
 
     /// The editor of the current document, or null.
     EditorContainerView* currentEditor() const;
-    /// Gives the keyboard to the text of the current document.
+    /// Gives the keyboard to the text of the current document, or to the welcome.
     void focusCurrentEditor();
 
 private:

@@ -49,8 +49,13 @@ QList<QWidget*> stopsOf(QWidget& region)
 QWidget* nextFocusStop(const QList<QWidget*>& regions, QWidget* current, bool forward)
 {
     QList<QWidget*> stops;
+    // Where the stops of the region begin that holds what has the keyboard without being a stop.
+    qsizetype regionStart = 0;
     for (QWidget* region : regions) {
         if (region != nullptr && region->isVisible()) {
+            if (current != nullptr && region->isAncestorOf(current)) {
+                regionStart = stops.size();
+            }
             stops.append(stopsOf(*region));
         }
     }
@@ -60,7 +65,7 @@ QWidget* nextFocusStop(const QList<QWidget*>& regions, QWidget* current, bool fo
     const qsizetype at = stops.indexOf(current);
     const qsizetype count = stops.size();
     if (at < 0) {
-        return forward ? stops.first() : stops.last();
+        return stops.at((regionStart + (forward ? 0 : count - 1)) % count);
     }
     return stops.at((at + (forward ? 1 : count - 1)) % count);
 }

@@ -50,7 +50,9 @@ PlainButton* makeButton(const QString& text, const QString& symbol, QWidget* par
 WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget* parent)
     : QWidget(parent), appState_(appState), themeManager_(themeManager)
 {
-    auto* content = new QWidget;
+    // Where the area is lower than the column, that scrolls.
+    auto* scroll = new QScrollArea(this);
+    auto* content = new QWidget(scroll);
     recentFiles_ = new RoundedGroup(content);
     auto* icon = new SymbolLabel(u"doc.text"_s, iconSize, Tint::secondary(), content);
     auto* name = new TextLabel(u"KelmWright"_s, style::interfaceFont(style::typeSize::largeTitle, QFont::Bold),
@@ -85,8 +87,6 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
     column->addWidget(recentFiles_, 0, Qt::AlignHCenter);
     column->addStretch(1);
 
-    // Where the area is lower than the column, that scrolls.
-    auto* scroll = new QScrollArea(this);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidgetResizable(true);

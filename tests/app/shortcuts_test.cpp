@@ -132,6 +132,7 @@ void ShortcutsTest::whatIsNoShortcutDoesNotDecode_data()
     QTest::newRow("key of another type") << QByteArray(R"({"key":1,"modifiers":[]})");
     QTest::newRow("modifiers of another type") << QByteArray(R"({"key":"s","modifiers":"command"})");
     QTest::newRow("an array") << QByteArray("[]");
+    QTest::newRow("a control character") << QByteArray("{\"key\":\"\n\",\"modifiers\":[]}");
     QTest::newRow("no JSON") << QByteArray("{");
     QTest::newRow("empty") << QByteArray();
 }

@@ -51,6 +51,7 @@ private Q_SLOTS:
     void whatHappensToADocumentOutOfSightIsShownLater();
     void themeAndMinimapReachEditorsOutOfSight();
     void withoutADocumentTheWelcomeIsSeen();
+    void theWelcomeTakesTheKeyboardFromTheLastText();
     void anIndexOutOfRangeShowsTheWelcome();
     void theWelcomeLeadsToADocument();
     void documentsThatAreReplacedTakeTheirEditorsAlong();
@@ -154,6 +155,20 @@ void EditorAreaTest::withoutADocumentTheWelcomeIsSeen()
     QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("New File")) == nullptr);
     fixture.state.closeTab(0);
     QVERIFY(visibleButton(fixture.window.editorArea(), QStringLiteral("New File")) != nullptr);
+}
+
+void EditorAreaTest::theWelcomeTakesTheKeyboardFromTheLastText()
+{
+    Fixture fixture;
+    QVERIFY(fixture.area.isAncestorOf(fixture.window.focusWidget()));
+    fixture.state.closeTab(1);
+    fixture.state.closeTab(0);
+    fixture.turnQueue();
+    // No button of the toolbar gets it, with a ring around it.
+    QVERIFY(fixture.area.isAncestorOf(fixture.window.focusWidget()));
+    QVERIFY(qobject_cast<QAbstractButton*>(fixture.window.focusWidget()) == nullptr);
+    QTest::keyClick(fixture.window.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(fixture.window.focusWidget(), visibleButton(fixture.area, QStringLiteral("New File")));
 }
 
 void EditorAreaTest::anIndexOutOfRangeShowsTheWelcome()

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -51,8 +52,12 @@ std::vector<std::optional<EditorTheme>> readThemes(const std::vector<std::filesy
     };
     const std::size_t mostThreads = std::max(std::thread::hardware_concurrency(), 1U);
     std::vector<std::jthread> others;
-    while (others.size() + 1 < std::min(mostThreads, paths.size() / fewestFilesPerThread)) {
-        others.emplace_back(readOn);
+    try {
+        while (others.size() + 1 < std::min(mostThreads, paths.size() / fewestFilesPerThread)) {
+            others.emplace_back(readOn);
+        }
+    } catch (const std::system_error&) {
+        // The system has no thread to spare: those that there are read all.
     }
     readOn();
     others.clear();
