@@ -48,20 +48,16 @@ qsizetype wordCount(QStringView text)
 LineCounter::LineCounter(Document& document, QObject* parent) : QObject(parent), document_(document)
 {
     connect(&document_, &Document::contentChanged, this, &LineCounter::takeContent);
-    position_ = 0;
-    if (document_.content().size() <= ordinaryLength) {
-        count_ = newlineSeparatedCount(document_.content());
-    } else {
+    // Nothing is typed yet, so that the first slice may be counted at once.
+    countSlice();
+    if (position_ < document_.content().size()) {
         timer_ = startTimer(0);
     }
 }
 
 void LineCounter::takeContent()
 {
-    if (timer_ != 0) {
-        killTimer(timer_);
-        timer_ = 0;
-    }
+    stopTimer();
     if (document_.content().size() <= ordinaryLength) {
         setCount(newlineSeparatedCount(document_.content()));
         return;
@@ -77,7 +73,7 @@ void LineCounter::timerEvent(QTimerEvent* event)
         return;
     }
     if (position_ == 0) {
-        killTimer(timer_);
+        stopTimer();
         timer_ = startTimer(0);
     }
     countSlice();
@@ -91,9 +87,16 @@ void LineCounter::countSlice()
     begun_ += newlinesIn(slice);
     position_ += slice.size();
     if (position_ >= text.size()) {
+        stopTimer();
+        setCount(begun_);
+    }
+}
+
+void LineCounter::stopTimer()
+{
+    if (timer_ != 0) {
         killTimer(timer_);
         timer_ = 0;
-        setCount(begun_);
     }
 }
 

@@ -31,6 +31,7 @@ Q_SIGNALS:
 private:
     void takeContent();
     void countSlice();
+    void stopTimer();
     void setCount(qsizetype count);
 
     Document& document_;

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void counts();
     void aTextOfOrdinarySizeIsCountedWithTheChange();
     void aLargeTextIsCountedOnceItRests();
+    void aTextOfAMillionUnitsIsCountedBeforeItIsShown();
     void aChangeInTheMiddleOfACountBeginsAnew();
 };
 
@@ -67,6 +68,13 @@ void TextCountsTest::aLargeTextIsCountedOnceItRests()
     QTRY_COMPARE(counter.count(), 400'003);
     document.setContent(u"small"_s);
     QCOMPARE(counter.count(), 1);
+}
+
+void TextCountsTest::aTextOfAMillionUnitsIsCountedBeforeItIsShown()
+{
+    Document document(u"0123456789abcde\n"_s.repeated(65'536), std::nullopt, std::nullopt, std::nullopt);
+    const LineCounter counter(document);
+    QCOMPARE(counter.count(), 65'537);
 }
 
 void TextCountsTest::aChangeInTheMiddleOfACountBeginsAnew()
