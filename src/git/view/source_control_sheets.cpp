@@ -11,15 +11,12 @@ SourceControlSheets SourceControlSheets::standard()
                 [](const DiffSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) {
                     auto* view = new DiffSheetView(git, sheet.path, parent);
                     view->onClose = onClose;
-                    view->setWindowTitle(sheet.path);
                     return view;
                 },
             .makeCommit =
                 [](const CommitSheet& sheet, GitService& git, const OnClose& onClose, QWidget* parent) {
                     auto* view = new CommitDetailView(git, sheet.sha, parent);
-                    constexpr int shortHash = 10;
                     view->onClose = onClose;
-                    view->setWindowTitle(QStringLiteral("Commit ") + sheet.sha.left(shortHash));
                     return view;
                 }};
 }
