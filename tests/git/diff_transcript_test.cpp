@@ -25,6 +25,7 @@ class DiffTranscriptTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void everyKindHasItsSign();
     void everythingIsToldInOrder();
     void sidesAreToldOneAfterTheOther();
     void collapsedLinesAreLeftOut();
@@ -32,6 +33,14 @@ private Q_SLOTS:
     void offsetsAndPlacesGoBothWays();
     void nothingHasNoPlace();
 };
+
+void DiffTranscriptTest::everyKindHasItsSign()
+{
+    QCOMPARE(diffSign(DiffLineKind::context), u" "_s);
+    QCOMPARE(diffSign(DiffLineKind::added), u"+"_s);
+    QCOMPARE(diffSign(DiffLineKind::removed), u"-"_s);
+    QCOMPARE(diffSign(DiffLineKind::noNewline), u"\\"_s);
+}
 
 void DiffTranscriptTest::everythingIsToldInOrder()
 {

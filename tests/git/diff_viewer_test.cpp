@@ -1,19 +1,15 @@
-#include "git/view/diff_list.h"
-#include "git/view/diff_viewer.h"
+#include "git/shown_viewer.h"
 #include "git/view/segmented_picker.h"
-#include "platform/named_colors.h"
 #include "platform/view/labels.h"
-#include "platform/view/plain_button.h"
 #include "platform/view/style.h"
 #include "support/diff_text.h"
+#include "support/picture.h"
 
 #include <QAccessible>
 #include <QClipboard>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QStackedWidget>
-#include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -23,61 +19,6 @@ namespace {
 
 using Role = HunkControl::Role;
 using Side = SideBySideHunkLines::Side;
-
-/// A viewer of 800 by 500 in a window of its own.
-class ShownViewer
-{
-public:
-    explicit ShownViewer(const QString& text = {}, DiffViewMode mode = DiffViewMode::unified)
-    {
-        viewer.resize(800, 500);
-        viewer.setMode(mode);
-        viewer.setDiffText(text);
-        viewer.show();
-        viewer.activateWindow();
-        isShown = QTest::qWaitForWindowActive(&viewer);
-    }
-
-    DiffList& list() { return viewer.list(); }
-    PlainButton* button(qsizetype file, qsizetype hunk, Role role) { return list().button({file, hunk, role}); }
-    QWidget* page() { return viewer.findChild<QStackedWidget*>()->currentWidget(); }
-    QList<PlainButton*> shownButtons() const
-    {
-        QList<PlainButton*> buttons = viewer.findChildren<PlainButton*>();
-        buttons.removeIf([](PlainButton* button) { return !button->isVisible(); });
-        return buttons;
-    }
-    QPoint pointOf(DiffTextPlace place, Side side = Side::newSide) { return list().pointOf(place, side).toPoint(); }
-    /// The colour at a point of the list.
-    QColor colorAt(QPoint point) { return list().viewport()->grab().toImage().pixelColor(point); }
-    void drag(QPoint from, QPoint to)
-    {
-        QTest::mousePress(list().viewport(), Qt::LeftButton, {}, from);
-        QMouseEvent move(QEvent::MouseMove, to, list().viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(list().viewport(), &move);
-        QTest::mouseRelease(list().viewport(), Qt::LeftButton, {}, to);
-    }
-
-    DiffViewer viewer;
-    bool isShown = false;
-};
-
-/// A colour at an opacity over what is painted already.
-QColor over(QColor ground, SystemColor color, double opacity)
-{
-    const QColor tint = systemColor(color, Appearance::dark);
-    const double alpha = tint.alphaF() * opacity;
-    const auto mix = [alpha](double below, double above) { return below * (1 - alpha) + above * alpha; };
-    return QColor::fromRgbF(float(mix(ground.redF(), tint.redF())), float(mix(ground.greenF(), tint.greenF())),
-                            float(mix(ground.blueF(), tint.blueF())));
-}
-
-bool isNear(const QColor& a, const QColor& b)
-{
-    constexpr int tolerance = 3;
-    return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance &&
-           std::abs(a.blue() - b.blue()) <= tolerance;
-}
 
 /// Files of one small hunk each.
 QString manyFiles(int count)
@@ -403,8 +344,8 @@ void DiffViewerTest::unifiedRowsHaveTheirColours()
 {
     ShownViewer shown(diffOf(u"a"_s, {{u" same"_s, u"-let x = 1"_s, u"+let y = 1"_s, u"+more"_s, u"\\ No newline"_s}}));
     const QColor base = shown.list().palette().color(QPalette::Base);
-    const QColor removed = over(base, SystemColor::red, 0.1);
-    const QColor added = over(base, SystemColor::green, 0.1);
+    const QColor removed = over(base, Tint(SystemColor::red).at(0.1));
+    const QColor added = over(base, Tint(SystemColor::green).at(0.1));
     const auto rowColor = [&](qsizetype entry) {
         return shown.colorAt(shown.pointOf({0, 0, entry, 0}) + QPoint(600, 7));
     };
@@ -412,22 +353,22 @@ void DiffViewerTest::unifiedRowsHaveTheirColours()
     QVERIFY(isNear(rowColor(1), removed));
     QVERIFY(isNear(rowColor(2), added));
     QVERIFY(isNear(rowColor(3), added));
-    QVERIFY(isNear(rowColor(4), over(base, SystemColor::gray, 0.05)));
+    QVERIFY(isNear(rowColor(4), over(base, Tint(SystemColor::gray).at(0.05))));
 
     // Below the letters, where only the ground is: the word that changed, and one that did not.
     const auto wordColor = [&](qsizetype entry, qsizetype unit) {
         return shown.colorAt(shown.pointOf({0, 0, entry, unit}) + QPoint(1, 7));
     };
-    QVERIFY(isNear(wordColor(1, 4), over(removed, SystemColor::red, 0.35)));
+    QVERIFY(isNear(wordColor(1, 4), over(removed, Tint(SystemColor::red).at(0.35))));
     QVERIFY(isNear(wordColor(1, 0), removed));
-    QVERIFY(isNear(wordColor(2, 4), over(added, SystemColor::green, 0.35)));
+    QVERIFY(isNear(wordColor(2, 4), over(added, Tint(SystemColor::green).at(0.35))));
     QVERIFY(isNear(wordColor(2, 0), added));
     QVERIFY(isNear(wordColor(3, 0), added));
 
     const DiffLayout& layout = shown.list().diffLayout();
     const auto headerColor = [&](qint64 top) { return shown.colorAt(QPoint(400, int(top) + 3)); };
-    QVERIFY(isNear(headerColor(layout.fileTop(0)), over(base, SystemColor::secondaryLabel, 0.08)));
-    QVERIFY(isNear(headerColor(layout.hunkTop(0, 0)), over(base, SystemColor::blue, 0.06)));
+    QVERIFY(isNear(headerColor(layout.fileTop(0)), over(base, Tint(SystemColor::secondaryLabel).at(0.08))));
+    QVERIFY(isNear(headerColor(layout.hunkTop(0, 0)), over(base, Tint(SystemColor::blue).at(0.06))));
 }
 
 void DiffViewerTest::sidesHaveTheirColours()
@@ -437,8 +378,8 @@ void DiffViewerTest::sidesHaveTheirColours()
     const auto colorAt = [&](qsizetype entry, qsizetype unit, Side side) {
         return shown.colorAt(shown.pointOf({0, 0, entry, unit}, side) + QPoint(1, 7));
     };
-    QVERIFY(isNear(colorAt(0, 4, Side::oldSide), over(base, SystemColor::red, 0.35)));
-    QVERIFY(isNear(colorAt(0, 4, Side::newSide), over(base, SystemColor::green, 0.35)));
+    QVERIFY(isNear(colorAt(0, 4, Side::oldSide), over(base, Tint(SystemColor::red).at(0.35))));
+    QVERIFY(isNear(colorAt(0, 4, Side::newSide), over(base, Tint(SystemColor::green).at(0.35))));
     QVERIFY(isNear(colorAt(0, 0, Side::oldSide), base));
     QVERIFY(isNear(colorAt(0, 0, Side::newSide), base));
     QVERIFY(isNear(colorAt(1, 0, Side::oldSide), base));
@@ -446,8 +387,8 @@ void DiffViewerTest::sidesHaveTheirColours()
     const std::vector<DiffColumn>& columns = shown.list().columns();
     const int top = int(shown.list().diffLayout().entryTop(0, 0, 1)) + 14;
     // The number's ground is there where a line is, and not in an empty cell.
-    QVERIFY(
-        isNear(shown.colorAt(QPoint(int(columns[0].left) + 3, top)), over(base, SystemColor::secondaryLabel, 0.04)));
+    QVERIFY(isNear(shown.colorAt(QPoint(int(columns[0].left) + 3, top)),
+                   over(base, Tint(SystemColor::secondaryLabel).at(0.04))));
     QVERIFY(isNear(shown.colorAt(QPoint(int(columns[1].left) + 3, top)), base));
 }
 
@@ -522,8 +463,8 @@ void DiffViewerTest::longLinesGoOnInTheNextRow()
     QCOMPARE(end.y() - start, (layout.entryRows(0, 0, 1) - 1) * layout.metrics().row);
     QVERIFY(end.x() < shown.list().viewport()->width());
     // The changed word stands in the last row.
-    const QColor removed = over(shown.list().palette().color(QPalette::Base), SystemColor::red, 0.1);
-    QVERIFY(isNear(shown.colorAt(end + QPoint(1, 7)), over(removed, SystemColor::red, 0.35)));
+    const QColor removed = over(shown.list().palette().color(QPalette::Base), Tint(SystemColor::red).at(0.1));
+    QVERIFY(isNear(shown.colorAt(end + QPoint(1, 7)), over(removed, Tint(SystemColor::red).at(0.35))));
     QCOMPARE(shown.list().horizontalScrollBar()->maximum(), 0);
 
     const qsizetype rows = layout.entryRows(0, 0, 0);
@@ -550,9 +491,9 @@ void DiffViewerTest::veryLongLinesAreComparedInTheBackground()
 {
     const QString line = u"word, "_s.repeated(180'000);
     ShownViewer shown(diffOf(u"a"_s, {{u"-old "_s + line, u"+new "_s + line}}));
-    const QColor removed = over(shown.list().palette().color(QPalette::Base), SystemColor::red, 0.1);
+    const QColor removed = over(shown.list().palette().color(QPalette::Base), Tint(SystemColor::red).at(0.1));
     const QPoint word = shown.pointOf({0, 0, 0, 0}) + QPoint(1, 7);
-    QTRY_VERIFY(isNear(shown.colorAt(word), over(removed, SystemColor::red, 0.35)));
+    QTRY_VERIFY(isNear(shown.colorAt(word), over(removed, Tint(SystemColor::red).at(0.35))));
     QVERIFY(isNear(shown.colorAt(shown.pointOf({0, 0, 0, 5}) + QPoint(1, 7)), removed));
 }
 
