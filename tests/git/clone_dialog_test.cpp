@@ -3,6 +3,7 @@
 #include "git/view/clone_dialog.h"
 #include "git/view/credential_status_row.h"
 #include "platform/view/labels.h"
+#include "support/picture.h"
 
 #include <QSignalSpy>
 
@@ -73,6 +74,22 @@ struct DialogFixture
         app.filePanels.openAnswer = {{QUrl::fromLocalFile(folder.path()), true}};
         clickOn(*dialog, u"Choose"_s);
     }
+    TextLabel& label(const QString& text) const
+    {
+        for (auto* label : dialog->findChildren<TextLabel*>()) {
+            if (label->isVisible() && label->text() == text) {
+                return *label;
+            }
+        }
+        qFatal("no label '%s'", qPrintable(text));
+    }
+    /// Whether a label is drawn in a colour at a size.
+    bool isDrawn(const QString& text, const Tint& tint, int size) const
+    {
+        const QImage picture = label(text).grab().toImage();
+        const QColor ground = dialog->palette().color(QPalette::Window);
+        return areNear(ink(picture, picture.rect(), ground), inkOf(text, style::interfaceFont(size), tint, ground));
+    }
     QString error() const
     {
         const auto* label = dialog->findChild<BreakingLabel*>();
@@ -101,6 +118,9 @@ private Q_SLOTS:
     void cancelAndEscapeClose();
     void eachPresentationStartsEmpty();
     void theChipsTellWhatIsThere();
+    void anErrorIsRedOnRed();
+    void aSuccessIsGreen();
+    void aChosenFolderStandsOut();
     void longTextsStayInTheDialog();
 };
 
@@ -296,6 +316,45 @@ void CloneDialogTest::theChipsTellWhatIsThere()
     }
     QCOMPARE(chips, (QStringList{u"SSH key: yes"_s, row->hasGitHubCLI() ? u"gh CLI: yes"_s : u"gh CLI: no"_s,
                                  u"git helper: no"_s}));
+}
+
+void CloneDialogTest::anErrorIsRedOnRed()
+{
+    DialogFixture f;
+    QVERIFY(QDir(f.folder.path()).mkpath(u"repo/inner"_s));
+    f.paste(u"x/repo"_s);
+    f.choose();
+    clickOn(*f.dialog, u"Clone"_s);
+    auto* error = f.dialog->findChild<BreakingLabel*>();
+    // Its words depend on where the folder is.
+    error->setText(u"Words"_s);
+    const QImage picture = error->grab().toImage();
+    const QColor ground = over(f.dialog->palette().color(QPalette::Window), Tint(SystemColor::red).at(0.08));
+    QVERIFY(isNear(picture.pixelColor(picture.width() - 10, picture.height() / 2), ground));
+    QVERIFY(areNear(ink(picture, picture.rect().adjusted(6, 6, -6, -6), ground),
+                    inkOf(u"Words"_s, style::interfaceFont(11), SystemColor::red, ground)));
+}
+
+void CloneDialogTest::aSuccessIsGreen()
+{
+    DialogFixture f;
+    f.paste(f.origin.path());
+    f.choose();
+    f.field(u"Folder name"_s).setText(u"copy"_s);
+    clickOn(*f.dialog, u"Clone"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(f.dialog->form().didSucceed(), 20000);
+    QVERIFY(f.isDrawn(u"✓ Cloned. Repository opened."_s, SystemColor::green, 11));
+}
+
+void CloneDialogTest::aChosenFolderStandsOut()
+{
+    DialogFixture f;
+    QVERIFY(f.isDrawn(u"Folder name:"_s, Tint::primary(), 11));
+    QVERIFY(f.isDrawn(u"(pick a folder)"_s, Tint::secondary(), 12));
+    // A path that there is room for.
+    f.app.filePanels.openAnswer = {{QUrl::fromLocalFile(u"/parent"_s), true}};
+    clickOn(*f.dialog, u"Choose"_s);
+    QVERIFY(f.isDrawn(QDir::toNativeSeparators(u"/parent"_s), Tint::primary(), 12));
 }
 
 void CloneDialogTest::longTextsStayInTheDialog()
