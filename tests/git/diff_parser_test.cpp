@@ -132,6 +132,15 @@ void DiffParserTest::textBecomesFilesHunksAndLines_data()
          u"f - - [+++ \"b/\\355.txt\"]"_s});
     row("later line gives the path of a quoted one", u"diff --git \"a/x\" \"b/x\"\n+++ b/y"_s,
         {u"file [y]"_s, u"f - - [diff --git \"a/x\" \"b/x\"]"_s, u"f - - [+++ b/y]"_s});
+    row("quoted path does not take that of the file before",
+        u"diff --git a/x b/x\n--- a/x\n+++ b/x\n@@ -1 +1 @@\n-a\n+b\ndiff --git \"a/q\" \"b/q\"\n+++ \"b/q\""_s,
+        {u"file [x]"_s, u"f - - [diff --git a/x b/x]"_s, u"f - - [--- a/x]"_s, u"f - - [+++ b/x]"_s,
+         u"hunk 1,1 1,1 [@@ -1 +1 @@]"_s, u"h - - [@@ -1 +1 @@]"_s, u"r 1 - [a]"_s, u"a - 1 [b]"_s, u"file []"_s,
+         u"f - - [diff --git \"a/q\" \"b/q\"]"_s, u"f - - [+++ \"b/q\"]"_s});
+    row("quoted path does not take that of a file without hunks",
+        u"diff --git a/x b/x\ndiff --git \"a/q\" \"b/q\"\n@@ -1 +1 @@\n a"_s,
+        {u"file [x]"_s, u"f - - [diff --git a/x b/x]"_s, u"file []"_s, u"f - - [diff --git \"a/q\" \"b/q\"]"_s,
+         u"hunk 1,1 1,1 [@@ -1 +1 @@]"_s, u"h - - [@@ -1 +1 @@]"_s, u"c 1 1 [a]"_s});
     row("first mark decides", u"diff --git a/x b/y b/x b/y\n+++ b/x b/y"_s,
         {u"file [y b/x b/y]"_s, u"f - - [diff --git a/x b/y b/x b/y]"_s, u"f - - [+++ b/x b/y]"_s});
     row("path with blanks", u"diff --git a/a b.txt b/a b.txt"_s,

@@ -1,5 +1,6 @@
 #include "git/remote_parser.h"
 
+#include <QSet>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -12,6 +13,7 @@ class RemoteParserTest final : public QObject
 private Q_SLOTS:
     void firstLineOfANameGivesItsURL_data();
     void firstLineOfANameGivesItsURL();
+    void identitiesAreFreshInEachParse();
     void manyRemotesTakeLinearTime();
 };
 
@@ -43,6 +45,19 @@ void RemoteParserTest::firstLineOfANameGivesItsURL()
         lines.append(remote.name + u'=' + remote.url);
     }
     QCOMPARE(lines, remotes);
+}
+
+void RemoteParserTest::identitiesAreFreshInEachParse()
+{
+    const QString output = u"a\tu (fetch)\nb\tu (fetch)\n"_s;
+    QSet<QUuid> ids;
+    for (const auto& parse : {parseRemotes(output), parseRemotes(output)}) {
+        for (const GitRemote& each : parse) {
+            ids.insert(each.id);
+        }
+    }
+    QCOMPARE(ids.size(), 4);
+    QVERIFY(!ids.contains(QUuid()));
 }
 
 void RemoteParserTest::manyRemotesTakeLinearTime()

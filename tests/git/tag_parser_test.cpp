@@ -1,5 +1,6 @@
 #include "git/tag_parser.h"
 
+#include <QSet>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -12,6 +13,7 @@ class TagParserTest final : public QObject
 private Q_SLOTS:
     void linesOfFivePiecesAreTags_data();
     void linesOfFivePiecesAreTags();
+    void identitiesAreFreshInEachParse();
 };
 
 void TagParserTest::linesOfFivePiecesAreTags_data()
@@ -43,6 +45,19 @@ void TagParserTest::linesOfFivePiecesAreTags()
         lines.append(tag.name + u'|' + tag.annotation.value_or(u"(none)"_s) + u'|' + tag.sha.value_or(u"(none)"_s));
     }
     QCOMPARE(lines, tags);
+}
+
+void TagParserTest::identitiesAreFreshInEachParse()
+{
+    const QString output = QString(u"v1#tag#a#b#s\nv2#commit##d#s\n"_s).replace(u'#', QChar(0));
+    QSet<QUuid> ids;
+    for (const auto& parse : {parseTags(output), parseTags(output)}) {
+        for (const GitTag& each : parse) {
+            ids.insert(each.id);
+        }
+    }
+    QCOMPARE(ids.size(), 4);
+    QVERIFY(!ids.contains(QUuid()));
 }
 
 QTEST_GUILESS_MAIN(TagParserTest)
