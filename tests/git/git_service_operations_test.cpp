@@ -52,6 +52,39 @@ QStringList shortForms(const QList<QStringList>& commands)
     return forms;
 }
 
+/// What refreshes signal, in order.
+QStringList signalsOf(const QStringList& refreshes)
+{
+    static const QHash<QString, QStringList> signalsOfARefresh{
+        {branch[0], {u"branch"_s}},     {status[0], {u"status"_s}},   {aheadBehind[0], {u"ahead"_s, u"behind"_s}},
+        {branches[0], {u"branches"_s}}, {remotes[0], {u"remotes"_s}}, {stashes[0], {u"stashes"_s}},
+        {tags[0], {u"tags"_s}}};
+    QStringList names;
+    for (const QString& refresh : refreshes) {
+        names += signalsOfARefresh.value(refresh);
+    }
+    return names;
+}
+
+/// The members of a service's snapshot that were written, in order.
+struct WrittenMembers
+{
+    explicit WrittenMembers(GitService& service)
+    {
+        const std::pair<void (GitService::*)(), QString> members[] = {
+            {&GitService::branchChanged, u"branch"_s},     {&GitService::statusChanged, u"status"_s},
+            {&GitService::aheadChanged, u"ahead"_s},       {&GitService::behindChanged, u"behind"_s},
+            {&GitService::branchesChanged, u"branches"_s}, {&GitService::remotesChanged, u"remotes"_s},
+            {&GitService::stashesChanged, u"stashes"_s},   {&GitService::tagsChanged, u"tags"_s}};
+        for (const auto& [changed, name] : members) {
+            QObject::connect(&service, changed, &context, [this, member = name] { names.append(member); });
+        }
+    }
+
+    QObject context;
+    QStringList names;
+};
+
 /// An operation, which says what came of it as a text: "success", "failure: …", "true", "false" or "none".
 using Operation = std::function<QString(GitService&)>;
 
@@ -95,12 +128,14 @@ private Q_SLOTS:
     void panelsPushNamesTheBranchWhenItHasNoUpstream();
     void completionMayBeAbsent();
     void completionComesAfterTheRefreshes();
+    void completionComesAfterTheRefreshesWithoutARepository();
     void partialPatchGoesToStandardInput_data();
     void partialPatchGoesToStandardInput();
     void partialPatchFailures_data();
     void partialPatchFailures();
     void initRepoMakesTheFolder();
     void initRepoThatCannotMakeTheFolderRunsNothing();
+    void initRepoOnAFileFailsAtTheLaunch();
     void initRepoThatFailsOpensNothing();
     void cloneRunsInTheParentAndOpensTheClone();
     void cloneThatFailsLeavesTheStateAlone();
@@ -290,8 +325,10 @@ void GitServiceOperationsTest::operationRunsItsCommandAndItsRefreshes()
     QFETCH(QString, withoutRepository);
 
     // Without a repository no process starts, and the refreshes that still run empty their members.
+    WrittenMembers written(*service_);
     QCOMPARE(operation(*service_), withoutRepository);
     QVERIFY(runner_->takeCommands().isEmpty());
+    QCOMPARE(written.names, signalsOf(refreshes));
 
     openRepository();
     QCOMPARE(operation(*service_), onSuccess);
@@ -412,6 +449,23 @@ void GitServiceOperationsTest::completionComesAfterTheRefreshes()
     QCOMPARE(ranBefore, QStringList{u"[pull][--rebase]"_s} + all);
 }
 
+void GitServiceOperationsTest::completionComesAfterTheRefreshesWithoutARepository()
+{
+    WrittenMembers written(*service_);
+    QStringList writtenBefore;
+    const GitService::Completion done = [&](const GitOpResult& result) {
+        QCOMPARE(result, GitOpResult::failure(u"no repo open"_s));
+        writtenBefore = std::exchange(written.names, {});
+    };
+    service_->fetch({}, false, done);
+    QCOMPARE(writtenBefore, signalsOf(aheadBehind + branches));
+    service_->push({}, done);
+    QCOMPARE(writtenBefore, signalsOf(aheadBehind + branches));
+    service_->pull(true, done);
+    QCOMPARE(writtenBefore, signalsOf(all));
+    QVERIFY(written.names.isEmpty());
+}
+
 void GitServiceOperationsTest::partialPatchGoesToStandardInput_data()
 {
     QTest::addColumn<QString>("patch");
@@ -502,6 +556,34 @@ void GitServiceOperationsTest::initRepoThatCannotMakeTheFolderRunsNothing()
     QVERIFY(runner_->takeCommands().isEmpty());
     QCoreApplication::sendPostedEvents();
     QVERIFY(!service_->lastError());
+}
+
+void GitServiceOperationsTest::initRepoOnAFileFailsAtTheLaunch()
+{
+    QTemporaryDir parent;
+    QFile file(parent.filePath(u"file"_s));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.write("text") == 4 && file.flush());
+    const QUrl location = QUrl::fromLocalFile(file.fileName());
+
+    // The command is tried in what is there.
+    runner_->setAnswer([](const ProcessCommand&) { return ProcessResult{.launchError = u"no folder"_s}; });
+    QCOMPARE(service_->initRepo(location, u"main"_s), GitOpResult::failure(u"no folder"_s));
+    QCOMPARE(runner_->takeCommands(),
+             (QList{GitService::makeProcess({u"init"_s, u"-b"_s, u"main"_s}, file.fileName())}));
+
+    // And so it goes with git itself.
+    GitService service;
+    const GitOpResult result = service.initRepo(location, u"main"_s);
+    QVERIFY(!result.isSuccess() && !result.message().isEmpty());
+    QCoreApplication::sendPostedEvents();
+    for (GitService* const each : {service_.get(), &service}) {
+        QVERIFY(!each->lastError());
+        QVERIFY(!each->repoURL());
+    }
+    QCOMPARE(QDir(parent.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList{u"file"_s});
+    QVERIFY(file.seek(0));
+    QCOMPARE(file.readAll(), QByteArray("text"));
 }
 
 void GitServiceOperationsTest::initRepoThatFailsOpensNothing()
