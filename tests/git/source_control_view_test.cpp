@@ -69,6 +69,8 @@ private Q_SLOTS:
     void withoutAProjectTheDocumentsFolderIsOpened();
     void withNeitherWhatWasOpenStays();
     void anotherProjectIsOpenedWhenItChanges();
+    void aClosedProjectLeavesTheDocumentsFolder();
+    void aClosedProjectWithoutASavedDocumentStays();
     void theHeaderTellsTheBranch();
     void theHeaderTellsOfConflicts();
     void refreshReadsEverything();
@@ -215,6 +217,40 @@ void SourceControlViewTest::anotherProjectIsOpenedWhenItChanges()
     f.window.show();
     QVERIFY(f.git().repoURL() == f.repo.url());
     QCOMPARE(f.lines().size(), 1);
+}
+
+void SourceControlViewTest::aClosedProjectLeavesTheDocumentsFolder()
+{
+    PanelFixture f;
+    const TemporaryRepository other;
+    other.write(u"deep/b.txt"_s, "b");
+    f.app.state.openFile(QUrl::fromLocalFile(other.filePath(u"deep/b.txt"_s)));
+    f.show();
+    QVERIFY(f.git().repoURL() == f.repo.url());
+    f.app.state.setCurrentProject(std::nullopt);
+    QVERIFY(f.git().repoURL() == other.url());
+    QCOMPARE(f.lines(), (QStringList{u"# Changes"_s, u"U deep/"_s}));
+
+    // A document outside every repository closes what was open.
+    f.app.state.setCurrentProject(f.repo.url());
+    QVERIFY(f.git().repoURL() == f.repo.url());
+    f.app.state.openFile(f.app.write(u"plain.txt"_s, "text"));
+    f.app.state.setCurrentProject(std::nullopt);
+    QVERIFY(!f.git().repoURL());
+    QVERIFY(visibleButton(f.view, u"Clone Repository…"_s) != nullptr);
+    QVERIFY(visibleButton(f.view, u"Initialize Repository"_s) == nullptr);
+}
+
+void SourceControlViewTest::aClosedProjectWithoutASavedDocumentStays()
+{
+    PanelFixture f;
+    f.app.state.createNewTab();
+    f.show();
+    QSignalSpy reads(&f.git(), &GitService::branchChanged);
+    f.app.state.setCurrentProject(std::nullopt);
+    QVERIFY(f.git().repoURL() == f.repo.url());
+    QVERIFY(visibleButton(f.view, u"Fetch"_s) != nullptr);
+    QVERIFY(reads.isEmpty());
 }
 
 void SourceControlViewTest::theHeaderTellsTheBranch()
