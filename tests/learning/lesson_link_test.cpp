@@ -56,6 +56,8 @@ private Q_SLOTS:
     void theWayBack();
     void theLinksOfTheSamplePageDecode();
     void aLinkOpensATabAndRunsItLater();
+    void theRunTakesTheDocumentThatIsCurrentByThen();
+    void aRunWithoutAnyDocumentIsNone();
     void aLinkWithoutRunRunsNothing();
     void badLinksAreLoggedAndDoNothing();
     void diagnoses_data();
@@ -283,6 +285,39 @@ void LessonLinkTest::aLinkOpensATabAndRunsItLater()
     handleKelmPaneURL(text, fixture.state, fixture.scheduler, fixture.log, [] {});
     QCoreApplication::processEvents();
     QCOMPARE(fixture.state.documents().size(), 2);
+}
+
+void LessonLinkTest::theRunTakesTheDocumentThatIsCurrentByThen()
+{
+    AppStateFixture fixture;
+    QStringList outputs;
+    fixture.notificationCenter.addObserver(
+        this, notifications::codeOutput,
+        [&outputs](const Notification& notification) { outputs.append(notification.object.toString()); });
+    fixture.openTabs({u"prose"_s});
+    handleKelmPaneURL(link(u"code="_s + encoded(u"select"_s) + u"&lang=sql&run=1"_s), fixture.state, fixture.scheduler,
+                      fixture.log, [] {});
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.state.currentDocument()->content(), u"select"_s);
+    fixture.scheduler.advance(std::chrono::milliseconds(100));
+    fixture.state.setCurrentDocumentIndex(0);
+    fixture.scheduler.advance(std::chrono::milliseconds(50));
+    // Neither language runs, and the message names the one.
+    QCOMPARE(outputs, QStringList{u"Error: language 'Plain Text' is not runnable."_s});
+}
+
+void LessonLinkTest::aRunWithoutAnyDocumentIsNone()
+{
+    AppStateFixture fixture;
+    handleKelmPaneURL(link(u"code="_s + encoded(u"select"_s) + u"&lang=sql&run=1"_s), fixture.state, fixture.scheduler,
+                      fixture.log, [] {});
+    QCoreApplication::processEvents();
+    fixture.state.setDocuments({});
+    fixture.state.setCurrentDocumentIndex(0);
+    QVERIFY(fixture.scheduler.pending() > 0);
+    fixture.scheduler.advance(std::chrono::milliseconds(150));
+    QCOMPARE(fixture.scheduler.pending(), std::size_t(0));
+    QVERIFY(!fixture.state.showBottomPanel());
 }
 
 void LessonLinkTest::aLinkWithoutRunRunsNothing()
