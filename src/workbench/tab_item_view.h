@@ -47,6 +47,9 @@ public:
     void setSelected(bool isSelected);
     bool isHovered() const { return isHovered_; }
     PlainButton& closeButton() { return *closeButton_; }
+    /// What carries the grounds of a hovered and of a selected tab from 0 to 1 and back; for tests.
+    const QVariantAnimation& hoverAnimation() const { return hover_; }
+    const QVariantAnimation& selectionAnimation() const { return selection_; }
     /// Selects the tab, as a click does.
     Q_INVOKABLE void press();
     /// Fills a menu with what can be done with the tab.

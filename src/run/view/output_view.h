@@ -31,6 +31,8 @@ public:
     QString output() const;
 
     TextView& textView() { return *textView_; }
+    /// What scrolls the page to its end; for tests.
+    const QVariantAnimation& scrollAnimation() const { return scrolling_; }
 
 private:
     void append(const QString& text);

@@ -1,10 +1,12 @@
 #include "editor/view/editor_minimap_view.h"
 #include "editor/view/minimap_painter.h"
+#include "support/painted.h"
 
 #include <QPainter>
 #include <QtTest>
 
 using namespace kelm;
+using namespace kelm::test;
 
 namespace {
 
@@ -26,18 +28,6 @@ struct Fixture
     QImage picture() { return map.grab().toImage(); }
 };
 
-int distance(QColor a, QColor b)
-{
-    return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()), std::abs(a.blue() - b.blue())});
-}
-
-QColor over(QColor below, QColor color)
-{
-    const auto mix = [&](float from, float to) { return from + (to - from) * color.alphaF(); };
-    return QColor::fromRgbF(mix(below.redF(), color.redF()), mix(below.greenF(), color.greenF()),
-                            mix(below.blueF(), color.blueF()));
-}
-
 } // namespace
 
 class EditorMinimapViewTest : public QObject
@@ -47,6 +37,8 @@ class EditorMinimapViewTest : public QObject
 private Q_SLOTS:
     void barsBoxAndGroundHaveTheirColours();
     void aLightThemeDarkensItsGround();
+    void stripSeparatorAndBorderLieOverEachOther_data();
+    void stripSeparatorAndBorderLieOverEachOther();
     void withoutATextOnlyTheGroundIsPainted();
     void clicksAndDragsTellTheLine();
     void fastBarsLookLikeFilledRectangles_data();
@@ -87,6 +79,40 @@ void EditorMinimapViewTest::aLightThemeDarkensItsGround()
     const QImage image = fixture.picture();
     QVERIFY(distance(image.pixelColor(60, 300), ground) <= 1);
     QVERIFY(distance(image.pixelColor(60, 10), over(ground, QColor::fromRgbF(0, 0, 0, 0.08F))) <= 1);
+}
+
+void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther_data()
+{
+    QTest::addColumn<int>("theme");
+    for (int theme = 0; theme < EditorTheme::allThemes().size(); ++theme) {
+        QTest::addRow("%s", qPrintable(EditorTheme::allThemes().at(theme).name)) << theme;
+    }
+}
+
+void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther()
+{
+    QFETCH(int, theme);
+    Fixture fixture(QStringLiteral("x"));
+    fixture.map.theme = EditorTheme::allThemes().at(theme);
+    const QColor beside = fixture.map.theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.04F) : QColor::fromRgbF(0, 0, 0, 0.04F);
+    const QColor ground = over(fixture.map.theme.backgroundColor.toColor(), beside);
+    QColor number = fixture.map.theme.lineNumberColor.toColor();
+    number.setAlphaF(0.4F);
+    const QColor gray(128, 128, 128, 77);
+    const QImage image = fixture.picture();
+    // From below: the strip, the line that sets the text apart, the border.
+    const QColor strip = over(ground, number);
+    QVERIFY(distance(image.pixelColor(0, 300), over(over(strip, gray), gray)) <= 2);
+    QVERIFY(distance(image.pixelColor(1, 300), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(78, 300), ground) <= 1);
+    const QColor border = over(ground, gray);
+    QVERIFY(distance(image.pixelColor(79, 300), border) <= 2);
+    QVERIFY(distance(image.pixelColor(40, 0), border) <= 2);
+    QVERIFY(distance(image.pixelColor(40, 1), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(40, 399), border) <= 2);
+    // Without a text nothing is set apart.
+    fixture.map.textView = nullptr;
+    QVERIFY(distance(fixture.picture().pixelColor(0, 300), over(strip, gray)) <= 2);
 }
 
 void EditorMinimapViewTest::withoutATextOnlyTheGroundIsPainted()

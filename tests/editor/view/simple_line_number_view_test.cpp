@@ -1,3 +1,4 @@
+#include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
 #include "platform/view/style.h"
 
@@ -63,6 +64,8 @@ private Q_SLOTS:
     void theZoneOfTheTriangleEndsAtTwentyTwo();
     void theLessonRegionHasABandAndBlueNumbers();
     void aWrappedLineHasOneNumber();
+    void theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines();
+    void aLineThatFillsTheViewHasNoNumberThere();
     void numbersCountLineFeeds();
     void hiddenLinesAreNotSkippedOver();
     void thePointingHandShowsOverTriangles();
@@ -148,6 +151,44 @@ void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()
     const QImage image = fixture.picture();
     QVERIFY(fixture.rowHas(image, 0, 30, 55, fixture.gutter.textColor));
     QVERIFY(!fixture.rowHas(image, 1, 30, 55, fixture.gutter.textColor));
+}
+
+void SimpleLineNumberViewTest::theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines()
+{
+    // The second line takes ten rows or more.
+    Fixture fixture(QStringLiteral("first\n") + QStringLiteral("word ").repeated(160) + QStringLiteral("\nthird\n") +
+                    QStringLiteral("more\n").repeated(100));
+    const qreal second = 4 + 17;
+    const qsizetype rows = qRound((fixture.text.caretRect({806 + 1, false}).top() - second) / 17);
+    QVERIFY(rows >= 10);
+    const auto firstRow = [&fixture](qreal y) {
+        fixture.text.scrollToY(y);
+        return numberedRows(fixture.text).front();
+    };
+    QCOMPARE(firstRow(second).line, qsizetype(2));
+    QCOMPARE(firstRow(second).top, 0.0);
+    // Its number is seen as long as a part of its first row is.
+    QCOMPARE(firstRow(second + 10).line, qsizetype(2));
+    QCOMPARE(firstRow(second + 10).top, -10.0);
+    for (const qsizetype hidden : {qsizetype(1), qsizetype(5), rows - 1}) {
+        const NumberedRow row = firstRow(second + static_cast<qreal>(hidden) * 17);
+        QCOMPARE(row.line, qsizetype(3));
+        QCOMPARE(row.top, static_cast<qreal>(rows - hidden) * 17);
+        QCOMPARE(lineAtRow(fixture.text, 0), std::nullopt);
+        QCOMPARE(lineAtRow(fixture.text, row.top + 16), std::optional<qsizetype>(3));
+    }
+    QCOMPARE(firstRow(second + static_cast<qreal>(rows) * 17).line, qsizetype(3));
+}
+
+void SimpleLineNumberViewTest::aLineThatFillsTheViewHasNoNumberThere()
+{
+    Fixture fixture(QStringLiteral("first\n") + QStringLiteral("word ").repeated(4000) + QStringLiteral("\nthird"));
+    fixture.text.scrollToY(17 * 20);
+    QVERIFY(numberedRows(fixture.text).empty());
+    const QImage image = fixture.picture();
+    for (int row = 0; row < 20; ++row) {
+        QVERIFY(!fixture.rowHas(image, row, 0, 55, fixture.gutter.textColor));
+    }
 }
 
 void SimpleLineNumberViewTest::numbersCountLineFeeds()

@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QWheelEvent>
 #include <QtTest>
 
@@ -65,6 +66,8 @@ private Q_SLOTS:
     void itHearsNothingWhenItIsGone();
     void textCanBeSelectedAndCopiedButNotChanged();
     void itFollowsTheTheme();
+    void theTextIsMonospacedAndRegular();
+    void scrollingToTheEndTakesATenthOfASecondAtOnePace();
     void theAnchorStandsAtTheEnd();
     void whoScrollsBackStaysThere();
     void anAnimationEndsWhenThePersonScrollsBack();
@@ -172,6 +175,32 @@ void OutputViewTest::itFollowsTheTheme()
         QCOMPARE(runs.size(), std::size_t(1));
         QCOMPARE(runs.front().color & 0xffffffU >> 8U, theme.textColor.toColor().rgba() & 0xffffffU >> 8U);
     }
+}
+
+void OutputViewTest::theTextIsMonospacedAndRegular()
+{
+    Fixture fixture;
+    fixture.post(u"text"_s);
+    const QFont& font = fixture.text().textLayout().font();
+    QCOMPARE(font.pixelSize(), 12);
+    QCOMPARE(font.weight(), int(QFont::Normal));
+    QVERIFY(!font.italic());
+    const QFontMetricsF metrics(font);
+    QCOMPARE(metrics.horizontalAdvance(u'i'), metrics.horizontalAdvance(u'W'));
+}
+
+void OutputViewTest::scrollingToTheEndTakesATenthOfASecondAtOnePace()
+{
+    Fixture fixture;
+    const QVariantAnimation& animation = fixture.view->scrollAnimation();
+    QCOMPARE(animation.duration(), 100);
+    QCOMPARE(animation.easingCurve().type(), QEasingCurve::Linear);
+    QCOMPARE(animation.state(), QAbstractAnimation::Stopped);
+    QSignalSpy changes(&animation, &QAbstractAnimation::stateChanged);
+    fixture.post(manyLines);
+    QCOMPARE(changes.count(), 0);
+    QTRY_COMPARE(changes.count(), 2);
+    QVERIFY(fixture.isAtEnd());
 }
 
 void OutputViewTest::theAnchorStandsAtTheEnd()

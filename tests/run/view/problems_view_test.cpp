@@ -1,13 +1,16 @@
 #include "editor/themes/theme_manager.h"
 #include "platform/view/labels.h"
+#include "platform/view/style.h"
 #include "run/view/problems_view.h"
 #include "support/captured_log.h"
+#include "support/painted.h"
 
 #include <QImage>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 class ProblemsViewTest : public QObject
@@ -15,7 +18,10 @@ class ProblemsViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
     void itSaysThatThereAreNone();
+    void itsSymbolAndTextAreSecondary();
     void itsGroundIsTheThemes();
 };
 
@@ -39,6 +45,18 @@ void ProblemsViewTest::itSaysThatThereAreNone()
     QCOMPARE(labels.size(), qsizetype(1));
     QCOMPARE(labels.front()->text(), u"No problems detected"_s);
     QCOMPARE(fixture.view.findChildren<SymbolLabel*>().size(), qsizetype(1));
+}
+
+void ProblemsViewTest::itsSymbolAndTextAreSecondary()
+{
+    Fixture fixture;
+    fixture.view.resize(400, 200);
+    fixture.view.show();
+    QVERIFY(icons::has(u"exclamationmark.triangle"_s));
+    SymbolLabel triangle(u"exclamationmark.triangle"_s, 24, Tint::secondary());
+    QVERIFY(looksLike(*fixture.view.findChild<SymbolLabel*>(), triangle));
+    TextLabel text(u"No problems detected"_s, style::interfaceFont(13), Tint::secondary());
+    QVERIFY(looksLike(*fixture.view.findChild<TextLabel*>(), text));
 }
 
 void ProblemsViewTest::itsGroundIsTheThemes()

@@ -1,0 +1,96 @@
+#include "editor/view/editor_text.h"
+
+#include "editor/view/editor_container_view.h"
+
+#include <QtTest>
+
+using namespace kelm;
+
+
+namespace {
+
+/// A container before any theme is set.
+struct Fixture
+{
+    ManualScheduler time;
+    NotificationCenter notifications;
+    EditorContainerView view{nullptr, time, notifications};
+
+    Fixture()
+    {
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+    }
+};
+
+} // namespace
+
+class EditorTextTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theColoursBeforeAnyTheme();
+    void theGroundsArePaintedBeforeAnyTheme();
+    void theFontIsMonospacedAndRegular();
+    void theTextIsInsetByFour();
+    void aThemeKeepsFontTextAndSelection();
+};
+
+void EditorTextTest::theColoursBeforeAnyTheme()
+{
+    Fixture fixture;
+    const TextViewColors& colors = fixture.view.textView().colors();
+    QCOMPARE(colors.background.name(), QStringLiteral("#1f1f24"));
+    QCOMPARE(colors.background.alpha(), 255);
+    QCOMPARE(colors.text, QColor(255, 255, 255));
+    QCOMPARE(colors.insertionPoint, QColor(255, 214, 10));
+    QCOMPARE(colors.selection.name(), QStringLiteral("#0a84ff"));
+    QCOMPARE(colors.selection.alpha(), 102);
+}
+
+void EditorTextTest::theGroundsArePaintedBeforeAnyTheme()
+{
+    Fixture fixture;
+    const QImage image = fixture.view.grab().toImage();
+    QCOMPARE(image.pixelColor(EditorContainerView::gutterWidth + 300, 200).name(), QStringLiteral("#1f1f24"));
+    QCOMPARE(image.pixelColor(20, 200).name(), QStringLiteral("#1a1a1f"));
+}
+
+void EditorTextTest::theFontIsMonospacedAndRegular()
+{
+    Fixture fixture;
+    const QFont& font = fixture.view.textView().textLayout().font();
+    QCOMPARE(font.pixelSize(), 14);
+    QCOMPARE(font.weight(), int(QFont::Normal));
+    QVERIFY(!font.italic());
+    const QFontMetricsF metrics(font);
+    QCOMPARE(metrics.horizontalAdvance(u'i'), metrics.horizontalAdvance(u'W'));
+}
+
+void EditorTextTest::theTextIsInsetByFour()
+{
+    Fixture fixture;
+    TextView& text = fixture.view.textView();
+    QCOMPARE(text.textInset(), QSizeF(4, 4));
+    QCOMPARE(text.caretRect({0, false}).top(), 4.0);
+}
+
+void EditorTextTest::aThemeKeepsFontTextAndSelection()
+{
+    Fixture fixture;
+    TextView& text = fixture.view.textView();
+    const TextViewColors before = text.colors();
+    const QFont font = text.textLayout().font();
+    fixture.view.setTheme(EditorTheme::githubLight());
+    QCOMPARE(text.colors().background, EditorTheme::githubLight().backgroundColor.toColor());
+    QCOMPARE(text.colors().insertionPoint, EditorTheme::githubLight().cursorColor.toColor());
+    QCOMPARE(text.colors().text, before.text);
+    QCOMPARE(text.colors().selection, before.selection);
+    QCOMPARE(text.textLayout().font(), font);
+    QCOMPARE(text.textInset(), QSizeF(4, 4));
+}
+
+QTEST_MAIN(EditorTextTest)
+#include "editor_text_test.moc"
