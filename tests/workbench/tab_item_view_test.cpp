@@ -1,8 +1,7 @@
-#include "workbench/tab_item_view.h"
-
 #include "support/painted.h"
 #include "workbench/controls.h"
 #include "workbench/tab_bar_view.h"
+#include "workbench/tab_item_view.h"
 #include "workbench/window_fixture.h"
 
 #include <QEnterEvent>

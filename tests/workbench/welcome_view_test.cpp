@@ -1,11 +1,10 @@
-#include "workbench/welcome_view.h"
-
 #include "platform/view/labels.h"
 #include "platform/view/style.h"
 #include "support/app_state_fixture.h"
 #include "support/painted.h"
 #include "workbench/controls.h"
 #include "workbench/recent_file_button.h"
+#include "workbench/welcome_view.h"
 
 #include <QtTest>
 

@@ -94,7 +94,8 @@ void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther()
     QFETCH(int, theme);
     Fixture fixture(QStringLiteral("x"));
     fixture.map.theme = EditorTheme::allThemes().at(theme);
-    const QColor beside = fixture.map.theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.04F) : QColor::fromRgbF(0, 0, 0, 0.04F);
+    const QColor beside =
+        fixture.map.theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.04F) : QColor::fromRgbF(0, 0, 0, 0.04F);
     const QColor ground = over(fixture.map.theme.backgroundColor.toColor(), beside);
     QColor number = fixture.map.theme.lineNumberColor.toColor();
     number.setAlphaF(0.4F);

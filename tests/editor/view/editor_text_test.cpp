@@ -1,11 +1,9 @@
-#include "editor/view/editor_text.h"
-
 #include "editor/view/editor_container_view.h"
+#include "editor/view/editor_text.h"
 
 #include <QtTest>
 
 using namespace kelm;
-
 
 namespace {
 
