@@ -130,7 +130,7 @@ void SearchLooksTest::cardsHaveRoundCorners()
         }
         return x;
     };
-    QCOMPARE(firstOfPanel(2), 8);
+    QCOMPARE(firstOfPanel(3), 6);
     QCOMPARE(firstOfPanel(5), 4);
     QCOMPARE(firstOfPanel(20), 1);
 }
@@ -206,12 +206,10 @@ void SearchLooksTest::aResultShowsItsFilesNameOverItsLine()
     const QImage image = list.viewport()->grab().toImage();
     const QColor ground = image.pixelColor(5, place.bottom() + 20);
     // The line as it stands, in letters of one width, and no number beside it.
-    QVERIFY(isSame(image.copy(place),
-                   expectedRow(place.size(), ground, u"name.txt"_s, u"  let found = iiiiWWWW"_s)));
+    QVERIFY(isSame(image.copy(place), expectedRow(place.size(), ground, u"name.txt"_s, u"  let found = iiiiWWWW"_s)));
     const QFontMetricsF metrics(style::monospaced(11));
     QCOMPARE(metrics.horizontalAdvance(u'i'), metrics.horizontalAdvance(u'W'));
-    QCOMPARE(list.model()->index(0, 0).data(Qt::AccessibleTextRole).toString(),
-             u"name.txt,   let found = iiiiWWWW"_s);
+    QCOMPARE(list.model()->index(0, 0).data(Qt::AccessibleTextRole).toString(), u"name.txt,   let found = iiiiWWWW"_s);
 }
 
 QTEST_MAIN(SearchLooksTest)

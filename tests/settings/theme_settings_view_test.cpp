@@ -1,9 +1,8 @@
-#include "settings/view/theme_settings_view.h"
-
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/settings_view.h"
 #include "settings/view/theme_preview.h"
+#include "settings/view/theme_settings_view.h"
 #include "support/captured_log.h"
 #include "support/painted.h"
 

@@ -97,7 +97,6 @@ void WelcomeViewTest::itReadsAndOffersToBegin()
 {
     Fixture fixture;
     TextLabel name(u"KelmWright"_s, style::interfaceFont(26, QFont::Bold), Tint::primary());
-    name.setPalette(fixture.view.palette());
     QVERIFY(fixture.label(u"KelmWright"_s) != nullptr);
     QVERIFY(looksLike(*fixture.label(u"KelmWright"_s), name));
     QVERIFY(fixture.label(u"Start editing by creating a new file or opening an existing one"_s) != nullptr);
