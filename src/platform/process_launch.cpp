@@ -301,6 +301,10 @@ std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
     if (failure != 0) {
         return launchErrorText(command, failure);
     }
+    // The child has its own ends now, so that there is room for one descriptor more.
+    for (FileDescriptor* end : {&input.readEnd, &output.writeEnd, &error.writeEnd}) {
+        end->close();
+    }
     child.exitNotice = makeExitNotice(child.pid, std::move(notice));
     child.standardInput = std::move(input.writeEnd);
     child.standardOutput = std::move(output.readEnd);

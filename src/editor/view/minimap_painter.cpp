@@ -45,7 +45,7 @@ QRgb scaled(QRgb pixel, uint factor)
 uint coverage(qreal from, qreal to, int at)
 {
     const qreal covered = std::min<qreal>(to, at + 1) - std::max<qreal>(from, at);
-    return static_cast<uint>(std::clamp<qreal>(covered, 0, 1) * 255 + 0.5);
+    return static_cast<uint>(qRound(std::clamp<qreal>(covered, 0, 1) * 255));
 }
 
 /// Lays a premultiplied colour over the pixels from `first` up to `last`: as `scaled` does it, but in steps of 16 bits
