@@ -46,7 +46,7 @@ bool exists(const std::optional<QUrl>& url)
 
 QString programFile()
 {
-    if (const QString image = applicationImage(); !image.isEmpty()) {
+    if (QString image = applicationImage(); !image.isEmpty()) {
         return image;
     }
     const QString file = QCoreApplication::applicationFilePath();

@@ -11,9 +11,10 @@ namespace {
 
 constexpr int editorFontSize = 14;
 constexpr float selectionAlpha = 0.4F;
-/// How strongly the matches of a search are marked, and the one that it stands at.
-constexpr float matchAlpha = 0.2F;
-constexpr float currentMatchAlpha = 0.45F;
+/// How strongly the matches of a search are marked; the one that it stands at is selected besides, and its letters
+/// have to stand out from both.
+constexpr float matchAlpha = 0.18F;
+constexpr float currentMatchAlpha = 0.08F;
 
 QColor withAlpha(QColor color, float alpha)
 {
