@@ -3,7 +3,7 @@
 #include "git/view/clone_dialog.h"
 #include "git/view/credential_status_row.h"
 #include "platform/view/labels.h"
-#include "support/picture.h"
+#include "support/painted_text.h"
 
 #include <QSignalSpy>
 
@@ -88,7 +88,7 @@ struct DialogFixture
     {
         const QImage picture = label(text).grab().toImage();
         const QColor ground = dialog->palette().color(QPalette::Window);
-        return areNear(ink(picture, picture.rect(), ground), inkOf(text, style::interfaceFont(size), tint, ground));
+        return isSame(ink(picture, picture.rect(), ground), inkOf(text, style::interfaceFont(size), tint, ground));
     }
     QString error() const
     {
@@ -331,8 +331,8 @@ void CloneDialogTest::anErrorIsRedOnRed()
     const QImage picture = error->grab().toImage();
     const QColor ground = over(f.dialog->palette().color(QPalette::Window), Tint(SystemColor::red).at(0.08));
     QVERIFY(isNear(picture.pixelColor(picture.width() - 10, picture.height() / 2), ground));
-    QVERIFY(areNear(ink(picture, picture.rect().adjusted(6, 6, -6, -6), ground),
-                    inkOf(u"Words"_s, style::interfaceFont(11), SystemColor::red, ground)));
+    QVERIFY(isSame(ink(picture, picture.rect().adjusted(6, 6, -6, -6), ground),
+                   inkOf(u"Words"_s, style::interfaceFont(11), SystemColor::red, ground)));
 }
 
 void CloneDialogTest::aSuccessIsGreen()

@@ -2,7 +2,7 @@
 #include "platform/view/icons.h"
 #include "platform/view/labels.h"
 #include "platform/view/style.h"
-#include "support/picture.h"
+#include "support/painted_text.h"
 
 #include <QApplication>
 #include <QtTest>
@@ -75,7 +75,7 @@ void CredentialStatusRowTest::aChipTellsByItsColours()
     // The symbol stands before the label, in a square of 11 in the middle.
     const QRectF square(8, (picture.height() - 11) / 2.0, 11, 11);
     const QImage wanted = symbolPicture(symbol, square, symbolTint, ground, picture.size());
-    QVERIFY(areNear(ink(picture, square.toAlignedRect(), ground), ink(wanted, square.toAlignedRect(), ground)));
+    QVERIFY(isSame(ink(picture, square.toAlignedRect(), ground), ink(wanted, square.toAlignedRect(), ground)));
 }
 
 void CredentialStatusRowTest::eachChipTellsOfItsOwnSource_data()

@@ -1,7 +1,7 @@
 #include "git/shown_viewer.h"
 #include "git/view/diff_fonts.h"
 #include "platform/view/style.h"
-#include "support/picture.h"
+#include "support/painted_text.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -46,7 +46,7 @@ struct Rows
     QColor ground(const QRect& place) const { return picture.pixelColor(place.topLeft()); }
     bool shows(const QRect& place, const QString& text, const QFont& font, const Tint& tint) const
     {
-        return areNear(drawn(place), inkOf(text, font, tint, ground(place)));
+        return isSame(drawn(place), inkOf(text, font, tint, ground(place)));
     }
 
     ShownViewer& shown;
@@ -72,7 +72,7 @@ bool hasSign(const Rows& rows, const QRect& place, const QString& sign)
     const QFont font = DiffFonts().sign;
     // Both columns are of an even width, so a sign of an odd one starts at half a pixel.
     const qreal fraction = QFontMetrics(font).horizontalAdvance(sign) % 2 / 2.0;
-    return areNear(rows.drawn(place), inkOf(sign, font, Tint::secondary(), rows.ground(place), fraction));
+    return isSame(rows.drawn(place), inkOf(sign, font, Tint::secondary(), rows.ground(place), fraction));
 }
 
 } // namespace

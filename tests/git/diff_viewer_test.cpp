@@ -3,7 +3,7 @@
 #include "platform/view/labels.h"
 #include "platform/view/style.h"
 #include "support/diff_text.h"
-#include "support/picture.h"
+#include "support/painted_text.h"
 
 #include <QAccessible>
 #include <QClipboard>

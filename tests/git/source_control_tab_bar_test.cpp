@@ -1,6 +1,6 @@
 #include "git/view/source_control_tab_bar.h"
 #include "platform/view/style.h"
-#include "support/picture.h"
+#include "support/painted_text.h"
 
 #include <QApplication>
 #include <QtTest>
@@ -67,8 +67,8 @@ void SourceControlTabBarTest::theSelectedTabStandsInTheAccentColour()
         QVERIFY(isNear(picture.pixelColor(1, picture.height() / 2), ground));
         // Its corners are round.
         QVERIFY(isNear(picture.pixelColor(0, 0), shown.window()));
-        QVERIFY(areNear(ink(picture, labelPlace(picture, label(tab)), ground),
-                        inkOf(label(tab), style::interfaceFont(11), Tint::accent(), ground)));
+        QVERIFY(isSame(ink(picture, labelPlace(picture, label(tab)), ground),
+                       inkOf(label(tab), style::interfaceFont(11), Tint::accent(), ground)));
     }
 }
 
@@ -80,8 +80,8 @@ void SourceControlTabBarTest::theOthersStandOnNothing()
         const QImage picture = shown.picture(tab);
         const QColor ground = shown.window();
         QVERIFY(isNear(picture.pixelColor(picture.width() / 2, 1), ground));
-        QVERIFY(areNear(ink(picture, labelPlace(picture, label(tab)), ground),
-                        inkOf(label(tab), style::interfaceFont(11), Tint::primary().at(0.85), ground)));
+        QVERIFY(isSame(ink(picture, labelPlace(picture, label(tab)), ground),
+                       inkOf(label(tab), style::interfaceFont(11), Tint::primary().at(0.85), ground)));
     }
 }
 

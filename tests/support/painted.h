@@ -26,7 +26,16 @@ inline QColor over(const QColor& below, const QColor& color)
                             mix(below.blueF(), color.blueF()));
 }
 
-/// Whether two pictures are of one size and the same, but for the rounding of colours that lie over each other.
+/// How far a colour may be from what it should be where several are laid over each other, each of them rounded.
+inline constexpr int roundingTolerance = 3;
+
+inline bool isNear(const QColor& a, const QColor& b)
+{
+    return distance(a, b) <= roundingTolerance;
+}
+
+/// Whether two pictures are of one size and the same, but for the rounding of colours that lie over each other; one of
+/// nothing is like no other.
 inline bool isSame(const QImage& a, const QImage& b)
 {
     if (a.isNull() || a.size() != b.size()) {
@@ -34,7 +43,7 @@ inline bool isSame(const QImage& a, const QImage& b)
     }
     for (int y = 0; y < a.height(); ++y) {
         for (int x = 0; x < a.width(); ++x) {
-            if (distance(a.pixelColor(x, y), b.pixelColor(x, y)) > 2) {
+            if (!isNear(a.pixelColor(x, y), b.pixelColor(x, y))) {
                 return false;
             }
         }

@@ -1,33 +1,20 @@
-// Looking at what was drawn.
+// Looking for text in what was painted.
 #pragma once
 
 #include "platform/view/tint.h"
+#include "support/painted.h"
 
 #include <QFont>
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
 
-#include <cmath>
-#include <cstdlib>
-
 namespace kelm::test {
 
 /// A colour of the dark appearance over what is painted already.
 inline QColor over(const QColor& ground, const Tint& tint)
 {
-    const QColor color = tint.in(Appearance::dark);
-    const double alpha = color.alphaF();
-    const auto mix = [alpha](double below, double above) { return float(below * (1 - alpha) + above * alpha); };
-    return QColor::fromRgbF(mix(ground.redF(), color.redF()), mix(ground.greenF(), color.greenF()),
-                            mix(ground.blueF(), color.blueF()));
-}
-
-inline bool isNear(const QColor& a, const QColor& b)
-{
-    constexpr int tolerance = 3;
-    return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance &&
-           std::abs(a.blue() - b.blue()) <= tolerance;
+    return over(ground, tint.in(Appearance::dark));
 }
 
 /// The smallest rectangle within `place` that holds all that is drawn on the ground; empty when that is nothing.
@@ -65,22 +52,6 @@ inline QImage inkOf(const QString& text, const QFont& font, const Tint& tint, co
     painter.drawText(QPointF(room + fraction, room + metrics.ascent()), text);
     painter.end();
     return ink(picture, picture.rect(), ground);
-}
-
-/// Whether two pictures show the same; one of nothing is like no other.
-inline bool areNear(const QImage& a, const QImage& b)
-{
-    if (a.isNull() || a.size() != b.size()) {
-        return false;
-    }
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            if (!isNear(a.pixelColor(x, y), b.pixelColor(x, y))) {
-                return false;
-            }
-        }
-    }
-    return true;
 }
 
 } // namespace kelm::test
