@@ -59,7 +59,7 @@ std::optional<QUrl> FileDialogs::showSavePanel(const QList<ContentType>& allowed
 }
 
 FileAndFolderDialog::FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options)
-    : QFileDialog(parent, tr("Open"))
+    : QFileDialog(parent, tr("Open")), canChooseDirectories_(options.canChooseDirectories)
 {
     setOption(QFileDialog::DontUseNativeDialog);
     setAcceptMode(QFileDialog::AcceptOpen);
@@ -84,7 +84,7 @@ void FileAndFolderDialog::accept()
     const QStringList selected = selectedPaths();
     const bool hasFolder =
         std::any_of(selected.begin(), selected.end(), [](const QString& path) { return QFileInfo(path).isDir(); });
-    if (hasFolder && testOption(QFileDialog::DontUseNativeDialog)) {
+    if (hasFolder && canChooseDirectories_ && testOption(QFileDialog::DontUseNativeDialog)) {
         // The dialog itself would enter the folder.
         for (const QString& path : selected) {
             chosen_.append({QUrl::fromLocalFile(path), QFileInfo(path).isDir()});

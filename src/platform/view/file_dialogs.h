@@ -34,6 +34,7 @@ private:
     QStringList selectedPaths() const;
     void enableOpenButton();
 
+    bool canChooseDirectories_;
     QList<ChosenUrl> chosen_;
 };
 
