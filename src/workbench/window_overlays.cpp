@@ -50,7 +50,11 @@ void WindowOverlays::takeCloneDialog()
         return;
     }
     cloneDialog_ = new CloneDialog(appState_.git(), FilePanels::shared(), Scheduler::system(), &window_);
-    connect(cloneDialog_, &QObject::destroyed, this, [this] { appState_.setShowCloneDialog(false); });
+    connect(cloneDialog_, &QObject::destroyed, this, [this] {
+        // It is half gone already, and no more to be closed.
+        cloneDialog_ = nullptr;
+        appState_.setShowCloneDialog(false);
+    });
     cloneDialog_->show();
 }
 
