@@ -38,10 +38,7 @@ struct Fixture
     }
 
     QAbstractItemView& list() const { return *dialog->findChild<QAbstractItemView*>(u"listView"_s); }
-    QPushButton& openButton() const
-    {
-        return *dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
-    }
+    QPushButton& openButton() const { return *dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open); }
     QLineEdit& nameField() const { return *dialog->findChild<QLineEdit*>(u"fileNameEdit"_s); }
     /// The row of a name, once the dialog has read the folder.
     QModelIndex indexOf(const QString& name) const
@@ -79,7 +76,8 @@ struct Fixture
     }
 };
 
-const OpenPanelOptions everything{.canChooseFiles = true, .canChooseDirectories = true, .allowsMultipleSelection = true};
+const OpenPanelOptions everything{
+    .canChooseFiles = true, .canChooseDirectories = true, .allowsMultipleSelection = true};
 
 } // namespace
 
