@@ -1,35 +1,70 @@
-# kelm_test(name [LIBRARIES lib...] [SOURCES file...] [ARGUMENTS argument...] [TIMEOUT seconds])
+# kelm_test_room(name USES library...): makes <name>_tests, the one program that holds the test classes of this folder
+# and of the folders below it that have no program of their own. It links the libraries.
+function(kelm_test_room name)
+  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  add_executable(${name}_tests)
+  target_link_libraries(${name}_tests PRIVATE kelm_test_support ${ARG_USES})
+  target_precompile_headers(${name}_tests REUSE_FROM kelm_test_support)
+  set_target_properties(${name}_tests PROPERTIES
+    UNITY_BUILD ${KELM_UNITY}
+    UNITY_BUILD_BATCH_SIZE 5
+    RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  set(KELM_TEST_ROOM ${name}_tests PARENT_SCOPE)
+  # When the folders below have told of their classes.
+  cmake_language(EVAL CODE "cmake_language(DEFER CALL kelm_moc ${name}_tests)")
+endfunction()
+
+# kelm_test(name [OPTIMIZED] [DEFINITIONS NAME=value...] [NEEDS target...] [TIMEOUT seconds])
 #
-# Builds tests/<folder>/<name>.cpp into one test program, registered with CTest under <folder>/<name> and labelled with
-# the folder, and run with the arguments. It links kelm_core unless LIBRARIES names something else.
+# Adds the class of <name>.cpp to the room's program. CTest runs it by itself, as <folder>/<name>. The definitions hold
+# for that file, and the targets are built before it runs. OPTIMIZED is for a class whose own code runs for seconds.
 function(kelm_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "LIBRARIES;SOURCES;ARGUMENTS" ${ARGN})
-  if(NOT ARG_LIBRARIES)
-    set(ARG_LIBRARIES kelm_core)
+  cmake_parse_arguments(ARG "OPTIMIZED" "TIMEOUT" "DEFINITIONS;NEEDS" ${ARGN})
+  set(file ${CMAKE_CURRENT_SOURCE_DIR}/${name}.cpp)
+  target_sources(${KELM_TEST_ROOM} PRIVATE ${file})
+  if(ARG_DEFINITIONS)
+    set_source_files_properties(${file} TARGET_DIRECTORY ${KELM_TEST_ROOM} PROPERTIES
+      COMPILE_DEFINITIONS "${ARG_DEFINITIONS}")
   endif()
+  if(ARG_OPTIMIZED)
+    # The precompiled header is of another optimization.
+    set_source_files_properties(${file} TARGET_DIRECTORY ${KELM_TEST_ROOM} PROPERTIES
+      COMPILE_OPTIONS $<$<CONFIG:Release>:-O3>
+      SKIP_PRECOMPILE_HEADERS ON)
+  endif()
+  if(ARG_NEEDS)
+    add_dependencies(${KELM_TEST_ROOM} ${ARG_NEEDS})
+  endif()
+  kelm_add_test(${name} PROGRAM ${KELM_TEST_ROOM} ARGUMENTS ${name} TIMEOUT ${ARG_TIMEOUT})
+endfunction()
+
+# kelm_add_test(name PROGRAM target [ARGUMENTS argument...] [TIMEOUT seconds] [SCALE factor])
+#
+# Tells CTest of <folder>/<name>, labelled with the folder, in a home folder of its own.
+function(kelm_add_test name)
+  cmake_parse_arguments(ARG "" "PROGRAM;TIMEOUT;SCALE" "ARGUMENTS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
-  math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * ${KELM_TEST_PATIENCE}")
+  if(NOT ARG_SCALE)
+    set(ARG_SCALE 1)
+  endif()
+  math(EXPR timeout "${ARG_TIMEOUT} * ${KELM_TEST_PATIENCE}")
   file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
-  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} kelm_test_support Qt6::Test)
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_compile_definitions(${name} PRIVATE KELM_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data")
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/${folder})
-  add_test(NAME ${folder}/${name} COMMAND ${name} ${ARG_ARGUMENTS})
-  set(home ${PROJECT_BINARY_DIR}/tests/home/${name})
+  add_test(NAME ${folder}/${name} COMMAND ${ARG_PROGRAM} ${ARG_ARGUMENTS})
+  set(home ${PROJECT_BINARY_DIR}/tests/home/${folder}/${name})
+  # LC_ALL only names the encoding: what sorts and compares by locale is set by the test that needs it. The Qt platform
+  # without a window system stands in for the desktop, at a fixed scale.
   set(environment
-    QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 LC_ALL=C.UTF-8
+    QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=${ARG_SCALE} LC_ALL=C.UTF-8
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp
     XDG_CONFIG_HOME=${home}/config XDG_DATA_HOME=${home}/data
     XDG_CACHE_HOME=${home}/cache XDG_STATE_HOME=${home}/state)
-  # LC_ALL only names the encoding: what sorts and compares by locale is set by the test that needs it. The Qt platform
-  # without a window system stands in for the desktop, at a fixed scale.
   set_tests_properties(${folder}/${name} PROPERTIES
     LABELS ${folder}
-    TIMEOUT ${ARG_TIMEOUT}
+    TIMEOUT ${timeout}
     ENVIRONMENT "${environment}")
+  set_property(GLOBAL APPEND_STRING PROPERTY KELM_TEST_INDEX "${folder}/${name} ${ARG_PROGRAM}\n")
 endfunction()
 
 # kelm_bench(name [LIBRARIES lib...]): one Google Benchmark program, bench/<folder>/<name>.cpp.
@@ -46,21 +81,6 @@ function(kelm_bench name)
   set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
 endfunction()
 
-# Runs moc again when files join or leave a target: its step depends on the files of its last run, not on the list.
-# To be called when the target has all its sources.
-function(kelm_track_moc_files target)
-  get_target_property(sources ${target} SOURCES)
-  set(list ${CMAKE_CURRENT_BINARY_DIR}/${target}_sources.txt)
-  set(known "")
-  if(EXISTS ${list})
-    file(READ ${list} known)
-  endif()
-  if(NOT known STREQUAL "${sources}")
-    file(WRITE ${list} "${sources}")
-    file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
-  endif()
-endfunction()
-
 # kelm_fuzz(name): tests/fuzz/<name>_fuzz.cpp, whose `LLVMFuzzerTestOneInput` ends the process when something is wrong.
 # A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as well, which goes on
 # from there with libFuzzer.
@@ -68,11 +88,8 @@ function(kelm_fuzz name)
   add_executable(${name}_corpus_test ${name}_fuzz.cpp corpus_main.cpp)
   target_link_libraries(${name}_corpus_test PRIVATE kelm_core)
   set_target_properties(${name}_corpus_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/fuzz)
-  add_test(NAME fuzz/${name}_corpus_test COMMAND ${name}_corpus_test ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
-  set_tests_properties(fuzz/${name}_corpus_test PROPERTIES
-    LABELS fuzz
-    TIMEOUT 60
-    ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+  kelm_add_test(${name}_corpus_test
+    PROGRAM ${name}_corpus_test ARGUMENTS ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name} TIMEOUT 60)
   if(KELM_FUZZ)
     add_executable(${name}_fuzz ${name}_fuzz.cpp)
     target_link_libraries(${name}_fuzz PRIVATE kelm_core)
@@ -80,4 +97,25 @@ function(kelm_fuzz name)
     set_target_properties(${name}_fuzz PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
     add_dependencies(kelm_fuzz ${name}_fuzz)
   endif()
+endfunction()
+
+# kelm_batches(target size): with KELM_UNITY, compiles the sources of a folder in batches of so many. Files of two
+# folders never share one, so that names have to differ within a folder alone.
+function(kelm_batches target size)
+  get_target_property(sources ${target} SOURCES)
+  get_target_property(base ${target} SOURCE_DIR)
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${base} OUTPUT_VARIABLE file)
+    file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${file})
+    cmake_path(GET place PARENT_PATH folder)
+    string(MAKE_C_IDENTIFIER ${folder} folder)
+    if(NOT DEFINED count_${folder})
+      set(count_${folder} 0)
+    endif()
+    math(EXPR batch "${count_${folder}} / ${size}")
+    math(EXPR count_${folder} "${count_${folder}} + 1")
+    set_source_files_properties(${file} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${folder}_${batch})
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${KELM_UNITY} UNITY_BUILD_MODE GROUP)
 endfunction()

@@ -9,11 +9,11 @@ namespace kelm {
 
 namespace {
 
-constexpr QStringView fileStart = u"diff --git ";
+constexpr QStringView patchedFileStart = u"diff --git ";
 
 /// The header lines that a patch keeps; `git apply` needs no other for one hunk.
-constexpr std::array<QStringView, 7> keptStarts{
-    fileStart, u"index ", u"--- ", u"+++ ", u"new file mode", u"deleted file mode", u"rename "};
+constexpr std::array<QStringView, 7> keptStarts{patchedFileStart,     u"index ", u"--- ", u"+++ ", u"new file mode",
+                                                u"deleted file mode", u"rename "};
 
 QStringList headerLines(const DiffFile& file)
 {
@@ -24,7 +24,7 @@ QStringList headerLines(const DiffFile& file)
                                         [&line](QStringView text) { return line.text.startsWith(text); });
         if (start != keptStarts.end()) {
             kept.append(line.text);
-            namesFile |= *start == fileStart;
+            namesFile |= *start == patchedFileStart;
         }
     }
     if (namesFile) {

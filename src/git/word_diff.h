@@ -5,6 +5,10 @@
 #include <QString>
 #include <QStringList>
 
+namespace word_diff_test {
+class WordDiffTest;
+}
+
 namespace kelm {
 
 /// Compares one removed line with one added line. Pure functions, from any thread.
@@ -42,7 +46,7 @@ public:
     static Result diff(const QString& oldLine, const QString& newLine);
 
 private:
-    friend class WordDiffTest;
+    friend class word_diff_test::WordDiffTest;
 
     static QStringList tokenize(const QString& text);
     /// Of several longest ones the one that the walk back through the full table finds, which steps back in `a` on a

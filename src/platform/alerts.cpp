@@ -10,7 +10,7 @@ public:
     std::optional<int> runWarning(const Alert&) override { return std::nullopt; }
 };
 
-std::unique_ptr<Alerts>& installed()
+std::unique_ptr<Alerts>& installedAlerts()
 {
     static std::unique_ptr<Alerts> alerts = std::make_unique<NoAlerts>();
     return alerts;
@@ -20,12 +20,12 @@ std::unique_ptr<Alerts>& installed()
 
 Alerts& Alerts::shared()
 {
-    return *installed();
+    return *installedAlerts();
 }
 
 void Alerts::install(std::unique_ptr<Alerts> alerts)
 {
-    installed() = std::move(alerts);
+    installedAlerts() = std::move(alerts);
 }
 
 } // namespace kelm

@@ -6,7 +6,7 @@ namespace kelm {
 
 namespace {
 
-std::function<void(Appearance)>& installed()
+std::function<void(Appearance)>& applicationAppearanceSetter()
 {
     static std::function<void(Appearance)> set;
     return set;
@@ -16,14 +16,14 @@ std::function<void(Appearance)>& installed()
 
 void setApplicationAppearance(Appearance appearance)
 {
-    if (installed()) {
-        installed()(appearance);
+    if (applicationAppearanceSetter()) {
+        applicationAppearanceSetter()(appearance);
     }
 }
 
 void installAppearance(std::function<void(Appearance)> set)
 {
-    installed() = std::move(set);
+    applicationAppearanceSetter() = std::move(set);
 }
 
 } // namespace kelm

@@ -14,7 +14,7 @@ public:
     std::optional<QUrl> showSavePanel(const QList<ContentType>&) override { return std::nullopt; }
 };
 
-std::unique_ptr<FilePanels>& installed()
+std::unique_ptr<FilePanels>& installedPanels()
 {
     static std::unique_ptr<FilePanels> panels = std::make_unique<NoPanels>();
     return panels;
@@ -24,12 +24,12 @@ std::unique_ptr<FilePanels>& installed()
 
 FilePanels& FilePanels::shared()
 {
-    return *installed();
+    return *installedPanels();
 }
 
 void FilePanels::install(std::unique_ptr<FilePanels> panels)
 {
-    installed() = std::move(panels);
+    installedPanels() = std::move(panels);
 }
 
 } // namespace kelm

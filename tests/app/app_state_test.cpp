@@ -3,9 +3,12 @@
 #include "git/git_service.h"
 #include "run/code_runner.h"
 #include "support/app_state_fixture.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace app_state_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -868,5 +871,8 @@ void AppStateTest::undecodableRecentFilesAreNone()
     QVERIFY(restarted()->recentFiles().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(AppStateTest)
+const kelm::test::Registered<AppStateTest> registered;
+
+} // namespace app_state_test
+
 #include "app_state_test.moc"

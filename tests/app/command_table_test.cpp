@@ -1,9 +1,12 @@
 #include "app/command_table.h"
 #include "run/code_runner.h"
 #include "support/app_state_fixture.h"
+#include "support/test_program.h"
 
 #include <QKeySequence>
 #include <QtTest>
+
+namespace command_table_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -365,5 +368,8 @@ void CommandTableTest::textCommandsWithoutADocumentDoNothing()
     QVERIFY(state().documents().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(CommandTableTest)
+const kelm::test::Registered<CommandTableTest> registered;
+
+} // namespace command_table_test
+
 #include "command_table_test.moc"

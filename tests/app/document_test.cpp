@@ -1,7 +1,10 @@
 #include "app/document.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace document_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -319,5 +322,8 @@ void DocumentTest::everyFieldIsAProperty()
                                  u"indentStyle"_s, u"title"_s, u"language"_s}));
 }
 
-QTEST_GUILESS_MAIN(DocumentTest)
+const kelm::test::Registered<DocumentTest> registered;
+
+} // namespace document_test
+
 #include "document_test.moc"

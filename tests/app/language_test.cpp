@@ -1,7 +1,10 @@
 #include "app/language.h"
+#include "support/test_program.h"
 
 #include <QFile>
 #include <QtTest>
+
+namespace language_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -141,5 +144,8 @@ void LanguageTest::aLanguageIsAKey()
     QCOMPARE(counts.value(Language::sql), 1);
 }
 
-QTEST_GUILESS_MAIN(LanguageTest)
+const kelm::test::Registered<LanguageTest> registered;
+
+} // namespace language_test
+
 #include "language_test.moc"

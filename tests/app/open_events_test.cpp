@@ -1,7 +1,10 @@
 #include "app/open_events.h"
 #include "support/app_state_fixture.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace open_events_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -130,5 +133,8 @@ void OpenEventsTest::argumentsOpenWhatTheyName()
     QCOMPARE(fixture_->state.currentProject()->toLocalFile(), fixture_->folder.path() + u'/');
 }
 
-QTEST_GUILESS_MAIN(OpenEventsTest)
+const kelm::test::Registered<OpenEventsTest> registered;
+
+} // namespace open_events_test
+
 #include "open_events_test.moc"

@@ -1,7 +1,10 @@
 #include "app/recent_files.h"
+#include "support/test_program.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace recent_files_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -61,5 +64,8 @@ void RecentFilesTest::onlyWhatExistsIsKept()
     QCOMPARE(existingFiles({directory, gone, there, QUrl(u"https://host"_s)}), (QList{directory, there}));
 }
 
-QTEST_GUILESS_MAIN(RecentFilesTest)
+const kelm::test::Registered<RecentFilesTest> registered;
+
+} // namespace recent_files_test
+
 #include "recent_files_test.moc"

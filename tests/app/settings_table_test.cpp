@@ -1,5 +1,6 @@
 #include "app/preferences_service.h"
 #include "app/settings_table.h"
+#include "support/test_program.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -7,6 +8,8 @@
 #include <QtTest>
 
 #include <limits>
+
+namespace settings_table_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -212,5 +215,8 @@ void SettingsTableTest::thePreferencesRecordTellsOfChanges()
     QCOMPARE(shells.count(), 1);
 }
 
-QTEST_GUILESS_MAIN(SettingsTableTest)
+const kelm::test::Registered<SettingsTableTest> registered;
+
+} // namespace settings_table_test
+
 #include "settings_table_test.moc"

@@ -1,6 +1,9 @@
 #include "app/split_editor_manager.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace split_editor_manager_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -197,5 +200,8 @@ void SplitEditorManagerTest::observersHearOfEveryChange()
     QCOMPARE(document.size(), 1);
 }
 
-QTEST_GUILESS_MAIN(SplitEditorManagerTest)
+const kelm::test::Registered<SplitEditorManagerTest> registered;
+
+} // namespace split_editor_manager_test
+
 #include "split_editor_manager_test.moc"

@@ -1,6 +1,9 @@
 #include "app/tab_manager.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace tab_manager_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -44,5 +47,8 @@ void TabManagerTest::everyTabHasAnIdentity()
     QVERIFY(!(one == other));
 }
 
-QTEST_GUILESS_MAIN(TabManagerTest)
+const kelm::test::Registered<TabManagerTest> registered;
+
+} // namespace tab_manager_test
+
 #include "tab_manager_test.moc"

@@ -1,6 +1,9 @@
 #include "app/text_attributes.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace text_attributes_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -92,5 +95,8 @@ void TextAttributesTest::positionsCompareFieldByField()
     QVERIFY(selection != (TextSelection{{}, position}));
 }
 
-QTEST_GUILESS_MAIN(TextAttributesTest)
+const kelm::test::Registered<TextAttributesTest> registered;
+
+} // namespace text_attributes_test
+
 #include "text_attributes_test.moc"

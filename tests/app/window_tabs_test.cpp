@@ -1,6 +1,9 @@
 #include "app/window_tabs.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace window_tabs_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -35,5 +38,8 @@ void WindowTabsTest::sidebarTabsStandInTheirOrder()
     QCOMPARE(SidebarTab(), SidebarTab(SidebarTab::files));
 }
 
-QTEST_GUILESS_MAIN(WindowTabsTest)
+const kelm::test::Registered<WindowTabsTest> registered;
+
+} // namespace window_tabs_test
+
 #include "window_tabs_test.moc"

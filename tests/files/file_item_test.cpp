@@ -1,11 +1,14 @@
 #include "files/file_item.h"
 #include "files/git_badge.h"
+#include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace file_item_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -237,5 +240,8 @@ void FileItemTest::rootAndOutsideHaveNone()
     }
 }
 
-QTEST_GUILESS_MAIN(FileItemTest)
+const kelm::test::Registered<FileItemTest> registered;
+
+} // namespace file_item_test
+
 #include "file_item_test.moc"

@@ -1,6 +1,9 @@
 #include "git/ahead_behind_parser.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace ahead_behind_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -41,6 +44,8 @@ void AheadBehindParserTest::firstPieceIsBehindSecondIsAhead()
     QCOMPARE(parseAheadBehind(output), counts);
 }
 
-QTEST_GUILESS_MAIN(AheadBehindParserTest)
+const kelm::test::Registered<AheadBehindParserTest> registered;
+
+} // namespace ahead_behind_parser_test
 
 #include "ahead_behind_parser_test.moc"

@@ -1,6 +1,9 @@
 #include "git/blame_parser.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace blame_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -38,6 +41,8 @@ void BlameParserTest::everyLineHasItsCommit()
     QCOMPARE(parseBlame(output), lines);
 }
 
-QTEST_GUILESS_MAIN(BlameParserTest)
+const kelm::test::Registered<BlameParserTest> registered;
+
+} // namespace blame_parser_test
 
 #include "blame_parser_test.moc"

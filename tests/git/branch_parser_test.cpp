@@ -1,6 +1,9 @@
 #include "git/branch_parser.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace branch_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -95,6 +98,8 @@ void BranchParserTest::identitiesAreFresh()
     QVERIFY(branches[0].id != branches[1].id);
 }
 
-QTEST_GUILESS_MAIN(BranchParserTest)
+const kelm::test::Registered<BranchParserTest> registered;
+
+} // namespace branch_parser_test
 
 #include "branch_parser_test.moc"

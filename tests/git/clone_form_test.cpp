@@ -2,8 +2,11 @@
 #include "support/fake_file_panels.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
+
+namespace clone_form_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -361,5 +364,8 @@ void CloneFormTest::aMissingParentFolderTellsTheLaunchError()
     QVERIFY(!git.lastError());
 }
 
-QTEST_GUILESS_MAIN(CloneFormTest)
+const kelm::test::Registered<CloneFormTest> registered;
+
+} // namespace clone_form_test
+
 #include "clone_form_test.moc"

@@ -1,9 +1,12 @@
 #include "git/credential_detection.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace credential_detection_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -117,5 +120,8 @@ void CredentialDetectionTest::filesOnDiskAreSeenAndNotRead()
     QVERIFY(detectCredentials(home.path()).hasGitHubCLI);
 }
 
-QTEST_GUILESS_MAIN(CredentialDetectionTest)
+const kelm::test::Registered<CredentialDetectionTest> registered;
+
+} // namespace credential_detection_test
+
 #include "credential_detection_test.moc"

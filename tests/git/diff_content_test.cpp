@@ -1,13 +1,14 @@
 #include "git/diff_content.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace diff_content_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
 using namespace kelm::test;
-
-Q_DECLARE_METATYPE(kelm::DiffContent::State)
 
 class DiffContentTest final : public QObject
 {
@@ -66,5 +67,8 @@ void DiffContentTest::hunksAreCounted()
     QCOMPARE(hunkCountLabel(2), u"2 hunks"_s);
 }
 
-QTEST_GUILESS_MAIN(DiffContentTest)
+const kelm::test::Registered<DiffContentTest> registered;
+
+} // namespace diff_content_test
+
 #include "diff_content_test.moc"

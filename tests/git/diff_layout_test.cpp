@@ -1,7 +1,10 @@
 #include "git/diff_layout.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace diff_layout_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -161,5 +164,8 @@ void DiffLayoutTest::widthsComeAndGo()
     }
 }
 
-QTEST_GUILESS_MAIN(DiffLayoutTest)
+const kelm::test::Registered<DiffLayoutTest> registered;
+
+} // namespace diff_layout_test
+
 #include "diff_layout_test.moc"

@@ -1,7 +1,10 @@
 #include "git/diff_parser.h"
+#include "support/test_program.h"
 
 #include <QSet>
 #include <QtTest>
+
+namespace diff_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -191,7 +194,7 @@ void DiffParserTest::textBecomesFilesHunksAndLines()
 {
     QFETCH(QString, text);
     QFETCH(QStringList, described);
-    QCOMPARE(::described(DiffParser::parse(text)), described);
+    QCOMPARE(diff_parser_test::described(DiffParser::parse(text)), described);
 }
 
 void DiffParserTest::everyHeaderStartIsAHeader_data()
@@ -311,6 +314,8 @@ void DiffParserTest::aLongInputIsOnePass()
     QCOMPARE(DiffParser::parse(u"@@ -1 +1 @@\n+"_s + QString(5000000, u'x'))[0].hunks[0].lines[1].text.size(), 5000000);
 }
 
-QTEST_GUILESS_MAIN(DiffParserTest)
+const kelm::test::Registered<DiffParserTest> registered;
+
+} // namespace diff_parser_test
 
 #include "diff_parser_test.moc"

@@ -1,7 +1,10 @@
 #include "git/diff_selection.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace diff_selection_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -93,5 +96,8 @@ void DiffSelectionTest::fileWithoutAPathIsNamed()
     QCOMPARE(shownPath(DiffParser::parse(u"@@ -1 +1 @@\n+a"_s).front()), u"(diff)"_s);
 }
 
-QTEST_GUILESS_MAIN(DiffSelectionTest)
+const kelm::test::Registered<DiffSelectionTest> registered;
+
+} // namespace diff_selection_test
+
 #include "diff_selection_test.moc"

@@ -1,7 +1,10 @@
 #include "git/diff_transcript.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace diff_transcript_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -93,5 +96,8 @@ void DiffTranscriptTest::nothingHasNoPlace()
     QCOMPARE(transcript.offsetOf({}, Side::newSide), std::nullopt);
 }
 
-QTEST_GUILESS_MAIN(DiffTranscriptTest)
+const kelm::test::Registered<DiffTranscriptTest> registered;
+
+} // namespace diff_transcript_test
+
 #include "diff_transcript_test.moc"

@@ -1,6 +1,9 @@
 #include "git/git_records.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace git_records_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -55,6 +58,8 @@ void GitRecordsTest::otherLettersAreNoChange()
     QVERIFY(!changeFrom(letter));
 }
 
-QTEST_GUILESS_MAIN(GitRecordsTest)
+const kelm::test::Registered<GitRecordsTest> registered;
+
+} // namespace git_records_test
 
 #include "git_records_test.moc"

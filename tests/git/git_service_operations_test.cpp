@@ -1,9 +1,12 @@
 #include "git/git_service.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace git_service_operations_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -663,6 +666,8 @@ void GitServiceOperationsTest::cloneOutlivesTheService()
     QCOMPARE(runner_->takeCommands().size(), 1);
 }
 
-QTEST_GUILESS_MAIN(GitServiceOperationsTest)
+const kelm::test::Registered<GitServiceOperationsTest> registered;
+
+} // namespace git_service_operations_test
 
 #include "git_service_operations_test.moc"

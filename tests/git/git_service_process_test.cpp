@@ -1,10 +1,13 @@
 #include "git/git_service.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
+
+namespace git_service_process_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -401,6 +404,8 @@ void GitServiceProcessTest::everyWriteIsSignalled()
                                       u"branches"_s, u"remotes"_s, u"stashes"_s, u"tags"_s}));
 }
 
-QTEST_GUILESS_MAIN(GitServiceProcessTest)
+const kelm::test::Registered<GitServiceProcessTest> registered;
+
+} // namespace git_service_process_test
 
 #include "git_service_process_test.moc"

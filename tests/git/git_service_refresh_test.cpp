@@ -1,9 +1,12 @@
 #include "git/git_service.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace git_service_refresh_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -496,6 +499,8 @@ void GitServiceRefreshTest::clearStateWritesInOrder()
                                  u"stashes"_s, u"tags"_s}));
 }
 
-QTEST_GUILESS_MAIN(GitServiceRefreshTest)
+const kelm::test::Registered<GitServiceRefreshTest> registered;
+
+} // namespace git_service_refresh_test
 
 #include "git_service_refresh_test.moc"

@@ -1,10 +1,13 @@
 #include "git/diff_parser.h"
 #include "git/git_service.h"
 #include "support/temporary_repository.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
 #include <random>
+
+namespace hunk_patch_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -519,6 +522,8 @@ void HunkPatchTest::randomEditsEndWhereGitAddEnds()
     QVERIFY(refusals < turns);
 }
 
-QTEST_GUILESS_MAIN(HunkPatchTest)
+const kelm::test::Registered<HunkPatchTest> registered;
+
+} // namespace hunk_patch_test
 
 #include "hunk_patch_test.moc"

@@ -1,8 +1,11 @@
 #include "git/line_cells.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
 #include <random>
+
+namespace line_cells_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -131,5 +134,8 @@ void LineCellsTest::placesGoBothWays()
     QCOMPARE(drawn.unitAt(5), 3);
 }
 
-QTEST_GUILESS_MAIN(LineCellsTest)
+const kelm::test::Registered<LineCellsTest> registered;
+
+} // namespace line_cells_test
+
 #include "line_cells_test.moc"

@@ -1,6 +1,9 @@
 #include "git/log_parser.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace log_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -38,6 +41,8 @@ void LogParserTest::linesOfFourPiecesAreCommits()
     QCOMPARE(parseLog(output), commits);
 }
 
-QTEST_GUILESS_MAIN(LogParserTest)
+const kelm::test::Registered<LogParserTest> registered;
+
+} // namespace log_parser_test
 
 #include "log_parser_test.moc"

@@ -1,7 +1,10 @@
 #include "git/remote_parser.h"
+#include "support/test_program.h"
 
 #include <QSet>
 #include <QtTest>
+
+namespace remote_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -69,6 +72,8 @@ void RemoteParserTest::manyRemotesTakeLinearTime()
     QCOMPARE(parseRemotes(output).size(), 100000);
 }
 
-QTEST_GUILESS_MAIN(RemoteParserTest)
+const kelm::test::Registered<RemoteParserTest> registered;
+
+} // namespace remote_parser_test
 
 #include "remote_parser_test.moc"

@@ -1,7 +1,10 @@
 #include "git/side_by_side_hunk_lines.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace side_by_side_hunk_lines_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -96,5 +99,8 @@ void SideBySideHunkLinesTest::wordsAreThoseOfTheComparison()
     QCOMPARE(*row.newWord, expected.newSegments);
 }
 
-QTEST_GUILESS_MAIN(SideBySideHunkLinesTest)
+const kelm::test::Registered<SideBySideHunkLinesTest> registered;
+
+} // namespace side_by_side_hunk_lines_test
+
 #include "side_by_side_hunk_lines_test.moc"

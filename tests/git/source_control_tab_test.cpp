@@ -3,8 +3,11 @@
 #include "git/remote_branch_checkout.h"
 #include "git/source_control_tab.h"
 #include "support/recording_process_runner.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace source_control_tab_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -148,5 +151,8 @@ void SourceControlTabTest::aRemoteBranchIsCheckedOutByItsLocalName()
     QTEST(localNameOfRemoteBranch(name), "local");
 }
 
-QTEST_GUILESS_MAIN(SourceControlTabTest)
+const kelm::test::Registered<SourceControlTabTest> registered;
+
+} // namespace source_control_tab_test
+
 #include "source_control_tab_test.moc"

@@ -1,6 +1,9 @@
 #include "git/stash_parser.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace stash_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -37,6 +40,8 @@ void StashParserTest::linesOfTwoPiecesAreStashes()
     QCOMPARE(parseStashes(output), stashes);
 }
 
-QTEST_GUILESS_MAIN(StashParserTest)
+const kelm::test::Registered<StashParserTest> registered;
+
+} // namespace stash_parser_test
 
 #include "stash_parser_test.moc"

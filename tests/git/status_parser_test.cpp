@@ -1,7 +1,10 @@
 #include "git/status_parser.h"
+#include "support/test_program.h"
 
 #include <QSet>
 #include <QtTest>
+
+namespace status_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -132,6 +135,8 @@ void StatusParserTest::identitiesAreFresh()
     QCOMPARE(ids.size(), 4);
 }
 
-QTEST_GUILESS_MAIN(StatusParserTest)
+const kelm::test::Registered<StatusParserTest> registered;
+
+} // namespace status_parser_test
 
 #include "status_parser_test.moc"

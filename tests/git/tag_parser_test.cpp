@@ -1,7 +1,10 @@
 #include "git/tag_parser.h"
+#include "support/test_program.h"
 
 #include <QSet>
 #include <QtTest>
+
+namespace tag_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -60,6 +63,8 @@ void TagParserTest::identitiesAreFreshInEachParse()
     QVERIFY(!ids.contains(QUuid()));
 }
 
-QTEST_GUILESS_MAIN(TagParserTest)
+const kelm::test::Registered<TagParserTest> registered;
+
+} // namespace tag_parser_test
 
 #include "tag_parser_test.moc"

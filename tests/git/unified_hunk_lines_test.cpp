@@ -1,8 +1,11 @@
 #include "git/diff_view_mode.h"
 #include "git/unified_hunk_lines.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace unified_hunk_lines_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -78,5 +81,8 @@ void UnifiedHunkLinesTest::modesHaveTheirWords()
     QCOMPARE(label(allDiffViewModes[1]), u"Side-by-side"_s);
 }
 
-QTEST_GUILESS_MAIN(UnifiedHunkLinesTest)
+const kelm::test::Registered<UnifiedHunkLinesTest> registered;
+
+} // namespace unified_hunk_lines_test
+
 #include "unified_hunk_lines_test.moc"

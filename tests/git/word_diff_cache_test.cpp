@@ -1,8 +1,11 @@
 #include "git/word_diff_cache.h"
 #include "support/diff_text.h"
+#include "support/test_program.h"
 
 #include <QThreadPool>
 #include <QtTest>
+
+namespace word_diff_cache_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -104,5 +107,8 @@ void WordDiffCacheTest::cacheMayGoWhileLinesAreCompared()
     QVERIFY(!isTold);
 }
 
-QTEST_GUILESS_MAIN(WordDiffCacheTest)
+const kelm::test::Registered<WordDiffCacheTest> registered;
+
+} // namespace word_diff_cache_test
+
 #include "word_diff_cache_test.moc"

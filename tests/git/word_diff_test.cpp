@@ -1,14 +1,17 @@
 #include "git/common_subsequence.h"
 #include "git/word_diff.h"
+#include "support/test_program.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
 
 #include <random>
 
+namespace word_diff_test {
+
 using namespace Qt::Literals::StringLiterals;
 
-namespace kelm {
+using namespace kelm;
 
 namespace {
 
@@ -308,10 +311,8 @@ void WordDiffTest::veryLongLinesEnd()
     QCOMPARE(joined(result.newSegments), lines[1]);
 }
 
-} // namespace kelm
+const kelm::test::Registered<WordDiffTest> registered;
 
-using kelm::WordDiffTest;
-
-QTEST_GUILESS_MAIN(WordDiffTest)
+} // namespace word_diff_test
 
 #include "word_diff_test.moc"

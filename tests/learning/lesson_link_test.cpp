@@ -2,9 +2,12 @@
 #include "learning/diagnosis.h"
 #include "learning/lesson_link.h"
 #include "support/app_state_fixture.h"
+#include "support/test_program.h"
 
 #include <QRegularExpression>
 #include <QtTest>
+
+namespace lesson_link_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -436,5 +439,8 @@ void LessonLinkTest::koreanIsChosenByTheLanguage()
     QCOMPARE(isKorean({.slug = u"s"_s, .lang = lang}), isKo);
 }
 
-QTEST_GUILESS_MAIN(LessonLinkTest)
+const kelm::test::Registered<LessonLinkTest> registered;
+
+} // namespace lesson_link_test
+
 #include "lesson_link_test.moc"

@@ -1,11 +1,14 @@
 #include "maintenance/auto_update_service.h"
 #include "maintenance/image_updater_controller.h"
+#include "support/test_program.h"
 
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
+
+namespace auto_update_service_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -145,5 +148,8 @@ void AutoUpdateServiceTest::theUpdaterIsFoundOnThePath()
     qputenv("PATH", path);
 }
 
-QTEST_GUILESS_MAIN(AutoUpdateServiceTest)
+const kelm::test::Registered<AutoUpdateServiceTest> registered;
+
+} // namespace auto_update_service_test
+
 #include "auto_update_service_test.moc"

@@ -2,11 +2,14 @@
 #include "platform/standard_paths.h"
 #include "support/fake_alerts.h"
 #include "support/fake_workspace.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace uninstall_service_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -208,5 +211,8 @@ void UninstallServiceTest::theImageOfWhoeverStartedTheProgramIsLeftAlone()
     qunsetenv("APPDIR");
 }
 
-QTEST_GUILESS_MAIN(UninstallServiceTest)
+const kelm::test::Registered<UninstallServiceTest> registered;
+
+} // namespace uninstall_service_test
+
 #include "uninstall_service_test.moc"

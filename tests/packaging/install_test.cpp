@@ -1,3 +1,5 @@
+#include "support/test_program.h"
+
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
@@ -6,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <QtTest>
+
+namespace install_test {
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -150,5 +154,8 @@ void InstallTest::theInstalledProgramStarts()
     QVERIFY(QFileInfo(picture).size() > 0);
 }
 
-QTEST_GUILESS_MAIN(InstallTest)
+const kelm::test::Registered<InstallTest> registered;
+
+} // namespace install_test
+
 #include "install_test.moc"

@@ -1,8 +1,12 @@
+#include "support/test_program.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace kelm_script_test {
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -174,5 +178,8 @@ void KelmScriptTest::anUnknownCommandShowsTheUsage()
     QVERIFY(outcome.lines.first().startsWith(u"Usage: ./kelm COMMAND"));
 }
 
-QTEST_GUILESS_MAIN(KelmScriptTest)
+const kelm::test::Registered<KelmScriptTest> registered;
+
+} // namespace kelm_script_test
+
 #include "kelm_script_test.moc"

@@ -1,5 +1,9 @@
+#include "support/test_program.h"
+
 #include <QProcess>
 #include <QtTest>
+
+namespace kept_ready_test {
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -81,5 +85,8 @@ void KeptReadyTest::liveClassesAreThere()
     QVERIFY(hasConstructorOf(name));
 }
 
-QTEST_GUILESS_MAIN(KeptReadyTest)
+const kelm::test::Registered<KeptReadyTest> registered;
+
+} // namespace kept_ready_test
+
 #include "kept_ready_test.moc"

@@ -1,11 +1,14 @@
 #include "platform/application_exit.h"
 #include "platform/user_defaults.h"
 #include "support/roles.h"
+#include "support/test_program.h"
 
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QtTest>
+
+namespace application_exit_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -82,14 +85,9 @@ void ApplicationExitTest::withoutWorkItComesBack()
     QCOMPARE(said, QByteArray("came back"));
 }
 
-int main(int argc, char** argv)
-{
-    QCoreApplication application(argc, argv);
-    if (const auto code = carryOutRole({{u"busy"_s, leaveBusy}, {u"idle"_s, leaveIdle}})) {
-        return *code;
-    }
-    ApplicationExitTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<ApplicationExitTest> registered(kelm::test::Toolkit::core,
+                                                             {{u"busy"_s, leaveBusy}, {u"idle"_s, leaveIdle}});
+
+} // namespace application_exit_test
 
 #include "application_exit_test.moc"

@@ -19,6 +19,9 @@
 #endif
 
 #include "support/roles.h"
+#include "support/test_program.h"
+
+namespace atomic_file_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -437,17 +440,12 @@ void AtomicFileTest::aKillAtAnyMomentLeavesAWholeFile()
     QCOMPARE(readBytes(file), QByteArray("new"));
 }
 
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    if (const std::optional<int> code = carryOutRole({{u"forever"_s, writeForever},
-                                                      {u"sizeLimit"_s, writeWithinFileSizeLimit},
-                                                      {u"nobody"_s, writeAsNobody},
-                                                      {u"smallDisk"_s, writeToSmallDisk}})) {
-        return *code;
-    }
-    AtomicFileTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<AtomicFileTest> registered(kelm::test::Toolkit::core,
+                                                        {{u"forever"_s, writeForever},
+                                                         {u"sizeLimit"_s, writeWithinFileSizeLimit},
+                                                         {u"nobody"_s, writeAsNobody},
+                                                         {u"smallDisk"_s, writeToSmallDisk}});
+
+} // namespace atomic_file_test
 
 #include "atomic_file_test.moc"

@@ -1,6 +1,9 @@
 #include "platform/character_sets.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace character_sets_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -66,5 +69,8 @@ void CharacterSetsTest::trimmingTakesBothEnds()
     QVERIFY(trimmed(u" \n", isWhitespaceOrNewline).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(CharacterSetsTest)
+const kelm::test::Registered<CharacterSetsTest> registered;
+
+} // namespace character_sets_test
+
 #include "character_sets_test.moc"

@@ -1,5 +1,6 @@
 #include "platform/child_process.h"
 #include "support/process_roles.h"
+#include "support/test_program.h"
 
 #include <QEventLoop>
 #include <QSignalSpy>
@@ -8,11 +9,11 @@
 
 #include <csignal>
 
+namespace child_process_test {
+
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
 using namespace kelm::test;
-
-Q_DECLARE_METATYPE(kelm::ProcessExit)
 
 namespace {
 
@@ -328,12 +329,8 @@ void ChildProcessTest::endedChildIsNotSignalled()
     QCOMPARE(*heard.exit, (ProcessExit{0, false}));
 }
 
-int main(int argc, char** argv)
-{
-    playRole(argc, argv);
-    QCoreApplication application(argc, argv);
-    ChildProcessTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<ChildProcessTest> registered;
+
+} // namespace child_process_test
 
 #include "child_process_test.moc"

@@ -1,7 +1,10 @@
 #include "platform/file_panels.h"
 #include "support/fake_file_panels.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace file_panels_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -31,5 +34,8 @@ void FilePanelsTest::installedPanelsAnswer()
     QVERIFY(FilePanels::shared().showSavePanel({}) == QUrl(u"file:///a/c"_s));
 }
 
-QTEST_GUILESS_MAIN(FilePanelsTest)
+const kelm::test::Registered<FilePanelsTest> registered;
+
+} // namespace file_panels_test
+
 #include "file_panels_test.moc"

@@ -1,7 +1,10 @@
 #include "platform/file_url.h"
+#include "support/test_program.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace file_url_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -70,5 +73,8 @@ void FileUrlTest::aFolderIsKnownBySlashOrByTheDisk()
     QVERIFY(!hasDirectoryPath(QUrl()));
 }
 
-QTEST_GUILESS_MAIN(FileUrlTest)
+const kelm::test::Registered<FileUrlTest> registered;
+
+} // namespace file_url_test
+
 #include "file_url_test.moc"

@@ -1,6 +1,9 @@
 #include "platform/hexadecimal_scanner.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace hexadecimal_scanner_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -63,5 +66,8 @@ void HexadecimalScannerTest::withoutADigitThereIsNoNumber()
     QVERIFY(!scanHexadecimal(text).has_value());
 }
 
-QTEST_GUILESS_MAIN(HexadecimalScannerTest)
+const kelm::test::Registered<HexadecimalScannerTest> registered;
+
+} // namespace hexadecimal_scanner_test
+
 #include "hexadecimal_scanner_test.moc"

@@ -1,7 +1,10 @@
 #include "platform/key_event.h"
+#include "support/test_program.h"
 
 #include <QKeyEvent>
 #include <QtTest>
+
+namespace key_event_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -87,5 +90,8 @@ void KeyEventTest::controlIsOneKeyOrTheOther()
     QVERIFY(!isControlHeld(QKeyEvent(QEvent::KeyPress, Qt::Key_Space, Qt::AltModifier)));
 }
 
-QTEST_MAIN(KeyEventTest)
+const kelm::test::Registered<KeyEventTest> registered(kelm::test::Toolkit::gui);
+
+} // namespace key_event_test
+
 #include "key_event_test.moc"

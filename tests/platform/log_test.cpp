@@ -1,8 +1,11 @@
 #include "platform/log.h"
 #include "support/roles.h"
+#include "support/test_program.h"
 
 #include <QRegularExpression>
 #include <QtTest>
+
+namespace log_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -38,22 +41,25 @@ void LogTest::aPrintedLineGoesToStandardOutputAtOnce()
     QCOMPARE(child.readAllStandardError(), QByteArray());
 }
 
-int main(int argc, char* argv[])
+namespace {
+
+int writeLine(const QStringList& arguments)
 {
-    QCoreApplication application(argc, argv);
-    const auto writeLine = [](const QStringList& arguments) {
-        Log::system().write(arguments[0]);
-        return 0;
-    };
-    const auto printAndWait = [](const QStringList& arguments) {
-        Log::system().print(arguments[0]);
-        return std::getchar() == EOF ? 0 : 1;
-    };
-    if (const std::optional<int> code = carryOutRole({{u"write"_s, writeLine}, {u"printAndWait"_s, printAndWait}})) {
-        return *code;
-    }
-    LogTest test;
-    return QTest::qExec(&test, argc, argv);
+    Log::system().write(arguments[0]);
+    return 0;
 }
+
+int printAndWait(const QStringList& arguments)
+{
+    Log::system().print(arguments[0]);
+    return std::getchar() == EOF ? 0 : 1;
+}
+
+const kelm::test::Registered<LogTest> registered(kelm::test::Toolkit::core,
+                                                 {{u"write"_s, writeLine}, {u"printAndWait"_s, printAndWait}});
+
+} // namespace
+
+} // namespace log_test
 
 #include "log_test.moc"

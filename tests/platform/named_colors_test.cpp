@@ -1,11 +1,12 @@
 #include "platform/named_colors.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
+namespace named_colors_test {
+
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
-
-Q_DECLARE_METATYPE(kelm::SystemColor)
 
 class NamedColorsTest : public QObject
 {
@@ -71,5 +72,8 @@ void NamedColorsTest::theAppearanceGoesToWhatIsInstalled()
     QCOMPARE(seen.size(), 2);
 }
 
-QTEST_GUILESS_MAIN(NamedColorsTest)
+const kelm::test::Registered<NamedColorsTest> registered;
+
+} // namespace named_colors_test
+
 #include "named_colors_test.moc"

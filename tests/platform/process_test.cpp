@@ -1,6 +1,7 @@
 #include "platform/environment.h"
 #include "platform/process.h"
 #include "support/process_roles.h"
+#include "support/test_program.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -11,6 +12,8 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+
+namespace process_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -341,12 +344,8 @@ void ProcessTest::manyThreadsRunChildrenAtOnce()
     QCOMPARE(right.load(), 64);
 }
 
-int main(int argc, char** argv)
-{
-    playRole(argc, argv);
-    QCoreApplication application(argc, argv);
-    ProcessTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<ProcessTest> registered;
+
+} // namespace process_test
 
 #include "process_test.moc"

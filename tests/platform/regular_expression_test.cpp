@@ -1,16 +1,17 @@
 #include "platform/regular_expression.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
 #include <thread>
+
+namespace regular_expression_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
 
 using Range = RegularExpressionMatch::Range;
 using Ending = RegularExpression::Ending;
-
-Q_DECLARE_METATYPE(kelm::RegularExpression::Options)
 
 namespace {
 
@@ -246,5 +247,8 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(RegularExpressionTest)
+const kelm::test::Registered<RegularExpressionTest> registered;
+
+} // namespace regular_expression_test
+
 #include "regular_expression_test.moc"

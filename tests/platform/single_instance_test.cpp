@@ -1,5 +1,6 @@
 #include "platform/open_request.h"
 #include "platform/single_instance.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,6 +15,8 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+namespace single_instance_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -226,5 +229,8 @@ void SingleInstanceTest::aThousandAtOnceAreServed()
     QTRY_COMPARE_WITH_TIMEOUT(fixture.received.size(), 1000, 20'000);
 }
 
-QTEST_GUILESS_MAIN(SingleInstanceTest)
+const kelm::test::Registered<SingleInstanceTest> registered;
+
+} // namespace single_instance_test
+
 #include "single_instance_test.moc"

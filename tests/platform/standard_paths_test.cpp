@@ -1,7 +1,10 @@
 #include "platform/standard_paths.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QtTest>
+
+namespace standard_paths_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -53,5 +56,8 @@ void StandardPathsTest::aRelativeStateHomeIsIgnored()
 
 #endif
 
-QTEST_GUILESS_MAIN(StandardPathsTest)
+const kelm::test::Registered<StandardPathsTest> registered;
+
+} // namespace standard_paths_test
+
 #include "standard_paths_test.moc"

@@ -1,8 +1,11 @@
 #include "platform/strict_json.h"
+#include "support/test_program.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QtTest>
+
+namespace strict_json_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -102,5 +105,8 @@ void StrictJsonTest::allElseIsRefused()
     QVERIFY(!parseStrictJson(text).has_value());
 }
 
-QTEST_GUILESS_MAIN(StrictJsonTest)
+const kelm::test::Registered<StrictJsonTest> registered;
+
+} // namespace strict_json_test
+
 #include "strict_json_test.moc"

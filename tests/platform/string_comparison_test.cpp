@@ -1,6 +1,9 @@
 #include "platform/string_comparison.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace string_comparison_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -116,5 +119,8 @@ void StringComparisonTest::withoutCollationTextsAreFolded()
     }
 }
 
-QTEST_GUILESS_MAIN(StringComparisonTest)
+const kelm::test::Registered<StringComparisonTest> registered;
+
+} // namespace string_comparison_test
+
 #include "string_comparison_test.moc"

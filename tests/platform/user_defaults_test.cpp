@@ -1,12 +1,15 @@
 #include "platform/standard_paths.h"
 #include "platform/user_defaults.h"
 #include "support/roles.h"
+#include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace user_defaults_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -302,14 +305,9 @@ void UserDefaultsTest::sharedStandsInTheConfigurationFolder()
     QVERIFY(UserDefaults(standardPaths::preferences()).string(u"key"_s) == u"value"_s);
 }
 
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    if (const std::optional<int> code = carryOutRole({{u"writeMany"_s, writeManyKeys}, {u"print"_s, printString}})) {
-        return *code;
-    }
-    UserDefaultsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<UserDefaultsTest> registered(kelm::test::Toolkit::core,
+                                                          {{u"writeMany"_s, writeManyKeys}, {u"print"_s, printString}});
+
+} // namespace user_defaults_test
 
 #include "user_defaults_test.moc"

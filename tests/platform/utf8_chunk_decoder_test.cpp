@@ -1,6 +1,9 @@
 #include "platform/utf8_chunk_decoder.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace utf8_chunk_decoder_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -65,6 +68,8 @@ void Utf8ChunkDecoderTest::begunCharacterAtTheEndIsKept()
     QCOMPARE(decoder.decode(chunk), text);
 }
 
-QTEST_GUILESS_MAIN(Utf8ChunkDecoderTest)
+const kelm::test::Registered<Utf8ChunkDecoderTest> registered;
+
+} // namespace utf8_chunk_decoder_test
 
 #include "utf8_chunk_decoder_test.moc"

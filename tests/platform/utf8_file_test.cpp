@@ -1,4 +1,5 @@
 #include "platform/utf8_file.h"
+#include "support/test_program.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -7,6 +8,8 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace utf8_file_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -285,5 +288,8 @@ void Utf8FileTest::whatCannotBeReadIsAnError()
     QCOMPARE(std::get<FileError>(read).message, path + u": "_s + reason);
 }
 
-QTEST_GUILESS_MAIN(Utf8FileTest)
+const kelm::test::Registered<Utf8FileTest> registered;
+
+} // namespace utf8_file_test
+
 #include "utf8_file_test.moc"

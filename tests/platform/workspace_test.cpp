@@ -1,12 +1,17 @@
 #include "platform/workspace.h"
+#include "support/test_program.h"
 
 #include <QDesktopServices>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
+namespace workspace_test {
+
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
 
 /// Takes the URLs that would go to other applications.
 class UrlCatcher : public QObject
@@ -19,6 +24,8 @@ public:
 public Q_SLOTS:
     void take(const QUrl& url) { urls << url; }
 };
+
+} // namespace
 
 class WorkspaceTest : public QObject
 {
@@ -161,5 +168,8 @@ void WorkspaceTest::withoutAnAnswerThereIsNoApplication()
     QVERIFY(!Workspace::system().applicationForScheme(u"tutorbay"_s));
 }
 
-QTEST_MAIN(WorkspaceTest)
+const kelm::test::Registered<WorkspaceTest> registered(kelm::test::Toolkit::gui);
+
+} // namespace workspace_test
+
 #include "workspace_test.moc"

@@ -1,8 +1,11 @@
 #include "run/ansi_parser.h"
 #include "support/ansi_reference.h"
+#include "support/test_program.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
+
+namespace ansi_parser_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -32,8 +35,6 @@ QList<Piece> pieces(const AttributedText& text)
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Piece)
 
 class AnsiParserTest final : public QObject
 {
@@ -193,6 +194,8 @@ void AnsiParserTest::parserAgreesWithTheRegularExpression()
     }
 }
 
-QTEST_GUILESS_MAIN(AnsiParserTest)
+const kelm::test::Registered<AnsiParserTest> registered;
+
+} // namespace ansi_parser_test
 
 #include "ansi_parser_test.moc"

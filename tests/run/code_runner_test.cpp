@@ -3,6 +3,7 @@
 #include "support/forwarded_input.h"
 #include "support/process_roles.h"
 #include "support/roles.h"
+#include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QDir>
@@ -16,6 +17,8 @@
 
 #include <csignal>
 #include <memory>
+
+namespace code_runner_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -747,15 +750,9 @@ static int quitWhileRunning(const QStringList& arguments)
     return QCoreApplication::exec();
 }
 
-int main(int argc, char** argv)
-{
-    playInterpreter(argc, argv, "code_runner_test");
-    QCoreApplication application(argc, argv);
-    if (const auto code = carryOutRole({{u"quit-while-running"_s, quitWhileRunning}})) {
-        return *code;
-    }
-    CodeRunnerTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<CodeRunnerTest> registered(kelm::test::Toolkit::core,
+                                                        {{u"quit-while-running"_s, quitWhileRunning}});
+
+} // namespace code_runner_test
 
 #include "code_runner_test.moc"

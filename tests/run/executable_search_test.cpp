@@ -1,9 +1,12 @@
 #include "run/executable_search.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace executable_search_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -151,6 +154,8 @@ void ExecutableSearchTest::realWhichSearchesThePath()
     QCOMPARE(missing, std::nullopt);
 }
 
-QTEST_GUILESS_MAIN(ExecutableSearchTest)
+const kelm::test::Registered<ExecutableSearchTest> registered;
+
+} // namespace executable_search_test
 
 #include "executable_search_test.moc"

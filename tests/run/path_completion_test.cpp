@@ -1,9 +1,12 @@
 #include "run/path_completion.h"
 #include "support/terminal_fixture.h"
+#include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QDirIterator>
 #include <QtTest>
+
+namespace path_completion_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -161,6 +164,8 @@ void PathCompletionTest::slashAloneTakesTheFoldersOwnName()
     QCOMPARE(fixture.session->getTabCompletion(u"ls /"_s), u"ls //folder"_s);
 }
 
-QTEST_GUILESS_MAIN(PathCompletionTest)
+const kelm::test::Registered<PathCompletionTest> registered;
+
+} // namespace path_completion_test
 
 #include "path_completion_test.moc"

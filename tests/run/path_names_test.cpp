@@ -1,9 +1,12 @@
 #include "run/path_names.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QtTest>
 
 #include <pwd.h>
+
+namespace path_names_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -114,6 +117,8 @@ void PathNamesTest::tildeIsTheHomeFolder()
     QCOMPARE(atRoot, u"/x"_s);
 }
 
-QTEST_GUILESS_MAIN(PathNamesTest)
+const kelm::test::Registered<PathNamesTest> registered;
+
+} // namespace path_names_test
 
 #include "path_names_test.moc"

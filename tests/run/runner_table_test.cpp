@@ -1,6 +1,9 @@
 #include "run/runner_table.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace runner_table_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -119,6 +122,8 @@ void RunnerTableTest::otherExtensionsHaveNoRunner()
     QVERIFY(which.asked.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(RunnerTableTest)
+const kelm::test::Registered<RunnerTableTest> registered;
+
+} // namespace runner_table_test
 
 #include "runner_table_test.moc"

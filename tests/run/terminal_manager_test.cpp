@@ -1,7 +1,10 @@
 #include "run/terminal_manager.h"
+#include "support/test_program.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace terminal_manager_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
@@ -136,6 +139,8 @@ void TerminalManagerTest::sessionsComeFromTheMakerGiven()
     QCOMPARE(made, 2);
 }
 
-QTEST_GUILESS_MAIN(TerminalManagerTest)
+const kelm::test::Registered<TerminalManagerTest> registered;
+
+} // namespace terminal_manager_test
 
 #include "terminal_manager_test.moc"

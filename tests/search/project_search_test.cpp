@@ -1,6 +1,7 @@
 #include "search/localized_needle.h"
 #include "search/project_search.h"
 #include "search/quick_open.h"
+#include "support/test_program.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +10,8 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+
+namespace project_search_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -298,5 +301,8 @@ void ProjectSearchTest::quickOpenLooksAtNamesAlone()
     QCOMPARE(found, names);
 }
 
-QTEST_GUILESS_MAIN(ProjectSearchTest)
+const kelm::test::Registered<ProjectSearchTest> registered;
+
+} // namespace project_search_test
+
 #include "project_search_test.moc"

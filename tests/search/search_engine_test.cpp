@@ -1,8 +1,11 @@
 #include "search/search_engine.h"
+#include "support/test_program.h"
 
 #include <QMetaProperty>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace search_engine_test {
 
 using namespace kelm;
 
@@ -102,5 +105,8 @@ void SearchEngineTest::eachMatchHasAnIdentityOfItsOwn()
     QVERIFY(SearchMatch().id != SearchMatch().id);
 }
 
-QTEST_GUILESS_MAIN(SearchEngineTest)
+const kelm::test::Registered<SearchEngineTest> registered;
+
+} // namespace search_engine_test
+
 #include "search_engine_test.moc"

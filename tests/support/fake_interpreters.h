@@ -8,6 +8,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -36,12 +37,11 @@ private:
 };
 
 /// Plays the interpreter that this program was started as, and does not come back then; returns when it was started
-/// under its own name, `program`.
-inline void playInterpreter(int argc, char** argv, const std::string& program)
+/// under its own name.
+inline void playInterpreter(int argc, char** argv)
 {
-    const std::string path = argv[0];
-    const std::string name = path.substr(path.rfind('/') + 1);
-    if (name == program || argc < 2) {
+    const std::string name = std::filesystem::path(argv[0]).filename();
+    if (name == std::filesystem::read_symlink("/proc/self/exe").filename() || argc < 2) {
         return;
     }
     std::ifstream file(argv[argc - 1]);

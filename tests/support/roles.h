@@ -1,18 +1,11 @@
-// Test programs that start themselves as their own child processes.
+// Test programs that start themselves as their own child processes, in the roles that a test class was registered with.
 #pragma once
 
 #include <QCoreApplication>
 #include <QProcess>
 #include <QStringList>
 
-#include <functional>
-#include <map>
-#include <string>
-
 namespace kelm {
-
-/// What a child does in a role; its result is the exit code.
-using Role = std::function<int(const QStringList& arguments)>;
 
 /// The name of the argument behind which a role's name and its arguments stand.
 inline const QString roleArgument = QStringLiteral("--role");
@@ -39,17 +32,6 @@ inline int runRole(const QString& role, const QStringList& arguments, QByteArray
         *standardError = process.readAllStandardError();
     }
     return process.exitCode();
-}
-
-/// The role that this process was started in, if any, carried out.
-inline std::optional<int> carryOutRole(const std::map<QString, Role>& roles)
-{
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() < 3 || arguments[1] != roleArgument) {
-        return std::nullopt;
-    }
-    const auto role = roles.find(arguments[2]);
-    return role == roles.end() ? 99 : role->second(arguments.sliced(3));
 }
 
 } // namespace kelm

@@ -1,7 +1,10 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/change_batch.h"
 
 #include <QtTest>
+
+namespace change_batch_test {
 
 using namespace kelm;
 
@@ -96,5 +99,8 @@ void ChangeBatchTest::randomReplacementsAreMadeAgainAndTakenBack()
     }
 }
 
-QTEST_GUILESS_MAIN(ChangeBatchTest)
+const kelm::test::Registered<ChangeBatchTest> registered;
+
+} // namespace change_batch_test
+
 #include "change_batch_test.moc"

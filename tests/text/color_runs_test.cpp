@@ -1,7 +1,10 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/color_runs.h"
 
 #include <QtTest>
+
+namespace color_runs_test {
 
 using namespace kelm;
 
@@ -167,5 +170,8 @@ void ColorRunsTest::randomChangesAgreeWithAColourPerUnit()
     }
 }
 
-QTEST_GUILESS_MAIN(ColorRunsTest)
+const kelm::test::Registered<ColorRunsTest> registered;
+
+} // namespace color_runs_test
+
 #include "color_runs_test.moc"

@@ -1,10 +1,13 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/grapheme_counter.h"
 
 #include <QTextBoundaryFinder>
 #include <QtTest>
 
 #include <random>
+
+namespace grapheme_counter_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -163,5 +166,8 @@ void GraphemeCounterTest::aLongTextIsCountedBehindAnEdit()
     QCOMPARE(counter.count(u"neu"_s), qsizetype(3));
 }
 
-QTEST_GUILESS_MAIN(GraphemeCounterTest)
+const kelm::test::Registered<GraphemeCounterTest> registered;
+
+} // namespace grapheme_counter_test
+
 #include "grapheme_counter_test.moc"

@@ -1,7 +1,10 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/line_index.h"
 
 #include <QtTest>
+
+namespace line_index_test {
 
 using namespace kelm;
 
@@ -141,5 +144,8 @@ void LineIndexTest::randomEditsAgreeWithARebuiltIndex()
     }
 }
 
-QTEST_GUILESS_MAIN(LineIndexTest)
+const kelm::test::Registered<LineIndexTest> registered;
+
+} // namespace line_index_test
+
 #include "line_index_test.moc"

@@ -1,8 +1,11 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/line_pieces.h"
 #include "text/text_boundaries.h"
 
 #include <QtTest>
+
+namespace line_pieces_test {
 
 using namespace kelm;
 
@@ -171,5 +174,8 @@ void LinePiecesTest::replacedLongLinesAreForgotten()
     QVERIFY(lines.find(4) != nullptr);
 }
 
-QTEST_GUILESS_MAIN(LinePiecesTest)
+const kelm::test::Registered<LinePiecesTest> registered;
+
+} // namespace line_pieces_test
+
 #include "line_pieces_test.moc"

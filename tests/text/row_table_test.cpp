@@ -1,9 +1,12 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/row_table.h"
 
 #include <QtTest>
 
 #include <numeric>
+
+namespace row_table_test {
 
 using namespace kelm;
 
@@ -75,5 +78,8 @@ void RowTableTest::randomChangesAgreeWithAPlainList()
     }
 }
 
-QTEST_GUILESS_MAIN(RowTableTest)
+const kelm::test::Registered<RowTableTest> registered;
+
+} // namespace row_table_test
+
 #include "row_table_test.moc"

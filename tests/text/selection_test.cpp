@@ -1,6 +1,9 @@
+#include "support/test_program.h"
 #include "text/selection.h"
 
 #include <QtTest>
+
+namespace selection_test {
 
 using namespace kelm;
 
@@ -84,5 +87,8 @@ void SelectionTest::selectionsAreCarriedOverEdits()
     QCOMPARE(set.all(), (std::vector<Selection>{over(1, 2), over(4, 5)}));
 }
 
-QTEST_GUILESS_MAIN(SelectionTest)
+const kelm::test::Registered<SelectionTest> registered;
+
+} // namespace selection_test
+
 #include "selection_test.moc"

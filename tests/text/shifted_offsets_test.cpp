@@ -1,7 +1,10 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/shifted_offsets.h"
 
 #include <QtTest>
+
+namespace shifted_offsets_test {
 
 using namespace kelm;
 
@@ -56,5 +59,8 @@ void ShiftedOffsetsTest::randomChangesAgreeWithAPlainList()
     }
 }
 
-QTEST_GUILESS_MAIN(ShiftedOffsetsTest)
+const kelm::test::Registered<ShiftedOffsetsTest> registered;
+
+} // namespace shifted_offsets_test
+
 #include "shifted_offsets_test.moc"

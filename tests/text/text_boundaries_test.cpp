@@ -1,7 +1,10 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/text_boundaries.h"
 
 #include <QtTest>
+
+namespace text_boundaries_test {
 
 using namespace kelm;
 
@@ -146,5 +149,8 @@ void TextBoundariesTest::aDoubleClickTakesTheRunOfOneKind()
     QCOMPARE(wordAt(text, at), TextRange::between(start, end));
 }
 
-QTEST_GUILESS_MAIN(TextBoundariesTest)
+const kelm::test::Registered<TextBoundariesTest> registered;
+
+} // namespace text_boundaries_test
+
 #include "text_boundaries_test.moc"

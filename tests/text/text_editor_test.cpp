@@ -1,9 +1,12 @@
 #include "support/marked_text.h"
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/text_editor.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_editor_test {
 
 using namespace kelm;
 
@@ -611,5 +614,8 @@ void TextEditorTest::randomForeignEditsNeverSpoilUndo()
     }
 }
 
-QTEST_MAIN(TextEditorTest)
+const kelm::test::Registered<TextEditorTest> registered(kelm::test::Toolkit::gui);
+
+} // namespace text_editor_test
+
 #include "text_editor_test.moc"

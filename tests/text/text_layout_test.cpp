@@ -1,9 +1,12 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/text_layout.h"
 
 #include <QPainter>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_layout_test {
 
 using namespace kelm;
 
@@ -810,5 +813,8 @@ void TextLayoutTest::randomChangesOfLongLinesKeepRowsWhole()
     }
 }
 
-QTEST_MAIN(TextLayoutTest)
+const kelm::test::Registered<TextLayoutTest> registered(kelm::test::Toolkit::gui);
+
+} // namespace text_layout_test
+
 #include "text_layout_test.moc"

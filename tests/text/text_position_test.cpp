@@ -1,6 +1,9 @@
+#include "support/test_program.h"
 #include "text/text_position.h"
 
 #include <QtTest>
+
+namespace text_position_test {
 
 using namespace kelm;
 
@@ -46,5 +49,8 @@ void TextPositionTest::linesCountLineFeedsAlone()
     QTEST(position.column, "column");
 }
 
-QTEST_GUILESS_MAIN(TextPositionTest)
+const kelm::test::Registered<TextPositionTest> registered;
+
+} // namespace text_position_test
+
 #include "text_position_test.moc"

@@ -1,8 +1,11 @@
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/text_storage.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_storage_test {
 
 using namespace kelm;
 
@@ -183,5 +186,8 @@ void TextStorageTest::randomBracketsAgreeWithAPlainString()
     QCOMPARE(lines.size(), storage.lines().lineCount());
 }
 
-QTEST_GUILESS_MAIN(TextStorageTest)
+const kelm::test::Registered<TextStorageTest> registered;
+
+} // namespace text_storage_test
+
 #include "text_storage_test.moc"

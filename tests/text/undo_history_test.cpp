@@ -1,6 +1,9 @@
+#include "support/test_program.h"
 #include "text/undo_history.h"
 
 #include <QtTest>
+
+namespace undo_history_test {
 
 using namespace kelm;
 
@@ -265,5 +268,8 @@ void UndoHistoryTest::manyForeignEditsStayQuick()
     QCOMPARE(step->replacements.front().location, qsizetype(0));
 }
 
-QTEST_GUILESS_MAIN(UndoHistoryTest)
+const kelm::test::Registered<UndoHistoryTest> registered;
+
+} // namespace undo_history_test
+
 #include "undo_history_test.moc"

@@ -1,8 +1,11 @@
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/editor_area.h"
 #include "workbench/window_fixture.h"
 
 #include <QInputMethodEvent>
+
+namespace editor_area_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -206,5 +209,8 @@ void EditorAreaTest::documentsThatAreReplacedTakeTheirEditorsAlong()
     QCOMPARE(fixture.text().text(), QStringLiteral("third"));
 }
 
-QTEST_MAIN(EditorAreaTest)
+const kelm::test::Registered<EditorAreaTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace editor_area_test
+
 #include "editor_area_test.moc"

@@ -1,9 +1,12 @@
+#include "support/test_program.h"
 #include "workbench/git_branch.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace git_branch_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -57,5 +60,8 @@ void GitBranchTest::withoutTheFileThereIsNone()
     QCOMPARE(gitBranch(QUrl::fromLocalFile(folder.path())), std::nullopt);
 }
 
-QTEST_GUILESS_MAIN(GitBranchTest)
+const kelm::test::Registered<GitBranchTest> registered;
+
+} // namespace git_branch_test
+
 #include "git_branch_test.moc"

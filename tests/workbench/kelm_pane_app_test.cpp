@@ -1,6 +1,7 @@
 #include "app/app_state.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/view/style.h"
+#include "support/test_program.h"
 #include "workbench/editor_area.h"
 #include "workbench/kelm_pane_app.h"
 #include "workbench/main_window.h"
@@ -9,6 +10,8 @@
 #include <QFileOpenEvent>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace kelm_pane_app_test {
 
 using namespace kelm;
 
@@ -168,5 +171,8 @@ void KelmPaneAppTest::theStartTakesTheAppearanceOfTheTheme()
     }
 }
 
-QTEST_MAIN(KelmPaneAppTest)
+const kelm::test::Registered<KelmPaneAppTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace kelm_pane_app_test
+
 #include "kelm_pane_app_test.moc"

@@ -1,3 +1,4 @@
+#include "support/test_program.h"
 #include "workbench/main_window.h"
 #include "workbench/tab_bar_view.h"
 #include "workbench/window_fixture.h"
@@ -5,6 +6,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QProcess>
+
+namespace main_window_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -191,5 +194,8 @@ void MainWindowTest::theProgramDrawsAPictureWithoutADisplay()
     QVERIFY(found);
 }
 
-QTEST_MAIN(MainWindowTest)
+const kelm::test::Registered<MainWindowTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace main_window_test
+
 #include "main_window_test.moc"

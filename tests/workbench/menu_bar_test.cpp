@@ -1,10 +1,13 @@
 #include "run/code_runner.h"
 #include "run/view/output_view.h"
+#include "support/test_program.h"
 #include "workbench/menu_bar.h"
 #include "workbench/window_fixture.h"
 
 #include <QInputMethodEvent>
 #include <QMenu>
+
+namespace menu_bar_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -237,5 +240,8 @@ void MenuBarTest::aCompositionIsPutInBeforeACommandRuns()
     QVERIFY(!fixture.state.currentDocument()->isModified());
 }
 
-QTEST_MAIN(MenuBarTest)
+const kelm::test::Registered<MenuBarTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace menu_bar_test
+
 #include "menu_bar_test.moc"

@@ -1,3 +1,4 @@
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/document_status.h"
 #include "workbench/status_bar_items.h"
@@ -5,6 +6,8 @@
 #include "workbench/window_fixture.h"
 
 #include <QDir>
+
+namespace status_bar_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -278,5 +281,8 @@ void StatusBarViewTest::theSelectionsCountHasTheAccentColour()
     QVERIFY(bluish);
 }
 
-QTEST_MAIN(StatusBarViewTest)
+const kelm::test::Registered<StatusBarViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace status_bar_view_test
+
 #include "status_bar_view_test.moc"

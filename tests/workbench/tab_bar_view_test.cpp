@@ -1,4 +1,5 @@
 #include "platform/view/icons.h"
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/status_bar_items.h"
 #include "workbench/tab_bar_view.h"
@@ -11,6 +12,8 @@
 #include <QScrollBar>
 
 #include <algorithm>
+
+namespace tab_bar_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -371,5 +374,8 @@ void TabBarViewTest::screenReadersGetTabs()
     QVERIFY(position->text(QAccessible::Name).startsWith(u"Ln "));
 }
 
-QTEST_MAIN(TabBarViewTest)
+const kelm::test::Registered<TabBarViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace tab_bar_view_test
+
 #include "tab_bar_view_test.moc"

@@ -1,10 +1,13 @@
 #include "support/painted.h"
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/tab_bar_view.h"
 #include "workbench/tab_item_view.h"
 #include "workbench/window_fixture.h"
 
 #include <QEnterEvent>
+
+namespace tab_item_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -234,5 +237,8 @@ void TabItemViewTest::eachChangeRunsItsAnimation()
     QCOMPARE(fixture.tab(1).selectionAnimation().currentValue().toReal(), 0.0);
 }
 
-QTEST_MAIN(TabItemViewTest)
+const kelm::test::Registered<TabItemViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace tab_item_view_test
+
 #include "tab_item_view_test.moc"

@@ -1,8 +1,11 @@
 #include "app/document.h"
+#include "support/test_program.h"
 #include "workbench/text_counts.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_counts_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -89,5 +92,8 @@ void TextCountsTest::aChangeInTheMiddleOfACountBeginsAnew()
     QCOMPARE(counter.count(), 800'001);
 }
 
-QTEST_GUILESS_MAIN(TextCountsTest)
+const kelm::test::Registered<TextCountsTest> registered;
+
+} // namespace text_counts_test
+
 #include "text_counts_test.moc"

@@ -1,8 +1,11 @@
 #include "editor/transforms/xml_formatter.h"
 #include "platform/view/plain_help.h"
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/tool_bar_view.h"
 #include "workbench/window_fixture.h"
+
+namespace tool_bar_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -276,5 +279,8 @@ void ToolBarViewTest::everyButtonIsReachedByTabAndNamed()
     }
 }
 
-QTEST_MAIN(ToolBarViewTest)
+const kelm::test::Registered<ToolBarViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace tool_bar_view_test
+
 #include "tool_bar_view_test.moc"

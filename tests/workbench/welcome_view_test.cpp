@@ -2,11 +2,14 @@
 #include "platform/view/style.h"
 #include "support/app_state_fixture.h"
 #include "support/painted.h"
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/recent_file_button.h"
 #include "workbench/welcome_view.h"
 
 #include <QtTest>
+
+namespace welcome_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -204,5 +207,8 @@ void WelcomeViewTest::theGroupStandsOnATenthOfTheSecondaryColour()
     QVERIFY(distance(image.pixelColor(group.mapTo(&fixture.view, QPoint(0, 0))), ground) <= 1);
 }
 
-QTEST_MAIN(WelcomeViewTest)
+const kelm::test::Registered<WelcomeViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace welcome_view_test
+
 #include "welcome_view_test.moc"

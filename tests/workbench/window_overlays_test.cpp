@@ -1,4 +1,5 @@
 #include "git/view/clone_dialog.h"
+#include "support/test_program.h"
 #include "workbench/controls.h"
 #include "workbench/overlay_layer.h"
 #include "workbench/window_fixture.h"
@@ -6,6 +7,8 @@
 #include <QLineEdit>
 
 #include <cmath>
+
+namespace window_overlays_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -213,5 +216,8 @@ void WindowOverlaysTest::overlaysFillTheWindowAsItGrows()
     QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
 }
 
-QTEST_MAIN(WindowOverlaysTest)
+const kelm::test::Registered<WindowOverlaysTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace window_overlays_test
+
 #include "window_overlays_test.moc"

@@ -2,6 +2,7 @@
 #include "run/view/output_view.h"
 #include "run/view/terminal_text_view.h"
 #include "run/view/terminal_view.h"
+#include "support/test_program.h"
 #include "workbench/bottom_panel.h"
 #include "workbench/controls.h"
 #include "workbench/recent_file_button.h"
@@ -11,6 +12,8 @@
 #include "workbench/window_fixture.h"
 
 #include <QSplitter>
+
+namespace window_panels_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -307,5 +310,8 @@ void WindowPanelsTest::panelsFitAtTheSmallestAndTheLargestSize()
     QVERIFY(fixture.window.editorArea().height() > 60);
 }
 
-QTEST_MAIN(WindowPanelsTest)
+const kelm::test::Registered<WindowPanelsTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace window_panels_test
+
 #include "window_panels_test.moc"

@@ -125,14 +125,14 @@ std::vector<FoldableRegion> scanIndents(QStringView text)
 
 namespace {
 
-bool isAsciiLetter(char16_t unit)
+bool isTagNameStart(char16_t unit)
 {
     return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
 }
 
-bool isAsciiLetterOrDigit(char16_t unit)
+bool isTagNameUnit(char16_t unit)
 {
-    return isAsciiLetter(unit) || (unit >= u'0' && unit <= u'9');
+    return isTagNameStart(unit) || (unit >= u'0' && unit <= u'9');
 }
 
 /// Whether a word ends between an ASCII letter or digit and the character at `at`, as the pattern's \b sees it: not
@@ -141,7 +141,7 @@ bool isWordEnd(QStringView text, qsizetype at)
 {
     const char16_t* units = text.utf16();
     if (units[at] < 0x80) {
-        return !isAsciiLetterOrDigit(units[at]) && units[at] != u'_';
+        return !isTagNameUnit(units[at]) && units[at] != u'_';
     }
     UChar32 character = 0;
     U16_GET(units, 0, at, text.size(), character);
@@ -225,11 +225,11 @@ bool TagReader::readClosing(Tag& tag)
 /// The end of the tag name at `start`; `start` itself if none is there.
 qsizetype TagReader::nameEnd(qsizetype start) const
 {
-    if (start >= text_.size() || !isAsciiLetter(units_[start])) {
+    if (start >= text_.size() || !isTagNameStart(units_[start])) {
         return start;
     }
     qsizetype end = start + 1;
-    while (end < text_.size() && isAsciiLetterOrDigit(units_[end])) {
+    while (end < text_.size() && isTagNameUnit(units_[end])) {
         ++end;
     }
     return end;

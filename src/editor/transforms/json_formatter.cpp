@@ -9,7 +9,7 @@
 namespace kelm {
 namespace {
 
-constexpr int blanksALevel = 2;
+constexpr int jsonBlanksALevel = 2;
 
 /// Prints a valid text by walking over it once, from member to member where an object's members are in another order.
 class JsonPrinter
@@ -192,7 +192,7 @@ void JsonPrinter::printEscape()
 void JsonPrinter::beginLine()
 {
     result_.append(u'\n');
-    result_.appendBlanks(qsizetype(levels_.size()) * blanksALevel);
+    result_.appendBlanks(qsizetype(levels_.size()) * jsonBlanksALevel);
 }
 
 void JsonPrinter::close(char16_t bracket)
@@ -225,7 +225,7 @@ QString JSONFormatter::format(const QString& text, qsizetype indent)
         return text;
     }
     auto printed = JsonPrinter(text, *outline).print();
-    if (printed && indent != blanksALevel) {
+    if (printed && indent != jsonBlanksALevel) {
         printed = reindented(*printed, indent);
     }
     return printed.value_or(text);

@@ -13,10 +13,10 @@ namespace kelm {
 namespace {
 
 /// Reads a text from its start to its end, level by level on a stack of its own.
-class OutlineReader
+class JsonOutlineReader
 {
 public:
-    explicit OutlineReader(QStringView text) : text_(text), units_(text.utf16()), size_(text.size()) {}
+    explicit JsonOutlineReader(QStringView text) : text_(text), units_(text.utf16()), size_(text.size()) {}
 
     std::optional<JsonOutline> read();
 
@@ -55,7 +55,7 @@ private:
     JsonOutline outline_;
 };
 
-std::optional<JsonOutline> OutlineReader::read()
+std::optional<JsonOutline> JsonOutlineReader::read()
 {
     if (size_ >= std::numeric_limits<quint32>::max()) {
         return {};
@@ -80,7 +80,7 @@ std::optional<JsonOutline> OutlineReader::read()
     return std::move(outline_);
 }
 
-bool OutlineReader::take(char16_t unit)
+bool JsonOutlineReader::take(char16_t unit)
 {
     if (at_ < size_ && units_[at_] == unit) {
         ++at_;
@@ -89,7 +89,7 @@ bool OutlineReader::take(char16_t unit)
     return false;
 }
 
-bool OutlineReader::step()
+bool JsonOutlineReader::step()
 {
     switch (expected_) {
     case Expected::valueOrEnd:
@@ -116,7 +116,7 @@ bool OutlineReader::step()
     return false;
 }
 
-bool OutlineReader::readValue()
+bool JsonOutlineReader::readValue()
 {
     expected_ = Expected::commaOrEnd;
     switch (peek()) {
@@ -137,7 +137,7 @@ bool OutlineReader::readValue()
     }
 }
 
-bool OutlineReader::readKey()
+bool JsonOutlineReader::readKey()
 {
     const auto key = quint32(at_);
     if (!readJsonString(text_, at_)) {
@@ -153,7 +153,7 @@ bool OutlineReader::readKey()
     return true;
 }
 
-bool OutlineReader::readSeparator()
+bool JsonOutlineReader::readSeparator()
 {
     const bool isArray = levels_.back().isArray();
     if (take(u',')) {
@@ -167,7 +167,7 @@ bool OutlineReader::readSeparator()
     return false;
 }
 
-bool OutlineReader::openLevel(bool isArray)
+bool JsonOutlineReader::openLevel(bool isArray)
 {
     ++at_;
     if (isArray) {
@@ -181,7 +181,7 @@ bool OutlineReader::openLevel(bool isArray)
     return true;
 }
 
-void OutlineReader::closeLevel()
+void JsonOutlineReader::closeLevel()
 {
     const Level level = levels_.back();
     levels_.pop_back();
@@ -198,7 +198,7 @@ void OutlineReader::closeLevel()
 
 /// Moves the open members from `firstOpen` on over to the outline, in the order of printing and each key's last one
 /// alone.
-void OutlineReader::sortMembers(quint32 firstOpen)
+void JsonOutlineReader::sortMembers(quint32 firstOpen)
 {
     if (open_.size() - firstOpen < 2) {
         outline_.members.insert(outline_.members.end(), open_.begin() + firstOpen, open_.end());
@@ -229,7 +229,7 @@ void OutlineReader::sortMembers(quint32 firstOpen)
 }
 
 /// What the key says; a key with escapes is decoded into `decoded`.
-QStringView OutlineReader::keyText(quint32 key, std::deque<QString>& decoded) const
+QStringView JsonOutlineReader::keyText(quint32 key, std::deque<QString>& decoded) const
 {
     const qsizetype end = endOfJsonString(text_, key) - 1;
     const QStringView written = text_.sliced(key + 1, end - key - 1);
@@ -251,7 +251,7 @@ QStringView OutlineReader::keyText(quint32 key, std::deque<QString>& decoded) co
 
 std::optional<JsonOutline> JsonOutline::read(QStringView text)
 {
-    return OutlineReader(text).read();
+    return JsonOutlineReader(text).read();
 }
 
 } // namespace kelm

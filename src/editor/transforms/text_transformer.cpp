@@ -15,7 +15,7 @@ using CaseFunction = int32_t (*)(UChar*, int32_t, const UChar*, int32_t, const c
 /// Maps a whole text. A text of a gigabyte and more, for whose length the library has no number, comes back as it is.
 QString mapped(const QString& text, CaseFunction map)
 {
-    constexpr const char* noLocale = "";
+    constexpr const char* rootLocale = "";
     // One unit becomes three at most, but hardly ever more than one.
     if (text.size() > std::numeric_limits<int32_t>::max() / 3) {
         return text;
@@ -25,7 +25,7 @@ QString mapped(const QString& text, CaseFunction map)
         UErrorCode status = U_ZERO_ERROR;
         const int32_t length =
             map(reinterpret_cast<UChar*>(result.data()), int32_t(result.size()),
-                reinterpret_cast<const UChar*>(text.utf16()), int32_t(text.size()), noLocale, &status);
+                reinterpret_cast<const UChar*>(text.utf16()), int32_t(text.size()), rootLocale, &status);
         if (status != U_BUFFER_OVERFLOW_ERROR) {
             result.resize(length);
             return U_SUCCESS(status) ? result : text;

@@ -9,7 +9,7 @@
 namespace kelm {
 namespace {
 
-constexpr int blanksALevel = 4;
+constexpr int xmlBlanksALevel = 4;
 
 bool isBlankOrTab(char16_t unit)
 {
@@ -162,7 +162,7 @@ void XmlPrinter::beginLine()
         result_.append(u'\n');
     }
     isFirstLine_ = false;
-    result_.appendBlanks(level_ * blanksALevel);
+    result_.appendBlanks(level_ * xmlBlanksALevel);
 }
 
 /// Prints a tag with one blank before each attribute and no other white space outside of values.

@@ -6,10 +6,10 @@ namespace kelm {
 namespace {
 
 /// Steps over the markup of a text that is known to be well formed.
-class OutlineReader
+class XmlOutlineReader
 {
 public:
-    explicit OutlineReader(QStringView text) : text_(text) {}
+    explicit XmlOutlineReader(QStringView text) : text_(text) {}
 
     XmlOutline read();
 
@@ -34,7 +34,7 @@ private:
     XmlOutline outline_;
 };
 
-XmlOutline OutlineReader::read()
+XmlOutline XmlOutlineReader::read()
 {
     if (text_.startsWith(u'\ufeff')) {
         at_ = 1;
@@ -50,7 +50,7 @@ XmlOutline OutlineReader::read()
     return std::move(outline_);
 }
 
-void OutlineReader::readText()
+void XmlOutlineReader::readText()
 {
     const qsizetype start = at_;
     const qsizetype next = text_.indexOf(u'<', at_);
@@ -60,7 +60,7 @@ void OutlineReader::readText()
     }
 }
 
-void OutlineReader::readMarkup()
+void XmlOutlineReader::readMarkup()
 {
     const qsizetype start = at_;
     switch (xmlMarkupAt(text_, at_)) {
@@ -85,7 +85,7 @@ void OutlineReader::readMarkup()
     }
 }
 
-void OutlineReader::readOpeningTag()
+void XmlOutlineReader::readOpeningTag()
 {
     const qsizetype start = at_;
     bool preservesSpace = false;
@@ -102,7 +102,7 @@ void OutlineReader::readOpeningTag()
 }
 
 /// Whether the tag's last attribute, whose value begins with the given quote, is `xml:space="preserve"`.
-bool OutlineReader::isSpacePreserved(QStringView tag, qsizetype quote)
+bool XmlOutlineReader::isSpacePreserved(QStringView tag, qsizetype quote)
 {
     if (tag.sliced(quote + 1).chopped(1) != u"preserve") {
         return false;
@@ -111,7 +111,7 @@ bool OutlineReader::isSpacePreserved(QStringView tag, qsizetype quote)
     return name.endsWith(u"xml:space") && isXmlBlank(name.chopped(9).back());
 }
 
-void OutlineReader::readClosingTag()
+void XmlOutlineReader::readClosingTag()
 {
     const qsizetype start = at_;
     at_ = endOfXmlMarkup(text_, at_);
@@ -135,7 +135,7 @@ void OutlineReader::readClosingTag()
     whole.dropsContent = !element.isUntouchable && (content.contains(u'\n') || content.contains(u'\r'));
 }
 
-void OutlineReader::addOther(qsizetype start)
+void XmlOutlineReader::addOther(qsizetype start)
 {
     outline_.pieces.push_back({XmlOutline::Kind::other, start, at_, at_, at_, false});
 }
@@ -144,7 +144,7 @@ void OutlineReader::addOther(qsizetype start)
 
 XmlOutline XmlOutline::read(QStringView text)
 {
-    return OutlineReader(text).read();
+    return XmlOutlineReader(text).read();
 }
 
 } // namespace kelm

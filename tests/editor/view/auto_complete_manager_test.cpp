@@ -4,9 +4,12 @@
 #include "platform/named_colors.h"
 #include "platform/view/style.h"
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+
+namespace auto_complete_manager_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -316,5 +319,8 @@ void AutoCompleteManagerTest::aViewThatIsGoneStopsEverything()
     manager.showCompletion();
 }
 
-QTEST_MAIN(AutoCompleteManagerTest)
+const kelm::test::Registered<AutoCompleteManagerTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace auto_complete_manager_test
+
 #include "auto_complete_manager_test.moc"

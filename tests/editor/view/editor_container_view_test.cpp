@@ -1,6 +1,7 @@
 #include "editor/view/kelm_editor_view.h"
 #include "support/captured_log.h"
 #include "support/random_text.h"
+#include "support/test_program.h"
 #include "text/view/find_bar.h"
 
 #include <QAbstractButton>
@@ -12,6 +13,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace editor_container_view_test {
 
 using namespace kelm;
 using namespace std::chrono_literals;
@@ -578,5 +581,8 @@ void EditorContainerViewTest::aClosedDocumentsEditorGoesQuietly()
     QCOMPARE(fixture.document->content(), QStringLiteral("other"));
 }
 
-QTEST_MAIN(EditorContainerViewTest)
+const kelm::test::Registered<EditorContainerViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace editor_container_view_test
+
 #include "editor_container_view_test.moc"

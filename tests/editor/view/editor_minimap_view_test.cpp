@@ -1,9 +1,12 @@
 #include "editor/view/editor_minimap_view.h"
 #include "editor/view/minimap_painter.h"
 #include "support/painted.h"
+#include "support/test_program.h"
 
 #include <QPainter>
 #include <QtTest>
+
+namespace editor_minimap_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -186,5 +189,8 @@ void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
     }
 }
 
-QTEST_MAIN(EditorMinimapViewTest)
+const kelm::test::Registered<EditorMinimapViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace editor_minimap_view_test
+
 #include "editor_minimap_view_test.moc"

@@ -1,7 +1,10 @@
 #include "editor/view/editor_container_view.h"
 #include "editor/view/editor_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace editor_text_test {
 
 using namespace kelm;
 
@@ -90,5 +93,8 @@ void EditorTextTest::aThemeKeepsFontTextAndSelection()
     QCOMPARE(text.textInset(), QSizeF(4, 4));
 }
 
-QTEST_MAIN(EditorTextTest)
+const kelm::test::Registered<EditorTextTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace editor_text_test
+
 #include "editor_text_test.moc"

@@ -2,8 +2,11 @@
 #include "editor/view/kelm_text_view.h"
 #include "platform/view/style.h"
 #include "support/marked_text.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace kelm_editor_container_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -162,5 +165,8 @@ void KelmEditorContainerTest::aDelegateThatIsGoneIsSkipped()
     QVERIFY(fixture.delegate.told.isEmpty());
 }
 
-QTEST_MAIN(KelmEditorContainerTest)
+const kelm::test::Registered<KelmEditorContainerTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace kelm_editor_container_test
+
 #include "kelm_editor_container_test.moc"

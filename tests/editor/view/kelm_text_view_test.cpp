@@ -3,8 +3,11 @@
 #include "platform/scheduler.h"
 #include "support/captured_log.h"
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QWindow>
+
+namespace kelm_text_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -512,5 +515,8 @@ void KelmTextViewTest::aReadOnlyTextIsNotChanged()
     QCOMPARE(fixture.view.text(), u"    // (a)\n"_s);
 }
 
-QTEST_MAIN(KelmTextViewTest)
+const kelm::test::Registered<KelmTextViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace kelm_text_view_test
+
 #include "kelm_text_view_test.moc"

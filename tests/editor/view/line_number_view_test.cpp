@@ -1,8 +1,11 @@
 #include "editor/view/line_number_view.h"
 #include "platform/named_colors.h"
 #include "platform/view/style.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace line_number_view_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -196,5 +199,8 @@ void LineNumberViewTest::aClickOutsideTheTextDoesNothing()
     QVERIFY(fixture.heard.isEmpty());
 }
 
-QTEST_MAIN(LineNumberViewTest)
+const kelm::test::Registered<LineNumberViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace line_number_view_test
+
 #include "line_number_view_test.moc"

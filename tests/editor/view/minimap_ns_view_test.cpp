@@ -1,7 +1,10 @@
 #include "editor/view/editor_minimap_view.h"
 #include "editor/view/minimap_ns_view.h"
+#include "support/test_program.h"
 
 #include <QtTest>
+
+namespace minimap_ns_view_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -105,5 +108,8 @@ void MinimapNSViewTest::linesAreTintedByAGlance()
     QCOMPARE(fixture.map.getLineColor(u"letter"), at(Qt::white, 0.5F));
 }
 
-QTEST_MAIN(MinimapNSViewTest)
+const kelm::test::Registered<MinimapNSViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace minimap_ns_view_test
+
 #include "minimap_ns_view_test.moc"

@@ -1,5 +1,8 @@
 #include "editor/view/multi_cursor_manager.h"
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
+
+namespace multi_cursor_manager_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -244,5 +247,8 @@ void MultiCursorManagerTest::aViewThatIsGoneStopsEverything()
     QVERIFY(manager.cursors().empty());
 }
 
-QTEST_MAIN(MultiCursorManagerTest)
+const kelm::test::Registered<MultiCursorManagerTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace multi_cursor_manager_test
+
 #include "multi_cursor_manager_test.moc"

@@ -1,5 +1,8 @@
 #include "editor/view/selection_manager.h"
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
+
+namespace selection_manager_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -95,5 +98,8 @@ void SelectionManagerTest::aViewThatIsGoneStopsEverything()
     QVERIFY(manager.textView().isNull());
 }
 
-QTEST_MAIN(SelectionManagerTest)
+const kelm::test::Registered<SelectionManagerTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace selection_manager_test
+
 #include "selection_manager_test.moc"

@@ -1,10 +1,13 @@
 #include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
 #include "platform/view/style.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
 #include <memory>
+
+namespace simple_line_number_view_test {
 
 using namespace kelm;
 
@@ -242,5 +245,8 @@ void SimpleLineNumberViewTest::numbersStandRightAligned()
     QVERIFY(drawn);
 }
 
-QTEST_MAIN(SimpleLineNumberViewTest)
+const kelm::test::Registered<SimpleLineNumberViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace simple_line_number_view_test
+
 #include "simple_line_number_view_test.moc"

@@ -2,6 +2,7 @@
 #include "run/code_runner.h"
 #include "run/view/output_view.h"
 #include "support/app_state_fixture.h"
+#include "support/test_program.h"
 #include "text/view/text_view.h"
 
 #include <QClipboard>
@@ -10,6 +11,8 @@
 #include <QSignalSpy>
 #include <QWheelEvent>
 #include <QtTest>
+
+namespace output_view_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -292,5 +295,8 @@ void OutputViewTest::aSnippetThatCannotRunIsTold()
     QCOMPARE(fixture.view->output(), u"Error: language 'Plain Text' is not runnable."_s);
 }
 
-QTEST_MAIN(OutputViewTest)
+const kelm::test::Registered<OutputViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace output_view_test
+
 #include "output_view_test.moc"

@@ -4,10 +4,13 @@
 #include "run/view/problems_view.h"
 #include "support/captured_log.h"
 #include "support/painted.h"
+#include "support/test_program.h"
 
 #include <QImage>
 #include <QTemporaryDir>
 #include <QtTest>
+
+namespace problems_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -69,5 +72,8 @@ void ProblemsViewTest::itsGroundIsTheThemes()
     }
 }
 
-QTEST_MAIN(ProblemsViewTest)
+const kelm::test::Registered<ProblemsViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace problems_view_test
+
 #include "problems_view_test.moc"

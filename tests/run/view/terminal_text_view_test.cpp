@@ -1,10 +1,13 @@
 #include "run/view/terminal_page.h"
+#include "support/test_program.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
+
+namespace terminal_text_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -706,5 +709,8 @@ void TerminalTextViewTest::withoutASessionItIsATextView()
     QCOMPARE(view.text(), QString());
 }
 
-QTEST_MAIN(TerminalTextViewTest)
+const kelm::test::Registered<TerminalTextViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace terminal_text_view_test
+
 #include "terminal_text_view_test.moc"

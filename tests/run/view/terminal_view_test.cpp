@@ -1,7 +1,10 @@
 #include "run/view/terminal_page.h"
 #include "support/roles.h"
+#include "support/test_program.h"
 
 #include <QImage>
+
+namespace terminal_view_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -135,14 +138,9 @@ void TerminalViewTest::quittingDoesNotWaitForACommand()
     QCOMPARE(runRole(u"quit-while-running"_s, {}), 0);
 }
 
-int main(int argc, char** argv)
-{
-    QApplication application(argc, argv);
-    if (const auto code = carryOutRole({{u"quit-while-running"_s, quitWhileRunning}})) {
-        return *code;
-    }
-    TerminalViewTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+const kelm::test::Registered<TerminalViewTest> registered(kelm::test::Toolkit::widgets,
+                                                          {{u"quit-while-running"_s, quitWhileRunning}});
+
+} // namespace terminal_view_test
 
 #include "terminal_view_test.moc"

@@ -1,3 +1,4 @@
+#include "support/test_program.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
 
@@ -5,6 +6,8 @@
 #include <QLineEdit>
 #include <QToolButton>
 #include <QtTest>
+
+namespace find_bar_test {
 
 using namespace kelm;
 
@@ -302,5 +305,8 @@ void FindBarTest::onlyMatchesOnScreenAreMarked()
     QCOMPARE(fixture.bar().engine().results().size(), FindSession::describedMatches);
 }
 
-QTEST_MAIN(FindBarTest)
+const kelm::test::Registered<FindBarTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace find_bar_test
+
 #include "find_bar_test.moc"

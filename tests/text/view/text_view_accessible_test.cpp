@@ -1,10 +1,13 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 #include "text/view/text_view_accessible.h"
 
 #include <QAccessible>
 #include <QAccessibleEditableTextInterface>
 #include <QAccessibleTextInterface>
 #include <QtTest>
+
+namespace text_view_accessible_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -99,8 +102,6 @@ struct ReadView : ShownTextView
 };
 
 } // namespace
-
-Q_DECLARE_METATYPE(QAccessible::TextBoundaryType)
 
 class TextViewAccessibleTest : public QObject
 {
@@ -422,5 +423,8 @@ void TextViewAccessibleTest::aCompositionIsInTheTextBeforeOthersEdit()
     QVERIFY(view.text().contains(u'글'));
 }
 
-QTEST_MAIN(TextViewAccessibleTest)
+const kelm::test::Registered<TextViewAccessibleTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_accessible_test
+
 #include "text_view_accessible_test.moc"

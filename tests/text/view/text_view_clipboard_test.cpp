@@ -1,10 +1,13 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QClipboard>
 #include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_view_clipboard_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -304,5 +307,8 @@ void TextViewClipboardTest::theMenuDoesWhatItSays()
     QCOMPARE(view.text(), QStringLiteral("한"));
 }
 
-QTEST_MAIN(TextViewClipboardTest)
+const kelm::test::Registered<TextViewClipboardTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_clipboard_test
+
 #include "text_view_clipboard_test.moc"

@@ -1,10 +1,13 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QClipboard>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_view_input_method_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -443,5 +446,8 @@ void TextViewInputMethodTest::oddEventsDoNoHarm()
     QCOMPARE(view.marked(), QStringLiteral("ax\r\ny|b"));
 }
 
-QTEST_MAIN(TextViewInputMethodTest)
+const kelm::test::Registered<TextViewInputMethodTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_input_method_test
+
 #include "text_view_input_method_test.moc"

@@ -1,9 +1,12 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 #include "text/view/text_view_keys.h"
 
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_view_keys_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -465,5 +468,8 @@ void TextViewKeysTest::othersEditsAreNotTold()
     QCOMPARE(delegate.calls.count(QStringLiteral("text")), 0);
 }
 
-QTEST_MAIN(TextViewKeysTest)
+const kelm::test::Registered<TextViewKeysTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_keys_test
+
 #include "text_view_keys_test.moc"

@@ -1,4 +1,5 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -7,6 +8,8 @@
 #include <QScrollBar>
 #include <QStyleHints>
 #include <QtTest>
+
+namespace text_view_mouse_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -418,5 +421,8 @@ void TextViewMouseTest::aDropDuringACompositionLosesNothing()
     QCOMPARE(view.marked(), QStringLiteral("a한bcd[xy]"));
 }
 
-QTEST_MAIN(TextViewMouseTest)
+const kelm::test::Registered<TextViewMouseTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_mouse_test
+
 #include "text_view_mouse_test.moc"

@@ -1,10 +1,13 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
 #include <QStyleHints>
 #include <QtTest>
+
+namespace text_view_paint_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -423,5 +426,8 @@ void TextViewPaintTest::manySelectionsCostOnlyWhatIsSeen()
     QVERIFY(view.textLayout().layoutsMade() - before < 100);
 }
 
-QTEST_MAIN(TextViewPaintTest)
+const kelm::test::Registered<TextViewPaintTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_paint_test
+
 #include "text_view_paint_test.moc"

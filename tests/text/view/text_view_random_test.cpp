@@ -1,11 +1,14 @@
 #include "support/random_text.h"
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 #include "text/text_boundaries.h"
 #include "text/view/text_view_keys.h"
 
 #include <QClipboard>
 #include <QMimeData>
 #include <QtTest>
+
+namespace text_view_random_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -299,5 +302,8 @@ void TextViewRandomTest::randomEventsKeepTheViewTrue()
     }
 }
 
-QTEST_MAIN(TextViewRandomTest)
+const kelm::test::Registered<TextViewRandomTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_random_test
+
 #include "text_view_random_test.moc"

@@ -1,8 +1,11 @@
 #include "support/shown_text_view.h"
+#include "support/test_program.h"
 
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QtTest>
+
+namespace text_view_scroll_test {
 
 using namespace kelm;
 using test::ShownTextView;
@@ -521,5 +524,8 @@ void TextViewScrollTest::paintingSettles()
     QCOMPARE(counter.paints, 1);
 }
 
-QTEST_MAIN(TextViewScrollTest)
+const kelm::test::Registered<TextViewScrollTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace text_view_scroll_test
+
 #include "text_view_scroll_test.moc"

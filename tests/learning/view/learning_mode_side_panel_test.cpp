@@ -1,0 +1,288 @@
+#include "learning/view/learning_mode_side_panel.h"
+#include "platform/notification_center.h"
+#include "platform/view/plain_button.h"
+#include "run/code_runner.h"
+#include "support/fake_workspace.h"
+#include "support/test_program.h"
+
+#include <QClipboard>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace learning_mode_side_panel_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Fixture
+{
+    QTemporaryDir folder;
+    NotificationCenter notifications;
+    CodeRunner runner{notifications, {}};
+    FakeWorkspace workspace;
+    ManualScheduler scheduler;
+    std::unique_ptr<LearningModeSidePanel> panel;
+
+    void show(const LessonInfo& info)
+    {
+        panel = std::make_unique<LearningModeSidePanel>(info, runner, workspace, scheduler);
+        panel->resize(280, 800);
+        panel->show();
+        if (!QTest::qWaitForWindowActive(panel.get())) {
+            qFatal("no window");
+        }
+    }
+    /// What is read, from top to bottom.
+    QStringList texts() const
+    {
+        QList<std::pair<int, QString>> found;
+        for (auto* widget : panel->findChildren<QWidget*>()) {
+            const auto* label = qobject_cast<QLabel*>(widget);
+            const auto* button = qobject_cast<PlainButton*>(widget);
+            const QString text = label != nullptr    ? label->text()
+                                 : button != nullptr ? button->text()
+                                                     : widget->accessibleName();
+            if (widget->isVisible() && !text.isEmpty()) {
+                found.append({widget->mapTo(panel.get(), QPoint()).y(), text});
+            }
+        }
+        std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+        QStringList texts;
+        for (const auto& [y, text] : found) {
+            texts.append(text);
+        }
+        return texts;
+    }
+    PlainButton* button(const QString& name) const
+    {
+        for (auto* button : panel->findChildren<PlainButton*>()) {
+            if (button->isVisible() && (button->text() == name || button->accessibleName() == name)) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+    /// Runs a shell line to its end.
+    void run(const QString& line)
+    {
+        runner.runCode(line, Language::shell);
+        QTRY_VERIFY(!runner.isRunning());
+        QCoreApplication::processEvents();
+    }
+};
+
+} // namespace
+
+class LearningModeSidePanelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
+    void theEnglishPanelReads();
+    void theKoreanPanelReads();
+    void theSlugStandsForAMissingTitle();
+    void requirementsShowWhatIsSet();
+    void recheckLooksAgain();
+    void theExportLineIsCopied();
+    void recheckLeavesWhatARowSaysOfItsCopy();
+    void longWordsStayInThePanel();
+    void theLessonOpens_data();
+    void theLessonOpens();
+    void withoutAnAddressThereIsNoLink();
+    void aFailedRunIsDiagnosedAndANewOneForgotten();
+    void theFixIsCopied();
+    void titlesAreNoMarkup();
+};
+
+void LearningModeSidePanelTest::theEnglishPanelReads()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"intro"_s, .title = u"First steps"_s, .regionStart = 3, .regionEnd = 7});
+    QCOMPARE(fixture.texts(),
+             (QStringList{u"Learning Mode"_s, u"First steps"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
+                          u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s, u"Lines 3–7"_s,
+                          u"Lines outside this range were auto-added so the snippet runs end-to-end "
+                          u"(imports, sample inputs, auto-print)."_s,
+                          u"TIPS"_s, u"• Edit any line. Cmd-R runs the whole file."_s,
+                          u"• Output appears in the bottom Output panel."_s,
+                          u"• Replace sample inputs near the top to test other cases."_s}));
+    QCOMPARE(fixture.panel->width(), 280);
+}
+
+void LearningModeSidePanelTest::theKoreanPanelReads()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"intro"_s, .title = u"첫걸음"_s, .regionStart = 2, .regionEnd = 2, .lang = u"ko"_s});
+    QCOMPARE(
+        fixture.texts(),
+        (QStringList{
+            u"학습 모드"_s, u"첫걸음"_s, u"레슨 열기"_s, u"필요한 API 키"_s,
+            u"이 스니펫은 API 키가 필요하지 않습니다."_s, u"교재 발췌 구간"_s, u"2–2 행"_s,
+            u"이 범위 밖의 줄은 스니펫이 end-to-end 로 실행되도록 자동 추가됨 (imports · 샘플 입력 · auto-print)."_s,
+            u"팁"_s, u"• 아무 줄이나 수정하세요. Cmd-R 로 전체 파일 실행."_s,
+            u"• 결과는 아래쪽 Output 패널에 표시됩니다."_s,
+            u"• 상단의 샘플 입력값을 바꿔서 다른 케이스도 시험해 보세요."_s}));
+}
+
+void LearningModeSidePanelTest::theSlugStandsForAMissingTitle()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"the-slug"_s});
+    QVERIFY(fixture.texts().contains(u"the-slug"_s));
+}
+
+void LearningModeSidePanelTest::requirementsShowWhatIsSet()
+{
+    qputenv("KELM_TEST_SET", "value");
+    qputenv("KELM_TEST_EMPTY", "");
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"KELM_TEST_SET"_s, u"KELM_TEST_EMPTY"_s, u"OPENAI_API_KEY"_s}});
+    const QStringList texts = fixture.texts();
+    QCOMPARE(texts.count(u"Copy export"_s), qEnvironmentVariableIsSet("OPENAI_API_KEY") ? 1 : 2);
+    QVERIFY(texts.contains(u"Get a key: your vendor console"_s));
+    QVERIFY(texts.indexOf(u"KELM_TEST_SET"_s) < texts.indexOf(u"KELM_TEST_EMPTY"_s));
+    QVERIFY(!texts.contains(u"This snippet doesn't require any API keys."_s));
+}
+
+void LearningModeSidePanelTest::recheckLooksAgain()
+{
+    qunsetenv("KELM_TEST_LATER");
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"KELM_TEST_LATER"_s}, .lang = u"ko"_s});
+    QVERIFY(fixture.button(u"export 복사"_s) != nullptr);
+    qputenv("KELM_TEST_LATER", "1");
+    QVERIFY(fixture.button(u"export 복사"_s) != nullptr);
+    QTest::mouseClick(fixture.button(u"다시 확인"_s), Qt::LeftButton);
+    QVERIFY(fixture.button(u"export 복사"_s) == nullptr);
+    qunsetenv("KELM_TEST_LATER");
+}
+
+void LearningModeSidePanelTest::theExportLineIsCopied()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"KELM_TEST_ABSENT"_s}});
+    QTest::mouseClick(fixture.button(u"Copy export"_s), Qt::LeftButton);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"export KELM_TEST_ABSENT=..."_s);
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1499));
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1));
+    QVERIFY(fixture.button(u"Copy export"_s) != nullptr);
+}
+
+void LearningModeSidePanelTest::recheckLeavesWhatARowSaysOfItsCopy()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"KELM_TEST_ABSENT"_s, u"KELM_TEST_LATER"_s}});
+    QCOMPARE(fixture.panel->refreshTick(), 1);
+    QTest::mouseClick(fixture.button(u"Copy export"_s), Qt::LeftButton);
+    qputenv("KELM_TEST_LATER", "1");
+    QTest::mouseClick(fixture.button(u"Recheck"_s), Qt::LeftButton);
+    qunsetenv("KELM_TEST_LATER");
+    QCOMPARE(fixture.panel->refreshTick(), 2);
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    QVERIFY(fixture.button(u"Copy export"_s) == nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1500));
+    QVERIFY(fixture.button(u"Copied!"_s) == nullptr);
+    QVERIFY(fixture.button(u"Copy export"_s) != nullptr);
+    QCoreApplication::processEvents();
+    const QStringList texts = fixture.texts();
+    QVERIFY(texts.contains(u"KELM_TEST_LATER"_s));
+    QVERIFY(texts.indexOf(u"KELM_TEST_ABSENT"_s) < texts.indexOf(u"KELM_TEST_LATER"_s));
+}
+
+void LearningModeSidePanelTest::longWordsStayInThePanel()
+{
+    Fixture fixture;
+    const QString word = u"a_very_long_name.with_many_parts.and_more_parts.and_still_more_parts.and_an_end"_s;
+    fixture.show({.slug = word, .requires_ = {word.toUpper().replace(u'.', u'_')}});
+    fixture.run(u"echo \"No module named '%1'\" >&2"_s.arg(word));
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    QTRY_VERIFY(fixture.button(u"Copy"_s)->mapTo(fixture.panel.get(), QPoint(26, 0)).x() <= 280);
+    const QRect panel = fixture.panel->rect();
+    for (const auto* label : fixture.panel->findChildren<QLabel*>()) {
+        const QRect place(label->mapTo(fixture.panel.get(), QPoint()), label->size());
+        QVERIFY(place.left() >= 0 && place.right() <= panel.right());
+        QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    }
+}
+
+void LearningModeSidePanelTest::theLessonOpens_data()
+{
+    QTest::addColumn<bool>("hasCompanion");
+    QTest::addColumn<QString>("scheme");
+    QTest::newRow("in the companion application") << true << u"tutorbay"_s;
+    QTest::newRow("on the site") << false << u"https"_s;
+}
+
+void LearningModeSidePanelTest::theLessonOpens()
+{
+    QFETCH(bool, hasCompanion);
+    QFETCH(QString, scheme);
+    Fixture fixture;
+    if (hasCompanion) {
+        fixture.workspace.applications.insert(u"tutorbay"_s, u"tutorbay.desktop"_s);
+    }
+    fixture.show({.slug = u"intro"_s, .lang = u"en"_s});
+    QTest::mouseClick(fixture.button(u"Open lesson"_s), Qt::LeftButton);
+    QCOMPARE(fixture.workspace.opened.size(), 1);
+    QCOMPARE(fixture.workspace.opened.first().scheme(), scheme);
+    QVERIFY(fixture.workspace.opened.first().toString().endsWith(u"/intro?lang=en"_s));
+}
+
+void LearningModeSidePanelTest::withoutAnAddressThereIsNoLink()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"no address"_s});
+    QVERIFY(fixture.button(u"Open lesson"_s) == nullptr);
+}
+
+void LearningModeSidePanelTest::aFailedRunIsDiagnosedAndANewOneForgotten()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    fixture.run(u"echo 'HTTP 401' >&2; exit 1"_s);
+    QTRY_VERIFY(fixture.panel->diagnosis().has_value());
+    const QStringList texts = fixture.texts();
+    QVERIFY(texts.indexOf(u"DIAGNOSIS"_s) > texts.indexOf(u"API KEYS NEEDED"_s));
+    QVERIFY(texts.indexOf(u"DIAGNOSIS"_s) < texts.indexOf(u"FROM TEXTBOOK"_s));
+    QCOMPARE(texts.at(texts.indexOf(u"DIAGNOSIS"_s) + 1), u"API key auth failed"_s);
+    fixture.run(u"true"_s);
+    QTRY_VERIFY(!fixture.panel->diagnosis().has_value());
+    QVERIFY(!fixture.texts().contains(u"DIAGNOSIS"_s));
+    fixture.run(u"echo 'a warning: timed out' >&2; exit 0"_s);
+    QTRY_VERIFY(fixture.panel->diagnosis().has_value());
+}
+
+void LearningModeSidePanelTest::theFixIsCopied()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .lang = u"ko"_s});
+    fixture.run(u"echo \"No module named 'foo.bar'\" >&2"_s);
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"pip install foo.bar"_s);
+    QVERIFY(fixture.texts().contains(u"문제 진단"_s));
+    QVERIFY(fixture.texts().contains(u"'foo.bar' 를 찾을 수 없습니다."_s));
+}
+
+void LearningModeSidePanelTest::titlesAreNoMarkup()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .title = u"<img src=x>\u0001<b>t</b>"_s});
+    for (const auto* label : fixture.panel->findChildren<QLabel*>()) {
+        QCOMPARE(label->textFormat(), Qt::PlainText);
+    }
+    QVERIFY(fixture.texts().contains(u"<img src=x>\u0001<b>t</b>"_s));
+}
+
+const kelm::test::Registered<LearningModeSidePanelTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace learning_mode_side_panel_test
+
+#include "learning_mode_side_panel_test.moc"

@@ -1,0 +1,84 @@
+#include "search/view/activity_line.h"
+#include "search/view/project_search_view.h"
+#include "search/view/search_view_fixture.h"
+#include "support/test_program.h"
+
+#include <QListView>
+
+namespace project_search_view_test {
+
+using namespace kelm;
+using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
+
+class ProjectSearchViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
+    void projectSearchListsAndOpens();
+    void projectSearchKeepsOldResultsForAnEmptyField();
+    void withoutAProjectNothingIsSearched();
+};
+
+void ProjectSearchViewTest::projectSearchListsAndOpens()
+{
+    SearchViewFixture fixture;
+    fixture.write(u"a.txt"_s, "one\ntwo\n");
+    fixture.write(u"b.txt"_s, "two two\n");
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    auto& view = fixture.show<ProjectSearchView>();
+    view.resize(300, 400);
+    QVERIFY(fixture.shows(u"No results"_s));
+    QTest::keyClicks(&fixture.field(u"Search in files"_s), u"TWO"_s);
+    QVERIFY(!view.isSearching());
+    QTest::keyClick(&fixture.field(u"Search in files"_s), Qt::Key_Return);
+    QVERIFY(view.findChild<ActivityLine*>()->isActive());
+    QTRY_VERIFY(!view.isSearching());
+    QVERIFY(!view.findChild<ActivityLine*>()->isActive());
+    QCOMPARE(view.results().size(), 2);
+    QVERIFY(!fixture.shows(u"No results"_s));
+    auto* list = view.findChild<QListView*>();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(1, 0)).center());
+    QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(view.results().at(1).fileURL));
+    QCOMPARE(fixture.state.currentDocument()->cursorPosition(), CursorPosition());
+}
+
+void ProjectSearchViewTest::projectSearchKeepsOldResultsForAnEmptyField()
+{
+    SearchViewFixture fixture;
+    fixture.write(u"a.txt"_s, "one\n");
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    auto& view = fixture.show<ProjectSearchView>();
+    QLineEdit& field = fixture.field(u"Search in files"_s);
+    QTest::keyClicks(&field, u"one"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_COMPARE(view.results().size(), 1);
+    QTRY_VERIFY(!view.isSearching());
+    field.clear();
+    QTest::keyClick(&field, Qt::Key_Return);
+    QVERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    QTest::keyClicks(&field, u"absent"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_VERIFY(!view.isSearching());
+    QVERIFY(fixture.shows(u"No results"_s));
+}
+
+void ProjectSearchViewTest::withoutAProjectNothingIsSearched()
+{
+    SearchViewFixture fixture;
+    auto& view = fixture.show<ProjectSearchView>();
+    QTest::keyClicks(&fixture.field(u"Search in files"_s), u"one"_s);
+    QTest::keyClick(&fixture.field(u"Search in files"_s), Qt::Key_Return);
+    QVERIFY(!view.isSearching());
+    QVERIFY(fixture.shows(u"No results"_s));
+}
+
+const kelm::test::Registered<ProjectSearchViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace project_search_view_test
+
+#include "project_search_view_test.moc"

@@ -1,0 +1,160 @@
+#include "search/view/quick_open_view.h"
+#include "search/view/search_view_fixture.h"
+#include "support/test_program.h"
+
+namespace quick_open_view_test {
+
+using namespace kelm;
+using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString quickPrompt = u"Go to file…  (Esc / ⌘W to close)"_s;
+
+} // namespace
+
+class QuickOpenViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
+    void quickOpenListsRecentFiles();
+    void quickOpenOpensWhatIsSelected();
+    void quickOpenStopsAtTheEnds();
+    void onlyTheSelectedRowIsMarked();
+    void aSelectionBehindTheEndOpensNothing();
+    void quickOpenClosesWithoutFiles();
+    void quickOpenClosesByItsKeysAndButton();
+    void aClickOpensAFile();
+    void theListKeepsItsHeight();
+};
+
+void QuickOpenViewTest::quickOpenListsRecentFiles()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(3);
+    auto& view = fixture.show<QuickOpenView>();
+    QCOMPARE(view.filteredFiles(), fixture.state.recentFiles());
+    QTest::keyClicks(&fixture.field(quickPrompt), u"FILE 2"_s);
+    QCOMPARE(view.filteredFiles(), QList<QUrl>{fixture.state.recentFiles().at(2)});
+    QCOMPARE(fixture.view->findChild<QListWidget*>()->count(), 1);
+}
+
+void QuickOpenViewTest::quickOpenOpensWhatIsSelected()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(3);
+    fixture.state.setShowQuickOpen(true);
+    fixture.show<QuickOpenView>();
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Down);
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Return);
+    QCOMPARE(fixture.state.currentDocument()->title(), u"file 1.txt"_s);
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::quickOpenStopsAtTheEnds()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(2);
+    auto& view = fixture.show<QuickOpenView>();
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Up);
+    QCOMPARE(view.selectedIndex(), 0);
+    for (int press = 0; press < 4; ++press) {
+        QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Down);
+    }
+    QCOMPARE(view.selectedIndex(), 1);
+    QCOMPARE(fixture.view->findChild<QListWidget*>()->currentRow(), 1);
+}
+
+void QuickOpenViewTest::onlyTheSelectedRowIsMarked()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(6);
+    fixture.state.setShowQuickOpen(true);
+    auto& view = fixture.show<QuickOpenView>();
+    QCOMPARE(fixture.markedRows(), QList<int>{0});
+    auto& list = *view.findChild<QListWidget*>();
+    const QPoint third = list.visualItemRect(list.item(3)).center();
+    QTest::mouseMove(list.viewport(), third);
+    QCOMPARE(fixture.markedRows(), QList<int>{0});
+    // A press that ends elsewhere chooses nothing.
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, third);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, QPoint(third.x(), -20));
+    QCOMPARE(view.selectedIndex(), 0);
+    QCOMPARE(fixture.markedRows(), QList<int>{0});
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Down);
+    QCOMPARE(fixture.markedRows(), QList<int>{1});
+}
+
+void QuickOpenViewTest::aSelectionBehindTheEndOpensNothing()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(6);
+    fixture.state.setShowQuickOpen(true);
+    auto& view = fixture.show<QuickOpenView>();
+    for (int press = 0; press < 4; ++press) {
+        QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Down);
+    }
+    QTest::keyClicks(&fixture.field(quickPrompt), u"5"_s);
+    QCOMPARE(view.filteredFiles().size(), 1);
+    QCOMPARE(view.selectedIndex(), 4);
+    QCOMPARE(fixture.markedRows(), QList<int>{});
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Return);
+    QVERIFY(fixture.state.documents().isEmpty());
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::quickOpenClosesWithoutFiles()
+{
+    SearchViewFixture fixture;
+    fixture.state.setShowQuickOpen(true);
+    fixture.show<QuickOpenView>();
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Return);
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::quickOpenClosesByItsKeysAndButton()
+{
+    SearchViewFixture fixture;
+    fixture.show<QuickOpenView>();
+    fixture.state.setShowQuickOpen(true);
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Escape);
+    QVERIFY(!fixture.state.showQuickOpen());
+    fixture.state.setShowQuickOpen(true);
+    QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_W, Qt::ControlModifier);
+    QVERIFY(!fixture.state.showQuickOpen());
+    fixture.state.setShowQuickOpen(true);
+    QTest::mouseClick(fixture.button(u"Close (Esc / ⌘W)"_s), Qt::LeftButton);
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::aClickOpensAFile()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(3);
+    fixture.state.setShowQuickOpen(true);
+    fixture.show<QuickOpenView>();
+    auto* list = fixture.view->findChild<QListWidget*>();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(2)).center());
+    QCOMPARE(fixture.state.currentDocument()->title(), u"file 2.txt"_s);
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::theListKeepsItsHeight()
+{
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(10);
+    QCOMPARE(fixture.show<QuickOpenView>().contentsRect().width(), 600);
+    QCOMPARE(fixture.view->findChild<QListWidget*>()->height(), 300);
+    fixture.setRecentFiles(30);
+    QCOMPARE(fixture.view->findChild<QListWidget*>()->height(), 300);
+}
+
+const kelm::test::Registered<QuickOpenViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace quick_open_view_test
+
+#include "quick_open_view_test.moc"

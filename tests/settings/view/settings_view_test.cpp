@@ -1,0 +1,388 @@
+#include "platform/view/plain_button.h"
+#include "settings/view/keybindings_view.h"
+#include "settings/view/setting_control.h"
+#include "settings/view/settings_view.h"
+#include "settings/view/theme_preview.h"
+#include "settings/view/theme_settings_view.h"
+#include "support/captured_log.h"
+#include "support/test_program.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QListWidget>
+#include <QSlider>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace settings_view_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Fixture
+{
+    QTemporaryDir home;
+    QString file = home.filePath(u"store.conf"_s);
+    UserDefaults store{file};
+    CapturedLog log;
+    QList<Appearance> appearances;
+    ThemeManager themes{{store, log, home.path(), [this](Appearance appearance) { appearances << appearance; }}};
+    SettingsView view{store, themes};
+
+    Fixture()
+    {
+        view.show();
+        if (!QTest::qWaitForWindowActive(&view)) {
+            qFatal("no window");
+        }
+        appearances.clear();
+    }
+
+    SettingControl& control(const QString& key)
+    {
+        for (auto* control : view.findChildren<SettingControl*>()) {
+            if (control->setting().key == key) {
+                return *control;
+            }
+        }
+        qFatal("no control");
+    }
+    template <typename Part>
+    Part& part(const QString& key)
+    {
+        return *control(key).findChild<Part*>();
+    }
+    QString shownText(const QString& key)
+    {
+        // The label's name is what it shows.
+        for (auto* widget : control(key).findChildren<QWidget*>()) {
+            if (widget->accessibleName().contains(u": ")) {
+                return widget->accessibleName();
+            }
+        }
+        return {};
+    }
+    void click(const QString& key, const QString& name)
+    {
+        for (auto* button : control(key).findChildren<PlainButton*>()) {
+            if (button->accessibleName() == name) {
+                QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+    }
+    PlainButton& button(const QString& text)
+    {
+        for (auto* button : view.findChildren<PlainButton*>()) {
+            if (button->text() == text) {
+                return *button;
+            }
+        }
+        qFatal("no button");
+    }
+    ThemeSettingsView& themeView() { return *view.findChild<ThemeSettingsView*>(); }
+};
+
+} // namespace
+
+class SettingsViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { style::installOn(*qApp); }
+
+    void theTabsStandInTheirOrder();
+    void openingWritesNothing();
+    void aFreshStoreShowsTheDefaults();
+    void aToggleIsWrittenAtOnce();
+    void theDelayIsHiddenWithoutAutoSaveAndKeepsItsValue();
+    void steppersStopAtTheirBounds_data();
+    void steppersStopAtTheirBounds();
+    void slidersGiveNoFraction();
+    void theFontPickerShowsEachFamilyInItself();
+    void aChangeOfTheStoreIsShown();
+    void aDamagedFileIsLeftUntilAControlChanges();
+    void sectionsStandInTheirOrder();
+    void selectingAThemeChangesThePreviewAlone();
+    void theKeyboardAloneSelectsNoTheme();
+    void applyingSetsSavesAndApplies();
+    void importAndLearnMoreDoNothing();
+    void theListOfKeysIsAsItStands();
+    void escapeClosesTheWindow();
+};
+
+void SettingsViewTest::theTabsStandInTheirOrder()
+{
+    Fixture fixture;
+    QStringList labels;
+    for (int tab = 0; tab < SettingsView::tabCount; ++tab) {
+        PlainButton& button = fixture.view.tabButton(static_cast<SettingsView::Tab>(tab));
+        labels.append(button.text());
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QVERIFY(button.isChecked());
+        QVERIFY(fixture.view.page(static_cast<SettingsView::Tab>(tab))->isVisible());
+    }
+    QCOMPARE(labels, (QStringList{u"General"_s, u"Editor"_s, u"Themes"_s, u"Keybindings"_s, u"Extensions"_s}));
+}
+
+void SettingsViewTest::openingWritesNothing()
+{
+    Fixture fixture;
+    for (int tab = 0; tab < SettingsView::tabCount; ++tab) {
+        fixture.view.select(static_cast<SettingsView::Tab>(tab));
+    }
+    fixture.store.synchronize();
+    QVERIFY(!QFile::exists(fixture.file));
+}
+
+void SettingsViewTest::aFreshStoreShowsTheDefaults()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.shownText(u"fontSize"_s), u"Font size: 13"_s);
+    QCOMPARE(fixture.shownText(u"lineHeight"_s), u"Line height: 1.4"_s);
+    QCOMPARE(fixture.shownText(u"tabSize"_s), u"Tab size: 4"_s);
+    QCOMPARE(fixture.part<QComboBox>(u"fontFamily"_s).currentText(), u"SF Mono"_s);
+    QVERIFY(fixture.part<QCheckBox>(u"insertSpaces"_s).isChecked());
+    QVERIFY(!fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
+}
+
+void SettingsViewTest::aToggleIsWrittenAtOnce()
+{
+    Fixture fixture;
+    QCheckBox& box = fixture.part<QCheckBox>(u"showWelcome"_s);
+    QCOMPARE(box.text(), u"Show welcome screen on startup"_s);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
+    QCOMPARE(fixture.store.boolean(u"showWelcome"_s), std::optional(false));
+    QVERIFY(!fixture.store.contains(u"reopenFiles"_s));
+}
+
+void SettingsViewTest::theDelayIsHiddenWithoutAutoSaveAndKeepsItsValue()
+{
+    Fixture fixture;
+    fixture.click(u"autoSaveDelay"_s, u"More"_s);
+    QCOMPARE(fixture.shownText(u"autoSaveDelay"_s), u"Auto save delay: 6 seconds"_s);
+    QCheckBox& box = fixture.part<QCheckBox>(u"autoSave"_s);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
+    QVERIFY(!fixture.control(u"autoSaveDelay"_s).isVisible());
+    QCOMPARE(fixture.store.integer(u"autoSaveDelay"_s), std::optional<qint64>(6));
+    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
+    QVERIFY(fixture.control(u"autoSaveDelay"_s).isVisible());
+    QCOMPARE(fixture.shownText(u"autoSaveDelay"_s), u"Auto save delay: 6 seconds"_s);
+}
+
+void SettingsViewTest::steppersStopAtTheirBounds_data()
+{
+    QTest::addColumn<qint64>("least");
+    QTest::addColumn<qint64>("most");
+    QTest::addColumn<SettingsView::Tab>("tab");
+    QTest::newRow("autoSaveDelay") << qint64(1) << qint64(60) << SettingsView::general;
+    QTest::newRow("tabSize") << qint64(2) << qint64(8) << SettingsView::editor;
+}
+
+void SettingsViewTest::steppersStopAtTheirBounds()
+{
+    QFETCH(qint64, least);
+    QFETCH(qint64, most);
+    QFETCH(SettingsView::Tab, tab);
+    const QString key = QString::fromLatin1(QTest::currentDataTag());
+    Fixture fixture;
+    fixture.view.select(tab);
+    for (int press = 0; press < 70; ++press) {
+        fixture.click(key, u"More"_s);
+    }
+    QCOMPARE(fixture.store.integer(key), std::optional(most));
+    for (int press = 0; press < 70; ++press) {
+        fixture.click(key, u"Less"_s);
+    }
+    QCOMPARE(fixture.store.integer(key), std::optional(least));
+}
+
+void SettingsViewTest::slidersGiveNoFraction()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::editor);
+    QSlider& size = fixture.part<QSlider>(u"fontSize"_s);
+    size.setFocus();
+    QTest::keyClick(&size, Qt::Key_Right);
+    QCOMPARE(fixture.store.real(u"fontSize"_s), std::optional(14.0));
+    QTest::keyClick(&size, Qt::Key_End);
+    QCOMPARE(fixture.store.real(u"fontSize"_s), std::optional(24.0));
+    QTest::keyClick(&size, Qt::Key_Home);
+    QCOMPARE(fixture.store.real(u"fontSize"_s), std::optional(10.0));
+    QSlider& height = fixture.part<QSlider>(u"lineHeight"_s);
+    height.setFocus();
+    QTest::keyClick(&height, Qt::Key_Home);
+    QTest::keyClick(&height, Qt::Key_Right);
+    QTest::keyClick(&height, Qt::Key_Right);
+    QTest::keyClick(&height, Qt::Key_Right);
+    QCOMPARE(fixture.store.real(u"lineHeight"_s), std::optional(1.3));
+    QCOMPARE(fixture.shownText(u"lineHeight"_s), u"Line height: 1.3"_s);
+}
+
+void SettingsViewTest::theFontPickerShowsEachFamilyInItself()
+{
+    Fixture fixture;
+    QComboBox& box = fixture.part<QComboBox>(u"fontFamily"_s);
+    QStringList families;
+    for (int index = 0; index < box.count(); ++index) {
+        families.append(box.itemText(index));
+        const QFont font = box.itemData(index, Qt::FontRole).value<QFont>();
+        QCOMPARE(font.family(), box.itemText(index));
+        QCOMPARE(font.pixelSize(), 13);
+    }
+    QCOMPARE(families, (QStringList{u"SF Mono"_s, u"Menlo"_s, u"Monaco"_s, u"Courier New"_s, u"JetBrains Mono"_s,
+                                    u"Fira Code"_s}));
+    fixture.view.select(SettingsView::editor);
+    box.setFocus();
+    // To choose what stands there already changes nothing.
+    Q_EMIT box.activated(box.currentIndex());
+    QVERIFY(!fixture.store.contains(u"fontFamily"_s));
+    QTest::keyClick(&box, Qt::Key_Down);
+    QCOMPARE(fixture.store.string(u"fontFamily"_s), std::optional(u"Menlo"_s));
+}
+
+void SettingsViewTest::aChangeOfTheStoreIsShown()
+{
+    Fixture fixture;
+    fixture.store.setReal(u"fontSize"_s, 20);
+    fixture.store.setBoolean(u"wordWrap"_s, true);
+    fixture.store.setString(u"fontFamily"_s, u"Monaco"_s);
+    QCOMPARE(fixture.shownText(u"fontSize"_s), u"Font size: 20"_s);
+    QCOMPARE(fixture.part<QSlider>(u"fontSize"_s).value(), 10);
+    QVERIFY(fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
+    QCOMPARE(fixture.part<QComboBox>(u"fontFamily"_s).currentText(), u"Monaco"_s);
+}
+
+void SettingsViewTest::aDamagedFileIsLeftUntilAControlChanges()
+{
+    const QTemporaryDir home;
+    const QString path = home.filePath(u"store.conf"_s);
+    const QByteArray damage = QByteArrayLiteral("\0\xff\xfe[General\nfontSize=@Invalid(\ntabSize");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(damage);
+    file.close();
+    UserDefaults store(path);
+    CapturedLog log;
+    ThemeManager themes({store, log, home.path(), [](Appearance) {}});
+    SettingsView view(store, themes);
+    view.show();
+    store.synchronize();
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), damage);
+    file.close();
+    store.setBoolean(u"wordWrap"_s, true);
+    store.synchronize();
+    const UserDefaults again(path);
+    QCOMPARE(again.boolean(u"wordWrap"_s), std::optional(true));
+}
+
+void SettingsViewTest::sectionsStandInTheirOrder()
+{
+    Fixture fixture;
+    const auto headings = [&fixture](SettingsView::Tab tab) {
+        QStringList titles;
+        for (auto* widget : fixture.view.page(tab)->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            if (qobject_cast<SettingControl*>(widget) == nullptr && !widget->accessibleName().isEmpty()) {
+                titles.append(widget->accessibleName());
+            }
+        }
+        return titles;
+    };
+    QCOMPARE(headings(SettingsView::general), (QStringList{u"Startup"_s, u"Saving"_s, u"Closing"_s}));
+    QCOMPARE(headings(SettingsView::editor), (QStringList{u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}));
+}
+
+void SettingsViewTest::selectingAThemeChangesThePreviewAlone()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::themes);
+    ThemeSettingsView& themes = fixture.themeView();
+    const QString before = fixture.themes.currentTheme().name;
+    QCOMPARE(themes.preview().theme().name, before);
+    QCOMPARE(themes.list().count(), fixture.themes.availableThemes().size());
+    QTest::mouseClick(themes.list().viewport(), Qt::LeftButton, {},
+                      themes.list().visualItemRect(themes.list().item(4)).center());
+    QCOMPARE(themes.preview().theme().name, fixture.themes.availableThemes().at(4).name);
+    QCOMPARE(fixture.themes.currentTheme().name, before);
+    QVERIFY(!fixture.store.contains(u"selectedTheme"_s));
+    QVERIFY(fixture.appearances.isEmpty());
+}
+
+void SettingsViewTest::theKeyboardAloneSelectsNoTheme()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::themes);
+    ThemeSettingsView& themes = fixture.themeView();
+    themes.window()->activateWindow();
+    themes.list().setFocus(Qt::TabFocusReason);
+    QCOMPARE(themes.selectedTheme(), std::nullopt);
+    QCOMPARE(themes.preview().theme().name, fixture.themes.currentTheme().name);
+    themes.list().setCurrentRow(4);
+    QCOMPARE(themes.preview().theme().name, u"GitHub Light"_s);
+    // What is selected no more is not previewed any more.
+    QTest::mouseClick(themes.list().viewport(), Qt::LeftButton, Qt::ControlModifier,
+                      themes.list().visualItemRect(themes.list().item(4)).center());
+    QCOMPARE(themes.selectedTheme(), std::nullopt);
+    QCOMPARE(themes.preview().theme().name, fixture.themes.currentTheme().name);
+}
+
+void SettingsViewTest::applyingSetsSavesAndApplies()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::themes);
+    // Without a selection there is nothing to apply.
+    QTest::mouseClick(&fixture.button(u"Apply Theme"_s), Qt::LeftButton);
+    QVERIFY(fixture.appearances.isEmpty());
+    ThemeSettingsView& themes = fixture.themeView();
+    themes.list().setCurrentRow(4);
+    QTest::mouseClick(&fixture.button(u"Apply Theme"_s), Qt::LeftButton);
+    QCOMPARE(fixture.themes.currentTheme().name, u"GitHub Light"_s);
+    QCOMPARE(fixture.store.string(u"selectedTheme"_s), std::optional(u"GitHub Light"_s));
+    QTRY_COMPARE(fixture.appearances, QList<Appearance>{Appearance::light});
+}
+
+void SettingsViewTest::importAndLearnMoreDoNothing()
+{
+    Fixture fixture;
+    fixture.view.select(SettingsView::themes);
+    QTest::mouseClick(&fixture.button(u"Import Theme..."_s), Qt::LeftButton);
+    fixture.view.select(SettingsView::extensions);
+    QTest::mouseClick(&fixture.button(u"Learn More"_s), Qt::LeftButton);
+    fixture.store.synchronize();
+    QVERIFY(!QFile::exists(fixture.file));
+    QCOMPARE(fixture.themes.availableThemes().size(), 6);
+}
+
+void SettingsViewTest::theListOfKeysIsAsItStands()
+{
+    QStringList lines;
+    for (const KeybindingSection& section : keybindingSections()) {
+        for (const KeybindingRow& row : section.rows) {
+            lines.append(section.title + u'|' + row.action + u'|' + row.shortcut);
+        }
+    }
+    QCOMPARE(
+        lines,
+        (QStringList{u"File|New File|⌘N"_s, u"File|Open File|⌘O"_s, u"File|Save|⌘S"_s, u"File|Save As|⇧⌘S"_s,
+                     u"Edit|Undo|⌘Z"_s, u"Edit|Redo|⇧⌘Z"_s, u"Edit|Find|⌘F"_s, u"Edit|Find and Replace|⌘H"_s,
+                     u"Edit|Toggle Comment|⌘/"_s, u"View|Toggle Sidebar|⌘B"_s, u"View|Toggle Terminal|⌃`"_s,
+                     u"View|Toggle Minimap|⇧⌘M"_s, u"View|Quick Open|⌘P"_s, u"View|Go to Line|⌘G"_s,
+                     u"Run|Run File|⌘R"_s, u"Run|Stop|⌘."_s, u"Format|Format JSON|⇧⌘J"_s, u"Format|Format XML|⇧⌘X"_s}));
+}
+
+void SettingsViewTest::escapeClosesTheWindow()
+{
+    Fixture fixture;
+    QTest::keyClick(&fixture.view, Qt::Key_Escape);
+    QVERIFY(!fixture.view.isVisible());
+}
+
+const kelm::test::Registered<SettingsViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace settings_view_test
+
+#include "settings_view_test.moc"
