@@ -2,6 +2,7 @@
 
 #include "text/view/text_view.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -127,32 +128,59 @@ bool FindBar::eventFilter(QObject* watched, QEvent* event)
     if (watched == &view_ && event->type() == QEvent::Resize) {
         placeOverView();
     }
-    if ((watched == findField_ || watched == replaceField_) && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        const bool isEnter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
-        if (isEnter && watched == replaceField_ && key->modifiers() == Qt::NoModifier) {
-            replaceCurrent();
-            return true;
-        }
-        if (isEnter && key->modifiers().testFlag(Qt::ShiftModifier)) {
-            findPrevious();
-            return true;
-        }
-        if (isEnter) {
-            findNext();
+    if (event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (watched == &view_) {
+            // Further carets go first.
+            if (key.key() == Qt::Key_Escape && isVisible() && view_.editor().selections().all().size() == 1) {
+                close();
+                return true;
+            }
+        } else if (handleFieldKey(watched, key)) {
             return true;
         }
     }
     return QFrame::eventFilter(watched, event);
 }
 
+bool FindBar::handleFieldKey(QObject* field, const QKeyEvent& key)
+{
+    if (key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter) {
+        return false;
+    }
+    if (field == replaceField_ && key.modifiers() == Qt::NoModifier) {
+        replaceCurrent();
+    } else if (key.modifiers().testFlag(Qt::ShiftModifier)) {
+        findPrevious();
+    } else {
+        findNext();
+    }
+    return true;
+}
+
 void FindBar::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape) {
         close();
-        return;
     }
-    QFrame::keyPressEvent(event);
+    // What no control of the bar takes ends here: given on, it would be typed into the text.
+    event->accept();
+}
+
+bool FindBar::focusNextPrevChild(bool next)
+{
+    QWidget* const start = isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : this;
+    QWidget* candidate = start;
+    do {
+        candidate = next ? candidate->nextInFocusChain() : candidate->previousInFocusChain();
+        const bool isStop = isAncestorOf(candidate) && candidate->isVisible() && candidate->isEnabled() &&
+                            (candidate->focusPolicy() & Qt::TabFocus) != 0;
+        if (isStop) {
+            candidate->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    } while (candidate != start);
+    return true;
 }
 
 QToolButton* FindBar::makeButton(const QString& text, const QString& help)

@@ -15,7 +15,8 @@ namespace kelm {
 class TextView;
 
 /// Find and replace over the top of a text view. Typing shows all matches and the one nearest behind the caret without
-/// moving the caret; Enter and Shift-Enter step from match to match and select them; Escape goes back to the text.
+/// moving the caret; Enter and Shift-Enter step from match to match and select them; Escape, in the bar or in the text,
+/// closes it.
 class FindBar final : public QFrame
 {
     Q_OBJECT
@@ -37,6 +38,8 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    /// Tab goes round the bar's fields and buttons: behind the bar is a text in which it would type.
+    bool focusNextPrevChild(bool next) override;
 
 private:
     QToolButton* makeButton(const QString& text, const QString& help);
@@ -50,6 +53,7 @@ private:
     void showState();
     void showHighlights();
     void placeOverView();
+    bool handleFieldKey(QObject* field, const QKeyEvent& key);
 
     TextView& view_;
     SearchEngine engine_;

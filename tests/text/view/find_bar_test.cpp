@@ -91,6 +91,10 @@ private Q_SLOTS:
     void theFirstLineComesOutFromUnderTheBar();
     void aReadOnlyTextIsNotReplaced();
     void onlyMatchesOnScreenAreMarked();
+    void tabGoesRoundTheBar_data();
+    void tabGoesRoundTheBar();
+    void keysOfTheBarsButtonsAreNotTyped();
+    void escapeInTheTextClosesTheBar();
 };
 
 void FindBarTest::openingKeepsTheCaretAndTakesTheKeyboard()
@@ -303,6 +307,61 @@ void FindBarTest::onlyMatchesOnScreenAreMarked()
     QVERIFY(fixture.highlighted().size() < 100);
     QVERIFY(fixture.highlighted().front().location > 100000);
     QCOMPARE(fixture.bar().engine().results().size(), FindSession::describedMatches);
+}
+
+void FindBarTest::tabGoesRoundTheBar_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<bool>("withReplace");
+    QTest::addColumn<int>("stops");
+    QTest::newRow("forward, find") << Qt::Key_Tab << false << 7;
+    QTest::newRow("backward, find") << Qt::Key_Backtab << false << 7;
+    QTest::newRow("forward, replace") << Qt::Key_Tab << true << 10;
+    QTest::newRow("backward, replace") << Qt::Key_Backtab << true << 10;
+}
+
+void FindBarTest::tabGoesRoundTheBar()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(bool, withReplace);
+    QFETCH(int, stops);
+    Fixture fixture(QStringLiteral("one two"));
+    fixture.open(QStringLiteral("one"), withReplace);
+    QSet<QWidget*> seen;
+    while (!seen.contains(QApplication::focusWidget())) {
+        QVERIFY(fixture.bar().isAncestorOf(QApplication::focusWidget()));
+        seen.insert(QApplication::focusWidget());
+        QTest::keyClick(QApplication::focusWidget(), key);
+    }
+    QCOMPARE(seen.size(), stops);
+    QVERIFY(fixture.field("Find")->hasFocus());
+    QCOMPARE(fixture.view.text(), QStringLiteral("one two"));
+}
+
+void FindBarTest::keysOfTheBarsButtonsAreNotTyped()
+{
+    Fixture fixture(QStringLiteral("one two"));
+    fixture.open(QStringLiteral("one"));
+    QToolButton* const button = fixture.button("Whole words");
+    button->setFocus();
+    QTest::keyClicks(button, QStringLiteral("x"));
+    QTest::keyClick(button, Qt::Key_Delete);
+    QTest::keyClick(button, Qt::Key_Return);
+    QCOMPARE(fixture.view.text(), QStringLiteral("one two"));
+    QVERIFY(button->hasFocus());
+}
+
+void FindBarTest::escapeInTheTextClosesTheBar()
+{
+    Fixture fixture(QStringLiteral("one two\nthree"));
+    fixture.open(QStringLiteral("one"));
+    fixture.view.setFocus();
+    fixture.view.editor().setSelections(SelectionSet({Selection::caret({0, false}), Selection::caret({8, false})}));
+    QTest::keyClick(&fixture.view, Qt::Key_Escape);
+    QVERIFY(fixture.bar().isVisible());
+    QTest::keyClick(&fixture.view, Qt::Key_Escape);
+    QVERIFY(!fixture.bar().isVisible());
+    QVERIFY(fixture.view.hasFocus());
 }
 
 const kelm::test::Registered<FindBarTest> registered(kelm::test::Toolkit::widgets);
