@@ -9,6 +9,15 @@ target_compile_options(kelm_options INTERFACE
 target_compile_definitions(kelm_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS
   QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+# A faster linker, where there is one.
+include(CheckLinkerFlag)
+foreach(linker mold lld)
+  check_linker_flag(CXX -fuse-ld=${linker} KELM_HAS_${linker})
+  if(KELM_HAS_${linker})
+    target_link_options(kelm_options INTERFACE -fuse-ld=${linker})
+    break()
+  endif()
+endforeach()
 if(KELM_SANITIZE)
   target_compile_options(kelm_options INTERFACE
     -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer

@@ -3,10 +3,10 @@
 function(kelm_test_room name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
   add_executable(${name}_tests)
-  target_link_libraries(${name}_tests PRIVATE kelm_test_support ${ARG_USES})
-  target_precompile_headers(${name}_tests REUSE_FROM kelm_test_support)
+  target_link_libraries(${name}_tests PRIVATE kelm_test_main ${ARG_USES})
+  target_precompile_headers(${name}_tests REUSE_FROM kelm_test_main)
   set_target_properties(${name}_tests PROPERTIES
-    UNITY_BUILD ${KELM_UNITY}
+    UNITY_BUILD ${KELM_UNITY_TESTS}
     UNITY_BUILD_BATCH_SIZE 5
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
   set(KELM_TEST_ROOM ${name}_tests PARENT_SCOPE)
@@ -99,8 +99,8 @@ function(kelm_fuzz name)
   endif()
 endfunction()
 
-# kelm_batches(target size): with KELM_UNITY, compiles the sources of a folder in batches of so many. Files of two
-# folders never share one, so that names have to differ within a folder alone.
+# kelm_batches(target size): with KELM_UNITY_SOURCES, compiles the sources of a folder in batches of so many. Files of
+# two folders never share one, so that names have to differ within a folder alone.
 function(kelm_batches target size)
   get_target_property(sources ${target} SOURCES)
   get_target_property(base ${target} SOURCE_DIR)
@@ -117,5 +117,5 @@ function(kelm_batches target size)
     math(EXPR count_${folder} "${count_${folder}} + 1")
     set_source_files_properties(${file} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${folder}_${batch})
   endforeach()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${KELM_UNITY} UNITY_BUILD_MODE GROUP)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${KELM_UNITY_SOURCES} UNITY_BUILD_MODE GROUP)
 endfunction()

@@ -33,7 +33,8 @@ def problems_of(name):
 
 
 def main():
-    listing = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True, capture_output=True, text=True)
+    listing = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard"], cwd=ROOT, check=True,
+                             capture_output=True, text=True)
     problems = []
     for name in listing.stdout.splitlines():
         if any(part in name for part in LEFT_OUT) or pathlib.PurePosixPath(name).suffix not in SUFFIXES:

@@ -21,7 +21,8 @@ struct Machine
     {
         QVERIFY(QDir(folder.path()).mkpath(u"bin"_s));
         QVERIFY(QFile::copy(QStringLiteral(KELM_SCRIPT), folder.filePath(u"kelm"_s)));
-        for (const char* name : {"bash", "cat", "dirname", "env", "grep", "mkdir", "rm", "sed", "tail", "uname"}) {
+        for (const char* name : {"bash", "cat", "chmod", "cut", "df", "dirname", "env", "grep", "mkdir", "paste", "rm",
+                                 "sed", "sort", "tail", "uname"}) {
             const QString real = QStandardPaths::findExecutable(QString::fromLatin1(name));
             QVERIFY2(QFile::link(real, folder.filePath(u"bin/"_s + QString::fromLatin1(name))), name);
         }
@@ -52,12 +53,23 @@ struct Machine
         QString lastLine() const { return lines.isEmpty() ? QString() : lines.last(); }
     };
 
-    Outcome run(const QStringList& arguments) const
+    /// Puts a file below the script's folder.
+    void write(const QString& name, const QByteArray& content) const
+    {
+        QVERIFY(QFileInfo(folder.filePath(name)).dir().mkpath(u"."_s));
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+
+    Outcome run(const QStringList& arguments, const QString& display = {}) const
     {
         QProcess process;
         QProcessEnvironment environment;
         environment.insert(u"PATH"_s, folder.filePath(u"bin"_s));
         environment.insert(u"HOME"_s, folder.path());
+        if (!display.isEmpty()) {
+            environment.insert(u"DISPLAY"_s, display);
+        }
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(folder.filePath(u"bin/bash"_s), QStringList{folder.filePath(u"kelm"_s)} + arguments);
@@ -91,6 +103,12 @@ private Q_SLOTS:
     void whatIsThereIsNotInstalled();
     void anotherSystemIsToldWhatIsNeeded();
     void anUnknownCommandShowsTheUsage();
+    void aBuildFolderThatCannotBeWrittenToIsTold();
+    void aFullDiskIsTold();
+    void aDisplayThatDoesNotAnswerIsTold();
+    void namedTestsAloneAreBuiltAndRun_data();
+    void namedTestsAloneAreBuiltAndRun();
+    void aTestThatThereIsNotIsTold();
 };
 
 void KelmScriptTest::failuresEndInOneSentence_data()
@@ -136,7 +154,6 @@ void KelmScriptTest::itTellsWhatItDoes()
 {
     const Machine machine;
     machine.give("cmake", workingCmake);
-    QVERIFY(QFile::link(QStandardPaths::findExecutable(u"chmod"_s), machine.folder.filePath(u"bin/chmod"_s)));
     const Machine::Outcome outcome = machine.run({u"run"_s, u"README.md"_s});
     QCOMPARE(outcome.exitCode, 0);
     const QString text = outcome.lines.join(u'\n');
@@ -153,7 +170,6 @@ void KelmScriptTest::whatIsThereIsNotInstalled()
 {
     const Machine machine;
     machine.give("cmake", workingCmake);
-    QVERIFY(QFile::link(QStandardPaths::findExecutable(u"chmod"_s), machine.folder.filePath(u"bin/chmod"_s)));
     machine.give("dpkg-query", "echo 'install ok installed'");
     machine.give("apt-get", "echo 'not to be asked'; exit 1");
     const Machine::Outcome outcome = machine.run({u"run"_s});
@@ -176,6 +192,94 @@ void KelmScriptTest::anUnknownCommandShowsTheUsage()
     const Machine::Outcome outcome = machine.run({u"fly"_s});
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY(outcome.lines.first().startsWith(u"Usage: ./kelm COMMAND"));
+}
+
+void KelmScriptTest::aBuildFolderThatCannotBeWrittenToIsTold()
+{
+    const Machine machine;
+    machine.give("dpkg-query", "echo 'install ok installed'");
+    machine.write(u"build"_s, "a file in the folder's place");
+    for (const char* command : {"run", "test", "bench"}) {
+        const Machine::Outcome outcome = machine.run({QString::fromLatin1(command)});
+        QCOMPARE(outcome.exitCode, 1);
+        QVERIFY2(outcome.lastLine().contains(u"see to its permissions and its disk, and try again"),
+                 qPrintable(outcome.lines.join(u'\n')));
+    }
+}
+
+void KelmScriptTest::aFullDiskIsTold()
+{
+    const Machine machine;
+    machine.give("cmake", "[ \"$1\" != --build ]");
+    machine.take("df");
+    machine.give(
+        "df", "printf 'Filesystem 1024-blocks Used Available Capacity Mounted\\n/dev/x 100000 99900 100 100%% /\\n'");
+    const Machine::Outcome outcome = machine.run({u"test"_s});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY2(outcome.lastLine().endsWith(u"is full; free some space and try again: the build goes on where it stopped"),
+             qPrintable(outcome.lines.join(u'\n')));
+}
+
+void KelmScriptTest::aDisplayThatDoesNotAnswerIsTold()
+{
+    const Machine machine;
+    machine.give("cmake", "if [ \"$1\" = --build ]; then mkdir -p build/release/bin\n"
+                          "printf '#!/usr/bin/env bash\\nexit 134\\n' >build/release/bin/kelmwright\n"
+                          "chmod +x build/release/bin/kelmwright; fi");
+    const Machine::Outcome outcome = machine.run({u"run"_s}, u":999"_s);
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY2(outcome.lastLine().startsWith(u"kelm: the display :999 could not be used"),
+             qPrintable(outcome.lines.join(u'\n')));
+}
+
+void KelmScriptTest::namedTestsAloneAreBuiltAndRun_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("programs");
+    QTest::addColumn<QString>("selection");
+    QTest::newRow("a class") << QStringList{u"row_test"_s} << u"text_tests"_s << u"-R ^(text/row_test)$"_s;
+    QTest::newRow("a class with its folder, at all its scales")
+        << QStringList{u"text/view/bar_test"_s} << u"text_view_tests"_s
+        << u"-R ^(text/view/bar_test|text/view/bar_test_at_1[.]5)$"_s;
+    QTest::newRow("a folder, and all below it")
+        << QStringList{u"text"_s} << u"text_tests text_view_tests"_s
+        << u"-R ^(text/row_test|text/view/bar_test|text/view/bar_test_at_1[.]5)$"_s;
+    QTest::newRow("two, and what is the test runner's")
+        << QStringList{u"row_test"_s, u"app"_s, u"--repeat"_s, u"until-fail:5"_s} << u"app_tests text_tests"_s
+        << u"-R ^(text/row_test|app/row_table_test)$ --repeat until-fail:5"_s;
+}
+
+void KelmScriptTest::namedTestsAloneAreBuiltAndRun()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, programs);
+    QFETCH(QString, selection);
+    const Machine machine;
+    machine.give("dpkg-query", "echo 'install ok installed'");
+    machine.give("cmake", "echo \"cmake $*\"");
+    machine.give("ctest", "echo \"ctest $*\"");
+    machine.write(u"build/release/build.ninja"_s, {});
+    machine.write(u"build/release/tests/index.txt"_s, "text/row_test text_tests\n"
+                                                      "text/view/bar_test text_view_tests\n"
+                                                      "text/view/bar_test_at_1.5 text_view_tests\n"
+                                                      "app/row_table_test app_tests\n");
+    const Machine::Outcome outcome = machine.run(QStringList{u"test"_s} + arguments);
+    QCOMPARE(outcome.exitCode, 0);
+    QVERIFY2(outcome.lines.contains(u"cmake --build --preset release --target "_s + programs),
+             qPrintable(outcome.lines.join(u'\n')));
+    QCOMPARE(outcome.lastLine(), u"ctest --preset release "_s + selection);
+}
+
+void KelmScriptTest::aTestThatThereIsNotIsTold()
+{
+    const Machine machine;
+    machine.give("dpkg-query", "echo 'install ok installed'");
+    machine.give("cmake", "exit 0");
+    machine.write(u"build/release/build.ninja"_s, {});
+    machine.write(u"build/release/tests/index.txt"_s, "text/row_test text_tests\n");
+    const Machine::Outcome outcome = machine.run({u"test"_s, u"row"_s});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.lastLine(), u"kelm: there is no test and no folder of tests of the name \"row\""_s);
 }
 
 const kelm::test::Registered<KelmScriptTest> registered;

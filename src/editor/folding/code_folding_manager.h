@@ -7,6 +7,7 @@
 #include "editor/folding/line_set.h"
 #include "platform/notification_center.h"
 #include "text/text_range.h"
+#include "text/text_storage.h"
 
 #include <QObject>
 #include <QPointer>
@@ -18,8 +19,6 @@
 #include <vector>
 
 namespace kelm {
-
-class TextStorage;
 
 /// Finds the foldable regions of a text and hides or restores their bodies: the body is cut out of the storage and a
 /// short placeholder put in its place, and unfolding puts it back.
