@@ -1,6 +1,8 @@
 // All menu commands, as data.
 #pragma once
 
+#include "app/command.h"
+
 #include <QKeyCombination>
 #include <QString>
 
@@ -18,6 +20,8 @@ struct MenuItem
     enum class Kind { command, separator, submenu };
 
     Kind kind = Kind::command;
+    /// Which command it is; absent for a line that is made for the moment, such as a recent file's.
+    std::optional<Command> command = std::nullopt;
     QString label = {};
     /// The key, with `Qt::CTRL` for Command, which the toolkit itself maps on macOS.
     std::optional<QKeyCombination> key = std::nullopt;
@@ -53,6 +57,9 @@ struct MenuGroup
 
 /// The program's commands in the order of their groups and lines. The keys are fixed.
 const std::vector<MenuGroup>& commandTable();
+
+/// The line of a command in a table that has it, whatever its labels are and wherever it stands.
+const MenuItem& commandItem(Command command, const std::vector<MenuGroup>& table = commandTable());
 
 /// The lines of "Open Recent": one for each recent file, and then, if there are any, a separator and "Clear Menu".
 std::vector<MenuItem> makeOpenRecentItems(const AppState& appState);

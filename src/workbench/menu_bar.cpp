@@ -18,36 +18,44 @@ namespace {
 /// An item of the standard editing group: it goes to whatever has the keyboard, by the name of its slot.
 struct StandardItem
 {
+    Command command;
     const char* label;
     QKeySequence::StandardKey key;
     const char* slot;
 };
 
-constexpr std::array<StandardItem, 7> editingItems{{
-    {QT_TRANSLATE_NOOP("kelm", "Undo"), QKeySequence::Undo, "undo"},
-    {QT_TRANSLATE_NOOP("kelm", "Redo"), QKeySequence::Redo, "redo"},
-    {nullptr, QKeySequence::UnknownKey, nullptr},
-    {QT_TRANSLATE_NOOP("kelm", "Cut"), QKeySequence::Cut, "cut"},
-    {QT_TRANSLATE_NOOP("kelm", "Copy"), QKeySequence::Copy, "copy"},
-    {QT_TRANSLATE_NOOP("kelm", "Paste"), QKeySequence::Paste, "paste"},
-    {QT_TRANSLATE_NOOP("kelm", "Select All"), QKeySequence::SelectAll, "selectAll"},
+constexpr std::array<StandardItem, 6> editingItems{{
+    {Command::undo, QT_TRANSLATE_NOOP("kelm", "Undo"), QKeySequence::Undo, "undo"},
+    {Command::redo, QT_TRANSLATE_NOOP("kelm", "Redo"), QKeySequence::Redo, "redo"},
+    {Command::cut, QT_TRANSLATE_NOOP("kelm", "Cut"), QKeySequence::Cut, "cut"},
+    {Command::copy, QT_TRANSLATE_NOOP("kelm", "Copy"), QKeySequence::Copy, "copy"},
+    {Command::paste, QT_TRANSLATE_NOOP("kelm", "Paste"), QKeySequence::Paste, "paste"},
+    {Command::selectAll, QT_TRANSLATE_NOOP("kelm", "Select All"), QKeySequence::SelectAll, "selectAll"},
 }};
 
 /// The text view's find bar, on keys that the command table leaves free.
 struct FindItem
 {
+    Command command;
     const char* label;
     QKeyCombination key;
     const char* slot;
 };
 
 constexpr std::array<FindItem, 5> findItems{{
-    {QT_TRANSLATE_NOOP("kelm", "Find in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
-    {QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R, "showReplaceBar"},
-    {QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
-    {QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
-    {QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_F3, "useSelectionForFind"},
+    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
+    {Command::showReplaceBar, QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R,
+     "showReplaceBar"},
+    {Command::findNext, QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
+    {Command::findPrevious, QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
+    {Command::useSelectionForFind, QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_F3,
+     "useSelectionForFind"},
 }};
+
+void identify(QAction& action, Command command)
+{
+    action.setData(int(command));
+}
 
 void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);
 
@@ -79,6 +87,9 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appStat
         case MenuItem::Kind::command: {
             // An ampersand in a file's name is no mnemonic.
             QAction* action = menu.addAction(QString(item.label).replace(u'&', QStringLiteral("&&")));
+            if (item.command) {
+                identify(*action, *item.command);
+            }
             if (item.isEnabled) {
                 const auto update = [action, isEnabled = item.isEnabled] { action->setEnabled(isEnabled()); };
                 update();
@@ -113,6 +124,7 @@ void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<v
 {
     QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
     QAction* about = menu->addAction(QObject::tr("About KelmWright"));
+    identify(*about, Command::about);
     about->setMenuRole(QAction::AboutRole);
     QObject::connect(about, &QAction::triggered, &bar, [&bar] {
         QMessageBox::about(bar.window(), QObject::tr("About KelmWright"),
@@ -122,10 +134,12 @@ void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<v
     addGroups(*menu, MenuPlacement::afterAbout, appState);
     menu->addSeparator();
     QAction* settings = menu->addAction(QObject::tr("Settings…"), &bar, openSettings);
+    identify(*settings, Command::settings);
     settings->setMenuRole(QAction::PreferencesRole);
     settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     menu->addSeparator();
     QAction* quit = menu->addAction(QObject::tr("Quit KelmWright"), &QCoreApplication::quit);
+    identify(*quit, Command::quit);
     quit->setMenuRole(QAction::QuitRole);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
@@ -145,11 +159,11 @@ QList<QKeySequence> keysOf(QKeySequence::StandardKey key)
 void addEditingItems(QMenu& menu)
 {
     for (const StandardItem& item : editingItems) {
-        if (item.label == nullptr) {
+        if (item.command == Command::cut) {
             menu.addSeparator();
-            continue;
         }
         QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
+        identify(*action, item.command);
         action->setShortcuts(keysOf(item.key));
         QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
@@ -157,12 +171,23 @@ void addEditingItems(QMenu& menu)
     QMenu* find = menu.addMenu(QCoreApplication::translate("kelm", "Find"));
     for (const FindItem& item : findItems) {
         QAction* action = find->addAction(QCoreApplication::translate("kelm", item.label));
+        identify(*action, item.command);
         action->setShortcut(QKeySequence(item.key));
         QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
 }
 
 } // namespace
+
+QAction* menuAction(const QMenuBar& bar, Command command)
+{
+    for (QAction* action : bar.findChildren<QAction*>()) {
+        if (action->menu() == nullptr && action->data() == int(command)) {
+            return action;
+        }
+    }
+    return nullptr;
+}
 
 QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent)
 {

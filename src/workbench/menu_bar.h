@@ -2,9 +2,11 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "app/command.h"
 
 #include <functional>
 
+class QAction;
 class QMenuBar;
 class QWidget;
 
@@ -13,5 +15,8 @@ namespace kelm {
 /// A menu bar with the standard menus and, at their places in them, the groups of the command table. What a text view
 /// is composing is put into its text before a command runs. `openSettings` shows the settings window.
 QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent);
+
+/// The action of a command in a bar that was made so.
+QAction* menuAction(const QMenuBar& bar, Command command);
 
 } // namespace kelm

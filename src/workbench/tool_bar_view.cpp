@@ -26,24 +26,6 @@ constexpr int menuIconSize = 12;
 constexpr double gradientOpacity = 0.02;
 constexpr double lineOpacity = 0.15;
 
-/// The action of a command in a submenu of the Edit menu.
-std::function<void(AppState&)> editCommand(const QString& submenu, const QString& label)
-{
-    for (const MenuGroup& group : commandTable()) {
-        for (const MenuItem& menu : group.items) {
-            if (group.menu != u"Edit" || menu.label != submenu) {
-                continue;
-            }
-            for (const MenuItem& item : menu.items) {
-                if (item.label == label) {
-                    return item.action;
-                }
-            }
-        }
-    }
-    return {};
-}
-
 void formatXmlPlainly(AppState& state)
 {
     rewriteCurrentDocument(
@@ -175,17 +157,22 @@ void ToolbarView::fillFormatMenu(QMenu& menu)
             action(appState_);
         });
     };
-    add(menu, u"Format JSON (⇧⌘J)"_s, editCommand(u"Format"_s, u"Format JSON"_s));
+    const auto addCommand = [add](QMenu& target, Command command) {
+        const MenuItem& item = commandItem(command);
+        add(target, item.label, item.action);
+    };
+    add(menu, u"Format JSON (⇧⌘J)"_s, commandItem(Command::formatJson).action);
     // Unlike the menu bar's command this one always goes by the text alone, without a parser.
     add(menu, u"Format XML (⇧⌘X)"_s, formatXmlPlainly);
     menu.addSeparator();
-    for (const QString& label : {u"Sort Lines Ascending"_s, u"Sort Lines Descending"_s}) {
-        add(menu, label, editCommand(u"Format"_s, label));
+    for (const Command command : {Command::sortLinesAscending, Command::sortLinesDescending}) {
+        addCommand(menu, command);
     }
     menu.addSeparator();
     QMenu& transform = *menu.addMenu(u"Transform"_s);
-    for (const QString& label : {u"UPPERCASE"_s, u"lowercase"_s, u"Title Case"_s, u"camelCase"_s, u"snake_case"_s}) {
-        add(transform, label, editCommand(u"Transform"_s, label));
+    for (const Command command : {Command::toUpperCase, Command::toLowerCase, Command::toTitleCase,
+                                  Command::toCamelCase, Command::toSnakeCase}) {
+        addCommand(transform, command);
     }
 }
 

@@ -6,6 +6,8 @@
 #include <QKeySequence>
 #include <QtTest>
 
+#include <numeric>
+
 namespace command_table_test {
 
 using namespace kelm;
@@ -36,28 +38,31 @@ QStringList describe(const std::vector<MenuItem>& items, const AppState& state, 
     return lines;
 }
 
-const MenuItem* findCommand(const std::vector<MenuItem>& items, const QString& label)
+void changeLabels(std::vector<MenuItem>& items)
 {
-    for (const MenuItem& item : items) {
-        if (item.kind == MenuItem::Kind::command && item.label == label) {
-            return &item;
-        }
-        if (const MenuItem* inner = findCommand(item.items, label)) {
-            return inner;
-        }
+    for (MenuItem& item : items) {
+        item.label = u"another label"_s;
+        changeLabels(item.items);
     }
-    return nullptr;
 }
 
-void run(const QString& label, AppState& state)
+/// The table under other labels, by which no behaviour may go.
+const std::vector<MenuGroup>& relabeledTable()
 {
-    for (const MenuGroup& group : commandTable()) {
-        if (const MenuItem* command = findCommand(group.items, label)) {
-            command->action(state);
-            return;
+    static const std::vector<MenuGroup> table = [] {
+        std::vector<MenuGroup> groups = commandTable();
+        for (MenuGroup& group : groups) {
+            group.menu = u"another menu"_s;
+            changeLabels(group.items);
         }
-    }
-    QFAIL(qPrintable(u"no command "_s + label));
+        return groups;
+    }();
+    return table;
+}
+
+void run(Command command, AppState& state)
+{
+    commandItem(command, relabeledTable()).action(state);
 }
 
 } // namespace
@@ -75,6 +80,7 @@ private Q_SLOTS:
     void linesStandInTheirOrder_data();
     void linesStandInTheirOrder();
     void everyCommandHasAnActionAndNoKeyIsTwice();
+    void everyCommandStandsInTheTableOnce();
     void anEmptyListOfRecentFilesIsAnEmptySubmenu();
     void recentFilesHaveTheirNames();
     void aRecentFileOpens();
@@ -187,6 +193,28 @@ void CommandTableTest::everyCommandHasAnActionAndNoKeyIsTwice()
     QCOMPARE(keys.size(), 19);
 }
 
+void CommandTableTest::everyCommandStandsInTheTableOnce()
+{
+    QList<int> commands;
+    const std::function<void(const std::vector<MenuItem>&)> walk = [&](const std::vector<MenuItem>& items) {
+        for (const MenuItem& item : items) {
+            QCOMPARE(item.command.has_value(), item.kind == MenuItem::Kind::command);
+            if (item.command) {
+                commands << int(*item.command);
+                QCOMPARE(&commandItem(*item.command), &item);
+            }
+            walk(item.items);
+        }
+    };
+    for (const MenuGroup& group : commandTable()) {
+        walk(group.items);
+    }
+    std::sort(commands.begin(), commands.end());
+    QList<int> all(int(lastTableCommand) + 1);
+    std::iota(all.begin(), all.end(), 0);
+    QCOMPARE(commands, all);
+}
+
 void CommandTableTest::anEmptyListOfRecentFilesIsAnEmptySubmenu()
 {
     QVERIFY(makeOpenRecentItems(state()).empty());
@@ -221,27 +249,27 @@ void CommandTableTest::clearingTheMenuEmptiesAndStores()
 
 void CommandTableTest::aNewWindowDoesNothing()
 {
-    run(u"New Window"_s, state());
+    run(Command::newWindow, state());
     QVERIFY(state().documents().isEmpty());
     QVERIFY(fixture_->log.written.isEmpty() && fixture_->log.printed.isEmpty());
 }
 
 void CommandTableTest::fileCommandsWork()
 {
-    run(u"New File"_s, state());
+    run(Command::newFile, state());
     QCOMPARE(state().documents().size(), 1);
-    run(u"Open..."_s, state());
+    run(Command::open, state());
     QCOMPARE(fixture_->filePanels.openPanelsShown, 1);
 
     state().currentDocument()->setContent(u"one"_s);
     fixture_->filePanels.saveAnswer = fixture_->url(u"a.txt"_s);
-    run(u"Save"_s, state());
+    run(Command::save, state());
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("one"));
     fixture_->filePanels.saveAnswer = fixture_->url(u"b.txt"_s);
-    run(u"Save As..."_s, state());
+    run(Command::saveAs, state());
     QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("one"));
     state().currentDocument()->setContent(u"two"_s);
-    run(u"Save All"_s, state());
+    run(Command::saveAll, state());
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("one"));
     QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("two"));
     QCOMPARE(fixture_->filePanels.savePanelsShown, 2);
@@ -249,29 +277,29 @@ void CommandTableTest::fileCommandsWork()
 
 void CommandTableTest::cloningShowsItsDialog()
 {
-    run(u"Clone Repository…"_s, state());
+    run(Command::cloneRepository, state());
     QVERIFY(state().showCloneDialog());
-    run(u"Clone Repository…"_s, state());
+    run(Command::cloneRepository, state());
     QVERIFY(state().showCloneDialog());
 }
 
 void CommandTableTest::sortCommandsWork()
 {
-    run(u"Sort Lines Ascending"_s, state());
-    run(u"Sort Lines Descending"_s, state());
+    run(Command::sortLinesAscending, state());
+    run(Command::sortLinesDescending, state());
     fixture_->openTabs({u"b\na"_s});
-    run(u"Sort Lines Ascending"_s, state());
+    run(Command::sortLinesAscending, state());
     QCOMPARE(state().currentDocument()->content(), u"a\nb"_s);
-    run(u"Sort Lines Descending"_s, state());
+    run(Command::sortLinesDescending, state());
     QCOMPARE(state().currentDocument()->content(), u"b\na"_s);
 }
 
 void CommandTableTest::togglesFlip()
 {
     for (const bool isFlipped : {true, false}) {
-        run(u"Toggle Sidebar"_s, state());
-        run(u"Toggle Bottom Panel"_s, state());
-        run(u"Toggle Minimap"_s, state());
+        run(Command::toggleSidebar, state());
+        run(Command::toggleBottomPanel, state());
+        run(Command::toggleMinimap, state());
         QCOMPARE(state().showSidebar(), !isFlipped);
         QCOMPARE(state().showBottomPanel(), isFlipped);
         QCOMPARE(state().showMinimap(), !isFlipped);
@@ -280,10 +308,10 @@ void CommandTableTest::togglesFlip()
 
 void CommandTableTest::runRunsTheCurrentDocument()
 {
-    run(u"Run"_s, state());
+    run(Command::run, state());
     QVERIFY(!state().showBottomPanel());
     state().openSnippet(u"select 1"_s, Language::sql, std::nullopt);
-    run(u"Run"_s, state());
+    run(Command::run, state());
     QVERIFY(state().showBottomPanel());
     QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::output));
     QCOMPARE(state().codeRunner().output(), u"Error: language 'SQL' is not runnable."_s);
@@ -293,35 +321,35 @@ void CommandTableTest::runInTerminalOnlyShowsThePanel()
 {
     state().openSnippet(u"select 1"_s, Language::sql, std::nullopt);
     state().setBottomPanelTab(BottomPanelTab::problems);
-    run(u"Run in Terminal"_s, state());
+    run(Command::runInTerminal, state());
     QVERIFY(state().showBottomPanel());
     QCOMPARE(state().bottomPanelTab(), BottomPanelTab(BottomPanelTab::problems));
     QVERIFY(state().codeRunner().output().isEmpty());
-    run(u"Run in Terminal"_s, state());
+    run(Command::runInTerminal, state());
     QVERIFY(state().showBottomPanel());
 }
 
 void CommandTableTest::findCommandsShowTheirOverlay_data()
 {
-    QTest::addColumn<QString>("label");
+    QTest::addColumn<Command>("command");
     QTest::addColumn<QString>("shown");
     QTest::addColumn<int>("mode");
-    QTest::newRow("find") << u"Find..."_s << u"search"_s << int(SearchMode::find);
-    QTest::newRow("replace") << u"Find and Replace..."_s << u"search"_s << int(SearchMode::replace);
-    QTest::newRow("project") << u"Find in Project..."_s << u"search"_s << int(SearchMode::project);
-    QTest::newRow("file") << u"Go to File..."_s << u"quickOpen"_s << int(SearchMode::replace);
-    QTest::newRow("line") << u"Go to Line..."_s << u"goToLine"_s << int(SearchMode::replace);
+    QTest::newRow("find") << Command::find << u"search"_s << int(SearchMode::find);
+    QTest::newRow("replace") << Command::findAndReplace << u"search"_s << int(SearchMode::replace);
+    QTest::newRow("project") << Command::findInProject << u"search"_s << int(SearchMode::project);
+    QTest::newRow("file") << Command::goToFile << u"quickOpen"_s << int(SearchMode::replace);
+    QTest::newRow("line") << Command::goToLine << u"goToLine"_s << int(SearchMode::replace);
 }
 
 void CommandTableTest::findCommandsShowTheirOverlay()
 {
-    QFETCH(QString, label);
+    QFETCH(Command, command);
     QFETCH(QString, shown);
     QFETCH(int, mode);
     state().setSearchMode(SearchMode::replace);
     // A second call shows what is shown already.
     for (int i = 0; i < 2; ++i) {
-        run(label, state());
+        run(command, state());
         QCOMPARE(state().showSearch(), shown == u"search");
         QCOMPARE(state().showQuickOpen(), shown == u"quickOpen");
         QCOMPARE(state().showGoToLine(), shown == u"goToLine");
@@ -331,23 +359,23 @@ void CommandTableTest::findCommandsShowTheirOverlay()
 
 void CommandTableTest::textCommandsRewriteTheWholeContent_data()
 {
-    QTest::addColumn<QString>("command");
+    QTest::addColumn<Command>("command");
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("after");
-    QTest::newRow("JSON") << u"Format JSON"_s << u"{\"b\":1,\"a\":2}"_s << u"{\n  \"a\" : 2,\n  \"b\" : 1\n}"_s;
-    QTest::newRow("bad JSON stays") << u"Format JSON"_s << u"{,}"_s << u"{,}"_s;
-    QTest::newRow("XML that is not well formed") << u"Format XML"_s << u"<a><b>"_s << u"<a>\n  <b>"_s;
-    QTest::newRow("XML") << u"Format XML"_s << u"<a><b/></a>"_s << u"<a>\n    <b/>\n</a>"_s;
-    QTest::newRow("upper") << u"UPPERCASE"_s << u"straße"_s << u"STRASSE"_s;
-    QTest::newRow("lower") << u"lowercase"_s << u"ÀB"_s << u"àb"_s;
-    QTest::newRow("title") << u"Title Case"_s << u"foo_bar don't"_s << u"Foo_Bar Don't"_s;
-    QTest::newRow("camel") << u"camelCase"_s << u"fooBar baz-qux"_s << u"fooBarBazQux"_s;
-    QTest::newRow("snake") << u"snake_case"_s << u"fooBar baz-qux"_s << u"foo_bar_baz_qux"_s;
+    QTest::newRow("JSON") << Command::formatJson << u"{\"b\":1,\"a\":2}"_s << u"{\n  \"a\" : 2,\n  \"b\" : 1\n}"_s;
+    QTest::newRow("bad JSON stays") << Command::formatJson << u"{,}"_s << u"{,}"_s;
+    QTest::newRow("XML that is not well formed") << Command::formatXml << u"<a><b>"_s << u"<a>\n  <b>"_s;
+    QTest::newRow("XML") << Command::formatXml << u"<a><b/></a>"_s << u"<a>\n    <b/>\n</a>"_s;
+    QTest::newRow("upper") << Command::toUpperCase << u"straße"_s << u"STRASSE"_s;
+    QTest::newRow("lower") << Command::toLowerCase << u"ÀB"_s << u"àb"_s;
+    QTest::newRow("title") << Command::toTitleCase << u"foo_bar don't"_s << u"Foo_Bar Don't"_s;
+    QTest::newRow("camel") << Command::toCamelCase << u"fooBar baz-qux"_s << u"fooBarBazQux"_s;
+    QTest::newRow("snake") << Command::toSnakeCase << u"fooBar baz-qux"_s << u"foo_bar_baz_qux"_s;
 }
 
 void CommandTableTest::textCommandsRewriteTheWholeContent()
 {
-    QFETCH(QString, command);
+    QFETCH(Command, command);
     QFETCH(QString, before);
     QFETCH(QString, after);
     state().createNewTab();
@@ -361,9 +389,9 @@ void CommandTableTest::textCommandsRewriteTheWholeContent()
 
 void CommandTableTest::textCommandsWithoutADocumentDoNothing()
 {
-    for (const char* command :
-         {"Format JSON", "Format XML", "UPPERCASE", "lowercase", "Title Case", "camelCase", "snake_case"}) {
-        run(QString::fromLatin1(command), state());
+    for (const Command command : {Command::formatJson, Command::formatXml, Command::toUpperCase, Command::toLowerCase,
+                                  Command::toTitleCase, Command::toCamelCase, Command::toSnakeCase}) {
+        run(command, state());
     }
     QVERIFY(state().documents().isEmpty());
 }

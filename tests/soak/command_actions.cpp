@@ -4,35 +4,34 @@
 #include "editor/transforms/xml_formatter.h"
 #include "soak/action.h"
 #include "soak/editing.h"
+#include "workbench/menu_bar.h"
 
 #include <QMenuBar>
 
 namespace kelm::soak {
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace {
 
 constexpr qsizetype longestText = 20000;
 
-struct Command
+struct TextCommand
 {
-    QString label;
+    Command command;
     QString (*transform)(const QString& text);
 };
 
-const std::vector<Command>& commands()
+const std::vector<TextCommand>& commands()
 {
-    static const std::vector<Command> table{
-        {u"Format JSON"_s, [](const QString& text) { return JSONFormatter::format(text, 2); }},
-        {u"Format XML"_s, [](const QString& text) { return formatXml(text); }},
-        {u"Sort Lines Ascending"_s, [](const QString& text) { return TextTransformer::sortLines(text, true); }},
-        {u"Sort Lines Descending"_s, [](const QString& text) { return TextTransformer::sortLines(text, false); }},
-        {u"UPPERCASE"_s, TextTransformer::toUpperCase},
-        {u"lowercase"_s, TextTransformer::toLowerCase},
-        {u"Title Case"_s, TextTransformer::toCapitalized},
-        {u"camelCase"_s, TextTransformer::toCamelCase},
-        {u"snake_case"_s, TextTransformer::toSnakeCase},
+    static const std::vector<TextCommand> table{
+        {Command::formatJson, [](const QString& text) { return JSONFormatter::format(text, 2); }},
+        {Command::formatXml, [](const QString& text) { return formatXml(text); }},
+        {Command::sortLinesAscending, [](const QString& text) { return TextTransformer::sortLines(text, true); }},
+        {Command::sortLinesDescending, [](const QString& text) { return TextTransformer::sortLines(text, false); }},
+        {Command::toUpperCase, TextTransformer::toUpperCase},
+        {Command::toLowerCase, TextTransformer::toLowerCase},
+        {Command::toTitleCase, TextTransformer::toCapitalized},
+        {Command::toCamelCase, TextTransformer::toCamelCase},
+        {Command::toSnakeCase, TextTransformer::toSnakeCase},
     };
     return table;
 }
@@ -44,14 +43,11 @@ bool hasShortText(World& world)
 
 void transform(World& world)
 {
-    const Command& command = world.chance.pick(commands());
-    world.note(command.label);
+    const TextCommand& command = world.chance.pick(commands());
+    QAction* const action = menuAction(*world.window.menuBar(), command.command);
+    world.note(action->text());
     const Before before = beforeEdit(world);
-    for (QAction* action : world.window.menuBar()->findChildren<QAction*>()) {
-        if (action->text() == command.label && action->menu() == nullptr) {
-            action->trigger();
-        }
-    }
+    action->trigger();
     expectEdited(world, before, command.transform(before.text));
 }
 

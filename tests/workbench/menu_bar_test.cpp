@@ -53,6 +53,7 @@ private Q_SLOTS:
     void linesReadBackAsTheTableHasThem_data();
     void linesReadBackAsTheTableHasThem();
     void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
+    void everyCommandHasOneAction();
     void openRecentFollowsTheState();
     void anAmpersandInANameIsNoMnemonic();
     void newWindowDoesNothing();
@@ -117,12 +118,27 @@ void MenuBarTest::updatesCanBeLookedForOnlyWhereThereIsAnUpdater()
 {
     // Without an application image there is none.
     WindowFixture fixture;
-    QAction* check = fixture.command(QStringLiteral("Check for Updates…"));
+    QAction* check = fixture.command(Command::checkForUpdates);
     QVERIFY(!check->isEnabled());
     // The menu asks anew each time it opens.
     check->setEnabled(true);
     Q_EMIT menuOf(fixture.window, QStringLiteral("KelmWright"))->aboutToShow();
     QVERIFY(!check->isEnabled());
+}
+
+void MenuBarTest::everyCommandHasOneAction()
+{
+    WindowFixture fixture;
+    QList<int> commands;
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
+        if (action->data().isValid()) {
+            commands.append(action->data().toInt());
+        }
+    }
+    std::sort(commands.begin(), commands.end());
+    QList<int> all(int(lastCommand) + 1);
+    std::iota(all.begin(), all.end(), 0);
+    QCOMPARE(commands, all);
 }
 
 void MenuBarTest::openRecentFollowsTheState()
@@ -163,7 +179,7 @@ void MenuBarTest::anAmpersandInANameIsNoMnemonic()
 void MenuBarTest::newWindowDoesNothing()
 {
     WindowFixture fixture;
-    fixture.command(QStringLiteral("New Window"))->trigger();
+    fixture.command(Command::newWindow)->trigger();
     QVERIFY(fixture.state.documents().isEmpty());
     QVERIFY(fixture.log.written.isEmpty());
     QVERIFY(fixture.log.printed.isEmpty());
@@ -174,7 +190,7 @@ void MenuBarTest::togglesFlipTheState()
     WindowFixture fixture;
     fixture.state.createNewTab();
     QVERIFY(fixture.window.editorArea().currentEditor()->showMinimap());
-    fixture.command(QStringLiteral("Toggle Minimap"))->trigger();
+    fixture.command(Command::toggleMinimap)->trigger();
     fixture.turnQueue();
     QVERIFY(!fixture.state.showMinimap());
     QVERIFY(!fixture.window.editorArea().currentEditor()->showMinimap());
@@ -183,7 +199,7 @@ void MenuBarTest::togglesFlipTheState()
 void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
 {
     WindowFixture fixture;
-    fixture.command(QStringLiteral("Run"))->trigger();
+    fixture.command(Command::run)->trigger();
     QVERIFY(!fixture.state.showBottomPanel());
     fixture.state.openSnippet(QString(), Language::shell, std::nullopt);
     QTest::keyClicks(&fixture.text(), QStringLiteral("echo typed"));
@@ -198,17 +214,17 @@ void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
 void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
 {
     WindowFixture fixture;
-    fixture.command(QStringLiteral("Undo"))->trigger();
+    fixture.command(Command::undo)->trigger();
     fixture.state.createNewTab();
     QTest::keyClicks(&fixture.text(), QStringLiteral("abc"));
-    fixture.command(QStringLiteral("Select All"))->trigger();
+    fixture.command(Command::selectAll)->trigger();
     QCOMPARE(fixture.text().selectedRange(), (TextRange{0, 3}));
-    fixture.command(QStringLiteral("Cut"))->trigger();
+    fixture.command(Command::cut)->trigger();
     QCOMPARE(fixture.text().text(), QString());
-    fixture.command(QStringLiteral("Paste"))->trigger();
-    fixture.command(QStringLiteral("Undo"))->trigger();
+    fixture.command(Command::paste)->trigger();
+    fixture.command(Command::undo)->trigger();
     QCOMPARE(fixture.text().text(), QString());
-    fixture.command(QStringLiteral("Redo"))->trigger();
+    fixture.command(Command::redo)->trigger();
     QCOMPARE(fixture.text().text(), QStringLiteral("abc"));
 }
 
@@ -219,9 +235,9 @@ void MenuBarTest::findCommandsReachTheTextFromItsBar()
     fixture.turnQueue();
     fixture.text().setFocus();
     fixture.text().setSelectedRange({0, 1});
-    fixture.command(QStringLiteral("Find in Text..."))->trigger();
+    fixture.command(Command::showFindBar)->trigger();
     QVERIFY(!fixture.text().hasFocus());
-    fixture.command(QStringLiteral("Find Next"))->trigger();
+    fixture.command(Command::findNext)->trigger();
     QCOMPARE(fixture.text().selectedRange(), (TextRange{4, 1}));
 }
 
@@ -235,7 +251,7 @@ void MenuBarTest::aCompositionIsPutInBeforeACommandRuns()
     QInputMethodEvent composing(QStringLiteral("한"), {});
     QCoreApplication::sendEvent(&fixture.text(), &composing);
     QVERIFY(fixture.text().isComposing());
-    fixture.command(QStringLiteral("Save"))->trigger();
+    fixture.command(Command::save)->trigger();
     QCOMPARE(WindowFixture::read(url), QByteArray("한text"));
     QVERIFY(!fixture.state.currentDocument()->isModified());
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "app/command.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 #include "support/captured_log.h"
@@ -9,6 +10,7 @@
 #include "support/fake_workspace.h"
 #include "workbench/editor_area.h"
 #include "workbench/main_window.h"
+#include "workbench/menu_bar.h"
 
 #include <QFile>
 #include <QMenuBar>
@@ -53,16 +55,8 @@ struct WindowFixture
     TextView& text() { return window.editorArea().currentEditor()->textView(); }
     void turnQueue() { QCoreApplication::processEvents(); }
 
-    /// The command of the built menu bar with a label, in any menu.
-    QAction* command(const QString& label)
-    {
-        for (QAction* action : window.menuBar()->findChildren<QAction*>()) {
-            if (action->text() == label && action->menu() == nullptr) {
-                return action;
-            }
-        }
-        return nullptr;
-    }
+    /// A command of the built menu bar.
+    QAction* command(Command command) { return menuAction(*window.menuBar(), command); }
 };
 
 } // namespace kelm::test

@@ -128,7 +128,7 @@ void WindowPanelsTest::theBottomPanelKeepsItsTabOverClosing()
     QTest::mouseClick(&panel.closeButton(), Qt::LeftButton);
     QVERIFY(!fixture.state.showBottomPanel());
     QVERIFY(!panel.isVisible());
-    fixture.command(u"Toggle Bottom Panel"_s)->trigger();
+    fixture.command(Command::toggleBottomPanel)->trigger();
     QVERIFY(fixture.window.bottomPanel()->isVisible());
     QCOMPARE(fixture.state.bottomPanelTab(), BottomPanelTab(BottomPanelTab::problems));
 }
