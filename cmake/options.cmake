@@ -29,3 +29,7 @@ if(KELM_FUZZ)
   # Lets a fuzz target see which branches its input takes.
   target_compile_options(kelm_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+if(BUILD_SHARED_LIBS)
+  # A room that uses what it does not name is not linked.
+  target_link_options(kelm_options INTERFACE -Wl,-z,defs)
+endif()

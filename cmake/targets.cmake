@@ -1,9 +1,10 @@
-# kelm_test_room(name USES library...): makes <name>_tests, the one program that holds the test classes of this folder
-# and of the folders below it that have no program of their own. It links the libraries.
+# kelm_test_room(name USES room...): makes <name>_tests, the one program that holds the test classes of the folders that
+# are added from here on. It links the rooms, and sees what they see.
 function(kelm_test_room name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
   add_executable(${name}_tests)
-  target_link_libraries(${name}_tests PRIVATE kelm_test_main ${ARG_USES})
+  kelm_rooms(used ${ARG_USES})
+  target_link_libraries(${name}_tests PRIVATE kelm_test_main ${used})
   target_precompile_headers(${name}_tests REUSE_FROM kelm_test_main)
   set_target_properties(${name}_tests PROPERTIES
     UNITY_BUILD ${KELM_UNITY_TESTS}
@@ -67,55 +68,34 @@ function(kelm_add_test name)
   set_property(GLOBAL APPEND_STRING PROPERTY KELM_TEST_INDEX "${folder}/${name} ${ARG_PROGRAM}\n")
 endfunction()
 
-# kelm_bench(name [LIBRARIES lib...]): one Google Benchmark program, bench/<folder>/<name>.cpp.
+# kelm_bench(name [USES room...] [LIBRARIES lib...]): one Google Benchmark program, bench/<folder>/<name>.cpp.
 function(kelm_bench name)
-  cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
-  if(NOT ARG_LIBRARIES)
-    set(ARG_LIBRARIES kelm_core)
-  endif()
+  cmake_parse_arguments(ARG "" "" "USES;LIBRARIES" ${ARGN})
   add_executable(${name} ${name}.cpp)
-  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark)
+  kelm_rooms(used ${ARG_USES})
+  target_link_libraries(${name} PRIVATE kelm_options ${used} ${ARG_LIBRARIES} benchmark::benchmark)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/bench)
   target_compile_definitions(${name} PRIVATE KELM_SOURCE_ROOT="${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bench)
   set_property(GLOBAL APPEND PROPERTY KELM_BENCHES ${name})
 endfunction()
 
-# kelm_fuzz(name): tests/fuzz/<name>_fuzz.cpp, whose `LLVMFuzzerTestOneInput` ends the process when something is wrong.
-# A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as well, which goes on
-# from there with libFuzzer.
+# kelm_fuzz(name USES room...): tests/fuzz/<name>_fuzz.cpp, whose `LLVMFuzzerTestOneInput` ends the process when
+# something is wrong. A test runs it over tests/fuzz/corpus/<name>; with KELM_FUZZ the program <name>_fuzz is built as
+# well, which goes on from there with libFuzzer.
 function(kelm_fuzz name)
+  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  kelm_rooms(used ${ARG_USES})
   add_executable(${name}_corpus_test ${name}_fuzz.cpp corpus_main.cpp)
-  target_link_libraries(${name}_corpus_test PRIVATE kelm_core)
+  target_link_libraries(${name}_corpus_test PRIVATE ${used})
   set_target_properties(${name}_corpus_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests/fuzz)
   kelm_add_test(${name}_corpus_test
     PROGRAM ${name}_corpus_test ARGUMENTS ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name} TIMEOUT 60)
   if(KELM_FUZZ)
     add_executable(${name}_fuzz ${name}_fuzz.cpp)
-    target_link_libraries(${name}_fuzz PRIVATE kelm_core)
+    target_link_libraries(${name}_fuzz PRIVATE ${used})
     target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
     set_target_properties(${name}_fuzz PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
     add_dependencies(kelm_fuzz ${name}_fuzz)
   endif()
-endfunction()
-
-# kelm_batches(target size): with KELM_UNITY_SOURCES, compiles the sources of a folder in batches of so many. Files of
-# two folders never share one, so that names have to differ within a folder alone.
-function(kelm_batches target size)
-  get_target_property(sources ${target} SOURCES)
-  get_target_property(base ${target} SOURCE_DIR)
-  list(FILTER sources INCLUDE REGEX "\\.cpp$")
-  foreach(source IN LISTS sources)
-    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${base} OUTPUT_VARIABLE file)
-    file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${file})
-    cmake_path(GET place PARENT_PATH folder)
-    string(MAKE_C_IDENTIFIER ${folder} folder)
-    if(NOT DEFINED count_${folder})
-      set(count_${folder} 0)
-    endif()
-    math(EXPR batch "${count_${folder}} / ${size}")
-    math(EXPR count_${folder} "${count_${folder}} + 1")
-    set_source_files_properties(${file} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${folder}_${batch})
-  endforeach()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${KELM_UNITY_SOURCES} UNITY_BUILD_MODE GROUP)
 endfunction()

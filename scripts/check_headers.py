@@ -15,13 +15,25 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
-def options(commands):
-    """The options that matter to a header, of the file that links most."""
-    command = next(shlex.split(entry["command"]) for entry in commands if entry["file"].endswith("_tests/mocs.cpp")
-                   and "workbench" in entry["file"])
-    kept = [word for word in command if word.startswith(("-D", "-I", "-std", "-U"))]
-    folders = [word for at, word in enumerate(command) if command[at - 1] == "-isystem"]
-    return kept + [part for folder in folders for part in ("-isystem", folder)]
+def seen_by(target, commands):
+    """The options that matter to a header, of any file of the target; nothing where it has none."""
+    for entry in commands:
+        if f"/{target}.dir/" in entry["command"]:
+            words = shlex.split(entry["command"])
+            folders = [word for at, word in enumerate(words) if words[at - 1] == "-isystem"]
+            kept = [word for word in words if word.startswith(("-D", "-I", "-std", "-U"))]
+            return kept + [part for folder in folders for part in ("-isystem", folder)]
+    return []
+
+
+def options(header, commands):
+    """What the header's own room sees; a header of the tests may see all that the tests of the window see."""
+    folder = header.relative_to(ROOT).parent
+    if folder.parts[0] == "src":
+        found = seen_by("_".join(("kelm", *folder.parts[1:])), commands)
+        if found:
+            return found
+    return seen_by("workbench_view_tests", commands) + seen_by("editor_view_tests", commands) + [f"-I{ROOT}/src"]
 
 
 def compile_alone(header, flags):
@@ -33,11 +45,11 @@ def compile_alone(header, flags):
 
 def main():
     commands = json.loads(pathlib.Path(sys.argv[1]).read_text(encoding="utf-8"))
-    flags = options(commands)
     headers = [ROOT / name for name in sys.argv[2:]]
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        for header, words in zip(headers, workers.map(lambda header: compile_alone(header, flags), headers)):
+        results = workers.map(lambda header: compile_alone(header, options(header, commands)), headers)
+        for header, words in zip(headers, results):
             if words:
                 failed += 1
                 print(f"{header.relative_to(ROOT)} does not compile by itself:\n{words}", file=sys.stderr)

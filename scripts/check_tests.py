@@ -2,7 +2,7 @@
 """Checks that every test stands beside its subject's name, and keeps its helpers to itself.
 
 tests/<folder>/<subject>_test.cpp tests src/<folder>/<subject>.*; a test of one side of a subject is named
-<subject>_<side>_test.cpp. The tests of what stands outside src/ are listed below. The classes of a room are linked into
+<subject>_<side>_test.cpp. The tests of what stands elsewhere are listed below. The classes of a room are linked into
 one program, and compiled in batches, so that equal names of two files would collide or silently become one: all of a
 file stands in a namespace of its name.
 """
@@ -13,11 +13,11 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TESTS, SOURCES = ROOT / "tests", ROOT / "src"
 
-# Tests of what stands outside src/, and where.
+# Tests of what stands outside src/, or in several files, and where.
 ELSEWHERE = {
     "packaging/install_test": "packaging/CMakeLists.txt",
     "packaging/kelm_script_test": "kelm",
-    "packaging/kept_ready_test": "src/CMakeLists.txt",
+    "git/panel/view/row_contents_test": "src/git/panel/view",
 }
 
 

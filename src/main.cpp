@@ -1,11 +1,11 @@
-#include "app/open_events.h"
-#include "platform/application_exit.h"
-#include "platform/main_queue.h"
-#include "platform/single_instance.h"
-#include "platform/view/icons.h"
-#include "platform/view/style.h"
-#include "workbench/kelm_pane_app.h"
-#include "workbench/main_window.h"
+#include "app/state/open_events.h"
+#include "platform/events/main_queue.h"
+#include "platform/events/single_instance.h"
+#include "platform/process/application_exit.h"
+#include "platform/style/view/icons.h"
+#include "platform/style/view/style.h"
+#include "workbench/view/kelm_pane_app.h"
+#include "workbench/view/main_window.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
 // What nearly every view file includes, compiled once. A file still includes what it uses.
 #pragma once
 
-#include "precompiled_core.h"
+#include "precompiled_engines.h"
 
 #include <QAbstractScrollArea>
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "editor/completion/completion_ranking.h"
+#include "editor/kept_ready/completion_ranking.h"
 
 #include <benchmark/benchmark.h>
 

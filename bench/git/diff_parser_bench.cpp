@@ -1,5 +1,5 @@
 // Parsing a large diff: bytes a second, one byte a character.
-#include "git/diff_parser.h"
+#include "git/diff/diff_parser.h"
 
 #include <benchmark/benchmark.h>
 

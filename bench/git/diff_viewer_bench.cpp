@@ -1,7 +1,7 @@
 // A long diff in a window: from its text to the first picture, and a frame of scrolling.
-#include "git/view/diff_list.h"
-#include "git/view/diff_viewer.h"
-#include "platform/view/style.h"
+#include "git/viewer/view/diff_list.h"
+#include "git/viewer/view/diff_viewer.h"
+#include "platform/style/view/style.h"
 
 #include <QApplication>
 #include <QScrollBar>

@@ -1,6 +1,6 @@
 // A refresh of the whole snapshot beside its eight commands run bare, on a repository of 2000 files, 200 branches and
 // 200 tags. The two take turns, so that both see the same machine; what is told is the sum of each and their ratio.
-#include "git/git_service.h"
+#include "git/service/git_service.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,10 +1,10 @@
 // From git's answer to a painted tab of the source control panel: 20,000 changed files, 5,000 branches, 250 commits.
 // Git itself is left out: a runner answers at once with what it would print.
-#include "git/git_service.h"
-#include "git/view/branches_tab.h"
-#include "git/view/changes_tab.h"
-#include "git/view/history_tab.h"
-#include "platform/view/style.h"
+#include "git/panel/view/branches_tab.h"
+#include "git/panel/view/changes_tab.h"
+#include "git/panel/view/history_tab.h"
+#include "git/service/git_service.h"
+#include "platform/style/view/style.h"
 
 #include <QApplication>
 #include <QDir>

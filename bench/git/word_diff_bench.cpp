@@ -1,5 +1,5 @@
 // Word diffs of ordinary and of very long lines.
-#include "git/word_diff.h"
+#include "git/diff/word_diff.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // Reading text files: what strict decoding costs beside the copying of the same bytes.
-#include "platform/atomic_file.h"
-#include "platform/utf8_file.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/utf8_file.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
 // 100 MB of output on its way to the terminal: decoded and parsed chunk by chunk, as it is read from the child.
-#include "platform/utf8_chunk_decoder.h"
+#include "platform/text/utf8_chunk_decoder.h"
 #include "run/ansi_parser.h"
 
 #include <QByteArray>

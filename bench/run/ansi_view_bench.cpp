@@ -1,5 +1,5 @@
 // 100 MB of coloured output from the child's bytes to the terminal's view, and the frames that it is shown in.
-#include "platform/utf8_chunk_decoder.h"
+#include "platform/text/utf8_chunk_decoder.h"
 #include "run/ansi_parser.h"
 #include "run/view/terminal_text_view.h"
 

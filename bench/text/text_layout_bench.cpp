@@ -1,6 +1,6 @@
 // Rows of long texts and long lines, without a widget.
+#include "text/layout/text_layout.h"
 #include "text/source_text.h"
-#include "text/text_layout.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 // Edits and the line index of texts up to a hundred million units.
 #include "text/source_text.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <QStringDecoder>
 

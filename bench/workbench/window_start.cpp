@@ -1,11 +1,11 @@
 // The editor's start, up to its first painted window with the files of the command line.
 #include "editor/view/editor_container_view.h"
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 #include "text/view/text_view.h"
-#include "workbench/editor_area.h"
 #include "workbench/first_paint.h"
-#include "workbench/kelm_pane_app.h"
-#include "workbench/main_window.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/kelm_pane_app.h"
+#include "workbench/view/main_window.h"
 
 #include <QApplication>
 

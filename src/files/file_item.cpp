@@ -1,7 +1,7 @@
 #include "files/file_item.h"
 
-#include "platform/file_url.h"
-#include "platform/string_comparison.h"
+#include "platform/files/file_url.h"
+#include "platform/text/string_comparison.h"
 
 #include <QFile>
 

@@ -1,8 +1,8 @@
 // The entries of a folder.
 #pragma once
 
-#include "platform/file_error.h"
-#include "platform/named_colors.h"
+#include "platform/desktop/named_colors.h"
+#include "platform/files/file_error.h"
 
 #include <QList>
 #include <QString>

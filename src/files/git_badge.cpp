@@ -1,6 +1,6 @@
 #include "files/git_badge.h"
 
-#include "platform/file_url.h"
+#include "platform/files/file_url.h"
 
 #include <algorithm>
 

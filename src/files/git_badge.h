@@ -2,8 +2,8 @@
 #pragma once
 
 #include "files/file_item.h"
-#include "git/file_status_mark.h"
-#include "git/git_records.h"
+#include "git/service/file_status_mark.h"
+#include "git/service/git_records.h"
 
 #include <QHash>
 #include <QList>

@@ -1,6 +1,6 @@
 #include "learning/diagnosis.h"
 
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 
 #include <QStringList>
 

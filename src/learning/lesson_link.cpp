@@ -1,7 +1,7 @@
 #include "learning/lesson_link.h"
 
-#include "platform/decimal_integer.h"
-#include "platform/utf8_file.h"
+#include "platform/files/utf8_file.h"
+#include "platform/text/decimal_integer.h"
 
 #include <QList>
 #include <QUrl>

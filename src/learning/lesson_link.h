@@ -1,7 +1,7 @@
 // The links with which a lesson site hands over code.
 #pragma once
 
-#include "app/language.h"
+#include "app/language/language.h"
 #include "learning/lesson_info.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "maintenance/auto_update_service.h"
 
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
 
 namespace kelm {
 

@@ -1,9 +1,9 @@
 #include "maintenance/uninstall_service.h"
 
 #include "maintenance/application_image.h"
-#include "platform/main_queue.h"
-#include "platform/standard_paths.h"
-#include "platform/user_defaults.h"
+#include "platform/events/main_queue.h"
+#include "platform/files/standard_paths.h"
+#include "platform/files/user_defaults.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

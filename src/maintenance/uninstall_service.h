@@ -1,8 +1,8 @@
 // Removing the program from inside the program.
 #pragma once
 
-#include "platform/alerts.h"
-#include "platform/workspace.h"
+#include "platform/desktop/alerts.h"
+#include "platform/desktop/workspace.h"
 
 #include <QString>
 #include <QUrl>

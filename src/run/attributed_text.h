@@ -1,7 +1,7 @@
 // Text with its colours, as a terminal shows it.
 #pragma once
 
-#include "platform/named_colors.h"
+#include "platform/desktop/named_colors.h"
 
 #include <QRgb>
 #include <QString>

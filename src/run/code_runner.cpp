@@ -1,8 +1,8 @@
 #include "run/code_runner.h"
 
-#include "platform/atomic_file.h"
-#include "platform/file_url.h"
-#include "platform/utf8_file.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/file_url.h"
+#include "platform/files/utf8_file.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,9 +1,9 @@
 // Running a source file with its interpreter.
 #pragma once
 
-#include "app/language.h"
-#include "platform/child_process.h"
-#include "platform/notification_center.h"
+#include "app/language/language.h"
+#include "platform/events/notification_center.h"
+#include "platform/process/child_process.h"
 #include "run/executable_search.h"
 #include "run/runner_table.h"
 

@@ -1,7 +1,7 @@
 #include "run/executable_search.h"
 
-#include "platform/character_sets.h"
-#include "platform/utf8_file.h"
+#include "platform/files/utf8_file.h"
+#include "platform/text/character_sets.h"
 
 #include <QDir>
 #include <QFileInfo>

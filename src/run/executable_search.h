@@ -1,7 +1,7 @@
 // Where interpreters and compilers are found.
 #pragma once
 
-#include "platform/process.h"
+#include "platform/process/process.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,9 +1,9 @@
 #include "run/terminal_session.h"
 
-#include "platform/character_sets.h"
-#include "platform/environment.h"
-#include "platform/file_url.h"
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
+#include "platform/files/file_url.h"
+#include "platform/process/environment.h"
+#include "platform/text/character_sets.h"
 #include "run/ansi_parser.h"
 #include "run/path_completion.h"
 #include "run/path_names.h"

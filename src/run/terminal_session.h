@@ -1,9 +1,9 @@
 // A terminal without a pseudo-terminal: one line, one command.
 #pragma once
 
-#include "platform/child_process.h"
-#include "platform/notification_center.h"
-#include "platform/scheduler.h"
+#include "platform/events/notification_center.h"
+#include "platform/events/scheduler.h"
+#include "platform/process/child_process.h"
 #include "run/terminal_screen.h"
 
 #include <QColor>

@@ -1,8 +1,8 @@
 #include "screenshots/contact_sheet.h"
 
-#include "platform/view/icons.h"
-#include "platform/view/style.h"
-#include "platform/view/tint.h"
+#include "platform/style/view/icons.h"
+#include "platform/style/view/style.h"
+#include "platform/style/view/tint.h"
 
 #include <QPainter>
 

@@ -1,16 +1,16 @@
 // Draws the window's chief states to PNG files: `kelmwright_screenshots FOLDER [NAME …]`. It lives in a home of its
 // own, so that neither the user's settings nor those of the last run show in the pictures.
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 #include "screenshots/contact_sheet.h"
 #include "screenshots/demo_project.h"
 #include "screenshots/shots.h"
 #include "text/view/text_view.h"
-#include "workbench/editor_area.h"
-#include "workbench/kelm_pane_app.h"
-#include "workbench/main_window.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/kelm_pane_app.h"
+#include "workbench/view/main_window.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

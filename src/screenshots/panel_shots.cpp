@@ -1,17 +1,17 @@
 #include "screenshots/panel_shots.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "files/view/file_tree_view.h"
-#include "git/git_service.h"
-#include "git/view/diff_sheet.h"
-#include "git/view/diff_viewer.h"
-#include "git/view/source_control_view.h"
+#include "git/panel/view/source_control_view.h"
+#include "git/service/git_service.h"
+#include "git/viewer/view/diff_sheet.h"
+#include "git/viewer/view/diff_viewer.h"
 #include "run/code_runner.h"
 #include "search/view/project_search_view.h"
 #include "settings/view/settings_view.h"
 #include "settings/view/theme_settings_view.h"
-#include "workbench/main_window.h"
-#include "workbench/sidebar_view.h"
+#include "workbench/view/main_window.h"
+#include "workbench/view/sidebar_view.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

@@ -1,6 +1,6 @@
 #include "screenshots/shots.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
@@ -8,12 +8,12 @@
 #include "screenshots/panel_shots.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
-#include "workbench/document_status.h"
-#include "workbench/editor_area.h"
-#include "workbench/main_window.h"
-#include "workbench/status_bar_items.h"
-#include "workbench/status_bar_view.h"
-#include "workbench/tool_bar_view.h"
+#include "workbench/view/document_status.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/main_window.h"
+#include "workbench/view/status_bar_items.h"
+#include "workbench/view/status_bar_view.h"
+#include "workbench/view/tool_bar_view.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

@@ -1,7 +1,7 @@
 #include "search/project_scan.h"
 
-#include "platform/character_sets.h"
-#include "platform/utf8_file.h"
+#include "platform/files/utf8_file.h"
+#include "platform/text/character_sets.h"
 
 #include <QFile>
 

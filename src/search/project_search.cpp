@@ -1,7 +1,7 @@
 #include "search/project_search.h"
 
-#include "platform/file_url.h"
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
+#include "platform/files/file_url.h"
 #include "search/project_scan.h"
 
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "search/quick_open.h"
 
-#include "platform/file_url.h"
+#include "platform/files/file_url.h"
 #include "search/localized_needle.h"
 
 namespace kelm {

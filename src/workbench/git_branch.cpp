@@ -1,8 +1,8 @@
 #include "workbench/git_branch.h"
 
-#include "platform/character_sets.h"
-#include "platform/file_url.h"
-#include "platform/utf8_file.h"
+#include "platform/files/file_url.h"
+#include "platform/files/utf8_file.h"
+#include "platform/text/character_sets.h"
 
 namespace kelm {
 

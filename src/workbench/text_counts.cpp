@@ -1,7 +1,7 @@
 #include "workbench/text_counts.h"
 
-#include "app/document.h"
-#include "platform/character_sets.h"
+#include "app/document/document.h"
+#include "platform/text/character_sets.h"
 
 #include <QTimerEvent>
 

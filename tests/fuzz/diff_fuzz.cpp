@@ -1,5 +1,5 @@
 // Diffs of any text: the parse keeps every line that it takes, numbers run on, and each hunk makes a patch.
-#include "git/diff_parser.h"
+#include "git/diff/diff_parser.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Any folds and unfolds of any text: taking all back gives the text as it was.
 #include "editor/folding/code_folding_manager.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <cstdint>
 #include <cstdlib>

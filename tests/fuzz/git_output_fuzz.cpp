@@ -1,12 +1,12 @@
 // Any bytes as the output of git: every parser takes what fits and skips the rest.
-#include "git/ahead_behind_parser.h"
-#include "git/blame_parser.h"
-#include "git/branch_parser.h"
-#include "git/log_parser.h"
-#include "git/remote_parser.h"
-#include "git/stash_parser.h"
-#include "git/status_parser.h"
-#include "git/tag_parser.h"
+#include "git/service/ahead_behind_parser.h"
+#include "git/service/blame_parser.h"
+#include "git/service/branch_parser.h"
+#include "git/service/log_parser.h"
+#include "git/service/remote_parser.h"
+#include "git/service/stash_parser.h"
+#include "git/service/status_parser.h"
+#include "git/service/tag_parser.h"
 
 #include <QSet>
 

@@ -1,5 +1,5 @@
 // Two lines of any text: the segments give both lines back, and as many tokens stay on one side as on the other.
-#include "git/word_diff.h"
+#include "git/diff/word_diff.h"
 
 #include <cstdint>
 #include <cstdlib>

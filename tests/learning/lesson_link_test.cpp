@@ -1,4 +1,4 @@
-#include "app/lesson_links.h"
+#include "app/state/lesson_links.h"
 #include "learning/diagnosis.h"
 #include "learning/lesson_link.h"
 #include "support/app_state_fixture.h"

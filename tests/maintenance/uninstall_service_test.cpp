@@ -1,5 +1,5 @@
 #include "maintenance/uninstall_service.h"
-#include "platform/standard_paths.h"
+#include "platform/files/standard_paths.h"
 #include "support/fake_alerts.h"
 #include "support/fake_workspace.h"
 #include "support/test_program.h"

@@ -1,6 +1,6 @@
 #include "soak/calm_points.h"
 
-#include "git/git_service.h"
+#include "git/service/git_service.h"
 #include "run/code_runner.h"
 #include "run/terminal_session.h"
 #include "run/view/terminal_text_view.h"

@@ -4,7 +4,7 @@
 #include "editor/transforms/xml_formatter.h"
 #include "soak/action.h"
 #include "soak/editing.h"
-#include "workbench/menu_bar.h"
+#include "workbench/view/menu_bar.h"
 
 #include <QMenuBar>
 

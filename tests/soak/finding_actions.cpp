@@ -3,7 +3,7 @@
 #include "soak/action.h"
 #include "soak/editing.h"
 #include "text/view/find_bar.h"
-#include "workbench/sidebar_view.h"
+#include "workbench/view/sidebar_view.h"
 
 #include <QLineEdit>
 #include <QToolButton>

@@ -1,7 +1,7 @@
 #include "soak/invariants.h"
 
-#include "workbench/tab_bar_view.h"
-#include "workbench/tab_item_view.h"
+#include "workbench/view/tab_bar_view.h"
+#include "workbench/view/tab_item_view.h"
 
 namespace kelm::soak {
 

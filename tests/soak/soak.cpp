@@ -1,6 +1,6 @@
 // soak [--seed N] [--seconds N] [--steps N] [--calm-every N]: uses the window at random, beside a model that knows what
 // must be seen and what must be on disk. It ends with the first difference, and tells the seed that shows it again.
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 #include "soak/driver.h"
 #include "soak/world.h"
 

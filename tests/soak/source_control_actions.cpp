@@ -1,13 +1,13 @@
 // The source control panel over the project's repository.
-#include "git/git_service.h"
-#include "git/view/commit_composer.h"
-#include "git/view/row_list.h"
-#include "git/view/source_control_view.h"
+#include "git/panel/view/commit_composer.h"
+#include "git/panel/view/source_control_view.h"
+#include "git/service/git_service.h"
 #include "platform/view/plain_button.h"
+#include "platform/view/row_list.h"
 #include "soak/action.h"
 #include "soak/git_model.h"
-#include "workbench/controls.h"
-#include "workbench/sidebar_view.h"
+#include "workbench/view/controls.h"
+#include "workbench/view/sidebar_view.h"
 
 #include <QDialog>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 // Opening, choosing and closing tabs.
-#include "app/lesson_links.h"
-#include "app/open_events.h"
+#include "app/state/lesson_links.h"
+#include "app/state/open_events.h"
 #include "files/view/file_tree_view.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
@@ -8,9 +8,9 @@
 #include "search/view/quick_open_view.h"
 #include "soak/action.h"
 #include "soak/files_on_disk.h"
-#include "workbench/sidebar_view.h"
-#include "workbench/tab_bar_view.h"
-#include "workbench/tab_item_view.h"
+#include "workbench/view/sidebar_view.h"
+#include "workbench/view/tab_bar_view.h"
+#include "workbench/view/tab_item_view.h"
 
 #include <QLineEdit>
 #include <QListView>

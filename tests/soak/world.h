@@ -1,7 +1,7 @@
 // The window, all that surrounds it, and the models beside it.
 #pragma once
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 #include "soak/chance.h"
@@ -11,8 +11,8 @@
 #include "support/fake_file_panels.h"
 #include "support/fake_workspace.h"
 #include "support/temporary_repository.h"
-#include "workbench/editor_area.h"
-#include "workbench/main_window.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/main_window.h"
 
 #include <QTemporaryDir>
 

@@ -1,7 +1,7 @@
 // An application state in a temporary folder, with everything around it faked.
 #pragma once
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
 

@@ -1,7 +1,7 @@
 // A log that tests read back.
 #pragma once
 
-#include "platform/log.h"
+#include "platform/process/log.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 // Diffs for tests.
 #pragma once
 
-#include "git/diff_parser.h"
+#include "git/diff/diff_parser.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 // Alerts that answer what a test tells them.
 #pragma once
 
-#include "platform/alerts.h"
+#include "platform/desktop/alerts.h"
 
 #include <QList>
 

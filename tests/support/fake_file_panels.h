@@ -1,7 +1,7 @@
 // File panels that answer what a test tells them.
 #pragma once
 
-#include "platform/file_panels.h"
+#include "platform/desktop/file_panels.h"
 
 #include <functional>
 

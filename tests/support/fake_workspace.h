@@ -1,7 +1,7 @@
 // A desktop that only takes notes.
 #pragma once
 
-#include "platform/workspace.h"
+#include "platform/desktop/workspace.h"
 
 #include <QHash>
 #include <QList>

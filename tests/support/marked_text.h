@@ -1,7 +1,7 @@
 // Texts with their carets and selections, written into them: "|" stands for a caret and "[" "]" for a selection.
 #pragma once
 
-#include "text/selection.h"
+#include "text/editing/selection.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 // Looking at what is painted.
 #pragma once
 
-#include "platform/view/icons.h"
+#include "platform/style/view/icons.h"
 
 #include <QColor>
 #include <QImage>

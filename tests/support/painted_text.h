@@ -1,7 +1,7 @@
 // Looking for text in what was painted.
 #pragma once
 
-#include "platform/view/tint.h"
+#include "platform/style/view/tint.h"
 #include "support/painted.h"
 
 #include <QFont>

@@ -1,7 +1,7 @@
 // What a test program does when it starts itself as a child: no shell and no tool of the system is needed.
 #pragma once
 
-#include "platform/process.h"
+#include "platform/process/process.h"
 
 #include <QCoreApplication>
 #include <QStringList>

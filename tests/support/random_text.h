@@ -2,7 +2,7 @@
 // again with KELM_TEST_SEED.
 #pragma once
 
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QString>
 #include <QtTest>

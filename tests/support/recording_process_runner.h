@@ -1,7 +1,7 @@
 // A process runner that writes down what it is asked to run and answers without starting anything.
 #pragma once
 
-#include "platform/process.h"
+#include "platform/process/process.h"
 
 #include <QList>
 

@@ -1,7 +1,7 @@
 // Real repositories, made on the spot and independent of the user's settings and clock.
 #pragma once
 
-#include "platform/process.h"
+#include "platform/process/process.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "app/document.h"
+#include "app/document/document.h"
 #include "support/test_program.h"
 #include "workbench/text_counts.h"
 

@@ -1,7 +1,7 @@
 // What the panes of an editor cost on the main thread: a key with the document bound, and the painting of gutter and
 // minimap beside a text of 300,000 lines.
 #include "editor/view/kelm_editor_view.h"
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 
 #include <QApplication>
 #include <QPixmap>

@@ -1,7 +1,7 @@
 #include "editor/folding/code_folding_manager.h"
 
 #include "editor/folding/fold_scans.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,13 +1,13 @@
 // Folds the bodies of regions away and brings them back.
 #pragma once
 
-#include "app/language.h"
+#include "app/language/language.h"
 #include "editor/folding/fold_journal.h"
 #include "editor/folding/foldable_region.h"
 #include "editor/folding/line_set.h"
-#include "platform/notification_center.h"
-#include "text/text_range.h"
-#include "text/text_storage.h"
+#include "platform/events/notification_center.h"
+#include "text/storage/text_range.h"
+#include "text/storage/text_storage.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,7 +1,7 @@
 // What folding has replaced in a text, so that all of it can be put back.
 #pragma once
 
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 // One rule of the highlighter.
 #pragma once
 
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 
 #include <QColor>
 #include <QString>

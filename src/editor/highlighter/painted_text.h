@@ -1,7 +1,7 @@
 // The colours of a text while rules paint it.
 #pragma once
 
-#include "text/color_runs.h"
+#include "text/storage/color_runs.h"
 
 #include <QRgb>
 

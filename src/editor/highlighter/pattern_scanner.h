@@ -5,7 +5,7 @@
 #include "editor/highlighter/markdown_scanners.h"
 #include "editor/highlighter/span_scanners.h"
 #include "editor/highlighter/word_scanners.h"
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 
 #include <QStringView>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editor/highlighter/highlight_rule.h"
-#include "text/color_runs.h"
+#include "text/storage/color_runs.h"
 
 #include <QRgb>
 #include <QStringView>

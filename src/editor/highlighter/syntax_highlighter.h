@@ -1,10 +1,10 @@
 // Colours the text of an editor.
 #pragma once
 
-#include "app/language.h"
+#include "app/language/language.h"
 #include "editor/highlighter/rule_lists.h"
 #include "editor/themes/editor_theme.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "editor/minimap/minimap_bars.h"
 
-#include "text/text_boundaries.h"
+#include "text/boundaries/text_boundaries.h"
 
 #include <QRectF>
 

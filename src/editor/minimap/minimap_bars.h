@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editor/themes/editor_theme.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <QColor>
 #include <QStringView>

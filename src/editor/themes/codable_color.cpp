@@ -1,7 +1,7 @@
 #include "editor/themes/codable_color.h"
 
-#include "platform/character_sets.h"
-#include "platform/hexadecimal_scanner.h"
+#include "platform/text/character_sets.h"
+#include "platform/text/hexadecimal_scanner.h"
 
 #include <algorithm>
 

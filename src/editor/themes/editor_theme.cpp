@@ -1,6 +1,6 @@
 #include "editor/themes/editor_theme.h"
 
-#include "platform/strict_json.h"
+#include "platform/text/strict_json.h"
 
 #include <QJsonDocument>
 

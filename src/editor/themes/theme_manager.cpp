@@ -1,8 +1,8 @@
 #include "editor/themes/theme_manager.h"
 
-#include "platform/main_queue.h"
-#include "platform/open_file.h"
-#include "platform/standard_paths.h"
+#include "platform/events/main_queue.h"
+#include "platform/files/open_file.h"
+#include "platform/files/standard_paths.h"
 
 #include <QFile>
 #include <QSet>

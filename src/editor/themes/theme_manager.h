@@ -2,9 +2,9 @@
 #pragma once
 
 #include "editor/themes/editor_theme.h"
-#include "platform/appearance.h"
-#include "platform/log.h"
-#include "platform/user_defaults.h"
+#include "platform/desktop/appearance.h"
+#include "platform/files/user_defaults.h"
+#include "platform/process/log.h"
 
 #include <QList>
 #include <QObject>

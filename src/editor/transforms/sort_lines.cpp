@@ -1,6 +1,6 @@
 #include "editor/transforms/text_transformer.h"
-#include "platform/character_sets.h"
-#include "platform/string_comparison.h"
+#include "platform/text/character_sets.h"
+#include "platform/text/string_comparison.h"
 
 #include <algorithm>
 #include <vector>

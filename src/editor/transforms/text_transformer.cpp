@@ -1,7 +1,7 @@
 #include "editor/transforms/text_transformer.h"
 
 #include "editor/transforms/capitalized_form.h"
-#include "platform/character_sets.h"
+#include "platform/text/character_sets.h"
 
 #include <unicode/ustring.h>
 

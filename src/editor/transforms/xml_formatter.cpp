@@ -4,7 +4,7 @@
 #include "editor/transforms/xml_markup.h"
 #include "editor/transforms/xml_outline.h"
 #include "editor/transforms/xml_well_formed.h"
-#include "platform/character_sets.h"
+#include "platform/text/character_sets.h"
 
 namespace kelm {
 namespace {

@@ -1,8 +1,8 @@
 #include "editor/view/editor_container_view.h"
 
 #include "editor/view/editor_text.h"
-#include "platform/main_queue.h"
-#include "text/text_position.h"
+#include "platform/events/main_queue.h"
+#include "text/storage/text_position.h"
 
 #include <QResizeEvent>
 #include <QScopedValueRollback>

@@ -1,14 +1,14 @@
 // The editing surface of one document.
 #pragma once
 
-#include "app/language.h"
+#include "app/language/language.h"
 #include "editor/folding/code_folding_manager.h"
 #include "editor/highlighter/syntax_highlighter.h"
+#include "editor/minimap/view/editor_minimap_view.h"
 #include "editor/themes/editor_theme.h"
-#include "editor/view/editor_minimap_view.h"
 #include "editor/view/simple_line_number_view.h"
-#include "platform/notification_center.h"
-#include "platform/scheduler.h"
+#include "platform/events/notification_center.h"
+#include "platform/events/scheduler.h"
 #include "text/view/text_view.h"
 
 #include <QWidget>

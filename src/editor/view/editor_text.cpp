@@ -1,8 +1,8 @@
 #include "editor/view/editor_text.h"
 
 #include "editor/themes/editor_theme.h"
-#include "platform/named_colors.h"
-#include "platform/view/style.h"
+#include "platform/desktop/named_colors.h"
+#include "platform/style/view/style.h"
 #include "text/view/text_view.h"
 
 namespace kelm {

@@ -1,6 +1,6 @@
 #include "editor/view/kelm_editor_view.h"
 
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
 
 #include <utility>
 

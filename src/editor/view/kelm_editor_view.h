@@ -1,7 +1,7 @@
 // Binds a document to its editing surface.
 #pragma once
 
-#include "app/document.h"
+#include "app/document/document.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 

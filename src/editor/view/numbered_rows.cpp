@@ -1,6 +1,6 @@
 #include "editor/view/numbered_rows.h"
 
-#include "text/text_position.h"
+#include "text/storage/text_position.h"
 #include "text/view/text_view.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "editor/view/simple_line_number_view.h"
 
 #include "editor/view/numbered_rows.h"
-#include "platform/named_colors.h"
-#include "platform/view/style.h"
+#include "platform/desktop/named_colors.h"
+#include "platform/style/view/style.h"
 
 #include <QFontMetricsF>
 #include <QMouseEvent>

@@ -1,9 +1,9 @@
 #include "files/view/file_item_row.h"
 
 #include "files/view/file_tree_model.h"
-#include "platform/view/icons.h"
-#include "platform/view/style.h"
-#include "platform/view/tint.h"
+#include "platform/style/view/icons.h"
+#include "platform/style/view/style.h"
+#include "platform/style/view/tint.h"
 
 #include <QPainter>
 

@@ -1,9 +1,9 @@
 #include "files/view/file_tree_view.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "files/view/file_item_row.h"
-#include "git/git_service.h"
-#include "platform/file_url.h"
+#include "git/service/git_service.h"
+#include "platform/files/file_url.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"

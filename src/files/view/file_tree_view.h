@@ -2,7 +2,7 @@
 #pragma once
 
 #include "files/view/file_tree_model.h"
-#include "platform/file_panels.h"
+#include "platform/desktop/file_panels.h"
 
 #include <QWidget>
 

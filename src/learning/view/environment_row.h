@@ -1,7 +1,7 @@
 // One environment variable that a lesson needs.
 #pragma once
 
-#include "platform/scheduler.h"
+#include "platform/events/scheduler.h"
 
 #include <QWidget>
 

@@ -3,8 +3,8 @@
 
 #include "learning/diagnosis.h"
 #include "learning/lesson_info.h"
-#include "platform/scheduler.h"
-#include "platform/workspace.h"
+#include "platform/desktop/workspace.h"
+#include "platform/events/scheduler.h"
 
 #include <QHash>
 #include <QTimer>

@@ -1,6 +1,6 @@
 #include "platform/view/divider.h"
 
-#include "platform/view/tint.h"
+#include "platform/style/view/tint.h"
 
 #include <QPainter>
 

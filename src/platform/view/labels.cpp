@@ -1,7 +1,7 @@
 #include "platform/view/labels.h"
 
+#include "platform/style/view/icons.h"
 #include "platform/view/accessible_role.h"
-#include "platform/view/icons.h"
 #include "platform/view/plain_help.h"
 
 #include <QEvent>

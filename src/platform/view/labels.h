@@ -1,7 +1,7 @@
 // Text and symbols that only show.
 #pragma once
 
-#include "platform/view/tint.h"
+#include "platform/style/view/tint.h"
 
 #include <QLabel>
 

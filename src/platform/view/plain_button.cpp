@@ -1,6 +1,6 @@
 #include "platform/view/plain_button.h"
 
-#include "platform/view/icons.h"
+#include "platform/style/view/icons.h"
 #include "platform/view/plain_help.h"
 
 #include <QAccessible>

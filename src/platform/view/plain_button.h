@@ -1,8 +1,8 @@
 // The one button of strips, bars and rows.
 #pragma once
 
-#include "platform/view/style.h"
-#include "platform/view/tint.h"
+#include "platform/style/view/style.h"
+#include "platform/style/view/tint.h"
 
 #include <QAbstractButton>
 #include <QMargins>

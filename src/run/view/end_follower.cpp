@@ -1,6 +1,6 @@
 #include "run/view/end_follower.h"
 
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
 #include "text/view/text_view.h"
 
 #include <QKeyEvent>

@@ -1,7 +1,7 @@
 // Keeping the end of a growing text in sight.
 #pragma once
 
-#include "text/selection.h"
+#include "text/editing/selection.h"
 
 #include <QObject>
 

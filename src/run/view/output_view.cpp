@@ -1,8 +1,8 @@
 #include "run/view/output_view.h"
 
 #include "editor/themes/theme_manager.h"
-#include "platform/main_queue.h"
-#include "platform/view/style.h"
+#include "platform/events/main_queue.h"
+#include "platform/style/view/style.h"
 #include "run/view/end_follower.h"
 #include "text/view/text_view.h"
 

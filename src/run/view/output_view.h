@@ -1,7 +1,7 @@
 // The output page of the bottom panel.
 #pragma once
 
-#include "platform/notification_center.h"
+#include "platform/events/notification_center.h"
 
 #include <QLatin1String>
 #include <QVariantAnimation>

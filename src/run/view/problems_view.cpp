@@ -1,8 +1,8 @@
 #include "run/view/problems_view.h"
 
 #include "editor/themes/theme_manager.h"
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 
 #include <QPainter>
 #include <QVBoxLayout>

@@ -1,7 +1,7 @@
 #include "run/view/terminal_text_view.h"
 
-#include "platform/character_sets.h"
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
+#include "platform/text/character_sets.h"
 #include "run/ansi_parser.h"
 #include "text/view/text_view_keys.h"
 

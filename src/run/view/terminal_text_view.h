@@ -4,7 +4,7 @@
 #include "run/terminal_screen.h"
 #include "run/terminal_session.h"
 #include "run/view/end_follower.h"
-#include "text/grapheme_counter.h"
+#include "text/boundaries/grapheme_counter.h"
 #include "text/view/text_view.h"
 
 #include <QPointer>

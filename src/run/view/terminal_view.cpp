@@ -1,7 +1,7 @@
 #include "run/view/terminal_view.h"
 
-#include "app/app_state.h"
-#include "platform/named_colors.h"
+#include "app/state/app_state.h"
+#include "platform/desktop/named_colors.h"
 #include "run/view/terminal_text_view.h"
 
 #include <QVBoxLayout>

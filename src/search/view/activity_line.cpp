@@ -1,6 +1,6 @@
 #include "search/view/activity_line.h"
 
-#include "platform/view/tint.h"
+#include "platform/style/view/tint.h"
 
 #include <QPainter>
 

@@ -1,10 +1,10 @@
 #include "search/view/go_to_line_view.h"
 
-#include "app/app_state.h"
-#include "platform/decimal_integer.h"
-#include "platform/log.h"
+#include "app/state/app_state.h"
+#include "platform/process/log.h"
+#include "platform/style/view/style.h"
+#include "platform/text/decimal_integer.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>

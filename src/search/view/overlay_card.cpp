@@ -1,6 +1,6 @@
 #include "search/view/overlay_card.h"
 
-#include "platform/view/tint.h"
+#include "platform/style/view/tint.h"
 
 #include <QPainter>
 

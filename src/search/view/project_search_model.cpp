@@ -1,8 +1,8 @@
 #include "search/view/project_search_model.h"
 
+#include "platform/style/view/style.h"
+#include "platform/style/view/tint.h"
 #include "platform/view/plain_help.h"
-#include "platform/view/style.h"
-#include "platform/view/tint.h"
 
 #include <QPainter>
 

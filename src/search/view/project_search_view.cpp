@@ -1,8 +1,8 @@
 #include "search/view/project_search_view.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 #include "search/view/activity_line.h"
 #include "search/view/project_search_model.h"
 

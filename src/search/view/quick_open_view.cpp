@@ -1,9 +1,9 @@
 #include "search/view/quick_open_view.h"
 
-#include "app/app_state.h"
-#include "platform/file_url.h"
+#include "app/state/app_state.h"
+#include "platform/files/file_url.h"
+#include "platform/style/view/icons.h"
 #include "platform/view/divider.h"
-#include "platform/view/icons.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
 #include "search/quick_open.h"

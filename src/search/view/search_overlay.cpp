@@ -1,6 +1,6 @@
 #include "search/view/search_overlay.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 

@@ -1,7 +1,7 @@
 #include "settings/view/keybindings_view.h"
 
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>

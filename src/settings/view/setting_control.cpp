@@ -1,8 +1,8 @@
 #include "settings/view/setting_control.h"
 
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
-#include "platform/view/style.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,8 +1,8 @@
 // The control of one setting.
 #pragma once
 
-#include "app/settings_table.h"
-#include "platform/user_defaults.h"
+#include "platform/files/user_defaults.h"
+#include "settings/settings_table.h"
 
 #include <QWidget>
 

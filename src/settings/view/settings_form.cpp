@@ -1,8 +1,8 @@
 #include "settings/view/settings_form.h"
 
-#include "app/settings_table.h"
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
+#include "settings/settings_table.h"
 #include "settings/view/setting_control.h"
 
 #include <QVBoxLayout>

@@ -1,7 +1,7 @@
 // A tab of settings in sections.
 #pragma once
 
-#include "platform/user_defaults.h"
+#include "platform/files/user_defaults.h"
 
 #include <QStringList>
 #include <QWidget>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editor/themes/theme_manager.h"
-#include "platform/user_defaults.h"
+#include "platform/files/user_defaults.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "settings/view/theme_preview.h"
 
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 
 #include <QPainter>
 #include <QPainterPath>

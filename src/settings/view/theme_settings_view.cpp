@@ -1,6 +1,6 @@
 #include "settings/view/theme_settings_view.h"
 
-#include "platform/view/icons.h"
+#include "platform/style/view/icons.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/theme_preview.h"

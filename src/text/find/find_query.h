@@ -1,9 +1,9 @@
 // What a person looks for in a text.
 #pragma once
 
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 #include "text/find/literal_search.h"
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QString>
 #include <QStringView>

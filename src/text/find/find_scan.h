@@ -2,7 +2,7 @@
 #pragma once
 
 #include "text/find/find_query.h"
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QStringView>
 

@@ -1,6 +1,6 @@
 #include "text/find/literal_search.h"
 
-#include "text/find/word_boundary.h"
+#include "text/boundaries/word_boundary.h"
 
 #include <unicode/uchar.h>
 

@@ -1,7 +1,7 @@
 // Finds a text within a text.
 #pragma once
 
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QString>
 #include <QStringView>

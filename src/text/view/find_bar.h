@@ -1,8 +1,8 @@
 // The find bar of a text view.
 #pragma once
 
-#include "search/find_session.h"
-#include "search/search_engine.h"
+#include "text/find/find_session.h"
+#include "text/find/search_engine.h"
 
 #include <QFrame>
 

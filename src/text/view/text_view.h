@@ -1,9 +1,9 @@
 // The widget that shows and edits a text.
 #pragma once
 
-#include "text/text_editor.h"
-#include "text/text_layout.h"
-#include "text/text_storage.h"
+#include "text/editing/text_editor.h"
+#include "text/layout/text_layout.h"
+#include "text/storage/text_storage.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>

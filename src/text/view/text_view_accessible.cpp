@@ -1,6 +1,6 @@
 #include "text/view/text_view_accessible.h"
 
-#include "text/text_boundaries.h"
+#include "text/boundaries/text_boundaries.h"
 #include "text/view/text_view.h"
 
 #include <QAccessibleEditableTextInterface>

@@ -1,7 +1,7 @@
 // A text view for screen readers.
 #pragma once
 
-#include "text/text_range.h"
+#include "text/storage/text_range.h"
 
 #include <QAccessible>
 

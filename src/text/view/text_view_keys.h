@@ -1,7 +1,7 @@
 // The editing keys of a text view.
 #pragma once
 
-#include "text/text_editor.h"
+#include "text/editing/text_editor.h"
 #include "text/view/text_view.h"
 
 #include <QKeySequence>

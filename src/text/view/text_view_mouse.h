@@ -1,8 +1,8 @@
 // Mouse, drag and drop of a text view.
 #pragma once
 
-#include "text/selection.h"
-#include "text/text_range.h"
+#include "text/editing/selection.h"
+#include "text/storage/text_range.h"
 
 #include <QBasicTimer>
 #include <QObject>

@@ -1,5 +1,5 @@
 // What of the page a text view shows: scrolling, and staying at the same text when rows, width or font change.
-#include "platform/main_queue.h"
+#include "platform/events/main_queue.h"
 #include "text/view/text_view.h"
 
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "editor/folding/code_folding_manager.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
-#include "text/text_storage.h"
+#include "text/storage/text_storage.h"
 
 #include <QSignalSpy>
 #include <QtTest>

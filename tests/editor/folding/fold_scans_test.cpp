@@ -1,7 +1,7 @@
 #include "editor/folding/fold_scans.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
-#include "text/line_index.h"
+#include "text/storage/line_index.h"
 
 #include <QtTest>
 

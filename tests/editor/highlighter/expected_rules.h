@@ -1,9 +1,9 @@
 // The highlighter's rules as they must be, with every pattern written out: what the tests compare with.
 #pragma once
 
-#include "app/language.h"
+#include "app/language/language.h"
 #include "editor/themes/editor_theme.h"
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "editor/highlighter/character_classes.h"
 #include "editor/highlighter/word_boundaries.h"
-#include "platform/regular_expression.h"
+#include "platform/text/regular_expression.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 

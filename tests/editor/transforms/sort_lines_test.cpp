@@ -1,5 +1,5 @@
 #include "editor/transforms/text_transformer.h"
-#include "platform/string_comparison.h"
+#include "platform/text/string_comparison.h"
 #include "support/test_program.h"
 
 #include <QRandomGenerator>

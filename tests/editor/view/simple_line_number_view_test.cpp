@@ -1,6 +1,6 @@
 #include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 #include "support/test_program.h"
 
 #include <QtTest>

@@ -1,5 +1,5 @@
 #include "files/view/file_tree_view.h"
-#include "git/git_service.h"
+#include "git/service/git_service.h"
 #include "platform/view/plain_button.h"
 #include "support/app_state_fixture.h"
 #include "support/temporary_repository.h"

@@ -1,5 +1,5 @@
 #include "learning/view/learning_mode_side_panel.h"
-#include "platform/notification_center.h"
+#include "platform/events/notification_center.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 #include "support/fake_workspace.h"

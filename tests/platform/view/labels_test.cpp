@@ -1,5 +1,5 @@
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 #include "support/test_program.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "editor/themes/theme_manager.h"
+#include "platform/style/view/style.h"
 #include "platform/view/labels.h"
-#include "platform/view/style.h"
 #include "run/view/problems_view.h"
 #include "support/captured_log.h"
 #include "support/painted.h"

@@ -1,7 +1,7 @@
 // A terminal page in a window, with a home and a clock of its own.
 #pragma once
 
-#include "platform/view/style.h"
+#include "platform/style/view/style.h"
 #include "run/view/terminal_text_view.h"
 #include "run/view/terminal_view.h"
 #include "support/app_state_fixture.h"

@@ -1,7 +1,7 @@
 #include "support/random_text.h"
 #include "support/test_program.h"
+#include "text/boundaries/word_boundary.h"
 #include "text/find/literal_search.h"
-#include "text/find/word_boundary.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #include "support/random_text.h"
 #include "support/shown_text_view.h"
 #include "support/test_program.h"
-#include "text/text_boundaries.h"
+#include "text/boundaries/text_boundaries.h"
 #include "text/view/text_view_keys.h"
 
 #include <QClipboard>

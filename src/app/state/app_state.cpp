@@ -1,0 +1,376 @@
+#include "app/state/app_state.h"
+
+#include "app/state/recent_files.h"
+#include "editor/transforms/text_transformer.h"
+#include "git/service/git_service.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/file_url.h"
+#include "platform/files/utf8_file.h"
+#include "run/code_runner.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto focusDelay = 50ms;
+constexpr qsizetype mostRecentFiles = 10;
+/// The languages whose texts run without a file of their own.
+constexpr std::array<Language, 8> runnableLanguages{
+    Language::swift, Language::python, Language::javascript, Language::typescript,
+    Language::go,    Language::shell,  Language::ruby,       Language::php,
+};
+
+const QString recentFilesKey = u"recentFiles"_s;
+
+QString descriptionOf(const QUrl& url)
+{
+    return url.toString(QUrl::FullyEncoded);
+}
+
+FileError notLocal(const QUrl& url)
+{
+    return {descriptionOf(url) + u": The URL is not that of a file."_s};
+}
+
+std::variant<QString, FileError> read(const QUrl& url)
+{
+    return url.isLocalFile() ? readUtf8File(url.toLocalFile()) : notLocal(url);
+}
+
+/// Writes the text of `document` as it stands; its labels of encoding, line ends and indentation play no part.
+std::optional<FileError> write(const Document& document, const QUrl& url)
+{
+    if (document.isContentLent()) {
+        return FileError{descriptionOf(url) + u": The text is being edited."_s};
+    }
+    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodeUtf8Text(document.content())) : notLocal(url);
+}
+
+} // namespace
+
+bool runsWithoutFile(Language language)
+{
+    return std::find(runnableLanguages.begin(), runnableLanguages.end(), language) != runnableLanguages.end();
+}
+
+AppState::AppState(const Services& services)
+    : services_(services),
+      codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
+      git_(std::make_unique<GitService>())
+{
+    loadRecentFiles();
+}
+
+AppState::~AppState() = default;
+
+AppState& AppState::shared()
+{
+    static AppState state({FilePanels::shared(), UserDefaults::shared(), Scheduler::system(),
+                           NotificationCenter::shared(), Log::system()});
+    return state;
+}
+
+// ---- Documents ------------------------------------------------------------------------------------------------------
+
+std::shared_ptr<Document> AppState::currentDocument() const
+{
+    return documents_.value(currentDocumentIndex_);
+}
+
+void AppState::setDocuments(const Documents& documents)
+{
+    showDocuments(documents, currentDocumentIndex_);
+}
+
+void AppState::setCurrentDocumentIndex(qsizetype index)
+{
+    showDocuments(documents_, index);
+}
+
+void AppState::showDocuments(Documents documents, qsizetype currentIndex)
+{
+    // What is closed lives on until every observer has heard of it.
+    const std::shared_ptr<Document> currentBefore = currentDocument();
+    const Documents documentsBefore = std::exchange(documents_, std::move(documents));
+    const qsizetype indexBefore = std::exchange(currentDocumentIndex_, currentIndex);
+    const bool anotherIsCurrent = currentDocument() != currentBefore;
+    const bool areOthersOpen = documents_ != documentsBefore;
+    if (areOthersOpen) {
+        Q_EMIT documentsChanged();
+    }
+    if (indexBefore != currentIndex) {
+        Q_EMIT currentDocumentIndexChanged();
+    }
+    if (anotherIsCurrent) {
+        Q_EMIT currentDocumentChanged();
+    }
+}
+
+void AppState::appendAndShow(std::shared_ptr<Document> document)
+{
+    Documents documents = documents_;
+    documents.append(std::move(document));
+    showDocuments(documents, documents.size() - 1);
+}
+
+void AppState::createNewTab()
+{
+    appendAndShow(std::make_shared<Document>(QString(), std::nullopt, std::nullopt, std::nullopt));
+}
+
+void AppState::openSnippet(const QString& code, Language language, const std::optional<LessonInfo>& lessonInfo)
+{
+    appendAndShow(std::make_shared<Document>(code, std::nullopt, language, lessonInfo));
+    services_.scheduler.after(focusDelay, this,
+                              [this] { services_.notificationCenter.post(notifications::focusEditor); });
+}
+
+void AppState::openFile(const QUrl& url)
+{
+    Log& log = services_.log;
+    log.write(u"📂 openFile called with: "_s + descriptionOf(url));
+    log.write(u"  📄 Extension: "_s + pathExtension(url));
+    for (qsizetype index = 0; index < documents_.size(); ++index) {
+        if (documents_[index]->fileURL() == url) {
+            log.write(u"  ♻️ File already open at index "_s + QString::number(index));
+            setCurrentDocumentIndex(index);
+            return;
+        }
+    }
+    std::variant<QString, FileError> text = read(url);
+    if (const auto* error = std::get_if<FileError>(&text)) {
+        log.write(u"  ❌ Error opening file: "_s + error->message);
+        return;
+    }
+    auto document = std::make_shared<Document>(std::get<QString>(std::move(text)), url, std::nullopt, std::nullopt);
+    log.write(u"  ✅ Document created with language: "_s + document->language().rawValue());
+    appendAndShow(std::move(document));
+    addToRecentFiles(url);
+}
+
+void AppState::closeTab(qsizetype index)
+{
+    if (index < 0 || index >= documents_.size()) {
+        return;
+    }
+    Documents documents = documents_;
+    documents.removeAt(index);
+    const bool isPastTheEnd = currentDocumentIndex_ >= documents.size();
+    showDocuments(documents, isPastTheEnd ? std::max(documents.size() - 1, qsizetype(0)) : currentDocumentIndex_);
+}
+
+void AppState::closeOtherTabs(qsizetype index)
+{
+    if (index >= 0 && index < documents_.size()) {
+        showDocuments({documents_[index]}, 0);
+    }
+}
+
+// ---- Files ----------------------------------------------------------------------------------------------------------
+
+void AppState::showOpenPanel()
+{
+    OpenPanelOptions options;
+    options.canChooseDirectories = true;
+    options.allowsMultipleSelection = true;
+    for (const ChosenUrl& chosen : services_.filePanels.showOpenPanel(options)) {
+        if (chosen.isDirectory) {
+            setCurrentProject(chosen.url);
+        } else {
+            openFile(chosen.url);
+        }
+    }
+}
+
+void AppState::saveCurrentDocument()
+{
+    const std::shared_ptr<Document> document = currentDocument();
+    if (!document) {
+        return;
+    }
+    if (!document->fileURL()) {
+        saveCurrentDocumentAs();
+        return;
+    }
+    if (const std::optional<FileError> error = write(*document, *document->fileURL())) {
+        services_.log.print(u"Error saving: "_s + error->message);
+        return;
+    }
+    document->setIsModified(false);
+}
+
+void AppState::saveCurrentDocumentAs()
+{
+    const std::shared_ptr<Document> document = currentDocument();
+    if (!document) {
+        return;
+    }
+    const std::optional<QUrl> url = services_.filePanels.showSavePanel(
+        {ContentType::plainText, ContentType::sourceCode, ContentType::json, ContentType::xml});
+    if (!url) {
+        return;
+    }
+    if (const std::optional<FileError> error = write(*document, *url)) {
+        services_.log.print(u"Error saving: "_s + error->message);
+        return;
+    }
+    document->setFileURL(url);
+    document->setIsModified(false);
+    addToRecentFiles(*url);
+}
+
+void AppState::saveAllDocuments()
+{
+    const Documents documents = documents_;
+    for (const std::shared_ptr<Document>& document : documents) {
+        if (document->fileURL()) {
+            // A failed write is dropped on purpose.
+            static_cast<void>(write(*document, *document->fileURL()));
+            document->setIsModified(false);
+        }
+    }
+}
+
+void AppState::sortLines(bool ascending)
+{
+    if (const std::shared_ptr<Document> document = currentDocument()) {
+        document->setContent(TextTransformer::sortLines(document->content(), ascending));
+    }
+}
+
+void AppState::runCurrentFile()
+{
+    const std::shared_ptr<Document> document = currentDocument();
+    if (!document) {
+        return;
+    }
+    setShowBottomPanel(true);
+    setBottomPanelTab(BottomPanelTab::output);
+    services_.notificationCenter.post(notifications::clearOutput);
+    if (document->fileURL()) {
+        codeRunner_->run(*document->fileURL());
+        return;
+    }
+    const Language language = document->language();
+    if (runsWithoutFile(language)) {
+        codeRunner_->runCode(document->content(), language);
+        return;
+    }
+    const QString message = u"Error: language '"_s + language.rawValue() + u"' is not runnable."_s;
+    codeRunner_->setOutput(message);
+    services_.notificationCenter.post(notifications::codeOutput, message);
+}
+
+// ---- Recent files ---------------------------------------------------------------------------------------------------
+
+void AppState::setRecentFiles(const QList<QUrl>& recentFiles)
+{
+    if (recentFiles_ == recentFiles) {
+        return;
+    }
+    recentFiles_ = recentFiles;
+    Q_EMIT recentFilesChanged();
+}
+
+void AppState::addToRecentFiles(const QUrl& url)
+{
+    QList<QUrl> files = recentFiles_;
+    files.removeAll(url);
+    files.prepend(url);
+    setRecentFiles(files.first(std::min(files.size(), mostRecentFiles)));
+    saveRecentFiles();
+}
+
+void AppState::loadRecentFiles()
+{
+    const std::optional<QByteArray> data = services_.userDefaults.data(recentFilesKey);
+    setRecentFiles(data ? existingFiles(decodeUrls(*data).value_or(QList<QUrl>())) : QList<QUrl>());
+}
+
+void AppState::saveRecentFiles()
+{
+    services_.userDefaults.setData(recentFilesKey, encodeUrls(recentFiles_));
+}
+
+// ---- Flags ----------------------------------------------------------------------------------------------------------
+
+void AppState::setShowSidebar(bool show)
+{
+    if (std::exchange(showSidebar_, show) != show) {
+        Q_EMIT showSidebarChanged();
+    }
+}
+
+void AppState::setShowBottomPanel(bool show)
+{
+    if (std::exchange(showBottomPanel_, show) != show) {
+        Q_EMIT showBottomPanelChanged();
+    }
+}
+
+void AppState::setShowMinimap(bool show)
+{
+    if (std::exchange(showMinimap_, show) != show) {
+        Q_EMIT showMinimapChanged();
+    }
+}
+
+void AppState::setShowSearch(bool show)
+{
+    if (std::exchange(showSearch_, show) != show) {
+        Q_EMIT showSearchChanged();
+    }
+}
+
+void AppState::setShowQuickOpen(bool show)
+{
+    if (std::exchange(showQuickOpen_, show) != show) {
+        Q_EMIT showQuickOpenChanged();
+    }
+}
+
+void AppState::setShowGoToLine(bool show)
+{
+    if (std::exchange(showGoToLine_, show) != show) {
+        Q_EMIT showGoToLineChanged();
+    }
+}
+
+void AppState::setShowCloneDialog(bool show)
+{
+    if (std::exchange(showCloneDialog_, show) != show) {
+        Q_EMIT showCloneDialogChanged();
+    }
+}
+
+void AppState::setSearchMode(SearchMode mode)
+{
+    if (std::exchange(searchMode_, mode) != mode) {
+        Q_EMIT searchModeChanged();
+    }
+}
+
+void AppState::setBottomPanelTab(BottomPanelTab tab)
+{
+    if (std::exchange(bottomPanelTab_, tab) != tab) {
+        Q_EMIT bottomPanelTabChanged();
+    }
+}
+
+void AppState::setCurrentProject(const std::optional<QUrl>& project)
+{
+    if (currentProject_ == project) {
+        return;
+    }
+    currentProject_ = project;
+    Q_EMIT currentProjectChanged();
+}
+
+} // namespace kelm

@@ -1,0 +1,210 @@
+// The open documents and the state of the window.
+#pragma once
+
+#include "app/document/document.h"
+#include "app/state/window_tabs.h"
+#include "platform/desktop/file_panels.h"
+#include "platform/events/notification_center.h"
+#include "platform/events/scheduler.h"
+#include "platform/files/file_error.h"
+#include "platform/files/user_defaults.h"
+#include "platform/process/log.h"
+#include "run/executable_search.h"
+
+#include <QList>
+#include <QObject>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+
+namespace kelm {
+
+class CodeRunner;
+class GitService;
+
+/// Whether a text in `language` runs without a file of its own.
+bool runsWithoutFile(Language language);
+
+/// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
+/// toolbar, the tab bar and links all act through it, and views redraw on its signals.
+///
+/// No operation throws or shows an alert: a failure is logged and leaves the state as it was, unless stated otherwise.
+/// Main thread only.
+class AppState : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(
+        QList<std::shared_ptr<kelm::Document>> documents READ documents WRITE setDocuments NOTIFY documentsChanged)
+    Q_PROPERTY(qsizetype currentDocumentIndex READ currentDocumentIndex WRITE setCurrentDocumentIndex NOTIFY
+                   currentDocumentIndexChanged)
+    Q_PROPERTY(std::shared_ptr<kelm::Document> currentDocument READ currentDocument NOTIFY currentDocumentChanged)
+    Q_PROPERTY(QList<QUrl> recentFiles READ recentFiles WRITE setRecentFiles NOTIFY recentFilesChanged)
+    Q_PROPERTY(bool showSidebar READ showSidebar WRITE setShowSidebar NOTIFY showSidebarChanged)
+    Q_PROPERTY(bool showBottomPanel READ showBottomPanel WRITE setShowBottomPanel NOTIFY showBottomPanelChanged)
+    Q_PROPERTY(bool showMinimap READ showMinimap WRITE setShowMinimap NOTIFY showMinimapChanged)
+    Q_PROPERTY(bool showSearch READ showSearch WRITE setShowSearch NOTIFY showSearchChanged)
+    Q_PROPERTY(bool showQuickOpen READ showQuickOpen WRITE setShowQuickOpen NOTIFY showQuickOpenChanged)
+    Q_PROPERTY(bool showGoToLine READ showGoToLine WRITE setShowGoToLine NOTIFY showGoToLineChanged)
+    Q_PROPERTY(kelm::SearchMode searchMode READ searchMode WRITE setSearchMode NOTIFY searchModeChanged)
+    Q_PROPERTY(
+        std::optional<QUrl> currentProject READ currentProject WRITE setCurrentProject NOTIFY currentProjectChanged)
+    Q_PROPERTY(
+        kelm::BottomPanelTab bottomPanelTab READ bottomPanelTab WRITE setBottomPanelTab NOTIFY bottomPanelTabChanged)
+    Q_PROPERTY(bool showCloneDialog READ showCloneDialog WRITE setShowCloneDialog NOTIFY showCloneDialogChanged)
+
+public:
+    using Documents = QList<std::shared_ptr<Document>>;
+
+    /// What the state reaches beyond itself; all of it outlives the state.
+    struct Services
+    {
+        FilePanels& filePanels;
+        UserDefaults& userDefaults;
+        Scheduler& scheduler;
+        NotificationCenter& notificationCenter;
+        Log& log;
+        /// Finds the programs that run files.
+        ExecutableSearch executableSearch = {};
+    };
+
+    /// Starts without a document, and loads the recent files.
+    explicit AppState(const Services& services);
+    ~AppState() override;
+
+    /// The state of the program, made on first use; the file panels are installed before that.
+    static AppState& shared();
+
+    /// The open documents in the order of the tabs.
+    const Documents& documents() const { return documents_; }
+    void setDocuments(const Documents& documents);
+
+    /// May be out of range; `currentDocument` is null then.
+    qsizetype currentDocumentIndex() const { return currentDocumentIndex_; }
+    void setCurrentDocumentIndex(qsizetype index);
+    std::shared_ptr<Document> currentDocument() const;
+
+    /// Most recent first, at most ten once one is added.
+    const QList<QUrl>& recentFiles() const { return recentFiles_; }
+    void setRecentFiles(const QList<QUrl>& recentFiles);
+
+    bool showSidebar() const { return showSidebar_; }
+    void setShowSidebar(bool show);
+    bool showBottomPanel() const { return showBottomPanel_; }
+    void setShowBottomPanel(bool show);
+    bool showMinimap() const { return showMinimap_; }
+    void setShowMinimap(bool show);
+    bool showSearch() const { return showSearch_; }
+    void setShowSearch(bool show);
+    bool showQuickOpen() const { return showQuickOpen_; }
+    void setShowQuickOpen(bool show);
+    bool showGoToLine() const { return showGoToLine_; }
+    void setShowGoToLine(bool show);
+    bool showCloneDialog() const { return showCloneDialog_; }
+    void setShowCloneDialog(bool show);
+    SearchMode searchMode() const { return searchMode_; }
+    void setSearchMode(SearchMode mode);
+    BottomPanelTab bottomPanelTab() const { return bottomPanelTab_; }
+    void setBottomPanelTab(BottomPanelTab tab);
+
+    /// The folder that is open.
+    const std::optional<QUrl>& currentProject() const { return currentProject_; }
+    void setCurrentProject(const std::optional<QUrl>& project);
+
+    /// Where the state and its runner post.
+    NotificationCenter& notificationCenter() const { return services_.notificationCenter; }
+    /// Where what is logged and printed goes.
+    Log& log() const { return services_.log; }
+
+    /// The one runner of files and snippets, the same for the whole run.
+    CodeRunner& codeRunner() const { return *codeRunner_; }
+
+    /// The one git service, the same for the whole run. No repository is open at first.
+    GitService& git() const { return *git_; }
+
+    /// Opens an empty, untitled document and makes it the current one.
+    void createNewTab();
+
+    /// Opens `code` as an untitled document in `language` and makes it the current one. 0.05 seconds later the editor,
+    /// which stands by then, is asked to take the keyboard.
+    void openSnippet(const QString& code, Language language, const std::optional<LessonInfo>& lessonInfo);
+
+    /// Opens the UTF-8 file at `url`, or switches to the tab that shows it already, without a look at the disk.
+    void openFile(const QUrl& url);
+
+    /// Closes a tab at once, unsaved edits or not. The current index stays as it is unless it falls off the end:
+    /// closing a tab before the current one moves on to the next document. An index out of range does nothing.
+    void closeTab(qsizetype index);
+
+    /// Closes all tabs but one, likewise.
+    void closeOtherTabs(qsizetype index);
+
+    /// Lets the person choose files, which are opened, and folders, of which the last becomes the project.
+    void showOpenPanel();
+
+    /// Saves the current document as UTF-8, or asks for a place when it has none. A failure is printed and leaves the
+    /// document modified.
+    void saveCurrentDocument();
+
+    /// Saves the current document where the person chooses. A failure leaves the document where it was.
+    void saveCurrentDocumentAs();
+
+    /// Saves each document that has a file, modified or not, and clears its flag. A failure is dropped, and the flag is
+    /// cleared all the same.
+    void saveAllDocuments();
+
+    /// Sorts the lines of the current document.
+    void sortLines(bool ascending);
+
+    /// Shows the output page and runs the current document: its file as it stands on disk, without unsaved edits, or,
+    /// when it has none, its text. A text in a language that cannot be run so is told in the runner's output and on the
+    /// page.
+    void runCurrentFile();
+
+    /// Puts `url` at the front of the recent files, cuts them to ten and stores them.
+    void addToRecentFiles(const QUrl& url);
+    /// Reads the stored recent files and keeps those that are still on disk; rewrites nothing.
+    void loadRecentFiles();
+    void saveRecentFiles();
+
+Q_SIGNALS:
+    void documentsChanged();
+    void currentDocumentIndexChanged();
+    /// Another document is the current one, or none.
+    void currentDocumentChanged();
+    void recentFilesChanged();
+    void showSidebarChanged();
+    void showBottomPanelChanged();
+    void showMinimapChanged();
+    void showSearchChanged();
+    void showQuickOpenChanged();
+    void showGoToLineChanged();
+    void showCloneDialogChanged();
+    void searchModeChanged();
+    void bottomPanelTabChanged();
+    void currentProjectChanged();
+
+private:
+    /// Sets tabs and index together, so that no observer sees the one without the other.
+    void showDocuments(Documents documents, qsizetype currentIndex);
+    void appendAndShow(std::shared_ptr<Document> document);
+
+    Services services_;
+    const std::unique_ptr<CodeRunner> codeRunner_;
+    const std::unique_ptr<GitService> git_;
+    Documents documents_;
+    qsizetype currentDocumentIndex_ = 0;
+    QList<QUrl> recentFiles_;
+    std::optional<QUrl> currentProject_;
+    SearchMode searchMode_ = SearchMode::find;
+    BottomPanelTab bottomPanelTab_ = BottomPanelTab::terminal;
+    bool showSidebar_ = true;
+    bool showBottomPanel_ = false;
+    bool showMinimap_ = true;
+    bool showSearch_ = false;
+    bool showQuickOpen_ = false;
+    bool showGoToLine_ = false;
+    bool showCloneDialog_ = false;
+};
+
+} // namespace kelm

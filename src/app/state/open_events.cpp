@@ -1,0 +1,78 @@
+#include "app/state/open_events.h"
+
+#include "app/state/app_state.h"
+#include "platform/files/file_url.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The scheme of a URL's text as it is written there.
+QStringView schemeOf(const QString& urlText)
+{
+    return QStringView(urlText).first(std::max(urlText.indexOf(u':'), qsizetype(0)));
+}
+
+/// Whether `text` can be a scheme (RFC 3986, section 3.1).
+bool isScheme(QStringView text)
+{
+    const auto isLetter = [](QChar unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); };
+    const auto isSchemeUnit = [&](QChar unit) {
+        return isLetter(unit) || (unit >= u'0' && unit <= u'9') || unit == u'+' || unit == u'-' || unit == u'.';
+    };
+    return !text.isEmpty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isSchemeUnit);
+}
+
+bool isUrlText(const QString& argument)
+{
+    const QStringView scheme = schemeOf(argument);
+    return isScheme(scheme) && QStringView(argument).sliced(scheme.size()).startsWith(u"://");
+}
+
+QString fileUrlText(const QString& path)
+{
+    const bool isFolder = QFileInfo(path).isDir();
+    return QUrl::fromLocalFile(isFolder && !path.endsWith(u'/') ? path + u'/' : path).toString(QUrl::FullyEncoded);
+}
+
+} // namespace
+
+void openUrls(const QStringList& urlTexts, AppState& appState, const KelmPaneUrlHandler& handleKelmPaneUrl)
+{
+    for (const QString& urlText : urlTexts) {
+        if (handleKelmPaneUrl && schemeOf(urlText) == u"kelmpane") {
+            handleKelmPaneUrl(urlText);
+            continue;
+        }
+        const QUrl url(urlText);
+        if (hasDirectoryPath(url)) {
+            appState.setCurrentProject(url);
+        } else {
+            appState.openFile(url);
+        }
+    }
+}
+
+QStringList urlTextsOfArguments(const QStringList& arguments, const QString& workingDirectory)
+{
+    QStringList urlTexts;
+    for (const QString& argument : arguments) {
+        if (argument.isEmpty()) {
+            continue;
+        }
+        urlTexts << (isUrlText(argument)
+                         ? argument
+                         : fileUrlText(QDir::cleanPath(QDir(workingDirectory).absoluteFilePath(argument))));
+    }
+    return urlTexts;
+}
+
+} // namespace kelm

@@ -1,0 +1,56 @@
+#include "editor/kept_ready/view/minimap_ns_view.h"
+
+#include "editor/minimap/view/minimap_painter.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace kelm {
+
+MinimapNSView::MinimapNSView(QWidget* parent, NotificationCenter& center) : QWidget(parent), center_(center)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(tr("Minimap"));
+    applyThemeToLayer();
+}
+
+void MinimapNSView::setContent(const QString& content)
+{
+    content_.setText(content);
+    update();
+}
+
+void MinimapNSView::applyThemeToLayer()
+{
+    takeMinimapBackground(*this, theme);
+}
+
+void MinimapNSView::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    paintMinimap(painter, *this, {&content_, theme, visibleRangeRect, cursorLine});
+}
+
+void MinimapNSView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        selectLineAt(event->position().y());
+    }
+}
+
+void MinimapNSView::mouseMoveEvent(QMouseEvent* event)
+{
+    if (event->buttons().testFlag(Qt::LeftButton)) {
+        selectLineAt(event->position().y());
+    }
+}
+
+void MinimapNSView::selectLineAt(qreal y)
+{
+    const MinimapGeometry geometry = minimapGeometry(*this, &content_);
+    if (geometry.isDrawable()) {
+        center_.post(notifications::navigateToLine, geometry.lineAt(y));
+    }
+}
+
+} // namespace kelm

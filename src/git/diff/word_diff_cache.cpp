@@ -1,0 +1,106 @@
+#include "git/diff/word_diff_cache.h"
+
+#include "platform/events/main_queue.h"
+
+#include <QThreadPool>
+
+#include <utility>
+
+namespace kelm {
+
+namespace {
+
+/// Far more than is ever on screen, and few enough to be let go of when somebody has scrolled through a long diff.
+constexpr qsizetype mostPairsKept = 20'000;
+
+std::vector<LineStretch> changedStretches(const QList<WordDiff::Segment>& segments)
+{
+    std::vector<LineStretch> stretches;
+    qsizetype at = 0;
+    bool isOpen = false;
+    for (const WordDiff::Segment& segment : segments) {
+        const bool isChanged = segment.kind != WordDiff::SegmentKind::same;
+        if (isChanged && isOpen) {
+            stretches.back().length += segment.text.size();
+        } else if (isChanged) {
+            stretches.push_back({at, segment.text.size()});
+        }
+        isOpen = isChanged;
+        at += segment.text.size();
+    }
+    return stretches;
+}
+
+} // namespace
+
+ChangedWords ChangedWords::of(const WordDiff::Result& result)
+{
+    return {changedStretches(result.oldSegments), changedStretches(result.newSegments)};
+}
+
+WordDiffCache::WordDiffCache(std::function<void()> onReady)
+    : onReady_(std::move(onReady)), self_(std::make_shared<WordDiffCache*>(this))
+{}
+
+WordDiffCache::~WordDiffCache()
+{
+    *self_ = nullptr;
+}
+
+const ChangedWords* WordDiffCache::words(const DiffHunk& hunk, qsizetype oldLine, qsizetype newLine)
+{
+    const Key key{hunk.id, oldLine, newLine};
+    if (const auto known = words_.constFind(key); known != words_.cend()) {
+        return known->get();
+    }
+    if (words_.size() >= mostPairsKept) {
+        clear();
+    }
+    const QString& oldText = hunk.lines[oldLine].text;
+    const QString& newText = hunk.lines[newLine].text;
+    std::shared_ptr<const ChangedWords>& words = words_[key];
+    if (oldText.size() + newText.size() <= longestAtOnce) {
+        words = std::make_shared<const ChangedWords>(ChangedWords::of(WordDiff::diff(oldText, newText)));
+    } else {
+        waiting_.push_back({key, oldText, newText});
+        compareNext();
+    }
+    return words.get();
+}
+
+void WordDiffCache::clear()
+{
+    words_.clear();
+    waiting_.clear();
+}
+
+void WordDiffCache::compareNext()
+{
+    if (isComparing_ || waiting_.empty()) {
+        return;
+    }
+    // What was asked for last is what is looked at now.
+    Pair pair = std::move(waiting_.back());
+    waiting_.pop_back();
+    isComparing_ = true;
+    QThreadPool::globalInstance()->start([pair = std::move(pair), self = self_] {
+        ChangedWords words = ChangedWords::of(WordDiff::diff(pair.oldText, pair.newText));
+        onMainQueue([key = pair.key, words = std::move(words), self]() mutable {
+            if (*self != nullptr) {
+                (*self)->take(key, std::move(words));
+            }
+        });
+    });
+}
+
+void WordDiffCache::take(const Key& key, ChangedWords words)
+{
+    isComparing_ = false;
+    if (const auto asked = words_.find(key); asked != words_.end()) {
+        *asked = std::make_shared<const ChangedWords>(std::move(words));
+        onReady_();
+    }
+    compareNext();
+}
+
+} // namespace kelm

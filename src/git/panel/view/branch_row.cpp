@@ -1,0 +1,40 @@
+#include "git/panel/view/branch_row.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+Row BranchRow::content() const
+{
+    const RowFonts& fonts = RowFonts::shared();
+    Row row;
+    row.symbol = isCurrent ? u"checkmark.circle.fill"_s : u"circle"_s;
+    row.symbolTint = isCurrent ? Tint::accent() : Tint::secondary();
+    row.firstLine = {{.text = branch.name, .font = fonts.body, .elideMode = Qt::ElideMiddle}};
+    row.help = branch.name;
+    if (isCurrent) {
+        row.help += u" (current)"_s;
+    }
+    if (branch.upstream) {
+        row.firstLine.append({.text = *branch.upstream, .font = fonts.caption, .tint = Tint::secondary()});
+        row.help += u", follows "_s + *branch.upstream;
+    }
+    if (!isCurrent) {
+        row.actions = {{u"Checkout"_s, u"arrow.right.circle"_s, onCheckout},
+                       {u"Merge into current"_s, u"arrow.triangle.merge"_s, onMerge},
+                       {u"Delete"_s, u"trash"_s, onDelete}};
+    }
+    return row;
+}
+
+Row RemoteBranchRow::content() const
+{
+    Row row;
+    row.symbol = u"cloud"_s;
+    row.firstLine = {{.text = branch.name, .font = RowFonts::shared().body, .elideMode = Qt::ElideMiddle}};
+    row.help = branch.name;
+    row.actions = {{u"Checkout (create local tracking branch)"_s, u"arrow.right.circle"_s, onCheckout}};
+    return row;
+}
+
+} // namespace kelm

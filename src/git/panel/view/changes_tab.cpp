@@ -1,0 +1,108 @@
+#include "git/panel/view/changes_tab.h"
+
+#include "git/panel/view/commit_composer.h"
+#include "git/panel/view/file_status_row.h"
+#include "git/service/git_service.h"
+#include "platform/view/divider.h"
+#include "platform/view/labels.h"
+#include "platform/view/panel_controls.h"
+#include "platform/view/row_list.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr int rowHeight = 24;
+
+} // namespace
+
+ChangesTab::ChangesTab(GitService& git, std::function<void(const QString& path)> onClickDiff, QWidget* parent)
+    : PanelTab(parent),
+      git_(git),
+      onClickDiff_(std::move(onClickDiff)),
+      conflictBar_(makeConflictBar()),
+      composer_(new CommitComposer(git, this)),
+      list_(new RowList(rowHeight, this))
+{
+    list_->setAccessibleName(tr("Changes"));
+    list_->setPlaceholder(tr("Working tree clean"));
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(conflictBar_);
+    column->addWidget(composer_);
+    column->addWidget(new Divider(Qt::Horizontal, this));
+    column->addWidget(list_, 1);
+    connect(&git_, &GitService::statusChanged, this, &ChangesTab::refresh);
+}
+
+QWidget* ChangesTab::makeConflictBar()
+{
+    auto* bar = new QWidget(this);
+    conflictCount_ = new TextLabel({}, RowFonts::shared().body, Tint::primary(), bar);
+    PlainButton* abort = makePanelButton(tr("Abort Merge"), bar);
+    connect(abort, &QAbstractButton::clicked, &git_, &GitService::abortMerge);
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(8, 8, 8, 0);
+    row->setSpacing(6);
+    row->addWidget(new SymbolLabel(u"exclamationmark.triangle.fill"_s, 13, SystemColor::orange, bar));
+    row->addWidget(conflictCount_);
+    row->addStretch();
+    row->addWidget(abort);
+    return bar;
+}
+
+void ChangesTab::takeState()
+{
+    const qsizetype conflicts = git_.conflictedFiles().size();
+    conflictCount_->setText(QString::number(conflicts) + u" conflicted"_s);
+    conflictBar_->setVisible(conflicts > 0);
+
+    // The rows hold the list that they look into: they outlast a change of the status while the tab is hidden.
+    const QList<GitFileStatus> files = git_.status();
+    QList<qsizetype> staged;
+    QList<qsizetype> unstaged;
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        if (files[i].staged) {
+            staged.append(i);
+        }
+        if (files[i].unstaged) {
+            unstaged.append(i);
+        }
+    }
+    QList<RowSection> sections;
+    const auto addSection = [&](const QString& title, const QList<qsizetype>& indexes, bool isStaged) {
+        if (indexes.isEmpty()) {
+            return;
+        }
+        sections.append(
+            {.title = title,
+             .count = indexes.size(),
+             .row = [this, files, indexes, isStaged](qsizetype i) { return rowOf(files[indexes[i]], isStaged); },
+             .key = [files, indexes](qsizetype i) { return files[indexes[i]].path; },
+             .isTitleUpperCase = true});
+    };
+    addSection(tr("Staged"), staged, true);
+    addSection(tr("Changes"), unstaged, false);
+    list_->setSections(sections);
+    list_->setPlaceholder(files.isEmpty() ? tr("Working tree clean") : QString());
+}
+
+Row ChangesTab::rowOf(const GitFileStatus& file, bool staged)
+{
+    const QString& path = file.path;
+    return FileStatusRow{.file = file,
+                         .staged = staged,
+                         .onClickDiff = [this, path] { onClickDiff_(path); },
+                         .onUnstage = [this, path] { git_.unstage({path}); },
+                         .onStage = [this, path] { git_.stage({path}); },
+                         .onDiscard = [this, path] { git_.discardChanges({path}); }}
+        .content();
+}
+
+} // namespace kelm

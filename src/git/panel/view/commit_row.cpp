@@ -1,0 +1,25 @@
+#include "git/panel/view/commit_row.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+Row CommitRow::content() const
+{
+    constexpr int shortHash = 7;
+    const RowFonts& fonts = RowFonts::shared();
+    Row row;
+    row.firstLine = {{.text = commit.id.left(shortHash),
+                      .font = fonts.smallMonospaced,
+                      .tint = SystemColor::orange,
+                      .givesWay = false},
+                     {.text = commit.summary, .font = fonts.body}};
+    row.secondLine = {{.text = commit.author, .font = fonts.caption, .tint = Tint::secondary()},
+                      {.text = commit.date, .font = fonts.caption, .tint = Tint::secondary(), .givesWay = false}};
+    row.help = commit.summary + u'\n' + commit.author + u", "_s + commit.date + u'\n' + commit.id;
+    row.onClick = onClick;
+    row.clickName = u"Show Commit"_s;
+    return row;
+}
+
+} // namespace kelm

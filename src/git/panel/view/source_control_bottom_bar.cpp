@@ -1,0 +1,126 @@
+#include "git/panel/view/source_control_bottom_bar.h"
+
+#include "git/service/git_service.h"
+#include "platform/view/panel_controls.h"
+#include "platform/view/plain_help.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr int leastErrorWidth = 150;
+/// What comes behind is in the help text only.
+constexpr qsizetype mostShownUnits = 500;
+
+} // namespace
+
+ErrorLine::ErrorLine(QWidget* parent)
+    : TextLabel({}, style::interfaceFont(style::typeSize::subheadline), SystemColor::red, parent)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void ErrorLine::setError(const QString& error)
+{
+    error_ = error;
+    setText(error.left(mostShownUnits).simplified());
+    setAccessibleName(error);
+    setToolTip(plainHelp(error_));
+}
+
+void ErrorLine::resizeEvent(QResizeEvent* event)
+{
+    TextLabel::resizeEvent(event);
+    setToolTip(plainHelp(error_));
+}
+
+void ErrorLine::changeEvent(QEvent* event)
+{
+    TextLabel::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        setToolTip(plainHelp(error_));
+    }
+}
+
+SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
+    : QWidget(parent),
+      git_(git),
+      column_(new QBoxLayout(QBoxLayout::TopToBottom, this)),
+      errorRow_(new QWidget(this)),
+      errorLine_(new ErrorLine(errorRow_))
+{
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(2);
+    PlainButton* fetchButton = makeTransferButton(u"arrow.down.circle"_s, tr("Fetch"));
+    PlainButton* pullButton = makeTransferButton(u"arrow.down.to.line"_s, tr("Pull"));
+    PlainButton* pushButton = makeTransferButton(u"arrow.up.to.line"_s, tr("Push"));
+    for (PlainButton* button : transferButtons_) {
+        buttons->addWidget(button);
+    }
+    buttons->addStretch();
+    connect(fetchButton, &QAbstractButton::clicked, this, [this] { git_.fetch(std::nullopt, false); });
+    connect(pullButton, &QAbstractButton::clicked, this, [this] { git_.pull(true); });
+    connect(pushButton, &QAbstractButton::clicked, this, &SourceControlBottomBar::push);
+
+    PlainButton* dismiss = makeSymbolButton(u"xmark.circle.fill"_s, tr("Dismiss"), errorRow_, 12);
+    connect(dismiss, &QAbstractButton::clicked, this, [this] { git_.setLastError(std::nullopt); });
+    auto* error = new QHBoxLayout(errorRow_);
+    error->setContentsMargins(4, 0, 0, 0);
+    error->setSpacing(2);
+    error->addWidget(errorLine_, 1);
+    error->addWidget(dismiss);
+
+    column_->setContentsMargins(6, 4, 6, 4);
+    column_->setSpacing(2);
+    column_->addLayout(buttons);
+    column_->addWidget(errorRow_, 1);
+    connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::takeBusy);
+    connect(&git_, &GitService::lastErrorChanged, this, &SourceControlBottomBar::takeError);
+    takeBusy();
+    takeError();
+}
+
+PlainButton* SourceControlBottomBar::makeTransferButton(const QString& symbol, const QString& label)
+{
+    auto* button =
+        new PlainButton({.symbol = symbol, .symbolSize = 13, .tint = Tint::primary(), .padding = {6, 4, 6, 4}}, this);
+    button->setText(label);
+    transferButtons_.append(button);
+    return button;
+}
+
+void SourceControlBottomBar::push()
+{
+    git_.push(git_.upstreamMissingForCurrent() ? std::optional(git_.branch()) : std::nullopt);
+}
+
+void SourceControlBottomBar::takeBusy()
+{
+    for (PlainButton* button : transferButtons_) {
+        button->setEnabled(!git_.isBusy());
+    }
+}
+
+void SourceControlBottomBar::takeError()
+{
+    errorRow_->setVisible(git_.lastError().has_value());
+    errorLine_->setError(git_.lastError().value_or(QString()));
+}
+
+void SourceControlBottomBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    int buttonsWidth = 0;
+    for (const PlainButton* button : transferButtons_) {
+        buttonsWidth += button->sizeHint().width();
+    }
+    const bool isWide = width() - buttonsWidth >= leastErrorWidth;
+    column_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
+} // namespace kelm

@@ -1,0 +1,58 @@
+#include "git/panel/view/source_control_header.h"
+
+#include "git/service/git_service.h"
+#include "platform/view/labels.h"
+#include "platform/view/panel_controls.h"
+
+#include <QHBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
+    : QWidget(parent),
+      git_(git),
+      branch_(new TextLabel({}, style::interfaceFont(12, QFont::Medium), Tint::primary(), this)),
+      aheadBehind_(new TextLabel({}, style::interfaceFont(style::typeSize::subheadline), Tint::secondary(), this)),
+      conflicts_(new SymbolLabel(u"exclamationmark.triangle.fill"_s, 13, SystemColor::orange, this))
+{
+    branch_->setElideMode(Qt::ElideMiddle);
+    aheadBehind_->setGivesWay(false);
+    // The symbol takes the mouse for its help text.
+    conflicts_->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    conflicts_->setToolTip(tr("Merge conflicts in working tree"));
+    conflicts_->setAccessibleName(tr("Merge conflicts in working tree"));
+    PlainButton* refresh = makeSymbolButton(u"arrow.clockwise"_s, tr("Refresh"), this);
+    connect(refresh, &QAbstractButton::clicked, &git_, &GitService::refreshAll);
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(8, 4, 4, 4);
+    row->setSpacing(6);
+    row->addWidget(new SymbolLabel(u"arrow.triangle.branch"_s, 13, Tint::secondary(), this));
+    row->addWidget(branch_);
+    row->addWidget(aheadBehind_);
+    row->addWidget(conflicts_);
+    row->addStretch();
+    row->addWidget(refresh);
+
+    connect(&git_, &GitService::branchChanged, this, &SourceControlHeader::takeBranch);
+    connect(&git_, &GitService::aheadChanged, this, &SourceControlHeader::takeBranch);
+    connect(&git_, &GitService::behindChanged, this, &SourceControlHeader::takeBranch);
+    connect(&git_, &GitService::statusChanged, this, &SourceControlHeader::takeConflicts);
+    takeBranch();
+    takeConflicts();
+}
+
+void SourceControlHeader::takeBranch()
+{
+    branch_->setText(git_.branch().isEmpty() ? u"—"_s : git_.branch());
+    aheadBehind_->setText(u"↑"_s + QString::number(git_.ahead()) + u" ↓"_s + QString::number(git_.behind()));
+}
+
+void SourceControlHeader::takeConflicts()
+{
+    conflicts_->setVisible(git_.hasConflicts());
+}
+
+} // namespace kelm

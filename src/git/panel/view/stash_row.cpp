@@ -1,0 +1,20 @@
+#include "git/panel/view/stash_row.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+Row StashRow::content() const
+{
+    const RowFonts& fonts = RowFonts::shared();
+    Row row;
+    row.firstLine = {{.text = stash.message, .font = fonts.body}};
+    row.secondLine = {{.text = stash.label, .font = fonts.smallMonospaced, .tint = Tint::secondary()}};
+    row.help = stash.label + u": "_s + stash.message;
+    row.actions = {{u"Apply (keep stash)"_s, u"arrow.down.right.circle"_s, onApply},
+                   {u"Pop (apply + drop)"_s, u"tray.and.arrow.up"_s, onPop},
+                   {u"Drop"_s, u"trash"_s, onDrop}};
+    return row;
+}
+
+} // namespace kelm

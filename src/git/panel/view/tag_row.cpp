@@ -1,0 +1,30 @@
+#include "git/panel/view/tag_row.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+Row TagRow::content() const
+{
+    constexpr int shortHash = 7;
+    const RowFonts& fonts = RowFonts::shared();
+    Row row;
+    row.symbol = u"tag.fill"_s;
+    row.firstLine = {{.text = tag.name, .font = fonts.body, .elideMode = Qt::ElideMiddle}};
+    row.help = tag.name;
+    if (tag.sha) {
+        row.firstLine.append({.text = tag.sha->left(shortHash),
+                              .font = fonts.smallMonospaced,
+                              .tint = Tint::secondary(),
+                              .givesWay = false});
+        row.help += u", "_s + tag.sha->left(shortHash);
+    }
+    if (tag.annotation) {
+        row.secondLine = {{.text = *tag.annotation, .font = fonts.caption, .tint = Tint::secondary()}};
+        row.help += u'\n' + *tag.annotation;
+    }
+    row.actions = {{u"Push tag"_s, u"arrow.up.circle"_s, onPush}, {u"Delete tag"_s, u"trash"_s, onDelete}};
+    return row;
+}
+
+} // namespace kelm

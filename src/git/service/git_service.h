@@ -1,0 +1,228 @@
+// A repository as the program shows it, and everything the user does to it, by way of the git command line.
+#pragma once
+
+#include "git/service/git_records.h"
+#include "git/service/git_result.h"
+#include "platform/process/process.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace kelm {
+
+/// Keeps a snapshot of the open repository and runs git for the user.
+///
+/// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
+/// fetch, pull, push and clone run on the global thread pool and come back to the main thread. Nothing watches the file
+/// system: the snapshot changes when a refresh is called. There is no timeout, and no git that runs is ever ended.
+///
+/// Each write of an observable member is signalled, equal values included. `repoURL` is not observable by itself:
+/// whatever sets it writes the other members behind it.
+class GitService : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString branch READ branch NOTIFY branchChanged)
+    Q_PROPERTY(QList<kelm::GitFileStatus> status READ status NOTIFY statusChanged)
+    Q_PROPERTY(qint64 ahead READ ahead NOTIFY aheadChanged)
+    Q_PROPERTY(qint64 behind READ behind NOTIFY behindChanged)
+    Q_PROPERTY(bool isBusy READ isBusy NOTIFY isBusyChanged)
+    Q_PROPERTY(std::optional<QString> lastError READ lastError WRITE setLastError NOTIFY lastErrorChanged)
+    Q_PROPERTY(QList<kelm::GitBranch> branches READ branches NOTIFY branchesChanged)
+    Q_PROPERTY(QList<kelm::GitRemote> remotes READ remotes NOTIFY remotesChanged)
+    Q_PROPERTY(QList<kelm::GitStash> stashes READ stashes NOTIFY stashesChanged)
+    Q_PROPERTY(QList<kelm::GitTag> tags READ tags NOTIFY tagsChanged)
+
+public:
+    using Completion = std::function<void(const GitOpResult&)>;
+    using PathTest = std::function<bool(const QString& path)>;
+
+    explicit GitService(QObject* parent = nullptr);
+    /// As above, with every child started by `runner`, which is used from several threads.
+    explicit GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent = nullptr);
+    ~GitService() override;
+
+    /// The current branch, "HEAD" where git says so, empty when there is none.
+    const QString& branch() const { return branch_; }
+    const QList<GitFileStatus>& status() const { return status_; }
+    /// Commits that the branch has and its upstream has not, and the other way round.
+    qint64 ahead() const { return ahead_; }
+    qint64 behind() const { return behind_; }
+    /// Whether a fetch, pull or push runs. Of several at once the first to end clears it.
+    bool isBusy() const { return isBusy_; }
+    /// The last failure's words, untrimmed; they stay until somebody takes them away or another failure comes.
+    const std::optional<QString>& lastError() const { return lastError_; }
+    void setLastError(const std::optional<QString>& text);
+    /// Local branches, then remote ones.
+    const QList<GitBranch>& branches() const { return branches_; }
+    const QList<GitRemote>& remotes() const { return remotes_; }
+    const QList<GitStash>& stashes() const { return stashes_; }
+    const QList<GitTag>& tags() const { return tags_; }
+    /// The working tree's folder; absent when no repository is open.
+    const std::optional<QUrl>& repoURL() const { return repoURL_; }
+
+    // Running git.
+
+    /// The first of the usual places where git is executable; "/usr/bin/git" when it is nowhere, so that the failure
+    /// comes from the launch. The answer is never kept.
+    static QString findGit(const PathTest& isExecutable = {});
+    /// git with `args` in the folder `cwd`, the environment and the standard input being the application's own.
+    static ProcessCommand makeProcess(const QStringList& args, const QString& cwd);
+    /// The standard output of git in the open repository. Absent when none is open, when git cannot be launched, when
+    /// it fails without output, and when its output is not UTF-8. A git that fails and prints is present, as a success
+    /// is: only `lastError` tells.
+    std::optional<QString> run(const QStringList& args);
+    /// Runs a process to its end; a failure's words go to `lastError` too, unless they are those of the launch.
+    GitOpResult runProcess(const ProcessCommand& process);
+    /// `runProcess` for git in the open repository.
+    GitOpResult runOp(const QStringList& args);
+    /// `runOp` on the thread pool, with `isBusy` set meanwhile; `onDone` is called on the main thread, also when the
+    /// service has gone by then. Without a repository it is called at once.
+    void runAsync(const QStringList& args, Completion onDone);
+
+    // The snapshot.
+
+    /// Opens the repository that holds `folder`, looking at no more than ten folders upwards, and refreshes everything.
+    /// False, with the state cleared, when there is none.
+    bool open(const QUrl& folder);
+    void clearState();
+
+    void refreshAll();
+    void refreshBranch();
+    void refreshStatus();
+    void refreshAheadBehind();
+    void refreshBranches();
+    void refreshRemotes();
+    void refreshStashes();
+    void refreshTags();
+
+    /// The unified diff of one path; empty on any failure.
+    QString diff(const QString& file, bool staged);
+    /// The newest `limit` commits, newest first.
+    QList<GitCommit> log(qint64 limit);
+    QList<GitCommit> fileLog(const QString& path, qint64 limit);
+    /// The commit's header and diff; empty on any failure.
+    QString showCommit(const QString& sha);
+    QList<GitBlameLine> blame(const QString& path);
+
+    // Operations on the working tree and the index.
+
+    void stage(const QStringList& paths);
+    void unstage(const QStringList& paths);
+    void stageAll();
+    void discardChanges(const QStringList& paths);
+    /// Applies a patch to the index alone, backwards when `reverse`.
+    GitOpResult applyPartialPatch(const QString& patch, bool reverse);
+    /// Whether git printed anything: a git that has nothing to commit says so on its output and counts as true. False,
+    /// with nothing run, for an empty message.
+    bool commit(const QString& message);
+    /// As `commit`; an absent or empty message keeps that of the last commit.
+    bool amendCommit(const std::optional<QString>& message);
+
+    // The network.
+
+    /// `setUpstreamFor` names the branch that is to follow "origin".
+    void push(const std::optional<QString>& setUpstreamFor, Completion onDone = {});
+    void pull(bool rebase, Completion onDone = {});
+    void fetch(const std::optional<QString>& remote, bool prune, Completion onDone = {});
+
+    // Branches, remotes, stashes, tags.
+
+    GitOpResult createBranch(const QString& name, bool checkout);
+    GitOpResult checkoutBranch(const QString& name);
+    GitOpResult deleteBranch(const QString& name, bool force);
+    GitOpResult renameBranch(const QString& from, const QString& to);
+    GitOpResult mergeBranch(const QString& name);
+    GitOpResult addRemote(const QString& name, const QString& url);
+    GitOpResult removeRemote(const QString& name);
+    GitOpResult setRemoteURL(const QString& name, const QString& url);
+    GitOpResult stashPush(const std::optional<QString>& message, bool includeUntracked);
+    GitOpResult stashPop(const QString& stash);
+    GitOpResult stashApply(const QString& stash);
+    GitOpResult stashDrop(const QString& stash);
+    /// The stash as a diff; empty on any failure.
+    QString stashShow(const QString& stash);
+    GitOpResult createTag(const QString& name, const std::optional<QString>& message);
+    GitOpResult deleteTag(const QString& name);
+    /// Blocks although it goes to the network.
+    GitOpResult pushTag(const QString& name, const QString& remote);
+
+    // Conflicts.
+
+    QList<GitFileStatus> conflictedFiles() const;
+    bool hasConflicts() const;
+    void markResolved(const QStringList& paths);
+    GitOpResult abortMerge();
+
+    // New repositories.
+
+    /// Makes the folder if nothing is there, makes it a repository, and opens that.
+    GitOpResult initRepo(const QUrl& at, const QString& defaultBranch);
+    /// Clones on the thread pool into the folder `into`, which git makes, and opens it. `isBusy` is not set.
+    void cloneRepo(const QString& url, const QUrl& into, Completion onDone = {});
+
+    // The user.
+
+    std::optional<QString> userName();
+    std::optional<QString> userEmail();
+    GitOpResult setUserName(const QString& name);
+    GitOpResult setUserEmail(const QString& email);
+
+    /// Whether a push of the current branch has to name its upstream: it has none, and there is a remote.
+    bool upstreamMissingForCurrent() const;
+
+Q_SIGNALS:
+    void branchChanged();
+    void statusChanged();
+    void aheadChanged();
+    void behindChanged();
+    void isBusyChanged();
+    void lastErrorChanged();
+    void branchesChanged();
+    void remotesChanged();
+    void stashesChanged();
+    void tagsChanged();
+
+private:
+    class Worker;
+
+    template <typename Value>
+    void assign(Value& member, Value value, void (GitService::*changed)())
+    {
+        member = std::move(value);
+        Q_EMIT(this->*changed)();
+    }
+
+    Worker worker();
+    QString repoPath() const;
+    /// Trimmed output of `config <key>`; absent when the key has no value.
+    std::optional<QString> configValue(const QString& key);
+    /// `onDone` with `refresh` before it, for as long as the service lives.
+    Completion refreshingFirst(void (GitService::*refresh)(), Completion onDone);
+    void refreshAfterTransfer();
+    static QStringList branchedArgs(const QStringList& args, const std::optional<QString>& setUpstreamFor);
+
+    QString branch_;
+    QList<GitFileStatus> status_;
+    qint64 ahead_ = 0;
+    qint64 behind_ = 0;
+    bool isBusy_ = false;
+    std::optional<QString> lastError_;
+    QList<GitBranch> branches_;
+    QList<GitRemote> remotes_;
+    QList<GitStash> stashes_;
+    QList<GitTag> tags_;
+    std::optional<QUrl> repoURL_;
+
+    std::shared_ptr<ProcessRunner> runner_;
+    /// Tells other threads whether the service is still there.
+    std::shared_ptr<const bool> alive_;
+};
+
+} // namespace kelm

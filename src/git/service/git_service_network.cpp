@@ -1,0 +1,99 @@
+// Operations that go to other repositories, and new repositories.
+#include "git/service/git_service.h"
+#include "git/service/git_worker.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+
+#include <filesystem>
+#include <system_error>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+void GitService::push(const std::optional<QString>& setUpstreamFor, Completion onDone)
+{
+    runAsync(branchedArgs({u"push"_s}, setUpstreamFor),
+             refreshingFirst(&GitService::refreshAfterTransfer, std::move(onDone)));
+}
+
+void GitService::pull(bool rebase, Completion onDone)
+{
+    runAsync(rebase ? QStringList{u"pull"_s, u"--rebase"_s} : QStringList{u"pull"_s},
+             refreshingFirst(&GitService::refreshAll, std::move(onDone)));
+}
+
+void GitService::fetch(const std::optional<QString>& remote, bool prune, Completion onDone)
+{
+    QStringList args{u"fetch"_s};
+    if (prune) {
+        args.append(u"--prune"_s);
+    }
+    if (remote && !remote->isEmpty()) {
+        args.append(*remote);
+    }
+    runAsync(args, refreshingFirst(&GitService::refreshAfterTransfer, std::move(onDone)));
+}
+
+GitService::Completion GitService::refreshingFirst(void (GitService::*refresh)(), Completion onDone)
+{
+    return [service = QPointer<GitService>(this), refresh, onDone = std::move(onDone)](const GitOpResult& result) {
+        if (service) {
+            (service->*refresh)();
+        }
+        if (onDone) {
+            onDone(result);
+        }
+    };
+}
+
+void GitService::refreshAfterTransfer()
+{
+    refreshAheadBehind();
+    refreshBranches();
+}
+
+QStringList GitService::branchedArgs(const QStringList& args, const std::optional<QString>& setUpstreamFor)
+{
+    if (!setUpstreamFor || setUpstreamFor->isEmpty()) {
+        return args;
+    }
+    return args + QStringList{u"-u"_s, u"origin"_s, *setUpstreamFor};
+}
+
+GitOpResult GitService::initRepo(const QUrl& at, const QString& defaultBranch)
+{
+    const QString folder = at.toLocalFile();
+    if (!QFileInfo::exists(folder)) {
+        std::error_code error;
+        std::filesystem::create_directories(QFile::encodeName(folder).toStdString(), error);
+        if (error) {
+            return GitOpResult::failure(
+                u"Cannot make the folder \"%1\": %2"_s.arg(folder, QString::fromLocal8Bit(error.message().c_str())));
+        }
+    }
+    GitOpResult result = runProcess(makeProcess({u"init"_s, u"-b"_s, defaultBranch}, folder));
+    if (result.isSuccess()) {
+        open(at);
+    }
+    return result;
+}
+
+void GitService::cloneRepo(const QString& url, const QUrl& into, Completion onDone)
+{
+    const QFileInfo target(QDir::cleanPath(into.toLocalFile()));
+    worker().runInBackground(makeProcess({u"clone"_s, url, target.fileName()}, target.path()),
+                             [into, onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
+                                 if (result.isSuccess() && service != nullptr) {
+                                     service->open(into);
+                                 }
+                                 if (onDone) {
+                                     onDone(result);
+                                 }
+                             });
+}
+
+} // namespace kelm

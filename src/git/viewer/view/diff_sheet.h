@@ -1,0 +1,63 @@
+// The sheet with the changes of one file.
+#pragma once
+
+#include "git/diff/diff.h"
+#include "git/service/git_service.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+
+namespace kelm {
+
+class DiffViewer;
+class SegmentedPicker;
+
+/// What a sheet with the changes of one file holds: the working tree's or the index's, of which single hunks are staged
+/// or unstaged.
+///
+/// git is asked when it appears, when the other view is chosen, and after a hunk has gone; a failure's words are in the
+/// service's `lastError`.
+class DiffSheetView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    DiffSheetView(GitService& git, QString path, QWidget* parent);
+    ~DiffSheetView() override;
+
+    /// Called by the button "Close".
+    std::function<void()> onClose;
+
+    const QString& path() const { return path_; }
+    /// The diff as git printed it.
+    const QString& diff() const { return diff_; }
+    /// Whether the index is shown rather than the working tree.
+    bool stagedView() const { return stagedView_; }
+    void setStagedView(bool staged);
+
+    DiffViewer& viewer() { return *viewer_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* makeHeader();
+    void load();
+    void updateAction();
+    void applyHunk(const DiffFile& file, qsizetype hunk);
+
+    QPointer<GitService> git_;
+    QString path_;
+    QString diff_;
+    bool stagedView_ = false;
+    bool hasAppeared_ = false;
+    SegmentedPicker* picker_ = nullptr;
+    DiffViewer* viewer_ = nullptr;
+};
+
+} // namespace kelm

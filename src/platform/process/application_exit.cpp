@@ -1,0 +1,23 @@
+#include "platform/process/application_exit.h"
+
+#include "platform/files/user_defaults.h"
+
+#include <QThreadPool>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace kelm {
+
+int leaveWithoutWaiting(int status)
+{
+    // The pool's number of active threads leaves out those that only wait for a child.
+    if (QThreadPool::globalInstance()->waitForDone(0)) {
+        return status;
+    }
+    UserDefaults::shared().synchronize();
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
+} // namespace kelm

@@ -1,0 +1,76 @@
+#include "platform/style/view/symbol_icon_engine.h"
+
+#include "platform/style/view/icons.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <algorithm>
+
+namespace kelm {
+
+SymbolIconEngine::SymbolIconEngine(QString name, std::optional<QColor> tint) : name_(std::move(name)), tint_(tint) {}
+
+void SymbolIconEngine::paint(QPainter* painter, const QRect& rectangle, QIcon::Mode mode, QIcon::State /*state*/)
+{
+    icons::paint(*painter, name_, rectangle, tintIn(mode));
+}
+
+QPixmap SymbolIconEngine::pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state)
+{
+    return scaledPixmap(size, mode, state, 1);
+}
+
+QPixmap SymbolIconEngine::scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/, qreal scale)
+{
+    return icons::pixmap(name_, std::min(size.width(), size.height()) / scale, tintIn(mode), scale);
+}
+
+QSize SymbolIconEngine::actualSize(const QSize& size, QIcon::Mode /*mode*/, QIcon::State /*state*/)
+{
+    const int extent = isNull() ? 0 : std::min(size.width(), size.height());
+    return {extent, extent};
+}
+
+QIconEngine* SymbolIconEngine::clone() const
+{
+    return new SymbolIconEngine(*this);
+}
+
+QString SymbolIconEngine::key() const
+{
+    return QStringLiteral("kelm-symbol");
+}
+
+QString SymbolIconEngine::iconName()
+{
+    return name_;
+}
+
+bool SymbolIconEngine::isNull()
+{
+    return !icons::has(name_);
+}
+
+QColor SymbolIconEngine::tintIn(QIcon::Mode mode) const
+{
+    constexpr float disabledOpacity = 0.4F;
+    if (tint_) {
+        QColor tint = *tint_;
+        tint.setAlphaF(tint.alphaF() * (mode == QIcon::Disabled ? disabledOpacity : 1.0F));
+        return tint;
+    }
+    const QPalette palette = QGuiApplication::palette();
+    switch (mode) {
+    case QIcon::Disabled:
+        return palette.color(QPalette::Disabled, QPalette::ButtonText);
+    case QIcon::Selected:
+        return palette.color(QPalette::Active, QPalette::HighlightedText);
+    case QIcon::Normal:
+    case QIcon::Active:
+        break;
+    }
+    return palette.color(QPalette::Active, QPalette::ButtonText);
+}
+
+} // namespace kelm

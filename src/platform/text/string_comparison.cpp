@@ -1,0 +1,98 @@
+#include "platform/text/string_comparison.h"
+
+#include <QLocale>
+
+#include <unicode/locid.h>
+#include <unicode/unistr.h>
+
+namespace kelm {
+
+namespace {
+
+/// A technical locale would order all capitals before all small letters.
+icu::Locale collationLocale(const QString& localeName)
+{
+    const icu::Locale locale(localeName.toLatin1().constData());
+    const QLatin1String language(locale.getLanguage());
+    const bool isTechnical =
+        language == QLatin1String("c") || QLatin1String(locale.getVariant()) == QLatin1String("POSIX");
+    return locale.isBogus() || isTechnical ? icu::Locale::getRoot() : locale;
+}
+
+std::unique_ptr<const icu::Collator> makeCollator(const QString& localeName)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(collationLocale(localeName), status));
+    if (U_FAILURE(status)) {
+        return nullptr;
+    }
+    collator->setStrength(icu::Collator::SECONDARY);
+    // Without this, texts with accents in another order than the canonical one would not be found equal.
+    collator->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
+    return collator;
+}
+
+/// The name of the locale that the environment sets for collation.
+QString currentLocaleName()
+{
+    for (const char* name : {"LC_ALL", "LC_COLLATE", "LANG"}) {
+        QString value = qEnvironmentVariable(name);
+        if (!value.isEmpty()) {
+            return value;
+        }
+    }
+    return QLocale::system().name();
+}
+
+QString folded(QStringView text)
+{
+    return text.toString()
+        .normalized(QString::NormalizationForm_D)
+        .toCaseFolded()
+        .normalized(QString::NormalizationForm_D);
+}
+
+} // namespace
+
+StringComparison::StringComparison(const QString& localeName) : collator_(makeCollator(localeName)) {}
+
+int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView b) const
+{
+    if (!collator_) {
+        return folded(a).compare(folded(b));
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    return collator_->compare(a.utf16(), int32_t(a.size()), b.utf16(), int32_t(b.size()), status);
+}
+
+QByteArray StringComparison::sortKey(QStringView text) const
+{
+    if (!collator_) {
+        const QString key = folded(text);
+        QByteArray bytes;
+        for (const QChar unit : key) {
+            bytes.append(char(unit.row())).append(char(unit.cell()));
+        }
+        return bytes;
+    }
+    // Most keys fit into twice the text's length: the second call is the exception.
+    QByteArray key(2 * text.size() + 16, Qt::Uninitialized);
+    const auto length = collator_->getSortKey(text.utf16(), int32_t(text.size()),
+                                              reinterpret_cast<uint8_t*>(key.data()), int32_t(key.size()));
+    if (length > key.size()) {
+        key.resize(length);
+        collator_->getSortKey(text.utf16(), int32_t(text.size()), reinterpret_cast<uint8_t*>(key.data()), length);
+    }
+    // Without the NUL that ends the key.
+    key.truncate(length - 1);
+    key.squeeze();
+    return key;
+}
+
+const StringComparison& StringComparison::current()
+{
+    static const StringComparison comparison(currentLocaleName());
+    return comparison;
+}
+
+} // namespace kelm

@@ -1,7 +1,0 @@
-#include "platform/view/window_frame.h"
-
-namespace kelm {
-
-void hideTitleBar(QWidget& /*window*/) {}
-
-} // namespace kelm

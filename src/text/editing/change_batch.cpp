@@ -1,0 +1,79 @@
+#include "text/editing/change_batch.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace kelm {
+
+namespace {
+
+/// The indexes at which replacements begin that do not stand behind the one before them, and the end.
+std::vector<std::size_t> batchStarts(const std::vector<Replacement>& replacements)
+{
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i < replacements.size(); ++i) {
+        if (i == 0 || replacements[i].location < replacements[i - 1].newRange().end()) {
+            starts.push_back(i);
+        }
+    }
+    starts.push_back(replacements.size());
+    return starts;
+}
+
+} // namespace
+
+std::vector<ChangeBatch> batchesAhead(const std::vector<Replacement>& replacements)
+{
+    const std::vector<std::size_t> starts = batchStarts(replacements);
+    std::vector<ChangeBatch> batches;
+    for (std::size_t batch = 0; batch + 1 < starts.size(); ++batch) {
+        ChangeBatch& changes = batches.emplace_back();
+        qsizetype shift = 0;
+        for (std::size_t i = starts[batch]; i < starts[batch + 1]; ++i) {
+            const Replacement& made = replacements[i];
+            changes.push_back({{made.location - shift, made.removed.size()}, made.inserted});
+            shift += made.inserted.size() - made.removed.size();
+        }
+    }
+    return batches;
+}
+
+std::vector<ChangeBatch> batchesBack(const std::vector<Replacement>& replacements)
+{
+    const std::vector<std::size_t> starts = batchStarts(replacements);
+    std::vector<ChangeBatch> batches;
+    for (std::size_t batch = starts.size() - 1; batch > 0; --batch) {
+        ChangeBatch& changes = batches.emplace_back();
+        for (std::size_t i = starts[batch - 1]; i < starts[batch]; ++i) {
+            // What came later in the batch stands behind and has not moved it.
+            changes.push_back({replacements[i].newRange(), replacements[i].removed});
+        }
+    }
+    return batches;
+}
+
+double unitsMoved(const ChangeBatch& batch, qsizetype length)
+{
+    return std::accumulate(batch.begin(), batch.end(), 0.0, [length](double sum, const Change& change) {
+        return sum + static_cast<double>(length - change.range.end());
+    });
+}
+
+Change combined(QStringView text, const ChangeBatch& batch)
+{
+    Change whole;
+    whole.range = TextRange::between(batch.front().range.location, batch.back().range.end());
+    const qsizetype added =
+        std::accumulate(batch.begin(), batch.end(), qsizetype(0),
+                        [](qsizetype sum, const Change& change) { return sum + change.text.size(); });
+    whole.text.reserve(whole.range.length + added);
+    qsizetype at = whole.range.location;
+    for (const Change& change : batch) {
+        whole.text += text.mid(at, change.range.location - at);
+        whole.text += change.text;
+        at = change.range.end();
+    }
+    return whole;
+}
+
+} // namespace kelm

@@ -1,0 +1,111 @@
+#include "text/layout/line_pieces.h"
+
+#include "text/boundaries/text_boundaries.h"
+
+#include <QChar>
+
+#include <algorithm>
+#include <numeric>
+
+namespace kelm {
+
+namespace {
+
+/// Where the piece that begins at `start` ends; the line goes on behind its longest extent.
+qsizetype pieceEnd(QStringView line, qsizetype start)
+{
+    const qsizetype rest = line.size() - start;
+    const qsizetype limit = start + (rest < 2 * longestPiece ? (rest + 1) / 2 : longestPiece);
+    for (qsizetype at = limit; at > limit - longestPiece / 4; --at) {
+        const QChar before = line[at - 1];
+        if (before == u' ' || before == u'\t') {
+            return at;
+        }
+    }
+    const qsizetype boundary = graphemeBoundaryAtOrBefore(line, limit);
+    if (boundary > start) {
+        return boundary;
+    }
+    return line[limit].isLowSurrogate() && line[limit - 1].isHighSurrogate() ? limit - 1 : limit;
+}
+
+} // namespace
+
+std::size_t LinePieces::pieceAt(qsizetype offset) const
+{
+    const auto behind = std::upper_bound(starts.begin(), starts.end(), offset);
+    return static_cast<std::size_t>(std::max<qsizetype>(1, behind - starts.begin()) - 1);
+}
+
+qsizetype LinePieces::rowCount() const
+{
+    return rowsBefore(rows.size());
+}
+
+qsizetype LinePieces::rowsBefore(std::size_t piece) const
+{
+    return std::accumulate(rows.begin(), rows.begin() + static_cast<qsizetype>(piece), qsizetype(0));
+}
+
+std::size_t LinePieces::pieceAtRow(qsizetype row) const
+{
+    std::size_t piece = 0;
+    for (; piece + 1 < rows.size() && row >= rows[piece]; ++piece) {
+        row -= rows[piece];
+    }
+    return piece;
+}
+
+void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change)
+{
+    const auto at = static_cast<qsizetype>(first);
+    const auto behind = static_cast<qsizetype>(first) + static_cast<qsizetype>(count);
+    std::vector<qsizetype> added = with.starts;
+    for (qsizetype& start : added) {
+        start += starts[first];
+    }
+    for (auto start = starts.begin() + behind; start != starts.end(); ++start) {
+        *start += change;
+    }
+    starts.insert(starts.erase(starts.begin() + at, starts.begin() + behind), added.begin(), added.end());
+    rows.insert(rows.erase(rows.begin() + at, rows.begin() + behind), with.rows.begin(), with.rows.end());
+}
+
+std::vector<qsizetype> cutIntoPieces(QStringView line)
+{
+    std::vector<qsizetype> starts{0};
+    while (line.size() - starts.back() > longestPiece) {
+        starts.push_back(pieceEnd(line, starts.back()));
+    }
+    return starts;
+}
+
+LinePieces* LongLines::find(qsizetype line)
+{
+    const auto found = lines_.find(line);
+    return found == lines_.end() ? nullptr : &found->second;
+}
+
+const LinePieces* LongLines::find(qsizetype line) const
+{
+    const auto found = lines_.find(line);
+    return found == lines_.end() ? nullptr : &found->second;
+}
+
+void LongLines::linesReplaced(const TextEdit& edit)
+{
+    lines_.erase(lines_.lower_bound(edit.firstLine), lines_.lower_bound(edit.firstLine + edit.linesRemoved));
+    const qsizetype change = edit.linesAdded - edit.linesRemoved;
+    if (change == 0) {
+        return;
+    }
+    Lines moved;
+    for (auto line = lines_.lower_bound(edit.firstLine); line != lines_.end();) {
+        auto node = lines_.extract(line++);
+        node.key() += change;
+        moved.insert(moved.end(), std::move(node));
+    }
+    lines_.merge(moved);
+}
+
+} // namespace kelm

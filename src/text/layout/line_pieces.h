@@ -1,0 +1,58 @@
+// Long lines, cut into pieces that are laid out one by one.
+#pragma once
+
+#include "text/storage/text_range.h"
+
+#include <QStringView>
+
+#include <map>
+#include <vector>
+
+namespace kelm {
+
+/// The longest piece of a line that is laid out in one go, in UTF-16 units. Laying out a line takes time in proportion
+/// to its length; a piece of this size takes about a millisecond.
+constexpr qsizetype longestPiece = 4096;
+/// A piece that an edit leaves shorter than this is cut anew together with its neighbour. Cutting makes none so short.
+constexpr qsizetype shortestPiece = longestPiece / 8;
+
+/// The pieces of one long line: where each begins, counted from the line's start, and how many rows it takes.
+struct LinePieces
+{
+    std::vector<qsizetype> starts;
+    std::vector<int> rows;
+
+    /// The piece that holds an offset, counted from the line's start.
+    std::size_t pieceAt(qsizetype offset) const;
+    qsizetype rowCount() const;
+    qsizetype rowsBefore(std::size_t piece) const;
+    /// The piece that holds a row, counted from the line's first.
+    std::size_t pieceAtRow(qsizetype row) const;
+    /// Puts other pieces, whose starts count from that of `first`, in the place of `count` pieces. The text behind them
+    /// moves by `change`.
+    void replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change);
+};
+
+/// Cuts a line without its terminator into pieces of at most `longestPiece` units: behind a blank where there is one in
+/// the last quarter, else between two user-perceived characters, else at the limit, but never inside a surrogate pair.
+/// The last two pieces share what is left: each piece begins a row, and a stub would be seen.
+std::vector<qsizetype> cutIntoPieces(QStringView line);
+
+/// The pieces of all lines that are longer than one piece, by line number from 0.
+class LongLines
+{
+public:
+    LinePieces* find(qsizetype line);
+    const LinePieces* find(qsizetype line) const;
+    void erase(qsizetype line) { lines_.erase(line); }
+    LinePieces* insert(qsizetype line, LinePieces pieces) { return &(lines_[line] = std::move(pieces)); }
+    /// Forgets the lines that an edit replaced and renumbers those behind it.
+    void linesReplaced(const TextEdit& edit);
+
+private:
+    using Lines = std::map<qsizetype, LinePieces>;
+
+    Lines lines_;
+};
+
+} // namespace kelm

@@ -1,0 +1,370 @@
+#include "text/layout/text_layout.h"
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelm {
+
+namespace {
+
+/// How many pieces are kept; several screens of lines. When there are more, the half that was used last stays.
+constexpr std::size_t keptPieces = 600;
+constexpr int columnsPerTab = 4;
+
+} // namespace
+
+TextLayout::TextLayout(TextStorage& storage, QObject* parent) : QObject(parent), storage_(storage)
+{
+    metrics_.width = 600;
+    setFont(QFont());
+    connect(&storage, &TextStorage::edited, this, &TextLayout::textEdited);
+    connect(&storage, &TextStorage::attributesChanged, this, &TextLayout::colorsChanged);
+}
+
+TextLayout::~TextLayout() = default;
+
+void TextLayout::setFont(const QFont& font, std::optional<qreal> rowHeight)
+{
+    metrics_.font = font;
+    const QFontMetricsF measure(font);
+    metrics_.rowHeight = std::max<qreal>(1, rowHeight.value_or(std::ceil(measure.ascent() + measure.descent())));
+    metrics_.baseline = std::round((metrics_.rowHeight - measure.ascent() - measure.descent()) / 2 + measure.ascent());
+    advance_ = std::max<qreal>(1, measure.horizontalAdvance(u'0'));
+    metrics_.tabStop = advance_ * columnsPerTab;
+    pieces_.clear();
+    estimateAll();
+}
+
+void TextLayout::setWidth(qreal width)
+{
+    const qreal wanted = std::max(width, advance_);
+    if (wanted != metrics_.width) {
+        metrics_.width = wanted;
+        estimateAll();
+    }
+}
+
+qsizetype TextLayout::lineAtY(qreal y) const
+{
+    return table_.at(static_cast<qsizetype>(std::floor(y / metrics_.rowHeight))).line;
+}
+
+PagePlace TextLayout::pagePlaceAt(qreal y) const
+{
+    const PieceKey key = pieceOfRow(table_.at(static_cast<qsizetype>(std::floor(y / metrics_.rowHeight))));
+    return {pieceRange(key).location, y - topOfPiece(key)};
+}
+
+qreal TextLayout::yOf(PagePlace place) const
+{
+    return topOfPiece(pieceAt({place.offset, false})) + place.distance;
+}
+
+PagePlace TextLayout::movedBy(PagePlace place, qreal distance)
+{
+    const auto heightOf = [this](const PlacedPiece& piece) { return piece.layout->rowCount() * metrics_.rowHeight; };
+    PlacedPiece piece = ensure(pieceAt({place.offset, false}));
+    distance += place.distance;
+    while (distance < 0) {
+        const auto above = previousPiece(piece.key);
+        if (!above) {
+            break;
+        }
+        piece = ensure(*above);
+        distance += heightOf(piece);
+    }
+    while (distance >= heightOf(piece)) {
+        const auto below = nextPiece(piece.key);
+        if (!below) {
+            break;
+        }
+        distance -= heightOf(piece);
+        piece = ensure(*below);
+    }
+    return {piece.range.location, distance};
+}
+
+PagePlace TextLayout::carriedOver(PagePlace place, const TextEdit& edit)
+{
+    const qsizetype offset = std::min(edit.moved(place.offset, false), storage_.length());
+    const PieceKey key = pieceAt({offset, false});
+    const qsizetype start = pieceRange(key).location;
+    // Where the line is cut otherwise now, the row that has the old start takes its place.
+    const qreal inPiece = start == offset ? 0 : rowOf({offset, false}).top - topOfPiece(key);
+    return {start, inPiece + place.distance};
+}
+
+std::vector<TextRow> TextLayout::rowsBetween(qreal top, qreal bottom)
+{
+    std::vector<TextRow> rows;
+    std::optional<PieceKey> key = pieceOfRow(table_.at(static_cast<qsizetype>(std::floor(top / metrics_.rowHeight))));
+    for (qreal y = topOfPiece(*key); key && y < bottom; key = nextPiece(*key)) {
+        const PlacedPiece piece = ensure(*key);
+        for (int row = 0; row < piece.layout->rowCount() && y < bottom; ++row, y += metrics_.rowHeight) {
+            if (y + metrics_.rowHeight > top) {
+                rows.push_back(rowIn(piece, row, y));
+            }
+        }
+    }
+    return rows;
+}
+
+TextRow TextLayout::rowOf(CaretPlace place)
+{
+    const PlacedPiece piece = ensure(pieceAt(place));
+    const qsizetype offset = std::clamp(place.offset, piece.range.location, piece.range.end());
+    return rowIn(piece, piece.layout->rowAt(offset - piece.range.location, place.atRowEnd));
+}
+
+QRectF TextLayout::caretRect(CaretPlace place)
+{
+    const TextRow row = rowOf(place);
+    return {xInRow(row, place.offset), row.top, 0, metrics_.rowHeight};
+}
+
+CaretPlace TextLayout::placeAt(QPointF point)
+{
+    if (point.y() < 0) {
+        return {0, false};
+    }
+    if (point.y() >= height()) {
+        return {storage_.length(), false};
+    }
+    // Laying the line out may show that it has fewer rows than was estimated: then its last row is meant.
+    std::vector<TextRow> rows = rowsBetween(point.y(), point.y() + metrics_.rowHeight / 4);
+    if (rows.empty()) {
+        return {storage_.length(), false};
+    }
+    return placeInRow(rows.front(), point.x());
+}
+
+qreal TextLayout::xInRow(const TextRow& row, qsizetype offset)
+{
+    const auto [piece, number] = pieceOf(row);
+    return piece.layout->xAt(std::clamp(offset, row.range.location, row.range.end()) - piece.range.location, number);
+}
+
+std::vector<XSpan> TextLayout::spansInRow(const TextRow& row, TextRange range)
+{
+    const auto [piece, number] = pieceOf(row);
+    return piece.layout->spansOf({range.location - piece.range.location, range.length}, number);
+}
+
+CaretPlace TextLayout::placeInRow(const TextRow& row, qreal x)
+{
+    const auto [piece, number] = pieceOf(row);
+    const qsizetype offset = piece.range.location + piece.layout->offsetAt(x, number);
+    return {offset, !row.isLastOfLine && offset == row.range.end()};
+}
+
+std::optional<TextRow> TextLayout::neighbour(const TextRow& row, int direction)
+{
+    const auto [piece, number] = pieceOf(row);
+    const int wanted = direction > 0 ? number + 1 : number - 1;
+    if (wanted >= 0 && wanted < piece.layout->rowCount()) {
+        return rowIn(piece, wanted);
+    }
+    const auto key = direction > 0 ? nextPiece(piece.key) : previousPiece(piece.key);
+    if (!key) {
+        return {};
+    }
+    const PlacedPiece next = ensure(*key);
+    return rowIn(next, direction > 0 ? 0 : next.layout->rowCount() - 1);
+}
+
+void TextLayout::paintRow(QPainter& painter, const TextRow& row, QPointF pageOrigin)
+{
+    const auto [piece, number] = pieceOf(row);
+    piece.layout->paintRow(painter, pageOrigin + QPointF(0, row.top - number * metrics_.rowHeight), number);
+}
+
+void TextLayout::setPreedit(std::optional<Preedit> preedit)
+{
+    const auto forget = [this] {
+        if (preedit_) {
+            pieces_.erase(pieceAt({preedit_->offset, false}));
+        }
+    };
+    forget();
+    preedit_ = std::move(preedit);
+    forget();
+}
+
+std::optional<QRectF> TextLayout::preeditCaretRect()
+{
+    if (!preedit_ || !preedit_->cursor) {
+        return {};
+    }
+    const PlacedPiece piece = ensure(pieceAt({preedit_->offset, false}));
+    const auto [x, row] = piece.layout->preeditCaret();
+    return QRectF(x, topOfPiece(piece.key) + row * metrics_.rowHeight, 0, metrics_.rowHeight);
+}
+
+TextRange TextLayout::lineContent(qsizetype line) const
+{
+    const LineIndex& lines = storage_.lines();
+    const qsizetype start = lines.start(line);
+    qsizetype end = lines.end(line);
+    const QString& text = storage_.text();
+    if (line + 1 < lines.lineCount()) {
+        end -= end - start >= 2 && text[end - 1] == u'\n' && text[end - 2] == u'\r' ? 2 : 1;
+    }
+    return {start, end - start};
+}
+
+std::size_t TextLayout::pieceCount(qsizetype line) const
+{
+    const LinePieces* pieces = longLines_.find(line);
+    return pieces != nullptr ? pieces->starts.size() : 1;
+}
+
+std::optional<TextLayout::PieceKey> TextLayout::nextPiece(PieceKey key) const
+{
+    if (key.piece + 1 < pieceCount(key.line)) {
+        return PieceKey{key.line, key.piece + 1};
+    }
+    return key.line + 1 < table_.lineCount() ? std::optional(PieceKey{key.line + 1, 0}) : std::nullopt;
+}
+
+std::optional<TextLayout::PieceKey> TextLayout::previousPiece(PieceKey key) const
+{
+    if (key.piece > 0) {
+        return PieceKey{key.line, key.piece - 1};
+    }
+    return key.line > 0 ? std::optional(PieceKey{key.line - 1, pieceCount(key.line - 1) - 1}) : std::nullopt;
+}
+
+TextLayout::PieceKey TextLayout::pieceOfRow(RowPosition position) const
+{
+    const LinePieces* pieces = longLines_.find(position.line);
+    return {position.line, pieces != nullptr ? pieces->pieceAtRow(position.row) : 0};
+}
+
+TextRange TextLayout::pieceRange(PieceKey key) const
+{
+    const TextRange content = lineContent(key.line);
+    const LinePieces* pieces = longLines_.find(key.line);
+    if (pieces == nullptr) {
+        return content;
+    }
+    const qsizetype start = pieces->starts[key.piece];
+    const qsizetype end = key.piece + 1 < pieces->starts.size() ? pieces->starts[key.piece + 1] : content.length;
+    return {content.location + start, end - start};
+}
+
+TextLayout::PieceKey TextLayout::pieceAt(CaretPlace place) const
+{
+    const qsizetype offset = std::clamp<qsizetype>(place.offset, 0, storage_.length());
+    const qsizetype line = storage_.lines().lineAt(offset);
+    const LinePieces* pieces = longLines_.find(line);
+    if (pieces == nullptr) {
+        return {line, 0};
+    }
+    const qsizetype inLine = offset - storage_.lines().start(line);
+    const std::size_t piece = pieces->pieceAt(inLine);
+    return {line, place.atRowEnd && piece > 0 && pieces->starts[piece] == inLine ? piece - 1 : piece};
+}
+
+TextLayout::PlacedPiece TextLayout::ensure(PieceKey key)
+{
+    const TextRange range = pieceRange(key);
+    std::unique_ptr<LaidOutPiece>& piece = pieces_[key];
+    if (!piece) {
+        piece = makePiece(key, range);
+        ++layoutsMade_;
+        noteRows(key, piece->rowCount());
+    } else if (piece->wrappedFor != metrics_.width) {
+        piece->rewrap(metrics_);
+        ++layoutsMade_;
+        noteRows(key, piece->rowCount());
+    }
+    if (piece->colorsAreStale) {
+        // Letters of two colours are not drawn into one another; that can make a row longer.
+        piece->setColors(colorsOf(range), metrics_);
+        noteRows(key, piece->rowCount());
+    }
+    piece->lastUse = ++clock_;
+    LaidOutPiece* const layout = piece.get();
+    if (pieces_.size() > keptPieces) {
+        dropFarPieces();
+    }
+    return {layout, key, range, key.piece + 1 == pieceCount(key.line)};
+}
+
+std::unique_ptr<LaidOutPiece> TextLayout::makePiece(PieceKey key, TextRange range)
+{
+    std::optional<Preedit> composed;
+    if (preedit_ && pieceAt({preedit_->offset, false}) == key) {
+        composed = preedit_;
+        composed->offset = std::clamp<qsizetype>(composed->offset - range.location, 0, range.length);
+    }
+    return std::make_unique<LaidOutPiece>(storage_.substring(range), colorsOf(range), composed ? &*composed : nullptr,
+                                          metrics_);
+}
+
+std::vector<ColorRun> TextLayout::colorsOf(TextRange range) const
+{
+    std::vector<ColorRun> colors = storage_.foreground().runsIn(range);
+    for (ColorRun& run : colors) {
+        run.range.location -= range.location;
+    }
+    return colors;
+}
+
+void TextLayout::noteRows(PieceKey key, int rows)
+{
+    const qsizetype before = table_.rowsOf(key.line);
+    if (LinePieces* pieces = longLines_.find(key.line)) {
+        table_.setRows(key.line, static_cast<int>(before + rows - pieces->rows[key.piece]));
+        pieces->rows[key.piece] = rows;
+    } else {
+        table_.setRows(key.line, rows);
+    }
+    if (table_.rowsOf(key.line) != before) {
+        Q_EMIT rowsCorrected();
+    }
+}
+
+void TextLayout::dropFarPieces()
+{
+    std::vector<quint64> uses;
+    uses.reserve(pieces_.size());
+    for (const auto& [key, piece] : pieces_) {
+        uses.push_back(piece->lastUse);
+    }
+    const auto oldest = uses.begin() + static_cast<qsizetype>(uses.size() - keptPieces / 2);
+    std::nth_element(uses.begin(), oldest, uses.end());
+    std::erase_if(pieces_, [limit = *oldest](const auto& entry) { return entry.second->lastUse < limit; });
+}
+
+qreal TextLayout::topOfPiece(PieceKey key) const
+{
+    const LinePieces* pieces = longLines_.find(key.line);
+    const qsizetype before = pieces != nullptr ? pieces->rowsBefore(key.piece) : 0;
+    return topOfLine(key.line) + static_cast<qreal>(before) * metrics_.rowHeight;
+}
+
+TextRow TextLayout::rowIn(const PlacedPiece& piece, int row) const
+{
+    return rowIn(piece, row, topOfPiece(piece.key) + row * metrics_.rowHeight);
+}
+
+TextRow TextLayout::rowIn(const PlacedPiece& piece, int row, qreal top) const
+{
+    TextRange units = piece.layout->rowRange(row);
+    units.location += piece.range.location;
+    const bool isLast = piece.isLastOfLine && row + 1 == piece.layout->rowCount();
+    return {piece.key.line, units, top, piece.key.piece == 0 && row == 0, isLast, piece.key.piece, row};
+}
+
+std::pair<TextLayout::PlacedPiece, int> TextLayout::pieceOf(const TextRow& row)
+{
+    // A row that was kept across a change may be gone; the nearest one answers.
+    const qsizetype line = std::min(row.line, table_.lineCount() - 1);
+    const PlacedPiece piece = ensure({line, std::min(row.piece, pieceCount(line) - 1)});
+    return {piece, std::min(row.rowInPiece, piece.layout->rowCount() - 1)};
+}
+
+} // namespace kelm

@@ -1,0 +1,193 @@
+// Where the text of a storage stands on an endless page of a given width.
+#pragma once
+
+#include "text/layout/laid_out_piece.h"
+#include "text/layout/line_pieces.h"
+#include "text/layout/row_table.h"
+#include "text/storage/text_storage.h"
+
+#include <QFont>
+#include <QObject>
+#include <QPointF>
+#include <QRectF>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QPainter;
+
+namespace kelm {
+
+/// One row as it stands on the page.
+struct TextRow
+{
+    /// The line it belongs to, from 0.
+    qsizetype line = 0;
+    /// Its units, without the line's terminator.
+    TextRange range;
+    qreal top = 0;
+    bool isFirstOfLine = false;
+    bool isLastOfLine = false;
+    /// For the layout: the piece of the line, and which of the piece's rows it is.
+    std::size_t piece = 0;
+    int rowInPiece = 0;
+};
+
+/// A height on the page that stays where it is when lines above turn out to have other rows: a distance, possibly
+/// negative, from the top of the line, or of the piece of a long line, that begins at `offset`.
+struct PagePlace
+{
+    qsizetype offset = 0;
+    qreal distance = 0;
+
+    friend bool operator==(PagePlace, PagePlace) = default;
+};
+
+/// A caret's place between two units. At the border of two rows of one line the same offset stands in both.
+struct CaretPlace
+{
+    qsizetype offset = 0;
+    bool atRowEnd = false;
+
+    friend bool operator==(CaretPlace, CaretPlace) = default;
+};
+
+/// Rows of one fixed height, wrapped at the page's width. Lines are laid out when they are asked for and kept while
+/// they are near; for all others the number of rows is an estimate from their length. When a line turns out to have
+/// another number of rows, everything below it moves: whoever shows a part of the page remembers its place as a
+/// `PagePlace`, not as a y.
+///
+/// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each
+/// beginning a row. Main thread only.
+class TextLayout final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TextLayout(TextStorage& storage, QObject* parent = nullptr);
+    ~TextLayout() override;
+
+    const TextStorage& storage() const { return storage_; }
+    const QFont& font() const { return metrics_.font; }
+    /// Sets the font and the height of the rows: the font's own height, rounded up, where none is given.
+    void setFont(const QFont& font, std::optional<qreal> rowHeight = {});
+    qreal rowHeight() const { return metrics_.rowHeight; }
+    /// The width of one digit.
+    qreal advance() const { return advance_; }
+    qreal width() const { return metrics_.width; }
+    void setWidth(qreal width);
+
+    qreal height() const { return static_cast<qreal>(table_.rowCount()) * metrics_.rowHeight; }
+    /// The top of a line's first row.
+    qreal topOfLine(qsizetype line) const { return static_cast<qreal>(table_.firstRow(line)) * metrics_.rowHeight; }
+    /// The line at a y, the first or last one outside the page.
+    qsizetype lineAtY(qreal y) const;
+    PagePlace pagePlaceAt(qreal y) const;
+    qreal yOf(PagePlace place) const;
+    /// The place `distance` further down, or up. What lies between is laid out, so that no estimate is part of the way.
+    PagePlace movedBy(PagePlace place, qreal distance);
+    /// A place carried over an edit that the layout has taken in.
+    PagePlace carriedOver(PagePlace place, const TextEdit& edit);
+
+    /// The rows that meet top to bottom, laid out. What is above `top` is not laid out and keeps its estimate.
+    std::vector<TextRow> rowsBetween(qreal top, qreal bottom);
+    /// The row that shows a caret's place.
+    TextRow rowOf(CaretPlace place);
+    /// A rectangle without width at a caret's place, as high as a row.
+    QRectF caretRect(CaretPlace place);
+    CaretPlace placeAt(QPointF point);
+    /// The x at which an offset stands in a row.
+    qreal xInRow(const TextRow& row, qsizetype offset);
+    /// Where the units of a range stand in a row, in x.
+    std::vector<XSpan> spansInRow(const TextRow& row, TextRange range);
+    /// The place in a row that is nearest to an x.
+    CaretPlace placeInRow(const TextRow& row, qreal x);
+    /// The row above or below, absent at the page's end.
+    std::optional<TextRow> neighbour(const TextRow& row, int direction);
+
+    /// Paints the letters of rows in their colours; where they have none, in the painter's pen.
+    void paintRow(QPainter& painter, const TextRow& row, QPointF pageOrigin);
+
+    /// Shows a composition, or none.
+    void setPreedit(std::optional<Preedit> preedit);
+    const std::optional<Preedit>& preedit() const { return preedit_; }
+    /// Where the composition's own caret stands; absent without a composition or where it hides its caret.
+    std::optional<QRectF> preeditCaretRect();
+
+    /// How many pieces are laid out at the moment; for tests and benchmarks.
+    std::size_t cachedPieces() const { return pieces_.size(); }
+    /// How many pieces have been laid out or wrapped since the start; for tests and benchmarks.
+    quint64 layoutsMade() const { return layoutsMade_; }
+
+Q_SIGNALS:
+    /// Lines laid out just now take another number of rows than was estimated.
+    void rowsCorrected();
+
+private:
+    struct PieceKey
+    {
+        qsizetype line;
+        std::size_t piece;
+
+        // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the comparison that is made here for one with 0.
+        friend auto operator<=>(const PieceKey&, const PieceKey&) = default;
+    };
+    using Pieces = std::map<PieceKey, std::unique_ptr<LaidOutPiece>>;
+    /// A piece with its place: units from the start of the text, and its first row's top.
+    struct PlacedPiece
+    {
+        LaidOutPiece* layout;
+        PieceKey key;
+        TextRange range;
+        bool isLastOfLine;
+    };
+
+    void textEdited(const TextEdit& edit);
+    void longLineEdited(const TextEdit& edit);
+    void movePreedit(const TextEdit& edit);
+    void colorsChanged(TextRange range);
+    void estimateAll();
+    int estimatedRows(qsizetype units) const;
+    int estimateLine(qsizetype line);
+    void reestimate(qsizetype first, qsizetype removed, qsizetype added);
+    LinePieces cutLine(TextRange range) const;
+    void estimatePieces(LinePieces& pieces, qsizetype length) const;
+
+    /// A line's units without its terminator.
+    TextRange lineContent(qsizetype line) const;
+    std::size_t pieceCount(qsizetype line) const;
+    std::optional<PieceKey> nextPiece(PieceKey key) const;
+    std::optional<PieceKey> previousPiece(PieceKey key) const;
+    /// The piece at a row counted from the line's first.
+    PieceKey pieceOfRow(RowPosition position) const;
+    TextRange pieceRange(PieceKey key) const;
+    PieceKey pieceAt(CaretPlace place) const;
+    /// The piece, laid out for the width and colours of now.
+    PlacedPiece ensure(PieceKey key);
+    std::unique_ptr<LaidOutPiece> makePiece(PieceKey key, TextRange range);
+    std::vector<ColorRun> colorsOf(TextRange range) const;
+    void noteRows(PieceKey key, int rows);
+    void dropFarPieces();
+    /// Gives the pieces from `first` to before `last` other keys, which stay in order and meet no other's.
+    template <typename Rekey>
+    void rekeyPieces(PieceKey first, PieceKey last, Rekey rekey);
+    qreal topOfPiece(PieceKey key) const;
+    TextRow rowIn(const PlacedPiece& piece, int row) const;
+    TextRow rowIn(const PlacedPiece& piece, int row, qreal top) const;
+    /// The piece that a row belongs to, and which of the piece's rows it is.
+    std::pair<PlacedPiece, int> pieceOf(const TextRow& row);
+
+    TextStorage& storage_;
+    RowMetrics metrics_;
+    qreal advance_ = 1;
+    RowTable table_;
+    LongLines longLines_;
+    Pieces pieces_;
+    std::optional<Preedit> preedit_;
+    quint64 clock_ = 0;
+    quint64 layoutsMade_ = 0;
+};
+
+} // namespace kelm

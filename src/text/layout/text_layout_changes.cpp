@@ -1,0 +1,178 @@
+// How a layout takes in what changes: edits of the text, colours, and the estimates of rows that follow from them.
+#include "text/layout/text_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelm {
+
+template <typename Rekey>
+void TextLayout::rekeyPieces(PieceKey first, PieceKey last, Rekey rekey)
+{
+    Pieces moved;
+    const auto end = pieces_.lower_bound(last);
+    for (auto piece = pieces_.lower_bound(first); piece != end;) {
+        auto node = pieces_.extract(piece++);
+        rekey(node.key());
+        moved.insert(moved.end(), std::move(node));
+    }
+    pieces_.merge(moved);
+}
+
+void TextLayout::textEdited(const TextEdit& edit)
+{
+    movePreedit(edit);
+    if (edit.linesRemoved == 1 && edit.linesAdded == 1 && longLines_.find(edit.firstLine) != nullptr) {
+        longLineEdited(edit);
+        return;
+    }
+    // Pieces of the touched lines are laid out anew, those behind keep their layout under another line number.
+    const auto firstTouched = pieces_.lower_bound({edit.firstLine, 0});
+    const auto firstBehind = pieces_.lower_bound({edit.firstLine + edit.linesRemoved, 0});
+    const bool wasLaidOut = firstTouched != firstBehind;
+    pieces_.erase(firstTouched, firstBehind);
+    if (const qsizetype shift = edit.linesAdded - edit.linesRemoved; shift != 0) {
+        rekeyPieces({edit.firstLine, 0}, {storage_.lines().lineCount() + edit.linesRemoved, 0},
+                    [shift](PieceKey& key) { key.line += shift; });
+    }
+    longLines_.linesReplaced(edit);
+    const qsizetype units = storage_.lines().end(edit.firstLine) - storage_.lines().start(edit.firstLine);
+    if (wasLaidOut && edit.linesRemoved == 1 && edit.linesAdded == 1 && units <= longestPiece) {
+        // The rows that the line had are a better guess than any, and keep the page from jumping at each key.
+        return;
+    }
+    reestimate(edit.firstLine, edit.linesRemoved, edit.linesAdded);
+}
+
+void TextLayout::movePreedit(const TextEdit& edit)
+{
+    if (preedit_) {
+        preedit_->offset = std::min(edit.moved(preedit_->offset), storage_.length());
+    }
+}
+
+void TextLayout::longLineEdited(const TextEdit& edit)
+{
+    const qsizetype line = edit.firstLine;
+    const TextRange content = lineContent(line);
+    if (content.length <= longestPiece) {
+        // The line is short enough to be one piece again.
+        pieces_.erase(pieces_.lower_bound({line, 0}), pieces_.lower_bound({line + 1, 0}));
+        longLines_.erase(line);
+        reestimate(line, 1, 1);
+        return;
+    }
+    LinePieces& pieces = *longLines_.find(line);
+    const qsizetype editStart = edit.range.location - content.location;
+    std::size_t first = pieces.pieceAt(std::max<qsizetype>(0, editStart - 1));
+    std::size_t last = pieces.pieceAt(editStart + edit.range.length);
+    const std::size_t oldCount = pieces.starts.size();
+
+    // Only the touched pieces are cut anew, with a neighbour where little is left of them. Those behind keep their cuts
+    // and their layout under another number.
+    const auto newStart = [&] { return pieces.starts[first]; };
+    const auto newEnd = [&] {
+        return last + 1 < oldCount ? pieces.starts[last + 1] + edit.changeInLength() : content.length;
+    };
+    if (newEnd() - newStart() < shortestPiece) {
+        if (last + 1 < oldCount) {
+            ++last;
+        } else if (first > 0) {
+            --first;
+        }
+    }
+    LinePieces fresh = cutLine({content.location + newStart(), newEnd() - newStart()});
+    if (first == last && fresh.rows.size() == 1) {
+        fresh.rows[0] = pieces.rows[first];
+    }
+    pieces_.erase(pieces_.lower_bound({line, first}), pieces_.lower_bound({line, last + 1}));
+    const std::size_t touched = last - first + 1;
+    if (fresh.starts.size() != touched) {
+        // Unsigned numbers wrap around: the difference may be negative.
+        rekeyPieces({line, last + 1}, {line + 1, 0},
+                    [shift = fresh.starts.size() - touched](PieceKey& key) { key.piece += shift; });
+    }
+    pieces.replace(first, touched, fresh, edit.changeInLength());
+    table_.setRows(line, static_cast<int>(pieces.rowCount()));
+}
+
+void TextLayout::colorsChanged(TextRange range)
+{
+    for (auto& [key, piece] : pieces_) {
+        const TextRange units = pieceRange(key);
+        if (units.end() > range.location && units.location < range.end()) {
+            piece->colorsAreStale = true;
+        }
+    }
+}
+
+void TextLayout::estimateAll()
+{
+    const LineIndex& lines = storage_.lines();
+    std::vector<int> rows(static_cast<std::size_t>(lines.lineCount()));
+    for (qsizetype line = 0; line < lines.lineCount(); ++line) {
+        rows[static_cast<std::size_t>(line)] = estimateLine(line);
+    }
+    table_.assign(rows);
+    // What is laid out already is known better.
+    for (const auto& [key, piece] : pieces_) {
+        piece->wrappedFor = -1;
+    }
+}
+
+int TextLayout::estimatedRows(qsizetype units) const
+{
+    const auto columns = std::max<qsizetype>(1, static_cast<qsizetype>(metrics_.width / advance_));
+    return static_cast<int>(std::max<qsizetype>(1, (units + columns - 1) / columns));
+}
+
+int TextLayout::estimateLine(qsizetype line)
+{
+    const LineIndex& lines = storage_.lines();
+    const qsizetype units = lines.end(line) - lines.start(line);
+    if (units <= longestPiece) {
+        // A terminator of one unit is as good as always there.
+        return estimatedRows(std::max<qsizetype>(0, units - 1));
+    }
+    const TextRange content = lineContent(line);
+    if (content.length <= longestPiece) {
+        return estimatedRows(content.length);
+    }
+    LinePieces* pieces = longLines_.find(line);
+    if (pieces == nullptr) {
+        pieces = longLines_.insert(line, cutLine(content));
+    } else {
+        // The cuts stay, since pieces that are laid out already stand on them.
+        estimatePieces(*pieces, content.length);
+    }
+    return static_cast<int>(pieces->rowCount());
+}
+
+void TextLayout::reestimate(qsizetype first, qsizetype removed, qsizetype added)
+{
+    std::vector<int> rows;
+    rows.reserve(static_cast<std::size_t>(added));
+    for (qsizetype line = first; line < first + added; ++line) {
+        rows.push_back(estimateLine(line));
+    }
+    table_.replaceLines(first, removed, rows);
+}
+
+LinePieces TextLayout::cutLine(TextRange range) const
+{
+    LinePieces pieces;
+    pieces.starts = cutIntoPieces(QStringView(storage_.text()).mid(range.location, range.length));
+    estimatePieces(pieces, range.length);
+    return pieces;
+}
+
+void TextLayout::estimatePieces(LinePieces& pieces, qsizetype length) const
+{
+    pieces.rows.clear();
+    for (std::size_t piece = 0; piece < pieces.starts.size(); ++piece) {
+        const qsizetype end = piece + 1 < pieces.starts.size() ? pieces.starts[piece + 1] : length;
+        pieces.rows.push_back(estimatedRows(end - pieces.starts[piece]));
+    }
+}
+
+} // namespace kelm

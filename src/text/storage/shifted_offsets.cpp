@@ -1,0 +1,87 @@
+#include "text/storage/shifted_offsets.h"
+
+#include <algorithm>
+
+namespace kelm {
+
+namespace {
+
+template <typename Predicate>
+qsizetype partitionPoint(qsizetype size, Predicate isBefore)
+{
+    qsizetype low = 0;
+    qsizetype high = size;
+    while (low < high) {
+        const qsizetype middle = low + (high - low) / 2;
+        if (isBefore(middle)) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low;
+}
+
+} // namespace
+
+qsizetype ShiftedOffsets::upperBound(qsizetype offset) const
+{
+    return partitionPoint(size(), [&](qsizetype index) { return at(index) <= offset; });
+}
+
+qsizetype ShiftedOffsets::lowerBound(qsizetype offset) const
+{
+    return partitionPoint(size(), [&](qsizetype index) { return at(index) < offset; });
+}
+
+void ShiftedOffsets::reset(std::vector<qsizetype> offsets)
+{
+    offsets_ = std::move(offsets);
+    shiftFrom_ = size();
+    shift_ = 0;
+}
+
+void ShiftedOffsets::shift(qsizetype index, qsizetype distance)
+{
+    if (distance == 0 || index >= size()) {
+        return;
+    }
+    moveShiftTo(index);
+    shift_ += distance;
+}
+
+void ShiftedOffsets::set(qsizetype index, qsizetype offset)
+{
+    offsets_[static_cast<std::size_t>(index)] = index >= shiftFrom_ ? offset - shift_ : offset;
+}
+
+void ShiftedOffsets::replace(qsizetype index, qsizetype count, const std::vector<qsizetype>& added)
+{
+    // What is put in is exact: the pending distance begins behind it.
+    moveShiftTo(index + count);
+    const auto addedCount = static_cast<qsizetype>(added.size());
+    const auto first = offsets_.begin() + index;
+    const qsizetype common = std::min(count, addedCount);
+    std::copy_n(added.begin(), common, first);
+    if (count > common) {
+        offsets_.erase(first + common, first + count);
+    } else {
+        offsets_.insert(first + common, added.begin() + common, added.end());
+    }
+    shiftFrom_ = index + addedCount;
+}
+
+void ShiftedOffsets::moveShiftTo(qsizetype index)
+{
+    if (shift_ != 0) {
+        for (qsizetype i = shiftFrom_; i < index; ++i) {
+            offsets_[static_cast<std::size_t>(i)] += shift_;
+        }
+        for (qsizetype i = index; i < shiftFrom_; ++i) {
+            offsets_[static_cast<std::size_t>(i)] -= shift_;
+        }
+    }
+    shiftFrom_ = index;
+}
+
+} // namespace kelm

@@ -1,0 +1,134 @@
+#include "text/storage/text_storage.h"
+
+#include <utility>
+
+namespace kelm {
+
+TextStorage::TextStorage(QObject* parent) : QObject(parent) {}
+
+QString TextStorage::substring(TextRange range) const
+{
+    const TextRange wanted = range.clampedTo(length());
+    return text_.mid(wanted.location, wanted.length);
+}
+
+TextRange TextStorage::lineRange(TextRange range) const
+{
+    const TextRange wanted = range.clampedTo(length());
+    const qsizetype start = lines_.start(lines_.lineAt(wanted.location));
+    const qsizetype last = wanted.isEmpty() ? wanted.location : wanted.end() - 1;
+    return TextRange::between(start, lines_.end(lines_.lineAt(last)));
+}
+
+void TextStorage::beginEditing()
+{
+    ++depth_;
+}
+
+void TextStorage::endEditing()
+{
+    if (--depth_ > 0) {
+        return;
+    }
+    // A receiver may edit in turn; what it does then has signals of its own.
+    const auto edit = std::exchange(pendingEdit_, {});
+    const auto colors = std::exchange(pendingColors_, {});
+    if (edit) {
+        Q_EMIT edited(*edit);
+    }
+    if (colors && !colors->isEmpty()) {
+        Q_EMIT attributesChanged(*colors);
+    }
+}
+
+void TextStorage::replace(TextRange range, QStringView replacement)
+{
+    const TextRange wanted = range.clampedTo(length());
+    if (wanted.isEmpty() && replacement.isEmpty()) {
+        return;
+    }
+    const EditingBracket bracket(*this);
+    if (!pendingEdit_) {
+        Q_EMIT willEdit();
+    }
+    Q_EMIT willReplace(wanted, replacement);
+    const qsizetype oddRemoved = LineIndex::countOdd(text_, LineIndex::affected(wanted, length()));
+    if (wanted.location == length()) {
+        // Room at the end grows without a copy where the system can move pages.
+        text_.append(replacement);
+    } else {
+        text_.replace(wanted.location, wanted.length, replacement.data(), replacement.size());
+    }
+    ++revision_;
+    const TextEdit edit = lines_.replace(text_, wanted, replacement.size(), oddRemoved);
+    foreground_.textReplaced(wanted, replacement.size());
+    background_.textReplaced(wanted, replacement.size());
+    pendingEdit_ = pendingEdit_ ? pendingEdit_->followedBy(edit) : edit;
+    if (pendingColors_) {
+        const qsizetype start = edit.moved(pendingColors_->location);
+        pendingColors_ = TextRange::between(start, std::max(start, edit.moved(pendingColors_->end())));
+    }
+}
+
+void TextStorage::setText(const QString& text)
+{
+    const EditingBracket bracket(*this);
+    if (!pendingEdit_) {
+        Q_EMIT willEdit();
+    }
+    Q_EMIT willReset();
+    TextEdit edit{{0, length()}, text.size(), 0, lines_.lineCount(), 0};
+    text_ = text;
+    ++revision_;
+    lines_.rebuild(text_);
+    foreground_.clear(length());
+    background_.clear(length());
+    edit.linesAdded = lines_.lineCount();
+    pendingEdit_ = pendingEdit_ ? pendingEdit_->followedBy(edit) : edit;
+    pendingColors_.reset();
+}
+
+void TextStorage::setForeground(TextRange range, ColorRuns::Color color)
+{
+    const EditingBracket bracket(*this);
+    foreground_.set(range, color);
+    colorsChanged(range.clampedTo(length()));
+}
+
+void TextStorage::setForeground(const std::vector<ColorRun>& runs)
+{
+    if (runs.empty()) {
+        return;
+    }
+    const EditingBracket bracket(*this);
+    foreground_.set(runs);
+    colorsChanged(TextRange::between(runs.front().range.location, runs.back().range.end()).clampedTo(length()));
+}
+
+void TextStorage::assignForeground(const std::vector<ColorRun>& runs)
+{
+    const EditingBracket bracket(*this);
+    colorsChanged(foreground_.assign(runs));
+}
+
+void TextStorage::setBackground(TextRange range, ColorRuns::Color color)
+{
+    const EditingBracket bracket(*this);
+    background_.set(range, color);
+    colorsChanged(range.clampedTo(length()));
+}
+
+void TextStorage::colorsChanged(TextRange range)
+{
+    if (range.isEmpty()) {
+        return;
+    }
+    if (!pendingColors_) {
+        pendingColors_ = range;
+        return;
+    }
+    pendingColors_ = TextRange::between(std::min(pendingColors_->location, range.location),
+                                        std::max(pendingColors_->end(), range.end()));
+}
+
+} // namespace kelm

@@ -1,0 +1,176 @@
+#include "workbench/view/document_status.h"
+
+#include "text/boundaries/text_boundaries.h"
+#include "workbench/text_counts.h"
+#include "workbench/view/status_bar_items.h"
+
+#include <QHBoxLayout>
+#include <QMenu>
+
+#include <array>
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+constexpr int itemSpacing = 2;
+
+constexpr std::array indentStyles{IndentStyle::spaces(2), IndentStyle::spaces(4), IndentStyle::spaces(8),
+                                  IndentStyle::tabs()};
+
+QString indentLabel(IndentStyle indentStyle)
+{
+    return indentStyle.isTabs() ? u"Tabs"_s : u"Spaces: "_s + QString::number(*indentStyle.spaceCount());
+}
+
+void addChoice(QMenu& menu, const QString& label, bool isCurrent, std::function<void()> choose)
+{
+    QAction* action = menu.addAction(label, &menu, std::move(choose));
+    action->setCheckable(true);
+    action->setChecked(isCurrent);
+}
+
+QHBoxLayout* makeRow(QWidget* parent)
+{
+    auto* row = new QHBoxLayout(parent);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(itemSpacing);
+    return row;
+}
+
+} // namespace
+
+DocumentLeftStatus::DocumentLeftStatus(std::shared_ptr<Document> document, QWidget* parent)
+    : QWidget(parent), document_(std::move(document))
+{
+    language_ = new StatusBarMenu(
+        document_->language().iconName(), {},
+        [this](QMenu& menu) {
+            for (const Language language : Language::allCases()) {
+                addChoice(menu, language.rawValue(), language == document_->language(),
+                          [this, language] { document_->setExplicitLanguage(language); });
+            }
+        },
+        this);
+    encoding_ = new StatusBarMenu(
+        {}, {},
+        [this](QMenu& menu) {
+            for (const FileEncoding encoding : FileEncoding::allCases()) {
+                addChoice(menu, encoding.rawValue(), encoding == FileEncoding::from(document_->encoding()),
+                          [this, encoding] { document_->setEncoding(encoding.platformEncoding()); });
+            }
+        },
+        this);
+    lineEnding_ = new StatusBarMenu(
+        {}, {},
+        [this](QMenu& menu) {
+            for (const LineEnding lineEnding : LineEnding::allCases()) {
+                addChoice(menu, lineEnding.label(), lineEnding == document_->lineEnding(),
+                          [this, lineEnding] { document_->setLineEnding(lineEnding); });
+            }
+        },
+        this);
+    language_->setHelp(tr("Language"));
+    encoding_->setHelp(tr("Encoding"));
+    lineEnding_->setHelp(tr("Line ending"));
+
+    QHBoxLayout* row = makeRow(this);
+    for (QWidget* item : {language_, encoding_, lineEnding_}) {
+        row->addWidget(item);
+    }
+    connect(document_.get(), &Document::languageChanged, this, &DocumentLeftStatus::takeDocument);
+    connect(document_.get(), &Document::encodingChanged, this, &DocumentLeftStatus::takeDocument);
+    connect(document_.get(), &Document::lineEndingChanged, this, &DocumentLeftStatus::takeDocument);
+    takeDocument();
+}
+
+void DocumentLeftStatus::takeDocument()
+{
+    language_->setSymbol(document_->language().iconName());
+    language_->setText(document_->language().rawValue());
+    encoding_->setText(FileEncoding::from(document_->encoding()).rawValue());
+    lineEnding_->setText(document_->lineEnding().label());
+    for (QWidget* item : {language_, encoding_, lineEnding_}) {
+        item->updateGeometry();
+    }
+}
+
+DocumentRightStatus::DocumentRightStatus(std::shared_ptr<Document> document, QWidget* parent)
+    : QWidget(parent),
+      document_(std::move(document)),
+      lineCounter_(new LineCounter(*document_, this)),
+      position_(new StatusBarItem({}, {}, false, this)),
+      selection_(new StatusBarItem({}, {}, true, this)),
+      lines_(new StatusBarMenu(
+          u"doc.text"_s, {}, [this](QMenu& menu) { fillCounts(menu); }, this)),
+      indent_(new StatusBarMenu(
+          {}, {},
+          [this](QMenu& menu) {
+              for (const IndentStyle indentStyle : indentStyles) {
+                  addChoice(menu, indentLabel(indentStyle), indentStyle == document_->indentStyle(),
+                            [this, indentStyle] { document_->setIndentStyle(indentStyle); });
+              }
+          },
+          this))
+{
+    lines_->setHelp(tr("Counts"));
+    indent_->setHelp(tr("Indentation"));
+    QHBoxLayout* row = makeRow(this);
+    for (QWidget* item : std::initializer_list<QWidget*>{position_, selection_, lines_, indent_}) {
+        row->addWidget(item);
+    }
+    connect(document_.get(), &Document::cursorPositionChanged, this, &DocumentRightStatus::takePosition);
+    connect(document_.get(), &Document::selectionChanged, this, &DocumentRightStatus::takeSelection);
+    connect(document_.get(), &Document::indentStyleChanged, this, &DocumentRightStatus::takeIndentStyle);
+    connect(lineCounter_, &LineCounter::countChanged, this, &DocumentRightStatus::takeLineCount);
+    takePosition();
+    takeSelection();
+    takeLineCount();
+    takeIndentStyle();
+}
+
+void DocumentRightStatus::takePosition()
+{
+    const CursorPosition& position = document_->cursorPosition();
+    position_->setText(u"Ln "_s + QString::number(position.line) + u", Col "_s + QString::number(position.column));
+}
+
+void DocumentRightStatus::takeSelection()
+{
+    const std::optional<TextSelection>& selection = document_->selection();
+    selection_->setVisible(selection.has_value());
+    if (selection) {
+        const qsizetype length = std::abs(selection->end.offset - selection->start.offset);
+        selection_->setText(QString::number(length) + u" selected"_s);
+    }
+}
+
+void DocumentRightStatus::takeLineCount()
+{
+    lines_->setText(QString::number(lineCounter_->count()) + u" lines"_s);
+    lines_->updateGeometry();
+}
+
+void DocumentRightStatus::takeIndentStyle()
+{
+    indent_->setText(indentLabel(document_->indentStyle()));
+    indent_->updateGeometry();
+}
+
+void DocumentRightStatus::fillCounts(QMenu& menu) const
+{
+    const QString& content = document_->content();
+    const std::array counts{
+        u"Lines: "_s + QString::number(newlineSeparatedCount(content)),
+        u"Characters: "_s + QString::number(graphemeCount(content)),
+        u"Words: "_s + QString::number(wordCount(content)),
+    };
+    for (const QString& count : counts) {
+        menu.addAction(count)->setEnabled(false);
+    }
+}
+
+} // namespace kelm

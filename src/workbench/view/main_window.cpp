@@ -1,0 +1,224 @@
+#include "workbench/view/main_window.h"
+
+#include "learning/view/learning_mode_side_panel.h"
+#include "platform/events/main_queue.h"
+#include "platform/view/divider.h"
+#include "settings/view/settings_view.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/focus_order.h"
+#include "workbench/view/menu_bar.h"
+#include "workbench/view/status_bar_view.h"
+#include "workbench/view/tab_bar_view.h"
+#include "workbench/view/tool_bar_view.h"
+#include "workbench/view/window_overlays.h"
+#include "workbench/view/window_panels.h"
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+namespace kelm {
+
+namespace {
+
+constexpr QSize smallestSize(900, 600);
+constexpr QSize firstSize(1200, 800);
+
+QSplitter* makeSplitter(Qt::Orientation orientation, QWidget* parent)
+{
+    auto* splitter = new QSplitter(orientation, parent);
+    splitter->setChildrenCollapsible(false);
+    splitter->setHandleWidth(1);
+    return splitter;
+}
+
+template <typename Layout>
+Layout* makeTightLayout(QWidget* parent)
+{
+    auto* layout = new Layout(parent);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    return layout;
+}
+
+} // namespace
+
+MainWindow::MainWindow(const Services& services, QWidget* parent)
+    : QMainWindow(parent),
+      appState_(services.appState),
+      themeManager_(services.themeManager),
+      workspace_(services.workspace),
+      userDefaults_(services.userDefaults)
+{
+    setWindowTitle(QStringLiteral("KelmWright"));
+    resize(firstSize);
+    setAcceptDrops(true);
+    setMenuBar(makeMenuBar(
+        appState_, [this] { openSettings(); }, this));
+    buildStack();
+    connectState();
+    takeSidebar();
+    takeBottomPanel();
+    takeLessonPanel();
+    takeTheme();
+    new WindowOverlays(appState_, *this);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::openSettings()
+{
+    if (!settings_) {
+        settings_ = std::make_unique<SettingsView>(userDefaults_, themeManager_);
+        settings_->move(frameGeometry().center() - settings_->rect().center());
+    }
+    settings_->show();
+    settings_->raise();
+    settings_->activateWindow();
+}
+
+void MainWindow::buildStack()
+{
+    auto* stack = new QWidget(this);
+    // A menu bar that stands in the window comes on top of it.
+    stack->setMinimumSize(smallestSize);
+    toolbar_ = new ToolbarView(
+        appState_, themeManager_, [this] { openSettings(); }, stack);
+    columns_ = makeSplitter(Qt::Horizontal, stack);
+    rows_ = makeSplitter(Qt::Vertical, columns_);
+    auto* upper = new QWidget(rows_);
+    tabBar_ = new TabBarView(appState_, themeManager_, workspace_, upper);
+    auto* editors = new QWidget(upper);
+    editorArea_ = new EditorArea(appState_, themeManager_, editors);
+    statusBar_ = new StatusBarView(appState_, themeManager_, stack);
+
+    editorRow_ = makeTightLayout<QHBoxLayout>(editors);
+    editorRow_->addWidget(editorArea_, 1);
+    auto* upperColumn = makeTightLayout<QVBoxLayout>(upper);
+    upperColumn->addWidget(tabBar_);
+    upperColumn->addWidget(editors, 1);
+    rows_->addWidget(upper);
+    rows_->setStretchFactor(0, 1);
+    columns_->addWidget(rows_);
+    columns_->setStretchFactor(0, 1);
+
+    auto* column = makeTightLayout<QVBoxLayout>(stack);
+    column->addWidget(toolbar_);
+    column->addWidget(columns_, 1);
+    column->addWidget(statusBar_);
+    setCentralWidget(stack);
+}
+
+void MainWindow::connectState()
+{
+    connect(&appState_, &AppState::showSidebarChanged, this, &MainWindow::takeSidebar);
+    connect(&appState_, &AppState::showBottomPanelChanged, this, &MainWindow::takeBottomPanel);
+    connect(&appState_, &AppState::currentDocumentChanged, this, &MainWindow::takeLessonPanel);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &MainWindow::takeTheme);
+}
+
+void MainWindow::takeSidebar()
+{
+    if (appState_.showSidebar() == (sidebar_ != nullptr)) {
+        return;
+    }
+    if (sidebar_ != nullptr) {
+        // It may be one of its own controls that hides it.
+        sidebar_->hide();
+        sidebar_->setParent(nullptr);
+        sidebar_->deleteLater();
+        sidebar_ = nullptr;
+        return;
+    }
+    const auto makeContent = [this](SidebarTab tab, QWidget* parent) {
+        return makeSidebarContent(tab, appState_, themeManager_, parent);
+    };
+    sidebar_ = new SidebarView(themeManager_, makeContent, columns_);
+    columns_->insertWidget(0, sidebar_);
+    columns_->setStretchFactor(0, 0);
+    columns_->setStretchFactor(1, 1);
+    columns_->setSizes({sidebar_->sizeHint().width(), columns_->width() - sidebar_->sizeHint().width()});
+    sidebar_->show();
+}
+
+void MainWindow::takeBottomPanel()
+{
+    if (bottomPanel_ == nullptr && appState_.showBottomPanel()) {
+        bottomPanel_ = new BottomPanel(appState_, themeManager_, bottomPanelPages(appState_, themeManager_), rows_);
+        rows_->addWidget(bottomPanel_);
+        rows_->setStretchFactor(0, 1);
+        rows_->setStretchFactor(1, 0);
+        rows_->setSizes({rows_->height() - bottomPanel_->sizeHint().height(), bottomPanel_->sizeHint().height()});
+    }
+    if (bottomPanel_ == nullptr) {
+        return;
+    }
+    const bool hadKeyboard = bottomPanel_->isAncestorOf(focusWidget());
+    bottomPanel_->setVisible(appState_.showBottomPanel());
+    if (appState_.showBottomPanel()) {
+        // Who shows the panel for a run's output selects that page only afterwards.
+        onMainQueue(this, [this] { bottomPanel_->focusTerminal(); });
+    } else if (hadKeyboard) {
+        editorArea_->focusCurrentEditor();
+    }
+}
+
+void MainWindow::takeLessonPanel()
+{
+    // The panel and its divider come and go with the tab.
+    delete lessonPanel_;
+    lessonPanel_ = nullptr;
+    const std::shared_ptr<Document> document = appState_.currentDocument();
+    if (!document || !document->lessonInfo()) {
+        return;
+    }
+    lessonPanel_ = new QWidget(editorArea_->parentWidget());
+    auto* row = makeTightLayout<QHBoxLayout>(lessonPanel_);
+    row->addWidget(new Divider(Qt::Vertical, lessonPanel_));
+    row->addWidget(new LearningModeSidePanel(*document->lessonInfo(), appState_.codeRunner(), workspace_,
+                                             Scheduler::system(), lessonPanel_));
+    editorRow_->addWidget(lessonPanel_);
+}
+
+void MainWindow::takeTheme()
+{
+    QPalette colors = menuBar()->palette();
+    colors.setColor(QPalette::Window, themeManager_.currentTheme().backgroundColor.toColor());
+    menuBar()->setPalette(colors);
+    centralWidget()->setPalette(colors);
+    centralWidget()->setAutoFillBackground(true);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    const QList<QWidget*> regions{toolbar_, sidebar_, tabBar_, editorArea_, lessonPanel_, bottomPanel_, statusBar_};
+    QWidget* const stop = nextFocusStop(regions, focusWidget(), next);
+    if (stop != nullptr) {
+        stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    }
+    return stop != nullptr;
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
+            appState_.setCurrentProject(url);
+        } else {
+            appState_.openFile(url);
+        }
+    }
+    event->acceptProposedAction();
+}
+
+} // namespace kelm

@@ -1,0 +1,92 @@
+// The program's one window.
+#pragma once
+
+#include "app/state/app_state.h"
+#include "editor/themes/theme_manager.h"
+#include "platform/desktop/workspace.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QBoxLayout;
+class QSplitter;
+
+namespace kelm {
+
+class BottomPanel;
+class EditorArea;
+class OverlayLayer;
+class SettingsView;
+class SidebarView;
+class StatusBarView;
+class TabBarView;
+class ToolbarView;
+
+/// Toolbar, sidebar, tabs, editor, panels and status bar, and the overlays above them. Whether a panel or an overlay is
+/// shown is a flag of the state, and a change of the flag is all that shows or hides it. Files that are dropped on the
+/// window open, and a folder becomes the project.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// What the window shows and reaches; all of it outlives the window.
+    struct Services
+    {
+        AppState& appState;
+        ThemeManager& themeManager;
+        Workspace& workspace;
+        UserDefaults& userDefaults;
+    };
+
+    explicit MainWindow(const Services& services, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Shows the settings window, or brings it to the front.
+    void openSettings();
+    /// Null until it is first shown.
+    SettingsView* settings() const { return settings_.get(); }
+
+    EditorArea& editorArea() { return *editorArea_; }
+    ToolbarView& toolbar() { return *toolbar_; }
+    TabBarView& tabBar() { return *tabBar_; }
+    StatusBarView& statusBarView() { return *statusBar_; }
+    /// Null while it is not shown.
+    SidebarView* sidebar() const { return sidebar_; }
+    /// Null until it is first shown.
+    BottomPanel* bottomPanel() const { return bottomPanel_; }
+    /// The panel beside the editor, or null.
+    QWidget* lessonPanel() const { return lessonPanel_; }
+
+protected:
+    bool focusNextPrevChild(bool next) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void buildStack();
+    void takeSidebar();
+    void takeBottomPanel();
+    void takeLessonPanel();
+    void takeTheme();
+    void connectState();
+
+    AppState& appState_;
+    ThemeManager& themeManager_;
+    Workspace& workspace_;
+    UserDefaults& userDefaults_;
+    ToolbarView* toolbar_ = nullptr;
+    QSplitter* columns_ = nullptr;
+    QSplitter* rows_ = nullptr;
+    QBoxLayout* editorRow_ = nullptr;
+    TabBarView* tabBar_ = nullptr;
+    EditorArea* editorArea_ = nullptr;
+    StatusBarView* statusBar_ = nullptr;
+    SidebarView* sidebar_ = nullptr;
+    BottomPanel* bottomPanel_ = nullptr;
+    QWidget* lessonPanel_ = nullptr;
+    std::unique_ptr<SettingsView> settings_;
+};
+
+} // namespace kelm

@@ -1,0 +1,212 @@
+#include "workbench/view/menu_bar.h"
+
+#include "app/commands/command_table.h"
+#include "workbench/view/responder.h"
+
+#include <QCoreApplication>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+
+#include <array>
+
+namespace kelm {
+
+namespace {
+
+/// An item of the standard editing group: it goes to whatever has the keyboard, by the name of its slot.
+struct StandardItem
+{
+    Command command;
+    const char* label;
+    QKeySequence::StandardKey key;
+    const char* slot;
+};
+
+constexpr std::array<StandardItem, 6> editingItems{{
+    {Command::undo, QT_TRANSLATE_NOOP("kelm", "Undo"), QKeySequence::Undo, "undo"},
+    {Command::redo, QT_TRANSLATE_NOOP("kelm", "Redo"), QKeySequence::Redo, "redo"},
+    {Command::cut, QT_TRANSLATE_NOOP("kelm", "Cut"), QKeySequence::Cut, "cut"},
+    {Command::copy, QT_TRANSLATE_NOOP("kelm", "Copy"), QKeySequence::Copy, "copy"},
+    {Command::paste, QT_TRANSLATE_NOOP("kelm", "Paste"), QKeySequence::Paste, "paste"},
+    {Command::selectAll, QT_TRANSLATE_NOOP("kelm", "Select All"), QKeySequence::SelectAll, "selectAll"},
+}};
+
+/// The text view's find bar, on keys that the command table leaves free.
+struct FindItem
+{
+    Command command;
+    const char* label;
+    QKeyCombination key;
+    const char* slot;
+};
+
+constexpr std::array<FindItem, 5> findItems{{
+    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
+    {Command::showReplaceBar, QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R,
+     "showReplaceBar"},
+    {Command::findNext, QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
+    {Command::findPrevious, QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
+    {Command::useSelectionForFind, QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_F3,
+     "useSelectionForFind"},
+}};
+
+void identify(QAction& action, Command command)
+{
+    action.setData(int(command));
+}
+
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);
+
+void addSubmenu(QMenu& menu, const MenuItem& item, AppState& appState)
+{
+    QMenu* submenu = menu.addMenu(item.label);
+    if (!item.makeItems) {
+        addItems(*submenu, item.items, appState);
+        return;
+    }
+    const auto refill = [submenu, makeItems = item.makeItems, &appState] {
+        submenu->clear();
+        addItems(*submenu, makeItems(appState), appState);
+    };
+    refill();
+    QObject::connect(submenu, &QMenu::aboutToShow, submenu, refill);
+}
+
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState)
+{
+    for (const MenuItem& item : items) {
+        switch (item.kind) {
+        case MenuItem::Kind::separator:
+            menu.addSeparator();
+            break;
+        case MenuItem::Kind::submenu:
+            addSubmenu(menu, item, appState);
+            break;
+        case MenuItem::Kind::command: {
+            // An ampersand in a file's name is no mnemonic.
+            QAction* action = menu.addAction(QString(item.label).replace(u'&', QStringLiteral("&&")));
+            if (item.command) {
+                identify(*action, *item.command);
+            }
+            if (item.isEnabled) {
+                const auto update = [action, isEnabled = item.isEnabled] { action->setEnabled(isEnabled()); };
+                update();
+                QObject::connect(&menu, &QMenu::aboutToShow, action, update);
+            }
+            if (item.key) {
+                action->setShortcut(QKeySequence(*item.key));
+            }
+            QObject::connect(action, &QAction::triggered, &menu, [run = item.action, &appState] {
+                commitCompositionInFocus();
+                run(appState);
+            });
+            break;
+        }
+        }
+    }
+}
+
+void addGroups(QMenu& menu, MenuPlacement placement, AppState& appState)
+{
+    for (const MenuGroup& group : commandTable()) {
+        if (group.placement == placement && group.menu == menu.title()) {
+            if (!menu.isEmpty()) {
+                menu.addSeparator();
+            }
+            addItems(menu, group.items, appState);
+        }
+    }
+}
+
+void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<void()>& openSettings)
+{
+    QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
+    QAction* about = menu->addAction(QObject::tr("About KelmWright"));
+    identify(*about, Command::about);
+    about->setMenuRole(QAction::AboutRole);
+    QObject::connect(about, &QAction::triggered, &bar, [&bar] {
+        QMessageBox::about(bar.window(), QObject::tr("About KelmWright"),
+                           QObject::tr("KelmWright %1\n\nA code editor for writing and learning.")
+                               .arg(QCoreApplication::applicationVersion()));
+    });
+    addGroups(*menu, MenuPlacement::afterAbout, appState);
+    menu->addSeparator();
+    QAction* settings = menu->addAction(QObject::tr("Settings…"), &bar, openSettings);
+    identify(*settings, Command::settings);
+    settings->setMenuRole(QAction::PreferencesRole);
+    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    menu->addSeparator();
+    QAction* quit = menu->addAction(QObject::tr("Quit KelmWright"), &QCoreApplication::quit);
+    identify(*quit, Command::quit);
+    quit->setMenuRole(QAction::QuitRole);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+/// The platform's keys. Redo has the one that the toolbar names, too, and shows it.
+QList<QKeySequence> keysOf(QKeySequence::StandardKey key)
+{
+    QList<QKeySequence> keys = QKeySequence::keyBindings(key);
+    if (key == QKeySequence::Redo) {
+        const QKeySequence named(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+        keys.removeAll(named);
+        keys.prepend(named);
+    }
+    return keys;
+}
+
+void addEditingItems(QMenu& menu)
+{
+    for (const StandardItem& item : editingItems) {
+        if (item.command == Command::cut) {
+            menu.addSeparator();
+        }
+        QAction* action = menu.addAction(QCoreApplication::translate("kelm", item.label));
+        identify(*action, item.command);
+        action->setShortcuts(keysOf(item.key));
+        QObject::connect(action, &QAction::triggered, &menu, [slot = item.slot] { sendActionToFirstResponder(slot); });
+    }
+    menu.addSeparator();
+    QMenu* find = menu.addMenu(QCoreApplication::translate("kelm", "Find"));
+    for (const FindItem& item : findItems) {
+        QAction* action = find->addAction(QCoreApplication::translate("kelm", item.label));
+        identify(*action, item.command);
+        action->setShortcut(QKeySequence(item.key));
+        QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { sendActionToFirstResponder(slot); });
+    }
+}
+
+} // namespace
+
+QAction* menuAction(const QMenuBar& bar, Command command)
+{
+    for (QAction* action : bar.findChildren<QAction*>()) {
+        if (action->menu() == nullptr && action->data() == int(command)) {
+            return action;
+        }
+    }
+    return nullptr;
+}
+
+QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent)
+{
+    auto* bar = new QMenuBar(parent);
+    addApplicationMenu(*bar, appState, openSettings);
+    QMenu* file = bar->addMenu(QStringLiteral("File"));
+    addGroups(*file, MenuPlacement::replacingNewItems, appState);
+    addGroups(*file, MenuPlacement::replacingSaveItems, appState);
+    QMenu* edit = bar->addMenu(QStringLiteral("Edit"));
+    addEditingItems(*edit);
+    addGroups(*edit, MenuPlacement::afterTextEditing, appState);
+    QMenu* view = bar->addMenu(QStringLiteral("View"));
+    addGroups(*view, MenuPlacement::afterToolbar, appState);
+    for (const MenuGroup& group : commandTable()) {
+        if (group.placement == MenuPlacement::ownMenu) {
+            addItems(*bar->addMenu(group.menu), group.items, appState);
+        }
+    }
+    return bar;
+}
+
+} // namespace kelm

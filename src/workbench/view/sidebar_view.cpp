@@ -1,0 +1,108 @@
+#include "workbench/view/sidebar_view.h"
+
+#include "platform/view/divider.h"
+#include "platform/view/plain_button.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace kelm {
+
+namespace {
+
+constexpr int smallestWidth = 220;
+constexpr int idealWidth = 260;
+constexpr int largestWidth = 420;
+/// With the line below it as high as the strip of tabs beside it.
+constexpr int barHeight = 39;
+constexpr int iconSize = 16;
+constexpr QSize buttonSize(36, 30);
+constexpr double barOpacity = 0.05;
+
+/// The strip behind the tabs.
+class SidebarBar final : public QWidget
+{
+public:
+    explicit SidebarBar(QWidget* parent) : QWidget(parent) {}
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter(this).fillRect(rect(), Tint::secondary().at(barOpacity).on(*this));
+    }
+};
+
+} // namespace
+
+SidebarView::SidebarView(ThemeManager& themeManager, MakeContent makeContent, QWidget* parent)
+    : QWidget(parent),
+      themeManager_(themeManager),
+      makeContent_(std::move(makeContent)),
+      pages_(new QStackedWidget(this))
+{
+    setMinimumWidth(smallestWidth);
+    setMaximumWidth(largestWidth);
+    setAccessibleName(tr("Sidebar"));
+    auto* bar = new SidebarBar(this);
+    bar->setFixedHeight(barHeight);
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(8, 0, 8, 0);
+    row->setSpacing(4);
+    for (const SidebarTab tab : SidebarTab::allCases()) {
+        auto* button = new PlainButton(
+            {.symbol = tab.iconName(), .symbolSize = iconSize, .checkedTint = Tint::accent(), .fixedSize = buttonSize},
+            bar);
+        button->setHelp(tab.helpLabel());
+        button->setCheckable(true);
+        button->setAutoExclusive(true);
+        connect(button, &PlainButton::toggled, this, [this, tab](bool isSelected) {
+            if (isSelected && tab != selectedTab_) {
+                select(tab);
+            }
+        });
+        buttons_.at(tab) = button;
+        row->addWidget(button);
+    }
+    row->addStretch(1);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(bar);
+    column->addWidget(new Divider(Qt::Horizontal, this));
+    column->addWidget(pages_, 1);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
+    showContent();
+}
+
+QSize SidebarView::sizeHint() const
+{
+    return {idealWidth, QWidget::sizeHint().height()};
+}
+
+void SidebarView::select(SidebarTab tab)
+{
+    selectedTab_ = tab;
+    showContent();
+}
+
+void SidebarView::showContent()
+{
+    for (const SidebarTab tab : SidebarTab::allCases()) {
+        buttons_.at(tab)->setChecked(tab == selectedTab_);
+    }
+    QWidget*& content = contents_.at(selectedTab_);
+    if (content == nullptr) {
+        content = makeContent_(selectedTab_, pages_);
+        pages_->addWidget(content);
+    }
+    pages_->setCurrentWidget(content);
+}
+
+void SidebarView::paintEvent(QPaintEvent*)
+{
+    QPainter(this).fillRect(rect(), themeManager_.currentTheme().backgroundColor.toColor());
+}
+
+} // namespace kelm

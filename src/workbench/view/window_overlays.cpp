@@ -1,0 +1,101 @@
+#include "workbench/view/window_overlays.h"
+
+#include "git/panel/view/clone_dialog.h"
+#include "search/view/go_to_line_view.h"
+#include "search/view/quick_open_view.h"
+#include "search/view/search_overlay.h"
+#include "workbench/view/editor_area.h"
+#include "workbench/view/main_window.h"
+#include "workbench/view/overlay_layer.h"
+
+#include <functional>
+
+namespace kelm {
+
+const std::array<WindowOverlays::Overlay, 3>& WindowOverlays::overlays()
+{
+    static const std::array<Overlay, 3> overlays{
+        Overlay{&AppState::showQuickOpen, &AppState::setShowQuickOpen, &AppState::showQuickOpenChanged, 0.35,
+                [](AppState& state) -> QWidget* { return new QuickOpenView(state); }},
+        Overlay{&AppState::showSearch, &AppState::setShowSearch, &AppState::showSearchChanged, 0.25,
+                [](AppState& state) -> QWidget* { return new SearchOverlay(state); }},
+        Overlay{&AppState::showGoToLine, &AppState::setShowGoToLine, &AppState::showGoToLineChanged, 0.25,
+                [](AppState& state) -> QWidget* { return new GoToLineView(state, state.log()); }},
+    };
+    return overlays;
+}
+
+WindowOverlays::WindowOverlays(AppState& appState, MainWindow& window)
+    : QObject(&window), appState_(appState), window_(window)
+{
+    for (std::size_t index = 0; index < overlays().size(); ++index) {
+        connect(&appState_, overlays().at(index).changed, this, [this, index] { take(index); });
+        take(index);
+    }
+    connect(&appState_, &AppState::showCloneDialogChanged, this, &WindowOverlays::takeCloneDialog);
+    takeCloneDialog();
+}
+
+void WindowOverlays::takeCloneDialog()
+{
+    if (appState_.showCloneDialog() == !cloneDialog_.isNull()) {
+        return;
+    }
+    if (cloneDialog_) {
+        // The flag may be set again before the closed dialog has gone.
+        if (CloneDialog* closed = cloneDialog_; closed->close()) {
+            closed->disconnect(this);
+            cloneDialog_ = nullptr;
+        }
+        return;
+    }
+    cloneDialog_ = new CloneDialog(appState_.git(), FilePanels::shared(), Scheduler::system(), &window_);
+    connect(cloneDialog_, &QObject::destroyed, this, [this] {
+        // It is half gone already, and no more to be closed.
+        cloneDialog_ = nullptr;
+        appState_.setShowCloneDialog(false);
+    });
+    cloneDialog_->show();
+}
+
+void WindowOverlays::take(std::size_t index)
+{
+    const Overlay& overlay = overlays().at(index);
+    QPointer<OverlayLayer>& layer = layers_.at(index);
+    const bool isShown = std::invoke(overlay.isShown, appState_);
+    if (isShown == !layer.isNull()) {
+        return;
+    }
+    if (isShown) {
+        const auto dismiss = [this, &overlay] { std::invoke(overlay.setShown, appState_, false); };
+        QWidget* content = overlay.make(appState_);
+        layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, &window_);
+        layer->show();
+    } else {
+        // The click or the key that dismisses it is still being answered.
+        layer->hide();
+        layer->deleteLater();
+        layer = nullptr;
+    }
+    for (const QPointer<OverlayLayer>& each : layers_) {
+        if (each) {
+            each->raise();
+        }
+    }
+    giveKeyboard();
+}
+
+void WindowOverlays::giveKeyboard()
+{
+    OverlayLayer* top = nullptr;
+    for (const QPointer<OverlayLayer>& layer : layers_) {
+        top = layer ? layer.data() : top;
+    }
+    if (top == nullptr) {
+        window_.editorArea().focusCurrentEditor();
+    } else if (!top->isAncestorOf(window_.focusWidget())) {
+        top->content()->setFocus();
+    }
+}
+
+} // namespace kelm

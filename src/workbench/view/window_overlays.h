@@ -1,0 +1,48 @@
+// The overlays above the window's panels, and its sheet.
+#pragma once
+
+#include "app/state/app_state.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <array>
+
+namespace kelm {
+
+class CloneDialog;
+class MainWindow;
+class OverlayLayer;
+
+/// Shows each overlay while its flag of the state is set, on a layer that dims the window. Several show at once, those
+/// of the later flags on top. When the last of them closes the keyboard goes back to the text.
+class WindowOverlays final : public QObject
+{
+    Q_OBJECT
+
+public:
+    WindowOverlays(AppState& appState, MainWindow& window);
+
+private:
+    /// One overlay: its flag and its view.
+    struct Overlay
+    {
+        bool (AppState::*isShown)() const;
+        void (AppState::*setShown)(bool);
+        void (AppState::*changed)();
+        double dimOpacity;
+        QWidget* (*make)(AppState&);
+    };
+    static const std::array<Overlay, 3>& overlays();
+
+    void take(std::size_t index);
+    void giveKeyboard();
+    void takeCloneDialog();
+
+    AppState& appState_;
+    MainWindow& window_;
+    std::array<QPointer<OverlayLayer>, 3> layers_;
+    QPointer<CloneDialog> cloneDialog_;
+};
+
+} // namespace kelm

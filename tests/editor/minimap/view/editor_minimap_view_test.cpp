@@ -1,0 +1,196 @@
+#include "editor/minimap/view/editor_minimap_view.h"
+#include "editor/minimap/view/minimap_painter.h"
+#include "support/painted.h"
+#include "support/test_program.h"
+
+#include <QPainter>
+#include <QtTest>
+
+namespace editor_minimap_view_test {
+
+using namespace kelm;
+using namespace kelm::test;
+
+namespace {
+
+struct Fixture
+{
+    TextView text;
+    EditorMinimapView map;
+
+    explicit Fixture(const QString& content)
+    {
+        text.resize(600, 400);
+        text.storage().setText(content);
+        map.textView = &text;
+        map.resize(80, 400);
+        map.theme = EditorTheme::monokai();
+        map.applyThemeToLayer();
+    }
+
+    QImage picture() { return map.grab().toImage(); }
+};
+
+} // namespace
+
+class EditorMinimapViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void barsBoxAndGroundHaveTheirColours();
+    void aLightThemeDarkensItsGround();
+    void stripSeparatorAndBorderLieOverEachOther_data();
+    void stripSeparatorAndBorderLieOverEachOther();
+    void withoutATextOnlyTheGroundIsPainted();
+    void clicksAndDragsTellTheLine();
+    void fastBarsLookLikeFilledRectangles_data();
+    void fastBarsLookLikeFilledRectangles();
+};
+
+void EditorMinimapViewTest::barsBoxAndGroundHaveTheirColours()
+{
+    Fixture fixture(QStringLiteral("let a = b\n\n") + QString(QStringLiteral("plain text here\n")).repeated(50));
+    fixture.map.currentVisibleRect = {0, 170, 600, 340};
+    const QImage image = fixture.picture();
+    const EditorTheme& theme = EditorTheme::monokai();
+    const QColor ground = over(theme.backgroundColor.toColor(), QColor::fromRgbF(1, 1, 1, 0.04F));
+    QVERIFY(distance(image.pixelColor(60, 300), ground) <= 1);
+    QColor keyword = theme.keywordColor.toColor();
+    keyword.setAlphaF(0.8F);
+    QVERIFY(distance(image.pixelColor(4, 6), over(ground, keyword)) <= 2);
+    // The second line is blank.
+    QVERIFY(distance(image.pixelColor(4, 9), ground) <= 1);
+    const QColor plain = over(ground, QColor::fromRgbF(1, 1, 1, 0.5F));
+    QVERIFY(distance(image.pixelColor(4, 12), plain) <= 2);
+    // The bar is 15 characters long and 2.4 points high.
+    QVERIFY(distance(image.pixelColor(2 + 17, 12), plain) <= 2);
+    QVERIFY(distance(image.pixelColor(2 + 19, 12), ground) <= 1);
+    // The box begins with the eleventh line.
+    const QColor box = over(ground, QColor::fromRgbF(1, 1, 1, 0.1F));
+    QVERIFY(distance(image.pixelColor(60, 34), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(60, 36), box) <= 1);
+    QVERIFY(distance(image.pixelColor(60, 94), box) <= 1);
+    QVERIFY(distance(image.pixelColor(60, 96), ground) <= 1);
+}
+
+void EditorMinimapViewTest::aLightThemeDarkensItsGround()
+{
+    Fixture fixture(QStringLiteral("x"));
+    fixture.map.theme = EditorTheme::githubLight();
+    const QColor ground = over(Qt::white, QColor::fromRgbF(0, 0, 0, 0.04F));
+    const QImage image = fixture.picture();
+    QVERIFY(distance(image.pixelColor(60, 300), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(60, 10), over(ground, QColor::fromRgbF(0, 0, 0, 0.08F))) <= 1);
+}
+
+void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther_data()
+{
+    QTest::addColumn<int>("theme");
+    for (int theme = 0; theme < EditorTheme::allThemes().size(); ++theme) {
+        QTest::addRow("%s", qPrintable(EditorTheme::allThemes().at(theme).name)) << theme;
+    }
+}
+
+void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther()
+{
+    QFETCH(int, theme);
+    Fixture fixture(QStringLiteral("x"));
+    fixture.map.theme = EditorTheme::allThemes().at(theme);
+    const QColor beside =
+        fixture.map.theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.04F) : QColor::fromRgbF(0, 0, 0, 0.04F);
+    const QColor ground = over(fixture.map.theme.backgroundColor.toColor(), beside);
+    QColor number = fixture.map.theme.lineNumberColor.toColor();
+    number.setAlphaF(0.4F);
+    const QColor gray(128, 128, 128, 77);
+    const QImage image = fixture.picture();
+    // From below: the strip, the line that sets the text apart, the border.
+    const QColor strip = over(ground, number);
+    QVERIFY(distance(image.pixelColor(0, 300), over(over(strip, gray), gray)) <= 2);
+    QVERIFY(distance(image.pixelColor(1, 300), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(78, 300), ground) <= 1);
+    const QColor border = over(ground, gray);
+    QVERIFY(distance(image.pixelColor(79, 300), border) <= 2);
+    QVERIFY(distance(image.pixelColor(40, 0), border) <= 2);
+    QVERIFY(distance(image.pixelColor(40, 1), ground) <= 1);
+    QVERIFY(distance(image.pixelColor(40, 399), border) <= 2);
+    // Without a text nothing is set apart.
+    fixture.map.textView = nullptr;
+    QVERIFY(distance(fixture.picture().pixelColor(0, 300), over(strip, gray)) <= 2);
+}
+
+void EditorMinimapViewTest::withoutATextOnlyTheGroundIsPainted()
+{
+    EditorMinimapView map;
+    map.resize(80, 400);
+    map.theme = EditorTheme::monokai();
+    const QImage image = map.grab().toImage();
+    QCOMPARE(image.pixelColor(60, 10), image.pixelColor(60, 300));
+    QTest::mouseClick(&map, Qt::LeftButton, {}, {40, 40});
+}
+
+void EditorMinimapViewTest::clicksAndDragsTellTheLine()
+{
+    Fixture fixture(QString(QStringLiteral("x\n")).repeated(99) + u'x');
+    QList<qsizetype> lines;
+    fixture.map.onLineSelected = [&](qsizetype line) { lines.append(line); };
+    QTest::mousePress(&fixture.map, Qt::LeftButton, {}, {40, 2});
+    QTest::mouseMove(&fixture.map, {40, 35});
+    QTest::mouseRelease(&fixture.map, Qt::LeftButton, {}, {40, 35});
+    QTest::mouseMove(&fixture.map, {40, 90});
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 399});
+    QCOMPARE(lines, (QList<qsizetype>{1, 11, 100}));
+}
+
+void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<qreal>("ratio");
+    QTest::newRow("full size") << 50 << 1.0;
+    QTest::newRow("squeezed") << 1000 << 1.0;
+    QTest::newRow("squeezed at 2x") << 1500 << 2.0;
+    QTest::newRow("fractional scale") << 400 << 1.5;
+}
+
+void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
+{
+    QFETCH(int, lines);
+    QFETCH(qreal, ratio);
+    TextStorage storage;
+    QString text;
+    for (int line = 0; line < lines; ++line) {
+        text += QString(line * 7 % 60, u'x') + (line % 3 == 0 ? QStringLiteral("\"\n") : QStringLiteral("\n"));
+    }
+    storage.setText(text);
+    const MinimapGeometry geometry{80, 400, minimapLineCount(storage)};
+    const std::vector<MinimapBar> bars = minimapBars(storage, geometry, EditorTheme::monokai(), ratio);
+    const auto makeImage = [&] {
+        QImage image((QSizeF(80, 400) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(ratio);
+        image.fill(QColor(40, 41, 35));
+        return image;
+    };
+    QImage fast = makeImage();
+    QPainter fastPainter(&fast);
+    paintMinimapBars(fastPainter, bars, geometry, ratio);
+    fastPainter.end();
+    QImage plain = makeImage();
+    QPainter painter(&plain);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const MinimapBar& bar : bars) {
+        painter.fillRect(QRectF(MinimapGeometry::barLeft, bar.y, bar.width, geometry.barHeight()), bar.color);
+    }
+    painter.end();
+    for (int y = 0; y < plain.height(); ++y) {
+        for (int x = 0; x < plain.width(); ++x) {
+            const int difference = distance(fast.pixelColor(x, y), plain.pixelColor(x, y));
+            QVERIFY2(difference <= 12, qPrintable(QStringLiteral("%1 at %2, %3").arg(difference).arg(x).arg(y)));
+        }
+    }
+}
+
+const kelm::test::Registered<EditorMinimapViewTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace editor_minimap_view_test
+
+#include "editor_minimap_view_test.moc"

@@ -1,0 +1,114 @@
+#include "git/diff/word_diff_cache.h"
+#include "support/diff_text.h"
+#include "support/test_program.h"
+
+#include <QThreadPool>
+#include <QtTest>
+
+namespace word_diff_cache_test {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace kelm;
+using namespace kelm::test;
+
+class WordDiffCacheTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void neighboursAreOnePiece();
+    void shortLinesAreComparedAtOnce();
+    void longLinesAreComparedElsewhere();
+    void severalLongPairsAreAllCompared();
+    void forgottenPairsAreNotTold();
+    void cacheMayGoWhileLinesAreCompared();
+};
+
+void WordDiffCacheTest::neighboursAreOnePiece()
+{
+    // The tokens "b", " " and "c" are removed, each a segment of its own.
+    const ChangedWords words = ChangedWords::of(WordDiff::diff(u"a-b c"_s, u"a-"_s));
+    QCOMPARE(words.oldLine, (std::vector<LineStretch>{{2, 3}}));
+    QVERIFY(words.newLine.empty());
+    QCOMPARE(ChangedWords::of(WordDiff::diff(u"x = 1;"_s, u"y = 2;"_s)).newLine,
+             (std::vector<LineStretch>{{0, 1}, {4, 1}}));
+}
+
+void WordDiffCacheTest::shortLinesAreComparedAtOnce()
+{
+    int told = 0;
+    WordDiffCache cache([&] { ++told; });
+    const DiffHunk hunk = hunkOf({u"-let x = 1"_s, u"+let y = 1"_s, u"+let z = 1"_s});
+    const ChangedWords* words = cache.words(hunk, 1, 2);
+    QVERIFY(words != nullptr);
+    QCOMPARE(words->oldLine, (std::vector<LineStretch>{{4, 1}}));
+    QCOMPARE(cache.words(hunk, 1, 2), words);
+    QCOMPARE(cache.size(), 1);
+    QVERIFY(cache.words(hunk, 1, 3) != nullptr);
+    QCOMPARE(cache.size(), 2);
+    QCOMPARE(told, 0);
+}
+
+void WordDiffCacheTest::longLinesAreComparedElsewhere()
+{
+    int told = 0;
+    WordDiffCache cache([&] { ++told; });
+    const QString line = u"word,"_s.repeated(100'000);
+    const DiffHunk hunk = hunkOf({u"-old "_s + line, u"+new "_s + line});
+    QVERIFY(cache.words(hunk, 1, 2) == nullptr);
+    QVERIFY(cache.words(hunk, 1, 2) == nullptr);
+    QTRY_COMPARE(told, 1);
+    const ChangedWords* words = cache.words(hunk, 1, 2);
+    QVERIFY(words != nullptr);
+    QCOMPARE(words->oldLine, (std::vector<LineStretch>{{0, 3}}));
+    QCOMPARE(words->newLine, (std::vector<LineStretch>{{0, 3}}));
+}
+
+void WordDiffCacheTest::severalLongPairsAreAllCompared()
+{
+    WordDiffCache cache([] {});
+    QStringList lines;
+    for (int pair = 0; pair < 5; ++pair) {
+        lines << u"-old "_s + u"x "_s.repeated(2000) << u"+new "_s + u"x "_s.repeated(2000);
+    }
+    const DiffHunk hunk = hunkOf(lines);
+    for (int pair = 0; pair < 5; ++pair) {
+        QVERIFY(cache.words(hunk, 2 * pair + 1, 2 * pair + 2) == nullptr);
+    }
+    for (int pair = 0; pair < 5; ++pair) {
+        QTRY_VERIFY(cache.words(hunk, 2 * pair + 1, 2 * pair + 2) != nullptr);
+    }
+}
+
+void WordDiffCacheTest::forgottenPairsAreNotTold()
+{
+    int told = 0;
+    WordDiffCache cache([&] { ++told; });
+    const DiffHunk hunk = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
+    const DiffHunk other = hunkOf({u"-old "_s + u"y "_s.repeated(2000), u"+new "_s + u"y "_s.repeated(2000)});
+    QVERIFY(cache.words(hunk, 1, 2) == nullptr);
+    cache.clear();
+    QVERIFY(cache.words(other, 1, 2) == nullptr);
+    QTRY_COMPARE(told, 1);
+    QVERIFY(cache.words(other, 1, 2) != nullptr);
+    QCOMPARE(cache.size(), 1);
+}
+
+void WordDiffCacheTest::cacheMayGoWhileLinesAreCompared()
+{
+    bool isTold = false;
+    {
+        WordDiffCache cache([&] { isTold = true; });
+        const DiffHunk hunk = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
+        QVERIFY(cache.words(hunk, 1, 2) == nullptr);
+    }
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCoreApplication::processEvents();
+    QVERIFY(!isTold);
+}
+
+const kelm::test::Registered<WordDiffCacheTest> registered;
+
+} // namespace word_diff_cache_test
+
+#include "word_diff_cache_test.moc"

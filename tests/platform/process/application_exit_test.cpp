@@ -1,0 +1,93 @@
+#include "platform/files/user_defaults.h"
+#include "platform/process/application_exit.h"
+#include "support/roles.h"
+#include "support/test_program.h"
+
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <QtTest>
+
+namespace application_exit_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Work on the global pool that does not end, with or without a claim to a thread.
+void startEndlessWork(bool onlyWaits)
+{
+    static QSemaphore started;
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->start([onlyWaits, pool] {
+        if (onlyWaits) {
+            pool->releaseThread();
+        }
+        started.release();
+        QSemaphore().acquire();
+    });
+    started.acquire();
+}
+
+int leaveBusy(const QStringList& arguments)
+{
+    startEndlessWork(arguments[0] == u"waits"_s);
+    UserDefaults::shared().setString(u"key"_s, u"written"_s);
+    std::printf("said before");
+    return leaveWithoutWaiting(7);
+}
+
+int leaveIdle(const QStringList& /*arguments*/)
+{
+    QThreadPool::globalInstance()->start([] {});
+    QThreadPool::globalInstance()->waitForDone();
+    const int status = leaveWithoutWaiting(5);
+    std::printf("came back");
+    return status;
+}
+
+} // namespace
+
+class ApplicationExitTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void endlessWorkDoesNotHoldTheProcess_data();
+    void endlessWorkDoesNotHoldTheProcess();
+    void withoutWorkItComesBack();
+};
+
+void ApplicationExitTest::endlessWorkDoesNotHoldTheProcess_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("computing") << u"computes"_s;
+    QTest::newRow("waiting for a child") << u"waits"_s;
+}
+
+void ApplicationExitTest::endlessWorkDoesNotHoldTheProcess()
+{
+    QFETCH(QString, kind);
+    UserDefaults::shared().setString(u"key"_s, u"old"_s);
+    QVERIFY(UserDefaults::shared().synchronize());
+    QByteArray said;
+    QCOMPARE(runRole(u"busy"_s, {kind}, &said), 7);
+    QCOMPARE(said, QByteArray("said before"));
+    QVERIFY(UserDefaults::shared().synchronize());
+    QCOMPARE(UserDefaults::shared().string(u"key"_s), std::optional(u"written"_s));
+}
+
+void ApplicationExitTest::withoutWorkItComesBack()
+{
+    QByteArray said;
+    QCOMPARE(runRole(u"idle"_s, {}, &said), 5);
+    QCOMPARE(said, QByteArray("came back"));
+}
+
+const kelm::test::Registered<ApplicationExitTest> registered(kelm::test::Toolkit::core,
+                                                             {{u"busy"_s, leaveBusy}, {u"idle"_s, leaveIdle}});
+
+} // namespace application_exit_test
+
+#include "application_exit_test.moc"

@@ -1,0 +1,181 @@
+#include "support/random_text.h"
+#include "support/test_program.h"
+#include "text/boundaries/text_boundaries.h"
+#include "text/layout/line_pieces.h"
+
+#include <QtTest>
+
+namespace line_pieces_test {
+
+using namespace kelm;
+
+namespace {
+
+/// The lengths of the pieces of a line.
+std::vector<qsizetype> lengthsOf(const QString& line)
+{
+    std::vector<qsizetype> starts = cutIntoPieces(line);
+    starts.push_back(line.size());
+    std::vector<qsizetype> lengths;
+    for (std::size_t i = 0; i + 1 < starts.size(); ++i) {
+        lengths.push_back(starts[i + 1] - starts[i]);
+    }
+    return lengths;
+}
+
+} // namespace
+
+class LinePiecesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aShortLineIsOnePiece_data();
+    void aShortLineIsOnePiece();
+    void aLineIsCutBehindABlank();
+    void aBlankFarBeforeTheLimitDoesNotCut();
+    void aLineWithoutBlanksIsCutBetweenCharacters_data();
+    void aLineWithoutBlanksIsCutBetweenCharacters();
+    void anEndlessCharacterIsCutAtTheLimit();
+    void noPieceIsTooLongOrEmpty();
+    void piecesAreFoundByOffset();
+    void longLinesMoveWithTheLinesBeforeThem();
+    void replacedLongLinesAreForgotten();
+};
+
+void LinePiecesTest::aShortLineIsOnePiece_data()
+{
+    QTest::addColumn<qsizetype>("length");
+    QTest::newRow("empty") << qsizetype(0);
+    QTest::newRow("one unit") << qsizetype(1);
+    QTest::newRow("as long as a piece may be") << longestPiece;
+}
+
+void LinePiecesTest::aShortLineIsOnePiece()
+{
+    QFETCH(qsizetype, length);
+    QCOMPARE(cutIntoPieces(QString(length, u'a')), std::vector<qsizetype>{0});
+}
+
+void LinePiecesTest::aLineIsCutBehindABlank()
+{
+    QString line(longestPiece * 3, u'a');
+    line[longestPiece - 10] = u' ';
+    const std::vector<qsizetype> starts = cutIntoPieces(line);
+    QCOMPARE(starts[1], longestPiece - 9);
+
+    line[longestPiece - 10] = u'\t';
+    QCOMPARE(cutIntoPieces(line)[1], longestPiece - 9);
+}
+
+void LinePiecesTest::aBlankFarBeforeTheLimitDoesNotCut()
+{
+    QString line(longestPiece * 3, u'a');
+    line[longestPiece / 2] = u' ';
+    QCOMPARE(cutIntoPieces(line)[1], longestPiece);
+}
+
+void LinePiecesTest::aLineWithoutBlanksIsCutBetweenCharacters_data()
+{
+    QTest::addColumn<QString>("character");
+    QTest::newRow("a surrogate pair") << QStringLiteral("😀");
+    QTest::newRow("a letter with a mark") << QStringLiteral("e\u0301");
+    QTest::newRow("a family") << QStringLiteral("👩‍👩‍👧");
+    QTest::newRow("conjoining Hangul") << QStringLiteral("\u1112\u1161\u11ab");
+}
+
+void LinePiecesTest::aLineWithoutBlanksIsCutBetweenCharacters()
+{
+    QFETCH(QString, character);
+    // One letter at the top puts the limit into each place of a character in turn.
+    for (qsizetype lead = 0; lead < character.size(); ++lead) {
+        const QString line = QString(lead, u'a') + character.repeated(longestPiece);
+        for (const qsizetype start : cutIntoPieces(line)) {
+            QCOMPARE(graphemeBoundaryAtOrBefore(line, start), start);
+            QCOMPARE((start - lead) % character.size() == 0 || start == 0, true);
+        }
+    }
+}
+
+void LinePiecesTest::anEndlessCharacterIsCutAtTheLimit()
+{
+    // A letter with ten thousand marks: no boundary anywhere, and yet the pieces stay short.
+    const QString line = u'e' + QString(10000, QChar(0x0301));
+    for (const qsizetype length : lengthsOf(line)) {
+        QVERIFY(length > 0 && length <= longestPiece);
+    }
+}
+
+void LinePiecesTest::noPieceIsTooLongOrEmpty()
+{
+    test::RandomText random;
+    for (int round = 0; round < 20; ++round) {
+        QString line;
+        while (line.size() < longestPiece * (1 + random.below(4))) {
+            QString more = random.text(200);
+            line += more.remove(u'\n').remove(u'\r');
+        }
+        qsizetype sum = 0;
+        for (const qsizetype length : lengthsOf(line)) {
+            QVERIFY2(length > 0 && length <= longestPiece, qPrintable(QString::number(length)));
+            sum += length;
+        }
+        QCOMPARE(sum, line.size());
+    }
+}
+
+void LinePiecesTest::piecesAreFoundByOffset()
+{
+    const LinePieces pieces{{0, 10, 20}, {2, 3, 4}};
+    QCOMPARE(pieces.pieceAt(0), std::size_t(0));
+    QCOMPARE(pieces.pieceAt(9), std::size_t(0));
+    QCOMPARE(pieces.pieceAt(10), std::size_t(1));
+    QCOMPARE(pieces.pieceAt(1000), std::size_t(2));
+    QCOMPARE(pieces.rowCount(), qsizetype(9));
+    QCOMPARE(pieces.rowsBefore(0), qsizetype(0));
+    QCOMPARE(pieces.rowsBefore(2), qsizetype(5));
+}
+
+void LinePiecesTest::longLinesMoveWithTheLinesBeforeThem()
+{
+    LongLines lines;
+    lines.insert(3, {{0}, {1}});
+    lines.insert(7, {{0}, {2}});
+    TextEdit edit;
+    edit.firstLine = 1;
+    edit.linesRemoved = 1;
+    edit.linesAdded = 4;
+    lines.linesReplaced(edit);
+    QVERIFY(lines.find(3) == nullptr);
+    QVERIFY(lines.find(6) != nullptr);
+    QVERIFY(lines.find(10) != nullptr);
+    QCOMPARE(lines.find(10)->rowCount(), qsizetype(2));
+
+    edit.linesRemoved = 3;
+    edit.linesAdded = 1;
+    lines.linesReplaced(edit);
+    QVERIFY(lines.find(4) != nullptr);
+    QVERIFY(lines.find(8) != nullptr);
+    QVERIFY(lines.find(6) == nullptr);
+    QVERIFY(lines.find(10) == nullptr);
+}
+
+void LinePiecesTest::replacedLongLinesAreForgotten()
+{
+    LongLines lines;
+    lines.insert(3, {{0}, {1}});
+    lines.insert(4, {{0}, {2}});
+    TextEdit edit;
+    edit.firstLine = 3;
+    edit.linesRemoved = 1;
+    edit.linesAdded = 1;
+    lines.linesReplaced(edit);
+    QVERIFY(lines.find(3) == nullptr);
+    QVERIFY(lines.find(4) != nullptr);
+}
+
+const kelm::test::Registered<LinePiecesTest> registered;
+
+} // namespace line_pieces_test
+
+#include "line_pieces_test.moc"

@@ -1,0 +1,263 @@
+#include "run/code_runner.h"
+#include "run/view/output_view.h"
+#include "support/test_program.h"
+#include "workbench/view/menu_bar.h"
+#include "workbench/view/window_fixture.h"
+
+#include <QInputMethodEvent>
+#include <QMenu>
+
+namespace menu_bar_test {
+
+using namespace kelm;
+using namespace kelm::test;
+
+namespace {
+
+/// The lines of a built menu: label and key, indented by a submenu's depth, "-" for a separator.
+QStringList linesOf(const QMenu& menu, const QString& indent = {})
+{
+    QStringList lines;
+    for (const QAction* action : menu.actions()) {
+        if (action->isSeparator()) {
+            lines.append(indent + u'-');
+        } else if (action->menu() != nullptr) {
+            lines.append(indent + action->text() + QStringLiteral(" >"));
+            lines.append(linesOf(*action->menu(), indent + QStringLiteral("  ")));
+        } else {
+            const QString key = action->shortcut().toString(QKeySequence::PortableText);
+            lines.append(indent + action->text() + (key.isEmpty() ? QString() : QStringLiteral(" | ") + key));
+        }
+    }
+    return lines;
+}
+
+QMenu* menuOf(MainWindow& window, const QString& title)
+{
+    for (const QAction* action : window.menuBar()->actions()) {
+        if (action->text() == title) {
+            return action->menu();
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class MenuBarTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void menusStandInTheirOrder();
+    void linesReadBackAsTheTableHasThem_data();
+    void linesReadBackAsTheTableHasThem();
+    void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
+    void everyCommandHasOneAction();
+    void openRecentFollowsTheState();
+    void anAmpersandInANameIsNoMnemonic();
+    void newWindowDoesNothing();
+    void togglesFlipTheState();
+    void runHandsTheTextOnScreenToTheRunner();
+    void editingCommandsGoToWhatHasTheKeyboard();
+    void findCommandsReachTheTextFromItsBar();
+    void aCompositionIsPutInBeforeACommandRuns();
+};
+
+void MenuBarTest::menusStandInTheirOrder()
+{
+    WindowFixture fixture;
+    QStringList titles;
+    for (const QAction* action : fixture.window.menuBar()->actions()) {
+        titles.append(action->text());
+    }
+    QCOMPARE(titles, (QStringList{QStringLiteral("KelmWright"), QStringLiteral("File"), QStringLiteral("Edit"),
+                                  QStringLiteral("View"), QStringLiteral("Run"), QStringLiteral("Find")}));
+}
+
+void MenuBarTest::linesReadBackAsTheTableHasThem_data()
+{
+    QTest::addColumn<QString>("menu");
+    QTest::addColumn<QString>("lines");
+    QTest::newRow("application") << QStringLiteral("KelmWright")
+                                 << QStringLiteral("About KelmWright\n-\nCheck for Updates…\n-\n"
+                                                   "Uninstall KelmWright…\n-\nSettings… | Ctrl+,\n-\n"
+                                                   "Quit KelmWright | Ctrl+Q");
+    QTest::newRow("file") << QStringLiteral("File")
+                          << QStringLiteral("New File | Ctrl+N\nNew Window | Ctrl+Shift+N\n-\nOpen... | Ctrl+O\n"
+                                            "Open Recent >\n-\nClone Repository… | Ctrl+Shift+K\n-\n"
+                                            "Save | Ctrl+S\nSave As... | Ctrl+Shift+S\n"
+                                            "Save All | Ctrl+Alt+S");
+    QTest::newRow("edit") << QStringLiteral("Edit")
+                          << QStringLiteral(
+                                 "Undo | Ctrl+Z\nRedo | Ctrl+Shift+Z\n-\nCut | Ctrl+X\nCopy | Ctrl+C\nPaste | Ctrl+V\n"
+                                 "Select All | Ctrl+A\n-\nFind >\n  Find in Text... | Ctrl+Alt+F\n"
+                                 "  Replace in Text... | Ctrl+Alt+R\n  Find Next | F3\n  Find Previous | Shift+F3\n"
+                                 "  Use Selection for Find | Ctrl+F3\n-\nFormat >\n  Format JSON | Ctrl+Shift+J\n"
+                                 "  Format XML | Ctrl+Shift+X\n  -\n  Sort Lines Ascending\n  Sort Lines Descending\n"
+                                 "Transform >\n  UPPERCASE\n  lowercase\n  Title Case\n  camelCase\n  snake_case");
+    QTest::newRow("view") << QStringLiteral("View")
+                          << QStringLiteral("Toggle Sidebar | Ctrl+B\nToggle Bottom Panel | Ctrl+`\n"
+                                            "Toggle Minimap | Ctrl+Shift+M");
+    QTest::newRow("run") << QStringLiteral("Run") << QStringLiteral("Run | Ctrl+R\nRun in Terminal | Ctrl+Shift+R");
+    QTest::newRow("find") << QStringLiteral("Find")
+                          << QStringLiteral("Find... | Ctrl+F\nFind and Replace... | Ctrl+H\n"
+                                            "Find in Project... | Ctrl+Shift+F\n-\nGo to File... | Ctrl+P\n"
+                                            "Go to Line... | Ctrl+G");
+}
+
+void MenuBarTest::linesReadBackAsTheTableHasThem()
+{
+    QFETCH(QString, menu);
+    QFETCH(QString, lines);
+    WindowFixture fixture;
+    QCOMPARE(linesOf(*menuOf(fixture.window, menu)).join(u'\n'), lines);
+}
+
+void MenuBarTest::updatesCanBeLookedForOnlyWhereThereIsAnUpdater()
+{
+    // Without an application image there is none.
+    WindowFixture fixture;
+    QAction* check = fixture.command(Command::checkForUpdates);
+    QVERIFY(!check->isEnabled());
+    // The menu asks anew each time it opens.
+    check->setEnabled(true);
+    Q_EMIT menuOf(fixture.window, QStringLiteral("KelmWright"))->aboutToShow();
+    QVERIFY(!check->isEnabled());
+}
+
+void MenuBarTest::everyCommandHasOneAction()
+{
+    WindowFixture fixture;
+    QList<int> commands;
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
+        if (action->data().isValid()) {
+            commands.append(action->data().toInt());
+        }
+    }
+    std::sort(commands.begin(), commands.end());
+    QList<int> all(int(lastCommand) + 1);
+    std::iota(all.begin(), all.end(), 0);
+    QCOMPARE(commands, all);
+}
+
+void MenuBarTest::openRecentFollowsTheState()
+{
+    WindowFixture fixture;
+    QMenu* recent = nullptr;
+    for (const QAction* action : menuOf(fixture.window, QStringLiteral("File"))->actions()) {
+        recent = action->text() == QStringLiteral("Open Recent") ? action->menu() : recent;
+    }
+    QVERIFY(recent != nullptr);
+    QVERIFY(recent->isEmpty());
+    const QUrl url = fixture.write(QStringLiteral("a.txt"), "text");
+    fixture.state.openFile(url);
+    Q_EMIT recent->aboutToShow();
+    QCOMPARE(linesOf(*recent),
+             (QStringList{QStringLiteral("a.txt"), QStringLiteral("-"), QStringLiteral("Clear Menu")}));
+    fixture.state.closeTab(0);
+    recent->actions().first()->trigger();
+    QCOMPARE(fixture.state.documents().size(), 1);
+    recent->actions().last()->trigger();
+    Q_EMIT recent->aboutToShow();
+    QVERIFY(recent->isEmpty());
+    QVERIFY(fixture.state.recentFiles().isEmpty());
+}
+
+void MenuBarTest::anAmpersandInANameIsNoMnemonic()
+{
+    WindowFixture fixture;
+    fixture.state.openFile(fixture.write(QStringLiteral("a & b.txt"), "text"));
+    QMenu* recent = nullptr;
+    for (const QAction* action : menuOf(fixture.window, QStringLiteral("File"))->actions()) {
+        recent = action->text() == QStringLiteral("Open Recent") ? action->menu() : recent;
+    }
+    Q_EMIT recent->aboutToShow();
+    QCOMPARE(recent->actions().first()->text(), QStringLiteral("a && b.txt"));
+}
+
+void MenuBarTest::newWindowDoesNothing()
+{
+    WindowFixture fixture;
+    fixture.command(Command::newWindow)->trigger();
+    QVERIFY(fixture.state.documents().isEmpty());
+    QVERIFY(fixture.log.written.isEmpty());
+    QVERIFY(fixture.log.printed.isEmpty());
+}
+
+void MenuBarTest::togglesFlipTheState()
+{
+    WindowFixture fixture;
+    fixture.state.createNewTab();
+    QVERIFY(fixture.window.editorArea().currentEditor()->showMinimap());
+    fixture.command(Command::toggleMinimap)->trigger();
+    fixture.turnQueue();
+    QVERIFY(!fixture.state.showMinimap());
+    QVERIFY(!fixture.window.editorArea().currentEditor()->showMinimap());
+}
+
+void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
+{
+    WindowFixture fixture;
+    fixture.command(Command::run)->trigger();
+    QVERIFY(!fixture.state.showBottomPanel());
+    fixture.state.openSnippet(QString(), Language::shell, std::nullopt);
+    QTest::keyClicks(&fixture.text(), QStringLiteral("echo typed"));
+    QTest::keyClick(&fixture.text(), Qt::Key_R, Qt::ControlModifier);
+    QTRY_VERIFY(fixture.state.codeRunner().lastExitCode().has_value());
+    QVERIFY(fixture.state.codeRunner().output().contains(QStringLiteral("\ntyped\n")));
+    QVERIFY(fixture.state.showBottomPanel());
+    QCOMPARE(fixture.window.findChild<OutputView*>()->output(),
+             QStringLiteral("typed\n\n\nProcess exited with code 0\n"));
+}
+
+void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
+{
+    WindowFixture fixture;
+    fixture.command(Command::undo)->trigger();
+    fixture.state.createNewTab();
+    QTest::keyClicks(&fixture.text(), QStringLiteral("abc"));
+    fixture.command(Command::selectAll)->trigger();
+    QCOMPARE(fixture.text().selectedRange(), (TextRange{0, 3}));
+    fixture.command(Command::cut)->trigger();
+    QCOMPARE(fixture.text().text(), QString());
+    fixture.command(Command::paste)->trigger();
+    fixture.command(Command::undo)->trigger();
+    QCOMPARE(fixture.text().text(), QString());
+    fixture.command(Command::redo)->trigger();
+    QCOMPARE(fixture.text().text(), QStringLiteral("abc"));
+}
+
+void MenuBarTest::findCommandsReachTheTextFromItsBar()
+{
+    WindowFixture fixture;
+    fixture.state.openSnippet(QStringLiteral("a b a"), Language::swift, std::nullopt);
+    fixture.turnQueue();
+    fixture.text().setFocus();
+    fixture.text().setSelectedRange({0, 1});
+    fixture.command(Command::showFindBar)->trigger();
+    QVERIFY(!fixture.text().hasFocus());
+    fixture.command(Command::findNext)->trigger();
+    QCOMPARE(fixture.text().selectedRange(), (TextRange{4, 1}));
+}
+
+void MenuBarTest::aCompositionIsPutInBeforeACommandRuns()
+{
+    WindowFixture fixture;
+    const QUrl url = fixture.write(QStringLiteral("a.txt"), "text");
+    fixture.state.openFile(url);
+    fixture.turnQueue();
+    fixture.text().setFocus();
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.text(), &composing);
+    QVERIFY(fixture.text().isComposing());
+    fixture.command(Command::save)->trigger();
+    QCOMPARE(WindowFixture::read(url), QByteArray("한text"));
+    QVERIFY(!fixture.state.currentDocument()->isModified());
+}
+
+const kelm::test::Registered<MenuBarTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace menu_bar_test
+
+#include "menu_bar_test.moc"
