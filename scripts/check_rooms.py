@@ -3,8 +3,9 @@
 
 ROOMS is the rooms.txt that configuring writes: a line a part (a room's engine or its view), with its folder, the parts
 it uses and its sentence. A part includes what it names and names what it includes; no two files include each other,
-straight or round a corner; no room is too large; what is kept ready is used by nothing live; and ARCHITECTURE.md shows
-all this as it is. --write draws it there, --sizes prints the lines of each room.
+straight or round a corner; no room is too large; what is kept ready is used by nothing live; what is one for the whole
+program is asked for at its door alone; and ARCHITECTURE.md shows all this as it is. --write draws it there, --sizes
+prints the lines of each room.
 """
 
 import collections
@@ -16,6 +17,12 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES, PAGE = ROOT / "src", ROOT / "ARCHITECTURE.md"
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 OPENING, CLOSING = "<!-- rooms: drawn by ./kelm rooms -->\n", "<!-- end of rooms -->\n"
+# What is one for the whole program, and the files that may ask for it: the door, and the three whose own it is.
+ONE_FOR_ALL = re.compile(r"\b(?!Q)[A-Z]\w*::(?:shared|system|sharedSystem)\(\)(?!\s*\n?\{)")
+DOORS = {
+    "main.cpp", "workbench/view/kelm_pane_app.cpp",
+    "app/state/app_state.cpp", "editor/themes/theme_manager.cpp", "maintenance/auto_update_service.cpp",
+}
 # The largest share of all lines that one room may hold.
 LARGEST = 0.08
 
@@ -101,6 +108,15 @@ def kept_ready_in_use(parts):
                 yield f"src/{part.room}: uses {name}, which is kept ready and no part of the program"
 
 
+def asked_behind_the_door():
+    for path in sorted(SOURCES.rglob("*")):
+        name = path.relative_to(SOURCES).as_posix()
+        if path.suffix not in {".h", ".cpp"} or name in DOORS or name.startswith("screenshots/"):
+            continue
+        for found in ONE_FOR_ALL.findall(path.read_text(encoding="utf-8")):
+            yield f"src/{name}: asks for {found}; what it needs is to be handed down to it"
+
+
 def reached(parts, folder):
     """All that a part uses, straight or through others."""
     found = set()
@@ -156,6 +172,7 @@ def main():
         return 0
 
     problems = list(wrong_includes(parts, includes)) + list(too_large(lines)) + list(kept_ready_in_use(parts))
+    problems += asked_behind_the_door()
     found = circle(includes)
     if found:
         problems.append("these files include each other: " + " -> ".join(found))

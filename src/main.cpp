@@ -1,6 +1,7 @@
 #include "app/state/open_events.h"
 #include "platform/events/main_queue.h"
 #include "platform/events/single_instance.h"
+#include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
@@ -55,5 +56,5 @@ int main(int argc, char* argv[])
         }
         status = QApplication::exec();
     }
-    return kelm::leaveWithoutWaiting(status);
+    return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }

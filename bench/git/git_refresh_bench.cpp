@@ -103,7 +103,7 @@ const std::vector<std::vector<std::string>> commands{
 
 void refreshAllBesideBareCommands(benchmark::State& state)
 {
-    GitService service;
+    GitService service(ProcessRunner::sharedSystem());
     if (!service.open(QUrl::fromLocalFile(repository()))) {
         qFatal("no repository");
     }

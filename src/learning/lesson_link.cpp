@@ -165,15 +165,20 @@ bool isUri(QStringView text)
 
 } // namespace
 
+bool isLessonLink(QStringView urlText)
+{
+    return urlText.startsWith(u"kelmpane:");
+}
+
 std::variant<LessonLink, LessonLinkFailure> decodeLessonLink(const QString& urlText)
 {
     if (!QUrl(urlText, QUrl::StrictMode).isValid() || hostOf(urlText) != u"open") {
-        return LessonLinkFailure::invalidUrl;
+        return LessonLinkFailure::invalidURL;
     }
     const auto items = queryItems(urlText);
     const auto encoded = items ? firstValue(*items, u"code") : std::nullopt;
     if (!encoded) {
-        return LessonLinkFailure::invalidUrl;
+        return LessonLinkFailure::invalidURL;
     }
     const std::optional<QString> code = decodedCode(*encoded);
     if (!code) {

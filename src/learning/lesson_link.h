@@ -25,10 +25,13 @@ struct LessonLink
 /// Why a link asks for nothing.
 enum class LessonLinkFailure {
     /// It is no URL with the host "open" and a value for "code".
-    invalidUrl,
+    invalidURL,
     /// Its code is no base64, or not that of UTF-8.
     undecodableCode,
 };
+
+/// Whether the text of a URL names the scheme of lesson links, "kelmpane", in these letters.
+bool isLessonLink(QStringView urlText);
 
 /// Reads the text of a URL of the scheme "kelmpane" (RFC 3986): the host is "open", and the query's items, in any order
 /// and compared after percent-decoding, are "code" (base64 of UTF-8 bytes, in the standard or the URL-safe alphabet,

@@ -77,9 +77,8 @@ QString UninstallService::itemsList(const Plan& plan)
 void UninstallService::confirmAndRun()
 {
     // What is not written yet would be written behind the file's back.
-    UserDefaults::shared().synchronize();
-    UninstallService service({Alerts::shared(), Workspace::system(), [] { QCoreApplication::quit(); }});
-    service.confirmAndRun(currentPlan());
+    services_.userDefaults.synchronize();
+    confirmAndRun(currentPlan());
 }
 
 void UninstallService::confirmAndRun(const Plan& plan)

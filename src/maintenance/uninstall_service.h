@@ -12,6 +12,8 @@
 
 namespace kelm {
 
+class UserDefaults;
+
 /// Moves the program and, as the person chooses, its data to the Trash, and quits. Nothing is deleted for good. Main
 /// thread only.
 class UninstallService
@@ -34,6 +36,7 @@ public:
     {
         Alerts& alerts;
         Workspace& workspace;
+        UserDefaults& userDefaults;
         /// Ends the program.
         std::function<void()> quit;
     };
@@ -41,7 +44,7 @@ public:
     explicit UninstallService(Services services) : services_(std::move(services)) {}
 
     /// Asks, lists what exists, and does what was chosen, by the program's own plan.
-    static void confirmAndRun();
+    void confirmAndRun();
 
     /// The program's own file, or the application image or bundle that it runs from, and the user's folders for it.
     /// Does not look at the disk.

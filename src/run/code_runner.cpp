@@ -49,8 +49,6 @@ void call(const CodeRunner::Completion& completion, bool success)
 
 } // namespace
 
-CodeRunner::CodeRunner(QObject* parent) : CodeRunner(NotificationCenter::shared(), ExecutableSearch(), parent) {}
-
 CodeRunner::CodeRunner(NotificationCenter& notifications, ExecutableSearch search, QObject* parent)
     : QObject(parent), notifications_(notifications), search_(std::move(search))
 {}

@@ -39,7 +39,6 @@ public:
     /// Gets true only when the child has ended with status 0.
     using Completion = std::function<void(bool)>;
 
-    explicit CodeRunner(QObject* parent = nullptr);
     /// Posts to `notifications`, which outlives the runner, and finds programs by `search`.
     CodeRunner(NotificationCenter& notifications, ExecutableSearch search, QObject* parent = nullptr);
     ~CodeRunner() override;

@@ -12,7 +12,9 @@ namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
 
-ExecutableSearch::ExecutableSearch() : ExecutableSearch(usualFolders(), u"/usr/bin/which"_s) {}
+ExecutableSearch::ExecutableSearch(ProcessRunner& runner)
+    : ExecutableSearch(usualFolders(), u"/usr/bin/which"_s, runner)
+{}
 
 ExecutableSearch::ExecutableSearch(QStringList folders, QString which, ProcessRunner& runner)
     : folders_(std::move(folders)), which_(std::move(which)), runner_(&runner)

@@ -14,10 +14,10 @@ namespace kelm {
 class ExecutableSearch
 {
 public:
-    /// Searches the usual folders, then asks "/usr/bin/which".
-    ExecutableSearch();
-    /// Searches `folders`, then asks `which` through `runner`, which outlives the search.
-    ExecutableSearch(QStringList folders, QString which, ProcessRunner& runner = ProcessRunner::system());
+    /// Searches the usual folders, then asks "/usr/bin/which" through `runner`, which outlives the search.
+    explicit ExecutableSearch(ProcessRunner& runner);
+    /// Searches `folders`, then asks `which`.
+    ExecutableSearch(QStringList folders, QString which, ProcessRunner& runner);
 
     /// The absolute path of the program called `name`, or nothing. What a folder holds is returned when it is an
     /// executable file; what `which` answers is returned without a further look. Blocks while `which` runs.

@@ -60,8 +60,6 @@ const QString& firstExecutable(const QStringList& paths)
 
 } // namespace
 
-TerminalSession::TerminalSession(QObject* parent) : TerminalSession(Services{}, parent) {}
-
 TerminalSession::TerminalSession(Services services, QObject* parent)
     : QObject(parent),
       services_(std::move(services)),

@@ -45,14 +45,13 @@ public:
     /// What the session reaches beyond itself; all of it outlives the session.
     struct Services
     {
-        Scheduler& scheduler = Scheduler::system();
-        NotificationCenter& notifications = NotificationCenter::shared();
+        Scheduler& scheduler;
+        NotificationCenter& notifications;
         /// Shells in the order of preference; the first that is executable runs a line, else the first.
         QStringList shells = usualShells();
     };
 
     /// Observes `runFile`, and writes its banner and the first prompt 0.1 seconds later.
-    explicit TerminalSession(QObject* parent = nullptr);
     explicit TerminalSession(Services services, QObject* parent = nullptr);
     ~TerminalSession() override;
 

@@ -47,7 +47,7 @@ qsizetype wordCount(QStringView text)
 
 LineCounter::LineCounter(Document& document, QObject* parent) : QObject(parent), document_(document)
 {
-    connect(&document_, &Document::contentChanged, this, &LineCounter::takeContent);
+    connect(&document_, &Document::contentChanged, this, &LineCounter::refreshContent);
     // Nothing is typed yet, so that the first slice may be counted at once.
     countSlice();
     if (position_ < document_.content().size()) {
@@ -55,7 +55,7 @@ LineCounter::LineCounter(Document& document, QObject* parent) : QObject(parent),
     }
 }
 
-void LineCounter::takeContent()
+void LineCounter::refreshContent()
 {
     stopTimer();
     if (document_.content().size() <= ordinaryLength) {

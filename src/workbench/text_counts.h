@@ -29,7 +29,7 @@ Q_SIGNALS:
     void countChanged();
 
 private:
-    void takeContent();
+    void refreshContent();
     void countSlice();
     void stopTimer();
     void setCount(qsizetype count);

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     TextStorage storage;
     storage.setText(text);
     CodeFoldingManager manager(center);
-    manager.setTextView(&storage);
+    manager.setStorage(&storage);
     for (const Language language : {Language::html, Language::python, Language::cpp}) {
         manager.detectFoldableRegions(language);
     }

@@ -95,7 +95,7 @@ void LessonLinkTest::badLinksFail_data()
 {
     QTest::addColumn<QString>("urlText");
     QTest::addColumn<LessonLinkFailure>("failure");
-    constexpr auto invalid = LessonLinkFailure::invalidUrl;
+    constexpr auto invalid = LessonLinkFailure::invalidURL;
     constexpr auto undecodable = LessonLinkFailure::undecodableCode;
     QTest::newRow("another host") << u"kelmpane://run?code=YQ=="_s << invalid;
     QTest::newRow("another case of the host") << u"kelmpane://Open?code=YQ=="_s << invalid;

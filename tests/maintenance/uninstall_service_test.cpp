@@ -1,5 +1,6 @@
 #include "maintenance/uninstall_service.h"
 #include "platform/files/standard_paths.h"
+#include "platform/files/user_defaults.h"
 #include "support/fake_alerts.h"
 #include "support/fake_workspace.h"
 #include "support/test_program.h"
@@ -23,7 +24,8 @@ struct Fixture
     FakeAlerts alerts;
     FakeWorkspace workspace;
     int quits = 0;
-    UninstallService service{{alerts, workspace, [this] { ++quits; }}};
+    UserDefaults preferences{home.filePath(u"stored.conf"_s)};
+    UninstallService service{{alerts, workspace, preferences, [this] { ++quits; }}};
     UninstallService::Plan plan{url(u"KelmWright"_s), url(u"support"_s), url(u"caches"_s), url(u"preferences.conf"_s),
                                 url(u"state"_s)};
 

@@ -32,7 +32,8 @@ struct Fixture
     explicit Fixture(const QStringList& names = {u"python3"_s})
         : interpreters(names),
           runner(std::make_unique<CodeRunner>(
-              notifications, ExecutableSearch({interpreters.folder()}, interpreters.path(u"no-which"_s))))
+              notifications,
+              ExecutableSearch({interpreters.folder()}, interpreters.path(u"no-which"_s), ProcessRunner::system())))
     {
         notifications.addObserver(&owner, notifications::codeOutput, [this](const Notification& notification) {
             posts.append(notification.object.toString());
@@ -154,7 +155,8 @@ private Q_SLOTS:
 
 void CodeRunnerTest::newRunnerIsIdle()
 {
-    const CodeRunner runner;
+    NotificationCenter notifications;
+    const CodeRunner runner(notifications, ExecutableSearch(ProcessRunner::system()));
     QCOMPARE(runner.isRunning(), false);
     QCOMPARE(runner.output(), QString());
     QCOMPARE(runner.stderrBuffer(), QString());
@@ -613,7 +615,7 @@ void CodeRunnerTest::failureToWriteTheTemporaryFileIsTold()
     const TemporaryFolder guard(temporary.path());
     QVERIFY(QFile::setPermissions(temporary.path(), QFile::ReadOwner | QFile::ExeOwner));
     NotificationCenter notifications;
-    CodeRunner runner(notifications, ExecutableSearch({}, u"/no-which"_s));
+    CodeRunner runner(notifications, ExecutableSearch({}, u"/no-which"_s, ProcessRunner::system()));
     int posts = 0;
     notifications.addObserver(this, notifications::codeOutput, [&](const Notification&) { ++posts; });
     bool completed = false;
@@ -690,7 +692,7 @@ void CodeRunnerTest::realInterpreters()
     QFETCH(QString, name);
     QFETCH(QByteArray, code);
     Fixture fixture(QStringList{});
-    fixture.runner = std::make_unique<CodeRunner>(fixture.notifications, ExecutableSearch());
+    fixture.runner = std::make_unique<CodeRunner>(fixture.notifications, ExecutableSearch(ProcessRunner::system()));
     if (!fixture.runner->findExecutable(program)) {
         QSKIP("This interpreter is not installed.");
     }
@@ -701,7 +703,7 @@ void CodeRunnerTest::realInterpreters()
 void CodeRunnerTest::pythonIsUnbuffered()
 {
     Fixture fixture(QStringList{});
-    fixture.runner = std::make_unique<CodeRunner>(fixture.notifications, ExecutableSearch());
+    fixture.runner = std::make_unique<CodeRunner>(fixture.notifications, ExecutableSearch(ProcessRunner::system()));
     if (!fixture.runner->findExecutable(u"python3"_s)) {
         QSKIP("There is no python3.");
     }
@@ -741,7 +743,7 @@ static int quitWhileRunning(const QStringList& arguments)
 {
     static NotificationCenter notifications;
     // As in the program, the runner outlives the application object.
-    static CodeRunner runner(notifications, ExecutableSearch({arguments[0]}, u"/no-which"_s));
+    static CodeRunner runner(notifications, ExecutableSearch({arguments[0]}, u"/no-which"_s, ProcessRunner::system()));
     notifications.addObserver(&runner, notifications::codeOutput, [](const Notification&) {
         writeAll(1, std::to_string(runner.process()->processId()));
         QCoreApplication::quit();

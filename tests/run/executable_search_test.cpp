@@ -147,8 +147,8 @@ void ExecutableSearchTest::realWhichSearchesThePath()
     makeFile(folder.filePath(u"kelm-private-tool"_s), executable);
     const QByteArray before = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(folder.path()) + ':' + before);
-    const auto found = ExecutableSearch().find(u"kelm-private-tool"_s);
-    const auto missing = ExecutableSearch().find(u"kelm-no-such-tool"_s);
+    const auto found = ExecutableSearch(ProcessRunner::system()).find(u"kelm-private-tool"_s);
+    const auto missing = ExecutableSearch(ProcessRunner::system()).find(u"kelm-no-such-tool"_s);
     qputenv("PATH", before);
     QCOMPARE(found, folder.filePath(u"kelm-private-tool"_s));
     QCOMPARE(missing, std::nullopt);

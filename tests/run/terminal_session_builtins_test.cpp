@@ -64,7 +64,7 @@ void TerminalSessionBuiltinsTest::newSessionStartsAtHome()
     QVERIFY(!session.isBusy());
     QCOMPARE(session.environment().value(u"HOME"_s), fixture.home());
     QCOMPARE(session.environment().value(u"PATH"_s), qEnvironmentVariable("PATH"));
-    QVERIFY(session.id() != TerminalSession().id());
+    QVERIFY(session.id() != TerminalSession({fixture.scheduler, fixture.notifications}).id());
     QVERIFY(!session.id().isNull());
 }
 

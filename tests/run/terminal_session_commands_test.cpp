@@ -559,7 +559,7 @@ void TerminalSessionCommandsTest::scriptIsReallyRun()
 /// came to its end.
 static int quitWhileWaiting(const QStringList& /*arguments*/)
 {
-    TerminalSession session;
+    TerminalSession session({Scheduler::system(), NotificationCenter::shared()});
     QTimer::singleShot(0, &session, [&session] {
         session.executeCommand(u"exec sleep 60"_s);
         writeAll(1, "came back");

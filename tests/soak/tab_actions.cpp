@@ -140,7 +140,7 @@ void openByLink(World& world)
     bool isFocusAsked = false;
     NotificationCenter::shared().addObserver(&context, notifications::focusEditor,
                                              [&isFocusAsked](const Notification&) { isFocusAsked = true; });
-    openUrls({link}, world.state, [&world](const QString& text) {
+    openURLs({link}, world.state, [&world](const QString& text) {
         handleKelmPaneURL(text, world.state, Scheduler::system(), world.log, [] {});
     });
     world.settle();

@@ -34,9 +34,10 @@ quint32 afterGitIsSetUp(quint32 seed)
 World::World(quint32 seed)
     : chance(afterGitIsSetUp(seed)),
       panels(installPanels()),
-      state({panels, defaults, Scheduler::system(), NotificationCenter::shared(), log}),
+      state({panels, defaults, Scheduler::system(), NotificationCenter::shared(), log, ProcessRunner::sharedSystem(),
+             ExecutableSearch(ProcessRunner::system())}),
       themes({defaults, log, store.path(), [](Appearance) {}}),
-      window({state, themes, workspace, defaults}),
+      window({state, themes, workspace, defaults, updates}),
       disk({repository.path(), elsewhere.path(), temporary.path(), QDir::homePath()})
 {
     qputenv("TMPDIR", QFile::encodeName(temporary.path()));

@@ -4,6 +4,7 @@
 #include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
+#include "maintenance/auto_update_service.h"
 #include "soak/chance.h"
 #include "soak/disk_model.h"
 #include "soak/recent_log.h"
@@ -45,6 +46,7 @@ struct World
     AppState state;
     ThemeManager themes;
     FakeWorkspace workspace;
+    AutoUpdateService updates{UpdaterController::makeForPlatform()};
     MainWindow window;
 
     // ---- What must be.

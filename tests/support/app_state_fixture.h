@@ -19,7 +19,8 @@ struct AppStateFixture
     ManualScheduler scheduler;
     NotificationCenter notificationCenter;
     CapturedLog log;
-    AppState state{{filePanels, userDefaults, scheduler, notificationCenter, log}};
+    AppState state{{filePanels, userDefaults, scheduler, notificationCenter, log, ProcessRunner::sharedSystem(),
+                    ExecutableSearch(ProcessRunner::system())}};
 
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(folder.filePath(name)); }
 

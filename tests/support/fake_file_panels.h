@@ -10,7 +10,7 @@ namespace kelm {
 class FakeFilePanels final : public FilePanels
 {
 public:
-    QList<ChosenUrl> showOpenPanel(const OpenPanelOptions& options) override
+    QList<ChosenURL> showOpenPanel(const OpenPanelOptions& options) override
     {
         ++openPanelsShown;
         openPanelOptions = options;
@@ -27,7 +27,7 @@ public:
         return saveAnswer;
     }
 
-    QList<ChosenUrl> openAnswer;
+    QList<ChosenURL> openAnswer;
     std::optional<QUrl> saveAnswer;
     /// What happens behind the panel before it is answered.
     std::function<void()> whileSavePanelIsUp;

@@ -17,7 +17,7 @@ public:
         return trashError;
     }
     void reveal(const QUrl& url) override { revealed << url; }
-    bool openUrl(const QUrl& url) override
+    bool openURL(const QUrl& url) override
     {
         opened << url;
         return opensUrls;

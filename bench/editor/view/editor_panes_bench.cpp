@@ -42,7 +42,7 @@ struct Bound
     explicit Bound(const QString& text)
         : document(std::make_shared<Document>(text, std::nullopt, Language::swift, std::nullopt)),
           binding(document, themes),
-          view(binding.makeView(nullptr))
+          view(binding.makeView(Scheduler::system(), NotificationCenter::shared(), nullptr))
     {
         view->resize(1200, 1000);
         view->show();

@@ -6,7 +6,6 @@
 #include "editor/transforms/text_transformer.h"
 #include "editor/transforms/xml_formatter.h"
 #include "maintenance/auto_update_service.h"
-#include "maintenance/uninstall_service.h"
 #include "platform/files/file_url.h"
 
 #include <utility>
@@ -31,11 +30,17 @@ constexpr Qt::KeyboardModifiers commandOption = Qt::ControlModifier | Qt::AltMod
 /// Blanks to a level of formatted JSON.
 constexpr int jsonIndent = 2;
 
+/// What most commands are: something that the state does.
 using Action = std::function<void(AppState&)>;
+
+std::function<void(const CommandTargets&)> onState(Action action)
+{
+    return [action = std::move(action)](const CommandTargets& targets) { action(targets.appState); };
+}
 
 MenuItem item(Command command, QString label, std::optional<QKeyCombination> key, Action action)
 {
-    return {MenuItem::Kind::command, command, std::move(label), key, std::move(action)};
+    return {MenuItem::Kind::command, command, std::move(label), key, onState(std::move(action))};
 }
 
 MenuItem item(Command command, QString label, Action action)
@@ -46,7 +51,7 @@ MenuItem item(Command command, QString label, Action action)
 /// A line for the moment, which nothing else looks up.
 MenuItem passingItem(QString label, Action action)
 {
-    return {MenuItem::Kind::command, std::nullopt, std::move(label), std::nullopt, std::move(action)};
+    return {MenuItem::Kind::command, std::nullopt, std::move(label), std::nullopt, onState(std::move(action))};
 }
 
 MenuItem separator()
@@ -85,10 +90,21 @@ void doNothing(AppState&) {}
 
 MenuItem checkForUpdatesItem()
 {
-    MenuItem check = item(Command::checkForUpdates, u"Check for Updates…"_s,
-                          [](AppState&) { AutoUpdateService::shared().updaterController().checkForUpdates(); });
-    check.isEnabled = [] { return AutoUpdateService::shared().canCheckForUpdates(); };
-    return check;
+    return {
+        .command = Command::checkForUpdates,
+        .label = u"Check for Updates…"_s,
+        .action = [](const CommandTargets& targets) { targets.updateService.updaterController().checkForUpdates(); },
+        .isEnabled = [](const CommandTargets& targets) { return targets.updateService.canCheckForUpdates(); },
+    };
+}
+
+MenuItem uninstallItem()
+{
+    return {
+        .command = Command::uninstall,
+        .label = u"Uninstall KelmWright…"_s,
+        .action = [](const CommandTargets& targets) { targets.uninstall(); },
+    };
 }
 
 const MenuItem* findCommand(Command command, const std::vector<MenuItem>& items)
@@ -171,7 +187,7 @@ std::vector<MenuGroup> makeCommandTable()
          {
              checkForUpdatesItem(),
              separator(),
-             item(Command::uninstall, u"Uninstall KelmWright…"_s, [](AppState&) { UninstallService::confirmAndRun(); }),
+             uninstallItem(),
          }},
         {u"Find"_s,
          MenuPlacement::ownMenu,

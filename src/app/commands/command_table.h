@@ -13,6 +13,16 @@
 namespace kelm {
 
 class AppState;
+class AutoUpdateService;
+
+/// What commands act on; all of it outlives the menus.
+struct CommandTargets
+{
+    AppState& appState;
+    AutoUpdateService& updateService;
+    /// Asks whether the program shall be removed, and removes it.
+    std::function<void()> uninstall;
+};
 
 /// One line of a menu: a command, a separator, or a submenu.
 struct MenuItem
@@ -26,9 +36,9 @@ struct MenuItem
     /// The key, with `Qt::CTRL` for Command, which the toolkit itself maps on macOS.
     std::optional<QKeyCombination> key = std::nullopt;
     /// What a command does.
-    std::function<void(AppState&)> action = {};
+    std::function<void(const CommandTargets&)> action = {};
     /// Whether a command can be given now; asked each time its menu opens. Absent for one that always can.
-    std::function<bool()> isEnabled = {};
+    std::function<bool(const CommandTargets&)> isEnabled = {};
     /// The lines of a submenu that are always the same.
     std::vector<MenuItem> items = {};
     /// The lines of a submenu that follow the state; they are made anew each time it opens, and stand in place of

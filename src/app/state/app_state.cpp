@@ -63,7 +63,7 @@ bool runsWithoutFile(Language language)
 AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
-      git_(std::make_unique<GitService>())
+      git_(std::make_unique<GitService>(services.processRunner))
 {
     loadRecentFiles();
 }
@@ -73,7 +73,8 @@ AppState::~AppState() = default;
 AppState& AppState::shared()
 {
     static AppState state({FilePanels::shared(), UserDefaults::shared(), Scheduler::system(),
-                           NotificationCenter::shared(), Log::system()});
+                           NotificationCenter::shared(), Log::system(), ProcessRunner::sharedSystem(),
+                           ExecutableSearch(ProcessRunner::system())});
     return state;
 }
 
@@ -180,7 +181,7 @@ void AppState::showOpenPanel()
     OpenPanelOptions options;
     options.canChooseDirectories = true;
     options.allowsMultipleSelection = true;
-    for (const ChosenUrl& chosen : services_.filePanels.showOpenPanel(options)) {
+    for (const ChosenURL& chosen : services_.filePanels.showOpenPanel(options)) {
         if (chosen.isDirectory) {
             setCurrentProject(chosen.url);
         } else {
@@ -291,12 +292,12 @@ void AppState::addToRecentFiles(const QUrl& url)
 void AppState::loadRecentFiles()
 {
     const std::optional<QByteArray> data = services_.userDefaults.data(recentFilesKey);
-    setRecentFiles(data ? existingFiles(decodeUrls(*data).value_or(QList<QUrl>())) : QList<QUrl>());
+    setRecentFiles(data ? existingFiles(decodeURLs(*data).value_or(QList<QUrl>())) : QList<QUrl>());
 }
 
 void AppState::saveRecentFiles()
 {
-    services_.userDefaults.setData(recentFilesKey, encodeUrls(recentFiles_));
+    services_.userDefaults.setData(recentFilesKey, encodeURLs(recentFiles_));
 }
 
 // ---- Flags ----------------------------------------------------------------------------------------------------------

@@ -64,8 +64,10 @@ public:
         Scheduler& scheduler;
         NotificationCenter& notificationCenter;
         Log& log;
+        /// Starts git.
+        std::shared_ptr<ProcessRunner> processRunner;
         /// Finds the programs that run files.
-        ExecutableSearch executableSearch = {};
+        ExecutableSearch executableSearch;
     };
 
     /// Starts without a document, and loads the recent files.
@@ -112,6 +114,8 @@ public:
     void setCurrentProject(const std::optional<QUrl>& project);
 
     /// Where the state and its runner post.
+    FilePanels& filePanels() const { return services_.filePanels; }
+    Scheduler& scheduler() const { return services_.scheduler; }
     NotificationCenter& notificationCenter() const { return services_.notificationCenter; }
     /// Where what is logged and printed goes.
     Log& log() const { return services_.log; }

@@ -20,7 +20,7 @@ void handleKelmPaneURL(const QString& urlText, AppState& appState, Scheduler& sc
 {
     const auto decoded = decodeLessonLink(urlText);
     if (const auto* failure = std::get_if<LessonLinkFailure>(&decoded)) {
-        log.write(*failure == LessonLinkFailure::invalidUrl ? u"kelmpane:// invalid URL: "_s + urlText
+        log.write(*failure == LessonLinkFailure::invalidURL ? u"kelmpane:// invalid URL: "_s + urlText
                                                             : u"kelmpane:// failed to decode code"_s);
         return;
     }

@@ -1,6 +1,7 @@
 #include "app/state/open_events.h"
 
 #include "app/state/app_state.h"
+#include "learning/lesson_link.h"
 #include "platform/files/file_url.h"
 
 #include <QDir>
@@ -31,13 +32,13 @@ bool isScheme(QStringView text)
     return !text.isEmpty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isSchemeUnit);
 }
 
-bool isUrlText(const QString& argument)
+bool isURLText(const QString& argument)
 {
     const QStringView scheme = schemeOf(argument);
     return isScheme(scheme) && QStringView(argument).sliced(scheme.size()).startsWith(u"://");
 }
 
-QString fileUrlText(const QString& path)
+QString fileURLText(const QString& path)
 {
     const bool isFolder = QFileInfo(path).isDir();
     return QUrl::fromLocalFile(isFolder && !path.endsWith(u'/') ? path + u'/' : path).toString(QUrl::FullyEncoded);
@@ -45,11 +46,11 @@ QString fileUrlText(const QString& path)
 
 } // namespace
 
-void openUrls(const QStringList& urlTexts, AppState& appState, const KelmPaneUrlHandler& handleKelmPaneUrl)
+void openURLs(const QStringList& urlTexts, AppState& appState, const LinkHandler& handleLink)
 {
     for (const QString& urlText : urlTexts) {
-        if (handleKelmPaneUrl && schemeOf(urlText) == u"kelmpane") {
-            handleKelmPaneUrl(urlText);
+        if (handleLink && isLessonLink(urlText)) {
+            handleLink(urlText);
             continue;
         }
         const QUrl url(urlText);
@@ -68,9 +69,9 @@ QStringList urlTextsOfArguments(const QStringList& arguments, const QString& wor
         if (argument.isEmpty()) {
             continue;
         }
-        urlTexts << (isUrlText(argument)
+        urlTexts << (isURLText(argument)
                          ? argument
-                         : fileUrlText(QDir::cleanPath(QDir(workingDirectory).absoluteFilePath(argument))));
+                         : fileURLText(QDir::cleanPath(QDir(workingDirectory).absoluteFilePath(argument))));
     }
     return urlTexts;
 }

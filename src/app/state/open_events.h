@@ -11,13 +11,13 @@ namespace kelm {
 class AppState;
 
 /// Takes the text of a URL of the scheme "kelmpane".
-using KelmPaneUrlHandler = std::function<void(const QString& urlText)>;
+using LinkHandler = std::function<void(const QString& urlText)>;
 
 /// Opens what the texts of absolute URLs name, in their order: a link of the scheme "kelmpane", compared letter case
-/// and all, goes to `handleKelmPaneUrl`; a folder becomes the project; anything else is opened as a file. Texts and not
+/// and all, goes to `handleLink`; a folder becomes the project; anything else is opened as a file. Texts and not
 /// parsed URLs, since parsing puts a scheme into lower case. Without a handler a link is opened as anything else, and
 /// fails so.
-void openUrls(const QStringList& urlTexts, AppState& appState, const KelmPaneUrlHandler& handleKelmPaneUrl);
+void openURLs(const QStringList& urlTexts, AppState& appState, const LinkHandler& handleLink);
 
 /// The texts of the URLs that the arguments of a command line name. An argument with a scheme and "://" is a URL as it
 /// stands. Any other is a path, taken from `workingDirectory` unless it is absolute; that of a folder gets a slash at

@@ -10,7 +10,7 @@
 
 namespace kelm {
 
-QByteArray encodeUrls(const QList<QUrl>& urls)
+QByteArray encodeURLs(const QList<QUrl>& urls)
 {
     QJsonArray array;
     for (const QUrl& url : urls) {
@@ -19,7 +19,7 @@ QByteArray encodeUrls(const QList<QUrl>& urls)
     return QJsonDocument(array).toJson(QJsonDocument::Compact);
 }
 
-std::optional<QList<QUrl>> decodeUrls(const QByteArray& data)
+std::optional<QList<QUrl>> decodeURLs(const QByteArray& data)
 {
     const std::optional<QJsonDocument> document = parseStrictJson(data);
     if (!document || !document->isArray()) {

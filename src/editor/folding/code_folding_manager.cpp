@@ -17,17 +17,17 @@ CodeFoldingManager::~CodeFoldingManager()
     QObject::disconnect(edits_);
 }
 
-void CodeFoldingManager::setTextView(TextStorage* textView)
+void CodeFoldingManager::setStorage(TextStorage* storage)
 {
-    if (textView == textView_) {
+    if (storage == storage_) {
         return;
     }
     QObject::disconnect(edits_);
     journal_.clear();
     ownRevision_ = 0;
-    textView_ = textView;
-    if (textView != nullptr) {
-        edits_ = QObject::connect(textView, &TextStorage::edited, textView,
+    storage_ = storage;
+    if (storage != nullptr) {
+        edits_ = QObject::connect(storage, &TextStorage::edited, storage,
                                   [this](const TextEdit& edit) { textEdited(edit); });
     }
 }
@@ -42,19 +42,19 @@ const FoldableRegion* CodeFoldingManager::firstRegionStartingAt(qsizetype line) 
 
 void CodeFoldingManager::detectFoldableRegions(Language language)
 {
-    if (!textView_) {
+    if (!storage_) {
         return;
     }
     switch (language) {
     case Language::xml:
     case Language::html:
-        foldableRegions_ = scanTags(textView_->text());
+        foldableRegions_ = scanTags(storage_->text());
         break;
     case Language::python:
-        foldableRegions_ = scanIndents(textView_->text());
+        foldableRegions_ = scanIndents(storage_->text());
         break;
     default:
-        foldableRegions_ = scanBraces(textView_->text());
+        foldableRegions_ = scanBraces(storage_->text());
     }
     std::stable_sort(foldableRegions_.begin(), foldableRegions_.end(),
                      [](const FoldableRegion& a, const FoldableRegion& b) { return a.startLine < b.startLine; });
@@ -62,14 +62,14 @@ void CodeFoldingManager::detectFoldableRegions(Language language)
 
 void CodeFoldingManager::fold(FoldableRegion region)
 {
-    if (!textView_ || isFolded(region)) {
+    if (!storage_ || isFolded(region)) {
         return;
     }
     const auto range = rangeForRegion(region);
     if (!range) {
         return;
     }
-    const QString body = textView_->substring(*range);
+    const QString body = storage_->substring(*range);
     foldedContent_[region.startLine] = body;
     journal_.folded(region.startLine, {range->location, foldPlaceholder.size()}, body);
     replace(*range, foldPlaceholder);
@@ -81,7 +81,7 @@ void CodeFoldingManager::fold(FoldableRegion region)
 void CodeFoldingManager::unfold(FoldableRegion region)
 {
     const auto content = foldedContent_.find(region.startLine);
-    if (!textView_ || !isFolded(region) || content == foldedContent_.end()) {
+    if (!storage_ || !isFolded(region) || content == foldedContent_.end()) {
         return;
     }
     // How far behind the line the placeholder may begin.
@@ -90,7 +90,7 @@ void CodeFoldingManager::unfold(FoldableRegion region)
     if (!start) {
         return;
     }
-    const QStringView searched = QStringView(textView_->text()).mid(*start, foldPlaceholder.size() + reach);
+    const QStringView searched = QStringView(storage_->text()).mid(*start, foldPlaceholder.size() + reach);
     const qsizetype found = searched.indexOf(foldPlaceholder);
     if (found < 0) {
         return;
@@ -107,7 +107,7 @@ void CodeFoldingManager::unfold(FoldableRegion region)
 
 void CodeFoldingManager::unfoldAll()
 {
-    if (!textView_) {
+    if (!storage_) {
         return;
     }
     const bool hadFolds = isTextFolded() || !foldedRegionStartLines_.empty();
@@ -131,26 +131,26 @@ std::optional<TextRange> CodeFoldingManager::rangeForRegion(const FoldableRegion
     if (!start) {
         return {};
     }
-    const qsizetype end = offsetBehindLine(region.endLine - 1).value_or(textView_->length());
+    const qsizetype end = offsetBehindLine(region.endLine - 1).value_or(storage_->length());
     return end > *start ? std::optional(TextRange::between(*start, end)) : std::nullopt;
 }
 
 std::optional<qsizetype> CodeFoldingManager::offsetBehindLine(qsizetype line) const
 {
-    const LineIndex& lines = textView_->lines();
+    const LineIndex& lines = storage_->lines();
     return line >= 1 && line <= lines.lineCount() ? std::optional(lines.end(line - 1)) : std::nullopt;
 }
 
 void CodeFoldingManager::replace(TextRange range, const QString& text)
 {
     // Known before the storage tells of the edit: each edit is one revision.
-    ownRevision_ = textView_->revision() + 1;
-    textView_->replace(range, text);
+    ownRevision_ = storage_->revision() + 1;
+    storage_->replace(range, text);
 }
 
 void CodeFoldingManager::textEdited(const TextEdit& edit)
 {
-    if (textView_->revision() != ownRevision_) {
+    if (storage_->revision() != ownRevision_) {
         journal_.textEdited(edit);
     }
 }

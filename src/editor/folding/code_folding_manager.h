@@ -34,15 +34,16 @@ namespace kelm {
 class CodeFoldingManager
 {
 public:
-    explicit CodeFoldingManager(NotificationCenter& center = NotificationCenter::shared());
+    /// The centre outlives the manager.
+    explicit CodeFoldingManager(NotificationCenter& center);
     ~CodeFoldingManager();
     CodeFoldingManager(const CodeFoldingManager&) = delete;
     CodeFoldingManager& operator=(const CodeFoldingManager&) = delete;
 
     /// The text that is folded, held weakly. Another one starts without anything to restore; the lists stay as they
     /// are.
-    void setTextView(TextStorage* textView);
-    TextStorage* textView() const { return textView_; }
+    void setStorage(TextStorage* storage);
+    TextStorage* storage() const { return storage_; }
 
     /// Sorted by the start line; of those on one line the one that closes first goes first.
     const std::vector<FoldableRegion>& foldableRegions() const { return foldableRegions_; }
@@ -83,7 +84,7 @@ private:
     void postChange();
 
     NotificationCenter& center_;
-    QPointer<TextStorage> textView_;
+    QPointer<TextStorage> storage_;
     std::vector<FoldableRegion> foldableRegions_;
     LineSet foldedLines_;
     std::set<qsizetype> foldedRegionStartLines_;

@@ -4,7 +4,7 @@
 
 namespace kelm {
 
-const CharacterClasses& CharacterClasses::shared()
+const CharacterClasses& CharacterClasses::ofUnicode()
 {
     static const CharacterClasses classes;
     return classes;

@@ -24,7 +24,7 @@ public:
     };
 
     /// The table, made at the first call. Any thread.
-    static const CharacterClasses& shared();
+    static const CharacterClasses& ofUnicode();
 
     /// The classes of a UTF-16 unit that stands for itself; a surrogate has none.
     quint8 ofUnit(char16_t unit) const { return units_[unit]; }

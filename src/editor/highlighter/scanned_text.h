@@ -70,7 +70,7 @@ public:
     {
         const char16_t unit = at(place);
         return unit < 0x80 ? (unit == u' ') | (char16_t(unit - u'\t') < 5)
-                           : CharacterClasses::shared().ofUnit(unit) & CharacterClasses::space;
+                           : CharacterClasses::ofUnicode().ofUnit(unit) & CharacterClasses::space;
     }
     qsizetype skipSpace(qsizetype from) const
     {
@@ -154,7 +154,7 @@ private:
     quint8 classesAt(qsizetype place) const
     {
         return isPair(place) ? CharacterClasses::ofCodePoint(QChar::surrogateToUcs4(at(place), at(place + 1)))
-                             : CharacterClasses::shared().ofUnit(at(place));
+                             : CharacterClasses::ofUnicode().ofUnit(at(place));
     }
 
     QStringView text_;

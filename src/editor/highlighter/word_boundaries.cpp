@@ -41,7 +41,7 @@ quint64 asciiSides(const char16_t* units)
 /// The same for up to 64 units from `from` on, of whatever kind. `inWord` is the side of the character before.
 quint64 sidesOf(QStringView text, qsizetype from, qsizetype count, bool inWord)
 {
-    const CharacterClasses& classes = CharacterClasses::shared();
+    const CharacterClasses& classes = CharacterClasses::ofUnicode();
     quint64 sides = 0;
     for (qsizetype i = 0; i < count; ++i) {
         const qsizetype at = from + i;

@@ -19,7 +19,7 @@ constexpr std::chrono::milliseconds highlightDelay{150};
 
 } // namespace
 
-EditorContainerView::EditorContainerView(QWidget* parent, Scheduler& scheduler, NotificationCenter& notifications)
+EditorContainerView::EditorContainerView(Scheduler& scheduler, NotificationCenter& notifications, QWidget* parent)
     : QWidget(parent),
       textView_(new TextView(this)),
       lineNumberView_(new SimpleLineNumberView(this)),
@@ -58,7 +58,7 @@ void EditorContainerView::setUpTextView()
 
 void EditorContainerView::setUpSideViews()
 {
-    codeFoldingManager_.setTextView(&textView_->storage());
+    codeFoldingManager_.setStorage(&textView_->storage());
     lineNumberView_->textView = textView_;
     lineNumberView_->codeFoldingManager = &codeFoldingManager_;
     lineNumberView_->onFoldToggle = [this](qsizetype line) { toggleFold(line); };
@@ -136,7 +136,7 @@ void EditorContainerView::replaceText(const QString& text)
 void EditorContainerView::setTheme(const EditorTheme& theme)
 {
     syntaxHighlighter_.theme = theme;
-    takeThemeColors(*textView_, theme);
+    applyThemeColors(*textView_, theme);
     lineNumberView_->backgroundColor = theme.gutterColor.toColor();
     lineNumberView_->textColor = theme.lineNumberColor.toColor();
     minimapView_->theme = theme;

@@ -41,8 +41,8 @@ public:
     static constexpr int gutterWidth = 55;
     static constexpr int minimapWidth = 80;
 
-    explicit EditorContainerView(QWidget* parent = nullptr, Scheduler& scheduler = Scheduler::system(),
-                                 NotificationCenter& notifications = NotificationCenter::shared());
+    /// The services outlive the view.
+    EditorContainerView(Scheduler& scheduler, NotificationCenter& notifications, QWidget* parent = nullptr);
     ~EditorContainerView() override;
 
     TextView& textView() { return *textView_; }

@@ -36,7 +36,7 @@ void setUpEditorText(TextView& view, QSizeF inset)
     view.setColors(colors);
 }
 
-void takeThemeColors(TextView& view, const EditorTheme& theme)
+void applyThemeColors(TextView& view, const EditorTheme& theme)
 {
     TextViewColors colors = view.colors();
     colors.background = theme.backgroundColor.toColor();

@@ -16,6 +16,6 @@ inline constexpr double editorLineHeight = 17;
 void setUpEditorText(TextView& view, QSizeF inset);
 
 /// Gives a text view the colours of a theme.
-void takeThemeColors(TextView& view, const EditorTheme& theme);
+void applyThemeColors(TextView& view, const EditorTheme& theme);
 
 } // namespace kelm

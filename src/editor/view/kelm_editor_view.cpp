@@ -34,9 +34,9 @@ KelmEditorView::KelmEditorView(std::shared_ptr<Document> document, ThemeManager&
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &KelmEditorView::scheduleUpdate);
 }
 
-EditorContainerView* KelmEditorView::makeView(QWidget* parent, Scheduler& scheduler, NotificationCenter& notifications)
+EditorContainerView* KelmEditorView::makeView(Scheduler& scheduler, NotificationCenter& notifications, QWidget* parent)
 {
-    view_ = new EditorContainerView(parent, scheduler, notifications);
+    view_ = new EditorContainerView(scheduler, notifications, parent);
     view_->setDelegate(&coordinator_);
     view_->setShowLineNumbers(showLineNumbers_);
     view_->setShowMinimap(showMinimap_);

@@ -48,8 +48,7 @@ public:
     void setShowMinimap(bool show);
 
     /// Makes the surface and shows the document in it. To be called once.
-    EditorContainerView* makeView(QWidget* parent, Scheduler& scheduler = Scheduler::system(),
-                                  NotificationCenter& notifications = NotificationCenter::shared());
+    EditorContainerView* makeView(Scheduler& scheduler, NotificationCenter& notifications, QWidget* parent);
     /// Brings the surface up to what document and theme are now.
     void updateView();
     EditorContainerView* view() const { return view_; }

@@ -27,7 +27,7 @@ SimpleLineNumberView::SimpleLineNumberView(QWidget* parent) : QWidget(parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setAccessibleName(tr("Line numbers"));
-    takeSystemColors();
+    refreshSystemColors();
 }
 
 void SimpleLineNumberView::drawFoldIndicator(QPainter& painter, qreal y, qreal height, bool isFolded) const
@@ -92,7 +92,7 @@ void SimpleLineNumberView::mouseMoveEvent(QMouseEvent* event)
 void SimpleLineNumberView::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::PaletteChange) {
-        takeSystemColors();
+        refreshSystemColors();
         update();
     }
     QWidget::changeEvent(event);
@@ -112,7 +112,7 @@ std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) con
     return line && regionAt(*line) != nullptr ? line : std::nullopt;
 }
 
-void SimpleLineNumberView::takeSystemColors()
+void SimpleLineNumberView::refreshSystemColors()
 {
     const Appearance appearance = style::appearanceOf(*this);
     foldIndicatorColor = systemColor(SystemColor::gray, appearance);

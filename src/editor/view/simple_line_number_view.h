@@ -59,7 +59,7 @@ private:
     const FoldableRegion* regionAt(qsizetype line) const;
     /// The foldable line under a point, absent outside the triangles.
     std::optional<qsizetype> foldableLineAt(QPointF point) const;
-    void takeSystemColors();
+    void refreshSystemColors();
 
     QColor foldedColor_;
 };

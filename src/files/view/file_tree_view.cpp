@@ -40,10 +40,10 @@ FileTreeView::FileTreeView(AppState& appState, FilePanels& filePanels, QWidget* 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(pages_);
-    connect(&appState_, &AppState::currentProjectChanged, this, &FileTreeView::takeProject);
-    connect(&appState_.git(), &GitService::statusChanged, this, &FileTreeView::takeStatus);
-    takeProject();
-    takeStatus();
+    connect(&appState_, &AppState::currentProjectChanged, this, &FileTreeView::refreshProject);
+    connect(&appState_.git(), &GitService::statusChanged, this, &FileTreeView::refreshStatus);
+    refreshProject();
+    refreshStatus();
 }
 
 QWidget* FileTreeView::makeTree()
@@ -107,7 +107,7 @@ QWidget* FileTreeView::makeEmptyState()
     return empty;
 }
 
-void FileTreeView::takeProject()
+void FileTreeView::refreshProject()
 {
     const std::optional<QUrl>& project = appState_.currentProject();
     const bool appears = project && pages_->currentIndex() == 0;
@@ -120,7 +120,7 @@ void FileTreeView::takeProject()
     }
 }
 
-void FileTreeView::takeStatus()
+void FileTreeView::refreshStatus()
 {
     model_->setBadges(GitBadges(appState_.git().status(), appState_.git().repoURL()));
 }
@@ -150,7 +150,7 @@ void FileTreeView::loadFiles()
 
 void FileTreeView::openFolder()
 {
-    const QList<ChosenUrl> chosen = filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
+    const QList<ChosenURL> chosen = filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
     if (!chosen.isEmpty()) {
         appState_.setCurrentProject(chosen.first().url);
         loadFiles();
@@ -167,7 +167,7 @@ void FileTreeView::select(int row)
     }
 }
 
-bool FileTreeView::takeKey(int key)
+bool FileTreeView::handleKey(int key)
 {
     const int row = list_->currentIndex().row();
     if (row < 0) {
@@ -215,7 +215,7 @@ bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
     } else if (watched == list_ && event->type() == QEvent::KeyPress) {
         setIsByKey(true);
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->modifiers() == Qt::NoModifier && takeKey(key->key())) {
+        if (key->modifiers() == Qt::NoModifier && handleKey(key->key())) {
             return true;
         }
     }

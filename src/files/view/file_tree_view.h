@@ -40,11 +40,11 @@ protected:
 private:
     QWidget* makeTree();
     QWidget* makeEmptyState();
-    void takeProject();
-    void takeStatus();
+    void refreshProject();
+    void refreshStatus();
     void openFolder();
     void select(int row);
-    bool takeKey(int key);
+    bool handleKey(int key);
     void setIsByKey(bool isByKey);
 
     AppState& appState_;

@@ -70,7 +70,7 @@ void CloneForm::setDestinationName(const QString& name)
 
 void CloneForm::pickDestination()
 {
-    const QList<ChosenUrl> chosen =
+    const QList<ChosenURL> chosen =
         filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true, .prompt = u"Choose"_s});
     if (!chosen.isEmpty()) {
         setDestinationParent(chosen.first().url);

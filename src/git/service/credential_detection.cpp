@@ -16,7 +16,7 @@ QString CredentialStatus::hint() const
                : u"No credentials found — public repos OK, private repos will prompt."_s;
 }
 
-PathTests PathTests::system()
+PathTests PathTests::ofDisk()
 {
     return {.exists = [](const QString& path) { return QFileInfo::exists(path); },
             .isExecutable = [](const QString& path) { return QFileInfo(path).isExecutable(); }};

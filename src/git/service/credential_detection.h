@@ -25,11 +25,11 @@ struct PathTests
     std::function<bool(const QString& path)> exists;
     std::function<bool(const QString& path)> isExecutable;
 
-    static PathTests system();
+    static PathTests ofDisk();
 };
 
 /// Looks for keys, the `gh` tool and credential helpers. Nothing is run and no file is read. `home` is the user's home
 /// folder, without a slash at its end.
-CredentialStatus detectCredentials(const QString& home, const PathTests& tests = PathTests::system());
+CredentialStatus detectCredentials(const QString& home, const PathTests& tests = PathTests::ofDisk());
 
 } // namespace kelm

@@ -7,18 +7,6 @@
 
 namespace kelm {
 
-namespace {
-
-/// The shared runner belongs to nobody.
-std::shared_ptr<ProcessRunner> systemRunner()
-{
-    return {std::shared_ptr<ProcessRunner>(), &ProcessRunner::system()};
-}
-
-} // namespace
-
-GitService::GitService(QObject* parent) : GitService(systemRunner(), parent) {}
-
 GitService::GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent)
     : QObject(parent), runner_(std::move(runner)), alive_(std::make_shared<const bool>(true))
 {}

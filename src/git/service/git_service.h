@@ -43,8 +43,7 @@ public:
     using Completion = std::function<void(const GitOpResult&)>;
     using PathTest = std::function<bool(const QString& path)>;
 
-    explicit GitService(QObject* parent = nullptr);
-    /// As above, with every child started by `runner`, which is used from several threads.
+    /// Every child is started by `runner`, which is used from several threads.
     explicit GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent = nullptr);
     ~GitService() override;
 

@@ -145,7 +145,7 @@ QWidget* LearningModeSidePanel::makeHeader()
                                      section);
         link->setText(lessonTexts::openLesson.in(isKo_));
         link->setHelp(*url);
-        connect(link, &PlainButton::clicked, this, [this, url] { workspace_.openUrl(QUrl(*url)); });
+        connect(link, &PlainButton::clicked, this, [this, url] { workspace_.openURL(QUrl(*url)); });
         column->addWidget(link, 0, Qt::AlignLeft);
     }
     return section;

@@ -10,7 +10,7 @@ namespace {
 class NoPanels final : public FilePanels
 {
 public:
-    QList<ChosenUrl> showOpenPanel(const OpenPanelOptions&) override { return {}; }
+    QList<ChosenURL> showOpenPanel(const OpenPanelOptions&) override { return {}; }
     std::optional<QUrl> showSavePanel(const QList<ContentType>&) override { return std::nullopt; }
 };
 

@@ -21,12 +21,12 @@ struct OpenPanelOptions
 };
 
 /// One choice of an open panel.
-struct ChosenUrl
+struct ChosenURL
 {
     QUrl url;
     bool isDirectory = false;
 
-    friend bool operator==(const ChosenUrl&, const ChosenUrl&) = default;
+    friend bool operator==(const ChosenURL&, const ChosenURL&) = default;
 };
 
 /// Kinds of content that a save panel offers.
@@ -39,7 +39,7 @@ public:
     virtual ~FilePanels() = default;
 
     /// The chosen URLs in the order in which the panel gives them; empty when the person cancels.
-    virtual QList<ChosenUrl> showOpenPanel(const OpenPanelOptions& options) = 0;
+    virtual QList<ChosenURL> showOpenPanel(const OpenPanelOptions& options) = 0;
 
     /// The URL to save to, or nothing when the person cancels. `allowedTypes` are offered in their order.
     virtual std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) = 0;

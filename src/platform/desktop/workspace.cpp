@@ -76,7 +76,7 @@ public:
         }
     }
 
-    bool openUrl(const QUrl& url) override { return QDesktopServices::openUrl(url); }
+    bool openURL(const QUrl& url) override { return QDesktopServices::openUrl(url); }
 
     std::optional<QString> applicationForScheme(const QString& scheme) override
     {

@@ -23,7 +23,7 @@ public:
     virtual void reveal(const QUrl& url) = 0;
 
     /// Opens a URL with the application that is meant for it. False when there is none.
-    virtual bool openUrl(const QUrl& url) = 0;
+    virtual bool openURL(const QUrl& url) = 0;
 
     /// The application that opens URLs of `scheme` (such as "tutorbay"), under the name that the system has for it;
     /// absent when none is registered.

@@ -97,11 +97,11 @@ bool SingleInstance::listen()
     server_->setMaxPendingConnections(mostWaiting);
     // Many starts at once, as of a script, wait for their turn.
     server_->setListenBacklogSize(mostWaiting);
-    connect(server_.get(), &QLocalServer::newConnection, this, &SingleInstance::takeConnections);
+    connect(server_.get(), &QLocalServer::newConnection, this, &SingleInstance::acceptConnections);
     return server_->listen(socketPath_);
 }
 
-void SingleInstance::takeConnections()
+void SingleInstance::acceptConnections()
 {
     while (QLocalSocket* socket = server_->nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);

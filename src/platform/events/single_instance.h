@@ -42,7 +42,7 @@ Q_SIGNALS:
     void received(const QStringList& urlTexts);
 
 private:
-    void takeConnections();
+    void acceptConnections();
     /// `bytes` is what has come so far.
     void read(QLocalSocket& socket, QByteArray& bytes);
 

@@ -9,13 +9,13 @@
 
 namespace kelm {
 
-int leaveWithoutWaiting(int status)
+int leaveWithoutWaiting(int status, UserDefaults& preferences)
 {
     // The pool's number of active threads leaves out those that only wait for a child.
     if (QThreadPool::globalInstance()->waitForDone(0)) {
         return status;
     }
-    UserDefaults::shared().synchronize();
+    preferences.synchronize();
     std::fflush(nullptr);
     std::_Exit(status);
 }

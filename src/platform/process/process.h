@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
 namespace kelm {
@@ -67,6 +68,8 @@ public:
 
     /// The runner that starts real processes.
     static ProcessRunner& system();
+    /// The same for those that share theirs with work on other threads.
+    static std::shared_ptr<ProcessRunner> sharedSystem() { return {std::shared_ptr<ProcessRunner>(), &system()}; }
 };
 
 } // namespace kelm

@@ -110,13 +110,13 @@ WrappedLabel::WrappedLabel(const QString& text, const QFont& font, const Tint& t
     setTextFormat(Qt::PlainText);
     setFont(font);
     setWordWrap(true);
-    takeTint();
+    refreshTint();
 }
 
 void WrappedLabel::setTint(const Tint& tint)
 {
     tint_ = tint;
-    takeTint();
+    refreshTint();
 }
 
 QSize WrappedLabel::minimumSizeHint() const
@@ -165,11 +165,11 @@ void WrappedLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        takeTint();
+        refreshTint();
     }
 }
 
-void WrappedLabel::takeTint()
+void WrappedLabel::refreshTint()
 {
     // The colour of its text no longer tells the appearance once it has been tinted; that of the tool tips still does.
     const bool isDark = palette().color(QPalette::ToolTipText).lightness() > 127;

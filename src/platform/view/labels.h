@@ -62,7 +62,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void takeTint();
+    void refreshTint();
     /// Breaks the text into lines of a width, and tells their height.
     qreal layOut(QTextLayout& lines, int width) const;
 

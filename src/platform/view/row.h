@@ -76,7 +76,7 @@ struct RowFonts
     /// Bold, of letters that mark a change and of the titles of sections.
     QFont mark;
 
-    static const RowFonts& shared();
+    static const RowFonts& standard();
 };
 
 } // namespace kelm

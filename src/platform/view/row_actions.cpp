@@ -91,13 +91,13 @@ bool RowActions::eventFilter(QObject* watched, QEvent* event)
         Q_EMIT keyboardChanged();
         return false;
     case QEvent::KeyPress:
-        return takeKey(button, static_cast<QKeyEvent&>(*event));
+        return handleKey(button, static_cast<QKeyEvent&>(*event));
     default:
         return false;
     }
 }
 
-bool RowActions::takeKey(qsizetype button, QKeyEvent& event)
+bool RowActions::handleKey(qsizetype button, QKeyEvent& event)
 {
     switch (event.key()) {
     case Qt::Key_Right:

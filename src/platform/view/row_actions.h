@@ -38,7 +38,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    bool takeKey(qsizetype button, QKeyEvent& event);
+    bool handleKey(qsizetype button, QKeyEvent& event);
     void step(qsizetype button, bool forwards);
 
     bool takesKeyboard_;

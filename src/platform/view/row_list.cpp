@@ -284,7 +284,7 @@ void RowList::paintEvent(QPaintEvent* event)
         return;
     }
     QPainter painter(viewport());
-    painter.setFont(RowFonts::shared().body);
+    painter.setFont(RowFonts::standard().body);
     painter.setPen(Tint::secondary().on(*this));
     const QRect place = viewport()->rect().adjusted(8, 24, -8, 0);
     painter.drawText(place, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, placeholder_);

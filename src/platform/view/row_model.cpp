@@ -5,7 +5,7 @@
 
 namespace kelm {
 
-const RowFonts& RowFonts::shared()
+const RowFonts& RowFonts::standard()
 {
     static const RowFonts fonts{.body = style::interfaceFont(12),
                                 .caption = style::interfaceFont(style::typeSize::subheadline),

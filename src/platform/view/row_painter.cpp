@@ -84,7 +84,7 @@ QList<int> pieceWidths(const QList<RowText>& pieces, int width)
 
 void paintSectionTitle(QPainter& painter, const QRect& rectangle, const QString& title, Appearance appearance)
 {
-    painter.setFont(RowFonts::shared().mark);
+    painter.setFont(RowFonts::standard().mark);
     painter.setPen(Tint::secondary().in(appearance));
     painter.drawText(rectangle.adjusted(sideSpace, 2, -sideSpace, 0),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, title);

@@ -9,11 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 
 TerminalManager::TerminalManager(std::function<std::unique_ptr<TerminalSession>()> makeSession, QObject* parent)
     : QObject(parent), makeSession_(std::move(makeSession))
-{
-    if (!makeSession_) {
-        makeSession_ = [] { return std::make_unique<TerminalSession>(); };
-    }
-}
+{}
 
 TerminalManager::~TerminalManager() = default;
 

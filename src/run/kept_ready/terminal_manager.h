@@ -18,9 +18,8 @@ class TerminalManager final : public QObject
     Q_OBJECT
 
 public:
-    /// A session is made by `makeSession`; without one, with the program's own services.
-    explicit TerminalManager(std::function<std::unique_ptr<TerminalSession>()> makeSession = {},
-                             QObject* parent = nullptr);
+    /// Each session is made by `makeSession`.
+    explicit TerminalManager(std::function<std::unique_ptr<TerminalSession>()> makeSession, QObject* parent = nullptr);
     ~TerminalManager() override;
 
     const std::vector<std::unique_ptr<TerminalSession>>& sessions() const { return sessions_; }

@@ -62,8 +62,8 @@ OutputView::OutputView(NotificationCenter& notifications, ThemeManager& themeMan
     scrolling_.setStartValue(0.0);
     scrolling_.setEndValue(1.0);
 
-    connect(&themeManager, &ThemeManager::currentThemeChanged, this, &OutputView::takeColors);
-    takeColors();
+    connect(&themeManager, &ThemeManager::currentThemeChanged, this, &OutputView::refreshColors);
+    refreshColors();
     showPlaceholder();
     notifications.addObserver(this, notifications::codeOutput, [this](const Notification& notification) {
         if (notification.object.metaType() == QMetaType::fromType<QString>()) {
@@ -112,7 +112,7 @@ void OutputView::showPlaceholder()
     storage.setForeground({0, storage.length()}, color.rgba());
 }
 
-void OutputView::takeColors()
+void OutputView::refreshColors()
 {
     const EditorTheme& theme = themeManager_.currentTheme();
     TextViewColors colors = textView_->colors();

@@ -38,7 +38,7 @@ private:
     void append(const QString& text);
     void clear();
     void showPlaceholder();
-    void takeColors();
+    void refreshColors();
     void scrollToBottomAnchor();
     void placeBottomAnchor();
 

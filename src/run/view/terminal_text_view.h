@@ -60,7 +60,7 @@ private:
     };
     static const std::vector<CommandKey>& commandKeys();
 
-    bool takeKey(QKeyEvent* event);
+    bool handleKey(QKeyEvent* event);
     void runCommand();
     void completeCommand();
     void showNextCommand();

@@ -16,10 +16,6 @@ TerminalTextView* TerminalViewRepresentable::makeView(QWidget* parent) const
     return view;
 }
 
-TerminalView::TerminalView(AppState& appState, QWidget* parent)
-    : TerminalView(appState, TerminalSession::Services{}, parent)
-{}
-
 TerminalView::TerminalView(AppState& appState, TerminalSession::Services services, QWidget* parent)
     : QWidget(parent), session_(std::make_unique<TerminalSession>(std::move(services)))
 {

@@ -35,7 +35,6 @@ class TerminalView final : public QWidget
     Q_OBJECT
 
 public:
-    explicit TerminalView(AppState& appState, QWidget* parent = nullptr);
     TerminalView(AppState& appState, TerminalSession::Services services, QWidget* parent = nullptr);
     ~TerminalView() override;
 

@@ -140,7 +140,7 @@ void QuickOpenView::showSelection()
     list_->viewport()->update();
 }
 
-bool QuickOpenView::takeKey(int key)
+bool QuickOpenView::handleKey(int key)
 {
     switch (key) {
     case Qt::Key_Return:
@@ -169,7 +169,8 @@ bool QuickOpenView::takeKey(int key)
 
 bool QuickOpenView::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == searchText_ && event->type() == QEvent::KeyPress && takeKey(static_cast<QKeyEvent*>(event)->key())) {
+    if (watched == searchText_ && event->type() == QEvent::KeyPress &&
+        handleKey(static_cast<QKeyEvent*>(event)->key())) {
         return true;
     }
     return OverlayCard::eventFilter(watched, event);

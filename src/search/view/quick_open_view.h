@@ -32,7 +32,7 @@ protected:
 private:
     class FileRowDelegate;
 
-    bool takeKey(int key);
+    bool handleKey(int key);
     void fillList();
     void showSelection();
     void openRow(qsizetype row);

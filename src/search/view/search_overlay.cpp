@@ -65,8 +65,8 @@ SearchOverlay::SearchOverlay(AppState& appState, QWidget* parent)
     column->addWidget(buttons_);
     setFocusProxy(searchText_);
     searchText_->installEventFilter(this);
-    connect(&appState_, &AppState::searchModeChanged, this, &SearchOverlay::takeMode);
-    takeMode();
+    connect(&appState_, &AppState::searchModeChanged, this, &SearchOverlay::refreshMode);
+    refreshMode();
 }
 
 QWidget* SearchOverlay::makeTitleRow()
@@ -121,7 +121,7 @@ QWidget* SearchOverlay::makeButtons()
     return row;
 }
 
-void SearchOverlay::takeMode()
+void SearchOverlay::refreshMode()
 {
     const bool replaces = appState_.searchMode() == SearchMode::replace;
     title_->setText(replaces ? u"Find and Replace"_s : u"Find"_s);

@@ -28,7 +28,7 @@ private:
     QWidget* makeFindRow();
     QWidget* makeReplaceRow();
     QWidget* makeButtons();
-    void takeMode();
+    void refreshMode();
 
     AppState& appState_;
     TextLabel* title_ = nullptr;

@@ -105,7 +105,7 @@ ThemeSettingsView::ThemeSettingsView(ThemeManager& themeManager, QWidget* parent
     row->addLayout(right, 1);
 
     // The row that only has the keyboard is not selected by that.
-    connect(list_, &QListWidget::itemSelectionChanged, this, &ThemeSettingsView::takeSelection);
+    connect(list_, &QListWidget::itemSelectionChanged, this, &ThemeSettingsView::previewSelection);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &ThemeSettingsView::fillList);
     connect(&themeManager_, &ThemeManager::availableThemesChanged, this, &ThemeSettingsView::fillList);
     fillList();
@@ -126,7 +126,7 @@ void ThemeSettingsView::fillList()
     preview_->setTheme(selectedTheme_.value_or(themeManager_.currentTheme()));
 }
 
-void ThemeSettingsView::takeSelection()
+void ThemeSettingsView::previewSelection()
 {
     const QList<QListWidgetItem*> selected = list_->selectedItems();
     selectedTheme_.reset();

@@ -27,7 +27,7 @@ public:
 
 private:
     void fillList();
-    void takeSelection();
+    void previewSelection();
     void apply();
 
     ThemeManager& themeManager_;

@@ -70,7 +70,7 @@ void FindBar::open(bool withReplace)
     view_.commitComposition();
     const bool replaces = withReplace && !view_.isReadOnly();
     replaceRow_->setVisible(replaces);
-    takeSelection();
+    readSelection();
     origin_ = view_.selectedRange().location;
     show();
     raise();
@@ -117,7 +117,7 @@ void FindBar::findPrevious()
 
 void FindBar::useSelection()
 {
-    takeSelection();
+    readSelection();
     if (isVisible()) {
         restart();
     }
@@ -248,7 +248,7 @@ void FindBar::buildRows()
     connect(replaceEach, &QToolButton::clicked, this, &FindBar::replaceAll);
 }
 
-void FindBar::takeSelection()
+void FindBar::readSelection()
 {
     const TextRange selected = view_.selectedRange();
     if (selected.length > longestSelection) {

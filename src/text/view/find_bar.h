@@ -45,7 +45,7 @@ private:
     QToolButton* makeButton(const QString& text, const QString& help);
     QToolButton* makeToggle(const QString& text, const QString& help);
     void buildRows();
-    void takeSelection();
+    void readSelection();
     void restart();
     void select(std::optional<TextRange> match);
     void replaceCurrent();

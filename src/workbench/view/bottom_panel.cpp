@@ -87,9 +87,9 @@ BottomPanel::BottomPanel(AppState& appState, ThemeManager& themeManager, Pages p
     column->setSpacing(0);
     column->addWidget(strip);
     column->addWidget(stack_, 1);
-    connect(&appState_, &AppState::bottomPanelTabChanged, this, &BottomPanel::takeTab);
+    connect(&appState_, &AppState::bottomPanelTabChanged, this, &BottomPanel::refreshTab);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
-    takeTab();
+    refreshTab();
 }
 
 QSize BottomPanel::sizeHint() const
@@ -109,7 +109,7 @@ void BottomPanel::focusTerminal()
     }
 }
 
-void BottomPanel::takeTab()
+void BottomPanel::refreshTab()
 {
     const BottomPanelTab selected = appState_.bottomPanelTab();
     for (const BottomPanelTab tab : BottomPanelTab::allCases()) {

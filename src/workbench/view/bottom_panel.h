@@ -45,7 +45,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void takeTab();
+    void refreshTab();
 
     AppState& appState_;
     ThemeManager& themeManager_;

@@ -81,13 +81,13 @@ DocumentLeftStatus::DocumentLeftStatus(std::shared_ptr<Document> document, QWidg
     for (QWidget* item : {language_, encoding_, lineEnding_}) {
         row->addWidget(item);
     }
-    connect(document_.get(), &Document::languageChanged, this, &DocumentLeftStatus::takeDocument);
-    connect(document_.get(), &Document::encodingChanged, this, &DocumentLeftStatus::takeDocument);
-    connect(document_.get(), &Document::lineEndingChanged, this, &DocumentLeftStatus::takeDocument);
-    takeDocument();
+    connect(document_.get(), &Document::languageChanged, this, &DocumentLeftStatus::refreshDocument);
+    connect(document_.get(), &Document::encodingChanged, this, &DocumentLeftStatus::refreshDocument);
+    connect(document_.get(), &Document::lineEndingChanged, this, &DocumentLeftStatus::refreshDocument);
+    refreshDocument();
 }
 
-void DocumentLeftStatus::takeDocument()
+void DocumentLeftStatus::refreshDocument()
 {
     language_->setSymbol(document_->language().iconName());
     language_->setText(document_->language().rawValue());
@@ -122,23 +122,23 @@ DocumentRightStatus::DocumentRightStatus(std::shared_ptr<Document> document, QWi
     for (QWidget* item : std::initializer_list<QWidget*>{position_, selection_, lines_, indent_}) {
         row->addWidget(item);
     }
-    connect(document_.get(), &Document::cursorPositionChanged, this, &DocumentRightStatus::takePosition);
-    connect(document_.get(), &Document::selectionChanged, this, &DocumentRightStatus::takeSelection);
-    connect(document_.get(), &Document::indentStyleChanged, this, &DocumentRightStatus::takeIndentStyle);
-    connect(lineCounter_, &LineCounter::countChanged, this, &DocumentRightStatus::takeLineCount);
-    takePosition();
-    takeSelection();
-    takeLineCount();
-    takeIndentStyle();
+    connect(document_.get(), &Document::cursorPositionChanged, this, &DocumentRightStatus::refreshPosition);
+    connect(document_.get(), &Document::selectionChanged, this, &DocumentRightStatus::refreshSelection);
+    connect(document_.get(), &Document::indentStyleChanged, this, &DocumentRightStatus::refreshIndentStyle);
+    connect(lineCounter_, &LineCounter::countChanged, this, &DocumentRightStatus::refreshLineCount);
+    refreshPosition();
+    refreshSelection();
+    refreshLineCount();
+    refreshIndentStyle();
 }
 
-void DocumentRightStatus::takePosition()
+void DocumentRightStatus::refreshPosition()
 {
     const CursorPosition& position = document_->cursorPosition();
     position_->setText(u"Ln "_s + QString::number(position.line) + u", Col "_s + QString::number(position.column));
 }
 
-void DocumentRightStatus::takeSelection()
+void DocumentRightStatus::refreshSelection()
 {
     const std::optional<TextSelection>& selection = document_->selection();
     selection_->setVisible(selection.has_value());
@@ -148,13 +148,13 @@ void DocumentRightStatus::takeSelection()
     }
 }
 
-void DocumentRightStatus::takeLineCount()
+void DocumentRightStatus::refreshLineCount()
 {
     lines_->setText(QString::number(lineCounter_->count()) + u" lines"_s);
     lines_->updateGeometry();
 }
 
-void DocumentRightStatus::takeIndentStyle()
+void DocumentRightStatus::refreshIndentStyle()
 {
     indent_->setText(indentLabel(document_->indentStyle()));
     indent_->updateGeometry();

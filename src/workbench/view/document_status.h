@@ -28,7 +28,7 @@ public:
     StatusBarMenu& lineEndingMenu() { return *lineEnding_; }
 
 private:
-    void takeDocument();
+    void refreshDocument();
 
     std::shared_ptr<Document> document_;
     StatusBarMenu* language_;
@@ -50,10 +50,10 @@ public:
     StatusBarMenu& indentMenu() { return *indent_; }
 
 private:
-    void takePosition();
-    void takeSelection();
-    void takeLineCount();
-    void takeIndentStyle();
+    void refreshPosition();
+    void refreshSelection();
+    void refreshLineCount();
+    void refreshIndentStyle();
     void fillCounts(QMenu& menu) const;
 
     std::shared_ptr<Document> document_;

@@ -20,8 +20,8 @@ EditorArea::EditorArea(AppState& appState, ThemeManager& themeManager, QWidget* 
     connect(&appState_, &AppState::documentsChanged, this, &EditorArea::dropClosedDocuments);
     connect(&appState_, &AppState::currentDocumentChanged, this, &EditorArea::showCurrentDocument);
     connect(&appState_, &AppState::showMinimapChanged, this, &EditorArea::updateShownParts);
-    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &EditorArea::takeThemeBackground);
-    takeThemeBackground();
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &EditorArea::refreshThemeBackground);
+    refreshThemeBackground();
     showCurrentDocument();
 }
 
@@ -79,7 +79,7 @@ void EditorArea::showCurrentDocument()
     if (!editor) {
         editor = std::make_shared<KelmEditorView>(document, themeManager_);
         editor->setShowMinimap(appState_.showMinimap());
-        pages_->addWidget(editor->makeView(this));
+        pages_->addWidget(editor->makeView(appState_.scheduler(), appState_.notificationCenter(), this));
     }
     pages_->setCurrentWidget(editor->view());
     editor->view()->setFocus();
@@ -92,7 +92,7 @@ void EditorArea::updateShownParts()
     }
 }
 
-void EditorArea::takeThemeBackground()
+void EditorArea::refreshThemeBackground()
 {
     QPalette colors = palette();
     colors.setColor(QPalette::Window, themeManager_.currentTheme().backgroundColor.toColor());

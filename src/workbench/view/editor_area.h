@@ -37,7 +37,7 @@ private:
     void dropClosedDocuments();
     void showCurrentDocument();
     void updateShownParts();
-    void takeThemeBackground();
+    void refreshThemeBackground();
 
     AppState& appState_;
     ThemeManager& themeManager_;

@@ -4,6 +4,7 @@
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
 #include "editor/themes/theme_manager.h"
+#include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
 #include "platform/desktop/view/alert_dialogs.h"
 #include "platform/desktop/view/file_dialogs.h"
@@ -39,7 +40,7 @@ void AppDelegate::open(const QStringList& urlTexts)
     const auto handleLink = [this](const QString& urlText) {
         handleKelmPaneURL(urlText, AppState::shared(), Scheduler::system(), Log::system(), activate_);
     };
-    openUrls(urlTexts, AppState::shared(), handleLink);
+    openURLs(urlTexts, AppState::shared(), handleLink);
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
@@ -55,8 +56,11 @@ KelmPaneApp::KelmPaneApp()
     : appState_(sharedStateWithPanels()),
       updateService_(AutoUpdateService::shared()),
       themeManager_(ThemeManager::shared()),
-      window_(std::make_unique<MainWindow>(
-          MainWindow::Services{appState_, themeManager_, Workspace::system(), UserDefaults::shared()}))
+      uninstallService_(
+          {Alerts::shared(), Workspace::system(), UserDefaults::shared(), [] { QCoreApplication::quit(); }}),
+      window_(std::make_unique<MainWindow>(MainWindow::Services{appState_, themeManager_, Workspace::system(),
+                                                                UserDefaults::shared(), updateService_,
+                                                                [this] { uninstallService_.confirmAndRun(); }}))
 {
     qApp->installEventFilter(&appDelegate_);
     appDelegate_.setActivate([this] { bringToFront(); });
@@ -77,8 +81,7 @@ void KelmPaneApp::start(const QStringList& arguments)
 void KelmPaneApp::openFromOutside(const QStringList& urlTexts)
 {
     // A link brings the window by itself, once it turns out to be a good one.
-    const auto isLink = [](const QString& urlText) { return urlText.startsWith(u"kelmpane:"); };
-    if (urlTexts.isEmpty() || !std::all_of(urlTexts.begin(), urlTexts.end(), isLink)) {
+    if (urlTexts.isEmpty() || !std::all_of(urlTexts.begin(), urlTexts.end(), isLessonLink)) {
         bringToFront();
     }
     appDelegate_.open(urlTexts);

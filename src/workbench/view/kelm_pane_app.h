@@ -1,6 +1,8 @@
 // The application: what is made at the start and what comes in from outside.
 #pragma once
 
+#include "maintenance/uninstall_service.h"
+
 #include <QObject>
 #include <QStringList>
 
@@ -59,6 +61,7 @@ private:
     AppState& appState_;
     AutoUpdateService& updateService_;
     ThemeManager& themeManager_;
+    UninstallService uninstallService_;
     std::unique_ptr<MainWindow> window_;
 };
 

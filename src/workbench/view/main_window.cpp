@@ -51,19 +51,20 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
       appState_(services.appState),
       themeManager_(services.themeManager),
       workspace_(services.workspace),
-      userDefaults_(services.userDefaults)
+      userDefaults_(services.userDefaults),
+      commandTargets_{services.appState, services.updateService, services.uninstall}
 {
     setWindowTitle(QStringLiteral("KelmWright"));
     resize(firstSize);
     setAcceptDrops(true);
     setMenuBar(makeMenuBar(
-        appState_, [this] { openSettings(); }, this));
+        commandTargets_, [this] { openSettings(); }, this));
     buildStack();
     connectState();
-    takeSidebar();
-    takeBottomPanel();
-    takeLessonPanel();
-    takeTheme();
+    refreshSidebar();
+    refreshBottomPanel();
+    refreshLessonPanel();
+    refreshTheme();
     new WindowOverlays(appState_, *this);
 }
 
@@ -86,7 +87,7 @@ void MainWindow::buildStack()
     // A menu bar that stands in the window comes on top of it.
     stack->setMinimumSize(smallestSize);
     toolbar_ = new ToolbarView(
-        appState_, themeManager_, [this] { openSettings(); }, stack);
+        commandTargets_, themeManager_, [this] { openSettings(); }, stack);
     columns_ = makeSplitter(Qt::Horizontal, stack);
     rows_ = makeSplitter(Qt::Vertical, columns_);
     auto* upper = new QWidget(rows_);
@@ -114,13 +115,13 @@ void MainWindow::buildStack()
 
 void MainWindow::connectState()
 {
-    connect(&appState_, &AppState::showSidebarChanged, this, &MainWindow::takeSidebar);
-    connect(&appState_, &AppState::showBottomPanelChanged, this, &MainWindow::takeBottomPanel);
-    connect(&appState_, &AppState::currentDocumentChanged, this, &MainWindow::takeLessonPanel);
-    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &MainWindow::takeTheme);
+    connect(&appState_, &AppState::showSidebarChanged, this, &MainWindow::refreshSidebar);
+    connect(&appState_, &AppState::showBottomPanelChanged, this, &MainWindow::refreshBottomPanel);
+    connect(&appState_, &AppState::currentDocumentChanged, this, &MainWindow::refreshLessonPanel);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &MainWindow::refreshTheme);
 }
 
-void MainWindow::takeSidebar()
+void MainWindow::refreshSidebar()
 {
     if (appState_.showSidebar() == (sidebar_ != nullptr)) {
         return;
@@ -144,7 +145,7 @@ void MainWindow::takeSidebar()
     sidebar_->show();
 }
 
-void MainWindow::takeBottomPanel()
+void MainWindow::refreshBottomPanel()
 {
     if (bottomPanel_ == nullptr && appState_.showBottomPanel()) {
         bottomPanel_ = new BottomPanel(appState_, themeManager_, bottomPanelPages(appState_, themeManager_), rows_);
@@ -166,7 +167,7 @@ void MainWindow::takeBottomPanel()
     }
 }
 
-void MainWindow::takeLessonPanel()
+void MainWindow::refreshLessonPanel()
 {
     // The panel and its divider come and go with the tab.
     delete lessonPanel_;
@@ -179,11 +180,11 @@ void MainWindow::takeLessonPanel()
     auto* row = makeTightLayout<QHBoxLayout>(lessonPanel_);
     row->addWidget(new Divider(Qt::Vertical, lessonPanel_));
     row->addWidget(new LearningModeSidePanel(*document->lessonInfo(), appState_.codeRunner(), workspace_,
-                                             Scheduler::system(), lessonPanel_));
+                                             appState_.scheduler(), lessonPanel_));
     editorRow_->addWidget(lessonPanel_);
 }
 
-void MainWindow::takeTheme()
+void MainWindow::refreshTheme()
 {
     QPalette colors = menuBar()->palette();
     colors.setColor(QPalette::Window, themeManager_.currentTheme().backgroundColor.toColor());

@@ -1,6 +1,7 @@
 // The program's one window.
 #pragma once
 
+#include "app/commands/command_table.h"
 #include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 #include "platform/desktop/workspace.h"
@@ -17,6 +18,7 @@ namespace kelm {
 class BottomPanel;
 class EditorArea;
 class OverlayLayer;
+class AutoUpdateService;
 class SettingsView;
 class SidebarView;
 class StatusBarView;
@@ -38,6 +40,9 @@ public:
         ThemeManager& themeManager;
         Workspace& workspace;
         UserDefaults& userDefaults;
+        AutoUpdateService& updateService;
+        /// Asks whether the program shall be removed, and removes it.
+        std::function<void()> uninstall = {};
     };
 
     explicit MainWindow(const Services& services, QWidget* parent = nullptr);
@@ -66,16 +71,17 @@ protected:
 
 private:
     void buildStack();
-    void takeSidebar();
-    void takeBottomPanel();
-    void takeLessonPanel();
-    void takeTheme();
+    void refreshSidebar();
+    void refreshBottomPanel();
+    void refreshLessonPanel();
+    void refreshTheme();
     void connectState();
 
     AppState& appState_;
     ThemeManager& themeManager_;
     Workspace& workspace_;
     UserDefaults& userDefaults_;
+    const CommandTargets commandTargets_;
     ToolbarView* toolbar_ = nullptr;
     QSplitter* columns_ = nullptr;
     QSplitter* rows_ = nullptr;

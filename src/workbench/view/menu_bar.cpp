@@ -57,24 +57,24 @@ void identify(QAction& action, Command command)
     action.setData(int(command));
 }
 
-void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState);
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTargets& targets);
 
-void addSubmenu(QMenu& menu, const MenuItem& item, AppState& appState)
+void addSubmenu(QMenu& menu, const MenuItem& item, const CommandTargets& targets)
 {
     QMenu* submenu = menu.addMenu(item.label);
     if (!item.makeItems) {
-        addItems(*submenu, item.items, appState);
+        addItems(*submenu, item.items, targets);
         return;
     }
-    const auto refill = [submenu, makeItems = item.makeItems, &appState] {
+    const auto refill = [submenu, makeItems = item.makeItems, targets] {
         submenu->clear();
-        addItems(*submenu, makeItems(appState), appState);
+        addItems(*submenu, makeItems(targets.appState), targets);
     };
     refill();
     QObject::connect(submenu, &QMenu::aboutToShow, submenu, refill);
 }
 
-void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appState)
+void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTargets& targets)
 {
     for (const MenuItem& item : items) {
         switch (item.kind) {
@@ -82,7 +82,7 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appStat
             menu.addSeparator();
             break;
         case MenuItem::Kind::submenu:
-            addSubmenu(menu, item, appState);
+            addSubmenu(menu, item, targets);
             break;
         case MenuItem::Kind::command: {
             // An ampersand in a file's name is no mnemonic.
@@ -91,16 +91,18 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appStat
                 identify(*action, *item.command);
             }
             if (item.isEnabled) {
-                const auto update = [action, isEnabled = item.isEnabled] { action->setEnabled(isEnabled()); };
+                const auto update = [action, isEnabled = item.isEnabled, targets] {
+                    action->setEnabled(isEnabled(targets));
+                };
                 update();
                 QObject::connect(&menu, &QMenu::aboutToShow, action, update);
             }
             if (item.key) {
                 action->setShortcut(QKeySequence(*item.key));
             }
-            QObject::connect(action, &QAction::triggered, &menu, [run = item.action, &appState] {
+            QObject::connect(action, &QAction::triggered, &menu, [run = item.action, targets] {
                 commitCompositionInFocus();
-                run(appState);
+                run(targets);
             });
             break;
         }
@@ -108,19 +110,19 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, AppState& appStat
     }
 }
 
-void addGroups(QMenu& menu, MenuPlacement placement, AppState& appState)
+void addGroups(QMenu& menu, MenuPlacement placement, const CommandTargets& targets)
 {
     for (const MenuGroup& group : commandTable()) {
         if (group.placement == placement && group.menu == menu.title()) {
             if (!menu.isEmpty()) {
                 menu.addSeparator();
             }
-            addItems(menu, group.items, appState);
+            addItems(menu, group.items, targets);
         }
     }
 }
 
-void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<void()>& openSettings)
+void addApplicationMenu(QMenuBar& bar, const CommandTargets& targets, const std::function<void()>& openSettings)
 {
     QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
     QAction* about = menu->addAction(QObject::tr("About KelmWright"));
@@ -131,7 +133,7 @@ void addApplicationMenu(QMenuBar& bar, AppState& appState, const std::function<v
                            QObject::tr("KelmWright %1\n\nA code editor for writing and learning.")
                                .arg(QCoreApplication::applicationVersion()));
     });
-    addGroups(*menu, MenuPlacement::afterAbout, appState);
+    addGroups(*menu, MenuPlacement::afterAbout, targets);
     menu->addSeparator();
     QAction* settings = menu->addAction(QObject::tr("Settings…"), &bar, openSettings);
     identify(*settings, Command::settings);
@@ -189,21 +191,21 @@ QAction* menuAction(const QMenuBar& bar, Command command)
     return nullptr;
 }
 
-QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent)
+QMenuBar* makeMenuBar(const CommandTargets& targets, const std::function<void()>& openSettings, QWidget* parent)
 {
     auto* bar = new QMenuBar(parent);
-    addApplicationMenu(*bar, appState, openSettings);
+    addApplicationMenu(*bar, targets, openSettings);
     QMenu* file = bar->addMenu(QStringLiteral("File"));
-    addGroups(*file, MenuPlacement::replacingNewItems, appState);
-    addGroups(*file, MenuPlacement::replacingSaveItems, appState);
+    addGroups(*file, MenuPlacement::replacingNewItems, targets);
+    addGroups(*file, MenuPlacement::replacingSaveItems, targets);
     QMenu* edit = bar->addMenu(QStringLiteral("Edit"));
     addEditingItems(*edit);
-    addGroups(*edit, MenuPlacement::afterTextEditing, appState);
+    addGroups(*edit, MenuPlacement::afterTextEditing, targets);
     QMenu* view = bar->addMenu(QStringLiteral("View"));
-    addGroups(*view, MenuPlacement::afterToolbar, appState);
+    addGroups(*view, MenuPlacement::afterToolbar, targets);
     for (const MenuGroup& group : commandTable()) {
         if (group.placement == MenuPlacement::ownMenu) {
-            addItems(*bar->addMenu(group.menu), group.items, appState);
+            addItems(*bar->addMenu(group.menu), group.items, targets);
         }
     }
     return bar;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/commands/command.h"
-#include "app/state/app_state.h"
+#include "app/commands/command_table.h"
 
 #include <functional>
 
@@ -14,7 +14,7 @@ namespace kelm {
 
 /// A menu bar with the standard menus and, at their places in them, the groups of the command table. What a text view
 /// is composing is put into its text before a command runs. `openSettings` shows the settings window.
-QMenuBar* makeMenuBar(AppState& appState, const std::function<void()>& openSettings, QWidget* parent);
+QMenuBar* makeMenuBar(const CommandTargets& targets, const std::function<void()>& openSettings, QWidget* parent);
 
 /// The action of a command in a bar that was made so.
 QAction* menuAction(const QMenuBar& bar, Command command);

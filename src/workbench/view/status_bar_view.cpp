@@ -67,18 +67,18 @@ StatusBarView::StatusBarView(AppState& appState, ThemeManager& themeManager, QWi
     row_->addWidget(themeMenu_);
     row_->addWidget(bell);
 
-    connect(&appState_, &AppState::currentDocumentChanged, this, &StatusBarView::takeCurrentDocument);
-    connect(&appState_, &AppState::currentProjectChanged, this, &StatusBarView::takeBranch);
-    connect(&appState_.git(), &GitService::branchChanged, this, &StatusBarView::takeBranch);
+    connect(&appState_, &AppState::currentDocumentChanged, this, &StatusBarView::refreshCurrentDocument);
+    connect(&appState_, &AppState::currentProjectChanged, this, &StatusBarView::refreshBranch);
+    connect(&appState_.git(), &GitService::branchChanged, this, &StatusBarView::refreshBranch);
     // git puts a new file in the place of the old one, which only the folder tells.
-    connect(&headWatcher_, &QFileSystemWatcher::directoryChanged, this, &StatusBarView::takeBranch);
-    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &StatusBarView::takeTheme);
-    takeCurrentDocument();
-    takeBranch();
-    takeTheme();
+    connect(&headWatcher_, &QFileSystemWatcher::directoryChanged, this, &StatusBarView::refreshBranch);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &StatusBarView::refreshTheme);
+    refreshCurrentDocument();
+    refreshBranch();
+    refreshTheme();
 }
 
-void StatusBarView::takeCurrentDocument()
+void StatusBarView::refreshCurrentDocument()
 {
     // A menu of theirs may be open, and be the one that is answered.
     for (QWidget* old : std::initializer_list<QWidget*>{left_, right_}) {
@@ -100,7 +100,7 @@ void StatusBarView::takeCurrentDocument()
     }
 }
 
-void StatusBarView::takeBranch()
+void StatusBarView::refreshBranch()
 {
     branchPill_->setVisible(appState_.currentProject().has_value());
     if (!appState_.currentProject()) {
@@ -128,7 +128,7 @@ void StatusBarView::watchHead(const QString& folder)
     }
 }
 
-void StatusBarView::takeTheme()
+void StatusBarView::refreshTheme()
 {
     themeMenu_->setText(themeManager_.currentTheme().name);
     themeMenu_->updateGeometry();

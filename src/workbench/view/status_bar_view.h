@@ -34,9 +34,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void takeCurrentDocument();
-    void takeBranch();
-    void takeTheme();
+    void refreshCurrentDocument();
+    void refreshBranch();
+    void refreshTheme();
     /// Has the branch read anew when something changes in `folder`; an empty one is none.
     void watchHead(const QString& folder);
 

@@ -66,10 +66,10 @@ TabBarView::TabBarView(AppState& appState, ThemeManager& themeManager, Workspace
     layout->setContentsMargins(0, 0, 0, 1);
     layout->addWidget(scrollArea_);
 
-    connect(&appState_, &AppState::documentsChanged, this, &TabBarView::takeDocuments);
-    connect(&appState_, &AppState::currentDocumentIndexChanged, this, &TabBarView::takeCurrentIndex);
+    connect(&appState_, &AppState::documentsChanged, this, &TabBarView::refreshDocuments);
+    connect(&appState_, &AppState::currentDocumentIndexChanged, this, &TabBarView::refreshCurrentIndex);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
-    takeDocuments();
+    refreshDocuments();
 }
 
 TabItemView* TabBarView::makeTab(const std::shared_ptr<Document>& document)
@@ -104,7 +104,7 @@ TabItemView* TabBarView::makeTab(const std::shared_ptr<Document>& document)
                            scrollArea_->widget());
 }
 
-void TabBarView::takeDocuments()
+void TabBarView::refreshDocuments()
 {
     QHash<Document*, TabItemView*> old;
     for (TabItemView* tab : std::as_const(tabs_)) {
@@ -129,10 +129,10 @@ void TabBarView::takeDocuments()
         gone->hide();
         gone->deleteLater();
     }
-    takeCurrentIndex();
+    refreshCurrentIndex();
 }
 
-void TabBarView::takeCurrentIndex()
+void TabBarView::refreshCurrentIndex()
 {
     for (TabItemView* tab : std::as_const(tabs_)) {
         tab->setSelected(tab->document() == appState_.currentDocument());

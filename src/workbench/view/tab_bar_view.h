@@ -33,8 +33,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void takeDocuments();
-    void takeCurrentIndex();
+    void refreshDocuments();
+    void refreshCurrentIndex();
     TabItemView* makeTab(const std::shared_ptr<Document>& document);
     void scrollToSelected();
 

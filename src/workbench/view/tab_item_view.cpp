@@ -112,14 +112,14 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
     closeButton_->setHelp(tr("Close"));
     closeButton_->setFocusPolicy(Qt::NoFocus);
     connect(closeButton_, &PlainButton::clicked, this, [this] { callbacks_.onClose(); });
-    connect(document_.get(), &Document::titleChanged, this, &TabItemView::takeDocument);
+    connect(document_.get(), &Document::titleChanged, this, &TabItemView::refreshDocument);
     connect(document_.get(), &Document::languageChanged, this, qOverload<>(&QWidget::update));
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
-    takeDocument();
+    refreshDocument();
     updateCloseButton();
 }
 
-void TabItemView::takeDocument()
+void TabItemView::refreshDocument()
 {
     setAccessibleName(document_->title());
     setToolTip(document_->fileURL() ? plainHelp(document_->fileURL()->path()) : QString());

@@ -73,7 +73,7 @@ protected:
 private:
     QFont titleFont() const;
     void setHovered(bool isHovered);
-    void takeDocument();
+    void refreshDocument();
     void updateCloseButton();
     void paintGround(QPainter& painter) const;
     void paintChip(QPainter& painter, const QRectF& chip) const;

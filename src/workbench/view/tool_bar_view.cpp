@@ -47,9 +47,13 @@ protected:
 
 } // namespace
 
-ToolbarView::ToolbarView(AppState& appState, ThemeManager& themeManager, std::function<void()> openSettings,
+ToolbarView::ToolbarView(CommandTargets targets, ThemeManager& themeManager, std::function<void()> openSettings,
                          QWidget* parent)
-    : QWidget(parent), appState_(appState), themeManager_(themeManager), row_(new QHBoxLayout(this))
+    : QWidget(parent),
+      targets_(std::move(targets)),
+      appState_(targets_.appState),
+      themeManager_(themeManager),
+      row_(new QHBoxLayout(this))
 {
     setFixedHeight(barHeight);
     setAccessibleName(tr("Toolbar"));
@@ -100,12 +104,15 @@ void ToolbarView::addDivider()
 
 void ToolbarView::addFileGroup()
 {
-    addButton(u"plus"_s, u"New File (⌘N)"_s, [this] { appState_.createNewTab(); });
-    addButton(u"folder"_s, u"Open (⌘O)"_s, [this] { appState_.showOpenPanel(); });
-    addButton(u"square.and.arrow.down"_s, u"Save (⌘S)"_s, [this] {
-        commitCompositionInFocus();
-        appState_.saveCurrentDocument();
-    });
+    addButton(u"plus"_s, u"New File (⌘N)"_s, [this] { give(Command::newFile); });
+    addButton(u"folder"_s, u"Open (⌘O)"_s, [this] { give(Command::open); });
+    addButton(u"square.and.arrow.down"_s, u"Save (⌘S)"_s, [this] { give(Command::save); });
+}
+
+void ToolbarView::give(Command command)
+{
+    commitCompositionInFocus();
+    commandItem(command).action(targets_);
 }
 
 void ToolbarView::addQuickOpenButton()
@@ -120,7 +127,7 @@ void ToolbarView::addQuickOpenButton()
                                    this);
     button->setText(u"Quick Open"_s);
     button->setHelp(tr("Find a file of the project by its name"));
-    connect(button, &PlainButton::clicked, this, [this] { appState_.setShowQuickOpen(true); });
+    connect(button, &PlainButton::clicked, this, [this] { give(Command::goToFile); });
     row_->addWidget(button);
 }
 
@@ -136,7 +143,7 @@ void ToolbarView::addRunButton()
                                  this);
     runButton_->setText(u"Run"_s);
     runButton_->setHelp(u"Run (⌘R)"_s);
-    connect(runButton_, &PlainButton::clicked, &appState_, &AppState::runCurrentFile);
+    connect(runButton_, &PlainButton::clicked, this, [this] { give(Command::run); });
     row_->addWidget(runButton_);
 }
 
@@ -151,19 +158,16 @@ void ToolbarView::addFormatButton()
 
 void ToolbarView::fillFormatMenu(QMenu& menu)
 {
-    const auto add = [this](QMenu& target, const QString& label, std::function<void(AppState&)> action) {
-        target.addAction(label, this, [this, action = std::move(action)] {
-            commitCompositionInFocus();
-            action(appState_);
-        });
+    const auto add = [this](QMenu& target, const QString& label, Command command) {
+        target.addAction(label, this, [this, command] { give(command); });
     };
-    const auto addCommand = [add](QMenu& target, Command command) {
-        const MenuItem& item = commandItem(command);
-        add(target, item.label, item.action);
-    };
-    add(menu, u"Format JSON (⇧⌘J)"_s, commandItem(Command::formatJson).action);
+    const auto addCommand = [add](QMenu& target, Command command) { add(target, commandItem(command).label, command); };
+    add(menu, u"Format JSON (⇧⌘J)"_s, Command::formatJson);
     // Unlike the menu bar's command this one always goes by the text alone, without a parser.
-    add(menu, u"Format XML (⇧⌘X)"_s, formatXmlPlainly);
+    menu.addAction(u"Format XML (⇧⌘X)"_s, this, [this] {
+        commitCompositionInFocus();
+        formatXmlPlainly(appState_);
+    });
     menu.addSeparator();
     for (const Command command : {Command::sortLinesAscending, Command::sortLinesDescending}) {
         addCommand(menu, command);

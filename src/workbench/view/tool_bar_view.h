@@ -1,6 +1,7 @@
 // The row of buttons along the top of the window.
 #pragma once
 
+#include "app/commands/command_table.h"
 #include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 
@@ -22,7 +23,7 @@ class ToolbarView final : public QWidget
 
 public:
     /// `openSettings` shows the settings window.
-    ToolbarView(AppState& appState, ThemeManager& themeManager, std::function<void()> openSettings,
+    ToolbarView(CommandTargets targets, ThemeManager& themeManager, std::function<void()> openSettings,
                 QWidget* parent = nullptr);
 
     /// Fills a menu with the commands that format and transform the current document.
@@ -42,6 +43,8 @@ private:
     };
 
     PlainButton* addButton(const QString& symbol, const QString& help, std::function<void()> action);
+    /// Gives the command as the menu bar does.
+    void give(Command command);
     void addToggle(const Toggle& toggle);
     void addDivider();
     void addFileGroup();
@@ -52,6 +55,7 @@ private:
     void updateRunButton();
     void watchCurrentDocument();
 
+    const CommandTargets targets_;
     AppState& appState_;
     ThemeManager& themeManager_;
     QHBoxLayout* row_;

@@ -98,12 +98,12 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
     area->setContentsMargins(0, 0, 0, 0);
     area->addWidget(scroll);
 
-    connect(&appState_, &AppState::recentFilesChanged, this, &WelcomeView::takeRecentFiles);
+    connect(&appState_, &AppState::recentFilesChanged, this, &WelcomeView::refreshRecentFiles);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
-    takeRecentFiles();
+    refreshRecentFiles();
 }
 
-void WelcomeView::takeRecentFiles()
+void WelcomeView::refreshRecentFiles()
 {
     while (QLayoutItem* item = recentRows_->takeAt(0)) {
         if (QWidget* row = item->widget()) {

@@ -22,7 +22,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void takeRecentFiles();
+    void refreshRecentFiles();
 
     AppState& appState_;
     ThemeManager& themeManager_;

@@ -29,14 +29,14 @@ WindowOverlays::WindowOverlays(AppState& appState, MainWindow& window)
     : QObject(&window), appState_(appState), window_(window)
 {
     for (std::size_t index = 0; index < overlays().size(); ++index) {
-        connect(&appState_, overlays().at(index).changed, this, [this, index] { take(index); });
-        take(index);
+        connect(&appState_, overlays().at(index).changed, this, [this, index] { refresh(index); });
+        refresh(index);
     }
-    connect(&appState_, &AppState::showCloneDialogChanged, this, &WindowOverlays::takeCloneDialog);
-    takeCloneDialog();
+    connect(&appState_, &AppState::showCloneDialogChanged, this, &WindowOverlays::refreshCloneDialog);
+    refreshCloneDialog();
 }
 
-void WindowOverlays::takeCloneDialog()
+void WindowOverlays::refreshCloneDialog()
 {
     if (appState_.showCloneDialog() == !cloneDialog_.isNull()) {
         return;
@@ -49,7 +49,7 @@ void WindowOverlays::takeCloneDialog()
         }
         return;
     }
-    cloneDialog_ = new CloneDialog(appState_.git(), FilePanels::shared(), Scheduler::system(), &window_);
+    cloneDialog_ = new CloneDialog(appState_.git(), appState_.filePanels(), appState_.scheduler(), &window_);
     connect(cloneDialog_, &QObject::destroyed, this, [this] {
         // It is half gone already, and no more to be closed.
         cloneDialog_ = nullptr;
@@ -58,7 +58,7 @@ void WindowOverlays::takeCloneDialog()
     cloneDialog_->show();
 }
 
-void WindowOverlays::take(std::size_t index)
+void WindowOverlays::refresh(std::size_t index)
 {
     const Overlay& overlay = overlays().at(index);
     QPointer<OverlayLayer>& layer = layers_.at(index);

@@ -35,9 +35,9 @@ private:
     };
     static const std::array<Overlay, 3>& overlays();
 
-    void take(std::size_t index);
+    void refresh(std::size_t index);
     void giveKeyboard();
-    void takeCloneDialog();
+    void refreshCloneDialog();
 
     AppState& appState_;
     MainWindow& window_;

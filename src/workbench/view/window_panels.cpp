@@ -16,11 +16,11 @@ QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& th
     Q_UNUSED(themeManager)
     switch (tab) {
     case SidebarTab::sourceControl:
-        return new SourceControlView(appState, {}, parent);
+        return new SourceControlView(appState, {appState.filePanels(), appState.scheduler()}, parent);
     case SidebarTab::search:
         return new ProjectSearchView(appState, parent);
     case SidebarTab::files:
-        return new FileTreeView(appState, FilePanels::shared(), parent);
+        return new FileTreeView(appState, appState.filePanels(), parent);
     case SidebarTab::extensions:
         break;
     }
@@ -30,7 +30,7 @@ QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& th
 BottomPanel::Pages bottomPanelPages(AppState& appState, ThemeManager& themeManager)
 {
     const auto terminal = [&](QWidget* parent) {
-        return new TerminalView(appState, {.notifications = appState.notificationCenter()}, parent);
+        return new TerminalView(appState, {appState.scheduler(), appState.notificationCenter()}, parent);
     };
     const auto output = [&](QWidget* parent) {
         return new OutputView(appState.notificationCenter(), themeManager, parent);

@@ -1,4 +1,5 @@
 #include "app/commands/command_table.h"
+#include "maintenance/auto_update_service.h"
 #include "run/code_runner.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
@@ -60,9 +61,16 @@ const std::vector<MenuGroup>& relabeledTable()
     return table;
 }
 
+/// What the commands of these tests act on; none of them removes the program.
+CommandTargets targetsOf(AppState& state)
+{
+    static AutoUpdateService updates(UpdaterController::makeForPlatform());
+    return {state, updates, [] { qFatal("no test asks for that"); }};
+}
+
 void run(Command command, AppState& state)
 {
-    commandItem(command, relabeledTable()).action(state);
+    commandItem(command, relabeledTable()).action(targetsOf(state));
 }
 
 } // namespace
@@ -232,7 +240,7 @@ void CommandTableTest::aRecentFileOpens()
     const QUrl url = fixture_->write(u"a.txt"_s, "text");
     state().setRecentFiles({fixture_->url(u"other.txt"_s), url});
     const auto items = makeOpenRecentItems(state());
-    items[1].action(state());
+    items[1].action(targetsOf(state()));
     QVERIFY(state().currentDocument()->fileURL() == url);
     QCOMPARE(state().recentFiles().first(), url);
 }
@@ -241,7 +249,7 @@ void CommandTableTest::clearingTheMenuEmptiesAndStores()
 {
     state().addToRecentFiles(fixture_->write(u"a.txt"_s, "text"));
     const auto items = makeOpenRecentItems(state());
-    items.back().action(state());
+    items.back().action(targetsOf(state()));
     QVERIFY(state().recentFiles().isEmpty());
     QVERIFY(fixture_->userDefaults.data(u"recentFiles"_s) == QByteArray("[]"));
     QVERIFY(makeOpenRecentItems(state()).empty());

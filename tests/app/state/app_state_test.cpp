@@ -76,9 +76,9 @@ private:
     /// Starts the program anew on the same store.
     std::unique_ptr<AppState> restarted()
     {
-        return std::make_unique<AppState>(AppState::Services{fixture_->filePanels, fixture_->userDefaults,
-                                                             fixture_->scheduler, fixture_->notificationCenter,
-                                                             fixture_->log});
+        return std::make_unique<AppState>(AppState::Services{
+            fixture_->filePanels, fixture_->userDefaults, fixture_->scheduler, fixture_->notificationCenter,
+            fixture_->log, ProcessRunner::sharedSystem(), ExecutableSearch(ProcessRunner::system())});
     }
 
     std::unique_ptr<AppStateFixture> fixture_;
@@ -720,8 +720,10 @@ void AppStateTest::runningASnippetRunsItsText()
         script.close();
         script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-    AppState state({fixture_->filePanels, fixture_->userDefaults, fixture_->scheduler, fixture_->notificationCenter,
-                    fixture_->log, ExecutableSearch({interpreters.path()}, interpreters.filePath(u"no-which"_s))});
+    AppState state(
+        {fixture_->filePanels, fixture_->userDefaults, fixture_->scheduler, fixture_->notificationCenter, fixture_->log,
+         ProcessRunner::sharedSystem(),
+         ExecutableSearch({interpreters.path()}, interpreters.filePath(u"no-which"_s), ProcessRunner::system())});
     state.openSnippet(u"echo 한 글"_s, language, std::nullopt);
     state.runCurrentFile();
     const QString header = u"Running temp_"_s;

@@ -38,7 +38,7 @@ void OpenEventsTest::urlsAreOpenedInTheirOrder()
     const QUrl b = fixture_->write(u"b.txt"_s, "b");
     const QUrl a = fixture_->write(u"a.txt"_s, "a");
     QStringList links;
-    openUrls(
+    openURLs(
         {b.toString(), u"kelmpane://open?code=1"_s, u"file:///none.txt"_s, a.toString(), u"kelmpane://open?code=2"_s},
         fixture_->state, [&](const QString& text) {
             links << u"%1 behind %2 files"_s.arg(text).arg(fixture_->state.documents().size());
@@ -68,7 +68,7 @@ void OpenEventsTest::linksGoToTheirHandler()
     QFETCH(QString, text);
     QFETCH(bool, isHandled);
     QStringList links;
-    openUrls({text}, fixture_->state, [&](const QString& link) { links << link; });
+    openURLs({text}, fixture_->state, [&](const QString& link) { links << link; });
     QCOMPARE(links, isHandled ? QStringList{text} : QStringList());
     QVERIFY(fixture_->state.documents().isEmpty());
     QVERIFY(!isHandled || fixture_->log.written.isEmpty());
@@ -76,7 +76,7 @@ void OpenEventsTest::linksGoToTheirHandler()
 
 void OpenEventsTest::withoutAHandlerALinkFailsAsAnythingElse()
 {
-    openUrls({u"kelmpane://open?code=YQ"_s}, fixture_->state, {});
+    openURLs({u"kelmpane://open?code=YQ"_s}, fixture_->state, {});
     QVERIFY(fixture_->state.documents().isEmpty());
     QVERIFY(fixture_->log.written.last().startsWith(u"  ❌ Error opening file: kelmpane://open?code=YQ"));
 }
@@ -84,9 +84,9 @@ void OpenEventsTest::withoutAHandlerALinkFailsAsAnythingElse()
 void OpenEventsTest::aFolderBecomesTheProjectAndOpensNoTab()
 {
     const QUrl folder = QUrl::fromLocalFile(fixture_->folder.path());
-    openUrls({folder.toString()}, fixture_->state, {});
+    openURLs({folder.toString()}, fixture_->state, {});
     QVERIFY(fixture_->state.currentProject() == folder);
-    openUrls({folder.toString() + u'/'}, fixture_->state, {});
+    openURLs({folder.toString() + u'/'}, fixture_->state, {});
     QVERIFY(fixture_->state.currentProject() == QUrl(folder.toString() + u'/'));
     QVERIFY(fixture_->state.documents().isEmpty());
     QVERIFY(fixture_->log.written.isEmpty());
@@ -127,7 +127,7 @@ void OpenEventsTest::argumentsBecomeUrls()
 void OpenEventsTest::argumentsOpenWhatTheyName()
 {
     fixture_->write(u"한 글%20.txt"_s, "text");
-    openUrls(urlTextsOfArguments({u"한 글%20.txt"_s, u"."_s}, fixture_->folder.path()), fixture_->state, {});
+    openURLs(urlTextsOfArguments({u"한 글%20.txt"_s, u"."_s}, fixture_->folder.path()), fixture_->state, {});
     QCOMPARE(fixture_->openTexts(), (QStringList{u"text"_s}));
     QCOMPARE(fixture_->state.currentDocument()->title(), u"한 글%20.txt"_s);
     QCOMPARE(fixture_->state.currentProject()->toLocalFile(), fixture_->folder.path() + u'/');

@@ -23,9 +23,9 @@ private Q_SLOTS:
 
 void RecentFilesTest::urlsAreStoredInTheirEncodedForm()
 {
-    QCOMPARE(encodeUrls({QUrl::fromLocalFile(u"/a b/한.txt"_s), QUrl(u"https://host/x"_s)}),
+    QCOMPARE(encodeURLs({QUrl::fromLocalFile(u"/a b/한.txt"_s), QUrl(u"https://host/x"_s)}),
              QByteArray("[\"file:///a%20b/%ED%95%9C.txt\",\"https://host/x\"]"));
-    QCOMPARE(encodeUrls({}), QByteArray("[]"));
+    QCOMPARE(encodeURLs({}), QByteArray("[]"));
 }
 
 void RecentFilesTest::urlsComeBack_data()
@@ -41,7 +41,7 @@ void RecentFilesTest::urlsComeBack()
 {
     QFETCH(QString, path);
     const QList<QUrl> urls{QUrl::fromLocalFile(path), QUrl(u"file:///other"_s)};
-    const std::optional<QList<QUrl>> decoded = decodeUrls(encodeUrls(urls));
+    const std::optional<QList<QUrl>> decoded = decodeURLs(encodeURLs(urls));
     QVERIFY(decoded.has_value());
     QCOMPARE(*decoded, urls);
     QCOMPARE(decoded->first().toLocalFile(), path);
@@ -49,8 +49,8 @@ void RecentFilesTest::urlsComeBack()
 
 void RecentFilesTest::bothFormsOfASlashAreRead()
 {
-    QVERIFY(decodeUrls(R"(["file:\/\/\/a\/b.txt"])") == (QList{QUrl(u"file:///a/b.txt"_s)}));
-    QVERIFY(decodeUrls("[]") == QList<QUrl>());
+    QVERIFY(decodeURLs(R"(["file:\/\/\/a\/b.txt"])") == (QList{QUrl(u"file:///a/b.txt"_s)}));
+    QVERIFY(decodeURLs("[]") == QList<QUrl>());
 }
 
 void RecentFilesTest::onlyWhatExistsIsKept()

@@ -59,7 +59,7 @@ struct Fixture
     explicit Fixture(const QString& content, Language language = Language::cpp)
     {
         storage.setText(content);
-        manager.setTextView(&storage);
+        manager.setStorage(&storage);
         manager.detectFoldableRegions(language);
     }
 
@@ -81,7 +81,7 @@ void CodeFoldingManagerTest::startsWithNothing()
 {
     NotificationCenter center;
     const CodeFoldingManager manager(center);
-    QVERIFY(manager.textView() == nullptr);
+    QVERIFY(manager.storage() == nullptr);
     QVERIFY(manager.foldableRegions().empty());
     QVERIFY(manager.foldedLines().isEmpty());
     QVERIFY(manager.foldedRegionStartLines().empty());
@@ -154,7 +154,7 @@ void CodeFoldingManagerTest::detectionWithoutATextViewKeepsTheList()
     Fixture fixture(nested);
     const auto regions = fixture.manager.foldableRegions();
     QVERIFY(!regions.empty());
-    fixture.manager.setTextView(nullptr);
+    fixture.manager.setStorage(nullptr);
     fixture.manager.detectFoldableRegions(Language::cpp);
     QCOMPARE(fixture.manager.foldableRegions(), regions);
 }
@@ -324,12 +324,12 @@ void CodeFoldingManagerTest::aGoneTextViewIsSilent()
     CodeFoldingManager manager(center);
     auto storage = std::make_unique<TextStorage>();
     storage->setText(nested);
-    manager.setTextView(storage.get());
+    manager.setStorage(storage.get());
     manager.detectFoldableRegions(Language::cpp);
     const FoldableRegion region = *manager.firstRegionStartingAt(2);
     manager.fold(region);
     storage.reset();
-    QVERIFY(manager.textView() == nullptr);
+    QVERIFY(manager.storage() == nullptr);
     manager.fold(*manager.firstRegionStartingAt(1));
     manager.unfold(region);
     manager.unfoldAll();
@@ -639,7 +639,7 @@ void CodeFoldingManagerTest::anotherTextViewStartsAfresh()
     fixture.manager.fold(fixture.region(2));
     TextStorage other;
     other.setText(QStringLiteral("other\ntext\n"));
-    fixture.manager.setTextView(&other);
+    fixture.manager.setStorage(&other);
     const QString folded = fixture.storage.text();
     fixture.manager.unfoldAll();
     QCOMPARE(other.text(), QStringLiteral("other\ntext\n"));

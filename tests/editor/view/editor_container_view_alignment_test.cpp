@@ -50,7 +50,8 @@ void EditorContainerViewAlignmentTest::gutterRowsLineUpWithTextRows()
 {
     QFETCH(int, theme);
     QFETCH(int, scroll);
-    EditorContainerView view;
+    NotificationCenter notifications;
+    EditorContainerView view{Scheduler::system(), notifications};
     view.resize(700, 300);
     view.setText(QString(QStringLiteral("line\n")).repeated(100));
     view.setTheme(EditorTheme::allThemes()[theme]);

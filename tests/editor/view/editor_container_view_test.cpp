@@ -39,7 +39,7 @@ struct Fixture
     explicit Fixture(const QString& text = {}, Language language = Language::swift)
         : document(std::make_shared<Document>(text, std::nullopt, language, std::nullopt)),
           binding(std::make_unique<KelmEditorView>(document, themes)),
-          view(binding->makeView(nullptr, time, notifications))
+          view(binding->makeView(time, notifications, nullptr))
     {
         view->resize(800, 400);
         view->show();

@@ -15,7 +15,7 @@ struct Fixture
 {
     ManualScheduler time;
     NotificationCenter notifications;
-    EditorContainerView view{nullptr, time, notifications};
+    EditorContainerView view{time, notifications};
 
     Fixture()
     {

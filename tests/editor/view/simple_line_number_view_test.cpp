@@ -20,7 +20,8 @@ struct Fixture
 {
     QWidget window;
     TextView text{&window};
-    CodeFoldingManager folding;
+    NotificationCenter notifications;
+    CodeFoldingManager folding{notifications};
     SimpleLineNumberView gutter{&window};
 
     explicit Fixture(const QString& content)
@@ -30,7 +31,7 @@ struct Fixture
         text.setGeometry(55, 0, 600, 400);
         text.setTextFont(style::monospaced(14), 17);
         text.storage().setText(content);
-        folding.setTextView(&text.storage());
+        folding.setStorage(&text.storage());
         folding.detectFoldableRegions(Language::swift);
         gutter.textView = &text;
         gutter.codeFoldingManager = &folding;

@@ -82,7 +82,7 @@ private:
 void HunkPatchTest::init()
 {
     repository_ = std::make_unique<TemporaryRepository>();
-    service_ = std::make_unique<GitService>();
+    service_ = std::make_unique<GitService>(ProcessRunner::sharedSystem());
     QVERIFY(service_->open(repository_->url()));
     QCoreApplication::sendPostedEvents();
     service_->setLastError({});

@@ -318,7 +318,7 @@ void CloneFormTest::aRealCloneOpens()
     origin.write(u"a.txt"_s, "text\n");
     origin.commitAll(u"first"_s);
     QTemporaryDir folder;
-    GitService git;
+    GitService git(ProcessRunner::sharedSystem());
     FakeFilePanels panels;
     ManualScheduler scheduler;
     CloneForm form(git, panels, scheduler);
@@ -335,7 +335,7 @@ void CloneFormTest::aRealCloneOpens()
 void CloneFormTest::aRealFailureTellsGitsWords()
 {
     QTemporaryDir folder;
-    GitService git;
+    GitService git(ProcessRunner::sharedSystem());
     FakeFilePanels panels;
     ManualScheduler scheduler;
     CloneForm form(git, panels, scheduler);
@@ -351,7 +351,7 @@ void CloneFormTest::aRealFailureTellsGitsWords()
 void CloneFormTest::aMissingParentFolderTellsTheLaunchError()
 {
     QTemporaryDir folder;
-    GitService git;
+    GitService git(ProcessRunner::sharedSystem());
     FakeFilePanels panels;
     ManualScheduler scheduler;
     CloneForm form(git, panels, scheduler);

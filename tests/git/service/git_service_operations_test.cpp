@@ -575,7 +575,7 @@ void GitServiceOperationsTest::initRepoOnAFileFailsAtTheLaunch()
              (QList{GitService::makeProcess({u"init"_s, u"-b"_s, u"main"_s}, file.fileName())}));
 
     // And so it goes with git itself.
-    GitService service;
+    GitService service(ProcessRunner::sharedSystem());
     const GitOpResult result = service.initRepo(location, u"main"_s);
     QVERIFY(!result.isSuccess() && !result.message().isEmpty());
     QCoreApplication::sendPostedEvents();

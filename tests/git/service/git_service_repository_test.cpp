@@ -123,7 +123,7 @@ void GitServiceRepositoryTest::init()
 {
     useFixedGitEnvironment();
     repository_ = std::make_unique<TemporaryRepository>();
-    git_ = std::make_unique<GitService>();
+    git_ = std::make_unique<GitService>(ProcessRunner::sharedSystem());
 }
 
 void GitServiceRepositoryTest::snapshotHoldsEverything()

@@ -49,7 +49,7 @@ int main(int argc, char** argv)
         out << "usage: git_snapshot FOLDER\n";
         return 2;
     }
-    GitService git;
+    GitService git(ProcessRunner::sharedSystem());
     const bool isFound = git.open(QUrl::fromLocalFile(QString::fromLocal8Bit(argv[1])));
     QCoreApplication::sendPostedEvents();
     if (!isFound) {

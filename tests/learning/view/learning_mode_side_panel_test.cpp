@@ -21,7 +21,7 @@ struct Fixture
 {
     QTemporaryDir folder;
     NotificationCenter notifications;
-    CodeRunner runner{notifications, {}};
+    CodeRunner runner{notifications, ExecutableSearch(ProcessRunner::system())};
     FakeWorkspace workspace;
     ManualScheduler scheduler;
     std::unique_ptr<LearningModeSidePanel> panel;

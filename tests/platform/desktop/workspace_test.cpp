@@ -137,7 +137,7 @@ void WorkspaceTest::urlsGoToTheDesktop()
 {
     UrlCatcher catcher;
     QDesktopServices::setUrlHandler(u"https"_s, &catcher, "take");
-    QVERIFY(Workspace::system().openUrl(QUrl(u"https://host/lesson/intro?lang=ko"_s)));
+    QVERIFY(Workspace::system().openURL(QUrl(u"https://host/lesson/intro?lang=ko"_s)));
     QCOMPARE(catcher.urls, (QList{QUrl(u"https://host/lesson/intro?lang=ko"_s)}));
     QDesktopServices::unsetUrlHandler(u"https"_s);
 }

@@ -35,14 +35,14 @@ int leaveBusy(const QStringList& arguments)
     startEndlessWork(arguments[0] == u"waits"_s);
     UserDefaults::shared().setString(u"key"_s, u"written"_s);
     std::printf("said before");
-    return leaveWithoutWaiting(7);
+    return leaveWithoutWaiting(7, UserDefaults::shared());
 }
 
 int leaveIdle(const QStringList& /*arguments*/)
 {
     QThreadPool::globalInstance()->start([] {});
     QThreadPool::globalInstance()->waitForDone();
-    const int status = leaveWithoutWaiting(5);
+    const int status = leaveWithoutWaiting(5, UserDefaults::shared());
     std::printf("came back");
     return status;
 }

@@ -52,7 +52,7 @@ struct ListFixture
     {
         ++made;
         Row row;
-        row.firstLine = {{.text = name, .font = RowFonts::shared().body}};
+        row.firstLine = {{.text = name, .font = RowFonts::standard().body}};
         row.help = name;
         row.onClick = [this, name] { done.append(u"click "_s + name); };
         row.clickName = u"Open"_s;

@@ -11,6 +11,13 @@ using namespace kelm;
 
 namespace {
 
+std::unique_ptr<TerminalSession> makeSession()
+{
+    static ManualScheduler scheduler;
+    static NotificationCenter notifications;
+    return std::make_unique<TerminalSession>(TerminalSession::Services{scheduler, notifications});
+}
+
 QStringList titles(const TerminalManager& manager)
 {
     QStringList result;
@@ -40,14 +47,14 @@ private Q_SLOTS:
 
 void TerminalManagerTest::newManagerHasNoSession()
 {
-    const TerminalManager manager;
+    const TerminalManager manager{makeSession};
     QVERIFY(manager.sessions().empty());
     QVERIFY(manager.activeSession() == nullptr);
 }
 
 void TerminalManagerTest::newSessionBecomesActive()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     manager.createNewSession();
     QCOMPARE(manager.activeSession(), manager.sessions()[0].get());
     manager.createNewSession();
@@ -57,7 +64,7 @@ void TerminalManagerTest::newSessionBecomesActive()
 
 void TerminalManagerTest::closingTheActiveSessionActivatesTheFirst()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     for (int count = 0; count < 3; ++count) {
         manager.createNewSession();
     }
@@ -68,7 +75,7 @@ void TerminalManagerTest::closingTheActiveSessionActivatesTheFirst()
 
 void TerminalManagerTest::closingAnotherSessionKeepsTheActiveOne()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     for (int count = 0; count < 3; ++count) {
         manager.createNewSession();
     }
@@ -80,7 +87,7 @@ void TerminalManagerTest::closingAnotherSessionKeepsTheActiveOne()
 
 void TerminalManagerTest::closingTheOnlySessionLeavesANewOne()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     manager.createNewSession();
     const QUuid id = manager.activeSession()->id();
     manager.closeSession(*manager.activeSession());
@@ -91,9 +98,9 @@ void TerminalManagerTest::closingTheOnlySessionLeavesANewOne()
 
 void TerminalManagerTest::sessionOfAnotherManagerIsPassedOver()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     manager.createNewSession();
-    TerminalManager other;
+    TerminalManager other{makeSession};
     QSignalSpy changes(&manager, &TerminalManager::sessionsChanged);
     other.createNewSession();
     manager.closeSession(*other.activeSession());
@@ -104,7 +111,7 @@ void TerminalManagerTest::sessionOfAnotherManagerIsPassedOver()
 
 void TerminalManagerTest::titlesCanRepeat()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     manager.createNewSession();
     manager.createNewSession();
     manager.closeSession(*manager.sessions()[0]);
@@ -114,7 +121,7 @@ void TerminalManagerTest::titlesCanRepeat()
 
 void TerminalManagerTest::closedSessionIsTold()
 {
-    TerminalManager manager;
+    TerminalManager manager{makeSession};
     manager.createNewSession();
     QPointer<TerminalSession> closed = manager.activeSession();
     QStringList steps;
@@ -132,7 +139,7 @@ void TerminalManagerTest::sessionsComeFromTheMakerGiven()
     int made = 0;
     TerminalManager manager([&made] {
         ++made;
-        return std::make_unique<TerminalSession>();
+        return makeSession();
     });
     manager.createNewSession();
     manager.closeSession(*manager.activeSession());

@@ -583,7 +583,8 @@ void TerminalTextViewTest::theViewMayGoWhileACommandRuns()
 void TerminalTextViewTest::theSessionMayGoBeforeTheView()
 {
     TerminalTextView view;
-    auto session = std::make_unique<TerminalSession>();
+    auto session =
+        std::make_unique<TerminalSession>(TerminalSession::Services{Scheduler::system(), NotificationCenter::shared()});
     view.setSession(session.get());
     session.reset();
     QVERIFY(view.session() == nullptr);

@@ -64,7 +64,7 @@ void TerminalViewTest::itHasOneSessionForItsLife()
 void TerminalViewTest::theRepresentableTiesViewAndSession()
 {
     QWidget parent;
-    TerminalSession session;
+    TerminalSession session({Scheduler::system(), NotificationCenter::shared()});
     const TerminalViewRepresentable representable(session);
     TerminalTextView* view = representable.makeView(&parent);
     QCOMPARE(view->parentWidget(), &parent);

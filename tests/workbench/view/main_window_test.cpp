@@ -17,6 +17,7 @@ class MainWindowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void uninstallingIsWhatTheWindowWasGiven();
     void typingAndSavingChangeTheFile();
     void bytesAreThoseOfBefore_data();
     void bytesAreThoseOfBefore();
@@ -27,6 +28,13 @@ private Q_SLOTS:
     void theWindowTakesTheThemesGround();
     void theProgramDrawsAPictureWithoutADisplay();
 };
+
+void MainWindowTest::uninstallingIsWhatTheWindowWasGiven()
+{
+    WindowFixture fixture;
+    fixture.command(Command::uninstall)->trigger();
+    QCOMPARE(fixture.uninstalls, 1);
+}
 
 void MainWindowTest::typingAndSavingChangeTheFile()
 {

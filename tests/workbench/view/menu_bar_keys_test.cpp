@@ -1,3 +1,5 @@
+#include "app/state/app_state.h"
+#include "maintenance/auto_update_service.h"
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
 #include "support/test_program.h"
@@ -30,10 +32,12 @@ void MenuBarKeysTest::everyKeyOfTheMenusIsNamed()
     CapturedLog log;
     FakeFilePanels panels;
     NotificationCenter notifications;
-    AppState state({panels, defaults, Scheduler::system(), notifications, log});
+    AppState state({panels, defaults, Scheduler::system(), notifications, log, ProcessRunner::sharedSystem(),
+                    ExecutableSearch(ProcessRunner::system())});
+    AutoUpdateService updates(UpdaterController::makeForPlatform());
     QMainWindow window;
     QMenuBar* const bar = makeMenuBar(
-        state, [] {}, &window);
+        {state, updates, [] {}}, [] {}, &window);
     QStringList rows;
     for (const QAction* action : bar->findChildren<QAction*>()) {
         if (!action->shortcut().isEmpty()) {

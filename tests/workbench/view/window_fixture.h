@@ -5,6 +5,7 @@
 #include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
+#include "maintenance/auto_update_service.h"
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
 #include "support/fake_workspace.h"
@@ -26,11 +27,14 @@ struct WindowFixture
     CapturedLog log;
     FakeFilePanels panels;
     NotificationCenter notifications;
-    AppState state{{panels, defaults, Scheduler::system(), notifications, log}};
+    AppState state{{panels, defaults, Scheduler::system(), notifications, log, ProcessRunner::sharedSystem(),
+                    ExecutableSearch(ProcessRunner::system())}};
     QList<Appearance> appearances;
     ThemeManager themes{{defaults, log, home.path(), [this](Appearance appearance) { appearances << appearance; }}};
     FakeWorkspace workspace;
-    MainWindow window{{state, themes, workspace, defaults}};
+    AutoUpdateService updates{UpdaterController::makeForPlatform()};
+    int uninstalls = 0;
+    MainWindow window{{state, themes, workspace, defaults, updates, [this] { ++uninstalls; }}};
 
     WindowFixture()
     {

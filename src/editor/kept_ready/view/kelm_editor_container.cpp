@@ -17,10 +17,10 @@ constexpr qreal leastContainerWidth = 100;
 
 } // namespace
 
-KelmEditorContainer::KelmEditorContainer(QWidget* parent, NotificationCenter& center)
+KelmEditorContainer::KelmEditorContainer(NotificationCenter& center, QWidget* parent)
     : QWidget(parent),
       textView_(new TextView(this)),
-      lineNumberView_(new LineNumberView(this, center)),
+      lineNumberView_(new LineNumberView(center, this)),
       highlighter_(EditorTheme::monokai()),
       autoCompleteManager_(textView_),
       codeFoldingManager_(center),
@@ -29,7 +29,7 @@ KelmEditorContainer::KelmEditorContainer(QWidget* parent, NotificationCenter& ce
 {
     setUpEditorText(*textView_, {4, 8});
     textView_->setDelegate(this);
-    codeFoldingManager_.setTextView(&textView_->storage());
+    codeFoldingManager_.setStorage(&textView_->storage());
     lineNumberView_->textView = textView_;
     lineNumberView_->codeFoldingManager = &codeFoldingManager_;
     setFocusProxy(textView_);
@@ -58,7 +58,7 @@ void KelmEditorContainer::setShowLineNumbers(bool show)
 void KelmEditorContainer::setTheme(const EditorTheme& theme)
 {
     highlighter_.theme = theme;
-    takeThemeColors(*textView_, theme);
+    applyThemeColors(*textView_, theme);
     lineNumberView_->backgroundColor = theme.gutterColor.toColor();
     lineNumberView_->textColor = theme.lineNumberColor.toColor();
     highlight();

@@ -36,7 +36,8 @@ class KelmEditorContainer final : public QWidget, public TextViewDelegate
 public:
     static constexpr int gutterWidth = 65;
 
-    explicit KelmEditorContainer(QWidget* parent = nullptr, NotificationCenter& center = NotificationCenter::shared());
+    /// The centre outlives the container.
+    explicit KelmEditorContainer(NotificationCenter& center, QWidget* parent = nullptr);
     ~KelmEditorContainer() override;
 
     TextView& textView() { return *textView_; }

@@ -67,7 +67,7 @@ bool resignsFirstResponder(const QFocusEvent& event)
 
 } // namespace
 
-KelmTextView::KelmTextView(QWidget* parent, Scheduler& scheduler, Log& log)
+KelmTextView::KelmTextView(Scheduler& scheduler, Log& log, QWidget* parent)
     : TextView(parent), scheduler_(scheduler), log_(log)
 {}
 

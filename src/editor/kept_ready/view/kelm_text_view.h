@@ -22,8 +22,7 @@ class KelmEditorContainer;
 class KelmTextView : public TextView
 {
 public:
-    explicit KelmTextView(QWidget* parent = nullptr, Scheduler& scheduler = Scheduler::system(),
-                          Log& log = Log::system());
+    KelmTextView(Scheduler& scheduler, Log& log, QWidget* parent = nullptr);
 
     QPointer<KelmEditorContainer> editorContainer;
     /// Carried for a later look; nothing is drawn from them yet.

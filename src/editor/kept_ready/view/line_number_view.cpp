@@ -25,7 +25,7 @@ constexpr qreal signReach = 2.5;
 
 } // namespace
 
-LineNumberView::LineNumberView(QWidget* parent, NotificationCenter& center)
+LineNumberView::LineNumberView(NotificationCenter& center, QWidget* parent)
     : QWidget(parent), font(style::monospaced(numberFontSize)), center_(center)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);

@@ -27,7 +27,7 @@ public:
     static constexpr qreal foldingAreaWidth = 14.0;
     static constexpr qreal bookmarkAreaWidth = 8.0;
 
-    explicit LineNumberView(QWidget* parent = nullptr, NotificationCenter& center = NotificationCenter::shared());
+    explicit LineNumberView(NotificationCenter& center, QWidget* parent = nullptr);
 
     QPointer<TextView> textView;
     /// Not owned; it outlives the view or is taken away first.

@@ -7,7 +7,7 @@
 
 namespace kelm {
 
-MinimapNSView::MinimapNSView(QWidget* parent, NotificationCenter& center) : QWidget(parent), center_(center)
+MinimapNSView::MinimapNSView(NotificationCenter& center, QWidget* parent) : QWidget(parent), center_(center)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(tr("Minimap"));
@@ -22,7 +22,7 @@ void MinimapNSView::setContent(const QString& content)
 
 void MinimapNSView::applyThemeToLayer()
 {
-    takeMinimapBackground(*this, theme);
+    applyMinimapBackground(*this, theme);
 }
 
 void MinimapNSView::paintEvent(QPaintEvent* /*event*/)

@@ -22,7 +22,7 @@ public:
     static constexpr qreal lineHeight = MinimapGeometry::lineHeight;
     static constexpr qreal characterWidth = MinimapGeometry::charWidth;
 
-    explicit MinimapNSView(QWidget* parent = nullptr, NotificationCenter& center = NotificationCenter::shared());
+    explicit MinimapNSView(NotificationCenter& center, QWidget* parent = nullptr);
 
     const QString& content() const { return content_.text(); }
     void setContent(const QString& content);

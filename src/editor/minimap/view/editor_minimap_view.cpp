@@ -16,7 +16,7 @@ EditorMinimapView::EditorMinimapView(QWidget* parent) : QWidget(parent)
 
 void EditorMinimapView::applyThemeToLayer()
 {
-    takeMinimapBackground(*this, theme);
+    applyMinimapBackground(*this, theme);
 }
 
 void EditorMinimapView::paintEvent(QPaintEvent* /*event*/)

@@ -138,7 +138,7 @@ void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& p
     painter.drawRect(QRectF(map.rect()).adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
-void takeMinimapBackground(QWidget& map, const EditorTheme& theme)
+void applyMinimapBackground(QWidget& map, const EditorTheme& theme)
 {
     QPalette colors = map.palette();
     colors.setColor(QPalette::Window, theme.backgroundColor.toColor());

@@ -37,6 +37,6 @@ MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage);
 void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture);
 
 /// Gives the widget the theme's background.
-void takeMinimapBackground(QWidget& map, const EditorTheme& theme);
+void applyMinimapBackground(QWidget& map, const EditorTheme& theme);
 
 } // namespace kelm

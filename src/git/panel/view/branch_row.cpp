@@ -6,7 +6,7 @@ namespace kelm {
 
 Row BranchRow::content() const
 {
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.symbol = isCurrent ? u"checkmark.circle.fill"_s : u"circle"_s;
     row.symbolTint = isCurrent ? Tint::accent() : Tint::secondary();
@@ -31,7 +31,7 @@ Row RemoteBranchRow::content() const
 {
     Row row;
     row.symbol = u"cloud"_s;
-    row.firstLine = {{.text = branch.name, .font = RowFonts::shared().body, .elideMode = Qt::ElideMiddle}};
+    row.firstLine = {{.text = branch.name, .font = RowFonts::standard().body, .elideMode = Qt::ElideMiddle}};
     row.help = branch.name;
     row.actions = {{u"Checkout (create local tracking branch)"_s, u"arrow.right.circle"_s, onCheckout}};
     return row;

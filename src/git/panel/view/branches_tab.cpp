@@ -32,7 +32,7 @@ BranchesTab::BranchesTab(GitService& git, QWidget* parent)
     connect(&git_, &GitService::branchesChanged, this, &BranchesTab::refresh);
 }
 
-void BranchesTab::takeState()
+void BranchesTab::refreshState()
 {
     QList<GitBranch> local;
     QList<GitBranch> remote;

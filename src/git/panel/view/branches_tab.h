@@ -27,7 +27,7 @@ public:
     const std::optional<GitBranch>& showingDeleteConfirm() const { return showingDeleteConfirm_; }
 
 protected:
-    void takeState() override;
+    void refreshState() override;
 
 private:
     void create();

@@ -44,7 +44,7 @@ ChangesTab::ChangesTab(GitService& git, std::function<void(const QString& path)>
 QWidget* ChangesTab::makeConflictBar()
 {
     auto* bar = new QWidget(this);
-    conflictCount_ = new TextLabel({}, RowFonts::shared().body, Tint::primary(), bar);
+    conflictCount_ = new TextLabel({}, RowFonts::standard().body, Tint::primary(), bar);
     PlainButton* abort = makePanelButton(tr("Abort Merge"), bar);
     connect(abort, &QAbstractButton::clicked, &git_, &GitService::abortMerge);
     auto* row = new QHBoxLayout(bar);
@@ -57,7 +57,7 @@ QWidget* ChangesTab::makeConflictBar()
     return bar;
 }
 
-void ChangesTab::takeState()
+void ChangesTab::refreshState()
 {
     const qsizetype conflicts = git_.conflictedFiles().size();
     conflictCount_->setText(QString::number(conflicts) + u" conflicted"_s);

@@ -26,7 +26,7 @@ public:
     RowList& list() { return *list_; }
 
 protected:
-    void takeState() override;
+    void refreshState() override;
 
 private:
     QWidget* makeConflictBar();

@@ -46,9 +46,9 @@ CloneDialog::CloneDialog(GitService& git, FilePanels& filePanels, Scheduler& sch
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Clone Repository"));
     buildRows();
-    connect(&form_, &CloneForm::changed, this, &CloneDialog::takeForm);
+    connect(&form_, &CloneForm::changed, this, &CloneDialog::refreshForm);
     connect(&form_, &CloneForm::dismissed, this, [this] { done(form_.didSucceed() ? Accepted : Rejected); });
-    takeForm();
+    refreshForm();
     remoteURL_->setFocus(Qt::OtherFocusReason);
 }
 
@@ -152,7 +152,7 @@ QWidget* CloneDialog::makeButtonRow()
     return row;
 }
 
-void CloneDialog::takeForm()
+void CloneDialog::refreshForm()
 {
     if (remoteURL_->text() != form_.remoteURL()) {
         remoteURL_->setText(form_.remoteURL());

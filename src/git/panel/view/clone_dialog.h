@@ -40,7 +40,7 @@ private:
     QWidget* makeNameRow();
     QWidget* makeErrorBox();
     QWidget* makeButtonRow();
-    void takeForm();
+    void refreshForm();
 
     CloneForm form_;
     QLineEdit* remoteURL_ = nullptr;

@@ -89,9 +89,9 @@ CommitComposer::CommitComposer(GitService& git, QWidget* parent)
       amendBox_(makePanelCheckBox(tr("Amend last"), this))
 {
     PlainButton* stageAll = makePanelButton(tr("Stage All"), this);
-    connect(field_, &QPlainTextEdit::textChanged, this, &CommitComposer::takeState);
+    connect(field_, &QPlainTextEdit::textChanged, this, &CommitComposer::refreshState);
     connect(field_, &CommitMessageField::submitted, commitButton_, [this] { commitButton_->click(); });
-    connect(amendBox_, &QCheckBox::toggled, this, &CommitComposer::takeState);
+    connect(amendBox_, &QCheckBox::toggled, this, &CommitComposer::refreshState);
     connect(commitButton_, &QAbstractButton::clicked, this, &CommitComposer::commit);
     connect(stageAll, &QAbstractButton::clicked, &git_, &GitService::stageAll);
 
@@ -105,7 +105,7 @@ CommitComposer::CommitComposer(GitService& git, QWidget* parent)
     column->setSpacing(6);
     column->addWidget(field_);
     column->addLayout(row);
-    takeState();
+    refreshState();
 }
 
 bool CommitComposer::amend() const
@@ -113,7 +113,7 @@ bool CommitComposer::amend() const
     return amendBox_->isChecked();
 }
 
-void CommitComposer::takeState()
+void CommitComposer::refreshState()
 {
     commitButton_->setText(amend() ? tr("Amend") : tr("Commit"));
     commitButton_->updateGeometry();

@@ -49,7 +49,7 @@ public:
     bool amend() const;
 
 private:
-    void takeState();
+    void refreshState();
     void commit();
 
     GitService& git_;

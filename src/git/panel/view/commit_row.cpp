@@ -7,7 +7,7 @@ namespace kelm {
 Row CommitRow::content() const
 {
     constexpr int shortHash = 7;
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.firstLine = {{.text = commit.id.left(shortHash),
                       .font = fonts.smallMonospaced,

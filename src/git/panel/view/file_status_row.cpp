@@ -21,7 +21,7 @@ QString inWords(const GitFileStatus& file, bool staged)
 Row FileStatusRow::content() const
 {
     constexpr int letterWidth = 12;
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     const FileStatusMark mark = fileStatusMark(file, staged);
     Row row;
     row.firstLine = {

@@ -49,7 +49,7 @@ HistoryTab::HistoryTab(GitService& git, std::function<void(const QString& sha)> 
     auto* header = new QHBoxLayout;
     header->setContentsMargins(8, 4, 4, 4);
     header->setSpacing(2);
-    header->addWidget(new TextLabel(tr("Recent commits"), RowFonts::shared().body, Tint::primary(), this), 1);
+    header->addWidget(new TextLabel(tr("Recent commits"), RowFonts::standard().body, Tint::primary(), this), 1);
     header->addWidget(limitButton_);
     header->addWidget(reloadButton);
     auto* column = new QVBoxLayout(this);
@@ -69,7 +69,7 @@ void HistoryTab::hideEvent(QHideEvent* event)
     }
 }
 
-void HistoryTab::takeState()
+void HistoryTab::refreshState()
 {
     reload();
 }

@@ -27,7 +27,7 @@ public:
     void reload();
 
 protected:
-    void takeState() override;
+    void refreshState() override;
     void hideEvent(QHideEvent* event) override;
 
 private:

@@ -18,7 +18,7 @@ void PanelTab::refresh()
 {
     isStale_ = !isVisible();
     if (!isStale_) {
-        takeState();
+        refreshState();
     }
 }
 
@@ -27,7 +27,7 @@ void PanelTab::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (isStale_) {
         isStale_ = false;
-        takeState();
+        refreshState();
     }
 }
 

@@ -25,7 +25,7 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
 
-    virtual void takeState() = 0;
+    virtual void refreshState() = 0;
     /// Stands a form of rows above what it makes entries of, with a line between. A row is a widget, or a layout of
     /// several.
     void arrange(const QList<std::variant<QWidget*, QLayout*>>& formRows, QWidget* list);

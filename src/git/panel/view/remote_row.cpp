@@ -14,7 +14,7 @@ namespace kelm {
 Row RemoteRow::content() const
 {
     constexpr int editorHeight = 58;
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.symbol = u"network"_s;
     row.firstLine = {{.text = remote.name, .font = fonts.body}};
@@ -46,7 +46,7 @@ RemoteURLEditor::RemoteURLEditor(const RemoteRow& row, QWidget* parent)
     auto* name = new QHBoxLayout;
     name->setSpacing(6);
     name->addWidget(new SymbolLabel(u"network"_s, 13, Tint::secondary(), this));
-    name->addWidget(new TextLabel(row.remote.name, RowFonts::shared().body, Tint::primary(), this), 1);
+    name->addWidget(new TextLabel(row.remote.name, RowFonts::standard().body, Tint::primary(), this), 1);
     auto* controls = new QHBoxLayout;
     controls->setSpacing(4);
     controls->addWidget(field_, 1);

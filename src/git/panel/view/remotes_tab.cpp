@@ -46,7 +46,7 @@ RemotesTab::RemotesTab(GitService& git, QWidget* parent)
     connect(&git_, &GitService::remotesChanged, this, &RemotesTab::refresh);
 }
 
-void RemotesTab::takeState()
+void RemotesTab::refreshState()
 {
     // The same again leaves an address that is edited, and the caret in it, alone.
     if (sameRemotes(shown_, git_.remotes())) {

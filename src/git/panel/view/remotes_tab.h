@@ -28,7 +28,7 @@ public:
     RowList& list() { return *list_; }
 
 protected:
-    void takeState() override;
+    void refreshState() override;
 
 private:
     void add();

@@ -79,10 +79,10 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     column_->setSpacing(2);
     column_->addLayout(buttons);
     column_->addWidget(errorRow_, 1);
-    connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::takeBusy);
-    connect(&git_, &GitService::lastErrorChanged, this, &SourceControlBottomBar::takeError);
-    takeBusy();
-    takeError();
+    connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::refreshBusy);
+    connect(&git_, &GitService::lastErrorChanged, this, &SourceControlBottomBar::refreshError);
+    refreshBusy();
+    refreshError();
 }
 
 PlainButton* SourceControlBottomBar::makeTransferButton(const QString& symbol, const QString& label)
@@ -99,14 +99,14 @@ void SourceControlBottomBar::push()
     git_.push(git_.upstreamMissingForCurrent() ? std::optional(git_.branch()) : std::nullopt);
 }
 
-void SourceControlBottomBar::takeBusy()
+void SourceControlBottomBar::refreshBusy()
 {
     for (PlainButton* button : transferButtons_) {
         button->setEnabled(!git_.isBusy());
     }
 }
 
-void SourceControlBottomBar::takeError()
+void SourceControlBottomBar::refreshError()
 {
     errorRow_->setVisible(git_.lastError().has_value());
     errorLine_->setError(git_.lastError().value_or(QString()));

@@ -45,8 +45,8 @@ protected:
 
 private:
     PlainButton* makeTransferButton(const QString& symbol, const QString& label);
-    void takeBusy();
-    void takeError();
+    void refreshBusy();
+    void refreshError();
     void push();
 
     GitService& git_;

@@ -41,11 +41,11 @@ SourceControlEmptyState::SourceControlEmptyState(AppState& appState, QWidget* pa
     PlainButton* cloneButton = makeButton(u"square.and.arrow.down.on.square"_s, u"Clone Repository…"_s, this);
     connect(initializeButton, &QAbstractButton::clicked, this, &SourceControlEmptyState::initialize);
     connect(cloneButton, &QAbstractButton::clicked, this, &SourceControlEmptyState::cloneRequested);
-    const auto takeProject = [this, initializeButton] {
+    const auto refreshProject = [this, initializeButton] {
         initializeButton->setVisible(appState_.currentProject().has_value());
     };
-    connect(&appState_, &AppState::currentProjectChanged, initializeButton, takeProject);
-    takeProject();
+    connect(&appState_, &AppState::currentProjectChanged, initializeButton, refreshProject);
+    refreshProject();
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 16, 16, 16);

@@ -36,21 +36,21 @@ SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
     row->addStretch();
     row->addWidget(refresh);
 
-    connect(&git_, &GitService::branchChanged, this, &SourceControlHeader::takeBranch);
-    connect(&git_, &GitService::aheadChanged, this, &SourceControlHeader::takeBranch);
-    connect(&git_, &GitService::behindChanged, this, &SourceControlHeader::takeBranch);
-    connect(&git_, &GitService::statusChanged, this, &SourceControlHeader::takeConflicts);
-    takeBranch();
-    takeConflicts();
+    connect(&git_, &GitService::branchChanged, this, &SourceControlHeader::refreshBranch);
+    connect(&git_, &GitService::aheadChanged, this, &SourceControlHeader::refreshBranch);
+    connect(&git_, &GitService::behindChanged, this, &SourceControlHeader::refreshBranch);
+    connect(&git_, &GitService::statusChanged, this, &SourceControlHeader::refreshConflicts);
+    refreshBranch();
+    refreshConflicts();
 }
 
-void SourceControlHeader::takeBranch()
+void SourceControlHeader::refreshBranch()
 {
     branch_->setText(git_.branch().isEmpty() ? u"—"_s : git_.branch());
     aheadBehind_->setText(u"↑"_s + QString::number(git_.ahead()) + u" ↓"_s + QString::number(git_.behind()));
 }
 
-void SourceControlHeader::takeConflicts()
+void SourceControlHeader::refreshConflicts()
 {
     conflicts_->setVisible(git_.hasConflicts());
 }

@@ -18,8 +18,8 @@ public:
     explicit SourceControlHeader(GitService& git, QWidget* parent = nullptr);
 
 private:
-    void takeBranch();
-    void takeConflicts();
+    void refreshBranch();
+    void refreshConflicts();
 
     GitService& git_;
     TextLabel* branch_;

@@ -68,13 +68,13 @@ SourceControlView::SourceControlView(AppState& appState, Services services, QWid
         }
     });
     // The branch is the first thing that is written when a repository is opened or closed.
-    connect(&git_, &GitService::branchChanged, this, &SourceControlView::takeRepository);
+    connect(&git_, &GitService::branchChanged, this, &SourceControlView::refreshRepository);
     for (const auto changed : {&GitService::statusChanged, &GitService::branchesChanged, &GitService::stashesChanged,
                                &GitService::tagsChanged, &GitService::remotesChanged}) {
-        connect(&git_, changed, this, &SourceControlView::takeBadges);
+        connect(&git_, changed, this, &SourceControlView::refreshBadges);
     }
-    takeRepository();
-    takeBadges();
+    refreshRepository();
+    refreshBadges();
 }
 
 SourceControlView::~SourceControlView()
@@ -139,7 +139,7 @@ void SourceControlView::showEvent(QShowEvent* event)
     }
 }
 
-void SourceControlView::takeRepository()
+void SourceControlView::refreshRepository()
 {
     if (shownRepository_ != git_.repoURL()) {
         shownRepository_ = git_.repoURL();
@@ -150,7 +150,7 @@ void SourceControlView::takeRepository()
     emptyState_->setVisible(!shownRepository_.has_value());
 }
 
-void SourceControlView::takeBadges()
+void SourceControlView::refreshBadges()
 {
     for (const SourceControlTab tab : allSourceControlTabs) {
         tabBar_->setBadge(tab, badgeCount(tab, git_));

@@ -36,8 +36,8 @@ class SourceControlView final : public QWidget
 public:
     struct Services
     {
-        FilePanels& filePanels = FilePanels::shared();
-        Scheduler& scheduler = Scheduler::system();
+        FilePanels& filePanels;
+        Scheduler& scheduler;
         SourceControlSheets sheets = SourceControlSheets::standard();
     };
 
@@ -68,8 +68,8 @@ protected:
 
 private:
     void addTabs();
-    void takeRepository();
-    void takeBadges();
+    void refreshRepository();
+    void refreshBadges();
     /// What a sheet calls when it is closed; nothing once the view has gone.
     std::function<void()> onSheetClosed(void (SourceControlView::*set)(const std::optional<QString>&));
     void closeSheet(QPointer<QDialog>& sheet);

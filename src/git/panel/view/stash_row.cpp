@@ -6,7 +6,7 @@ namespace kelm {
 
 Row StashRow::content() const
 {
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.firstLine = {{.text = stash.message, .font = fonts.body}};
     row.secondLine = {{.text = stash.label, .font = fonts.smallMonospaced, .tint = Tint::secondary()}};

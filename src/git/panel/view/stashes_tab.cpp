@@ -35,7 +35,7 @@ StashesTab::StashesTab(GitService& git, QWidget* parent)
     connect(&git_, &GitService::stashesChanged, this, &StashesTab::refresh);
 }
 
-void StashesTab::takeState()
+void StashesTab::refreshState()
 {
     const QList<GitStash> stashes = git_.stashes();
     list_->setSections({{.title = {},

@@ -7,7 +7,7 @@ namespace kelm {
 Row TagRow::content() const
 {
     constexpr int shortHash = 7;
-    const RowFonts& fonts = RowFonts::shared();
+    const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.symbol = u"tag.fill"_s;
     row.firstLine = {{.text = tag.name, .font = fonts.body, .elideMode = Qt::ElideMiddle}};

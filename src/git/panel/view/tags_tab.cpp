@@ -36,7 +36,7 @@ TagsTab::TagsTab(GitService& git, QWidget* parent)
     connect(&git_, &GitService::tagsChanged, this, &TagsTab::refresh);
 }
 
-void TagsTab::takeState()
+void TagsTab::refreshState()
 {
     const QList<GitTag> tags = git_.tags();
     list_->setSections({{.title = {},

@@ -22,7 +22,7 @@ public:
     RowList& list() { return *list_; }
 
 protected:
-    void takeState() override;
+    void refreshState() override;
 
 private:
     void create();

@@ -43,10 +43,10 @@ QList<QAbstractItemView*> fileLists(const QFileDialog& dialog)
 
 } // namespace
 
-QList<ChosenUrl> FileDialogs::showOpenPanel(const OpenPanelOptions& options)
+QList<ChosenURL> FileDialogs::showOpenPanel(const OpenPanelOptions& options)
 {
     FileAndFolderDialog dialog(QApplication::activeWindow(), options);
-    return dialog.exec() == QDialog::Accepted ? dialog.chosenUrls() : QList<ChosenUrl>();
+    return dialog.exec() == QDialog::Accepted ? dialog.chosenURLs() : QList<ChosenURL>();
 }
 
 std::optional<QUrl> FileDialogs::showSavePanel(const QList<ContentType>& allowedTypes)

@@ -12,7 +12,7 @@ namespace kelm {
 class FileDialogs final : public FilePanels
 {
 public:
-    QList<ChosenUrl> showOpenPanel(const OpenPanelOptions& options) override;
+    QList<ChosenURL> showOpenPanel(const OpenPanelOptions& options) override;
     std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) override;
 };
 
@@ -26,7 +26,7 @@ public:
     explicit FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options);
 
     /// What has been chosen, in the order in which the list shows it.
-    QList<ChosenUrl> chosenUrls() const { return chosen_; }
+    QList<ChosenURL> chosenURLs() const { return chosen_; }
 
     void accept() override;
 
@@ -35,7 +35,7 @@ private:
     void enableOpenButton();
 
     bool canChooseDirectories_;
-    QList<ChosenUrl> chosen_;
+    QList<ChosenURL> chosen_;
 };
 
 } // namespace kelm

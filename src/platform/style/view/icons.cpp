@@ -1,6 +1,5 @@
 #include "platform/style/view/icons.h"
 
-#include "platform/process/log.h"
 #include "platform/style/view/symbol_drawing.h"
 #include "platform/style/view/symbol_icon_engine.h"
 
@@ -29,7 +28,7 @@ void logOnce(const QString& name)
     static QSet<QString> logged;
     if (!logged.contains(name)) {
         logged.insert(name);
-        Log::system().write(QStringLiteral("There is no symbol named \"%1\"").arg(name));
+        qWarning("There is no symbol named \"%s\"", qUtf8Printable(name));
     }
 }
 

@@ -36,7 +36,7 @@ struct RecordingDelegate final : KelmEditorDelegate
 struct Fixture
 {
     NotificationCenter notifications;
-    KelmEditorContainer container{nullptr, notifications};
+    KelmEditorContainer container{notifications};
     RecordingDelegate delegate;
 
     Fixture()

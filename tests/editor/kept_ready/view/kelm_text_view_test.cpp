@@ -22,7 +22,7 @@ struct Fixture
     CapturedLog log;
     Shown<KelmTextView> view;
 
-    explicit Fixture(const QString& text = {}, TextRange selection = {}) : view({}, {400, 200}, nullptr, scheduler, log)
+    explicit Fixture(const QString& text = {}, TextRange selection = {}) : view({}, {400, 200}, scheduler, log)
     {
         show(text, selection);
     }
@@ -48,7 +48,8 @@ struct Fixture
 /// The same with a container, whose completion list and commands work on the code view.
 struct ContainedFixture : Fixture
 {
-    KelmEditorContainer container;
+    NotificationCenter notifications;
+    KelmEditorContainer container{notifications};
 
     explicit ContainedFixture(const QString& text = {}, TextRange selection = {}) : Fixture(text, selection)
     {
@@ -126,7 +127,7 @@ void KelmTextViewTest::focusIsTold()
     Fixture fixture;
     QWidget window;
     QWidget other(&window);
-    KelmTextView view(&window, fixture.scheduler, fixture.log);
+    KelmTextView view(fixture.scheduler, fixture.log, &window);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     window.activateWindow();
@@ -145,7 +146,7 @@ void KelmTextViewTest::theFirstFocusOfANewWindowIsTold()
 {
     ManualScheduler scheduler;
     CapturedLog log;
-    KelmTextView view(nullptr, scheduler, log);
+    KelmTextView view(scheduler, log);
     view.setFocus();
     view.show();
     view.activateWindow();
@@ -197,7 +198,7 @@ void KelmTextViewTest::aNewWindowIsAskedForTheKeyboard()
     window.show();
     window.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&window));
-    KelmTextView view(nullptr, scheduler, log);
+    KelmTextView view(scheduler, log);
     view.setParent(&window);
     QCOMPARE(log.printed, (QStringList{u"📍 viewDidMoveToWindow - window: true"_s}));
     view.show();
@@ -218,7 +219,7 @@ void KelmTextViewTest::aViewThatIsGoneIsNotAsked()
     ManualScheduler scheduler;
     CapturedLog log;
     QWidget window;
-    auto view = std::make_unique<KelmTextView>(nullptr, scheduler, log);
+    auto view = std::make_unique<KelmTextView>(scheduler, log);
     view->setParent(&window);
     log.printed.clear();
     view.reset();
@@ -416,7 +417,8 @@ void KelmTextViewTest::withoutAContainerItsKeysDoNothing()
 
 void KelmTextViewTest::completionTakesItsKeysFirst()
 {
-    KelmEditorContainer container;
+    NotificationCenter notifications;
+    KelmEditorContainer container{notifications};
     container.setCurrentLanguage(Language::python);
     container.textView().storage().setText(u"fo"_s);
     container.textView().setSelectedRange({2, 0});

@@ -21,7 +21,7 @@ struct Fixture
     QWidget window;
     TextView text{&window};
     CodeFoldingManager folding{notifications};
-    LineNumberView gutter{&window, notifications};
+    LineNumberView gutter{notifications, &window};
 
     explicit Fixture(const QString& content = u"{\n  one\n  two\n}\nlast"_s)
     {
@@ -30,7 +30,7 @@ struct Fixture
         text.setGeometry(65, 0, 600, 400);
         text.setTextFont(style::monospaced(14), 17);
         text.storage().setText(content);
-        folding.setTextView(&text.storage());
+        folding.setStorage(&text.storage());
         folding.detectFoldableRegions(Language::swift);
         gutter.textView = &text;
         gutter.codeFoldingManager = &folding;
@@ -79,7 +79,8 @@ private Q_SLOTS:
 
 void LineNumberViewTest::itStartsAsItShould()
 {
-    LineNumberView gutter;
+    NotificationCenter notifications;
+    LineNumberView gutter{notifications};
     QCOMPARE(gutter.backgroundColor, QColor::fromRgbF(0.15F, 0.15F, 0.15F));
     QCOMPARE(gutter.textColor, QColor::fromRgbF(0.5F, 0.5F, 0.5F));
     QCOMPARE(gutter.currentLineColor, QColor(Qt::white));

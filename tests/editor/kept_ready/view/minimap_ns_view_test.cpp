@@ -16,7 +16,7 @@ struct Fixture
     NotificationCenter notifications;
     QObject listener;
     QList<qsizetype> lines;
-    MinimapNSView map{nullptr, notifications};
+    MinimapNSView map{notifications};
 
     explicit Fixture(const QString& content)
     {

@@ -31,7 +31,7 @@ void makeConflict(const TemporaryRepository& repo)
 /// What the panel is to show for a repository, read anew and put together here.
 QStringList freshLines(const TemporaryRepository& repo, SourceControlTab tab)
 {
-    GitService git;
+    GitService git{ProcessRunner::sharedSystem()};
     git.open(repo.url());
     QStringList lines;
     const auto letter = [](GitFileChange change) {

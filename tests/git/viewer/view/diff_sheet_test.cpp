@@ -61,7 +61,7 @@ struct ChangedFile
     }
 
     TemporaryRepository repository;
-    GitService git;
+    GitService git{ProcessRunner::sharedSystem()};
 };
 
 SourceControlSheets realSheets()
@@ -165,7 +165,7 @@ void DiffSheetTest::hunkOfANewFileIsUnstaged()
     repository.write(u"새 파일.txt"_s, "하나\n둘\n");
     repository.git({u"config"_s, u"core.quotePath"_s, u"false"_s});
     repository.git({u"add"_s, u"-A"_s});
-    GitService git;
+    GitService git{ProcessRunner::sharedSystem()};
     git.open(repository.url());
     DiffSheetView sheet(git, u"새 파일.txt"_s, nullptr);
     open(sheet);
@@ -199,7 +199,7 @@ void DiffSheetTest::untrackedFileShowsNoChanges()
 {
     TemporaryRepository repository;
     repository.write(u"new.txt"_s, "a\n");
-    GitService git;
+    GitService git{ProcessRunner::sharedSystem()};
     git.open(repository.url());
     DiffSheetView sheet(git, u"new.txt"_s, nullptr);
     open(sheet);

@@ -71,7 +71,7 @@ struct Fixture
     QStringList chosen() const
     {
         QStringList names;
-        for (const ChosenUrl& choice : dialog->chosenUrls()) {
+        for (const ChosenURL& choice : dialog->chosenURLs()) {
             names.append(choice.url.fileName() + (choice.isDirectory ? u"/"_s : QString()));
         }
         names.sort();
@@ -116,7 +116,7 @@ void FileDialogsTest::aFolderAloneIsChosenAndNotEntered()
     QTest::mouseClick(&fixture.openButton(), Qt::LeftButton);
     QCOMPARE(fixture.dialog->result(), int(QDialog::Accepted));
     QCOMPARE(fixture.chosen(), QStringList{u"folder/"_s});
-    QCOMPARE(fixture.dialog->chosenUrls().first().url, QUrl::fromLocalFile(fixture.home.filePath(u"folder"_s)));
+    QCOMPARE(fixture.dialog->chosenURLs().first().url, QUrl::fromLocalFile(fixture.home.filePath(u"folder"_s)));
 }
 
 void FileDialogsTest::aTypedNameIsChosen()
