@@ -11,6 +11,9 @@ namespace kelm {
 /// A text that grows up to a bound. Indentation makes the result of a deeply nested text grow with the square of its
 /// depth, so that a small input can ask for more memory than there is; past the bound nothing is written any more and
 /// there is no result.
+///
+/// `QString::append`, tried in its place, calls a function for each unit: formatting 50 MB of JSON took 0.9 s in place
+/// of 0.5 s.
 class BoundedText
 {
 public:

@@ -2,7 +2,6 @@
 
 #include "editor/transforms/bounded_text.h"
 #include "editor/transforms/json_outline.h"
-#include "editor/transforms/json_scanner.h"
 
 #include <utility>
 
@@ -10,6 +9,30 @@ namespace kelm {
 namespace {
 
 constexpr int jsonBlanksALevel = 2;
+
+/// The offset of the first unit at or behind `at` that is not JSON's white space.
+qsizetype skipJsonBlanks(QStringView text, qsizetype at)
+{
+    const char16_t* units = text.utf16();
+    while (at < text.size() && (units[at] == u' ' || units[at] == u'\n' || units[at] == u'\r' || units[at] == u'\t')) {
+        ++at;
+    }
+    return at;
+}
+
+/// Decodes the valid escape at `at` and steps behind it. A pair of surrogates is two escapes.
+char16_t decodeJsonEscape(QStringView text, qsizetype& at)
+{
+    const QChar letter = text[at + 1];
+    at += 2;
+    if (letter == u'u') {
+        at += 4;
+        return text.sliced(at - 4, 4).toUShort(nullptr, 16);
+    }
+    static constexpr QStringView letters = u"bfnrt";
+    const qsizetype index = letters.indexOf(letter);
+    return index < 0 ? letter.unicode() : u"\b\f\n\r\t"[index];
+}
 
 /// Prints a valid text by walking over it once, from member to member where an object's members are in another order.
 class JsonPrinter
@@ -138,7 +161,8 @@ void JsonPrinter::printMember(const JsonOutline::Member& member)
     at_ = member.key;
     printString();
     result_.append(u" : ");
-    at_ = member.value;
+    // Over the colon.
+    at_ = skipJsonBlanks(text_, skipJsonBlanks(text_, at_) + 1);
     nextObject_ = member.firstObject;
     printValue();
 }

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-#include <unicode/unorm2.h>
-#include <unicode/ustring.h>
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
 
 #include <algorithm>
 
@@ -110,34 +110,19 @@ int forcedOrder(std::u16string_view a, std::u16string_view b)
     });
 }
 
-QString decomposed(const QString& text)
+/// The code points of the case-folded canonical decomposition, or those of the text when there is no memory for it.
+std::u32string foldedForm(QStringView text)
 {
     UErrorCode status = U_ZERO_ERROR;
-    const UNormalizer2* normalizer = unorm2_getNFDInstance(&status);
-    // One unit makes four at most.
-    QString result(text.size() * 4, Qt::Uninitialized);
-    const int length = unorm2_normalize(normalizer, reinterpret_cast<const UChar*>(text.utf16()), int(text.size()),
-                                        reinterpret_cast<UChar*>(result.data()), int(result.size()), &status);
+    const icu::Normalizer2* normalizer = icu::Normalizer2::getNFDInstance(status);
     if (U_FAILURE(status)) {
-        return text;
+        return text.toString().toStdU32String();
     }
-    result.resize(length);
-    return result;
-}
-
-QString caseFolded(const QString& text)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    // One unit makes three at most.
-    QString result(text.size() * 3, Qt::Uninitialized);
-    const int length =
-        u_strFoldCase(reinterpret_cast<UChar*>(result.data()), int(result.size()),
-                      reinterpret_cast<const UChar*>(text.utf16()), int(text.size()), U_FOLD_CASE_DEFAULT, &status);
-    if (U_FAILURE(status)) {
-        return text;
-    }
-    result.resize(length);
-    return result;
+    // The toolkit's case folding leaves "ß" as it is.
+    const icu::UnicodeString whole(false, text.utf16(), int(text.size()));
+    const icu::UnicodeString folded = normalizer->normalize(normalizer->normalize(whole, status).foldCase(), status);
+    const QStringView result = U_FAILURE(status) ? text : QStringView(folded.getBuffer(), folded.length());
+    return result.toString().toStdU32String();
 }
 
 std::u16string_view units(QStringView text)
@@ -151,7 +136,7 @@ JsonKey::JsonKey(QStringView text) : text_(text)
 {
     const auto all = units(text);
     if (std::any_of(all.begin(), all.end(), [](char16_t unit) { return unit >= 0x80; })) {
-        folded_ = decomposed(caseFolded(decomposed(text.toString()))).toStdU32String();
+        folded_ = foldedForm(text);
     }
 }
 

@@ -13,6 +13,8 @@ namespace kelm {
 /// decomposition; a beginning of the other key goes before it. Keys that are equal so far are forced apart by their
 /// first difference as they are written: the shorter run of digits ("7" before "007") or the lower code unit ("A"
 /// before "a") goes first. So only keys that are equal unit for unit are equal.
+///
+/// ICU's collation, tried with numbers by value, puts "x_" before "x1" and "😀" before "\ufb1d" at every strength.
 class JsonKey
 {
 public:

@@ -16,8 +16,6 @@ struct JsonOutline
     {
         /// Offset of the key's opening quote.
         quint32 key = 0;
-        /// Offset of the value's first unit.
-        quint32 value = 0;
         /// The number of the first object in the value, if there is one.
         quint32 firstObject = 0;
     };

@@ -36,7 +36,8 @@ struct XmlOutline
 
     std::vector<Piece> pieces;
 
-    /// The text must be well formed.
+    /// The text must be well formed. libxml2's events, tried, tell the places in bytes of UTF-8, those of what stands
+    /// in entities among them: to put them into the text takes as much code as to step over its markup.
     static XmlOutline read(QStringView text);
 };
 

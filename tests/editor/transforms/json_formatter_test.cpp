@@ -80,6 +80,8 @@ void JsonFormatterTest::keepsTheDigitsOfNumbers_data()
                                "123456789012345678901234567890", "3.14159265358979323846264338327950288", "1e999"}) {
         QTest::newRow(number) << QString::fromLatin1(number);
     }
+    QTest::newRow("beyond doubles") << QString(400, u'9');
+    QTest::newRow("a long fraction") << QStringLiteral("-0.%1e-%2").arg(QString(400, u'0'), QString(20, u'1'));
 }
 
 void JsonFormatterTest::keepsTheDigitsOfNumbers()

@@ -115,6 +115,7 @@ void XmlFormatterTest::wellFormedTextGetsFourBlanksALevel_data()
     row("blanks alone are content", "<a><b> </b></a>", "<a>\n    <b> </b>\n</a>");
     row("a line break alone is layout", "<a><b>\n  </b></a>", "<a>\n    <b></b>\n</a>");
     row("undeclared prefix", "<x:a><b/></x:a>", "<x:a>\n    <b/>\n</x:a>");
+    row("a name beyond the basic plane", "<😀><b/></😀>", "<😀>\n    <b/>\n</😀>");
     row("no-break space is text", "<a>\u00a0<b/></a>", "<a>\u00a0<b/></a>");
     row("CRLF", "<a>\r\n<b>x\r\ny</b>\r\n</a>\r\n", "<a>\n    <b>x\r\ny</b>\n</a>");
 }
@@ -146,6 +147,8 @@ void XmlFormatterTest::otherTextGetsTheBasicForm_data()
     row("attribute without a value", "<a b><c/></a>", "<a b>\n  <c/>\n</a>");
     row("attribute twice", "<a b='1' b='2'/>", "<a b='1' b='2'/>");
     row("unknown entity", "<a>&b;</a>", "<a>\n  &b;\n</a>");
+    row("an entity that is not well formed", "<!DOCTYPE a [<!ENTITY e '<x>'>]><a>&e;</a>",
+        "<!DOCTYPE a [\n<!ENTITY e '\n<x>\n  '>\n    ]>\n      <a>\n        &e;\n      </a>");
     row("ampersand", "<a>b & c</a>", "<a>\n  b & c\n</a>");
     row("declaration not in front", " <?xml version='1.0'?><a/>", "<?xml version='1.0'?>\n<a/>");
     row("unclosed comment", "<a><!-- </a>", "<a>\n  <!--\n</a>");

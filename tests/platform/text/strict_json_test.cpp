@@ -31,6 +31,7 @@ void StrictJsonTest::textsOfTheGrammarAreTaken_data()
     row("integer", "12", 12);
     row("minus", "-0.5", -0.5);
     row("fraction and exponent", "1.5e+2", 150.0);
+    row("zero with a large exponent", "0e999", 0);
     row("blanks", " \t\r\n1 ", 1);
     row("true", "true", true);
     row("null", "null", QJsonValue());
