@@ -1,10 +1,10 @@
-# kelm_test_room(name USES room...): makes <name>_tests, the one program that holds the test classes of the folders that
+# kelm_test_room(name USES room... [LIBRARIES lib...]): makes <name>_tests, the one program that holds the test classes of the folders that
 # are added from here on. It links the rooms, and sees what they see.
 function(kelm_test_room name)
-  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "USES;LIBRARIES" ${ARGN})
   add_executable(${name}_tests)
   kelm_rooms(used ${ARG_USES})
-  target_link_libraries(${name}_tests PRIVATE kelm_test_main ${used})
+  target_link_libraries(${name}_tests PRIVATE kelm_test_main ${used} ${ARG_LIBRARIES})
   target_precompile_headers(${name}_tests REUSE_FROM kelm_test_main)
   set_target_properties(${name}_tests PROPERTIES
     UNITY_BUILD ${KELM_UNITY_TESTS}

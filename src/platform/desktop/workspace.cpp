@@ -4,16 +4,23 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QFileInfo>
+
+#ifdef Q_OS_MACOS
 #include <QProcess>
-#include <QStandardPaths>
+#else
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+
+#include <gio/gio.h>
+#include <memory>
+#endif
 
 namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr int queryTimeoutMs = 3000;
 
 /// The file's folder, since not every file manager can be asked to select a file.
 void openFolderOf(const QUrl& url)
@@ -30,29 +37,46 @@ void revealInFileManager(const QUrl& url)
     }
 }
 
+/// The system's own way to ask has not been tried.
+std::optional<QString> defaultApplication(const QString&)
+{
+    return std::nullopt;
+}
+
 #else
 
-/// The call of the file manager interface that desktops share (org.freedesktop.FileManager1).
+/// The call of the file manager interface that desktops share (org.freedesktop.FileManager1). Without a bus, a file
+/// manager on it or an answer of that within the bus's time, the folder is opened.
 void revealInFileManager(const QUrl& url)
 {
-    auto* process = new QProcess(QCoreApplication::instance());
-    QObject::connect(process, &QProcess::finished, process, [process, url](int code, QProcess::ExitStatus status) {
-        if (code != 0 || status != QProcess::NormalExit) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        openFolderOf(url);
+        return;
+    }
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
+                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
+    message.setArguments({QStringList(url.toString(QUrl::FullyEncoded)), QString()});
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), QCoreApplication::instance());
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, url] {
+        if (watcher->isError()) {
             openFolderOf(url);
         }
-        process->deleteLater();
+        watcher->deleteLater();
     });
-    QObject::connect(process, &QProcess::errorOccurred, process, [process, url](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) {
-            openFolderOf(url);
-            process->deleteLater();
-        }
-    });
-    // The comma parts the elements of an array there.
-    const QString name = QString::fromLatin1(url.toEncoded()).replace(u","_s, u"%2C"_s);
-    process->start(u"dbus-send"_s, {u"--session"_s, u"--print-reply"_s, u"--dest=org.freedesktop.FileManager1"_s,
-                                    u"/org/freedesktop/FileManager1"_s, u"org.freedesktop.FileManager1.ShowItems"_s,
-                                    u"array:string:"_s + name, u"string:"_s});
+}
+
+std::optional<QString> defaultApplication(const QString& scheme)
+{
+    // The library takes an empty name for an error of the program's.
+    if (scheme.isEmpty()) {
+        return std::nullopt;
+    }
+    const std::unique_ptr<GAppInfo, decltype(&g_object_unref)> application(
+        g_app_info_get_default_for_uri_scheme(scheme.toUtf8().constData()), g_object_unref);
+    const char* const name = application ? g_app_info_get_id(application.get()) : nullptr;
+    return name == nullptr ? std::nullopt : std::optional(QString::fromUtf8(name));
 }
 
 #endif
@@ -78,16 +102,7 @@ public:
 
     bool openURL(const QUrl& url) override { return QDesktopServices::openUrl(url); }
 
-    std::optional<QString> applicationForScheme(const QString& scheme) override
-    {
-        QProcess process;
-        process.start(u"xdg-mime"_s, {u"query"_s, u"default"_s, u"x-scheme-handler/"_s + scheme});
-        if (!process.waitForFinished(queryTimeoutMs) || process.exitCode() != 0) {
-            return std::nullopt;
-        }
-        const QString name = QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
-        return name.isEmpty() ? std::nullopt : std::optional(name);
-    }
+    std::optional<QString> applicationForScheme(const QString& scheme) override { return defaultApplication(scheme); }
 };
 
 } // namespace
