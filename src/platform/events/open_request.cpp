@@ -2,93 +2,82 @@
 
 #include "platform/files/utf8_file.h"
 
-#include <QtEndian>
+#include <QIODevice>
 
-#include <algorithm>
+#include <optional>
 
 namespace kelm::openRequest {
 
 namespace {
 
 constexpr QByteArrayView mark("kelm-open-1\n");
-constexpr qsizetype numberSize = 4;
-
-void appendNumber(QByteArray& bytes, qsizetype number)
-{
-    char buffer[numberSize];
-    qToBigEndian(static_cast<quint32>(number), buffer);
-    bytes.append(buffer, numberSize);
-}
-
-/// Takes a number off the front; absent when it has not come whole.
-std::optional<qsizetype> takeNumber(QByteArrayView& bytes)
-{
-    if (bytes.size() < numberSize) {
-        return std::nullopt;
-    }
-    const auto number = static_cast<qsizetype>(qFromBigEndian<quint32>(bytes.data()));
-    bytes = bytes.sliced(numberSize);
-    return number;
-}
-
-Decoded decodedTexts(const QList<QByteArrayView>& texts)
-{
-    Decoded decoded{State::complete};
-    for (const QByteArrayView bytes : texts) {
-        const std::optional<QString> text = decodeUtf8Text(bytes);
-        if (!text) {
-            return {State::invalid};
-        }
-        decoded.texts.append(*text);
-    }
-    return decoded;
-}
+constexpr qsizetype numberSize = sizeof(quint32);
 
 } // namespace
 
 QByteArray encode(const QStringList& texts)
 {
-    QByteArray message = mark.toByteArray();
-    appendNumber(message, texts.size());
+    QByteArray message;
+    QDataStream stream(&message, QIODevice::WriteOnly);
+    stream.writeRawData(mark.data(), static_cast<int>(mark.size()));
+    stream << static_cast<quint32>(texts.size());
     for (const QString& text : texts) {
         const QByteArray bytes = encodeUtf8Text(text);
-        appendNumber(message, bytes.size());
-        message += bytes;
+        stream.writeBytes(bytes.constData(), static_cast<uint>(bytes.size()));
     }
     return message.size() > largestMessage || texts.size() > mostTexts ? QByteArray() : message;
 }
 
-Decoded decode(QByteArrayView bytes)
+State Reader::read()
 {
-    const qsizetype known = std::min(bytes.size(), mark.size());
-    if (bytes.first(known) != mark.first(known) || bytes.size() > largestMessage) {
-        return {State::invalid};
-    }
-    if (known < mark.size()) {
-        return {State::incomplete};
-    }
-    QByteArrayView rest = bytes.sliced(mark.size());
-    const std::optional<qsizetype> count = takeNumber(rest);
-    if (!count) {
-        return {State::incomplete};
-    }
-    if (*count > mostTexts) {
-        return {State::invalid};
-    }
-    // First where the texts are, and only then what they are: most calls find that more has yet to come.
-    QList<QByteArrayView> texts;
-    for (qsizetype at = 0; at < *count; ++at) {
-        const std::optional<qsizetype> length = takeNumber(rest);
-        if (length && *length > largestMessage) {
-            return {State::invalid};
+    while (!hasHead_ || texts_.size() < count_) {
+        stream_.startTransaction();
+        hasHead_ ? readText() : readHead();
+        if (!stream_.commitTransaction()) {
+            return stream_.status() == QDataStream::ReadPastEnd ? State::incomplete : State::invalid;
         }
-        if (!length || rest.size() < *length) {
-            return {State::incomplete};
-        }
-        texts.append(rest.first(*length));
-        rest = rest.sliced(*length);
     }
-    return rest.isEmpty() ? decodedTexts(texts) : Decoded{State::invalid};
+    return stream_.atEnd() ? State::complete : State::invalid;
+}
+
+void Reader::readHead()
+{
+    const QByteArray begin = stream_.device()->peek(mark.size());
+    if (!mark.startsWith(begin)) {
+        stream_.setStatus(QDataStream::ReadCorruptData);
+        return;
+    }
+    stream_.skipRawData(static_cast<int>(mark.size()));
+    stream_ >> count_;
+    if (count_ > mostTexts) {
+        stream_.setStatus(QDataStream::ReadCorruptData);
+    }
+    hasHead_ = stream_.status() == QDataStream::Ok;
+    size_ = mark.size() + numberSize;
+}
+
+void Reader::readText()
+{
+    quint32 length = 0;
+    stream_ >> length;
+    const qsizetype size = size_ + numberSize + length;
+    // A byte array's own operator would copy what there is of it each time that more has come.
+    if (size > largestMessage) {
+        stream_.setStatus(QDataStream::ReadCorruptData);
+    } else if (stream_.device()->bytesAvailable() < length) {
+        stream_.setStatus(QDataStream::ReadPastEnd);
+    }
+    if (stream_.status() != QDataStream::Ok) {
+        return;
+    }
+    QByteArray bytes(length, Qt::Uninitialized);
+    stream_.readRawData(bytes.data(), static_cast<int>(length));
+    if (const std::optional<QString> text = decodeUtf8Text(bytes)) {
+        texts_.append(*text);
+        size_ = size;
+    } else {
+        stream_.setStatus(QDataStream::ReadCorruptData);
+    }
 }
 
 } // namespace kelm::openRequest

@@ -2,10 +2,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QByteArrayView>
+#include <QDataStream>
 #include <QStringList>
-
-#include <optional>
 
 /// A list of texts as bytes: a mark, the number of texts, and each text as its length and its UTF-8 bytes, the numbers
 /// as four bytes with the highest first. A message of more than 64 MiB, or of more
@@ -20,14 +18,30 @@ QByteArray encode(const QStringList& texts);
 
 enum class State { incomplete, invalid, complete };
 
-struct Decoded
+/// Takes one message from a device as it comes there. Linear in the length of the message, and it never makes room for
+/// what has not come.
+class Reader
 {
-    State state = State::incomplete;
-    QStringList texts = {};
-};
+public:
+    /// The device, which is open, outlives the reader.
+    explicit Reader(QIODevice& device) : stream_(&device) {}
 
-/// Reads the message that begins at the start of `bytes`. What can no longer become one is invalid at once. Linear in
-/// the length of the bytes, and it never makes room for what has not come.
-Decoded decode(QByteArrayView bytes);
+    /// Reads what has come. What can no longer become a message is invalid at once; of such a device no more is read.
+    State read();
+
+    /// The texts that have come whole.
+    const QStringList& texts() const { return texts_; }
+
+private:
+    /// Each takes its part whole or not at all, and tells by the stream's status which.
+    void readHead();
+    void readText();
+
+    QDataStream stream_;
+    bool hasHead_ = false;
+    quint32 count_ = 0;
+    qsizetype size_ = 0;
+    QStringList texts_;
+};
 
 } // namespace kelm::openRequest

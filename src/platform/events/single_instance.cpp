@@ -109,18 +109,16 @@ void SingleInstance::acceptConnections()
             socket->abort();
             continue;
         }
-        const auto bytes = std::make_shared<QByteArray>();
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket, bytes] { read(*socket, *bytes); });
+        const auto request = std::make_shared<openRequest::Reader>(*socket);
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket, request] { read(*socket, *request); });
         QTimer::singleShot(patience_, socket, [socket] { socket->abort(); });
-        read(*socket, *bytes);
+        read(*socket, *request);
     }
 }
 
-void SingleInstance::read(QLocalSocket& socket, QByteArray& bytes)
+void SingleInstance::read(QLocalSocket& socket, openRequest::Reader& request)
 {
-    bytes += socket.readAll();
-    const openRequest::Decoded decoded = openRequest::decode(bytes);
-    switch (decoded.state) {
+    switch (request.read()) {
     case openRequest::State::incomplete:
         return;
     case openRequest::State::invalid:
@@ -130,7 +128,7 @@ void SingleInstance::read(QLocalSocket& socket, QByteArray& bytes)
         socket.disconnect(this);
         socket.write(answer.toByteArray());
         socket.disconnectFromServer();
-        Q_EMIT received(decoded.texts);
+        Q_EMIT received(request.texts());
     }
 }
 

@@ -10,6 +10,10 @@
 class QLocalServer;
 class QLocalSocket;
 
+namespace kelm::openRequest {
+class Reader;
+}
+
 namespace kelm {
 
 /// The first start of the program listens on a local socket of its user; every other hands over what it was to open,
@@ -43,8 +47,7 @@ Q_SIGNALS:
 
 private:
     void acceptConnections();
-    /// `bytes` is what has come so far.
-    void read(QLocalSocket& socket, QByteArray& bytes);
+    void read(QLocalSocket& socket, openRequest::Reader& request);
 
     QString socketPath_;
     std::chrono::milliseconds patience_ = std::chrono::seconds(5);

@@ -2,6 +2,7 @@
 #include "platform/events/single_instance.h"
 #include "support/test_program.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
@@ -22,6 +23,21 @@ using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+struct Decoded
+{
+    openRequest::State state;
+    QStringList texts;
+};
+
+Decoded decode(QByteArray bytes)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    openRequest::Reader reader(buffer);
+    const openRequest::State state = reader.read();
+    return {state, reader.texts()};
+}
 
 struct Fixture
 {
@@ -92,7 +108,7 @@ void SingleInstanceTest::messagesComeBack_data()
 void SingleInstanceTest::messagesComeBack()
 {
     QFETCH(QStringList, texts);
-    const openRequest::Decoded decoded = openRequest::decode(openRequest::encode(texts));
+    const Decoded decoded = decode(openRequest::encode(texts));
     QCOMPARE(decoded.state, openRequest::State::complete);
     QCOMPARE(decoded.texts, texts);
 }
@@ -101,7 +117,7 @@ void SingleInstanceTest::eachBeginningIsIncomplete()
 {
     const QByteArray message = openRequest::encode({u"one"_s, u"두 번째"_s});
     for (qsizetype length = 0; length < message.size(); ++length) {
-        QCOMPARE(openRequest::decode(message.first(length)).state, openRequest::State::incomplete);
+        QCOMPARE(decode(message.first(length)).state, openRequest::State::incomplete);
     }
 }
 
@@ -114,13 +130,16 @@ void SingleInstanceTest::whatIsNoMessageIsInvalid_data()
     QTest::newRow("too many texts") << mark + QByteArray("\xff\xff\xff\xff", 4);
     QTest::newRow("too long a text") << mark + QByteArray("\0\0\0\1\xff\xff\xff\xff", 8);
     QTest::newRow("no UTF-8") << mark + QByteArray("\0\0\0\1\0\0\0\1\xff", 9);
+    QTest::newRow("too much in all")
+        << openRequest::encode({QString(openRequest::largestMessage - 20, u'x')}).replace(15, 1, QByteArray(1, 2)) +
+               QByteArray(4, 0);
     QTest::newRow("more behind the end") << mark + QByteArray("\0\0\0\0x", 5);
 }
 
 void SingleInstanceTest::whatIsNoMessageIsInvalid()
 {
     QFETCH(QByteArray, bytes);
-    QCOMPARE(openRequest::decode(bytes).state, openRequest::State::invalid);
+    QCOMPARE(decode(bytes).state, openRequest::State::invalid);
 }
 
 void SingleInstanceTest::aTooLargeListIsNotSent()
