@@ -1,7 +1,6 @@
 #include "search/localized_needle.h"
 
-#include <unicode/uchar.h>
-#include <unicode/ustring.h>
+#include "platform/text/canonical_text.h"
 
 #include <algorithm>
 #include <array>
@@ -43,29 +42,6 @@ qsizetype rarestPlace(const QByteArray& text)
     return std::max_element(text.begin(), text.end(), [&](char a, char b) { return rank(a) < rank(b); }) - text.begin();
 }
 
-/// Full case folding (Unicode, section 5.18): "ß" becomes "ss".
-QString caseFolded(const QString& text)
-{
-    // No character becomes more than three units.
-    QString folded(text.size() * 3, Qt::Uninitialized);
-    UErrorCode status = U_ZERO_ERROR;
-    const int32_t length = u_strFoldCase(reinterpret_cast<UChar*>(folded.data()), static_cast<int32_t>(folded.size()),
-                                         reinterpret_cast<const UChar*>(text.utf16()),
-                                         static_cast<int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
-    if (U_FAILURE(status)) {
-        return text;
-    }
-    folded.truncate(length);
-    return folded;
-}
-
-/// Case folded under canonical equivalence (Unicode, section 3.13, D145).
-QString fold(QStringView text)
-{
-    return caseFolded(text.toString().normalized(QString::NormalizationForm_D))
-        .normalized(QString::NormalizationForm_D);
-}
-
 bool isAscii(QByteArrayView bytes)
 {
     signed char all = 0;
@@ -102,7 +78,7 @@ bool equalsIgnoringCase(const char* bytes, const QByteArray& lower)
 
 } // namespace
 
-LocalizedNeedle::LocalizedNeedle(const QString& text) : folded_(fold(text))
+LocalizedNeedle::LocalizedNeedle(const QString& text) : folded_(decomposedWithoutCase(text))
 {
     if (isAscii(text)) {
         ascii_ = text.toLatin1().toLower();
@@ -119,7 +95,7 @@ bool LocalizedNeedle::isIn(QStringView text) const
         // A text that is not ASCII may still fold to it, as the Kelvin sign does.
         return isInAscii(text);
     }
-    return isInFolded(fold(text));
+    return isInFolded(decomposedWithoutCase(text));
 }
 
 bool LocalizedNeedle::isInAscii(QStringView text) const

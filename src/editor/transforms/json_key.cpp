@@ -1,9 +1,8 @@
 #include "editor/transforms/json_key.h"
 
-#include <QString>
+#include "platform/text/canonical_text.h"
 
-#include <unicode/normalizer2.h>
-#include <unicode/unistr.h>
+#include <QString>
 
 #include <algorithm>
 
@@ -110,21 +109,6 @@ int forcedOrder(std::u16string_view a, std::u16string_view b)
     });
 }
 
-/// The code points of the case-folded canonical decomposition, or those of the text when there is no memory for it.
-std::u32string foldedForm(QStringView text)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* normalizer = icu::Normalizer2::getNFDInstance(status);
-    if (U_FAILURE(status)) {
-        return text.toString().toStdU32String();
-    }
-    // The toolkit's case folding leaves "ß" as it is.
-    const icu::UnicodeString whole(false, text.utf16(), int(text.size()));
-    const icu::UnicodeString folded = normalizer->normalize(normalizer->normalize(whole, status).foldCase(), status);
-    const QStringView result = U_FAILURE(status) ? text : QStringView(folded.getBuffer(), folded.length());
-    return result.toString().toStdU32String();
-}
-
 std::u16string_view units(QStringView text)
 {
     return {text.utf16(), size_t(text.size())};
@@ -136,7 +120,7 @@ JsonKey::JsonKey(QStringView text) : text_(text)
 {
     const auto all = units(text);
     if (std::any_of(all.begin(), all.end(), [](char16_t unit) { return unit >= 0x80; })) {
-        folded_ = foldedForm(text);
+        folded_ = decomposedWithoutCase(text).toStdU32String();
     }
 }
 

@@ -1,6 +1,7 @@
 #include "git/diff/word_diff.h"
 
 #include "git/diff/common_subsequence.h"
+#include "platform/text/canonical_text.h"
 
 #include <QHash>
 #include <QTextBoundaryFinder>
@@ -33,7 +34,7 @@ class TokenNumbers
 public:
     std::uint32_t of(const QString& token)
     {
-        const QString key = isPlain(token) ? token : token.normalized(QString::NormalizationForm_D);
+        const QString key = isPlain(token) ? token : decomposed(token);
         const auto known = numbers_.constFind(key);
         return known != numbers_.cend() ? *known : *numbers_.insert(key, static_cast<std::uint32_t>(numbers_.size()));
     }

@@ -1,5 +1,7 @@
 #include "platform/text/string_comparison.h"
 
+#include "platform/text/canonical_text.h"
+
 #include <QLocale>
 
 #include <unicode/locid.h>
@@ -44,14 +46,6 @@ QString currentLocaleName()
     return QLocale::system().name();
 }
 
-QString folded(QStringView text)
-{
-    return text.toString()
-        .normalized(QString::NormalizationForm_D)
-        .toCaseFolded()
-        .normalized(QString::NormalizationForm_D);
-}
-
 } // namespace
 
 StringComparison::StringComparison(const QString& localeName) : collator_(makeCollator(localeName)) {}
@@ -59,7 +53,7 @@ StringComparison::StringComparison(const QString& localeName) : collator_(makeCo
 int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView b) const
 {
     if (!collator_) {
-        return folded(a).compare(folded(b));
+        return decomposedWithoutCase(a).compare(decomposedWithoutCase(b));
     }
     UErrorCode status = U_ZERO_ERROR;
     return collator_->compare(a.utf16(), int32_t(a.size()), b.utf16(), int32_t(b.size()), status);
@@ -68,7 +62,7 @@ int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView
 QByteArray StringComparison::sortKey(QStringView text) const
 {
     if (!collator_) {
-        const QString key = folded(text);
+        const QString key = decomposedWithoutCase(text);
         QByteArray bytes;
         for (const QChar unit : key) {
             bytes.append(char(unit.row())).append(char(unit.cell()));
