@@ -13,10 +13,8 @@ class QWidget;
 
 namespace kelm {
 
-/// Paints bars, one over the other, with their edges smoothed: the same picture as one filled rectangle after the
-/// other, in a fraction of the time. The painter's origin is the map's top left; `pixelRatio` its pixels in a point.
-void paintMinimapBars(QPainter& painter, const std::vector<MinimapBar>& bars, const MinimapGeometry& geometry,
-                      qreal pixelRatio);
+/// Paints bars, one over the other, with their edges smoothed. The painter's origin is the map's top left.
+void paintMinimapBars(QPainter& painter, const std::vector<MinimapBar>& bars, const MinimapGeometry& geometry);
 
 /// What a map shows.
 struct MinimapPicture

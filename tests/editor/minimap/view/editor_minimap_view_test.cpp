@@ -172,7 +172,7 @@ void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
     };
     QImage fast = makeImage();
     QPainter fastPainter(&fast);
-    paintMinimapBars(fastPainter, bars, geometry, ratio);
+    paintMinimapBars(fastPainter, bars, geometry);
     fastPainter.end();
     QImage plain = makeImage();
     QPainter painter(&plain);
