@@ -1,9 +1,11 @@
 #include "platform/process/child_process.h"
 
+#include "platform/process/output_pipe.h"
 #include "platform/process/process_launch.h"
 #include "platform/text/utf8_chunk_decoder.h"
 
 #include <QCoreApplication>
+#include <QProcess>
 #include <QSocketNotifier>
 #include <QThread>
 #include <QTimer>
@@ -25,7 +27,7 @@ constexpr qsizetype smallRead = qsizetype(8) * 1024;
 constexpr int smallReadsBeforeRest = 4;
 constexpr std::chrono::milliseconds restTime{4};
 /// The most that is handed out at a time.
-constexpr qsizetype longestReport = qsizetype(64) * 1024;
+constexpr qsizetype longestReport = OutputPipe::usualSize;
 
 } // namespace
 
@@ -34,11 +36,7 @@ constexpr qsizetype longestReport = qsizetype(64) * 1024;
 class ChildProcessReader final : public QObject
 {
 public:
-    ChildProcessReader(LaunchedProcess child, const ProcessCommand& command, ChildProcess* listener)
-        : child_(std::move(child)),
-          listener_(listener),
-          ownGroup_(command.ownGroup),
-          input_(command.standardInput.value_or(QByteArray()))
+    explicit ChildProcessReader(ChildProcess* listener) : listener_(listener)
     {
         // What is still there when the application or the thread ends goes with it.
         if (QCoreApplication* application = QCoreApplication::instance();
@@ -47,68 +45,74 @@ public:
         } else {
             connect(thread(), &QThread::finished, this, &QObject::deleteLater);
         }
-        output_ = {
-            &child_.standardOutput, watch(child_.standardOutput, QSocketNotifier::Read), {}, &ChildProcess::outputRead};
-        error_ = {
-            &child_.standardError, watch(child_.standardError, QSocketNotifier::Read), {}, &ChildProcess::errorRead};
-        connect(output_.notifier, &QSocketNotifier::activated, this, [this] { readSome(output_); });
-        connect(error_.notifier, &QSocketNotifier::activated, this, [this] { readSome(error_); });
-        connect(&rest_, &QTimer::timeout, this, [this] { setReading(true); });
-        rest_.setSingleShot(true);
-        exitNotifier_ = watch(child_.exitNotice, QSocketNotifier::Read);
-        connect(exitNotifier_, &QSocketNotifier::activated, this, [this] { noteExit(); });
-        if (child_.standardInput.isOpen()) {
-            inputNotifier_ = watch(child_.standardInput, QSocketNotifier::Write);
-            connect(inputNotifier_, &QSocketNotifier::activated, this, [this] { writeSome(); });
-        }
     }
 
     ~ChildProcessReader() override
     {
         if (!ended_) {
-            reapLater(child_.pid);
+            leaveRunning(std::move(process_));
         }
     }
 
-    qint64 processId() const { return ended_ ? 0 : child_.pid; }
+    std::optional<QString> start(const ProcessCommand& command)
+    {
+        if (!output_.pipe.open() || !error_.pipe.open()) {
+            return launchErrorText(command, qt_error_string());
+        }
+        if (auto error = launch(*process_, command, {output_.pipe.writeEnd(), error_.pipe.writeEnd()})) {
+            return error;
+        }
+        ended_ = false;
+        processId_ = process_->processId();
+        ownGroup_ = command.ownGroup;
+        for (Stream* stream : {&output_, &error_}) {
+            stream->pipe.closeWriteEnd();
+            stream->notifier = new QSocketNotifier(stream->pipe.readEnd(), QSocketNotifier::Read, this);
+            connect(stream->notifier, &QSocketNotifier::activated, this, [this, stream] { readSome(*stream); });
+        }
+        connect(&rest_, &QTimer::timeout, this, [this] { setReading(true); });
+        rest_.setSingleShot(true);
+        connect(process_.get(), &QProcess::finished, this, [this] { noteExit(); });
+        if (command.standardInput) {
+            process_->write(*command.standardInput);
+            process_->closeWriteChannel();
+        }
+        return std::nullopt;
+    }
+
+    qint64 processId() const { return ended_ ? 0 : processId_; }
 
     void signal(int number)
     {
-        if (!ended_) {
-            ::kill(ownGroup_ ? -child_.pid : child_.pid, number);
+        // Unlike the number that is told until the end is reported, this one is that of a child that is still there.
+        if (const auto process = static_cast<pid_t>(process_->processId()); process > 0) {
+            ::kill(ownGroup_ ? -process : process, number);
         }
     }
 
 private:
     struct Stream
     {
-        FileDescriptor* pipe = nullptr;
-        QSocketNotifier* notifier = nullptr;
-        Utf8ChunkDecoder decoder;
         void (ChildProcess::*signal)(const QString&) = nullptr;
+        OutputPipe pipe = {};
+        QSocketNotifier* notifier = nullptr;
+        Utf8ChunkDecoder decoder = {};
     };
 
-    QSocketNotifier* watch(const FileDescriptor& descriptor, QSocketNotifier::Type type)
+    static void close(Stream& stream)
     {
-        return new QSocketNotifier(descriptor.number(), type, this);
-    }
-
-    static void close(FileDescriptor& descriptor, QSocketNotifier*& notifier)
-    {
-        if (notifier != nullptr) {
-            notifier->setEnabled(false);
-            notifier->deleteLater();
-            notifier = nullptr;
-        }
-        descriptor.close();
+        stream.notifier->setEnabled(false);
+        stream.notifier->deleteLater();
+        stream.notifier = nullptr;
+        stream.pipe.close();
     }
 
     void readSome(Stream& stream)
     {
         // A listener may run an event loop of its own: nothing of this object is touched after it was told.
         QByteArray bytes;
-        if (!readOnce(*stream.pipe, bytes)) {
-            close(*stream.pipe, stream.notifier);
+        if (!stream.pipe.readOnce(bytes)) {
+            close(stream);
             finishIfDone();
             return;
         }
@@ -148,14 +152,10 @@ private:
 
     void noteExit()
     {
-        close(child_.exitNotice, exitNotifier_);
-        if (inputNotifier_ != nullptr) {
-            close(child_.standardInput, inputNotifier_);
-        }
         QByteArray lastOutput;
         QByteArray lastError;
-        readAvailable(child_.standardOutput, lastOutput);
-        readAvailable(child_.standardError, lastError);
+        output_.pipe.readAvailable(lastOutput);
+        error_.pipe.readAvailable(lastError);
         const QPointer<ChildProcessReader> self = this;
         for (const auto& [stream, bytes] : {std::pair(&output_, &lastOutput), std::pair(&error_, &lastError)}) {
             for (qsizetype from = 0; from < bytes->size() && self; from += longestReport) {
@@ -165,43 +165,31 @@ private:
         if (!self) {
             return;
         }
-        const ProcessExit exit = reap(child_.pid);
         ended_ = true;
         if (listener_) {
-            Q_EMIT listener_->finished(exit);
+            Q_EMIT listener_->finished(exitOf(*process_));
         }
         if (self) {
             finishIfDone();
         }
     }
 
-    void writeSome()
-    {
-        const int error = writeOnce(child_.standardInput, input_, written_);
-        if (error != 0 || written_ == input_.size()) {
-            close(child_.standardInput, inputNotifier_);
-        }
-    }
-
     void finishIfDone()
     {
-        if (ended_ && !child_.standardOutput.isOpen() && !child_.standardError.isOpen()) {
+        if (ended_ && !output_.pipe.isOpen() && !error_.pipe.isOpen()) {
             deleteLater();
         }
     }
 
-    LaunchedProcess child_;
+    std::unique_ptr<QProcess> process_ = std::make_unique<QProcess>();
     QPointer<ChildProcess> listener_;
-    bool ownGroup_;
-    QByteArray input_;
-    qsizetype written_ = 0;
-    Stream output_;
-    Stream error_;
+    qint64 processId_ = 0;
+    bool ownGroup_ = false;
+    Stream output_{&ChildProcess::outputRead};
+    Stream error_{&ChildProcess::errorRead};
     QTimer rest_;
     int smallReads_ = 0;
-    QSocketNotifier* exitNotifier_ = nullptr;
-    QSocketNotifier* inputNotifier_ = nullptr;
-    bool ended_ = false;
+    bool ended_ = true;
 };
 
 ChildProcess::ChildProcess(QObject* parent) : QObject(parent) {}
@@ -210,11 +198,11 @@ ChildProcess::~ChildProcess() = default;
 
 std::optional<QString> ChildProcess::start(const ProcessCommand& command)
 {
-    auto launched = launch(command);
-    if (const QString* error = std::get_if<QString>(&launched)) {
-        return *error;
+    auto reader = std::make_unique<ChildProcessReader>(this);
+    if (auto error = reader->start(command)) {
+        return error;
     }
-    reader_ = new ChildProcessReader(std::move(std::get<LaunchedProcess>(launched)), command, this);
+    reader_ = reader.release();
     return std::nullopt;
 }
 

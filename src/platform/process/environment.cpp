@@ -1,6 +1,5 @@
 #include "platform/process/environment.h"
 
-#include <cstdlib>
 #include <unistd.h>
 
 #ifdef Q_OS_MACOS
@@ -20,22 +19,6 @@ QMap<QString, QString> applicationEnvironment()
         }
     }
     return environment;
-}
-
-QByteArray environmentEntry(const QString& name, const QString& value)
-{
-    if (value.contains(QChar::ReplacementCharacter)) {
-        const char* own = std::getenv(name.toUtf8().constData());
-        if (own != nullptr && QString::fromUtf8(own) == value) {
-            return name.toUtf8() + '=' + own;
-        }
-    }
-    return name.toUtf8() + '=' + value.toUtf8();
-}
-
-char** environmentBlock()
-{
-    return environ;
 }
 
 } // namespace kelm

@@ -1,206 +1,22 @@
 #include "platform/process/process_launch.h"
 
-#include "platform/process/environment.h"
-
+#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
+#include <QProcess>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <mutex>
-#include <spawn.h>
-#include <sys/ioctl.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace kelm {
 
 namespace {
-
-struct Pipe
-{
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
-
-    bool isOpen() const { return readEnd.isOpen() && writeEnd.isOpen(); }
-};
-
-/// The descriptor moved above the three standard ones: the child's own would overwrite it there.
-FileDescriptor aboveStandard(FileDescriptor descriptor)
-{
-    if (!descriptor.isOpen() || descriptor.number() > STDERR_FILENO) {
-        return descriptor;
-    }
-    return FileDescriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-}
-
-/// A pipe that other children do not inherit; its ends are closed when the system gives none.
-Pipe makePipe()
-{
-    int ends[2] = {-1, -1};
-#ifdef Q_OS_MACOS
-    if (::pipe(ends) != 0) {
-        return {};
-    }
-    for (const int end : ends) {
-        ::fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
-#else
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        return {};
-    }
-#endif
-    Pipe pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-    return {aboveStandard(std::move(pipe.readEnd)), aboveStandard(std::move(pipe.writeEnd))};
-}
-
-void doNotBlock(const FileDescriptor& descriptor)
-{
-    ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
-}
-
-/// Keeps the signal of a broken pipe from this thread for as long as it lives: writing to a child that has gone is an
-/// error of that write, whatever the application does about the signal.
-class BrokenPipeGuard
-{
-public:
-    BrokenPipeGuard()
-    {
-        sigemptyset(&brokenPipe_);
-        sigaddset(&brokenPipe_, SIGPIPE);
-        wasPending_ = isPending();
-        ::pthread_sigmask(SIG_BLOCK, &brokenPipe_, &before_);
-    }
-    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
-    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
-    ~BrokenPipeGuard()
-    {
-        const int error = errno;
-        if (!wasPending_ && isPending()) {
-            int taken = 0;
-            ::sigwait(&brokenPipe_, &taken);
-        }
-        ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-        errno = error;
-    }
-
-private:
-    static bool isPending()
-    {
-        sigset_t pending;
-        sigemptyset(&pending);
-        ::sigpending(&pending);
-        return sigismember(&pending, SIGPIPE) == 1;
-    }
-
-    sigset_t brokenPipe_;
-    sigset_t before_;
-    bool wasPending_ = false;
-};
-
-/// The strings of an argument or environment list in the form that the system takes.
-class CStringList
-{
-public:
-    void append(QByteArray text) { texts_.push_back(std::move(text)); }
-
-    bool holdsNull() const
-    {
-        return std::any_of(texts_.begin(), texts_.end(), [](const QByteArray& text) { return text.contains('\0'); });
-    }
-
-    /// Valid until the next `append`.
-    char** data()
-    {
-        pointers_.clear();
-        for (QByteArray& text : texts_) {
-            pointers_.push_back(text.data());
-        }
-        pointers_.push_back(nullptr);
-        return pointers_.data();
-    }
-
-private:
-    std::vector<QByteArray> texts_;
-    std::vector<char*> pointers_;
-};
-
-class SpawnActions
-{
-public:
-    SpawnActions() { ::posix_spawn_file_actions_init(&actions_); }
-    SpawnActions(const SpawnActions&) = delete;
-    SpawnActions& operator=(const SpawnActions&) = delete;
-    ~SpawnActions() { ::posix_spawn_file_actions_destroy(&actions_); }
-
-    void duplicate(const FileDescriptor& from, int to)
-    {
-        ::posix_spawn_file_actions_adddup2(&actions_, from.number(), to);
-    }
-    void changeDirectory(const QByteArray& path)
-    {
-        ::posix_spawn_file_actions_addchdir_np(&actions_, path.constData());
-    }
-    const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_;
-};
-
-/// The child starts with no signal blocked and with the default meaning of a broken pipe, which the application
-/// ignores. So it is with the keyboard's signals for a child that leads a group: whoever started the application in the
-/// background may have had them ignored, and an interrupt would pass the child by.
-class SpawnAttributes
-{
-public:
-    explicit SpawnAttributes(bool ownGroup)
-    {
-        ::posix_spawnattr_init(&attributes_);
-        sigset_t none;
-        sigemptyset(&none);
-        ::posix_spawnattr_setsigmask(&attributes_, &none);
-        sigset_t reset;
-        sigemptyset(&reset);
-        sigaddset(&reset, SIGPIPE);
-        if (ownGroup) {
-            sigaddset(&reset, SIGINT);
-            sigaddset(&reset, SIGQUIT);
-        }
-        ::posix_spawnattr_setsigdefault(&attributes_, &reset);
-        short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-        if (ownGroup) {
-            ::posix_spawnattr_setpgroup(&attributes_, 0);
-            flags |= POSIX_SPAWN_SETPGROUP;
-        }
-        ::posix_spawnattr_setflags(&attributes_, flags);
-    }
-    SpawnAttributes(const SpawnAttributes&) = delete;
-    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-    ~SpawnAttributes() { ::posix_spawnattr_destroy(&attributes_); }
-
-    const posix_spawnattr_t* get() const { return &attributes_; }
-
-private:
-    posix_spawnattr_t attributes_;
-};
-
-std::mutex abandonedMutex;
-
-std::vector<pid_t>& abandoned()
-{
-    static std::vector<pid_t> pids;
-    return pids;
-}
-
-void reapAbandoned()
-{
-    const std::scoped_lock lock(abandonedMutex);
-    std::erase_if(abandoned(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
-}
 
 /// Whoever started the application may have had the ends of children ignored. The system then keeps no child's exit, so
 /// that each would seem to have ended well; what is asked for here holds for the whole application.
@@ -215,33 +31,78 @@ void keepExits()
     }
 }
 
-/// Where the system has no descriptor for a process: a pipe that a waiting thread closes when the child has ended.
-FileDescriptor exitNoticeByThread(pid_t pid, Pipe pipe)
+/// A null character would cut a text short without a word.
+bool holdsNull(const ProcessCommand& command)
 {
-    std::thread([pid, end = std::move(pipe.writeEnd)] {
-        siginfo_t info = {};
-        while (::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+    const auto isCut = [](const QString& text) { return text.contains(QChar(0)); };
+    bool found = isCut(command.program) || isCut(command.workingDirectory) ||
+                 std::any_of(command.arguments.begin(), command.arguments.end(), isCut);
+    if (command.environment) {
+        for (auto entry = command.environment->cbegin(); entry != command.environment->cend(); ++entry) {
+            found = found || isCut(entry.key()) || isCut(entry.value());
         }
-    }).detach();
-    return std::move(pipe.readEnd);
-}
-
-/// `pipe` was made before the child: once that runs, there has to be a way to hear of its end.
-FileDescriptor makeExitNotice(pid_t pid, Pipe pipe)
-{
-#ifdef SYS_pidfd_open
-    FileDescriptor notice(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
-    if (notice.isOpen()) {
-        return notice;
     }
-#endif
-    return exitNoticeByThread(pid, std::move(pipe));
+    return found;
 }
 
-/// The system does not say whether it was the folder or the program that failed.
-QString launchErrorText(const ProcessCommand& command, int error)
+/// The error number of what will not start, as far as that can be foreseen; 0 for none. The toolkit's process (6.4)
+/// leaves a descriptor open for each start that fails.
+int foreseeableError(const ProcessCommand& command)
 {
-    const QString reason = qt_error_string(error);
+    const QString& folder = command.workingDirectory;
+    if (holdsNull(command)) {
+        return EINVAL;
+    }
+    if (!folder.isEmpty() && ::access(QFile::encodeName(folder + u'/').constData(), X_OK) != 0) {
+        return errno;
+    }
+    const QString program = QDir(folder).filePath(command.program);
+    if (::access(QFile::encodeName(program).constData(), X_OK) != 0) {
+        return errno;
+    }
+    return QFileInfo(program).isDir() ? EACCES : 0;
+}
+
+/// Variables that the application has as well keep its bytes, which need not be UTF-8.
+QProcessEnvironment environmentOf(const QMap<QString, QString>& variables)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString& name : environment.keys()) {
+        if (!variables.contains(name)) {
+            environment.remove(name);
+        }
+    }
+    for (auto entry = variables.cbegin(); entry != variables.cend(); ++entry) {
+        if (!environment.contains(entry.key()) || environment.value(entry.key()) != entry.value()) {
+            environment.insert(entry.key(), entry.value());
+        }
+    }
+    return environment;
+}
+
+/// Runs in the child before its program does, and calls nothing but the system. The child has no signal blocked.
+/// Whoever started the application in the background may have had the keyboard's signals ignored, and an interrupt
+/// would pass a child by that leads a group.
+void prepareChild(bool ownGroup, const ChildOutputs& outputs)
+{
+    if (ownGroup) {
+        ::setpgid(0, 0);
+        ::signal(SIGINT, SIG_DFL);
+        ::signal(SIGQUIT, SIG_DFL);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (outputs.standardOutput >= 0) {
+        ::dup2(outputs.standardOutput, STDOUT_FILENO);
+        ::dup2(outputs.standardError, STDERR_FILENO);
+    }
+}
+
+} // namespace
+
+QString launchErrorText(const ProcessCommand& command, const QString& reason)
+{
     if (!command.workingDirectory.isEmpty() && !QFileInfo(command.workingDirectory).isDir()) {
         return QStringLiteral("Cannot start \"%1\" in the folder \"%2\": %3")
             .arg(command.program, command.workingDirectory, reason);
@@ -249,130 +110,56 @@ QString launchErrorText(const ProcessCommand& command, int error)
     return QStringLiteral("Cannot start \"%1\": %2").arg(command.program, reason);
 }
 
-} // namespace
-
-std::variant<LaunchedProcess, QString> launch(const ProcessCommand& command)
+std::optional<QString> launch(QProcess& process, const ProcessCommand& command, const ChildOutputs& outputs)
 {
     keepExits();
-    reapAbandoned();
-
-    CStringList arguments;
-    arguments.append(QFile::encodeName(command.program));
-    for (const QString& argument : command.arguments) {
-        arguments.append(argument.toUtf8());
+    if (const int error = foreseeableError(command)) {
+        return launchErrorText(command, qt_error_string(error));
     }
-    CStringList environment;
+    // The toolkit searches for a name without a folder.
+    process.setProgram(command.program.contains(u'/') ? command.program : QStringLiteral("./") + command.program);
+    process.setArguments(command.arguments);
+    process.setWorkingDirectory(command.workingDirectory);
     if (command.environment) {
-        for (auto entry = command.environment->cbegin(); entry != command.environment->cend(); ++entry) {
-            environment.append(environmentEntry(entry.key(), entry.value()));
-        }
+        process.setProcessEnvironment(environmentOf(*command.environment));
     }
-    const QByteArray folder = QFile::encodeName(command.workingDirectory);
-    // A null character would cut the text short without a word.
-    if (arguments.holdsNull() || environment.holdsNull() || folder.contains('\0')) {
-        return launchErrorText(command, EINVAL);
+    if (!command.standardInput) {
+        process.setInputChannelMode(QProcess::ForwardedInputChannel);
     }
-
-    SpawnActions actions;
-    Pipe input;
-    Pipe output = makePipe();
-    Pipe error = makePipe();
-    Pipe notice = makePipe();
-    if (command.standardInput) {
-        input = makePipe();
+    if (outputs.standardOutput >= 0) {
+        process.setProcessChannelMode(QProcess::ForwardedChannels);
     }
-    if (!output.isOpen() || !error.isOpen() || !notice.isOpen() || (command.standardInput && !input.isOpen())) {
-        return launchErrorText(command, errno);
+    process.setChildProcessModifier([ownGroup = command.ownGroup, outputs] { prepareChild(ownGroup, outputs); });
+    process.start();
+    if (!process.waitForStarted(-1)) {
+        // Before the reason stands the name of the call that failed.
+        return launchErrorText(command, process.errorString().section(QStringLiteral(": "), -1));
     }
-    if (command.standardInput) {
-        actions.duplicate(input.readEnd, STDIN_FILENO);
-    }
-    actions.duplicate(output.writeEnd, STDOUT_FILENO);
-    actions.duplicate(error.writeEnd, STDERR_FILENO);
-    if (!folder.isEmpty()) {
-        actions.changeDirectory(folder);
-    }
-
-    const SpawnAttributes attributes(command.ownGroup);
-    LaunchedProcess child;
-    char** const argumentList = arguments.data();
-    const int failure = ::posix_spawn(&child.pid, argumentList[0], actions.get(), attributes.get(), argumentList,
-                                      command.environment ? environment.data() : environmentBlock());
-    if (failure != 0) {
-        return launchErrorText(command, failure);
-    }
-    // The child has its own ends now, so that there is room for one descriptor more.
-    for (FileDescriptor* end : {&input.readEnd, &output.writeEnd, &error.writeEnd}) {
-        end->close();
-    }
-    child.exitNotice = makeExitNotice(child.pid, std::move(notice));
-    child.standardInput = std::move(input.writeEnd);
-    child.standardOutput = std::move(output.readEnd);
-    child.standardError = std::move(error.readEnd);
-    for (const FileDescriptor* end : {&child.standardInput, &child.standardOutput, &child.standardError}) {
-        if (end->isOpen()) {
-            doNotBlock(*end);
-        }
-    }
-    return child;
+    return std::nullopt;
 }
 
-ProcessExit reap(pid_t pid)
+ProcessExit exitOf(const QProcess& process)
 {
-    siginfo_t info = {};
-    while (::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED) != 0) {
-        if (errno != EINTR) {
-            // An exit that the system cannot tell is no success.
-            constexpr int unknown = 255;
-            return {unknown, false};
-        }
+    return {process.exitCode(), process.exitStatus() == QProcess::CrashExit};
+}
+
+void leaveRunning(std::unique_ptr<QProcess> process)
+{
+    process->disconnect();
+    QObject::connect(process.get(), &QProcess::finished, process.get(), &QObject::deleteLater);
+    if (const QCoreApplication* application = QCoreApplication::instance()) {
+        process->moveToThread(application->thread());
     }
-    return {info.si_status, info.si_code == CLD_KILLED || info.si_code == CLD_DUMPED};
-}
-
-void reapLater(pid_t pid)
-{
-    const std::scoped_lock lock(abandonedMutex);
-    abandoned().push_back(pid);
-}
-
-int writeOnce(const FileDescriptor& pipe, QByteArrayView bytes, qsizetype& written)
-{
-    if (written == bytes.size()) {
-        return 0;
-    }
-    const BrokenPipeGuard guard;
-    const ssize_t count = ::write(pipe.number(), bytes.data() + written, static_cast<size_t>(bytes.size() - written));
-    if (count < 0) {
-        return errno == EAGAIN || errno == EINTR ? 0 : errno;
-    }
-    written += count;
-    return 0;
-}
-
-bool readOnce(const FileDescriptor& pipe, QByteArray& bytes, qsizetype limit)
-{
-    const qsizetype size = bytes.size();
-    bytes.resize(size + limit);
-    ssize_t count = 0;
-    do {
-        count = ::read(pipe.number(), bytes.data() + size, static_cast<size_t>(limit));
-    } while (count < 0 && errno == EINTR);
-    const bool waits = count < 0 && errno == EAGAIN;
-    bytes.resize(size + std::max<ssize_t>(count, 0));
-    return count > 0 || waits;
-}
-
-void readAvailable(const FileDescriptor& pipe, QByteArray& bytes)
-{
-    int available = 0;
-    if (!pipe.isOpen() || ::ioctl(pipe.number(), FIONREAD, &available) != 0) {
+    if (process->state() == QProcess::NotRunning) {
+        process.release()->deleteLater();
         return;
     }
-    const qsizetype end = bytes.size() + available;
-    bytes.reserve(end);
-    while (bytes.size() < end && readOnce(pipe, bytes, end - bytes.size())) {
-    }
+    // Children may outlive the application: neither their objects nor this list of them is ever taken down.
+    static std::mutex mutex;
+    static auto& left = *std::make_unique<std::vector<QPointer<QProcess>>>().release();
+    const std::scoped_lock lock(mutex);
+    std::erase(left, nullptr);
+    left.emplace_back(process.release());
 }
 
 } // namespace kelm

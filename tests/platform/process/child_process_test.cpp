@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sys/stat.h>
 
 namespace child_process_test {
 
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void theWholeGroupIsEnded();
     void groupIsInterruptedThoughTheApplicationIgnoresIt();
     void processLeftBehindDoesNotHoldBackTheEnd();
+    void processLeftBehindMayGoOnWriting();
     void localEventLoopSeesOutputAsItComes();
     void childIsLeftAloneWhenTheObjectGoes();
     void objectMayGoInsideItsOwnSignal();
@@ -216,6 +218,27 @@ void ChildProcessTest::processLeftBehindDoesNotHoldBackTheEnd()
     QVERIFY(!child.start(roleCommand({u"leave-behind"_s})));
     QTRY_VERIFY_WITH_TIMEOUT(heard.exit.has_value(), 20000);
     QCOMPARE(heard.output, u"left"_s);
+}
+
+void ChildProcessTest::processLeftBehindMayGoOnWriting()
+{
+    const QTemporaryDir folder;
+    const auto path = [&folder](const char* name) { return folder.filePath(QString::fromLatin1(name)); };
+    QCOMPARE(::mkfifo(QFile::encodeName(path("go")).constData(), 0600), 0);
+    ChildProcess child;
+    Listener heard(child);
+    QVERIFY(
+        !child.start({.program = u"/bin/sh"_s,
+                      .arguments = {u"-c"_s, u"{ read word; echo late; echo later >&2; : > done; } < go & exit 0"_s},
+                      .workingDirectory = folder.path()}));
+    QTRY_VERIFY(heard.exit.has_value());
+    QFile go(path("go"));
+    QVERIFY(go.open(QIODevice::WriteOnly));
+    go.write("go\n");
+    go.close();
+    // A broken pipe would have ended it before.
+    QTRY_VERIFY(QFile::exists(path("done")));
+    QVERIFY(heard.order.isEmpty());
 }
 
 void ChildProcessTest::localEventLoopSeesOutputAsItComes()

@@ -8,10 +8,12 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <utility>
 
 namespace process_test {
 
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void environmentIsInheritedUnchanged();
     void givenEnvironmentReplacesTheApplications();
     void bytesThatAreNoTextPassThroughTheEnvironment();
+    void ofTwoVariablesOfOneNameTheFirstIsSeen();
     void argumentsArriveAsGiven_data();
     void argumentsArriveAsGiven();
     void standardInputTextReachesTheChild_data();
@@ -159,6 +162,17 @@ void ProcessTest::bytesThatAreNoTextPassThroughTheEnvironment()
     command.environment->insert(u"KELM_PROCESS_TEST"_s, u"caf\u00e9"_s);
     QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("caf\xc3\xa9"));
     qunsetenv("KELM_PROCESS_TEST");
+}
+
+void ProcessTest::ofTwoVariablesOfOneNameTheFirstIsSeen()
+{
+    std::array<char*, 3> entries{const_cast<char*>("KELM_TWICE=first"), const_cast<char*>("KELM_TWICE=last"), nullptr};
+    char** const before = std::exchange(environ, entries.data());
+    const auto restore = qScopeGuard([before] { environ = before; });
+    QCOMPARE(applicationEnvironment(), (QMap<QString, QString>{{u"KELM_TWICE"_s, u"first"_s}}));
+    ProcessCommand command = roleCommand({u"environment"_s, u"KELM_TWICE"_s});
+    command.environment = applicationEnvironment();
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("first"));
 }
 
 void ProcessTest::argumentsArriveAsGiven_data()
