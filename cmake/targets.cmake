@@ -1,5 +1,5 @@
-# kelm_test_room(name USES room... [LIBRARIES lib...]): makes <name>_tests, the one program that holds the test classes of the folders that
-# are added from here on. It links the rooms, and sees what they see.
+# kelm_test_room(name USES room... [LIBRARIES lib...]): makes <name>_tests, the one program that holds the test classes
+# of the folders that are added from here on. It links the rooms, and sees what they see.
 function(kelm_test_room name)
   cmake_parse_arguments(ARG "" "" "USES;LIBRARIES" ${ARGN})
   add_executable(${name}_tests)

@@ -1,6 +1,8 @@
 // The closed set of text kinds that the editor knows.
 #pragma once
 
+#include "app/language/language_table.h"
+
 #include <QHash>
 #include <QString>
 #include <QStringView>
@@ -12,31 +14,10 @@ namespace kelm {
 
 /// One kind of text: the key by which the highlighter, folding, completion and the runner choose their tables. A plain
 /// value that works in a `switch`; starts as `plainText`.
-class Language
+class Language : public LanguageCases
 {
 public:
-    enum Case : quint8 {
-        plainText,
-        swift,
-        python,
-        javascript,
-        typescript,
-        json,
-        xml,
-        html,
-        css,
-        markdown,
-        yaml,
-        go,
-        rust,
-        c,
-        cpp,
-        java,
-        shell,
-        ruby,
-        php,
-        sql,
-    };
+    static constexpr std::size_t count = std::size(languages::table);
 
     constexpr Language() = default;
     constexpr Language(Case value) : value_(value) {}
@@ -50,7 +31,7 @@ public:
     static std::optional<Language> fromRawValue(QStringView rawValue);
 
     /// All languages in the order in which menus list them.
-    static const std::array<Language, 20>& allCases();
+    static const std::array<Language, count>& allCases();
 
     /// The display name, such as "C++".
     QString rawValue() const;
@@ -60,6 +41,12 @@ public:
 
     /// The name of the symbol that stands for this language in the status bar.
     QString iconName() const;
+
+    /// By what its foldable regions are found.
+    CodeFolding folding() const;
+
+    /// Whether a text in it runs without a file of its own.
+    bool runsWithoutFile() const;
 
     friend constexpr bool operator==(Language a, Language b) { return a.value_ == b.value_; }
     friend constexpr bool operator==(Language a, Case b) { return a.value_ == b; }

@@ -21,11 +21,6 @@ namespace {
 
 constexpr auto focusDelay = 50ms;
 constexpr qsizetype mostRecentFiles = 10;
-/// The languages whose texts run without a file of their own.
-constexpr std::array<Language, 8> runnableLanguages{
-    Language::swift, Language::python, Language::javascript, Language::typescript,
-    Language::go,    Language::shell,  Language::ruby,       Language::php,
-};
 
 const QString recentFilesKey = u"recentFiles"_s;
 
@@ -54,11 +49,6 @@ std::optional<FileError> write(const Document& document, const QUrl& url)
 }
 
 } // namespace
-
-bool runsWithoutFile(Language language)
-{
-    return std::find(runnableLanguages.begin(), runnableLanguages.end(), language) != runnableLanguages.end();
-}
 
 AppState::AppState(const Services& services)
     : services_(services),
@@ -260,7 +250,7 @@ void AppState::runCurrentFile()
         return;
     }
     const Language language = document->language();
-    if (runsWithoutFile(language)) {
+    if (language.runsWithoutFile()) {
         codeRunner_->runCode(document->content(), language);
         return;
     }

@@ -23,9 +23,6 @@ namespace kelm {
 class CodeRunner;
 class GitService;
 
-/// Whether a text in `language` runs without a file of its own.
-bool runsWithoutFile(Language language);
-
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
 /// toolbar, the tab bar and links all act through it, and views redraw on its signals.
 ///

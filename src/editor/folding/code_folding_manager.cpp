@@ -45,16 +45,16 @@ void CodeFoldingManager::detectFoldableRegions(Language language)
     if (!storage_) {
         return;
     }
-    switch (language) {
-    case Language::xml:
-    case Language::html:
+    switch (language.folding()) {
+    case CodeFolding::tags:
         foldableRegions_ = scanTags(storage_->text());
         break;
-    case Language::python:
+    case CodeFolding::indents:
         foldableRegions_ = scanIndents(storage_->text());
         break;
-    default:
+    case CodeFolding::braces:
         foldableRegions_ = scanBraces(storage_->text());
+        break;
     }
     std::stable_sort(foldableRegions_.begin(), foldableRegions_.end(),
                      [](const FoldableRegion& a, const FoldableRegion& b) { return a.startLine < b.startLine; });

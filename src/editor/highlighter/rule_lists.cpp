@@ -134,6 +134,42 @@ constinit const RuleList go = goRules;
 constinit const RuleList rust = rustRules;
 constinit const RuleList generic = genericRules;
 
+namespace {
+
+struct LanguageRules
+{
+    Language::Case language;
+    RuleList rules;
+};
+
+/// All others have the generic rules.
+constexpr LanguageRules rulesOfLanguages[] = {
+    {Language::swift, swiftRules},
+    {Language::python, pythonRules},
+    {Language::javascript, javaScriptRules},
+    {Language::typescript, javaScriptRules},
+    {Language::json, jsonRules},
+    {Language::xml, xmlRules},
+    {Language::html, xmlRules},
+    {Language::css, cssRules},
+    {Language::markdown, markdownRules},
+    {Language::go, goRules},
+    {Language::rust, rustRules},
+    {Language::shell, shellRules},
+};
+
+} // namespace
+
+RuleList of(Language language)
+{
+    for (const LanguageRules& row : rulesOfLanguages) {
+        if (row.language == language) {
+            return row.rules;
+        }
+    }
+    return generic;
+}
+
 } // namespace kelm::rules
 
 namespace kelm {

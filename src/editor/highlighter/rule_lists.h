@@ -1,6 +1,7 @@
 // The rules of the highlighter, as data.
 #pragma once
 
+#include "app/language/language.h"
 #include "editor/highlighter/highlight_rule.h"
 #include "editor/themes/editor_theme.h"
 
@@ -50,6 +51,9 @@ extern const RuleList shell;
 extern const RuleList go;
 extern const RuleList rust;
 extern const RuleList generic;
+
+/// The rules of a language: those of its family, or the generic ones.
+RuleList of(Language language);
 } // namespace rules
 
 /// The rules with the colours of a theme.

@@ -28,21 +28,6 @@ public:
     /// Colours the text of `textStorage` anew, in one bracket of edits; without a storage it does nothing. A rule whose
     /// pattern does not compile is left out without a word.
     void highlight(TextStorage* textStorage, Language language) const;
-
-private:
-    void highlightSwift(TextStorage& textStorage, const QString& text) const;
-    void highlightPython(TextStorage& textStorage, const QString& text) const;
-    void highlightJavaScript(TextStorage& textStorage, const QString& text) const;
-    void highlightJSON(TextStorage& textStorage, const QString& text) const;
-    void highlightXML(TextStorage& textStorage, const QString& text) const;
-    void highlightCSS(TextStorage& textStorage, const QString& text) const;
-    void highlightMarkdown(TextStorage& textStorage, const QString& text) const;
-    void highlightShell(TextStorage& textStorage, const QString& text) const;
-    void highlightGo(TextStorage& textStorage, const QString& text) const;
-    void highlightRust(TextStorage& textStorage, const QString& text) const;
-    void highlightGeneric(TextStorage& textStorage, const QString& text) const;
-
-    void apply(RuleList list, TextStorage& textStorage, const QString& text) const;
 };
 
 } // namespace kelm

@@ -17,6 +17,8 @@
 
 namespace kelm {
 
+struct GitOperation;
+
 /// Keeps a snapshot of the open repository and runs git for the user.
 ///
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
@@ -84,6 +86,9 @@ public:
     /// `runOp` on the thread pool, with `isBusy` set meanwhile; `onDone` is called on the main thread, also when the
     /// service has gone by then. Without a repository it is called at once.
     void runAsync(const QStringList& args, Completion onDone);
+
+    /// `runOp` for an operation of the table, with what it is given, and then its refreshes.
+    GitOpResult perform(const GitOperation& operation, const QStringList& given);
 
     // The snapshot.
 
@@ -198,6 +203,9 @@ private:
         Q_EMIT(this->*changed)();
     }
 
+    /// `run` for an operation of the table, and then its refreshes. Whether git printed anything.
+    bool performForOutput(const GitOperation& operation, const QStringList& given);
+    void refreshAfter(const GitOperation& operation);
     Worker worker();
     QString repoPath() const;
     /// Trimmed output of `config <key>`; absent when the key has no value.

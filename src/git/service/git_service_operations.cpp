@@ -1,4 +1,5 @@
 // What the user does to the repository on this machine. Each operation ends with its refreshes, whatever came of it.
+#include "git/service/git_operations.h"
 #include "git/service/git_service.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,47 +15,58 @@ bool isGiven(const std::optional<QString>& text)
 
 } // namespace
 
+GitOpResult GitService::perform(const GitOperation& operation, const QStringList& given)
+{
+    GitOpResult result = runOp(operation.arguments(given));
+    refreshAfter(operation);
+    return result;
+}
+
+bool GitService::performForOutput(const GitOperation& operation, const QStringList& given)
+{
+    const bool hasOutput = run(operation.arguments(given)).has_value();
+    refreshAfter(operation);
+    return hasOutput;
+}
+
+void GitService::refreshAfter(const GitOperation& operation)
+{
+    for (const GitOperation::Refresh refresh : operation.refreshes) {
+        if (refresh != nullptr) {
+            (this->*refresh)();
+        }
+    }
+}
+
 void GitService::stage(const QStringList& paths)
 {
-    run(QStringList{u"add"_s, u"--"_s} + paths);
-    refreshStatus();
+    performForOutput(gitOperations::stage, paths);
 }
 
 void GitService::unstage(const QStringList& paths)
 {
-    run(QStringList{u"reset"_s, u"HEAD"_s, u"--"_s} + paths);
-    refreshStatus();
+    performForOutput(gitOperations::unstage, paths);
 }
 
 void GitService::stageAll()
 {
-    run({u"add"_s, u"-A"_s});
-    refreshStatus();
+    performForOutput(gitOperations::stageAll, {});
 }
 
 void GitService::discardChanges(const QStringList& paths)
 {
-    run(QStringList{u"checkout"_s, u"--"_s} + paths);
-    refreshStatus();
+    performForOutput(gitOperations::discardChanges, paths);
 }
 
 bool GitService::commit(const QString& message)
 {
-    if (message.isEmpty()) {
-        return false;
-    }
-    const bool hasOutput = run({u"commit"_s, u"-m"_s, message}).has_value();
-    refreshAll();
-    return hasOutput;
+    return !message.isEmpty() && performForOutput(gitOperations::commit, {message});
 }
 
 bool GitService::amendCommit(const std::optional<QString>& message)
 {
-    const QStringList args = isGiven(message) ? QStringList{u"commit"_s, u"--amend"_s, u"-m"_s, *message}
-                                              : QStringList{u"commit"_s, u"--amend"_s, u"--no-edit"_s};
-    const bool hasOutput = run(args).has_value();
-    refreshAll();
-    return hasOutput;
+    return isGiven(message) ? performForOutput(gitOperations::amend, {*message})
+                            : performForOutput(gitOperations::amendKeepingMessage, {});
 }
 
 GitOpResult GitService::createBranch(const QString& name, bool checkout)
@@ -62,100 +74,69 @@ GitOpResult GitService::createBranch(const QString& name, bool checkout)
     if (name.isEmpty()) {
         return GitOpResult::failure(u"branch name is empty"_s);
     }
-    if (checkout) {
-        GitOpResult result = runOp({u"checkout"_s, u"-b"_s, name});
-        refreshAll();
-        return result;
-    }
-    GitOpResult result = runOp({u"branch"_s, name});
-    refreshBranches();
-    return result;
+    return perform(checkout ? gitOperations::createAndCheckOutBranch : gitOperations::createBranch, {name});
 }
 
 GitOpResult GitService::checkoutBranch(const QString& name)
 {
-    GitOpResult result = runOp({u"checkout"_s, name});
-    refreshAll();
-    return result;
+    return perform(gitOperations::checkoutBranch, {name});
 }
 
 GitOpResult GitService::deleteBranch(const QString& name, bool force)
 {
-    GitOpResult result = runOp({u"branch"_s, force ? u"-D"_s : u"-d"_s, name});
-    refreshBranches();
-    return result;
+    return perform(force ? gitOperations::deleteUnmergedBranch : gitOperations::deleteBranch, {name});
 }
 
 GitOpResult GitService::renameBranch(const QString& from, const QString& to)
 {
-    GitOpResult result = runOp({u"branch"_s, u"-m"_s, from, to});
-    // It may be the current branch that has a new name.
-    refreshBranch();
-    refreshBranches();
-    return result;
+    return perform(gitOperations::renameBranch, {from, to});
 }
 
 GitOpResult GitService::mergeBranch(const QString& name)
 {
-    GitOpResult result = runOp({u"merge"_s, u"--no-edit"_s, name});
-    refreshAll();
-    return result;
+    return perform(gitOperations::mergeBranch, {name});
 }
 
 GitOpResult GitService::addRemote(const QString& name, const QString& url)
 {
-    GitOpResult result = runOp({u"remote"_s, u"add"_s, name, url});
-    refreshRemotes();
-    return result;
+    return perform(gitOperations::addRemote, {name, url});
 }
 
 GitOpResult GitService::removeRemote(const QString& name)
 {
-    GitOpResult result = runOp({u"remote"_s, u"remove"_s, name});
-    refreshRemotes();
-    return result;
+    return perform(gitOperations::removeRemote, {name});
 }
 
 GitOpResult GitService::setRemoteURL(const QString& name, const QString& url)
 {
-    GitOpResult result = runOp({u"remote"_s, u"set-url"_s, name, url});
-    refreshRemotes();
-    return result;
+    return perform(gitOperations::setRemoteURL, {name, url});
 }
 
 GitOpResult GitService::stashPush(const std::optional<QString>& message, bool includeUntracked)
 {
-    QStringList args{u"stash"_s, u"push"_s};
+    QStringList options;
     if (includeUntracked) {
-        args.append(u"-u"_s);
+        options.append(u"-u"_s);
     }
     if (isGiven(message)) {
-        args.append({u"-m"_s, *message});
+        options.append({u"-m"_s, *message});
     }
-    GitOpResult result = runOp(args);
-    refreshAll();
-    return result;
+    return perform(gitOperations::stashPush, options);
 }
 
 GitOpResult GitService::stashPop(const QString& stash)
 {
-    GitOpResult result = runOp({u"stash"_s, u"pop"_s, stash});
-    refreshAll();
-    return result;
+    return perform(gitOperations::stashPop, {stash});
 }
 
 GitOpResult GitService::stashApply(const QString& stash)
 {
-    GitOpResult result = runOp({u"stash"_s, u"apply"_s, stash});
-    refreshStatus();
-    return result;
+    return perform(gitOperations::stashApply, {stash});
 }
 
 GitOpResult GitService::stashDrop(const QString& stash)
 {
-    GitOpResult result = runOp({u"stash"_s, u"drop"_s, stash});
-    refreshStashes();
-    return result;
+    return perform(gitOperations::stashDrop, {stash});
 }
 
 GitOpResult GitService::createTag(const QString& name, const std::optional<QString>& message)
@@ -163,22 +144,18 @@ GitOpResult GitService::createTag(const QString& name, const std::optional<QStri
     if (name.isEmpty()) {
         return GitOpResult::failure(u"tag name is empty"_s);
     }
-    GitOpResult result =
-        runOp(isGiven(message) ? QStringList{u"tag"_s, u"-a"_s, name, u"-m"_s, *message} : QStringList{u"tag"_s, name});
-    refreshTags();
-    return result;
+    return isGiven(message) ? perform(gitOperations::createAnnotatedTag, {name, *message})
+                            : perform(gitOperations::createTag, {name});
 }
 
 GitOpResult GitService::deleteTag(const QString& name)
 {
-    GitOpResult result = runOp({u"tag"_s, u"-d"_s, name});
-    refreshTags();
-    return result;
+    return perform(gitOperations::deleteTag, {name});
 }
 
 GitOpResult GitService::pushTag(const QString& name, const QString& remote)
 {
-    return runOp({u"push"_s, remote, u"refs/tags/"_s + name});
+    return perform(gitOperations::pushTag, {name, remote});
 }
 
 void GitService::markResolved(const QStringList& paths)
@@ -188,19 +165,17 @@ void GitService::markResolved(const QStringList& paths)
 
 GitOpResult GitService::abortMerge()
 {
-    GitOpResult result = runOp({u"merge"_s, u"--abort"_s});
-    refreshAll();
-    return result;
+    return perform(gitOperations::abortMerge, {});
 }
 
 GitOpResult GitService::setUserName(const QString& name)
 {
-    return runOp({u"config"_s, u"user.name"_s, name});
+    return perform(gitOperations::setUserName, {name});
 }
 
 GitOpResult GitService::setUserEmail(const QString& email)
 {
-    return runOp({u"config"_s, u"user.email"_s, email});
+    return perform(gitOperations::setUserEmail, {email});
 }
 
 } // namespace kelm

@@ -29,7 +29,7 @@ public:
         std::function<QWidget*(QWidget* parent)> make;
         bool outlivesItsTab = false;
     };
-    using Pages = std::array<Page, 3>;
+    using Pages = std::array<Page, BottomPanelTab::count>;
 
     BottomPanel(AppState& appState, ThemeManager& themeManager, Pages pages, QWidget* parent = nullptr);
 
@@ -51,8 +51,8 @@ private:
     ThemeManager& themeManager_;
     Pages pages_;
     QStackedWidget* stack_;
-    std::array<PlainButton*, 3> buttons_{};
-    std::array<QWidget*, 3> contents_{};
+    std::array<PlainButton*, BottomPanelTab::count> buttons_{};
+    std::array<QWidget*, BottomPanelTab::count> contents_{};
     PlainButton* closeButton_;
 };
 

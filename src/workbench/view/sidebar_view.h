@@ -45,8 +45,8 @@ private:
     MakeContent makeContent_;
     SidebarTab selectedTab_ = SidebarTab::files;
     QStackedWidget* pages_;
-    std::array<PlainButton*, 4> buttons_{};
-    std::array<QWidget*, 4> contents_{};
+    std::array<PlainButton*, SidebarTab::count> buttons_{};
+    std::array<QWidget*, SidebarTab::count> contents_{};
 };
 
 } // namespace kelm

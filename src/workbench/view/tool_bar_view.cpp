@@ -222,7 +222,7 @@ void ToolbarView::watchCurrentDocument()
 void ToolbarView::updateRunButton()
 {
     const std::shared_ptr<Document> document = appState_.currentDocument();
-    runButton_->setVisible(document && (document->fileURL() || runsWithoutFile(document->language())));
+    runButton_->setVisible(document && (document->fileURL() || document->language().runsWithoutFile()));
 }
 
 void ToolbarView::paintEvent(QPaintEvent*)
