@@ -24,6 +24,10 @@ struct DiffScene;
 ///
 /// Text of paths and lines is selected with the mouse and copied; in the side-by-side form a selection stays on its
 /// side. Tab goes from hunk to hunk, also to those that are not on screen.
+///
+/// The toolkit's text widgets were tried for it: on 1.4 million lines they need 4.6 s and 286 MiB (QTextEdit) or 5.1 s
+/// and 735 MiB (QPlainTextEdit) before the first paint, where this list needs 0.6 s, and they hold one text, where here
+/// two columns stand side by side, each with a selection of its own.
 class DiffList final : public QAbstractScrollArea
 {
     Q_OBJECT
