@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints which share of the lines the tests reach, by folder, and the engine files of which they reach too few.
 
-The argument is gcovr's summary in JSON. An engine file is one that is no view and no part of the workbench.
+The argument is gcovr's summary in JSON. An engine file is one that is no view.
 """
 
 import collections
@@ -14,14 +14,12 @@ WANTED = 90.0
 
 
 def folder_of(path):
-    """The folder of src/ that a file belongs to, with "view" behind it for a widget."""
-    parts = path.parts
-    top = parts[1] if len(parts) > 2 else "."
-    return f"{top}/view" if "view" in parts[2:-1] else top
+    """The folder of src/ that a file stands in: a room, or its views."""
+    return "/".join(path.parts[1:-1]) or "."
 
 
 def is_engine(path):
-    return len(path.parts) > 2 and path.parts[1] not in {"workbench", "screenshots"} and "view" not in path.parts
+    return len(path.parts) > 2 and path.parts[1] != "screenshots" and "view" not in path.parts
 
 
 def share(covered, total):
