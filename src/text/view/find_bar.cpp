@@ -91,28 +91,33 @@ void FindBar::close()
 
 void FindBar::findNext()
 {
-    if (engine_.searchText().isEmpty()) {
-        return;
-    }
-    if (!isVisible()) {
-        session_.start(view_.selectedRange().location);
-    }
-    // What is shown as the current match is stepped to first, and then the one behind it.
-    const TextRange selected = view_.selectedRange();
-    const std::optional<TextRange> current = session_.currentMatch();
-    const bool isSelected = current && *current == selected;
-    select(session_.stepForward(isSelected ? FindQuery::behind(view_.text(), *current) : selected.end()));
+    step([this] {
+        // What is shown as the current match is stepped to first, and then the one behind it.
+        const TextRange selected = view_.selectedRange();
+        const std::optional<TextRange> current = session_.currentMatch();
+        const bool isSelected = current && *current == selected;
+        return session_.stepForward(isSelected ? FindQuery::behind(view_.text(), *current) : selected.end());
+    });
 }
 
 void FindBar::findPrevious()
 {
+    step([this] { return session_.stepBackward(view_.selectedRange().location); });
+}
+
+void FindBar::step(const std::function<std::optional<TextRange>()>& find)
+{
     if (engine_.searchText().isEmpty()) {
         return;
     }
-    if (!isVisible()) {
-        session_.start(view_.selectedRange().location);
+    if (isVisible()) {
+        select(find());
+        return;
     }
-    select(session_.stepBackward(view_.selectedRange().location));
+    // A search for this one step: without the bar nothing follows what is typed.
+    session_.start(view_.selectedRange().location);
+    select(find());
+    session_.stop();
 }
 
 void FindBar::useSelection()

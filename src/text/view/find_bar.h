@@ -6,6 +6,9 @@
 
 #include <QFrame>
 
+#include <functional>
+#include <optional>
+
 class QLabel;
 class QLineEdit;
 class QToolButton;
@@ -46,6 +49,8 @@ private:
     QToolButton* makeToggle(const QString& text, const QString& help);
     void buildRows();
     void readSelection();
+    /// Selects what `find` finds.
+    void step(const std::function<std::optional<TextRange>()>& find);
     void restart();
     void select(std::optional<TextRange> match);
     void replaceCurrent();

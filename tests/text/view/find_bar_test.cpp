@@ -88,6 +88,7 @@ private Q_SLOTS:
     void matchesFollowEdits();
     void nothingFoundSaysSo();
     void findNextWorksWithoutTheBar();
+    void withoutTheBarNothingGoesOnSearching();
     void theFirstLineComesOutFromUnderTheBar();
     void aReadOnlyTextIsNotReplaced();
     void onlyMatchesOnScreenAreMarked();
@@ -272,6 +273,28 @@ void FindBarTest::findNextWorksWithoutTheBar()
     QVERIFY(!fixture.bar().isVisible());
     fixture.view.findPrevious();
     QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 1}));
+}
+
+void FindBarTest::withoutTheBarNothingGoesOnSearching()
+{
+    Fixture fixture(QStringLiteral("a b a"));
+    fixture.view.setSelectedRange({0, 1});
+    fixture.view.useSelectionForFind();
+    fixture.view.findNext();
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{4, 1}));
+    QVERIFY(fixture.bar().engine().results().isEmpty());
+    fixture.view.storage().replace({0, 0}, u"a a a ");
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.bar().engine().results().isEmpty());
+    // The same the other way round, and after a bar that was closed.
+    fixture.view.findPrevious();
+    fixture.view.storage().replace({0, 0}, u"a ");
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.bar().engine().results().isEmpty());
+    fixture.open(QStringLiteral("b"));
+    fixture.bar().close();
+    fixture.view.findNext();
+    QVERIFY(fixture.bar().engine().results().isEmpty());
 }
 
 void FindBarTest::theFirstLineComesOutFromUnderTheBar()
