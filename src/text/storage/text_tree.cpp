@@ -1,0 +1,376 @@
+#include "text/storage/text_tree.h"
+
+#include "text/storage/line_index.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kelm {
+
+namespace {
+
+/// The most units of a piece. Of 1,024 to 16,384 this one and its half gave the shortest edits in a text of 100 MB, the
+/// copy of a piece and the way to it taken together, and this one is built sooner.
+constexpr qsizetype largestPiece = 4096;
+/// Pieces that a whole text is cut into leave room for what is typed.
+constexpr qsizetype freshPiece = 3072;
+
+/// The number of line ends within `text` alone: a carriage return at its end is one.
+struct LineEnds
+{
+    qsizetype count = 0;
+    qsizetype odd = 0;
+};
+
+/// Four sums over the units rather than a walk from line to line, since these are taken many at a time.
+LineEnds lineEndsIn(QStringView text)
+{
+    const char16_t* const units = text.utf16();
+    const qsizetype size = text.size();
+    qsizetype feeds = 0;
+    qsizetype returns = 0;
+    qsizetype others = 0;
+    qsizetype pairs = 0;
+    for (qsizetype at = 0; at < size; ++at) {
+        feeds += units[at] == u'\n' ? 1 : 0;
+        returns += units[at] == u'\r' ? 1 : 0;
+        others += units[at] == u'\u0085' || units[at] == u'\u2028' || units[at] == u'\u2029' ? 1 : 0;
+    }
+    if (returns > 0) {
+        for (qsizetype at = 1; at < size; ++at) {
+            pairs += units[at - 1] == u'\r' && units[at] == u'\n' ? 1 : 0;
+        }
+    }
+    return {feeds + returns + others - pairs, returns - pairs + others};
+}
+
+} // namespace
+
+/// A piece of the text, or two trees one behind the other, and what is counted of all that is below.
+struct TextTree::Node
+{
+    QString piece;
+    Tree left;
+    Tree right;
+    qsizetype length = 0;
+    qsizetype lineEnds = 0;
+    qsizetype oddLineEnds = 0;
+    QChar first;
+    QChar last;
+    quint8 height = 0;
+
+    bool isPiece() const { return !left; }
+    /// Whether a carriage return ends the left part and its line feed begins the right one: each counts a line end,
+    /// and they are one.
+    bool partsPair() const { return left->last == u'\r' && right->first == u'\n'; }
+    /// The line ends when a line feed follows, or does not.
+    qsizetype lineEndsBefore(bool lineFeed) const { return lineEnds - (lineFeed && last == u'\r' ? 1 : 0); }
+};
+
+/// How trees are made of trees. None of these changes one; null is the empty text.
+struct TextTree::Building
+{
+    static int heightOf(const Tree& tree) { return tree ? tree->height : -1; }
+
+    static Tree ofPiece(QString piece)
+    {
+        if (piece.isEmpty()) {
+            return nullptr;
+        }
+        const LineEnds ends = lineEndsIn(piece);
+        auto node = std::make_shared<Node>();
+        node->length = piece.size();
+        node->lineEnds = ends.count;
+        node->oddLineEnds = ends.odd;
+        node->first = piece.front();
+        node->last = piece.back();
+        node->piece = std::move(piece);
+        return node;
+    }
+
+    /// Of two trees whose heights differ by one at most.
+    static Tree ofParts(Tree left, Tree right)
+    {
+        auto node = std::make_shared<Node>();
+        node->length = left->length + right->length;
+        node->first = left->first;
+        node->last = right->last;
+        node->height = quint8(1 + std::max(left->height, right->height));
+        const bool isPair = left->last == u'\r' && right->first == u'\n';
+        node->lineEnds = left->lineEnds + right->lineEnds - (isPair ? 1 : 0);
+        node->oddLineEnds = left->oddLineEnds + right->oddLineEnds - (isPair ? 1 : 0);
+        node->left = std::move(left);
+        node->right = std::move(right);
+        return node;
+    }
+
+    /// Of two trees whose heights differ by two at most.
+    static Tree balanced(Tree left, Tree right)
+    {
+        if (heightOf(left) > heightOf(right) + 1) {
+            if (heightOf(left->left) >= heightOf(left->right)) {
+                return ofParts(left->left, ofParts(left->right, std::move(right)));
+            }
+            const Tree middle = left->right;
+            return ofParts(ofParts(left->left, middle->left), ofParts(middle->right, std::move(right)));
+        }
+        if (heightOf(right) > heightOf(left) + 1) {
+            if (heightOf(right->right) >= heightOf(right->left)) {
+                return ofParts(ofParts(std::move(left), right->left), right->right);
+            }
+            const Tree middle = right->left;
+            return ofParts(ofParts(std::move(left), middle->left), ofParts(middle->right, right->right));
+        }
+        return ofParts(std::move(left), std::move(right));
+    }
+
+    /// Of any two trees. Two pieces that fit into one become one.
+    static Tree joined(Tree left, Tree right)
+    {
+        if (!left || !right) {
+            return left ? left : right;
+        }
+        if (left->isPiece() && right->isPiece() && left->length + right->length <= largestPiece) {
+            return ofPiece(left->piece + right->piece);
+        }
+        if (heightOf(left) > heightOf(right) + 1) {
+            return balanced(left->left, joined(left->right, std::move(right)));
+        }
+        if (heightOf(right) > heightOf(left) + 1) {
+            return balanced(joined(std::move(left), right->left), right->right);
+        }
+        return ofParts(std::move(left), std::move(right));
+    }
+
+    static Tree ofText(QStringView text)
+    {
+        if (text.size() <= largestPiece) {
+            return ofPiece(text.toString());
+        }
+        // Halves of whole pieces, so that the tree is as low as it can be.
+        const qsizetype pieces = (text.size() + freshPiece - 1) / freshPiece;
+        const qsizetype half = pieces / 2 * freshPiece;
+        return joined(ofText(text.first(half)), ofText(text.sliced(half)));
+    }
+
+    /// The units from `from` to `to`, each of which may lie outside the tree.
+    static Tree partOf(const Tree& tree, qsizetype from, qsizetype to)
+    {
+        from = std::max(from, qsizetype(0));
+        to = tree ? std::min(to, tree->length) : 0;
+        if (from >= to) {
+            return nullptr;
+        }
+        if (to - from == tree->length) {
+            return tree;
+        }
+        if (tree->isPiece()) {
+            return ofPiece(tree->piece.sliced(from, to - from));
+        }
+        const qsizetype middle = tree->left->length;
+        return joined(partOf(tree->left, from, to), partOf(tree->right, from - middle, to - middle));
+    }
+
+    /// With the units between `from` and `to` replaced. Where that fits into the piece in which it is, nothing but the
+    /// way to it is made anew. A way that grew low is joined again from its parts.
+    static Tree replaced(const Tree& tree, qsizetype from, qsizetype to, QStringView text)
+    {
+        if (tree->isPiece()) {
+            if (tree->length - (to - from) + text.size() <= largestPiece) {
+                return ofPiece(tree->piece.first(from).append(text).append(QStringView(tree->piece).sliced(to)));
+            }
+            return joined(joined(partOf(tree, 0, from), ofText(text)), partOf(tree, to, tree->length));
+        }
+        const qsizetype middle = tree->left->length;
+        if (to <= middle) {
+            return joined(replaced(tree->left, from, to, text), tree->right);
+        }
+        if (from >= middle) {
+            return joined(tree->left, replaced(tree->right, from - middle, to - middle, text));
+        }
+        return joined(joined(partOf(tree->left, 0, from), ofText(text)),
+                      partOf(tree->right, to - middle, tree->right->length));
+    }
+
+    static qsizetype pieceCount(const Tree& tree)
+    {
+        return !tree ? 0 : tree->isPiece() ? 1 : pieceCount(tree->left) + pieceCount(tree->right);
+    }
+
+    static bool forEachPiece(const Tree& tree, qsizetype from, qsizetype to,
+                             const std::function<bool(QStringView)>& look)
+    {
+        if (tree->isPiece()) {
+            return look(QStringView(tree->piece).sliced(from, to - from));
+        }
+        const qsizetype middle = tree->left->length;
+        return (from >= middle || forEachPiece(tree->left, from, std::min(to, middle), look)) &&
+               (to <= middle || forEachPiece(tree->right, std::max(from - middle, qsizetype(0)), to - middle, look));
+    }
+};
+
+TextTree::TextTree(QStringView text) : root_(Building::ofText(text)) {}
+
+qsizetype TextTree::length() const
+{
+    return root_ ? root_->length : 0;
+}
+
+qsizetype TextTree::lineCount() const
+{
+    return root_ ? root_->lineEnds + 1 : 1;
+}
+
+qsizetype TextTree::oddTerminators() const
+{
+    return root_ ? root_->oddLineEnds : 0;
+}
+
+QChar TextTree::at(qsizetype offset) const
+{
+    if (offset < 0 || offset >= length()) {
+        return {};
+    }
+    const Node* node = root_.get();
+    while (!node->isPiece()) {
+        const qsizetype middle = node->left->length;
+        const bool goesLeft = offset < middle;
+        offset -= goesLeft ? 0 : middle;
+        node = goesLeft ? node->left.get() : node->right.get();
+    }
+    return node->piece.at(offset);
+}
+
+QString TextTree::substring(TextRange range) const
+{
+    range = range.clampedTo(length());
+    QString text;
+    text.reserve(range.length);
+    forEachPiece(range, [&text](QStringView piece) {
+        text += piece;
+        return true;
+    });
+    return text;
+}
+
+qsizetype TextTree::lineStart(qsizetype line) const
+{
+    if (line <= 0 || !root_) {
+        return 0;
+    }
+    if (line >= lineCount()) {
+        return length();
+    }
+    // Behind the line's number of line ends. A carriage return at the end of a part is none when a line feed follows.
+    qsizetype wanted = line;
+    qsizetype before = 0;
+    bool lineFeedFollows = false;
+    const Node* node = root_.get();
+    while (!node->isPiece()) {
+        const bool pair = node->partsPair();
+        const qsizetype inLeft = node->left->lineEndsBefore(pair);
+        if (wanted <= inLeft) {
+            lineFeedFollows = node->right->first == u'\n';
+            node = node->left.get();
+        } else {
+            wanted -= inLeft;
+            before += node->left->length;
+            node = node->right.get();
+        }
+    }
+    const QStringView piece(node->piece);
+    for (qsizetype at = 0; at < piece.size(); ++at) {
+        const qsizetype length = lineTerminatorLength(piece, at);
+        at += std::max(length - 1, qsizetype(0));
+        if (length > 0 && --wanted == 0) {
+            return before + at + 1;
+        }
+    }
+    Q_ASSERT(lineFeedFollows);
+    return before + piece.size();
+}
+
+qsizetype TextTree::lineAt(qsizetype offset) const
+{
+    offset = std::clamp(offset, qsizetype(0), length());
+    if (!root_) {
+        return 0;
+    }
+    // The line ends that end at the offset or before it.
+    qsizetype lines = 0;
+    bool lineFeedFollows = false;
+    const Node* node = root_.get();
+    while (!node->isPiece()) {
+        const qsizetype middle = node->left->length;
+        if (offset < middle) {
+            lineFeedFollows = node->right->first == u'\n';
+            node = node->left.get();
+        } else {
+            // What stands before the offset ends here, unless its line feed is still to come.
+            lines += node->left->lineEndsBefore(node->partsPair());
+            offset -= middle;
+            node = node->right.get();
+        }
+    }
+    const QStringView before = QStringView(node->piece).first(offset);
+    const bool isCut =
+        before.endsWith(u'\r') && (offset < node->length ? node->piece.at(offset) == u'\n' : lineFeedFollows);
+    return lines + lineEndsIn(before).count - (isCut ? 1 : 0);
+}
+
+void TextTree::replace(TextRange range, QStringView replacement)
+{
+    range = range.clampedTo(length());
+    root_ = root_ ? Building::replaced(root_, range.location, range.end(), replacement) : Building::ofText(replacement);
+}
+
+void TextTree::replace(TextRange range, const TextTree& replacement)
+{
+    range = range.clampedTo(length());
+    root_ = Building::joined(Building::joined(Building::partOf(root_, 0, range.location), replacement.root_),
+                             Building::partOf(root_, range.end(), length()));
+}
+
+TextTree TextTree::part(TextRange range) const
+{
+    range = range.clampedTo(length());
+    return TextTree(Building::partOf(root_, range.location, range.end()));
+}
+
+bool TextTree::forEachPiece(TextRange range, const std::function<bool(QStringView piece)>& look) const
+{
+    range = range.clampedTo(length());
+    return range.length == 0 || Building::forEachPiece(root_, range.location, range.end(), look);
+}
+
+bool operator==(const TextTree& a, const TextTree& b)
+{
+    if (a.root_ == b.root_) {
+        return true;
+    }
+    if (a.length() != b.length()) {
+        return false;
+    }
+    qsizetype offset = 0;
+    return a.forEachPiece({0, a.length()}, [&](QStringView piece) {
+        const TextRange place{offset, piece.size()};
+        offset = place.end();
+        return b.forEachPiece(place, [&piece](QStringView other) {
+            const QStringView own = piece.first(other.size());
+            piece = piece.sliced(other.size());
+            return own.data() == other.data() || own == other;
+        });
+    });
+}
+
+int TextTree::height() const
+{
+    return Building::heightOf(root_) + 1;
+}
+
+qsizetype TextTree::pieceCount() const
+{
+    return Building::pieceCount(root_);
+}
+
+} // namespace kelm
