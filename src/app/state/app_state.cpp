@@ -125,25 +125,49 @@ void AppState::openSnippet(const QString& code, Language language, const std::op
 
 void AppState::openFile(const QUrl& url)
 {
-    Log& log = services_.log;
-    log.write(u"📂 openFile called with: "_s + descriptionOf(url));
-    log.write(u"  📄 Extension: "_s + pathExtension(url));
-    for (qsizetype index = 0; index < documents_.size(); ++index) {
-        if (documents_[index]->fileURL() == url) {
-            log.write(u"  ♻️ File already open at index "_s + QString::number(index));
-            setCurrentDocumentIndex(index);
-            return;
+    openFiles({url});
+}
+
+void AppState::openFiles(const QList<QUrl>& urls)
+{
+    Documents documents = documents_;
+    qsizetype current = currentDocumentIndex_;
+    QHash<QUrl, qsizetype> places;
+    for (qsizetype index = documents.size() - 1; index >= 0; --index) {
+        if (const auto& url = documents[index]->fileURL()) {
+            places.insert(*url, index);
         }
     }
+    QList<QUrl> opened;
+    for (const QUrl& url : urls) {
+        services_.log.write(u"📂 openFile called with: "_s + descriptionOf(url));
+        services_.log.write(u"  📄 Extension: "_s + pathExtension(url));
+        if (const auto place = places.constFind(url); place != places.cend()) {
+            current = *place;
+            services_.log.write(u"  ♻️ File already open at index "_s + QString::number(current));
+        } else if (std::shared_ptr<Document> document = readDocument(url)) {
+            current = documents.size();
+            places.insert(url, current);
+            documents.append(std::move(document));
+            opened.append(url);
+        }
+    }
+    showDocuments(documents, current);
+    for (const QUrl& url : std::as_const(opened)) {
+        addToRecentFiles(url);
+    }
+}
+
+std::shared_ptr<Document> AppState::readDocument(const QUrl& url)
+{
     std::variant<QString, FileError> text = read(url);
     if (const auto* error = std::get_if<FileError>(&text)) {
-        log.write(u"  ❌ Error opening file: "_s + error->message);
-        return;
+        services_.log.write(u"  ❌ Error opening file: "_s + error->message);
+        return nullptr;
     }
     auto document = std::make_shared<Document>(std::get<QString>(std::move(text)), url, std::nullopt, std::nullopt);
-    log.write(u"  ✅ Document created with language: "_s + document->language().rawValue());
-    appendAndShow(std::move(document));
-    addToRecentFiles(url);
+    services_.log.write(u"  ✅ Document created with language: "_s + document->language().rawValue());
+    return document;
 }
 
 void AppState::closeTab(qsizetype index)
@@ -171,13 +195,15 @@ void AppState::showOpenPanel()
     OpenPanelOptions options;
     options.canChooseDirectories = true;
     options.allowsMultipleSelection = true;
+    QList<QUrl> files;
     for (const ChosenURL& chosen : services_.filePanels.showOpenPanel(options)) {
         if (chosen.isDirectory) {
             setCurrentProject(chosen.url);
         } else {
-            openFile(chosen.url);
+            files.append(chosen.url);
         }
     }
+    openFiles(files);
 }
 
 void AppState::saveCurrentDocument()

@@ -133,6 +133,9 @@ public:
     /// Opens the UTF-8 file at `url`, or switches to the tab that shows it already, without a look at the disk.
     void openFile(const QUrl& url);
 
+    /// The same with each file in its order, as one change of the tabs: the last of them is current.
+    void openFiles(const QList<QUrl>& urls);
+
     /// Closes a tab at once, unsaved edits or not. The current index stays as it is unless it falls off the end:
     /// closing a tab before the current one moves on to the next document. An index out of range does nothing.
     void closeTab(qsizetype index);
@@ -188,6 +191,8 @@ Q_SIGNALS:
 private:
     /// Sets tabs and index together, so that no observer sees the one without the other.
     void showDocuments(Documents documents, qsizetype currentIndex);
+    /// Null, with the reason logged, for what cannot be read.
+    std::shared_ptr<Document> readDocument(const QUrl& url);
     void appendAndShow(std::shared_ptr<Document> document);
 
     Services services_;

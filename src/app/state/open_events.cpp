@@ -9,6 +9,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -48,18 +49,21 @@ QString fileURLText(const QString& path)
 
 void openURLs(const QStringList& urlTexts, AppState& appState, const LinkHandler& handleLink)
 {
+    QList<QUrl> files;
+    const auto openFiles = [&] { appState.openFiles(std::exchange(files, {})); };
     for (const QString& urlText : urlTexts) {
-        if (handleLink && isLessonLink(urlText)) {
-            handleLink(urlText);
-            continue;
-        }
         const QUrl url(urlText);
-        if (hasDirectoryPath(url)) {
+        if (handleLink && isLessonLink(urlText)) {
+            openFiles();
+            handleLink(urlText);
+        } else if (hasDirectoryPath(url)) {
+            openFiles();
             appState.setCurrentProject(url);
         } else {
-            appState.openFile(url);
+            files.append(url);
         }
     }
+    openFiles();
 }
 
 QStringList urlTextsOfArguments(const QStringList& arguments, const QString& workingDirectory)

@@ -212,13 +212,15 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
+    QList<QUrl> files;
     for (const QUrl& url : event->mimeData()->urls()) {
         if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
             appState_.setCurrentProject(url);
         } else {
-            appState_.openFile(url);
+            files.append(url);
         }
     }
+    appState_.openFiles(files);
     event->acceptProposedAction();
 }
 

@@ -19,6 +19,8 @@ class AppStateTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void severalFilesAreOneChange();
+    void severalFilesOpenAsOneAfterTheOther();
     void init();
     void itStartsWithItsDefaults();
     void eachFieldTellsOfItsChangeOnce();
@@ -871,6 +873,42 @@ void AppStateTest::undecodableRecentFilesAreNone()
     // A value that is no data is none either.
     fixture_->userDefaults.setString(u"recentFiles"_s, u"[\"file:///\"]"_s);
     QVERIFY(restarted()->recentFiles().isEmpty());
+}
+
+void AppStateTest::severalFilesAreOneChange()
+{
+    QList<QUrl> urls;
+    for (int i = 0; i < 20; ++i) {
+        urls << fixture_->write(u"%1.txt"_s.arg(i), QByteArray::number(i));
+    }
+    const QSignalSpy documents(&state(), &AppState::documentsChanged);
+    const QSignalSpy current(&state(), &AppState::currentDocumentChanged);
+    state().openFiles(urls);
+    QCOMPARE(documents.count(), 1);
+    QCOMPARE(current.count(), 1);
+    QCOMPARE(state().currentDocumentIndex(), 19);
+    QCOMPARE(fixture_->openTexts().size(), 20);
+    QCOMPARE(state().recentFiles().first(), urls.last());
+    QCOMPARE(state().recentFiles().size(), 10);
+    state().openFiles({});
+    QCOMPARE(documents.count(), 1);
+}
+
+void AppStateTest::severalFilesOpenAsOneAfterTheOther()
+{
+    const QUrl a = fixture_->write(u"a.txt"_s, "a");
+    const QUrl b = fixture_->write(u"b.txt"_s, "b");
+    const QUrl c = fixture_->write(u"c.txt"_s, "c");
+    const QUrl bad = fixture_->write(u"bad.txt"_s, "\xff");
+    state().openFile(a);
+    // One that is open, one twice, one that is no text, and one that is not there.
+    state().openFiles({b, bad, b, fixture_->url(u"none.txt"_s), c, a});
+    QCOMPARE(fixture_->openTexts(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+    QCOMPARE(state().currentDocumentIndex(), 0);
+    QCOMPARE(state().recentFiles(), (QList<QUrl>{c, b, a}));
+    QCOMPARE(fixture_->log.written.filter(u"Error opening file"_s).size(), 2);
+    QCOMPARE(fixture_->log.written.filter(u"already open at index 1"_s).size(), 1);
+    QCOMPARE(fixture_->log.written.filter(u"already open at index 0"_s).size(), 1);
 }
 
 const kelm::test::Registered<AppStateTest> registered;
