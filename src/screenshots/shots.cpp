@@ -8,11 +8,11 @@
 #include "screenshots/panel_shots.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
-#include "workbench/view/document_status.h"
+#include "workbench/status/view/document_status.h"
+#include "workbench/status/view/status_bar_items.h"
+#include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/main_window.h"
-#include "workbench/view/status_bar_items.h"
-#include "workbench/view/status_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
 
 #include <QApplication>

@@ -2,11 +2,11 @@
 #include "settings/view/settings_view.h"
 #include "soak/action.h"
 #include "soak/world.h"
+#include "workbench/status/view/document_status.h"
+#include "workbench/status/view/status_bar_items.h"
+#include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/controls.h"
-#include "workbench/view/document_status.h"
 #include "workbench/view/sidebar_view.h"
-#include "workbench/view/status_bar_items.h"
-#include "workbench/view/status_bar_view.h"
 
 #include <QCheckBox>
 #include <QMenuBar>

@@ -1,7 +1,7 @@
 #include "platform/style/view/icons.h"
 #include "support/test_program.h"
+#include "workbench/status/view/status_bar_items.h"
 #include "workbench/view/controls.h"
-#include "workbench/view/status_bar_items.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"
 #include "workbench/view/window_fixture.h"

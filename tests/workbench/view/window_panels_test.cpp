@@ -3,11 +3,11 @@
 #include "run/view/terminal_text_view.h"
 #include "run/view/terminal_view.h"
 #include "support/test_program.h"
+#include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/bottom_panel.h"
 #include "workbench/view/controls.h"
 #include "workbench/view/recent_file_button.h"
 #include "workbench/view/sidebar_view.h"
-#include "workbench/view/status_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
 #include "workbench/view/window_fixture.h"
 

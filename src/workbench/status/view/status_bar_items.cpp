@@ -1,4 +1,4 @@
-#include "workbench/view/status_bar_items.h"
+#include "workbench/status/view/status_bar_items.h"
 
 #include "platform/style/view/icons.h"
 #include "platform/view/accessible_role.h"

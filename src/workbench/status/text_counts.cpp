@@ -1,4 +1,4 @@
-#include "workbench/text_counts.h"
+#include "workbench/status/text_counts.h"
 
 #include "app/document/document.h"
 #include "platform/text/character_sets.h"

@@ -1,8 +1,8 @@
-#include "workbench/view/document_status.h"
+#include "workbench/status/view/document_status.h"
 
 #include "text/boundaries/text_boundaries.h"
-#include "workbench/text_counts.h"
-#include "workbench/view/status_bar_items.h"
+#include "workbench/status/text_counts.h"
+#include "workbench/status/view/status_bar_items.h"
 
 #include <QHBoxLayout>
 #include <QMenu>

@@ -1,6 +1,6 @@
 #include "app/document/document.h"
 #include "support/test_program.h"
-#include "workbench/text_counts.h"
+#include "workbench/status/text_counts.h"
 
 #include <QSignalSpy>
 #include <QtTest>

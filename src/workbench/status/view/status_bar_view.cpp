@@ -1,10 +1,10 @@
-#include "workbench/view/status_bar_view.h"
+#include "workbench/status/view/status_bar_view.h"
 
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
-#include "workbench/git_branch.h"
-#include "workbench/view/document_status.h"
-#include "workbench/view/status_bar_items.h"
+#include "workbench/status/git_branch.h"
+#include "workbench/status/view/document_status.h"
+#include "workbench/status/view/status_bar_items.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>

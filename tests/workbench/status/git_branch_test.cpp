@@ -1,5 +1,5 @@
 #include "support/test_program.h"
-#include "workbench/git_branch.h"
+#include "workbench/status/git_branch.h"
 
 #include <QDir>
 #include <QFile>

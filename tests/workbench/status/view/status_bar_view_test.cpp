@@ -1,8 +1,8 @@
 #include "support/test_program.h"
+#include "workbench/status/view/document_status.h"
+#include "workbench/status/view/status_bar_items.h"
+#include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/controls.h"
-#include "workbench/view/document_status.h"
-#include "workbench/view/status_bar_items.h"
-#include "workbench/view/status_bar_view.h"
 #include "workbench/view/window_fixture.h"
 
 #include <QDir>

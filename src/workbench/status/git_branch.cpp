@@ -1,4 +1,4 @@
-#include "workbench/git_branch.h"
+#include "workbench/status/git_branch.h"
 
 #include "platform/files/file_url.h"
 #include "platform/files/utf8_file.h"
