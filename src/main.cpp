@@ -27,6 +27,7 @@ void drawPictureAndQuit(kelm::MainWindow& window, const QString& file)
 
 int main(int argc, char* argv[])
 {
+    kelm::outliveReaders();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("KelmPane"));

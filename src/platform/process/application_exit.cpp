@@ -4,10 +4,16 @@
 
 #include <QThreadPool>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
 namespace kelm {
+
+void outliveReaders()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
 
 int leaveWithoutWaiting(int status, UserDefaults& preferences)
 {
