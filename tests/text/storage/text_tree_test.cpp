@@ -221,7 +221,6 @@ void TextTreeTest::aTreePutIntoATreeSharesItsPieces()
     // The middle of the large text is the same memory in both.
     const QChar* own = nullptr;
     part.forEachPiece({500'000, 1}, [&own](QStringView piece) { return own = piece.data(), true; });
-    tree.forEachPiece({500'010, 1}, [own](QStringView piece) { return piece.data() == own; });
     QVERIFY(tree.forEachPiece({500'010, 1}, [own](QStringView piece) { return piece.data() == own; }));
 }
 

@@ -44,8 +44,8 @@ private Q_SLOTS:
     void stripSeparatorAndBorderLieOverEachOther();
     void withoutATextOnlyTheGroundIsPainted();
     void clicksAndDragsTellTheLine();
-    void fastBarsLookLikeFilledRectangles_data();
-    void fastBarsLookLikeFilledRectangles();
+    void barsLookLikeFilledRectangles_data();
+    void barsLookLikeFilledRectangles();
 };
 
 void EditorMinimapViewTest::barsBoxAndGroundHaveTheirColours()
@@ -142,7 +142,7 @@ void EditorMinimapViewTest::clicksAndDragsTellTheLine()
     QCOMPARE(lines, (QList<qsizetype>{1, 11, 100}));
 }
 
-void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles_data()
+void EditorMinimapViewTest::barsLookLikeFilledRectangles_data()
 {
     QTest::addColumn<int>("lines");
     QTest::addColumn<qreal>("ratio");
@@ -152,7 +152,7 @@ void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles_data()
     QTest::newRow("fractional scale") << 400 << 1.5;
 }
 
-void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
+void EditorMinimapViewTest::barsLookLikeFilledRectangles()
 {
     QFETCH(int, lines);
     QFETCH(qreal, ratio);
@@ -170,10 +170,10 @@ void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
         image.fill(QColor(40, 41, 35));
         return image;
     };
-    QImage fast = makeImage();
-    QPainter fastPainter(&fast);
-    paintMinimapBars(fastPainter, bars, geometry);
-    fastPainter.end();
+    QImage painted = makeImage();
+    QPainter barPainter(&painted);
+    paintMinimapBars(barPainter, bars, geometry);
+    barPainter.end();
     QImage plain = makeImage();
     QPainter painter(&plain);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -183,7 +183,7 @@ void EditorMinimapViewTest::fastBarsLookLikeFilledRectangles()
     painter.end();
     for (int y = 0; y < plain.height(); ++y) {
         for (int x = 0; x < plain.width(); ++x) {
-            const int difference = distance(fast.pixelColor(x, y), plain.pixelColor(x, y));
+            const int difference = distance(painted.pixelColor(x, y), plain.pixelColor(x, y));
             QVERIFY2(difference <= 12, qPrintable(QStringLiteral("%1 at %2, %3").arg(difference).arg(x).arg(y)));
         }
     }
