@@ -8,60 +8,49 @@ namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-/// Whether two texts are equal; texts in one buffer are, without a look at them.
-bool isSameText(const QString& a, const QString& b)
-{
-    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
-}
-
-} // namespace
-
-Document::Document(QString content, std::optional<QUrl> fileURL, std::optional<Language> explicitLanguage,
+Document::Document(TextTree text, std::optional<QUrl> fileURL, std::optional<Language> explicitLanguage,
                    std::optional<LessonInfo> lessonInfo)
-    : content_(std::move(content)),
+    : storedText_(std::move(text)),
       fileURL_(std::move(fileURL)),
       explicitLanguage_(explicitLanguage),
       lessonInfo_(std::move(lessonInfo))
 {}
 
-const QString& Document::content() const
+TextTree Document::text() const
 {
-    Q_ASSERT_X(!contentIsLent_, "Document::content", "the text is with an editor");
-    return content_;
+    return storedText_ ? *storedText_ : editor_->wholeText();
 }
 
-void Document::setContent(const QString& content)
+void Document::setText(const TextTree& text)
 {
-    Q_ASSERT_X(!contentIsLent_, "Document::setContent", "the text is with an editor");
-    // What a lender holds cannot be compared: its text counts as another.
-    const bool differs = std::exchange(contentIsLent_, false) || !isSameText(content_, content);
-    storeContent(content, differs);
-}
-
-void Document::lendContent()
-{
-    Q_ASSERT_X(!contentIsLent_, "Document::lendContent", "the text is lent already");
-    content_ = QString();
-    contentIsLent_ = true;
-}
-
-void Document::returnContent(const QString& text, bool changed)
-{
-    Q_ASSERT_X(contentIsLent_, "Document::returnContent", "the text was not lent");
-    contentIsLent_ = false;
-    storeContent(text, changed);
-}
-
-void Document::storeContent(const QString& content, bool differs)
-{
-    content_ = content;
-    ++contentRevision_;
+    const bool differs = !(this->text() == text);
+    storedText_ = text;
     Q_EMIT contentChanged();
     if (differs) {
         setIsModified(true);
     }
+}
+
+void Document::setEditor(const DocumentEditor* editor)
+{
+    storedText_ = text();
+    editor_ = editor;
+    if (editor_ != nullptr) {
+        storedText_.reset();
+    }
+}
+
+void Document::noteEdit()
+{
+    Q_ASSERT_X(!storedText_, "Document::noteEdit", "the editor has not taken the text that was stored");
+    Q_EMIT contentChanged();
+    setIsModified(true);
+}
+
+TextTree Document::takeStoredText()
+{
+    Q_ASSERT_X(storedText_ && editor_ != nullptr, "Document::takeStoredText", "nothing is to be taken");
+    return *std::exchange(storedText_, {});
 }
 
 void Document::setFileURL(const std::optional<QUrl>& fileURL)

@@ -4,6 +4,7 @@
 #include "app/document/text_attributes.h"
 #include "app/language/language.h"
 #include "learning/lesson_info.h"
+#include "text/storage/text_tree.h"
 
 #include <QObject>
 #include <QString>
@@ -11,18 +12,28 @@
 #include <QUuid>
 
 #include <optional>
+#include <utility>
 
 namespace kelm {
+
+/// Where the text of a document is while it is edited.
+class DocumentEditor
+{
+public:
+    virtual ~DocumentEditor() = default;
+
+    /// The document's text as it stands, whatever of it is shown.
+    virtual TextTree wholeText() const = 0;
+};
 
 /// The whole text of one tab, where it came from, whether it has unsaved edits, and what the status bar shows of it.
 ///
 /// It reads and writes no file. Every property has a signal that tells of a change just after it; views keep no copy.
 /// Whoever holds a document shares it (`std::shared_ptr`), and it ends with its last holder. Main thread only.
 ///
-/// **How the text travels.** `content` shares its buffer with whoever reads it. An editor that edits its own text in
-/// place would then pay a copy of the whole text on every key, since the document is the buffer's second owner. Such an
-/// editor brackets its edit: `lendContent()` makes the document let go of the buffer, `returnContent()` gives it back.
-/// `contentRevision()` tells a bound view in no time whether it has seen the text.
+/// **Where the text is.** An editor that shows the document owns its text: it is drawn from there when someone asks
+/// for it, and at a key the document learns that it changed, not what it says. A text that is stored in the document
+/// from elsewhere waits in it until the editor takes it.
 class Document : public QObject
 {
     Q_OBJECT
@@ -44,31 +55,35 @@ class Document : public QObject
 
 public:
     /// A document that is not modified, whatever its text. The text is taken as it stands, with its line terminators.
-    Document(QString content, std::optional<QUrl> fileURL, std::optional<Language> explicitLanguage,
+    Document(const QString& content, std::optional<QUrl> fileURL, std::optional<Language> explicitLanguage,
+             std::optional<LessonInfo> lessonInfo)
+        : Document(TextTree(content), std::move(fileURL), explicitLanguage, std::move(lessonInfo))
+    {}
+    Document(TextTree text, std::optional<QUrl> fileURL, std::optional<Language> explicitLanguage,
              std::optional<LessonInfo> lessonInfo);
 
     /// Identity of the document in lists of tabs.
     QUuid id() const { return id_; }
 
-    /// The full text. Not to be read between `lendContent` and `returnContent`.
-    const QString& content() const;
+    /// The full text: a snapshot that costs next to nothing and stays as it is.
+    TextTree text() const;
+    /// The same as one string: a copy, linear in the text.
+    QString content() const { return text().toString(); }
 
-    /// Stores `content` and sets `isModified` when it differs from the old text by value; storing the same text leaves
-    /// the flag as it was. Texts that share one buffer are compared in constant time.
-    void setContent(const QString& content);
+    /// Stores a text and sets `isModified` when it differs from the old one by value; storing the same text leaves the
+    /// flag as it was.
+    void setText(const TextTree& text);
+    void setContent(const QString& content) { setText(TextTree(content)); }
 
-    /// Lets go of the document's own reference to the text, just before an editor edits the shared buffer in place.
-    void lendContent();
-
-    /// Takes back what `lendContent` let go of: `text` shares the editor's buffer, `changed` says whether it differs by
-    /// value from the text that was lent. Tells observers, and then sets `isModified` when `changed`.
-    void returnContent(const QString& text, bool changed);
-
-    /// Whether the text is with an editor right now.
-    bool isContentLent() const { return contentIsLent_; }
-
-    /// How often content was stored; grows with each store, that of an equal text included.
-    quint64 contentRevision() const { return contentRevision_; }
+    /// From now on `editor`, which has the text that the document has, keeps it; none when it is done, whose text the
+    /// document then keeps itself. The editor outlives its time here.
+    void setEditor(const DocumentEditor* editor);
+    /// The editor's text has changed. Tells observers, and then sets `isModified`.
+    void noteEdit();
+    /// Whether a text was stored that the editor has not taken.
+    bool hasStoredText() const { return storedText_.has_value(); }
+    /// That text, which from now on the editor keeps.
+    TextTree takeStoredText();
 
     /// The file that the text is saved to; absent when it was never saved.
     const std::optional<QUrl>& fileURL() const { return fileURL_; }
@@ -120,21 +135,19 @@ Q_SIGNALS:
     void languageChanged();
 
 private:
-    void storeContent(const QString& content, bool differs);
-
     const QUuid id_ = QUuid::createUuid();
-    QString content_;
+    const DocumentEditor* editor_ = nullptr;
+    /// The text where no editor has it, or what was stored since.
+    std::optional<TextTree> storedText_;
     std::optional<QUrl> fileURL_;
     std::optional<Language> explicitLanguage_;
     std::optional<LessonInfo> lessonInfo_;
     CursorPosition cursorPosition_;
     std::optional<TextSelection> selection_;
     IndentStyle indentStyle_ = IndentStyle::spaces(4);
-    quint64 contentRevision_ = 0;
     TextEncoding encoding_ = TextEncoding::utf8;
     LineEnding lineEnding_ = LineEnding::lf;
     bool isModified_ = false;
-    bool contentIsLent_ = false;
 };
 
 } // namespace kelm

@@ -39,13 +39,26 @@ std::variant<QString, FileError> read(const QUrl& url)
     return url.isLocalFile() ? readUtf8File(url.toLocalFile()) : notLocal(url);
 }
 
+QByteArray encodedText(const TextTree& text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.length());
+    // Half of a pair of surrogates at a piece's end, which is encoded with the other half.
+    QString held;
+    text.forEachPiece({0, text.length()}, [&](QStringView piece) {
+        const bool isCut = piece.back().isHighSurrogate();
+        const QStringView whole = piece.chopped(isCut ? 1 : 0);
+        bytes += held.isEmpty() ? encodeUtf8Text(whole) : encodeUtf8Text(held + whole.toString());
+        held = isCut ? QString(piece.back()) : QString();
+        return true;
+    });
+    return bytes + encodeUtf8Text(held);
+}
+
 /// Writes the text of `document` as it stands; its labels of encoding, line ends and indentation play no part.
 std::optional<FileError> write(const Document& document, const QUrl& url)
 {
-    if (document.isContentLent()) {
-        return FileError{descriptionOf(url) + u": The text is being edited."_s};
-    }
-    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodeUtf8Text(document.content())) : notLocal(url);
+    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodedText(document.text())) : notLocal(url);
 }
 
 } // namespace

@@ -69,10 +69,10 @@ void CodeFoldingManager::fold(FoldableRegion region)
     if (!range) {
         return;
     }
-    const QString body = storage_->substring(*range);
+    const TextTree body = storage_->tree().part(*range);
     foldedContent_[region.startLine] = body;
     journal_.folded(region.startLine, {range->location, foldPlaceholder.size()}, body);
-    replace(*range, foldPlaceholder);
+    replace(*range, TextTree(foldPlaceholder));
     foldedRegionStartLines_.insert(region.startLine);
     foldedLines_.insert(region.startLine + 1, region.endLine);
     postChange();
@@ -90,19 +90,24 @@ void CodeFoldingManager::unfold(FoldableRegion region)
     if (!start) {
         return;
     }
-    const QStringView searched = QStringView(storage_->text()).mid(*start, foldPlaceholder.size() + reach);
+    const QString searched = storage_->substring({*start, foldPlaceholder.size() + reach});
     const qsizetype found = searched.indexOf(foldPlaceholder);
     if (found < 0) {
         return;
     }
     const TextRange placeholder{*start + found, foldPlaceholder.size()};
-    const QString body = content->second;
-    journal_.unfolded(region.startLine, placeholder, foldPlaceholder, body.size());
+    const TextTree body = content->second;
+    journal_.unfolded(region.startLine, placeholder, TextTree(foldPlaceholder), body.length());
     replace(placeholder, body);
     foldedRegionStartLines_.erase(region.startLine);
     foldedContent_.erase(region.startLine);
     foldedLines_.remove(region.startLine + 1, region.endLine);
     postChange();
+}
+
+TextTree CodeFoldingManager::unfoldedText() const
+{
+    return storage_ ? journal_.takenBackIn(storage_->snapshot()) : TextTree();
 }
 
 void CodeFoldingManager::unfoldAll()
@@ -141,7 +146,7 @@ std::optional<qsizetype> CodeFoldingManager::offsetBehindLine(qsizetype line) co
     return line >= 1 && line <= lines.lineCount() ? std::optional(lines.end(line - 1)) : std::nullopt;
 }
 
-void CodeFoldingManager::replace(TextRange range, const QString& text)
+void CodeFoldingManager::replace(TextRange range, const TextTree& text)
 {
     // Known before the storage tells of the edit: each edit is one revision.
     ownRevision_ = storage_->revision() + 1;

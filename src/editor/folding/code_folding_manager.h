@@ -53,7 +53,7 @@ public:
     const LineSet& foldedLines() const { return foldedLines_; }
     const std::set<qsizetype>& foldedRegionStartLines() const { return foldedRegionStartLines_; }
     /// What was cut out, by start line.
-    const std::map<qsizetype, QString>& foldedContent() const { return foldedContent_; }
+    const std::map<qsizetype, TextTree>& foldedContent() const { return foldedContent_; }
     /// What stands for a body: a blank, a horizontal ellipsis and a blank.
     static const QString foldPlaceholder;
 
@@ -70,6 +70,8 @@ public:
 
     /// Whether the text differs from what it was before the first fold that still stands.
     bool isTextFolded() const { return !journal_.isEmpty(); }
+    /// The text with the body of every fold in its place, as it was before the first fold that still stands.
+    TextTree unfoldedText() const;
     /// Takes back all folds, and what was unfolded in a wrong place, and forgets all that was folded. Every body comes
     /// back with an edit of its own, so that carets and marks move along. Posts `codeFoldingChanged` if anything was
     /// folded.
@@ -79,7 +81,7 @@ private:
     std::optional<TextRange> rangeForRegion(const FoldableRegion& region) const;
     /// The offset behind a line, if the text has that line.
     std::optional<qsizetype> offsetBehindLine(qsizetype line) const;
-    void replace(TextRange range, const QString& text);
+    void replace(TextRange range, const TextTree& text);
     void textEdited(const TextEdit& edit);
     void postChange();
 
@@ -88,7 +90,7 @@ private:
     std::vector<FoldableRegion> foldableRegions_;
     LineSet foldedLines_;
     std::set<qsizetype> foldedRegionStartLines_;
-    std::map<qsizetype, QString> foldedContent_;
+    std::map<qsizetype, TextTree> foldedContent_;
 
     FoldJournal journal_;
     QMetaObject::Connection edits_;

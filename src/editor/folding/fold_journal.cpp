@@ -6,12 +6,12 @@
 
 namespace kelm {
 
-void FoldJournal::folded(qsizetype startLine, TextRange placeholder, const QString& body)
+void FoldJournal::folded(qsizetype startLine, TextRange placeholder, const TextTree& body)
 {
     replacements_.push_back({placeholder.location, placeholder.length, body, startLine});
 }
 
-void FoldJournal::unfolded(qsizetype startLine, TextRange placeholder, const QString& replaced, qsizetype bodyLength)
+void FoldJournal::unfolded(qsizetype startLine, TextRange placeholder, const TextTree& replaced, qsizetype bodyLength)
 {
     const auto fold = std::find_if(replacements_.begin(), replacements_.end(),
                                    [startLine](const Replacement& r) { return r.startLine == startLine; });
@@ -32,7 +32,7 @@ std::optional<qsizetype> FoldJournal::currentLocation(Iterator replacement) cons
 {
     qsizetype location = replacement->location;
     for (auto later = std::next(replacement); later != replacements_.end(); ++later) {
-        if (later->location + later->original.size() <= location) {
+        if (later->location + later->original.length() <= location) {
             location -= later->growth();
         } else if (later->location < location + replacement->length) {
             return {};
@@ -75,13 +75,21 @@ void FoldJournal::textEdited(const TextEdit& edit)
             // The head stays; a tail is text like what was put in before it.
             replacement.length = range.location - start;
             newLength += std::max<qsizetype>(end - editEnd, 0);
-            range = {start + replacement.original.size(), std::max<qsizetype>(editEnd - end, 0)};
+            range = {start + replacement.original.length(), std::max<qsizetype>(editEnd - end, 0)};
         } else {
             replacement.location = range.location + newLength;
             replacement.length = end - editEnd;
             range.length = start - range.location;
         }
     }
+}
+
+TextTree FoldJournal::takenBackIn(TextTree text) const
+{
+    for (auto replacement = replacements_.rbegin(); replacement != replacements_.rend(); ++replacement) {
+        text.replace({replacement->location, replacement->length}, replacement->original);
+    }
+    return text;
 }
 
 std::optional<FoldJournal::Replacement> FoldJournal::takeLast()

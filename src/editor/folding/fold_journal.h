@@ -2,8 +2,7 @@
 #pragma once
 
 #include "text/storage/text_range.h"
-
-#include <QString>
+#include "text/storage/text_tree.h"
 
 #include <optional>
 #include <vector>
@@ -31,27 +30,30 @@ public:
         /// What was put there.
         qsizetype length = 0;
         /// What stood there.
-        QString original;
+        TextTree original;
         /// The line that an open fold is known by, else 0.
         qsizetype startLine = 0;
 
         qsizetype end() const { return location + length; }
         /// How much longer the text before it is.
-        qsizetype growth() const { return original.size() - length; }
+        qsizetype growth() const { return original.length() - length; }
     };
 
     bool isEmpty() const { return replacements_.empty(); }
     void clear() { replacements_.clear(); }
 
     /// A fold, known by `startLine`, has replaced `body` at `placeholder.location` by the placeholder.
-    void folded(qsizetype startLine, TextRange placeholder, const QString& body);
+    void folded(qsizetype startLine, TextRange placeholder, const TextTree& body);
 
     /// The fold known by `startLine` was undone by putting its body, `bodyLength` long, in the place of `placeholder`,
     /// which held `replaced`.
-    void unfolded(qsizetype startLine, TextRange placeholder, const QString& replaced, qsizetype bodyLength);
+    void unfolded(qsizetype startLine, TextRange placeholder, const TextTree& replaced, qsizetype bodyLength);
 
     /// The text was edited by somebody else.
     void textEdited(const TextEdit& edit);
+
+    /// A text in which all this was replaced, as it was before.
+    TextTree takenBackIn(TextTree text) const;
 
     /// Takes the last replacement out; it is up to the caller to take it back in the text.
     std::optional<Replacement> takeLast();

@@ -1,6 +1,6 @@
 #include "editor/folding/fold_scans.h"
 
-#include "text/storage/line_index.h"
+#include "text/storage/line_terminator.h"
 
 #include <QHash>
 

@@ -9,7 +9,7 @@ void SyntaxHighlighter::highlight(TextStorage* textStorage, Language language) c
     if (!textStorage) {
         return;
     }
-    const QString& text = textStorage->text();
+    const QString text = textStorage->text();
     const EditingBracket bracket(*textStorage);
     textStorage->assignForeground(
         paintRules(text, theme.textColor.toColor().rgba(), makeRules(rules::of(language), theme)));

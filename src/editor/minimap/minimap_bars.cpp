@@ -76,38 +76,16 @@ qreal barWidth(QStringView line, qreal longest)
 class LineFeedLines
 {
 public:
-    explicit LineFeedLines(const TextStorage& storage) : storage_(storage)
-    {
-        if (storage.lines().oddTerminators() == 0) {
-            return;
-        }
-        // Some lines of the index end in something else: the line feeds are looked for.
-        const QString& text = storage.text();
-        starts_.push_back(0);
-        for (qsizetype at = text.indexOf(u'\n'); at >= 0; at = text.indexOf(u'\n', at + 1)) {
-            starts_.push_back(at + 1);
-        }
-    }
+    explicit LineFeedLines(const TextTree& text) : text_(text) {}
 
-    qsizetype count() const
-    {
-        return starts_.empty() ? storage_.lines().lineCount() : static_cast<qsizetype>(starts_.size());
-    }
-
-    qsizetype startOf(qsizetype number) const
-    {
-        return starts_.empty() ? storage_.lines().start(number) : starts_[static_cast<std::size_t>(number)];
-    }
+    qsizetype count() const { return text_.lineFeeds() + 1; }
+    qsizetype startOf(qsizetype number) const { return text_.behindLineFeeds(number); }
     /// The offset of the line's line feed, or of the text's end.
-    qsizetype endOf(qsizetype number) const
-    {
-        return number + 1 == count() ? storage_.length() : startOf(number + 1) - 1;
-    }
-    QStringView text() const { return storage_.text(); }
+    qsizetype endOf(qsizetype number) const { return number + 1 == count() ? text_.length() : startOf(number + 1) - 1; }
+    const TextTree& text() const { return text_; }
 
 private:
-    const TextStorage& storage_;
-    std::vector<qsizetype> starts_;
+    const TextTree& text_;
 };
 
 /// The bars that begin within one pixel. The later lie over the earlier, so they are looked at from the last on: a bar
@@ -132,7 +110,7 @@ public:
             if (length == 0 || isCovered(static_cast<qreal>(length) * MinimapGeometry::charWidth)) {
                 continue;
             }
-            const QStringView line = lines.text().sliced(start, length);
+            const QString line = lines.text().substring({start, length});
             const qreal width = barWidth(line, longest_);
             if (isCovered(width)) {
                 continue;
@@ -189,7 +167,7 @@ qsizetype MinimapGeometry::lineAt(qreal y) const
 
 qsizetype minimapLineCount(const TextStorage& storage)
 {
-    return LineFeedLines(storage).count();
+    return storage.tree().lineFeeds() + 1;
 }
 
 QColor minimapLineColor(QStringView line, const EditorTheme& theme)
@@ -217,7 +195,7 @@ std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeo
     if (!geometry.isDrawable()) {
         return bars;
     }
-    const LineFeedLines lines(storage);
+    const LineFeedLines lines(storage.tree());
     const qreal pitch = geometry.scale() * MinimapGeometry::lineHeight;
     for (qsizetype first = 0; first < lines.count() && geometry.barY(first) <= geometry.height;) {
         const qreal pixelEnd = (std::floor(geometry.barY(first) * pixelRatio) + 1) / pixelRatio;

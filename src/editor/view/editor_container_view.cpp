@@ -33,12 +33,6 @@ EditorContainerView::EditorContainerView(Scheduler& scheduler, NotificationCente
     setFocusProxy(textView_);
     layOut();
 
-    connect(&textView_->storage(), &TextStorage::willEdit, this, [this] {
-        // Others edit the text too, as folding does: the document keeps its own then.
-        if (delegate_ != nullptr && textView_->editor().isEditing() && !takesDocumentsText_) {
-            delegate_->textWillChange();
-        }
-    });
     connect(textView_, &TextView::visibleRectChanged, this, &EditorContainerView::scrollViewDidScroll);
     notifications.addObserver(this, notifications::focusEditor,
                               [this](const Notification&) { onMainQueue(this, [this] { focusEditorRequested(); }); });
@@ -47,13 +41,16 @@ EditorContainerView::EditorContainerView(Scheduler& scheduler, NotificationCente
 EditorContainerView::~EditorContainerView()
 {
     textView_->setDelegate(nullptr);
+    if (delegate_ != nullptr) {
+        delegate_->textWillEnd();
+    }
 }
 
 void EditorContainerView::setUpTextView()
 {
     setUpEditorText(*textView_, {4, 4});
     textView_->setDelegate(this);
-    textView_->editor().setBeforeEdit([this] { unfoldBeforeEdit(); });
+    textView_->editor().setBeforeEdit([this] { prepareEdit(); });
 }
 
 void EditorContainerView::setUpSideViews()
@@ -102,7 +99,7 @@ void EditorContainerView::setLessonRegion(std::optional<LineRegion> region)
     lineNumberView_->update();
 }
 
-void EditorContainerView::setText(const QString& text)
+void EditorContainerView::setText(const TextTree& text)
 {
     const SelectionSet carets = textView_->editor().selections();
     textView_->commitComposition();
@@ -119,18 +116,15 @@ void EditorContainerView::setText(const QString& text)
     minimapView_->update();
 }
 
-void EditorContainerView::replaceText(const QString& text)
+void EditorContainerView::replaceText(const TextTree& text)
 {
     const QScopedValueRollback taking(takesDocumentsText_, true);
-    unfoldBeforeEdit();
-    const QString& now = textView_->text();
-    const auto [nowDiffers, textDiffers] = std::mismatch(now.begin(), now.end(), text.begin(), text.end());
-    const auto [nowSame, textSame] =
-        std::mismatch(std::reverse_iterator(now.end()), std::reverse_iterator(nowDiffers),
-                      std::reverse_iterator(text.end()), std::reverse_iterator(textDiffers));
-    const qsizetype start = nowDiffers - now.begin();
-    const TextRange replaced{start, nowSame.base() - nowDiffers};
-    textView_->editor().insertText(text.sliced(start, textSame.base() - textDiffers), replaced);
+    unfold();
+    const TextTree& now = textView_->storage().tree();
+    const qsizetype start = commonStart(now, text);
+    const qsizetype end = commonEnd(now, text, start);
+    const TextRange replaced = TextRange::between(start, now.length() - end);
+    textView_->editor().insertText(text.part(TextRange::between(start, text.length() - end)), replaced);
 }
 
 void EditorContainerView::setTheme(const EditorTheme& theme)
@@ -163,7 +157,7 @@ void EditorContainerView::scrollToLine(qsizetype line)
 void EditorContainerView::textDidChange()
 {
     if (delegate_ != nullptr && !takesDocumentsText_) {
-        delegate_->textDidChange(textView_->text());
+        delegate_->textDidChange();
     }
     lineNumberView_->update();
     highlightDebounce_.restart();
@@ -172,7 +166,7 @@ void EditorContainerView::textDidChange()
 void EditorContainerView::textViewDidChangeSelection()
 {
     if (delegate_ != nullptr) {
-        const LineAndColumn place = lineAndColumnAt(textView_->storage(), textView_->selectedRange().location);
+        const LineAndColumn place = lineAndColumnAt(textView_->storage().tree(), textView_->selectedRange().location);
         delegate_->cursorPositionChanged(place.line, place.column);
     }
 }
@@ -214,7 +208,18 @@ void EditorContainerView::toggleFold(qsizetype line)
     lineNumberView_->update();
 }
 
-void EditorContainerView::unfoldBeforeEdit()
+void EditorContainerView::prepareEdit()
+{
+    if (takesDocumentsText_) {
+        return;
+    }
+    if (delegate_ != nullptr) {
+        delegate_->textWillChange();
+    }
+    unfold();
+}
+
+void EditorContainerView::unfold()
 {
     if (codeFoldingManager_.isTextFolded()) {
         codeFoldingManager_.unfoldAll();

@@ -21,10 +21,12 @@ class EditorContainerDelegate
 public:
     virtual ~EditorContainerDelegate() = default;
 
-    /// The user is about to change the text: the storage wants to be its only holder.
+    /// The user is about to change the text; another one may be set yet.
     virtual void textWillChange() = 0;
-    /// The user has changed the text; it may be shared again.
-    virtual void textDidChange(const QString& text) = 0;
+    /// The user has changed the text.
+    virtual void textDidChange() = 0;
+    /// The view ends, and its text with it.
+    virtual void textWillEnd() = 0;
     virtual void cursorPositionChanged(qsizetype line, qsizetype column) = 0;
 };
 
@@ -53,8 +55,12 @@ public:
 
     /// Shows another text; carets stay where they stood as far as the text goes. The first text begins the undo
     /// history. A later one is what a command made of the document's, and an undo step; the delegate is not told of it.
-    void setText(const QString& text);
-    const QString& text() const { return textView_->text(); }
+    void setText(const TextTree& text);
+    void setText(const QString& text) { setText(TextTree(text)); }
+    /// A copy of what is shown, linear in it.
+    QString text() const { return textView_->text(); }
+    /// The document's text: what is shown, with the body of every fold in its place.
+    TextTree wholeText() const { return codeFoldingManager_.unfoldedText(); }
 
     void setTheme(const EditorTheme& theme);
     const EditorTheme& theme() const { return syntaxHighlighter_.theme; }
@@ -81,7 +87,7 @@ protected:
 
 private:
     void setUpTextView();
-    void replaceText(const QString& text);
+    void replaceText(const TextTree& text);
     void setUpSideViews();
     void layOut();
     void debouncedHighlight();
@@ -89,7 +95,8 @@ private:
     void highlight();
     void detectFoldableRegions();
     void toggleFold(qsizetype line);
-    void unfoldBeforeEdit();
+    void prepareEdit();
+    void unfold();
     void scrollViewDidScroll();
     /// Takes the keyboard with the caret at the start of the text.
     void focusEditorRequested();

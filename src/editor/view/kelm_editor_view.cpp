@@ -6,18 +6,44 @@
 
 namespace kelm {
 
-Coordinator::Coordinator(std::shared_ptr<Document> shown, QObject* parent) : QObject(parent), document(std::move(shown))
+Coordinator::Coordinator(std::shared_ptr<Document> shown, KelmEditorView& owner)
+    : document(std::move(shown)), owner_(owner)
 {}
+
+Coordinator::~Coordinator()
+{
+    if (view_ != nullptr) {
+        textWillEnd();
+    }
+}
+
+void Coordinator::bind(EditorContainerView& view)
+{
+    view_ = &view;
+    view.setText(document->text());
+    view.setDelegate(this);
+    document->setEditor(this);
+}
 
 void Coordinator::textWillChange()
 {
-    document->lendContent();
+    owner_.updateText();
 }
 
-void Coordinator::textDidChange(const QString& text)
+void Coordinator::textDidChange()
 {
-    document->returnContent(text, true);
-    noteExchange();
+    document->noteEdit();
+}
+
+void Coordinator::textWillEnd()
+{
+    document->setEditor(nullptr);
+    std::exchange(view_, nullptr)->setDelegate(nullptr);
+}
+
+TextTree Coordinator::wholeText() const
+{
+    return view_->wholeText();
 }
 
 void Coordinator::cursorPositionChanged(qsizetype line, qsizetype column)
@@ -26,7 +52,7 @@ void Coordinator::cursorPositionChanged(qsizetype line, qsizetype column)
 }
 
 KelmEditorView::KelmEditorView(std::shared_ptr<Document> document, ThemeManager& themeManager, QObject* parent)
-    : QObject(parent), document_(std::move(document)), themeManager_(themeManager), coordinator_(document_)
+    : QObject(parent), document_(std::move(document)), themeManager_(themeManager), coordinator_(document_, *this)
 {
     connect(document_.get(), &Document::contentChanged, this, &KelmEditorView::scheduleUpdate);
     connect(document_.get(), &Document::languageChanged, this, &KelmEditorView::scheduleUpdate);
@@ -37,14 +63,12 @@ KelmEditorView::KelmEditorView(std::shared_ptr<Document> document, ThemeManager&
 EditorContainerView* KelmEditorView::makeView(Scheduler& scheduler, NotificationCenter& notifications, QWidget* parent)
 {
     view_ = new EditorContainerView(scheduler, notifications, parent);
-    view_->setDelegate(&coordinator_);
     view_->setShowLineNumbers(showLineNumbers_);
     view_->setShowMinimap(showMinimap_);
     view_->setCurrentLanguage(document_->language());
     view_->setTheme(themeManager_.currentTheme());
     // An empty text too is one that later texts replace in a step of their own.
-    coordinator_.noteExchange();
-    view_->setText(document_->content());
+    coordinator_.bind(*view_);
     view_->setLessonRegion(lessonRegion());
     return view_;
 }
@@ -66,9 +90,7 @@ void KelmEditorView::updateView()
     if (!(themeManager_.currentTheme() == view_->theme())) {
         view_->setTheme(themeManager_.currentTheme());
     }
-    if (document_->contentRevision() != coordinator_.exchangedRevision()) {
-        updateText();
-    }
+    updateText();
     if (lessonRegion() != view_->lessonRegion()) {
         view_->setLessonRegion(lessonRegion());
     }
@@ -100,10 +122,13 @@ void KelmEditorView::scheduleUpdate()
 
 void KelmEditorView::updateText()
 {
-    coordinator_.noteExchange();
+    if (!view_ || !document_->hasStoredText()) {
+        return;
+    }
     // A folded text differs from the document's, which is whole.
-    if (view_->codeFoldingManager().isTextFolded() || view_->text() != document_->content()) {
-        view_->setText(document_->content());
+    const TextTree stored = document_->takeStoredText();
+    if (view_->codeFoldingManager().isTextFolded() || !(view_->textView().storage().tree() == stored)) {
+        view_->setText(stored);
     }
 }
 

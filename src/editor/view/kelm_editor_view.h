@@ -12,25 +12,32 @@
 
 namespace kelm {
 
-/// The container's delegate: what is typed reaches the document through it.
-class Coordinator final : public QObject, public EditorContainerDelegate
+class KelmEditorView;
+
+/// The container's delegate: the document has its text from the container, and hears through it of what is typed.
+class Coordinator final : public QObject, public EditorContainerDelegate, public DocumentEditor
 {
 public:
-    explicit Coordinator(std::shared_ptr<Document> shown, QObject* parent = nullptr);
+    Coordinator(std::shared_ptr<Document> shown, KelmEditorView& owner);
+    ~Coordinator() override;
 
     std::shared_ptr<Document> document;
 
-    /// The document's content that the view last showed or sent.
-    quint64 exchangedRevision() const { return exchangedRevision_; }
-    void noteExchange() { exchangedRevision_ = document->contentRevision(); }
+    /// The container has the document's text from now on.
+    void bind(EditorContainerView& view);
 
     // EditorContainerDelegate
     void textWillChange() override;
-    void textDidChange(const QString& text) override;
+    void textDidChange() override;
+    void textWillEnd() override;
     void cursorPositionChanged(qsizetype line, qsizetype column) override;
 
+    // DocumentEditor
+    TextTree wholeText() const override;
+
 private:
-    quint64 exchangedRevision_ = 0;
+    KelmEditorView& owner_;
+    EditorContainerView* view_ = nullptr;
 };
 
 /// The bridge between a document, the theme and an editing surface. Whatever of them changes, the surface is updated
@@ -54,7 +61,10 @@ public:
     EditorContainerView* view() const { return view_; }
 
 private:
+    friend Coordinator;
+
     void scheduleUpdate();
+    /// Shows a text that was stored in the document.
     void updateText();
     std::optional<LineRegion> lessonRegion() const;
 

@@ -14,7 +14,7 @@ std::vector<NumberedRow> numberedRows(TextView& view)
     for (const TextRow& row : view.visibleRows()) {
         if (line == 0) {
             // The line at the top counts even when its first row is above the screen.
-            line = lineFeedsBefore(view.storage(), row.range.location) + (row.isFirstOfLine ? 0 : 1);
+            line = view.storage().tree().lineFeedsBefore(row.range.location) + (row.isFirstOfLine ? 0 : 1);
         }
         if (row.isFirstOfLine) {
             numbered.push_back({++line, row.top});

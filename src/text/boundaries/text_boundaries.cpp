@@ -191,4 +191,97 @@ TextRange wordAt(QStringView text, qsizetype offset)
     return {lineStart + start, skipForward(line, at, wanted) - start};
 }
 
+namespace {
+
+/// The units of a tree around an offset.
+struct Surroundings
+{
+    QString units;
+    qsizetype start = 0;
+    qsizetype length = 0;
+
+    Surroundings(const TextTree& text, qsizetype offset, qsizetype reach) : length(text.length())
+    {
+        const qsizetype at = std::clamp<qsizetype>(offset, 0, length);
+        start = std::max<qsizetype>(0, at - reach);
+        units = text.substring(TextRange::between(start, std::min(length, at + reach)));
+    }
+
+    /// Whether a place found here may be another one when more of the text is seen: one at an end that is not the
+    /// text's, where a pair of surrogates can be cut.
+    bool isDoubtful(qsizetype found) const
+    {
+        constexpr qsizetype pair = 2;
+        return (start > 0 && found < pair) || (start + units.size() < length && found > units.size() - pair);
+    }
+};
+
+/// More than what is looked at for a boundary between characters, on both sides.
+constexpr qsizetype graphemeReach = contextUnits + 32;
+
+/// The answer of `ask` for an offset within its surroundings, which are widened until it can be trusted.
+template <typename Ask, typename IsDoubtful>
+auto askWidening(const TextTree& text, qsizetype offset, Ask ask, IsDoubtful isDoubtful)
+{
+    for (qsizetype reach = 256;; reach *= 4) {
+        const Surroundings around(text, offset, reach);
+        const auto found = ask(around);
+        if (!isDoubtful(around, found)) {
+            return found;
+        }
+    }
+}
+
+qsizetype placeWidening(const TextTree& text, qsizetype offset, qsizetype (*ask)(QStringView, qsizetype))
+{
+    return askWidening(
+        text, offset,
+        [&](const Surroundings& around) { return around.start + ask(around.units, offset - around.start); },
+        [](const Surroundings& around, qsizetype found) { return around.isDoubtful(found - around.start); });
+}
+
+} // namespace
+
+qsizetype nextGraphemeBoundary(const TextTree& text, qsizetype offset)
+{
+    const Surroundings around(text, offset, graphemeReach);
+    return around.start + nextGraphemeBoundary(around.units, offset - around.start);
+}
+
+qsizetype previousGraphemeBoundary(const TextTree& text, qsizetype offset)
+{
+    const Surroundings around(text, offset, graphemeReach);
+    return around.start + previousGraphemeBoundary(around.units, offset - around.start);
+}
+
+qsizetype graphemeBoundaryAtOrBefore(const TextTree& text, qsizetype offset)
+{
+    const qsizetype at = std::clamp<qsizetype>(offset, 0, text.length());
+    const Surroundings around(text, at, graphemeReach);
+    return around.start + graphemeBoundaryAtOrBefore(around.units, at - around.start);
+}
+
+qsizetype nextWordEnd(const TextTree& text, qsizetype offset)
+{
+    return placeWidening(text, offset, nextWordEnd);
+}
+
+qsizetype previousWordStart(const TextTree& text, qsizetype offset)
+{
+    return placeWidening(text, offset, previousWordStart);
+}
+
+TextRange wordAt(const TextTree& text, qsizetype offset)
+{
+    return askWidening(
+        text, offset,
+        [&](const Surroundings& around) {
+            const TextRange word = wordAt(around.units, offset - around.start);
+            return TextRange{around.start + word.location, word.length};
+        },
+        [](const Surroundings& around, TextRange word) {
+            return around.isDoubtful(word.location - around.start) || around.isDoubtful(word.end() - around.start);
+        });
+}
+
 } // namespace kelm

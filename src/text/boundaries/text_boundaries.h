@@ -2,6 +2,7 @@
 #pragma once
 
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
 #include <QStringView>
 
@@ -25,5 +26,14 @@ qsizetype nextWordEnd(QStringView text, qsizetype offset);
 qsizetype previousWordStart(QStringView text, qsizetype offset);
 /// The run of one class around `offset` that a double click selects; it never crosses a line end.
 TextRange wordAt(QStringView text, qsizetype offset);
+
+/// The same of a tree. They look at a few hundred units around the offset, and further only where a word or a run of
+/// white space goes on further.
+qsizetype nextGraphemeBoundary(const TextTree& text, qsizetype offset);
+qsizetype previousGraphemeBoundary(const TextTree& text, qsizetype offset);
+qsizetype graphemeBoundaryAtOrBefore(const TextTree& text, qsizetype offset);
+qsizetype nextWordEnd(const TextTree& text, qsizetype offset);
+qsizetype previousWordStart(const TextTree& text, qsizetype offset);
+TextRange wordAt(const TextTree& text, qsizetype offset);
 
 } // namespace kelm

@@ -1,7 +1,6 @@
 #include "text/editing/change_batch.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace kelm {
 
@@ -31,8 +30,8 @@ std::vector<ChangeBatch> batchesAhead(const std::vector<Replacement>& replacemen
         qsizetype shift = 0;
         for (std::size_t i = starts[batch]; i < starts[batch + 1]; ++i) {
             const Replacement& made = replacements[i];
-            changes.push_back({{made.location - shift, made.removed.size()}, made.inserted});
-            shift += made.inserted.size() - made.removed.size();
+            changes.push_back({{made.location - shift, made.removed.length()}, made.inserted});
+            shift += made.inserted.length() - made.removed.length();
         }
     }
     return batches;
@@ -52,26 +51,14 @@ std::vector<ChangeBatch> batchesBack(const std::vector<Replacement>& replacement
     return batches;
 }
 
-double unitsMoved(const ChangeBatch& batch, qsizetype length)
-{
-    return std::accumulate(batch.begin(), batch.end(), 0.0, [length](double sum, const Change& change) {
-        return sum + static_cast<double>(length - change.range.end());
-    });
-}
-
-Change combined(QStringView text, const ChangeBatch& batch)
+Change combined(const TextTree& text, const ChangeBatch& batch)
 {
     Change whole;
     whole.range = TextRange::between(batch.front().range.location, batch.back().range.end());
-    const qsizetype added =
-        std::accumulate(batch.begin(), batch.end(), qsizetype(0),
-                        [](qsizetype sum, const Change& change) { return sum + change.text.size(); });
-    whole.text.reserve(whole.range.length + added);
-    qsizetype at = whole.range.location;
-    for (const Change& change : batch) {
-        whole.text += text.mid(at, change.range.location - at);
-        whole.text += change.text;
-        at = change.range.end();
+    whole.text = text.part(whole.range);
+    // From the end on, so that what stands before keeps its place.
+    for (auto change = batch.rbegin(); change != batch.rend(); ++change) {
+        whole.text.replace({change->range.location - whole.range.location, change->range.length}, change->text);
     }
     return whole;
 }

@@ -3,10 +3,11 @@
 
 #include "text/editing/undo_history.h"
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
-#include <QString>
 #include <QStringView>
 
+#include <utility>
 #include <vector>
 
 namespace kelm {
@@ -15,7 +16,11 @@ namespace kelm {
 struct Change
 {
     TextRange range;
-    QString text;
+    TextTree text;
+
+    Change() = default;
+    Change(TextRange replaced, TextTree by) : range(replaced), text(std::move(by)) {}
+    Change(TextRange replaced, QStringView by) : range(replaced), text(by) {}
 
     friend bool operator==(const Change&, const Change&) = default;
 };
@@ -28,9 +33,7 @@ std::vector<ChangeBatch> batchesAhead(const std::vector<Replacement>& replacemen
 /// The batches that take replacements back.
 std::vector<ChangeBatch> batchesBack(const std::vector<Replacement>& replacements);
 
-/// How many units of a text of `length` move when the changes are made one by one: each moves all that stands behind.
-double unitsMoved(const ChangeBatch& batch, qsizetype length);
-/// One change that does what a batch, which must not be empty, does to `text`. It moves each unit once.
-Change combined(QStringView text, const ChangeBatch& batch);
+/// One change that does what a batch, which must not be empty, does to `text`. It shares what the batch leaves.
+Change combined(const TextTree& text, const ChangeBatch& batch);
 
 } // namespace kelm

@@ -12,10 +12,9 @@ namespace kelm {
 
 namespace {
 
-/// How many units may be moved by making changes one by one; some hundredths of a second. Thousands of carets in a long
-/// text go beyond it: then all between the first and the last is put in anew, though it loses its colours until they
-/// are given again.
-constexpr double mostUnitsMoved = 1e8;
+/// How many changes are made and told one by one. More of them are one change, of all between the first and the last:
+/// who follows the text has then one place to look at.
+constexpr std::size_t mostToldChanges = 1000;
 
 /// A range of the text before an edit as it is behind it. A place stays before what was put in at it; a range that
 /// begins in what was replaced does not take the replacement in.
@@ -26,16 +25,16 @@ TextRange carried(TextRange range, const TextEdit& edit)
 }
 
 /// Whether several changes leave the text as it is, as moving a letter behind its equal does.
-bool cancelsOut(QStringView text, const ChangeBatch& batch)
+bool cancelsOut(const TextTree& text, const ChangeBatch& batch)
 {
     const auto growth = [](qsizetype sum, const Change& change) {
-        return sum + change.text.size() - change.range.length;
+        return sum + change.text.length() - change.range.length;
     };
     if (batch.size() < 2 || std::accumulate(batch.begin(), batch.end(), qsizetype(0), growth) != 0) {
         return false;
     }
     const Change whole = combined(text, batch);
-    return whole.text == text.sliced(whole.range.location, whole.range.length);
+    return whole.text == text.part(whole.range);
 }
 
 } // namespace
@@ -52,23 +51,31 @@ TextEditor::TextEditor(TextStorage& storage, TextLayout& layout, QObject* parent
     connect(&storage, &TextStorage::edited, this, &TextEditor::foreignEditDone);
 }
 
-void TextEditor::foreignReplacement(TextRange range, QStringView replacement)
+void TextEditor::foreignReplacement(TextRange range, const TextTree& replacement)
 {
+    if (carriedChanges_ != nullptr) {
+        carryChanges(range, replacement.length());
+    }
     if (isOwnReplacement_) {
         return;
     }
-    history_.foreignEdit({range.location, storage_.substring(range), replacement.toString()});
+    history_.foreignEdit({range.location, storage_.tree().part(range), replacement});
     if (!beforeForeignEdit_) {
         beforeForeignEdit_ = selections_;
     }
     TextEdit edit;
     edit.range = range;
-    edit.newLength = replacement.size();
+    edit.newLength = replacement.length();
     selections_.moveThrough(edit);
-    if (carriedChanges_ != nullptr) {
-        for (Change& change : *carriedChanges_) {
-            change.range = carried(change.range, edit);
-        }
+}
+
+void TextEditor::carryChanges(TextRange range, qsizetype newLength)
+{
+    TextEdit edit;
+    edit.range = range;
+    edit.newLength = newLength;
+    for (Change& change : *carriedChanges_) {
+        change.range = carried(change.range, edit);
     }
 }
 
@@ -104,8 +111,8 @@ void TextEditor::setSelections(SelectionSet selections)
 {
     std::vector<Selection> valid = selections.all();
     for (Selection& selection : valid) {
-        selection.anchor = graphemeBoundaryAtOrBefore(storage_.text(), selection.anchor);
-        selection.head.offset = graphemeBoundaryAtOrBefore(storage_.text(), selection.head.offset);
+        selection.anchor = graphemeBoundaryAtOrBefore(storage_.tree(), selection.anchor);
+        selection.head.offset = graphemeBoundaryAtOrBefore(storage_.tree(), selection.head.offset);
     }
     selections.replaceAll(std::move(valid));
     if (!(selections == selections_)) {
@@ -190,7 +197,7 @@ void TextEditor::apply(std::vector<Change> changes, EditKind kind)
     }
 }
 
-void TextEditor::insertText(const QString& text, TextRange replacedRange)
+void TextEditor::insertText(const TextTree& text, TextRange replacedRange)
 {
     std::vector<Change> changes{{replacedRange.clampedTo(storage_.length()), text}};
     if (prepareEdit(changes)) {
@@ -207,7 +214,7 @@ void TextEditor::applyAndSelect(std::vector<Change> changes)
 
 bool TextEditor::moveSelectedTextTo(qsizetype offset)
 {
-    std::vector<Change> target{{{offset, 0}, {}}};
+    std::vector<Change> target{{{offset, 0}, TextTree()}};
     if (!prepareEdit(target)) {
         return false;
     }
@@ -271,8 +278,8 @@ bool TextEditor::prepareEdit(std::vector<Change>& changes)
 void TextEditor::replace(const ChangeBatch& batch)
 {
     const QScopedValueRollback own(isOwnReplacement_, true);
-    if (batch.size() > 1 && unitsMoved(batch, storage_.length()) > mostUnitsMoved) {
-        const Change whole = combined(storage_.text(), batch);
+    if (batch.size() > mostToldChanges) {
+        const Change whole = combined(storage_.tree(), batch);
         storage_.replace(whole.range, whole.text);
         return;
     }
@@ -289,7 +296,7 @@ SelectionSet TextEditor::selectionsAfter(const std::vector<Change>& changes, Aft
         for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
             TextEdit edit;
             edit.range = change->range;
-            edit.newLength = change->text.size();
+            edit.newLength = change->text.length();
             result.moveThrough(edit);
         }
         return result;
@@ -297,7 +304,7 @@ SelectionSet TextEditor::selectionsAfter(const std::vector<Change>& changes, Aft
     std::vector<Selection> after;
     qsizetype shift = 0;
     for (const Change& change : changes) {
-        const TextRange inserted{change.range.location + shift, change.text.size()};
+        const TextRange inserted{change.range.location + shift, change.text.length()};
         if (afterwards == Afterwards::caretBehindEach) {
             after.push_back(Selection::caret({inserted.end(), false}));
         } else if (!inserted.isEmpty()) {
@@ -305,7 +312,7 @@ SelectionSet TextEditor::selectionsAfter(const std::vector<Change>& changes, Aft
         } else if (after.empty() && &change == &changes.back()) {
             after.push_back(Selection::caret({inserted.location, false}));
         }
-        shift += change.text.size() - change.range.length;
+        shift += change.text.length() - change.range.length;
     }
     result.replaceAll(std::move(after));
     return result;
@@ -322,15 +329,15 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
         const EditingBracket bracket(storage_);
         qsizetype shift = 0;
         for (const Change& change : changes) {
-            const QString removed = storage_.substring(change.range);
+            const TextTree removed = storage_.tree().part(change.range);
             // Text that stays the same is no edit: nobody is told of one.
             if (removed != change.text) {
                 step.replacements.push_back({change.range.location + shift, removed, change.text});
                 made.push_back(change);
             }
-            shift += change.text.size() - change.range.length;
+            shift += change.text.length() - change.range.length;
         }
-        if (cancelsOut(storage_.text(), made)) {
+        if (cancelsOut(storage_.tree(), made)) {
             made.clear();
         }
         replace(made);

@@ -88,7 +88,8 @@ public:
     void apply(std::vector<Change> changes, EditKind kind);
     /// Puts `text` in the place of a range, which is carried along likewise, as one undo step. Carets and selections
     /// stay with their text: one at the range's end, or within it, stands behind what was put in.
-    void insertText(const QString& text, TextRange replacedRange);
+    void insertText(const TextTree& text, TextRange replacedRange);
+    void insertText(const QString& text, TextRange replacedRange) { insertText(TextTree(text), replacedRange); }
     /// As `apply`, and then selects the text that was put in; where it only takes text away no caret stays.
     void applyAndSelect(std::vector<Change> changes);
     /// Moves the selected text to an offset as one undo step and selects it there, several texts a line each. False,
@@ -113,7 +114,8 @@ Q_SIGNALS:
 private:
     /// As above, with the places of `changes` carried along.
     bool prepareEdit(std::vector<Change>& changes);
-    void foreignReplacement(TextRange range, QStringView replacement);
+    void carryChanges(TextRange range, qsizetype newLength);
+    void foreignReplacement(TextRange range, const TextTree& replacement);
     void foreignEditDone(const TextEdit& edit);
     /// Changes the text as an edit of this editor's.
     void replace(const ChangeBatch& batch);

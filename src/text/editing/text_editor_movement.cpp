@@ -60,7 +60,7 @@ Selection TextEditor::moved(const Selection& selection, Movement movement, Exten
 
 CaretPlace TextEditor::target(const Selection& selection, Movement movement, std::optional<qreal>& goalX)
 {
-    const QString& text = storage_.text();
+    const TextTree& text = storage_.tree();
     const qsizetype offset = selection.head.offset;
     const LineIndex& lines = storage_.lines();
     switch (movement) {

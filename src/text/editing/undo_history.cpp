@@ -25,9 +25,9 @@ bool exchange(Replacement& foreign, Replacement& step)
     }
     // Where the edit ends at the very place at which the step begins it counts as standing before it.
     if (foreign.oldRange().end() <= step.location) {
-        step.location += foreign.inserted.size() - foreign.removed.size();
+        step.location += foreign.inserted.length() - foreign.removed.length();
     } else {
-        foreign.location -= step.inserted.size() - step.removed.size();
+        foreign.location -= step.inserted.length() - step.removed.length();
     }
     return true;
 }
@@ -36,7 +36,7 @@ void moveThrough(SelectionSet& selections, const Replacement& foreign)
 {
     TextEdit edit;
     edit.range = foreign.oldRange();
-    edit.newLength = foreign.inserted.size();
+    edit.newLength = foreign.inserted.length();
     selections.moveThrough(edit);
 }
 
@@ -91,7 +91,7 @@ bool UndoHistory::mergesInto(const UndoStep& last, const UndoStep& next) const
         return false;
     }
     // Each typed line is a step: to lose a whole paragraph at one key is as bad as to undo letter by letter.
-    return next.kind != EditKind::typing || !last.replacements.back().inserted.contains(u'\n');
+    return next.kind != EditKind::typing || last.replacements.back().inserted.lineFeeds() == 0;
 }
 
 void UndoHistory::foreignEdit(const Replacement& edit)
@@ -110,9 +110,9 @@ void UndoHistory::foreignEdit(const Replacement& edit)
             for (auto later = earlier.base(); later != foreign_.end(); ++later) {
                 Replacement moved = *later;
                 if (moved.location >= cancelled.oldRange().end()) {
-                    moved.location += cancelled.inserted.size() - cancelled.removed.size();
+                    moved.location += cancelled.inserted.length() - cancelled.removed.length();
                 } else {
-                    cancelled.location += moved.inserted.size() - moved.removed.size();
+                    cancelled.location += moved.inserted.length() - moved.removed.length();
                 }
                 rest.push_back(std::move(moved));
             }

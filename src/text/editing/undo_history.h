@@ -3,23 +3,31 @@
 
 #include "text/editing/selection.h"
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
-#include <QString>
+#include <QStringView>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kelm {
 
-/// One replacement with all that is needed to take it back.
+/// One replacement with all that is needed to take it back. What it holds it shares with the text, piece by piece.
 struct Replacement
 {
     qsizetype location = 0;
-    QString removed;
-    QString inserted;
+    TextTree removed;
+    TextTree inserted;
 
-    TextRange oldRange() const { return {location, removed.size()}; }
-    TextRange newRange() const { return {location, inserted.size()}; }
+    Replacement() = default;
+    Replacement(qsizetype at, TextTree out, TextTree in)
+        : location(at), removed(std::move(out)), inserted(std::move(in))
+    {}
+    Replacement(qsizetype at, QStringView out, QStringView in) : location(at), removed(out), inserted(in) {}
+
+    TextRange oldRange() const { return {location, removed.length()}; }
+    TextRange newRange() const { return {location, inserted.length()}; }
     Replacement inverted() const { return {location, inserted, removed}; }
 
     friend bool operator==(const Replacement&, const Replacement&) = default;

@@ -137,6 +137,12 @@ qsizetype FindQuery::behind(QStringView text, TextRange match)
     return end + (isPair ? 2 : 1);
 }
 
+qsizetype FindQuery::behind(const TextTree& text, TextRange match)
+{
+    const qsizetype end = match.end();
+    return match.isEmpty() ? end + behind(text.substring({end, 2}), {}) : end;
+}
+
 qsizetype FindQuery::reach() const
 {
     return literal_ ? literal_->length() : 0;

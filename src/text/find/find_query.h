@@ -4,6 +4,7 @@
 #include "platform/text/regular_expression.h"
 #include "text/find/literal_search.h"
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
 #include <QString>
 #include <QStringView>
@@ -91,6 +92,7 @@ public:
 
     /// Where to go on behind a match.
     static qsizetype behind(QStringView text, TextRange match);
+    static qsizetype behind(const TextTree& text, TextRange match);
 
     /// How many units behind a place a match that begins there must be looked for.
     qsizetype reach() const;

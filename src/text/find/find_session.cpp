@@ -51,6 +51,8 @@ void FindSession::stop()
     isRunning_ = false;
     stepTimer_.stop();
     scan_ = FindScan();
+    flatText_ = QString();
+    flatRevision_.reset();
     error_.reset();
     current_.reset();
     engine_.setResults({});
@@ -102,14 +104,14 @@ QString FindSession::statusText() const
 
 std::optional<TextRange> FindSession::stepForward(qsizetype from)
 {
-    setCurrent(scan_.nextFrom(storage_.text(), from));
+    setCurrent(scan_.nextFrom(flatText(), from));
     noteMatches();
     return currentMatch();
 }
 
 std::optional<TextRange> FindSession::stepBackward(qsizetype from)
 {
-    setCurrent(scan_.previousFrom(storage_.text(), from));
+    setCurrent(scan_.previousFrom(flatText(), from));
     noteMatches();
     return currentMatch();
 }
@@ -117,12 +119,21 @@ std::optional<TextRange> FindSession::stepBackward(qsizetype from)
 std::optional<QString> FindSession::replacementForCurrent() const
 {
     const std::optional<TextRange> match = currentMatch();
-    return match ? scan_.query().replacementFor(storage_.text(), *match, engine_.replaceText()) : std::nullopt;
+    return match ? scan_.query().replacementFor(flatText(), *match, engine_.replaceText()) : std::nullopt;
 }
 
 ReplaceAllResult FindSession::replaceAll() const
 {
-    return scan_.query().replaceAll(storage_.text(), engine_.replaceText());
+    return scan_.query().replaceAll(flatText(), engine_.replaceText());
+}
+
+const QString& FindSession::flatText() const
+{
+    if (flatRevision_ != storage_.revision()) {
+        flatText_ = storage_.text();
+        flatRevision_ = storage_.revision();
+    }
+    return flatText_;
 }
 
 void FindSession::restartScan()
@@ -142,16 +153,16 @@ void FindSession::restartScan()
 void FindSession::step()
 {
     if (storage_.length() - scan_.searchedTo() <= unitsPerStep) {
-        scan_.finish(storage_.text());
+        scan_.finish(flatText());
     } else {
-        scan_.advance(storage_.text(), unitsPerStep);
+        scan_.advance(flatText(), unitsPerStep);
     }
     const bool isSearching = scan_.state() == FindScan::State::searching;
     if (!isSearching) {
         stepTimer_.stop();
     }
     if (!current_ && matchCount() > 0 && (!isSearching || scan_.searchedTo() > origin_)) {
-        setCurrent(scan_.nextFrom(storage_.text(), origin_));
+        setCurrent(scan_.nextFrom(flatText(), origin_));
     }
     noteMatches();
 }
@@ -163,7 +174,7 @@ void FindSession::noteMatches()
     if (results.size() < described) {
         for (qsizetype index = results.size(); index < described; ++index) {
             const TextRange match = scan_.matches()[static_cast<std::size_t>(index)];
-            const LineAndColumn place = lineAndColumnAt(storage_, match.location);
+            const LineAndColumn place = lineAndColumnAt(storage_.tree(), match.location);
             const TextRange line = storage_.lineRange({match.location, 0});
             const TextRange near =
                 line.intersected({match.location - describedContext, match.length + 2 * describedContext});

@@ -59,6 +59,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    /// The text in one piece, as what looks for patterns needs it; made anew after an edit.
+    const QString& flatText() const;
     void restartScan();
     void step();
     void noteMatches();
@@ -72,6 +74,8 @@ private:
     qsizetype origin_ = 0;
     bool isRunning_ = false;
     QTimer stepTimer_;
+    mutable QString flatText_;
+    mutable std::optional<quint64> flatRevision_;
 };
 
 } // namespace kelm

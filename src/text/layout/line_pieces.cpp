@@ -12,21 +12,24 @@ namespace kelm {
 namespace {
 
 /// Where the piece that begins at `start` ends; the line goes on behind its longest extent.
-qsizetype pieceEnd(QStringView line, qsizetype start)
+qsizetype pieceEnd(const TextTree& text, TextRange line, qsizetype start)
 {
-    const qsizetype rest = line.size() - start;
+    const qsizetype rest = line.length - start;
     const qsizetype limit = start + (rest < 2 * longestPiece ? (rest + 1) / 2 : longestPiece);
-    for (qsizetype at = limit; at > limit - longestPiece / 4; --at) {
-        const QChar before = line[at - 1];
+    const qsizetype nearStart = limit - longestPiece / 4;
+    const QString near = text.substring({line.location + nearStart, longestPiece / 4 + 1});
+    for (qsizetype at = limit; at > nearStart; --at) {
+        const QChar before = near[at - 1 - nearStart];
         if (before == u' ' || before == u'\t') {
             return at;
         }
     }
-    const qsizetype boundary = graphemeBoundaryAtOrBefore(line, limit);
+    const qsizetype boundary = graphemeBoundaryAtOrBefore(text, line.location + limit) - line.location;
     if (boundary > start) {
         return boundary;
     }
-    return line[limit].isLowSurrogate() && line[limit - 1].isHighSurrogate() ? limit - 1 : limit;
+    const bool isInPair = near[limit - nearStart].isLowSurrogate() && near[limit - 1 - nearStart].isHighSurrogate();
+    return isInPair ? limit - 1 : limit;
 }
 
 } // namespace
@@ -71,11 +74,11 @@ void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces&
     rows.insert(rows.erase(rows.begin() + at, rows.begin() + behind), with.rows.begin(), with.rows.end());
 }
 
-std::vector<qsizetype> cutIntoPieces(QStringView line)
+std::vector<qsizetype> cutIntoPieces(const TextTree& text, TextRange line)
 {
     std::vector<qsizetype> starts{0};
-    while (line.size() - starts.back() > longestPiece) {
-        starts.push_back(pieceEnd(line, starts.back()));
+    while (line.length - starts.back() > longestPiece) {
+        starts.push_back(pieceEnd(text, line, starts.back()));
     }
     return starts;
 }

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "text/storage/text_range.h"
-
-#include <QStringView>
+#include "text/storage/text_tree.h"
 
 #include <map>
 #include <vector>
@@ -33,10 +32,11 @@ struct LinePieces
     void replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change);
 };
 
-/// Cuts a line without its terminator into pieces of at most `longestPiece` units: behind a blank where there is one in
-/// the last quarter, else between two user-perceived characters, else at the limit, but never inside a surrogate pair.
-/// The last two pieces share what is left: each piece begins a row, and a stub would be seen.
-std::vector<qsizetype> cutIntoPieces(QStringView line);
+/// Cuts a line of a text, given without its terminator, into pieces of at most `longestPiece` units: behind a blank
+/// where there is one in the last quarter, else between two user-perceived characters, else at the limit, but never
+/// inside a surrogate pair. The last two pieces share what is left: each piece begins a row, and a stub would be seen.
+/// Starts count from that of the line. Looks at the text around each cut alone.
+std::vector<qsizetype> cutIntoPieces(const TextTree& text, TextRange line);
 
 /// The pieces of all lines that are longer than one piece, by line number from 0.
 class LongLines
@@ -46,6 +46,14 @@ public:
     const LinePieces* find(qsizetype line) const;
     void erase(qsizetype line) { lines_.erase(line); }
     LinePieces* insert(qsizetype line, LinePieces pieces) { return &(lines_[line] = std::move(pieces)); }
+    /// Calls `look(line, pieces)` for each in order.
+    template <typename Look>
+    void forEach(Look look)
+    {
+        for (auto& [line, pieces] : lines_) {
+            look(line, pieces);
+        }
+    }
     /// Forgets the lines that an edit replaced and renumbers those behind it.
     void linesReplaced(const TextEdit& edit);
 

@@ -23,9 +23,15 @@ qsizetype RowTable::rowCount() const
     return rowsBefore_.back();
 }
 
+bool RowTable::isMeasured(qsizetype line) const
+{
+    return blocks_[placeOf(line).block].isMeasured();
+}
+
 qsizetype RowTable::rowsOf(qsizetype line) const
 {
     const Place place = placeOf(line);
+    measure(place.block);
     return blocks_[place.block].rows[place.index];
 }
 
@@ -36,26 +42,51 @@ qsizetype RowTable::firstRow(qsizetype line) const
         return rowsBefore_.back();
     }
     const Place place = placeOf(line);
+    if (place.index == 0) {
+        return rowsBefore_[place.block];
+    }
+    measure(place.block);
     const std::vector<int>& rows = blocks_[place.block].rows;
     return std::accumulate(rows.begin(), rows.begin() + static_cast<qsizetype>(place.index), rowsBefore_[place.block]);
 }
 
 RowPosition RowTable::at(qsizetype row) const
 {
-    refreshSums();
-    const qsizetype wanted = std::clamp<qsizetype>(row, 0, rowsBefore_.back() - 1);
-    const auto behind = std::upper_bound(rowsBefore_.begin(), rowsBefore_.end(), wanted);
-    const auto block = static_cast<std::size_t>(behind - rowsBefore_.begin()) - 1;
-    qsizetype rest = wanted - rowsBefore_[block];
-    qsizetype line = linesBefore_[block];
-    for (const int rows : blocks_[block].rows) {
-        if (rest < rows) {
-            break;
+    // Measuring a block moves those behind it, so that the row may be found in another one.
+    for (;;) {
+        refreshSums();
+        const qsizetype wanted = std::clamp<qsizetype>(row, 0, rowsBefore_.back() - 1);
+        const auto behind = std::upper_bound(rowsBefore_.begin(), rowsBefore_.end(), wanted);
+        const auto block = static_cast<std::size_t>(behind - rowsBefore_.begin()) - 1;
+        if (!blocks_[block].isMeasured()) {
+            measure(block);
+            continue;
         }
-        rest -= rows;
-        ++line;
+        qsizetype rest = wanted - rowsBefore_[block];
+        qsizetype line = linesBefore_[block];
+        for (const int rows : blocks_[block].rows) {
+            if (rest < rows) {
+                break;
+            }
+            rest -= rows;
+            ++line;
+        }
+        return {line, rest};
     }
-    return {line, rest};
+}
+
+void RowTable::measure(std::size_t number) const
+{
+    Block& block = blocks_[number];
+    if (block.isMeasured()) {
+        return;
+    }
+    block.rows = measure_->rowsOfLines(linesBefore_[number], block.lines);
+    const qsizetype sum = std::accumulate(block.rows.begin(), block.rows.end(), qsizetype(0));
+    if (std::exchange(block.sum, sum) != sum) {
+        firstStale_ = std::min(firstStale_, number);
+        measure_->guessCorrected();
+    }
 }
 
 void RowTable::assign(const std::vector<int>& rows)
@@ -65,9 +96,17 @@ void RowTable::assign(const std::vector<int>& rows)
     firstStale_ = 0;
 }
 
+void RowTable::assignUnmeasured(qsizetype lines)
+{
+    blocks_.clear();
+    appendUnmeasured(blocks_, 0, lines);
+    firstStale_ = 0;
+}
+
 void RowTable::setRows(qsizetype line, int rows)
 {
     const Place place = placeOf(line);
+    measure(place.block);
     Block& block = blocks_[place.block];
     const int change = rows - block.rows[place.index];
     if (change == 0) {
@@ -80,24 +119,19 @@ void RowTable::setRows(qsizetype line, int rows)
 
 void RowTable::replaceLines(qsizetype first, qsizetype removed, const std::vector<int>& added)
 {
-    if (first >= lineCount()) {
-        appendBlocks(blocks_, added);
-        firstStale_ = 0;
+    const auto [from, end] = blocksOf(first, removed);
+    const auto isUnmeasured = [](const Block& block) { return !block.isMeasured(); };
+    if (std::any_of(blocks_.begin() + static_cast<qsizetype>(from), blocks_.begin() + static_cast<qsizetype>(end),
+                    isUnmeasured)) {
+        replaceWithUnmeasured(first, removed, static_cast<qsizetype>(added.size()));
         return;
     }
     // The touched blocks are put together, changed and cut into blocks again.
-    const Place from = placeOf(first);
     std::vector<int> rows;
-    std::size_t last = from.block;
-    for (qsizetype covered = -static_cast<qsizetype>(from.index); covered < removed || last == from.block; ++last) {
-        if (last >= blocks_.size()) {
-            break;
-        }
-        const std::vector<int>& more = blocks_[last].rows;
-        covered += static_cast<qsizetype>(more.size());
-        rows.insert(rows.end(), more.begin(), more.end());
+    for (std::size_t block = from; block < end; ++block) {
+        rows.insert(rows.end(), blocks_[block].rows.begin(), blocks_[block].rows.end());
     }
-    const auto at = rows.begin() + static_cast<qsizetype>(from.index);
+    const auto at = rows.begin() + (first - linesBefore_[from]);
     const qsizetype common = std::min<qsizetype>(removed, static_cast<qsizetype>(added.size()));
     std::copy_n(added.begin(), common, at);
     if (removed > common) {
@@ -107,10 +141,36 @@ void RowTable::replaceLines(qsizetype first, qsizetype removed, const std::vecto
     }
     std::vector<Block> rebuilt;
     appendBlocks(rebuilt, rows);
-    const auto position = blocks_.erase(blocks_.begin() + static_cast<qsizetype>(from.block),
-                                        blocks_.begin() + static_cast<qsizetype>(last));
-    blocks_.insert(position, std::make_move_iterator(rebuilt.begin()), std::make_move_iterator(rebuilt.end()));
-    firstStale_ = std::min(firstStale_, from.block);
+    replaceBlocks(from, end, std::move(rebuilt));
+}
+
+void RowTable::replaceWithUnmeasured(qsizetype first, qsizetype removed, qsizetype added)
+{
+    const auto [from, end] = blocksOf(first, removed);
+    const qsizetype lines = linesBefore_[end] - linesBefore_[from] - removed + added;
+    std::vector<Block> rebuilt;
+    appendUnmeasured(rebuilt, linesBefore_[from], lines);
+    replaceBlocks(from, end, std::move(rebuilt));
+}
+
+std::pair<std::size_t, std::size_t> RowTable::blocksOf(qsizetype first, qsizetype count) const
+{
+    refreshSums();
+    const auto blockAt = [this](qsizetype line) {
+        const auto behind = std::upper_bound(linesBefore_.begin(), linesBefore_.end(), line);
+        return std::min(static_cast<std::size_t>(behind - linesBefore_.begin()) - 1, blocks_.size());
+    };
+    const std::size_t from = blockAt(first);
+    const std::size_t last = count > 0 ? blockAt(first + count - 1) : from;
+    return {from, std::min(last + 1, blocks_.size())};
+}
+
+void RowTable::replaceBlocks(std::size_t first, std::size_t end, std::vector<Block> with)
+{
+    const auto position =
+        blocks_.erase(blocks_.begin() + static_cast<qsizetype>(first), blocks_.begin() + static_cast<qsizetype>(end));
+    blocks_.insert(position, std::make_move_iterator(with.begin()), std::make_move_iterator(with.end()));
+    firstStale_ = std::min(firstStale_, first);
 }
 
 RowTable::Place RowTable::placeOf(qsizetype line) const
@@ -128,10 +188,21 @@ void RowTable::appendBlocks(std::vector<Block>& blocks, const std::vector<int>& 
         const std::size_t rest = rows.size() - at;
         const std::size_t size = rest <= blockSize + blockSize / 2 ? rest : blockSize;
         const auto first = rows.begin() + static_cast<qsizetype>(at);
-        Block block{{first, first + static_cast<qsizetype>(size)}, 0};
+        Block block{{first, first + static_cast<qsizetype>(size)}, static_cast<qsizetype>(size), 0};
         block.sum = std::accumulate(block.rows.begin(), block.rows.end(), qsizetype(0));
         blocks.push_back(std::move(block));
         at += size;
+    }
+}
+
+void RowTable::appendUnmeasured(std::vector<Block>& blocks, qsizetype firstLine, qsizetype lines) const
+{
+    constexpr auto most = static_cast<qsizetype>(blockSize);
+    while (lines > 0) {
+        const qsizetype size = lines <= most + most / 2 ? lines : most;
+        blocks.push_back({{}, size, measure_->guessedRows(firstLine, size)});
+        firstLine += size;
+        lines -= size;
     }
 }
 
@@ -143,7 +214,7 @@ void RowTable::refreshSums() const
     linesBefore_.resize(blocks_.size() + 1);
     rowsBefore_.resize(blocks_.size() + 1);
     for (std::size_t block = firstStale_; block < blocks_.size(); ++block) {
-        linesBefore_[block + 1] = linesBefore_[block] + static_cast<qsizetype>(blocks_[block].rows.size());
+        linesBefore_[block + 1] = linesBefore_[block] + blocks_[block].lines;
         rowsBefore_[block + 1] = rowsBefore_[block] + blocks_[block].sum;
     }
     firstStale_ = blocks_.size();

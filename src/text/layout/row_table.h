@@ -3,6 +3,7 @@
 
 #include <QtGlobal>
 
+#include <utility>
 #include <vector>
 
 namespace kelm {
@@ -16,11 +17,30 @@ struct RowPosition
     friend bool operator==(RowPosition, RowPosition) = default;
 };
 
+/// Tells how many rows lines take, for those that nobody has asked for yet.
+class RowMeasure
+{
+public:
+    virtual ~RowMeasure() = default;
+
+    /// The number of rows of each of `count` lines from `first` on.
+    virtual std::vector<int> rowsOfLines(qsizetype first, qsizetype count) = 0;
+    /// The number of rows of all of them together, more or less, without a look at each.
+    virtual qsizetype guessedRows(qsizetype first, qsizetype count) = 0;
+    /// Lines were measured that together have another number of rows than was guessed.
+    virtual void guessCorrected() = 0;
+};
+
 /// The number of rows of every line, with prefix sums over blocks of lines: from a line to its first row and back in
 /// logarithmic time, and a changed count costs the blocks behind it one addition each, not the lines.
+///
+/// Of a long text the blocks are guessed as a whole, and measured when one of their lines is asked for.
 class RowTable
 {
 public:
+    /// Without a measure all lines must be given their rows.
+    explicit RowTable(RowMeasure* measure = nullptr) : measure_(measure) {}
+
     qsizetype lineCount() const;
     qsizetype rowCount() const;
     qsizetype rowsOf(qsizetype line) const;
@@ -30,14 +50,25 @@ public:
     RowPosition at(qsizetype row) const;
 
     void assign(const std::vector<int>& rows);
+    /// That many lines, to be measured when they are asked for.
+    void assignUnmeasured(qsizetype lines);
     void setRows(qsizetype line, int rows);
     void replaceLines(qsizetype first, qsizetype removed, const std::vector<int>& added);
+    /// The same with lines that are measured when they are asked for; the measure already knows them by their new
+    /// numbers. Not a block is measured now.
+    void replaceWithUnmeasured(qsizetype first, qsizetype removed, qsizetype added);
+    /// Whether the rows of a line are known and not guessed.
+    bool isMeasured(qsizetype line) const;
 
 private:
     struct Block
     {
+        /// Empty where the block is not measured.
         std::vector<int> rows;
+        qsizetype lines = 0;
         qsizetype sum = 0;
+
+        bool isMeasured() const { return !rows.empty(); }
     };
 
     struct Place
@@ -47,10 +78,16 @@ private:
     };
 
     Place placeOf(qsizetype line) const;
+    void measure(std::size_t block) const;
+    /// The blocks that hold the lines: from the first to before the second.
+    std::pair<std::size_t, std::size_t> blocksOf(qsizetype first, qsizetype count) const;
     void appendBlocks(std::vector<Block>& blocks, const std::vector<int>& rows) const;
+    void appendUnmeasured(std::vector<Block>& blocks, qsizetype firstLine, qsizetype lines) const;
+    void replaceBlocks(std::size_t first, std::size_t end, std::vector<Block> with);
     void refreshSums() const;
 
-    std::vector<Block> blocks_;
+    RowMeasure* measure_;
+    mutable std::vector<Block> blocks_;
     // Lines and rows before each block, and one more entry for all of them; right up to `firstStale_`.
     mutable std::vector<qsizetype> linesBefore_{0};
     mutable std::vector<qsizetype> rowsBefore_{0};

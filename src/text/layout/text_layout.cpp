@@ -202,21 +202,15 @@ std::optional<QRectF> TextLayout::preeditCaretRect()
     return QRectF(x, topOfPiece(piece.key) + row * metrics_.rowHeight, 0, metrics_.rowHeight);
 }
 
-TextRange TextLayout::lineContent(qsizetype line) const
+const LinePieces* TextLayout::piecesOf(qsizetype line) const
 {
-    const LineIndex& lines = storage_.lines();
-    const qsizetype start = lines.start(line);
-    qsizetype end = lines.end(line);
-    const QString& text = storage_.text();
-    if (line + 1 < lines.lineCount()) {
-        end -= end - start >= 2 && text[end - 1] == u'\n' && text[end - 2] == u'\r' ? 2 : 1;
-    }
-    return {start, end - start};
+    table_.rowsOf(line);
+    return longLines_.find(line);
 }
 
 std::size_t TextLayout::pieceCount(qsizetype line) const
 {
-    const LinePieces* pieces = longLines_.find(line);
+    const LinePieces* pieces = piecesOf(line);
     return pieces != nullptr ? pieces->starts.size() : 1;
 }
 
@@ -238,14 +232,14 @@ std::optional<TextLayout::PieceKey> TextLayout::previousPiece(PieceKey key) cons
 
 TextLayout::PieceKey TextLayout::pieceOfRow(RowPosition position) const
 {
-    const LinePieces* pieces = longLines_.find(position.line);
+    const LinePieces* pieces = piecesOf(position.line);
     return {position.line, pieces != nullptr ? pieces->pieceAtRow(position.row) : 0};
 }
 
 TextRange TextLayout::pieceRange(PieceKey key) const
 {
     const TextRange content = lineContent(key.line);
-    const LinePieces* pieces = longLines_.find(key.line);
+    const LinePieces* pieces = piecesOf(key.line);
     if (pieces == nullptr) {
         return content;
     }
@@ -258,7 +252,7 @@ TextLayout::PieceKey TextLayout::pieceAt(CaretPlace place) const
 {
     const qsizetype offset = std::clamp<qsizetype>(place.offset, 0, storage_.length());
     const qsizetype line = storage_.lines().lineAt(offset);
-    const LinePieces* pieces = longLines_.find(line);
+    const LinePieces* pieces = piecesOf(line);
     if (pieces == nullptr) {
         return {line, 0};
     }
@@ -341,7 +335,7 @@ void TextLayout::dropFarPieces()
 
 qreal TextLayout::topOfPiece(PieceKey key) const
 {
-    const LinePieces* pieces = longLines_.find(key.line);
+    const LinePieces* pieces = piecesOf(key.line);
     const qsizetype before = pieces != nullptr ? pieces->rowsBefore(key.piece) : 0;
     return topOfLine(key.line) + static_cast<qreal>(before) * metrics_.rowHeight;
 }

@@ -61,7 +61,7 @@ struct CaretPlace
 ///
 /// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each
 /// beginning a row. Main thread only.
-class TextLayout final : public QObject
+class TextLayout final : public QObject, private RowMeasure
 {
     Q_OBJECT
 
@@ -148,15 +148,22 @@ private:
     void longLineEdited(const TextEdit& edit);
     void movePreedit(const TextEdit& edit);
     void colorsChanged(TextRange range);
+    // RowMeasure
+    std::vector<int> rowsOfLines(qsizetype first, qsizetype count) override;
+    qsizetype guessedRows(qsizetype first, qsizetype count) override;
+    void guessCorrected() override { Q_EMIT rowsCorrected(); }
+
     void estimateAll();
     int estimatedRows(qsizetype units) const;
-    int estimateLine(qsizetype line);
+    int estimateLine(qsizetype line, TextRange extent);
     void reestimate(qsizetype first, qsizetype removed, qsizetype added);
     LinePieces cutLine(TextRange range) const;
     void estimatePieces(LinePieces& pieces, qsizetype length) const;
 
     /// A line's units without its terminator.
-    TextRange lineContent(qsizetype line) const;
+    TextRange lineContent(qsizetype line) const { return storage_.lines().content(line); }
+    /// The pieces of a line, if it is a long one. Knowing that takes measuring the lines around it.
+    const LinePieces* piecesOf(qsizetype line) const;
     std::size_t pieceCount(qsizetype line) const;
     std::optional<PieceKey> nextPiece(PieceKey key) const;
     std::optional<PieceKey> previousPiece(PieceKey key) const;
@@ -182,7 +189,7 @@ private:
     TextStorage& storage_;
     RowMetrics metrics_;
     qreal advance_ = 1;
-    RowTable table_;
+    RowTable table_{this};
     LongLines longLines_;
     Pieces pieces_;
     std::optional<Preedit> preedit_;

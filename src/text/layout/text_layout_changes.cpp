@@ -6,6 +6,14 @@
 
 namespace kelm {
 
+namespace {
+
+/// Up to this length all lines of a text are measured at once, some milliseconds; of a longer one those that are asked
+/// for.
+constexpr qsizetype mostMeasuredUnits = 1 << 20;
+
+} // namespace
+
 template <typename Rekey>
 void TextLayout::rekeyPieces(PieceKey first, PieceKey last, Rekey rekey)
 {
@@ -108,15 +116,18 @@ void TextLayout::colorsChanged(TextRange range)
 
 void TextLayout::estimateAll()
 {
-    const LineIndex& lines = storage_.lines();
-    std::vector<int> rows(static_cast<std::size_t>(lines.lineCount()));
-    for (qsizetype line = 0; line < lines.lineCount(); ++line) {
-        rows[static_cast<std::size_t>(line)] = estimateLine(line);
-    }
-    table_.assign(rows);
-    // What is laid out already is known better.
+    // What is laid out already is known better, once it has been wrapped again.
     for (const auto& [key, piece] : pieces_) {
         piece->wrappedFor = -1;
+    }
+    // The cuts of long lines stay, since pieces that are laid out already stand on them.
+    longLines_.forEach(
+        [this](qsizetype line, LinePieces& pieces) { estimatePieces(pieces, lineContent(line).length); });
+    const qsizetype lines = storage_.lines().lineCount();
+    if (storage_.length() > mostMeasuredUnits) {
+        table_.assignUnmeasured(lines);
+    } else {
+        table_.assign(rowsOfLines(0, lines));
     }
 }
 
@@ -126,42 +137,57 @@ int TextLayout::estimatedRows(qsizetype units) const
     return static_cast<int>(std::max<qsizetype>(1, (units + columns - 1) / columns));
 }
 
-int TextLayout::estimateLine(qsizetype line)
+int TextLayout::estimateLine(qsizetype line, TextRange extent)
 {
-    const LineIndex& lines = storage_.lines();
-    const qsizetype units = lines.end(line) - lines.start(line);
-    if (units <= longestPiece) {
-        // A terminator of one unit is as good as always there.
-        return estimatedRows(std::max<qsizetype>(0, units - 1));
+    if (extent.length > longestPiece) {
+        const TextRange content = lineContent(line);
+        if (content.length <= longestPiece) {
+            return estimatedRows(content.length);
+        }
+        LinePieces* pieces = longLines_.find(line);
+        if (pieces == nullptr) {
+            pieces = longLines_.insert(line, cutLine(content));
+        }
+        return static_cast<int>(pieces->rowCount());
     }
-    const TextRange content = lineContent(line);
-    if (content.length <= longestPiece) {
-        return estimatedRows(content.length);
+    const auto piece = pieces_.find({line, 0});
+    if (piece != pieces_.end() && piece->second && piece->second->wrappedFor == metrics_.width) {
+        return piece->second->rowCount();
     }
-    LinePieces* pieces = longLines_.find(line);
-    if (pieces == nullptr) {
-        pieces = longLines_.insert(line, cutLine(content));
-    } else {
-        // The cuts stay, since pieces that are laid out already stand on them.
-        estimatePieces(*pieces, content.length);
-    }
-    return static_cast<int>(pieces->rowCount());
+    // A terminator of one unit is as good as always there.
+    return estimatedRows(std::max<qsizetype>(0, extent.length - 1));
+}
+
+std::vector<int> TextLayout::rowsOfLines(qsizetype first, qsizetype count)
+{
+    std::vector<int> rows;
+    rows.reserve(static_cast<std::size_t>(count));
+    forEachLine(storage_.tree(), first, count,
+                [&](TextRange extent) { rows.push_back(estimateLine(first + qsizetype(rows.size()), extent)); });
+    return rows;
+}
+
+qsizetype TextLayout::guessedRows(qsizetype first, qsizetype count)
+{
+    const TextTree& text = storage_.tree();
+    const qsizetype units = text.lineStart(first + count) - text.lineStart(first);
+    return std::max<qsizetype>(count, estimatedRows(units - count));
 }
 
 void TextLayout::reestimate(qsizetype first, qsizetype removed, qsizetype added)
 {
-    std::vector<int> rows;
-    rows.reserve(static_cast<std::size_t>(added));
-    for (qsizetype line = first; line < first + added; ++line) {
-        rows.push_back(estimateLine(line));
+    constexpr qsizetype mostLines = 10'000;
+    if (added > mostLines) {
+        table_.replaceWithUnmeasured(first, removed, added);
+    } else {
+        table_.replaceLines(first, removed, rowsOfLines(first, added));
     }
-    table_.replaceLines(first, removed, rows);
 }
 
 LinePieces TextLayout::cutLine(TextRange range) const
 {
     LinePieces pieces;
-    pieces.starts = cutIntoPieces(QStringView(storage_.text()).mid(range.location, range.length));
+    pieces.starts = cutIntoPieces(storage_.tree(), range);
     estimatePieces(pieces, range.length);
     return pieces;
 }

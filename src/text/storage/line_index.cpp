@@ -1,130 +1,111 @@
 #include "text/storage/line_index.h"
 
+#include "text/storage/line_terminator.h"
+
+#include <utility>
+
 namespace kelm {
 
-namespace {
-
-constexpr char16_t lineFeed = u'\n';
-constexpr char16_t carriageReturn = u'\r';
-
-bool isOddTerminator(char16_t unit)
+const LineIndex::Known& LineIndex::known(qsizetype line) const
 {
-    return unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-}
-
-/// Whether the unit can end a line. Written so that the common unit falls out of the first comparison but one.
-bool mayTerminate(char16_t unit)
-{
-    return unit <= carriageReturn ? unit == lineFeed || unit == carriageReturn : isOddTerminator(unit);
-}
-
-/// Whether a line ends right behind the unit at `offset`.
-bool endsLine(QStringView text, qsizetype offset)
-{
-    const char16_t unit = text[offset].unicode();
-    if (unit == carriageReturn) {
-        return offset + 1 >= text.size() || text[offset + 1] != u'\n';
-    }
-    return unit == lineFeed || isOddTerminator(unit);
-}
-
-/// Whether the line end behind `offset` is neither a line feed nor the pair.
-bool isOddEnd(QStringView text, qsizetype offset)
-{
-    return text[offset] != u'\n' && endsLine(text, offset);
-}
-
-/// Calls `found` with the offset behind each line end whose last unit lies in `range`.
-template <typename Found>
-void forEachLineEnd(QStringView text, TextRange range, Found found)
-{
-    const char16_t* units = text.utf16();
-    for (qsizetype i = range.location; i < range.end(); ++i) {
-        if (mayTerminate(units[i]) && endsLine(text, i)) {
-            found(i + 1);
+    Known& known = known_[static_cast<std::size_t>(line) % mostKnown];
+    if (known.line != line) {
+        const qsizetype start = tree_.lineStart(line);
+        const qsizetype end = tree_.lineStart(line + 1);
+        known = {line, TextRange::between(start, end), 0};
+        if (line + 1 < lineCount()) {
+            known.terminator = end - start > 1 && tree_.at(end - 1) == u'\n' && tree_.at(end - 2) == u'\r' ? 2 : 1;
         }
     }
+    return known;
 }
 
-} // namespace
-
-qsizetype lineTerminatorLength(QStringView text, qsizetype offset)
+TextRange LineIndex::content(qsizetype line) const
 {
-    if (offset >= text.size() || !mayTerminate(text[offset].unicode())) {
-        return 0;
-    }
-    const bool isPair = text[offset] == u'\r' && offset + 1 < text.size() && text[offset + 1] == u'\n';
-    return isPair ? 2 : 1;
-}
-
-LineIndex::LineIndex()
-{
-    starts_.reset({0});
+    const Known& found = known(line);
+    return {found.extent.location, found.extent.length - found.terminator};
 }
 
 qsizetype LineIndex::lineAt(qsizetype offset) const
 {
-    return starts_.upperBound(std::max<qsizetype>(0, offset)) - 1;
+    if (lastLine_ < 0 || !extent(lastLine_).contains(offset)) {
+        lastLine_ = tree_.lineAt(offset);
+    }
+    return lastLine_;
 }
 
-void LineIndex::rebuild(QStringView text)
+void LineIndex::forget()
 {
-    std::vector<qsizetype> starts{0};
-    oddTerminators_ = 0;
-    forEachLineEnd(text, {0, text.size()}, [&](qsizetype start) {
-        starts.push_back(start);
-        oddTerminators_ += text[start - 1] != u'\n' ? 1 : 0;
+    known_.fill({});
+    lastLine_ = -1;
+}
+
+void forEachLine(const TextTree& text, qsizetype first, qsizetype count, const std::function<void(TextRange)>& look)
+{
+    const qsizetype from = text.lineStart(first);
+    qsizetype offset = from;
+    qsizetype start = from;
+    bool endsInReturn = false;
+    const auto lineEnds = [&](qsizetype end) {
+        look(TextRange::between(start, end));
+        start = end;
+        return --count > 0;
+    };
+    const bool hasMore = count > 0 && text.forEachPiece({from, text.length() - from}, [&](QStringView piece) {
+        qsizetype at = 0;
+        if (std::exchange(endsInReturn, false)) {
+            at = piece.front() == u'\n' ? 1 : 0;
+            if (!lineEnds(offset + at)) {
+                return false;
+            }
+        }
+        while (at < piece.size()) {
+            const qsizetype length = lineTerminatorLength(piece, at);
+            at += std::max(length, qsizetype(1));
+            if (length == 1 && at == piece.size() && piece.back() == u'\r') {
+                endsInReturn = true;
+            } else if (length > 0 && !lineEnds(offset + at)) {
+                return false;
+            }
+        }
+        offset += piece.size();
+        return true;
     });
-    starts_.reset(std::move(starts));
-    length_ = text.size();
+    if (hasMore && endsInReturn && !lineEnds(text.length())) {
+        return;
+    }
+    // The last line has no end.
+    if (hasMore) {
+        look(TextRange::between(start, text.length()));
+    }
 }
 
-TextRange LineIndex::affected(TextRange range, qsizetype textLength)
+TextEdit editBetween(const TextTree& before, const TextTree& after, TextRange range)
 {
-    const qsizetype start = std::max<qsizetype>(0, range.location - 1);
-    return {start, std::min(textLength, range.end() + 1) - start};
-}
-
-qsizetype LineIndex::countOdd(QStringView text, TextRange range)
-{
-    qsizetype count = 0;
-    for (qsizetype i = range.location; i < range.end(); ++i) {
-        count += mayTerminate(text[i].unicode()) && isOddEnd(text, i) ? 1 : 0;
+    const qsizetype change = after.length() - before.length();
+    // One unit more on each side, since a carriage return and a line feed that meet or part are two lines or one.
+    const TextRange old =
+        TextRange::between(std::max<qsizetype>(0, range.location - 1), std::min(before.length(), range.end() + 1));
+    const qsizetype lineBefore = before.lineAt(old.location);
+    qsizetype firstChanged = lineBefore + 1;
+    qsizetype removed = before.lineAt(old.end()) - lineBefore;
+    qsizetype added = after.lineAt(old.end() + change) - after.lineAt(old.location);
+    if (removed > 0 && added > 0) {
+        const qsizetype start = after.lineStart(firstChanged);
+        if (start <= range.location && start == before.lineStart(firstChanged)) {
+            ++firstChanged;
+            --removed;
+            --added;
+        }
     }
-    return count;
-}
-
-TextEdit LineIndex::replace(QStringView text, TextRange range, qsizetype newLength, qsizetype oddRemoved)
-{
-    const qsizetype change = newLength - range.length;
-    const TextRange before = affected(range, length_);
-    const TextRange after{before.location, before.length + change};
-
-    std::vector<qsizetype> added;
-    forEachLineEnd(text, after, [&added](qsizetype start) { added.push_back(start); });
-    qsizetype firstRemoved = starts_.upperBound(before.location);
-    qsizetype removedCount = starts_.upperBound(before.end()) - firstRemoved;
-    // A line end right before or behind the replaced range that stayed one bounds the change: it is no part of it.
-    if (removedCount > 0 && !added.empty() && added.front() <= range.location &&
-        added.front() == starts_.at(firstRemoved)) {
-        added.erase(added.begin());
-        ++firstRemoved;
-        --removedCount;
+    if (removed > 0 && added > 0) {
+        const qsizetype start = before.lineStart(firstChanged + removed - 1);
+        if (start > range.end() && after.lineStart(firstChanged + added - 1) == start + change) {
+            --removed;
+            --added;
+        }
     }
-    const qsizetype lastRemoved = firstRemoved + removedCount - 1;
-    if (removedCount > 0 && !added.empty() && starts_.at(lastRemoved) > range.end() &&
-        added.back() == starts_.at(lastRemoved) + change) {
-        added.pop_back();
-        --removedCount;
-    }
-    const qsizetype firstLine = firstRemoved - 1;
-
-    const auto addedCount = static_cast<qsizetype>(added.size());
-    starts_.replace(firstRemoved, removedCount, added);
-    starts_.shift(firstRemoved + addedCount, change);
-    oddTerminators_ += countOdd(text, after) - oddRemoved;
-    length_ += change;
-    return {range, newLength, firstLine, removedCount + 1, addedCount + 1};
+    return {range, range.length + change, firstChanged - 1, removed + 1, added + 1};
 }
 
 } // namespace kelm

@@ -1,51 +1,59 @@
 // Where the lines of a text begin.
 #pragma once
 
-#include "text/storage/shifted_offsets.h"
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
-#include <QStringView>
+#include <array>
+#include <functional>
 
 namespace kelm {
 
-/// The starts of all lines of a text, kept right through edits without a second look at the whole text.
-///
-/// A line ends behind a line feed, a carriage return, the pair of both, U+0085, U+2028 or U+2029; the last line ends at
-/// the end of the text and may be empty. Lines count from 0, and a text has always at least one.
+/// The lines of a tree that is edited, as `TextTree` counts them, with a memory for those that were asked for last:
+/// what is on screen is asked for many times between two edits. One thread.
 class LineIndex
 {
 public:
-    LineIndex();
+    /// The tree outlives the index.
+    explicit LineIndex(const TextTree& tree) : tree_(tree) {}
 
-    qsizetype lineCount() const { return starts_.size(); }
+    qsizetype lineCount() const { return tree_.lineCount(); }
     /// The offset of the first unit of a line.
-    qsizetype start(qsizetype line) const { return starts_.at(line); }
+    qsizetype start(qsizetype line) const { return known(line).extent.location; }
     /// The offset behind a line's terminator: the next line's start or the text's length.
-    qsizetype end(qsizetype line) const { return line + 1 < lineCount() ? starts_.at(line + 1) : length_; }
+    qsizetype end(qsizetype line) const { return known(line).extent.end(); }
+    /// A line with its terminator.
+    TextRange extent(qsizetype line) const { return known(line).extent; }
+    /// A line without its terminator.
+    TextRange content(qsizetype line) const;
     /// The line that holds `offset`; an offset at or past the end lies in the last line.
     qsizetype lineAt(qsizetype offset) const;
-    /// How many lines end in something else than a line feed or the pair of carriage return and line feed.
-    qsizetype oddTerminators() const { return oddTerminators_; }
 
-    void rebuild(QStringView text);
-
-    /// Takes over a replacement that `text`, as it now is, already holds: `range` of the old text became `newLength`
-    /// units. `oddRemoved` says how many of the replaced and adjoining line ends were odd (`countOdd` over `affected`).
-    TextEdit replace(QStringView text, TextRange range, qsizetype newLength, qsizetype oddRemoved);
-
-    /// The range of the text that has to be looked at for a replacement of `range`: one unit more on each side, since a
-    /// carriage return and a line feed that meet or part are two lines or one.
-    static TextRange affected(TextRange range, qsizetype textLength);
-    /// The number of odd line ends whose last unit lies in `range`.
-    static qsizetype countOdd(QStringView text, TextRange range);
+    /// The tree is another one now.
+    void forget();
 
 private:
-    ShiftedOffsets starts_;
-    qsizetype length_ = 0;
-    qsizetype oddTerminators_ = 0;
+    struct Known
+    {
+        qsizetype line = -1;
+        TextRange extent;
+        qsizetype terminator = 0;
+    };
+    const Known& known(qsizetype line) const;
+
+    static constexpr std::size_t mostKnown = 256;
+
+    const TextTree& tree_;
+    mutable std::array<Known, mostKnown> known_;
+    mutable qsizetype lastLine_ = -1;
 };
 
-/// The length of the line terminator at `offset`, 0 where none begins.
-qsizetype lineTerminatorLength(QStringView text, qsizetype offset);
+/// Calls `look` with the extents, terminators included, of `count` lines from `first` on.
+void forEachLine(const TextTree& text, qsizetype first, qsizetype count, const std::function<void(TextRange)>& look);
+
+/// What the replacement of `range` of the text `before`, by as many units as `after` has more or less, did to its
+/// lines. A line end beside the range that stayed bounds the change and is no part of it, though a carriage return and
+/// a line feed that meet or part there are.
+TextEdit editBetween(const TextTree& before, const TextTree& after, TextRange range);
 
 } // namespace kelm

@@ -1,7 +1,7 @@
 // Lines and columns as they are shown to people.
 #pragma once
 
-#include "text/storage/text_storage.h"
+#include "text/storage/text_tree.h"
 
 #include <QtGlobal>
 
@@ -16,11 +16,7 @@ struct LineAndColumn
     friend bool operator==(LineAndColumn, LineAndColumn) = default;
 };
 
-/// The number of line feeds before an offset. Answered from the line index where all lines end in line feeds; else the
-/// text before the offset is counted.
-qsizetype lineFeedsBefore(const TextStorage& storage, qsizetype offset);
-
-/// Where an offset stands.
-LineAndColumn lineAndColumnAt(const TextStorage& storage, qsizetype offset);
+/// Where an offset stands, which is clamped to the text. Costs the way to two pieces, however long the line is.
+LineAndColumn lineAndColumnAt(const TextTree& text, qsizetype offset);
 
 } // namespace kelm

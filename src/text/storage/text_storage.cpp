@@ -6,12 +6,6 @@ namespace kelm {
 
 TextStorage::TextStorage(QObject* parent) : QObject(parent) {}
 
-QString TextStorage::substring(TextRange range) const
-{
-    const TextRange wanted = range.clampedTo(length());
-    return text_.mid(wanted.location, wanted.length);
-}
-
 TextRange TextStorage::lineRange(TextRange range) const
 {
     const TextRange wanted = range.clampedTo(length());
@@ -41,7 +35,7 @@ void TextStorage::endEditing()
     }
 }
 
-void TextStorage::replace(TextRange range, QStringView replacement)
+void TextStorage::replace(TextRange range, const TextTree& replacement)
 {
     const TextRange wanted = range.clampedTo(length());
     if (wanted.isEmpty() && replacement.isEmpty()) {
@@ -52,17 +46,13 @@ void TextStorage::replace(TextRange range, QStringView replacement)
         Q_EMIT willEdit();
     }
     Q_EMIT willReplace(wanted, replacement);
-    const qsizetype oddRemoved = LineIndex::countOdd(text_, LineIndex::affected(wanted, length()));
-    if (wanted.location == length()) {
-        // Room at the end grows without a copy where the system can move pages.
-        text_.append(replacement);
-    } else {
-        text_.replace(wanted.location, wanted.length, replacement.data(), replacement.size());
-    }
+    const TextTree before = tree_;
+    tree_.replace(wanted, replacement);
     ++revision_;
-    const TextEdit edit = lines_.replace(text_, wanted, replacement.size(), oddRemoved);
-    foreground_.textReplaced(wanted, replacement.size());
-    background_.textReplaced(wanted, replacement.size());
+    lines_.forget();
+    const TextEdit edit = editBetween(before, tree_, wanted);
+    foreground_.textReplaced(wanted, replacement.length());
+    background_.textReplaced(wanted, replacement.length());
     pendingEdit_ = pendingEdit_ ? pendingEdit_->followedBy(edit) : edit;
     if (pendingColors_) {
         const qsizetype start = edit.moved(pendingColors_->location);
@@ -70,17 +60,17 @@ void TextStorage::replace(TextRange range, QStringView replacement)
     }
 }
 
-void TextStorage::setText(const QString& text)
+void TextStorage::setText(const TextTree& text)
 {
     const EditingBracket bracket(*this);
     if (!pendingEdit_) {
         Q_EMIT willEdit();
     }
     Q_EMIT willReset();
-    TextEdit edit{{0, length()}, text.size(), 0, lines_.lineCount(), 0};
-    text_ = text;
+    TextEdit edit{{0, length()}, text.length(), 0, lines_.lineCount(), 0};
+    tree_ = text;
     ++revision_;
-    lines_.rebuild(text_);
+    lines_.forget();
     foreground_.clear(length());
     background_.clear(length());
     edit.linesAdded = lines_.lineCount();

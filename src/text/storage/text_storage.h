@@ -4,6 +4,7 @@
 #include "text/storage/color_runs.h"
 #include "text/storage/line_index.h"
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
 #include <QObject>
 #include <QString>
@@ -15,9 +16,8 @@ namespace kelm {
 /// One UTF-16 text that is edited in place. Whatever is put in comes out unit for unit: nothing is normalised, repaired
 /// or dropped, be it a carriage return, a NUL, a byte-order mark or an unpaired surrogate.
 ///
-/// The text is one flat string. Inserting into it moves the units behind once; a second holder of the same shared
-/// string would make each edit copy the whole text first, so nobody keeps what `text()` returns across an edit. Who
-/// must keep it lets go in `willEdit` and takes it back in `edited`.
+/// The storage owns the text, alone, as a tree: an edit anywhere costs the way to one piece. `snapshot` gives the text
+/// as it stands, for nothing, to whoever needs it longer than until the next edit, or on another thread.
 ///
 /// Main thread only. Offsets outside the text are clamped to it.
 class TextStorage final : public QObject
@@ -27,9 +27,14 @@ class TextStorage final : public QObject
 public:
     explicit TextStorage(QObject* parent = nullptr);
 
-    const QString& text() const { return text_; }
-    qsizetype length() const { return text_.size(); }
-    QString substring(TextRange range) const;
+    /// The text as it is, which changes with the next edit.
+    const TextTree& tree() const { return tree_; }
+    /// The text as it stands now, for as long as it is kept.
+    TextTree snapshot() const { return tree_; }
+    /// A copy of the whole text: linear in it, and not for what is done at every key.
+    QString text() const { return tree_.toString(); }
+    qsizetype length() const { return tree_.length(); }
+    QString substring(TextRange range) const { return tree_.substring(range); }
     const LineIndex& lines() const { return lines_; }
     const ColorRuns& foreground() const { return foreground_; }
     const ColorRuns& background() const { return background_; }
@@ -44,9 +49,11 @@ public:
     void beginEditing();
     void endEditing();
 
-    void replace(TextRange range, QStringView replacement);
-    /// Puts a whole new text in the place of the old one, sharing the string. It has no colours.
-    void setText(const QString& text);
+    void replace(TextRange range, const TextTree& replacement);
+    void replace(TextRange range, QStringView replacement) { replace(range, TextTree(replacement)); }
+    /// Puts a whole new text in the place of the old one. It has no colours.
+    void setText(const TextTree& text);
+    void setText(QStringView text) { setText(TextTree(text)); }
 
     void setForeground(TextRange range, ColorRuns::Color color);
     /// Colours several ranges in one go; see `ColorRuns::set`.
@@ -59,7 +66,7 @@ Q_SIGNALS:
     /// Right before the first edit between `beginEditing` and `endEditing`; the text is still the old one.
     void willEdit();
     /// Right before each single replacement, with offsets of that moment.
-    void willReplace(kelm::TextRange range, QStringView replacement);
+    void willReplace(kelm::TextRange range, const kelm::TextTree& replacement);
     /// Right before the whole text is put aside for another.
     void willReset();
     /// The text has changed. One signal for all edits of a bracket.
@@ -70,8 +77,8 @@ Q_SIGNALS:
 private:
     void colorsChanged(TextRange range);
 
-    QString text_;
-    LineIndex lines_;
+    TextTree tree_;
+    LineIndex lines_{tree_};
     ColorRuns foreground_;
     ColorRuns background_;
     quint64 revision_ = 0;

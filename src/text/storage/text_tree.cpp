@@ -1,6 +1,6 @@
 #include "text/storage/text_tree.h"
 
-#include "text/storage/line_index.h"
+#include "text/storage/line_terminator.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,10 +19,11 @@ constexpr qsizetype freshPiece = 3072;
 struct LineEnds
 {
     qsizetype count = 0;
-    qsizetype odd = 0;
+    qsizetype feeds = 0;
+    qsizetype newlines = 0;
 };
 
-/// Four sums over the units rather than a walk from line to line, since these are taken many at a time.
+/// Sums over the units rather than a walk from line to line, since these are taken many at a time.
 LineEnds lineEndsIn(QStringView text)
 {
     const char16_t* const units = text.utf16();
@@ -30,18 +31,68 @@ LineEnds lineEndsIn(QStringView text)
     qsizetype feeds = 0;
     qsizetype returns = 0;
     qsizetype others = 0;
+    qsizetype tabs = 0;
     qsizetype pairs = 0;
     for (qsizetype at = 0; at < size; ++at) {
         feeds += units[at] == u'\n' ? 1 : 0;
         returns += units[at] == u'\r' ? 1 : 0;
         others += units[at] == u'\u0085' || units[at] == u'\u2028' || units[at] == u'\u2029' ? 1 : 0;
+        // The vertical one and the form feed.
+        tabs += units[at] == u'\v' || units[at] == u'\f' ? 1 : 0;
     }
     if (returns > 0) {
         for (qsizetype at = 1; at < size; ++at) {
             pairs += units[at - 1] == u'\r' && units[at] == u'\n' ? 1 : 0;
         }
     }
-    return {feeds + returns + others - pairs, returns - pairs + others};
+    return {feeds + returns + others - pairs, feeds, feeds + returns + others + tabs};
+}
+
+/// The place in `text` behind its n-th line end, n from 1, or its size where it has no more. A carriage return at the
+/// end counts as one.
+qsizetype behindLineEnd(QStringView text, qsizetype n)
+{
+    // Whole blocks are passed over by their sums.
+    constexpr qsizetype block = 256;
+    qsizetype at = 0;
+    while (at + block < text.size()) {
+        const bool isPairCut = text[at + block - 1] == u'\r' && text[at + block] == u'\n';
+        const qsizetype ends = lineEndsIn(text.sliced(at, block)).count - (isPairCut ? 1 : 0);
+        if (ends >= n) {
+            break;
+        }
+        n -= ends;
+        // The line feed of a pair that is cut counts in the next block.
+        at += block;
+    }
+    while (at < text.size()) {
+        const qsizetype length = lineTerminatorLength(text, at);
+        at += std::max(length, qsizetype(1));
+        if (length > 0 && --n == 0) {
+            return at;
+        }
+    }
+    return text.size();
+}
+
+/// The same for line feeds.
+qsizetype behindLineFeed(QStringView text, qsizetype n)
+{
+    constexpr qsizetype block = 256;
+    qsizetype at = 0;
+    for (; at + block < text.size(); at += block) {
+        const qsizetype feeds = text.sliced(at, block).count(u'\n');
+        if (feeds >= n) {
+            break;
+        }
+        n -= feeds;
+    }
+    for (; at < text.size(); ++at) {
+        if (text[at] == u'\n' && --n == 0) {
+            return at + 1;
+        }
+    }
+    return text.size();
 }
 
 } // namespace
@@ -54,7 +105,8 @@ struct TextTree::Node
     Tree right;
     qsizetype length = 0;
     qsizetype lineEnds = 0;
-    qsizetype oddLineEnds = 0;
+    qsizetype lineFeeds = 0;
+    qsizetype newlines = 0;
     QChar first;
     QChar last;
     quint8 height = 0;
@@ -81,7 +133,8 @@ struct TextTree::Building
         auto node = std::make_shared<Node>();
         node->length = piece.size();
         node->lineEnds = ends.count;
-        node->oddLineEnds = ends.odd;
+        node->lineFeeds = ends.feeds;
+        node->newlines = ends.newlines;
         node->first = piece.front();
         node->last = piece.back();
         node->piece = std::move(piece);
@@ -98,7 +151,8 @@ struct TextTree::Building
         node->height = quint8(1 + std::max(left->height, right->height));
         const bool isPair = left->last == u'\r' && right->first == u'\n';
         node->lineEnds = left->lineEnds + right->lineEnds - (isPair ? 1 : 0);
-        node->oddLineEnds = left->oddLineEnds + right->oddLineEnds - (isPair ? 1 : 0);
+        node->lineFeeds = left->lineFeeds + right->lineFeeds;
+        node->newlines = left->newlines + right->newlines;
         node->left = std::move(left);
         node->right = std::move(right);
         return node;
@@ -221,9 +275,14 @@ qsizetype TextTree::lineCount() const
     return root_ ? root_->lineEnds + 1 : 1;
 }
 
-qsizetype TextTree::oddTerminators() const
+qsizetype TextTree::lineFeeds() const
 {
-    return root_ ? root_->oddLineEnds : 0;
+    return root_ ? root_->lineFeeds : 0;
+}
+
+qsizetype TextTree::newlines() const
+{
+    return root_ ? root_->newlines : 0;
 }
 
 QChar TextTree::at(qsizetype offset) const
@@ -264,13 +323,10 @@ qsizetype TextTree::lineStart(qsizetype line) const
     // Behind the line's number of line ends. A carriage return at the end of a part is none when a line feed follows.
     qsizetype wanted = line;
     qsizetype before = 0;
-    bool lineFeedFollows = false;
     const Node* node = root_.get();
     while (!node->isPiece()) {
-        const bool pair = node->partsPair();
-        const qsizetype inLeft = node->left->lineEndsBefore(pair);
+        const qsizetype inLeft = node->left->lineEndsBefore(node->partsPair());
         if (wanted <= inLeft) {
-            lineFeedFollows = node->right->first == u'\n';
             node = node->left.get();
         } else {
             wanted -= inLeft;
@@ -278,16 +334,7 @@ qsizetype TextTree::lineStart(qsizetype line) const
             node = node->right.get();
         }
     }
-    const QStringView piece(node->piece);
-    for (qsizetype at = 0; at < piece.size(); ++at) {
-        const qsizetype length = lineTerminatorLength(piece, at);
-        at += std::max(length - 1, qsizetype(0));
-        if (length > 0 && --wanted == 0) {
-            return before + at + 1;
-        }
-    }
-    Q_ASSERT(lineFeedFollows);
-    return before + piece.size();
+    return before + behindLineEnd(node->piece, wanted);
 }
 
 qsizetype TextTree::lineAt(qsizetype offset) const
@@ -318,6 +365,49 @@ qsizetype TextTree::lineAt(qsizetype offset) const
     return lines + lineEndsIn(before).count - (isCut ? 1 : 0);
 }
 
+qsizetype TextTree::lineFeedsBefore(qsizetype offset) const
+{
+    offset = std::clamp(offset, qsizetype(0), length());
+    if (!root_) {
+        return 0;
+    }
+    qsizetype feeds = 0;
+    const Node* node = root_.get();
+    while (!node->isPiece()) {
+        const qsizetype middle = node->left->length;
+        if (offset < middle) {
+            node = node->left.get();
+        } else {
+            feeds += node->left->lineFeeds;
+            offset -= middle;
+            node = node->right.get();
+        }
+    }
+    return feeds + QStringView(node->piece).first(offset).count(u'\n');
+}
+
+qsizetype TextTree::behindLineFeeds(qsizetype count) const
+{
+    if (count <= 0 || !root_) {
+        return 0;
+    }
+    if (count > lineFeeds()) {
+        return length();
+    }
+    qsizetype before = 0;
+    const Node* node = root_.get();
+    while (!node->isPiece()) {
+        if (count <= node->left->lineFeeds) {
+            node = node->left.get();
+        } else {
+            count -= node->left->lineFeeds;
+            before += node->left->length;
+            node = node->right.get();
+        }
+    }
+    return before + behindLineFeed(node->piece, count);
+}
+
 void TextTree::replace(TextRange range, QStringView replacement)
 {
     range = range.clampedTo(length());
@@ -327,6 +417,11 @@ void TextTree::replace(TextRange range, QStringView replacement)
 void TextTree::replace(TextRange range, const TextTree& replacement)
 {
     range = range.clampedTo(length());
+    if (root_ && replacement.root_ && replacement.root_->isPiece()) {
+        // Short texts go into the piece that is there, or many edits would leave many short pieces.
+        root_ = Building::replaced(root_, range.location, range.end(), replacement.root_->piece);
+        return;
+    }
     root_ = Building::joined(Building::joined(Building::partOf(root_, 0, range.location), replacement.root_),
                              Building::partOf(root_, range.end(), length()));
 }
@@ -361,6 +456,51 @@ bool operator==(const TextTree& a, const TextTree& b)
             return own.data() == other.data() || own == other;
         });
     });
+}
+
+bool operator==(const TextTree& a, QStringView b)
+{
+    return a.length() == b.size() && a.forEachPiece({0, a.length()}, [&b](QStringView piece) {
+        const QStringView other = b.first(piece.size());
+        b = b.sliced(piece.size());
+        return piece == other;
+    });
+}
+
+qsizetype commonStart(const TextTree& a, const TextTree& b)
+{
+    const qsizetype longest = std::min(a.length(), b.length());
+    qsizetype same = 0;
+    a.forEachPiece({0, longest}, [&](QStringView piece) {
+        return b.forEachPiece({same, piece.size()}, [&](QStringView other) {
+            const QStringView own = piece.first(other.size());
+            piece = piece.sliced(other.size());
+            const auto differing =
+                own.data() == other.data() ? own.end() : std::mismatch(own.begin(), own.end(), other.begin()).first;
+            same += differing - own.begin();
+            return differing == own.end();
+        });
+    });
+    return same;
+}
+
+qsizetype commonEnd(const TextTree& a, const TextTree& b, qsizetype start)
+{
+    // Block by block from the end; pieces are walked from their start alone.
+    constexpr qsizetype block = 4096;
+    const qsizetype longest = std::min(a.length(), b.length()) - start;
+    qsizetype same = 0;
+    while (same < longest) {
+        const qsizetype length = std::min(block, longest - same);
+        const QString own = a.substring({a.length() - same - length, length});
+        const QString other = b.substring({b.length() - same - length, length});
+        const qsizetype found = std::mismatch(own.rbegin(), own.rend(), other.rbegin()).first - own.rbegin();
+        same += found;
+        if (found < length) {
+            break;
+        }
+    }
+    return same;
 }
 
 int TextTree::height() const

@@ -29,8 +29,9 @@ public:
     qsizetype length() const;
     bool isEmpty() const { return length() == 0; }
     qsizetype lineCount() const;
-    /// How many lines end in something else than a line feed or the pair of carriage return and line feed.
-    qsizetype oddTerminators() const;
+    qsizetype lineFeeds() const;
+    /// The number of units that are newlines: U+000A to U+000D, U+0085, U+2028 and U+2029, each by itself.
+    qsizetype newlines() const;
 
     /// A null character at or behind the end.
     QChar at(qsizetype offset) const;
@@ -40,8 +41,16 @@ public:
 
     /// The offset of the first unit of a line; for a line behind the last the length.
     qsizetype lineStart(qsizetype line) const;
+    /// The offset behind a line's terminator: the next line's start, or the length.
+    qsizetype lineEnd(qsizetype line) const { return lineStart(line + 1); }
     /// The line that holds the offset; an offset at the end lies in the last line.
     qsizetype lineAt(qsizetype offset) const;
+
+    /// The number of line feeds before an offset.
+    qsizetype lineFeedsBefore(qsizetype offset) const;
+    /// The offset behind the first `count` line feeds: where a line begins that only line feeds end. 0 for none, the
+    /// length for more than there are.
+    qsizetype behindLineFeeds(qsizetype count) const;
 
     void replace(TextRange range, QStringView replacement);
     /// The same with a whole text, of which nothing is copied but its first and last piece.
@@ -54,8 +63,14 @@ public:
     /// pieces end is nowhere in particular, and may be between a pair of surrogates. False when `look` ended it.
     bool forEachPiece(TextRange range, const std::function<bool(QStringView piece)>& look) const;
 
-    /// Unit by unit; pieces that the two share are not looked at.
+    /// Unit by unit; what the two share is not looked at.
     friend bool operator==(const TextTree& a, const TextTree& b);
+    friend bool operator==(const TextTree& a, QStringView b);
+
+    /// How many units two texts have in common at their start.
+    friend qsizetype commonStart(const TextTree& a, const TextTree& b);
+    /// How many they have in common at their end, behind the first `start` units of both.
+    friend qsizetype commonEnd(const TextTree& a, const TextTree& b, qsizetype start);
 
     /// How many pieces a walk from the top to a piece passes at most; for tests and benchmarks.
     int height() const;

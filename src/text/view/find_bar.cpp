@@ -96,7 +96,7 @@ void FindBar::findNext()
         const TextRange selected = view_.selectedRange();
         const std::optional<TextRange> current = session_.currentMatch();
         const bool isSelected = current && *current == selected;
-        return session_.stepForward(isSelected ? FindQuery::behind(view_.text(), *current) : selected.end());
+        return session_.stepForward(isSelected ? FindQuery::behind(view_.storage().tree(), *current) : selected.end());
     });
 }
 
@@ -305,7 +305,7 @@ void FindBar::replaceCurrent()
     view_.editor().apply({{*match, *replacement}}, EditKind::other);
     // An empty match is not to be found again at the same place.
     if (match->isEmpty()) {
-        origin_ = FindQuery::behind(view_.text(), {origin_, 0});
+        origin_ = FindQuery::behind(view_.storage().tree(), {origin_, 0});
     }
     select(session_.stepForward(origin_));
 }

@@ -72,7 +72,8 @@ public:
 
     void setDelegate(TextViewDelegate* delegate) { delegate_ = delegate; }
 
-    const QString& text() const { return storage_.text(); }
+    /// A copy of the whole text, linear in it.
+    QString text() const { return storage_.text(); }
     TextRange selectedRange() const { return editor_.selectedRange(); }
     void setSelectedRange(TextRange range);
 

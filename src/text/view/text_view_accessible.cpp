@@ -1,6 +1,7 @@
 #include "text/view/text_view_accessible.h"
 
 #include "text/boundaries/text_boundaries.h"
+#include "text/storage/line_terminator.h"
 #include "text/view/text_view.h"
 
 #include <QAccessibleEditableTextInterface>
@@ -55,7 +56,7 @@ public:
     }
 
     // QAccessibleTextInterface. Offsets are UTF-16 units.
-    int characterCount() const override { return static_cast<int>(view().text().size()); }
+    int characterCount() const override { return static_cast<int>(view().storage().length()); }
 
     QString text(int start, int end) const override
     {
@@ -106,7 +107,7 @@ public:
     QRect characterRect(int offset) const override
     {
         const qsizetype at = std::clamp(offset, 0, characterCount());
-        const qsizetype next = nextGraphemeBoundary(view().text(), at);
+        const qsizetype next = nextGraphemeBoundary(view().storage().tree(), at);
         const QRectF from = view().caretRect({at, false});
         const QRectF to = view().caretRect({next, true});
         const qreal width = to.y() == from.y() ? std::max<qreal>(1, to.x() - from.x()) : 1;
@@ -146,7 +147,7 @@ public:
     QString textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
     {
         const TextRange unit = unitAt(offset, type);
-        const qsizetype length = view().text().size();
+        const qsizetype length = view().storage().length();
         return unit.end() >= length ? tell({length, 0}, start, end) : tell(unitAt(unit.end(), type), start, end);
     }
 
@@ -157,7 +158,7 @@ public:
     void replaceText(int start, int end, const QString& text) override
     {
         view().commitComposition();
-        const TextRange range = TextRange::between(start, end).clampedTo(view().text().size());
+        const TextRange range = TextRange::between(start, end).clampedTo(view().storage().length());
         view().editor().apply({{range, text}}, EditKind::other);
     }
 
@@ -181,15 +182,15 @@ private:
         std::vector<Selection> selections;
         selections.reserve(ranges.size());
         for (const TextRange range : ranges) {
-            selections.push_back(Selection::over(range.clampedTo(view().text().size())));
+            selections.push_back(Selection::over(range.clampedTo(view().storage().length())));
         }
         view().editor().setSelections(SelectionSet(std::move(selections)));
     }
 
     TextRange unitAt(qsizetype offset, QAccessible::TextBoundaryType type) const
     {
-        const QString& text = view().text();
-        const qsizetype at = std::clamp<qsizetype>(offset, 0, text.size());
+        const TextTree& text = view().storage().tree();
+        const qsizetype at = std::clamp<qsizetype>(offset, 0, text.length());
         switch (type) {
         case QAccessible::CharBoundary: {
             const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
@@ -198,11 +199,11 @@ private:
         case QAccessible::WordBoundary: {
             // A line end is a step of its own, or whoever goes from word to word would never get past it.
             const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
-            const qsizetype terminator = lineTerminatorLength(text, start);
+            const qsizetype terminator = lineTerminatorLength(text.substring({start, 2}), 0);
             return terminator > 0 ? TextRange{start, terminator} : wordAt(text, at);
         }
         case QAccessible::NoBoundary:
-            return {0, text.size()};
+            return {0, text.length()};
         default:
             // Sentences and paragraphs of a source text are its lines.
             return view().storage().lineRange({at, 0});

@@ -25,7 +25,7 @@ std::pair<qsizetype, qsizetype> surroundings(const TextView& view)
     const TextRange line = storage.lineRange({caret, 0});
     const qsizetype start = std::max(line.location, caret - surroundingUnits);
     const qsizetype end = std::min(line.end(), caret + surroundingUnits);
-    return {graphemeBoundaryAtOrBefore(storage.text(), start), graphemeBoundaryAtOrBefore(storage.text(), end)};
+    return {graphemeBoundaryAtOrBefore(storage.tree(), start), graphemeBoundaryAtOrBefore(storage.tree(), end)};
 }
 
 } // namespace

@@ -156,7 +156,7 @@ TextRange TextViewMouse::unitAt(qsizetype offset) const
     case Unit::character:
         return {offset, 0};
     case Unit::word:
-        return wordAt(view_.text(), offset);
+        return wordAt(view_.storage().tree(), offset);
     case Unit::line:
         return view_.storage().lineRange({offset, 0});
     }

@@ -1,42 +1,19 @@
 #include "workbench/status/text_counts.h"
 
-#include "app/document/document.h"
 #include "platform/text/character_sets.h"
+#include "text/boundaries/text_boundaries.h"
 
-#include <QTimerEvent>
+#include <QString>
+
+#include <algorithm>
 
 namespace kelm {
 
 namespace {
 
-/// A text up to this length is counted with each change: a fraction of a millisecond.
-constexpr qsizetype ordinaryLength = qsizetype(256) * 1024;
-constexpr qsizetype sliceLength = qsizetype(2) * 1024 * 1024;
-constexpr int restMilliseconds = 150;
-
-qsizetype newlinesIn(QStringView text)
-{
-    // Without a branch, so that the compiler can look at several units at once.
-    qsizetype count = 0;
-    for (const QChar character : text) {
-        const char16_t unit = character.unicode();
-        count += static_cast<int>(static_cast<char16_t>(unit - u'\n') <= u'\r' - u'\n') |
-                 static_cast<int>(unit == u'\u0085') | static_cast<int>(static_cast<char16_t>(unit - u'\u2028') <= 1);
-    }
-    return count;
-}
-
-} // namespace
-
-qsizetype newlineSeparatedCount(QStringView text)
-{
-    return newlinesIn(text) + 1;
-}
-
-qsizetype wordCount(QStringView text)
+qsizetype wordsIn(QStringView text, bool& isInWord)
 {
     qsizetype count = 0;
-    bool isInWord = false;
     for (const QChar character : text) {
         const bool isSpace = isWhitespaceOrNewline(character.unicode());
         count += static_cast<int>(!isSpace && !isInWord);
@@ -45,67 +22,27 @@ qsizetype wordCount(QStringView text)
     return count;
 }
 
-LineCounter::LineCounter(Document& document, QObject* parent) : QObject(parent), document_(document)
-{
-    connect(&document_, &Document::contentChanged, this, &LineCounter::refreshContent);
-    // Nothing is typed yet, so that the first slice may be counted at once.
-    countSlice();
-    if (position_ < document_.content().size()) {
-        timer_ = startTimer(0);
-    }
-}
+} // namespace
 
-void LineCounter::refreshContent()
+std::optional<TextCounts> countText(const TextTree& text, const std::atomic<bool>& stop)
 {
-    stopTimer();
-    if (document_.content().size() <= ordinaryLength) {
-        setCount(newlineSeparatedCount(document_.content()));
-        return;
+    constexpr qsizetype stretch = 1 << 18;
+    TextCounts counts;
+    bool isInWord = false;
+    for (qsizetype start = 0; start < text.length();) {
+        if (stop) {
+            return {};
+        }
+        // A stretch ends between two characters; one that is longer than it goes with the next.
+        const qsizetype wanted = std::min(start + stretch, text.length());
+        const qsizetype boundary = graphemeBoundaryAtOrBefore(text, wanted);
+        const qsizetype end = boundary > start ? boundary : wanted;
+        const QString units = text.substring(TextRange::between(start, end));
+        counts.characters += graphemeCount(units);
+        counts.words += wordsIn(units, isInWord);
+        start = end;
     }
-    position_ = 0;
-    begun_ = 1;
-    timer_ = startTimer(restMilliseconds);
-}
-
-void LineCounter::timerEvent(QTimerEvent* event)
-{
-    if (event->timerId() != timer_) {
-        return;
-    }
-    if (position_ == 0) {
-        stopTimer();
-        timer_ = startTimer(0);
-    }
-    countSlice();
-}
-
-void LineCounter::countSlice()
-{
-    // The text is read anew for each slice: a second owner of it would cost the next key a copy of the whole.
-    const QStringView text = document_.content();
-    const QStringView slice = text.mid(position_, sliceLength);
-    begun_ += newlinesIn(slice);
-    position_ += slice.size();
-    if (position_ >= text.size()) {
-        stopTimer();
-        setCount(begun_);
-    }
-}
-
-void LineCounter::stopTimer()
-{
-    if (timer_ != 0) {
-        killTimer(timer_);
-        timer_ = 0;
-    }
-}
-
-void LineCounter::setCount(qsizetype count)
-{
-    if (count != count_) {
-        count_ = count;
-        Q_EMIT countChanged();
-    }
+    return counts;
 }
 
 } // namespace kelm

@@ -1,47 +1,31 @@
 // The counts of a text that the status bar shows.
 #pragma once
 
-#include <QObject>
-#include <QStringView>
+#include "text/storage/text_tree.h"
+
+#include <atomic>
+#include <optional>
 
 namespace kelm {
 
-class Document;
-
 /// The pieces that `text` has between newlines, each of the two units of a CR LF pair being one; 1 for an empty text.
-qsizetype newlineSeparatedCount(QStringView text);
-
-/// The pieces between white space and newlines that are not empty.
-qsizetype wordCount(QStringView text);
-
-/// Keeps the number of a document's lines. A text of ordinary size is counted at once; a large one in slices, between
-/// which keys come through, once it has been at rest for a moment, and shows its last number until then.
-class LineCounter final : public QObject
+/// The tree knows it.
+inline qsizetype newlineSeparatedCount(const TextTree& text)
 {
-    Q_OBJECT
+    return text.newlines() + 1;
+}
 
-public:
-    explicit LineCounter(Document& document, QObject* parent = nullptr);
+struct TextCounts
+{
+    /// User-perceived characters.
+    qsizetype characters = 0;
+    /// The pieces between white space and newlines that are not empty.
+    qsizetype words = 0;
 
-    qsizetype count() const { return count_; }
-
-Q_SIGNALS:
-    void countChanged();
-
-private:
-    void refreshContent();
-    void countSlice();
-    void stopTimer();
-    void setCount(qsizetype count);
-
-    Document& document_;
-    qsizetype count_ = 1;
-    qsizetype begun_ = 1;
-    qsizetype position_ = 0;
-    int timer_ = 0;
-
-protected:
-    void timerEvent(QTimerEvent* event) override;
+    friend bool operator==(const TextCounts&, const TextCounts&) = default;
 };
+
+/// Counts a text; absent when `stop` was set before the end. Linear in the text; any thread.
+std::optional<TextCounts> countText(const TextTree& text, const std::atomic<bool>& stop);
 
 } // namespace kelm

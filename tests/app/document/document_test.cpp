@@ -23,6 +23,13 @@ Document untitled(const QString& text)
 
 } // namespace
 
+struct Editor : DocumentEditor
+{
+    TextTree text;
+
+    TextTree wholeText() const override { return text; }
+};
+
 class DocumentTest : public QObject
 {
     Q_OBJECT
@@ -41,8 +48,8 @@ private Q_SLOTS:
     void textsThatDifferOnlyInOddUnitsDiffer_data();
     void textsThatDifferOnlyInOddUnitsDiffer();
     void eachStoreTellsObserversBeforeTheFlagIsSet();
-    void aLentTextHasOneOwner();
-    void aReturnedTextModifiesOnlyWhenChanged();
+    void theTextIsDrawnFromTheEditor();
+    void aStoredTextWaitsForTheEditor();
     void eachFieldTellsOfItsChangeOnce();
     void labelsChangeNothingElse();
     void everyFieldIsAProperty();
@@ -64,7 +71,6 @@ void DocumentTest::aNewDocumentHasItsDefaults()
     QCOMPARE(document.title(), u"Untitled"_s);
     QCOMPARE(document.language(), Language(Language::plainText));
     QVERIFY(!document.id().isNull());
-    QVERIFY(!document.isContentLent());
 }
 
 void DocumentTest::constructionTakesWhatItIsGiven()
@@ -212,51 +218,51 @@ void DocumentTest::eachStoreTellsObserversBeforeTheFlagIsSet()
     connect(&document, &Document::contentChanged, this,
             [&] { events << u"content %1 %2"_s.arg(document.content()).arg(document.isModified()); });
     connect(&document, &Document::isModifiedChanged, this, [&] { events << u"modified"_s; });
-    const quint64 revision = document.contentRevision();
     document.setContent(u"two"_s);
     QCOMPARE(events, (QStringList{u"content two 0"_s, u"modified"_s}));
-    QCOMPARE(document.contentRevision(), revision + 1);
     document.setContent(u"two"_s);
     QCOMPARE(events.size(), 3);
-    QCOMPARE(document.contentRevision(), revision + 2);
 }
 
-void DocumentTest::aLentTextHasOneOwner()
-{
-    QString storage = u"a long enough text"_s;
-    storage.detach();
-    Document document = untitled(storage);
-    const QChar* const buffer = storage.constData();
-    QVERIFY(!storage.isDetached());
-    document.lendContent();
-    QVERIFY(document.isContentLent());
-    QVERIFY(storage.isDetached());
-    storage[0] = u'A';
-    QCOMPARE(storage.constData(), buffer);
-    document.returnContent(storage, true);
-    QVERIFY(!document.isContentLent());
-    QCOMPARE(document.content().constData(), buffer);
-    QCOMPARE(document.content(), u"A long enough text"_s);
-    QVERIFY(document.isModified());
-}
-
-void DocumentTest::aReturnedTextModifiesOnlyWhenChanged()
+void DocumentTest::theTextIsDrawnFromTheEditor()
 {
     Document document = untitled(u"one"_s);
-    QSignalSpy contentSpy(&document, &Document::contentChanged);
-    const quint64 revision = document.contentRevision();
-    document.lendContent();
-    document.returnContent(u"one"_s, false);
+    Editor editor;
+    editor.text = document.text();
+    document.setEditor(&editor);
+    QSignalSpy content(&document, &Document::contentChanged);
+    editor.text.replace({0, 0}, u"t");
+    QCOMPARE(document.content(), u"tone"_s);
     QVERIFY(!document.isModified());
-    QCOMPARE(contentSpy.count(), 1);
-    QCOMPARE(document.contentRevision(), revision + 1);
-    document.lendContent();
-    document.returnContent(u"two"_s, true);
+    document.noteEdit();
     QVERIFY(document.isModified());
-    QCOMPARE(document.title(), u"Untitled *"_s);
-    document.lendContent();
-    document.returnContent(u"two"_s, false);
+    QCOMPARE(content.count(), 1);
+    // What the editor leaves behind is the document's.
+    document.setEditor(nullptr);
+    editor.text = TextTree();
+    QCOMPARE(document.content(), u"tone"_s);
+}
+
+void DocumentTest::aStoredTextWaitsForTheEditor()
+{
+    Document document = untitled(u"one"_s);
+    Editor editor;
+    editor.text = document.text();
+    document.setEditor(&editor);
+    QVERIFY(!document.hasStoredText());
+    document.setContent(u"one"_s);
+    QVERIFY(!document.isModified());
+    document.setContent(u"two"_s);
     QVERIFY(document.isModified());
+    QVERIFY(document.hasStoredText());
+    QCOMPARE(document.content(), u"two"_s);
+    editor.text = document.takeStoredText();
+    QVERIFY(!document.hasStoredText());
+    QCOMPARE(document.content(), u"two"_s);
+    // One that was stored and never taken is not lost with the editor.
+    document.setContent(u"three"_s);
+    document.setEditor(nullptr);
+    QCOMPARE(document.content(), u"three"_s);
 }
 
 void DocumentTest::eachFieldTellsOfItsChangeOnce()
@@ -297,14 +303,14 @@ void DocumentTest::eachFieldTellsOfItsChangeOnce()
 void DocumentTest::labelsChangeNothingElse()
 {
     Document document = untitled(u"a\nb"_s);
-    const quint64 revision = document.contentRevision();
+    const QSignalSpy content(&document, &Document::contentChanged);
     document.setEncoding(TextEncoding::utf16);
     document.setLineEnding(LineEnding::crlf);
     document.setIndentStyle(IndentStyle::spaces(2));
     document.setCursorPosition({9, 9, 9});
     QCOMPARE(document.content(), u"a\nb"_s);
     QVERIFY(!document.isModified());
-    QCOMPARE(document.contentRevision(), revision);
+    QCOMPARE(content.count(), 0);
 }
 
 void DocumentTest::everyFieldIsAProperty()

@@ -49,7 +49,7 @@ private Q_SLOTS:
     void savingAfterTypingAndDeletingGivesTheSameBytes();
     void savingDoesNotTouchTheRecentFiles();
     void aFailedSaveIsPrintedAndKeepsTheFlag();
-    void aLentTextIsNotSaved();
+    void aTextOfManyPiecesIsSavedToTheByte();
     void savingAnUntitledDocumentAsksForAPlace();
     void savingElsewhere();
     void aCancelledSavePanelChangesNothing();
@@ -521,14 +521,19 @@ void AppStateTest::aFailedSaveIsPrintedAndKeepsTheFlag()
     QCOMPARE(fixture_->log.printed.size(), 2);
 }
 
-void AppStateTest::aLentTextIsNotSaved()
+void AppStateTest::aTextOfManyPiecesIsSavedToTheByte()
 {
+    // Pairs of surrogates stand across every place where a piece of the text can end.
+    const QString text = u"x"_s + u"😀한a"_s.repeated(20'000);
     const QUrl url = fixture_->write(u"a.txt"_s, "old");
     state().openFile(url);
-    state().currentDocument()->lendContent();
+    state().currentDocument()->setContent(text);
     state().saveCurrentDocument();
-    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("old"));
-    QCOMPARE(fixture_->log.printed.size(), 1);
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), text.toUtf8());
+    // Half a pair has no form in UTF-8.
+    state().currentDocument()->setContent(text + QChar(0xd83d));
+    state().saveCurrentDocument();
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), text.toUtf8() + "\xef\xbf\xbd");
 }
 
 void AppStateTest::savingAnUntitledDocumentAsksForAPlace()

@@ -141,7 +141,7 @@ void CodeFoldingManagerTest::detectionLeavesFoldsAlone()
     fixture.manager.detectFoldableRegions(Language::html);
     QVERIFY(fixture.manager.foldableRegions().empty());
     QVERIFY(fixture.manager.isFolded({0, 2, 5, FoldType::braces}));
-    QCOMPARE(fixture.manager.foldedContent().at(2), QStringLiteral("    1\n    2\n"));
+    QCOMPARE(fixture.manager.foldedContent().at(2).toString(), QStringLiteral("    1\n    2\n"));
     QCOMPARE(fixture.storage.text(), folded);
     fixture.manager.detectFoldableRegions(Language::cpp);
     // The text as it stands: the folded region has no line between its two any more.
@@ -195,7 +195,7 @@ void CodeFoldingManagerTest::foldingCutsTheBodyOut()
     QVERIFY(fixture.manager.isFolded(region));
     QVERIFY(fixture.manager.isTextFolded());
     QCOMPARE(fixture.manager.foldedRegionStartLines(), (std::set<qsizetype>{startLine}));
-    QCOMPARE(fixture.manager.foldedContent(), (std::map<qsizetype, QString>{{startLine, body}}));
+    QCOMPARE(fixture.manager.foldedContent(), (std::map<qsizetype, TextTree>{{startLine, TextTree(body)}}));
     QVERIFY(!fixture.manager.foldedLines().contains(startLine));
     QVERIFY(fixture.manager.foldedLines().contains(startLine + 1));
     QVERIFY(fixture.manager.foldedLines().contains(endLine - 1));
@@ -335,7 +335,7 @@ void CodeFoldingManagerTest::aGoneTextViewIsSilent()
     manager.unfoldAll();
     manager.detectFoldableRegions(Language::cpp);
     QVERIFY(manager.isFolded(region));
-    QCOMPARE(manager.foldedContent().at(2), QStringLiteral("    1\n    2\n"));
+    QCOMPARE(manager.foldedContent().at(2).toString(), QStringLiteral("    1\n    2\n"));
     QCOMPARE(manager.foldableRegions().size(), size_t(3));
 }
 

@@ -1,4 +1,5 @@
 #include "editor/folding/fold_scans.h"
+#include "support/naive_lines.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 #include "text/storage/line_index.h"
@@ -202,8 +203,7 @@ void FoldScansTest::unitsThatAreNoCharactersMatchNothing()
 /// The walk forward from each line, as it is told.
 static Spans naiveIndents(const QString& text)
 {
-    LineIndex index;
-    index.rebuild(text);
+    const test::NaiveLines index(text);
     QList<std::pair<int, int>> record;
     for (qsizetype line = 0; line < index.lineCount(); ++line) {
         int indent = 0;

@@ -89,7 +89,7 @@ void CursorPlacesTest::lineEndsStandBeforeTerminators()
     QCOMPARE(lineEnds(storage, {0, storage.length()}), (Offsets{3, 8, 9, 14}));
     QCOMPARE(lineEnds(storage, {6, 0}), (Offsets{8}));
     QCOMPARE(lineEnds(storage, {2, 4}), (Offsets{3, 8}));
-    storage.setText({});
+    storage.setText(QString());
     QCOMPARE(lineEnds(storage, {0, 0}), (Offsets{0}));
     storage.setText(u"a\n"_s);
     QCOMPARE(lineEnds(storage, {2, 0}), (Offsets{2}));
@@ -104,7 +104,7 @@ void CursorPlacesTest::selectionsGrowByUnits()
         QCOMPARE(expanded(storage, steps[step]), steps[step + 1]);
     }
     QCOMPARE(expanded(storage, {5, 6}), (TextRange{0, 14}));
-    storage.setText({});
+    storage.setText(QString());
     QCOMPARE(expanded(storage, {0, 0}), (TextRange{0, 0}));
 }
 

@@ -99,7 +99,8 @@ private Q_SLOTS:
     void contentFollowsEachKeyAndColoursFollowThePause();
     void aRunOfKeysGivesOneHighlightCycle();
     void foldableRegionsFollowThePause();
-    void typingEditsTheSharedTextInPlace();
+    void theDocumentHasWhatTheViewHoldsAndKeepsItAfterwards();
+    void aKeyRightBehindATextStoredElsewhereFindsThatText();
     void typingMarksTheDocumentModified();
     void contentChangedElsewhereIsShown();
     void contentChangedElsewhereIsAnUndoStep();
@@ -170,14 +171,25 @@ void EditorContainerViewTest::foldableRegionsFollowThePause()
     QCOMPARE(fixture.view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
 }
 
-void EditorContainerViewTest::typingEditsTheSharedTextInPlace()
+void EditorContainerViewTest::theDocumentHasWhatTheViewHoldsAndKeepsItAfterwards()
 {
     Fixture fixture(QString(100000, u'x'));
     fixture.type(QStringLiteral("a"));
-    const void* const buffer = fixture.storage().text().constData();
-    fixture.type(QStringLiteral("bcd"));
-    QCOMPARE(static_cast<const void*>(fixture.storage().text().constData()), buffer);
-    QCOMPARE(static_cast<const void*>(fixture.document->content().constData()), buffer);
+    QCOMPARE(fixture.document->content(), fixture.view->text());
+    fixture.view.reset();
+    QCOMPARE(fixture.document->content(), QStringLiteral("a") + QString(100000, u'x'));
+    QVERIFY(fixture.document->isModified());
+}
+
+void EditorContainerViewTest::aKeyRightBehindATextStoredElsewhereFindsThatText()
+{
+    Fixture fixture(QStringLiteral("old"));
+    fixture.document->setContent(QStringLiteral("a new text"));
+    fixture.type(QStringLiteral("x"));
+    QCOMPARE(fixture.document->content(), QStringLiteral("xa new text"));
+    QCOMPARE(fixture.view->text(), QStringLiteral("xa new text"));
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->text(), QStringLiteral("xa new text"));
 }
 
 void EditorContainerViewTest::typingMarksTheDocumentModified()

@@ -1,4 +1,5 @@
 #include "support/marked_text.h"
+#include "support/naive_lines.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 #include "text/editing/text_editor.h"
@@ -563,8 +564,7 @@ void TextEditorTest::randomEditsAgreeWithAPlainString()
         }
         }
         QCOMPARE(fixture.storage.text(), states[at]);
-        LineIndex rebuilt;
-        rebuilt.rebuild(fixture.storage.text());
+        const test::NaiveLines rebuilt(fixture.storage.text());
         QCOMPARE(fixture.storage.lines().lineCount(), rebuilt.lineCount());
         qsizetype end = -1;
         for (const Selection& selection : editor.selections().all()) {

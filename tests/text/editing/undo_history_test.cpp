@@ -129,7 +129,7 @@ void UndoHistoryTest::aTypedLineBreakEndsItsStep()
     history.push(typed(1, lineBreak));
     history.push(typed(1 + lineBreak.size(), QStringLiteral("b")));
     QCOMPARE(stepsOf(history), 2);
-    QCOMPARE(history.takeUndo()->replacements.front().inserted, QStringLiteral("b"));
+    QCOMPARE(history.takeUndo()->replacements.front().inserted.toString(), QStringLiteral("b"));
     QCOMPARE(history.takeUndo()->replacements.size(), std::size_t(2));
 }
 
@@ -224,7 +224,7 @@ void UndoHistoryTest::aForeignEditInTheSameTextForgetsTheStepAndAllBefore()
     history.foreignEdit({12, QStringLiteral("c"), QStringLiteral("CC")});
     const auto third = history.takeUndo();
     QVERIFY(third);
-    QCOMPARE(third->replacements.front().inserted, QStringLiteral("third"));
+    QCOMPARE(third->replacements.front().inserted.toString(), QStringLiteral("third"));
     QCOMPARE(third->replacements.front().location, qsizetype(31));
     QVERIFY(!history.hasUndo());
 }

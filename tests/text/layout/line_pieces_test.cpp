@@ -11,10 +11,15 @@ using namespace kelm;
 
 namespace {
 
+std::vector<qsizetype> cut(const QString& line)
+{
+    return cutIntoPieces(TextTree(line), {0, line.size()});
+}
+
 /// The lengths of the pieces of a line.
 std::vector<qsizetype> lengthsOf(const QString& line)
 {
-    std::vector<qsizetype> starts = cutIntoPieces(line);
+    std::vector<qsizetype> starts = cut(line);
     starts.push_back(line.size());
     std::vector<qsizetype> lengths;
     for (std::size_t i = 0; i + 1 < starts.size(); ++i) {
@@ -54,25 +59,25 @@ void LinePiecesTest::aShortLineIsOnePiece_data()
 void LinePiecesTest::aShortLineIsOnePiece()
 {
     QFETCH(qsizetype, length);
-    QCOMPARE(cutIntoPieces(QString(length, u'a')), std::vector<qsizetype>{0});
+    QCOMPARE(cut(QString(length, u'a')), std::vector<qsizetype>{0});
 }
 
 void LinePiecesTest::aLineIsCutBehindABlank()
 {
     QString line(longestPiece * 3, u'a');
     line[longestPiece - 10] = u' ';
-    const std::vector<qsizetype> starts = cutIntoPieces(line);
+    const std::vector<qsizetype> starts = cut(line);
     QCOMPARE(starts[1], longestPiece - 9);
 
     line[longestPiece - 10] = u'\t';
-    QCOMPARE(cutIntoPieces(line)[1], longestPiece - 9);
+    QCOMPARE(cut(line)[1], longestPiece - 9);
 }
 
 void LinePiecesTest::aBlankFarBeforeTheLimitDoesNotCut()
 {
     QString line(longestPiece * 3, u'a');
     line[longestPiece / 2] = u' ';
-    QCOMPARE(cutIntoPieces(line)[1], longestPiece);
+    QCOMPARE(cut(line)[1], longestPiece);
 }
 
 void LinePiecesTest::aLineWithoutBlanksIsCutBetweenCharacters_data()
@@ -90,7 +95,7 @@ void LinePiecesTest::aLineWithoutBlanksIsCutBetweenCharacters()
     // One letter at the top puts the limit into each place of a character in turn.
     for (qsizetype lead = 0; lead < character.size(); ++lead) {
         const QString line = QString(lead, u'a') + character.repeated(longestPiece);
-        for (const qsizetype start : cutIntoPieces(line)) {
+        for (const qsizetype start : cut(line)) {
             QCOMPARE(graphemeBoundaryAtOrBefore(line, start), start);
             QCOMPARE((start - lead) % character.size() == 0 || start == 0, true);
         }

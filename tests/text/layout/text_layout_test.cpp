@@ -1,6 +1,7 @@
 #include "support/random_text.h"
 #include "support/test_program.h"
 #include "text/layout/text_layout.h"
+#include "text/storage/line_terminator.h"
 
 #include <QPainter>
 #include <QSignalSpy>

@@ -42,9 +42,7 @@ void TextPositionTest::linesCountLineFeedsAlone()
 {
     QFETCH(QString, text);
     QFETCH(int, offset);
-    TextStorage storage;
-    storage.setText(text);
-    const LineAndColumn position = lineAndColumnAt(storage, offset);
+    const LineAndColumn position = lineAndColumnAt(TextTree(text), offset);
     QTEST(position.line, "line");
     QTEST(position.column, "column");
 }

@@ -1,3 +1,4 @@
+#include "support/naive_lines.h"
 #include "support/random_text.h"
 #include "support/shown_text_view.h"
 #include "support/test_program.h"
@@ -20,9 +21,9 @@ namespace {
 class Model : public QObject
 {
 public:
-    explicit Model(ShownTextView& view) : text(view.text().constData(), view.text().size())
+    explicit Model(ShownTextView& view) : text(view.text())
     {
-        connect(&view.storage(), &TextStorage::willReplace, this, [this](TextRange range, QStringView replacement) {
+        connect(&view.storage(), &TextStorage::willReplace, this, [this](TextRange range, const TextTree& replacement) {
             text.replace(range.location, range.length, replacement.toString());
             ++replacements;
         });
@@ -35,7 +36,7 @@ public:
 /// Each selection's text replaced by `with`.
 QString replacedInSelections(const ShownTextView& view, const QString& with)
 {
-    QString text(view.text().constData(), view.text().size());
+    QString text(view.text());
     const auto& all = view.editor().selections().all();
     for (auto selection = all.rbegin(); selection != all.rend(); ++selection) {
         text.replace(selection->range().location, selection->range().length, with);
@@ -45,10 +46,8 @@ QString replacedInSelections(const ShownTextView& view, const QString& with)
 
 void checkIndex(const TextStorage& storage)
 {
-    LineIndex fresh;
-    fresh.rebuild(storage.text());
+    const test::NaiveLines fresh(storage.text());
     QCOMPARE(storage.lines().lineCount(), fresh.lineCount());
-    QCOMPARE(storage.lines().oddTerminators(), fresh.oddTerminators());
     for (qsizetype line = 0; line < fresh.lineCount(); ++line) {
         QCOMPARE(storage.lines().start(line), fresh.start(line));
         QCOMPARE(storage.lines().end(line), fresh.end(line));

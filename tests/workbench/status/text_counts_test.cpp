@@ -1,8 +1,7 @@
-#include "app/document/document.h"
 #include "support/test_program.h"
+#include "text/boundaries/text_boundaries.h"
 #include "workbench/status/text_counts.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 namespace text_counts_test {
@@ -17,10 +16,7 @@ class TextCountsTest : public QObject
 private Q_SLOTS:
     void counts_data();
     void counts();
-    void aTextOfOrdinarySizeIsCountedWithTheChange();
-    void aLargeTextIsCountedOnceItRests();
-    void aTextOfAMillionUnitsIsCountedBeforeItIsShown();
-    void aChangeInTheMiddleOfACountBeginsAnew();
+    void aLongTextIsCountedInStretchesAndCanBeStopped();
 };
 
 void TextCountsTest::counts_data()
@@ -44,52 +40,20 @@ void TextCountsTest::counts()
     QFETCH(QString, text);
     QFETCH(qsizetype, lines);
     QFETCH(qsizetype, words);
-    QCOMPARE(newlineSeparatedCount(text), lines);
-    QCOMPARE(wordCount(text), words);
+    QCOMPARE(newlineSeparatedCount(TextTree(text)), lines);
+    QCOMPARE(countText(TextTree(text), false)->words, words);
 }
 
-void TextCountsTest::aTextOfOrdinarySizeIsCountedWithTheChange()
+void TextCountsTest::aLongTextIsCountedInStretchesAndCanBeStopped()
 {
-    Document document(u"a\nb"_s, std::nullopt, std::nullopt, std::nullopt);
-    LineCounter counter(document);
-    QCOMPARE(counter.count(), 2);
-    const QSignalSpy changes(&counter, &LineCounter::countChanged);
-    document.setContent(u"a\nb\nc"_s);
-    QCOMPARE(counter.count(), 3);
-    document.setContent(u"x\ny\nz"_s);
-    QCOMPARE(changes.count(), 1);
-}
-
-void TextCountsTest::aLargeTextIsCountedOnceItRests()
-{
-    const QString large = u"0123456789abcde\n"_s.repeated(400'000);
-    Document document(large, std::nullopt, std::nullopt, std::nullopt);
-    LineCounter counter(document);
-    QTRY_COMPARE(counter.count(), 400'001);
-    document.setContent(large + u"\n\n"_s);
-    QCOMPARE(counter.count(), 400'001);
-    QTRY_COMPARE(counter.count(), 400'003);
-    document.setContent(u"small"_s);
-    QCOMPARE(counter.count(), 1);
-}
-
-void TextCountsTest::aTextOfAMillionUnitsIsCountedBeforeItIsShown()
-{
-    Document document(u"0123456789abcde\n"_s.repeated(65'536), std::nullopt, std::nullopt, std::nullopt);
-    const LineCounter counter(document);
-    QCOMPARE(counter.count(), 65'537);
-}
-
-void TextCountsTest::aChangeInTheMiddleOfACountBeginsAnew()
-{
-    const QString large = u"0123456789abcde\n"_s.repeated(400'000);
-    Document document(large, std::nullopt, std::nullopt, std::nullopt);
-    LineCounter counter(document);
-    QSignalSpy changes(&counter, &LineCounter::countChanged);
-    QCoreApplication::processEvents();
-    document.setContent(large + large);
-    QTRY_COMPARE(changes.count(), 1);
-    QCOMPARE(counter.count(), 800'001);
+    // A pair, a family and a syllable of three letters stand across every place where a stretch could end.
+    const QString unit = u"word \r\n👩‍👩‍👧\u1112\u1161\u11ab한글 "_s;
+    const TextTree text(unit.repeated(60'000));
+    const std::optional<TextCounts> counts = countText(text, false);
+    QVERIFY(counts);
+    QCOMPARE(counts->characters, 60'000 * graphemeCount(unit));
+    QCOMPARE(counts->words, 60'000 * 2);
+    QVERIFY(!countText(text, true));
 }
 
 const kelm::test::Registered<TextCountsTest> registered;

@@ -36,7 +36,7 @@ struct Fixture : WindowFixture
         turnQueue();
     }
 
-    const QString& content(qsizetype index) const { return state.documents()[index]->content(); }
+    QString content(qsizetype index) const { return state.documents()[index]->content(); }
 };
 
 } // namespace

@@ -119,7 +119,7 @@ void KelmEditorContainer::highlight()
 
 CursorPosition KelmEditorContainer::positionAt(qsizetype offset) const
 {
-    const LineAndColumn place = lineAndColumnAt(textView_->storage(), offset);
+    const LineAndColumn place = lineAndColumnAt(textView_->storage().tree(), offset);
     return {place.line, place.column, offset};
 }
 

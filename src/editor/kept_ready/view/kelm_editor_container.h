@@ -59,7 +59,7 @@ public:
 
     /// Shows another text, without an undo history.
     void setText(const QString& text);
-    const QString& text() const { return textView_->text(); }
+    QString text() const { return textView_->text(); }
 
     // TextViewDelegate
     void textDidChange() override;

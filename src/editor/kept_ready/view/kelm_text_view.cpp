@@ -281,7 +281,7 @@ void KelmTextView::toggleComment()
         const qsizetype spaced = line.indexOf(insertedComment);
         const qsizetype start = spaced >= 0 ? spaced : line.indexOf(commentToken);
         const qsizetype length = spaced >= 0 ? insertedComment.size() : commentToken.size();
-        storage().replace({lines.location + start, length}, {});
+        storage().replace({lines.location + start, length}, QStringView());
         return;
     }
     const auto text =
@@ -302,9 +302,9 @@ void KelmTextView::decreaseIndent()
     const TextRange lines = selectedLines();
     const QString line = storage().substring(lines);
     if (line.startsWith(indent)) {
-        storage().replace({lines.location, indent.size()}, {});
+        storage().replace({lines.location, indent.size()}, QStringView());
     } else if (line.startsWith(u'\t')) {
-        storage().replace({lines.location, 1}, {});
+        storage().replace({lines.location, 1}, QStringView());
     }
 }
 

@@ -65,7 +65,7 @@ void LineNumberView::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(font);
     const QFontMetricsF measure(font);
     const qreal rowHeight = textView->textLayout().rowHeight();
-    const qsizetype currentLine = lineAndColumnAt(textView->storage(), textView->selectedRange().location).line;
+    const qsizetype currentLine = lineAndColumnAt(textView->storage().tree(), textView->selectedRange().location).line;
     for (const NumberedRow& row : numberedRows(*textView)) {
         if (bookmarks_.count(row.line) > 0) {
             drawBookmark(painter, row.top, rowHeight);

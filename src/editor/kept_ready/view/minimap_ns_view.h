@@ -24,7 +24,7 @@ public:
 
     explicit MinimapNSView(NotificationCenter& center, QWidget* parent = nullptr);
 
-    const QString& content() const { return content_.text(); }
+    QString content() const { return content_.text(); }
     void setContent(const QString& content);
 
     EditorTheme theme = EditorTheme::monokai();

@@ -1,14 +1,15 @@
 #include "workbench/status/view/document_status.h"
 
-#include "text/boundaries/text_boundaries.h"
 #include "workbench/status/text_counts.h"
 #include "workbench/status/view/status_bar_items.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QPointer>
 
 #include <array>
 #include <functional>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,6 +18,8 @@ namespace kelm {
 namespace {
 
 constexpr int itemSpacing = 2;
+/// A text up to this length is counted as its menu opens, in a millisecond or two; a longer one while it is open.
+constexpr qsizetype mostCountedAtOnce = 1 << 16;
 
 constexpr std::array indentStyles{IndentStyle::spaces(2), IndentStyle::spaces(4), IndentStyle::spaces(8),
                                   IndentStyle::tabs()};
@@ -101,7 +104,6 @@ void DocumentLeftStatus::refreshDocument()
 DocumentRightStatus::DocumentRightStatus(std::shared_ptr<Document> document, QWidget* parent)
     : QWidget(parent),
       document_(std::move(document)),
-      lineCounter_(new LineCounter(*document_, this)),
       position_(new StatusBarItem({}, {}, false, this)),
       selection_(new StatusBarItem({}, {}, true, this)),
       lines_(new StatusBarMenu(
@@ -125,7 +127,7 @@ DocumentRightStatus::DocumentRightStatus(std::shared_ptr<Document> document, QWi
     connect(document_.get(), &Document::cursorPositionChanged, this, &DocumentRightStatus::refreshPosition);
     connect(document_.get(), &Document::selectionChanged, this, &DocumentRightStatus::refreshSelection);
     connect(document_.get(), &Document::indentStyleChanged, this, &DocumentRightStatus::refreshIndentStyle);
-    connect(lineCounter_, &LineCounter::countChanged, this, &DocumentRightStatus::refreshLineCount);
+    connect(document_.get(), &Document::contentChanged, this, &DocumentRightStatus::refreshLineCount);
     refreshPosition();
     refreshSelection();
     refreshLineCount();
@@ -150,8 +152,11 @@ void DocumentRightStatus::refreshSelection()
 
 void DocumentRightStatus::refreshLineCount()
 {
-    lines_->setText(QString::number(lineCounter_->count()) + u" lines"_s);
-    lines_->updateGeometry();
+    const qsizetype count = newlineSeparatedCount(document_->text());
+    if (std::exchange(lineCount_, count) != count) {
+        lines_->setText(QString::number(count) + u" lines"_s);
+        lines_->updateGeometry();
+    }
 }
 
 void DocumentRightStatus::refreshIndentStyle()
@@ -160,17 +165,34 @@ void DocumentRightStatus::refreshIndentStyle()
     indent_->updateGeometry();
 }
 
-void DocumentRightStatus::fillCounts(QMenu& menu) const
+void DocumentRightStatus::fillCounts(QMenu& menu)
 {
-    const QString& content = document_->content();
-    const std::array counts{
-        u"Lines: "_s + QString::number(newlineSeparatedCount(content)),
-        u"Characters: "_s + QString::number(graphemeCount(content)),
-        u"Words: "_s + QString::number(wordCount(content)),
+    const TextTree text = document_->text();
+    const auto add = [&menu](const QString& count) {
+        QAction* action = menu.addAction(count);
+        action->setEnabled(false);
+        return action;
     };
-    for (const QString& count : counts) {
-        menu.addAction(count)->setEnabled(false);
+    add(u"Lines: "_s + QString::number(newlineSeparatedCount(text)));
+    const auto show = [characters = QPointer(add(u"Characters: …"_s)),
+                       words = QPointer(add(u"Words: …"_s))](const TextCounts& counts) {
+        if (characters && words) {
+            characters->setText(u"Characters: "_s + QString::number(counts.characters));
+            words->setText(u"Words: "_s + QString::number(counts.words));
+        }
+    };
+    if (text.length() <= mostCountedAtOnce) {
+        show(*countText(text, false));
+        return;
     }
+    counting_.start([text, show](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        const std::optional<TextCounts> counts = countText(text, stop);
+        return [counts, show] {
+            if (counts) {
+                show(*counts);
+            }
+        };
+    });
 }
 
 } // namespace kelm

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/document/document.h"
+#include "platform/events/background_task.h"
 
 #include <QWidget>
 
@@ -11,7 +12,6 @@ class QMenu;
 
 namespace kelm {
 
-class LineCounter;
 class StatusBarItem;
 class StatusBarMenu;
 
@@ -54,14 +54,15 @@ private:
     void refreshSelection();
     void refreshLineCount();
     void refreshIndentStyle();
-    void fillCounts(QMenu& menu) const;
+    void fillCounts(QMenu& menu);
 
     std::shared_ptr<Document> document_;
-    LineCounter* lineCounter_;
     StatusBarItem* position_;
     StatusBarItem* selection_;
     StatusBarMenu* lines_;
     StatusBarMenu* indent_;
+    qsizetype lineCount_ = -1;
+    BackgroundTask counting_;
 };
 
 } // namespace kelm

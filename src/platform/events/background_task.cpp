@@ -1,0 +1,37 @@
+#include "platform/events/background_task.h"
+
+#include "platform/events/main_queue.h"
+
+#include <QThreadPool>
+
+#include <utility>
+
+namespace kelm {
+
+void BackgroundTask::start(Work work)
+{
+    stop();
+    stop_ = std::make_shared<StopFlag>(false);
+    QThreadPool::globalInstance()->start([this, work = std::move(work), flag = stop_] {
+        if (*flag) {
+            return;
+        }
+        Delivery delivery = work(*flag);
+        // The flag is set on the main thread alone: while it is not, the task is there.
+        onMainQueue([this, delivery = std::move(delivery), flag] {
+            if (!*flag) {
+                stop_.reset();
+                delivery();
+            }
+        });
+    });
+}
+
+void BackgroundTask::stop()
+{
+    if (const auto flag = std::exchange(stop_, nullptr)) {
+        *flag = true;
+    }
+}
+
+} // namespace kelm
