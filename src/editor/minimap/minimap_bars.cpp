@@ -52,40 +52,69 @@ QColor withAlpha(const CodableColor& color, float alpha)
     return result;
 }
 
-/// The line's characters, counted no further than the longest bar shows.
-qreal barWidth(QStringView line, qreal longest)
+/// The characters of a line, counted no further than the longest bar shows.
+qreal barWidth(const TextTree& text, TextRange line, qreal longest)
 {
     const auto shown = static_cast<qsizetype>(std::ceil(longest / MinimapGeometry::charWidth));
-    qsizetype offset = 0;
-    qsizetype count = 0;
-    const qsizetype plain = std::min(shown, line.size() - 1);
     // A character that joins the one before it is none of ASCII's.
-    while (offset < plain && line[offset].unicode() < 0x80 && line[offset] != u'\r') {
+    const QString head = text.substring(line.intersected({line.location, shown + 1}));
+    const qsizetype plain = std::min(shown, line.length - 1);
+    qsizetype offset = 0;
+    while (offset < plain && head[offset].unicode() < 0x80 && head[offset] != u'\r') {
         ++offset;
     }
     offset = std::max<qsizetype>(0, offset - 1);
-    count = offset;
-    while (count < shown && offset < line.size()) {
-        offset = nextGraphemeBoundary(line, offset);
+    qsizetype count = offset;
+    while (count < shown && offset < line.length) {
+        offset = std::min(nextGraphemeBoundary(text, line.location + offset) - line.location, line.length);
         ++count;
     }
     return std::min(static_cast<qreal>(count) * MinimapGeometry::charWidth, longest);
 }
 
-/// The lines of a text between its line feeds, by number.
-class LineFeedLines
+/// The lines of a text between its line feeds, from one back to those before it. The text is taken out some lines at a
+/// time, since most lines are short.
+class LinesBackwards
 {
 public:
-    explicit LineFeedLines(const TextTree& text) : text_(text) {}
+    /// Begins with the line before that number.
+    LinesBackwards(const TextTree& text, qsizetype end) : text_(text), line_(end)
+    {
+        const bool isLast = end == text.lineFeeds() + 1;
+        lineEnd_ = isLast ? text.length() : text.behindLineFeeds(end) - 1;
+    }
 
-    qsizetype count() const { return text_.lineFeeds() + 1; }
-    qsizetype startOf(qsizetype number) const { return text_.behindLineFeeds(number); }
-    /// The offset of the line's line feed, or of the text's end.
-    qsizetype endOf(qsizetype number) const { return number + 1 == count() ? text_.length() : startOf(number + 1) - 1; }
-    const TextTree& text() const { return text_; }
+    /// The next line before, without its line feed.
+    TextRange next()
+    {
+        --line_;
+        const TextRange line = TextRange::between(startOf(lineEnd_), lineEnd_);
+        lineEnd_ = line.location - 1;
+        return line;
+    }
+    /// The number of the line that `next` gave.
+    qsizetype number() const { return line_; }
 
 private:
+    qsizetype startOf(qsizetype lineEnd)
+    {
+        constexpr qsizetype stretch = 1024;
+        if (lineEnd < known_.location || lineEnd > known_.end() || lineEnd == 0) {
+            known_ = TextRange::between(std::max<qsizetype>(0, lineEnd - stretch), lineEnd);
+            units_ = text_.substring(known_);
+        }
+        const QStringView before = QStringView(units_).first(lineEnd - known_.location);
+        if (const qsizetype found = before.lastIndexOf(u'\n'); found >= 0) {
+            return known_.location + found + 1;
+        }
+        return known_.location == 0 ? 0 : text_.behindLineFeeds(line_);
+    }
+
     const TextTree& text_;
+    qsizetype line_;
+    qsizetype lineEnd_ = 0;
+    TextRange known_;
+    QString units_;
 };
 
 /// The bars that begin within one pixel. The later lie over the earlier, so they are looked at from the last on: a bar
@@ -97,26 +126,23 @@ public:
         : geometry_(geometry), theme_(theme), longest_(geometry.longestBar())
     {}
 
-    /// Those of the lines from `first` up to `end`, the last one first.
-    std::vector<MinimapBar> of(const LineFeedLines& lines, qsizetype first, qsizetype end)
+    /// Those of the pixel's lines, the last one first.
+    std::vector<MinimapBar> of(const TextTree& text, MinimapPixel pixel)
     {
         std::vector<MinimapBar> seen;
-        qsizetype lineEnd = lines.endOf(end - 1);
-        for (qsizetype number = end - 1; number >= first && !isCovered(longest_); --number) {
-            const qsizetype start = lines.startOf(number);
-            const qsizetype length = lineEnd - start;
-            lineEnd = start - 1;
+        LinesBackwards lines(text, pixel.end);
+        while (lines.number() > pixel.first && !isCovered(longest_)) {
+            const TextRange line = lines.next();
             // No longer than its units are, which is told without reading it.
-            if (length == 0 || isCovered(static_cast<qreal>(length) * MinimapGeometry::charWidth)) {
+            if (line.isEmpty() || isCovered(static_cast<qreal>(line.length) * MinimapGeometry::charWidth)) {
                 continue;
             }
-            const QString line = lines.text().substring({start, length});
-            const qreal width = barWidth(line, longest_);
+            const qreal width = barWidth(text, line, longest_);
             if (isCovered(width)) {
                 continue;
             }
-            if (const QColor color = minimapLineColor(line, theme_); color.alpha() > 0) {
-                seen.push_back({geometry_.barY(number), width, color, covers_.back()});
+            if (const QColor color = minimapLineColor(text, line, theme_); color.alpha() > 0) {
+                seen.push_back({geometry_.barY(lines.number()), width, color, covers_.back()});
                 cover(width);
             }
         }
@@ -188,25 +214,69 @@ QColor minimapLineColor(QStringView line, const EditorTheme& theme)
     return QColor::fromRgbF(1, 1, 1, 0.5F);
 }
 
-std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeometry& geometry,
-                                    const EditorTheme& theme, qreal pixelRatio)
+QColor minimapLineColor(const TextTree& text, TextRange line, const EditorTheme& theme)
 {
-    std::vector<MinimapBar> bars;
-    if (!geometry.isDrawable()) {
-        return bars;
+    constexpr qsizetype ordinary = 1024;
+    if (line.length <= ordinary) {
+        return minimapLineColor(text.substring(line), theme);
     }
-    const LineFeedLines lines(storage.tree());
+    // Of a long line its beginning says nearly all; the rest is asked for quotes, and whether there is anything.
+    qsizetype blanks = 0;
+    text.forEachPiece(line, [&blanks](QStringView piece) {
+        const auto found = std::find_if_not(piece.begin(), piece.end(), isBlank);
+        blanks += found - piece.begin();
+        return found == piece.end();
+    });
+    const TextRange rest{line.location + blanks, line.length - blanks};
+    const bool hasQuote =
+        !text.forEachPiece(rest, [](QStringView piece) { return !piece.contains(u'"') && !piece.contains(u'\''); });
+    const bool endsInHead =
+        text.forEachPiece({rest.location + ordinary, std::max<qsizetype>(rest.length - ordinary, 0)},
+                          [](QStringView piece) { return std::all_of(piece.begin(), piece.end(), isBlank); });
+    QString said = text.substring({rest.location, std::min(rest.length, ordinary)});
+    if (hasQuote) {
+        said += u'"';
+    } else if (!endsInHead) {
+        said += u'x';
+    }
+    return minimapLineColor(said, theme);
+}
+
+std::vector<MinimapPixel> minimapPixels(const MinimapGeometry& geometry, qreal pixelRatio)
+{
+    std::vector<MinimapPixel> pixels;
+    if (!geometry.isDrawable()) {
+        return pixels;
+    }
     const qreal pitch = geometry.scale() * MinimapGeometry::lineHeight;
-    for (qsizetype first = 0; first < lines.count() && geometry.barY(first) <= geometry.height;) {
+    for (qsizetype first = 0; first < geometry.lineCount && geometry.barY(first) <= geometry.height;) {
         const qreal pixelEnd = (std::floor(geometry.barY(first) * pixelRatio) + 1) / pixelRatio;
         const auto next = static_cast<qsizetype>(std::ceil((pixelEnd - MinimapGeometry::topMargin) / pitch));
         // Bars begin within the map.
         const auto behindLast =
             static_cast<qsizetype>(std::floor((geometry.height - MinimapGeometry::topMargin) / pitch)) + 1;
-        const qsizetype end = std::clamp(std::min(next, behindLast), first + 1, lines.count());
-        const std::vector<MinimapBar> seen = BarsOfPixel(geometry, theme).of(lines, first, end);
-        bars.insert(bars.end(), seen.rbegin(), seen.rend());
+        const qsizetype end = std::clamp(std::min(next, behindLast), first + 1, geometry.lineCount);
+        pixels.push_back({first, end});
         first = end;
+    }
+    return pixels;
+}
+
+std::vector<MinimapBar> minimapBarsIn(const TextTree& text, MinimapPixel pixel, const MinimapGeometry& geometry,
+                                      const EditorTheme& theme)
+{
+    std::vector<MinimapBar> bars = BarsOfPixel(geometry, theme).of(text, pixel);
+    std::reverse(bars.begin(), bars.end());
+    return bars;
+}
+
+std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeometry& geometry,
+                                    const EditorTheme& theme, qreal pixelRatio)
+{
+    std::vector<MinimapBar> bars;
+    for (const MinimapPixel pixel : minimapPixels(geometry, pixelRatio)) {
+        const std::vector<MinimapBar> seen = minimapBarsIn(storage.tree(), pixel, geometry, theme);
+        bars.insert(bars.end(), seen.begin(), seen.end());
     }
     return bars;
 }

@@ -47,6 +47,8 @@ struct MinimapGeometry
     QRectF viewportBox(const QRectF& visibleRect) const;
     /// The line at a y, from 1 to the number of lines.
     qsizetype lineAt(qreal y) const;
+
+    friend bool operator==(const MinimapGeometry&, const MinimapGeometry&) = default;
 };
 
 /// The number of lines of a text that is split at its line feeds.
@@ -55,8 +57,25 @@ qsizetype minimapLineCount(const TextStorage& storage);
 /// The tint of a line, told from a glance at its text; transparent for a blank one.
 QColor minimapLineColor(QStringView line, const EditorTheme& theme);
 
-/// The bars of all lines from the top down to the map's height. Where very many lines share a pixel, those that others
-/// of at least their length hide are left out. `pixelRatio` is the number of pixels in a point.
+/// The tint of one line of a text, given without its line feed. Looks at the whole of the line only where it must.
+QColor minimapLineColor(const TextTree& text, TextRange line, const EditorTheme& theme);
+
+/// The lines from `first` to before `end`, whose bars begin within one pixel.
+struct MinimapPixel
+{
+    qsizetype first = 0;
+    qsizetype end = 0;
+};
+
+/// The pixels of a map in which bars begin, from the top down to its height. `pixelRatio` is the number of pixels in a
+/// point.
+std::vector<MinimapPixel> minimapPixels(const MinimapGeometry& geometry, qreal pixelRatio);
+
+/// The bars of one pixel. Where very many lines share it, those that others of at least their length hide are left out.
+std::vector<MinimapBar> minimapBarsIn(const TextTree& text, MinimapPixel pixel, const MinimapGeometry& geometry,
+                                      const EditorTheme& theme);
+
+/// The bars of all lines from the top down to the map's height.
 std::vector<MinimapBar> minimapBars(const TextStorage& storage, const MinimapGeometry& geometry,
                                     const EditorTheme& theme, qreal pixelRatio);
 

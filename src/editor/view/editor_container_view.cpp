@@ -59,7 +59,7 @@ void EditorContainerView::setUpSideViews()
     lineNumberView_->textView = textView_;
     lineNumberView_->codeFoldingManager = &codeFoldingManager_;
     lineNumberView_->onFoldToggle = [this](qsizetype line) { toggleFold(line); };
-    minimapView_->textView = textView_;
+    minimapView_->setTextView(textView_);
     minimapView_->onLineSelected = [this](qsizetype line) { scrollToLine(line); };
 }
 

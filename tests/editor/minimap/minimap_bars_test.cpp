@@ -14,6 +14,7 @@ class MinimapBarsTest : public QObject
 private Q_SLOTS:
     void aLineIsTintedByAGlance_data();
     void aLineIsTintedByAGlance();
+    void aLongLineIsTintedLikeAShortOne();
     void theMapIsSqueezedIntoItsHeight_data();
     void theMapIsSqueezedIntoItsHeight();
     void aClickMeansTheLineUnderIt_data();
@@ -64,6 +65,21 @@ void MinimapBarsTest::aLineIsTintedByAGlance()
 {
     QFETCH(QString, line);
     QTEST(minimapLineColor(line, EditorTheme::monokai()), "color");
+}
+
+void MinimapBarsTest::aLongLineIsTintedLikeAShortOne()
+{
+    const EditorTheme& theme = EditorTheme::monokai();
+    const QString blanks(5000, u' ');
+    const QString letters(5000, u'x');
+    for (const QString& line : QStringList{blanks, letters, blanks + QStringLiteral("if (a)") + letters,
+                                           blanks + QStringLiteral("if ") + blanks, QStringLiteral("if ") + blanks,
+                                           QStringLiteral("if ") + blanks + u'a', letters + u'"',
+                                           blanks + letters + u'\'', QStringLiteral("# ") + letters + u'"',
+                                           QStringLiteral("letter") + letters, blanks + QStringLiteral("else")}) {
+        const TextTree text(QStringLiteral("before\n") + line + QStringLiteral("\nafter"));
+        QCOMPARE(minimapLineColor(text, {7, line.size()}, theme), minimapLineColor(line, theme));
+    }
 }
 
 void MinimapBarsTest::theMapIsSqueezedIntoItsHeight_data()

@@ -17,6 +17,7 @@ MinimapNSView::MinimapNSView(NotificationCenter& center, QWidget* parent) : QWid
 void MinimapNSView::setContent(const QString& content)
 {
     content_.setText(content);
+    bars_.forget();
     update();
 }
 
@@ -28,7 +29,7 @@ void MinimapNSView::applyThemeToLayer()
 void MinimapNSView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    paintMinimap(painter, *this, {&content_, theme, visibleRangeRect, cursorLine});
+    paintMinimap(painter, *this, {&content_, bars_, theme, visibleRangeRect, cursorLine});
 }
 
 void MinimapNSView::mousePressEvent(QMouseEvent* event)

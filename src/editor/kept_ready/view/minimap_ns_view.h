@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/language/language.h"
-#include "editor/minimap/minimap_bars.h"
+#include "editor/minimap/view/bar_layer.h"
 #include "editor/themes/editor_theme.h"
 #include "platform/events/notification_center.h"
 #include "text/storage/text_storage.h"
@@ -49,6 +49,7 @@ private:
 
     NotificationCenter& center_;
     TextStorage content_;
+    BarLayer bars_;
 };
 
 } // namespace kelm

@@ -14,6 +14,23 @@ EditorMinimapView::EditorMinimapView(QWidget* parent) : QWidget(parent)
     applyThemeToLayer();
 }
 
+void EditorMinimapView::setTextView(TextView* textView)
+{
+    if (textView_) {
+        textView_->storage().disconnect(this);
+    }
+    textView_ = textView;
+    bars_.forget();
+    if (textView != nullptr) {
+        connect(&textView->storage(), &TextStorage::edited, this, [this](const TextEdit& edit) {
+            const QRectF changed = bars_.textEdited(*shownText(), edit);
+            // An image that nobody has asked for yet has no place.
+            update(changed.isEmpty() ? rect() : changed.toAlignedRect());
+        });
+    }
+    update();
+}
+
 void EditorMinimapView::applyThemeToLayer()
 {
     applyMinimapBackground(*this, theme);
@@ -22,7 +39,7 @@ void EditorMinimapView::applyThemeToLayer()
 void EditorMinimapView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    paintMinimap(painter, *this, {shownText(), theme, currentVisibleRect, {}});
+    paintMinimap(painter, *this, {shownText(), bars_, theme, currentVisibleRect, {}});
 }
 
 void EditorMinimapView::mousePressEvent(QMouseEvent* event)
@@ -41,7 +58,7 @@ void EditorMinimapView::mouseMoveEvent(QMouseEvent* event)
 
 const TextStorage* EditorMinimapView::shownText() const
 {
-    return textView ? &textView->storage() : nullptr;
+    return textView_ ? &textView_->storage() : nullptr;
 }
 
 void EditorMinimapView::selectLineAt(qreal y)

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/language/language.h"
-#include "editor/minimap/minimap_bars.h"
+#include "editor/minimap/view/bar_layer.h"
 #include "editor/themes/editor_theme.h"
 #include "text/view/text_view.h"
 
@@ -14,8 +14,7 @@
 namespace kelm {
 
 /// A strip of one small bar per line, tinted by a glance at the line, with a box over the part on screen. A click or a
-/// drag tells the line under the mouse. Every painting looks at the text anew: between the events after which the owner
-/// asks for one, the bars lag behind typing.
+/// drag tells the line under the mouse. The bars follow the text at the cost of the lines that an edit changed.
 class EditorMinimapView final : public QWidget
 {
     Q_OBJECT
@@ -23,7 +22,8 @@ class EditorMinimapView final : public QWidget
 public:
     explicit EditorMinimapView(QWidget* parent = nullptr);
 
-    QPointer<TextView> textView;
+    TextView* textView() const { return textView_; }
+    void setTextView(TextView* textView);
     /// Told for the owner's sake; painting does not look at it.
     Language language = Language::plainText;
     EditorTheme theme = EditorTheme::monokai();
@@ -44,6 +44,9 @@ protected:
 private:
     const TextStorage* shownText() const;
     void selectLineAt(qreal y);
+
+    QPointer<TextView> textView_;
+    BarLayer bars_;
 };
 
 } // namespace kelm

@@ -55,7 +55,7 @@ void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& p
         const QColor box = theme.isDark ? QColor::fromRgbF(1, 1, 1, 0.1F) : QColor::fromRgbF(0, 0, 0, 0.08F);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.fillRect(geometry.viewportBox(picture.visibleRect), box);
-        paintMinimapBars(painter, minimapBars(*picture.storage, geometry, theme, map.devicePixelRatioF()), geometry);
+        painter.drawImage(QPointF(), picture.bars.image(*picture.storage, geometry, theme, map.devicePixelRatioF()));
         if (picture.cursorLine && *picture.cursorLine >= 1 && *picture.cursorLine <= geometry.lineCount) {
             const QRectF mark(0, geometry.barY(*picture.cursorLine - 1), geometry.width, geometry.barHeight());
             painter.fillRect(mark, withAlpha(theme.cursorColor.toColor(), 0.5F));

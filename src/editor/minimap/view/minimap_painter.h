@@ -1,7 +1,7 @@
 // Paints a minimap.
 #pragma once
 
-#include "editor/minimap/minimap_bars.h"
+#include "editor/minimap/view/bar_layer.h"
 
 #include <QRectF>
 
@@ -21,6 +21,8 @@ struct MinimapPicture
 {
     /// The text; none is drawn where it is gone.
     const TextStorage* storage;
+    /// The bars of that text.
+    BarLayer& bars;
     const EditorTheme& theme;
     /// The part of the page on screen, in the text's points.
     QRectF visibleRect;

@@ -52,7 +52,7 @@ void MinimapNSViewTest::itDrawsAsTheLiveMapDoes()
     text.storage().setText(content);
     EditorMinimapView live;
     live.resize(80, 400);
-    live.textView = &text;
+    live.setTextView(&text);
     live.currentVisibleRect = fixture.map.visibleRangeRect;
     QCOMPARE(fixture.map.grab().toImage(), live.grab().toImage());
 }

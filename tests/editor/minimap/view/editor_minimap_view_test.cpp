@@ -1,6 +1,7 @@
 #include "editor/minimap/view/editor_minimap_view.h"
 #include "editor/minimap/view/minimap_painter.h"
 #include "support/painted.h"
+#include "support/random_text.h"
 #include "support/test_program.h"
 
 #include <QPainter>
@@ -22,7 +23,7 @@ struct Fixture
     {
         text.resize(600, 400);
         text.storage().setText(content);
-        map.textView = &text;
+        map.setTextView(&text);
         map.resize(80, 400);
         map.theme = EditorTheme::monokai();
         map.applyThemeToLayer();
@@ -44,6 +45,8 @@ private Q_SLOTS:
     void stripSeparatorAndBorderLieOverEachOther();
     void withoutATextOnlyTheGroundIsPainted();
     void clicksAndDragsTellTheLine();
+    void theMapFollowsEveryEdit_data();
+    void theMapFollowsEveryEdit();
     void barsLookLikeFilledRectangles_data();
     void barsLookLikeFilledRectangles();
 };
@@ -115,7 +118,7 @@ void EditorMinimapViewTest::stripSeparatorAndBorderLieOverEachOther()
     QVERIFY(distance(image.pixelColor(40, 1), ground) <= 1);
     QVERIFY(distance(image.pixelColor(40, 399), border) <= 2);
     // Without a text nothing is set apart.
-    fixture.map.textView = nullptr;
+    fixture.map.setTextView(nullptr);
     QVERIFY(distance(fixture.picture().pixelColor(0, 300), over(strip, gray)) <= 2);
 }
 
@@ -140,6 +143,44 @@ void EditorMinimapViewTest::clicksAndDragsTellTheLine()
     QTest::mouseMove(&fixture.map, {40, 90});
     QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 399});
     QCOMPARE(lines, (QList<qsizetype>{1, 11, 100}));
+}
+
+void EditorMinimapViewTest::theMapFollowsEveryEdit_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::newRow("full size") << 40;
+    QTest::newRow("somewhat squeezed") << 300;
+    QTest::newRow("many lines in a pixel") << 9000;
+}
+
+void EditorMinimapViewTest::theMapFollowsEveryEdit()
+{
+    QFETCH(int, lines);
+    RandomText random;
+    QString text;
+    for (int line = 0; line < lines; ++line) {
+        text += QString(line * 7 % 60, u'x') + u'\n';
+    }
+    Fixture fixture(text);
+    fixture.picture();
+    TextStorage& storage = fixture.text.storage();
+    static const QStringList typed{
+        QStringLiteral("a"), QStringLiteral("\""),   QStringLiteral("// "), QStringLiteral("\n"),
+        QString(),           QStringLiteral("\r\n"), QString(90, u'y')};
+    for (int round = 0; round < 60; ++round) {
+        for (qsizetype edits = 1 + random.below(3); edits > 0; --edits) {
+            const TextRange range{random.below(storage.length() + 1), random.below(3) == 0 ? random.below(120) : 0};
+            storage.replace(range, typed[random.below(typed.size())]);
+        }
+        const QImage followed = fixture.picture();
+        Fixture fresh(storage.text());
+        const QImage whole = fresh.picture();
+        for (int y = 0; y < whole.height(); ++y) {
+            for (int x = 0; x < whole.width(); ++x) {
+                QVERIFY(distance(followed.pixelColor(x, y), whole.pixelColor(x, y)) <= 2);
+            }
+        }
+    }
 }
 
 void EditorMinimapViewTest::barsLookLikeFilledRectangles_data()
