@@ -42,7 +42,7 @@ constexpr Corpus corpora[] = {
 /// processor would learn the branches by heart.
 QString sourceOf(const Corpus& corpus, qsizetype length)
 {
-    QFile file(QStringLiteral(KELM_SOURCE_ROOT "/tests/editor/data/") + QString::fromLatin1(corpus.file));
+    QFile file(QStringLiteral(KELM_SOURCE_ROOT "/tests/editor/highlighter/data/") + QString::fromLatin1(corpus.file));
     if (!file.open(QIODevice::ReadOnly)) {
         std::fprintf(stderr, "cannot read %s\n", corpus.file);
         std::exit(1);
