@@ -139,7 +139,7 @@ struct BracedVariable
             if (close > inside) {
                 found(start, close + 1);
             }
-            start = text.next(close, search);
+            start = text.next(close + 1, search);
         }
     }
 };

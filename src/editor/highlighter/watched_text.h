@@ -196,6 +196,7 @@ private:
                 return false;
             }
             if (match_.end > 0) {
+                Q_ASSERT(match_.end <= from);
                 watcher_.matches.push_back({match_.start + offset_, match_.end + offset_});
                 match_ = {};
             }
