@@ -14,7 +14,7 @@ enum class BraceMark : quint8 { quote, slashes, opening, closing };
 
 struct MarkAt
 {
-    qsizetype line;
+    quint32 line;
     BraceMark mark;
 };
 
@@ -39,7 +39,7 @@ private:
     const char16_t* units_;
     qsizetype size_;
     qsizetype at_ = 0;
-    qsizetype line_ = 0;
+    quint32 line_ = 0;
     std::array<quint8, block> isMarked_{};
     std::vector<MarkAt> marks_;
 };
@@ -181,7 +181,7 @@ void ChunkReader::readTags(QStringView text, bool state, FoldChunk& chunk)
     TagReader reader(text, hasTagEnd && state);
     PairCollector& pairs = pairs_[0];
     for (TagReader::Tag tag; reader.next(tag);) {
-        const quint32 name = names_.number(tag.name);
+        const quint32 name = lookup_.number(tag.name);
         if (name >= groups_.size()) {
             groups_.resize(size_t(names_.count()), none);
         }

@@ -18,7 +18,7 @@ class ChunkReader
 {
 public:
     /// New names are added to `names`, which outlive the reader.
-    ChunkReader(CodeFolding kind, TagNames& names) : kind_(kind), names_(names) {}
+    ChunkReader(CodeFolding kind, TagNames& names) : kind_(kind), names_(names), lookup_(names) {}
 
     /// What the whole lines in `text` hold; at the least for the given state at their start.
     std::shared_ptr<const FoldChunk> read(QStringView text, bool state);
@@ -29,6 +29,7 @@ private:
 
     CodeFolding kind_;
     TagNames& names_;
+    TagNameLookup lookup_;
     std::array<PairCollector, 2> pairs_;
     IndentReader indents_;
     /// Of each name in the chunk the number of its group.

@@ -35,10 +35,14 @@ struct FoldStretch
     qsizetype length = 0;
     /// Null when it is to be read.
     std::shared_ptr<const FoldChunk> chunk;
-    /// The state at its start, when all before it has been read.
+    /// Of the chunk and its reading, for walks that look at each chunk: its line ends, and the regions within it.
+    quint32 lines = 0;
+    quint16 regions = 0;
+    /// The states at its start, when all before it has been read, and at its end.
     bool state = false;
+    bool endState = false;
 
-    /// When the chunk was read for that state.
+    /// When the chunk was read for the state at its start.
     template <typename Reading>
     const Reading& reading() const
     {

@@ -1,6 +1,7 @@
 #include "editor/folding/fold_join.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kelm {
@@ -11,8 +12,21 @@ FoldJoin::FoldJoin(QList<FoldStretch> stretches) : stretches_(std::move(stretche
     qsizetype lines = 0;
     for (const FoldStretch& stretch : std::as_const(stretches_)) {
         linesBefore_.push_back(lines);
-        lines += stretch.chunk->lines;
+        lines += stretch.lines;
     }
+}
+
+std::pair<qsizetype, qsizetype> FoldJoin::sharedWith(const FoldJoin& other) const
+{
+    const auto isSame = [](const FoldStretch& a, const FoldStretch& b) {
+        return a.chunk == b.chunk && a.state == b.state;
+    };
+    const QList<FoldStretch>& others = other.stretches_;
+    const auto [end, othersEnd] =
+        std::mismatch(stretches_.begin(), stretches_.end(), others.begin(), others.end(), isSame);
+    const auto fromEnd = std::mismatch(stretches_.rbegin(), std::make_reverse_iterator(end), others.rbegin(),
+                                       std::make_reverse_iterator(othersEnd), isSame);
+    return {end - stretches_.begin(), fromEnd.first - stretches_.rbegin()};
 }
 
 qsizetype FoldJoin::chunkOfLine(qsizetype line) const

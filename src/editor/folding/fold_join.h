@@ -7,6 +7,7 @@
 #include <QList>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kelm {
@@ -28,8 +29,11 @@ protected:
     /// Of stretches that were all read, each for the state at its start.
     explicit FoldJoin(QList<FoldStretch> stretches);
 
+    const QList<FoldStretch>& stretches() const { return stretches_; }
     qsizetype chunkCount() const { return stretches_.size(); }
     const FoldStretch& stretch(qsizetype chunk) const { return stretches_.at(chunk); }
+    /// How many stretches at the start and at the end are the same in both; together no more than either has.
+    std::pair<qsizetype, qsizetype> sharedWith(const FoldJoin& other) const;
     /// The lines before a chunk.
     qsizetype linesBefore(qsizetype chunk) const { return linesBefore_[size_t(chunk)]; }
     /// The chunk that holds a line, which counts from 0 here; -1 for a text without chunks.

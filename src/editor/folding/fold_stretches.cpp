@@ -4,6 +4,16 @@
 #include <utility>
 
 namespace kelm {
+namespace {
+
+FoldStretch unread(qsizetype length)
+{
+    FoldStretch stretch;
+    stretch.length = length;
+    return stretch;
+}
+
+} // namespace
 
 void FoldStretches::reset(qsizetype length)
 {
@@ -12,7 +22,7 @@ void FoldStretches::reset(qsizetype length)
     nearIndex_ = 0;
     nearOffset_ = 0;
     if (length > 0) {
-        list_.append({length, nullptr, false});
+        list_.append(unread(length));
     }
 }
 
@@ -62,19 +72,25 @@ void FoldStretches::setChunk(qsizetype index, qsizetype length, std::shared_ptr<
 {
     if (length < list_.at(index).length) {
         list_[index].length -= length;
-        list_.insert(index, {length, nullptr, false});
+        list_.insert(index, unread(length));
         if (nearIndex_ >= index) {
             goToStart();
         }
     }
+    list_[index].lines = quint32(chunk->lines);
     list_[index].chunk = std::move(chunk);
-    list_[index].state = state;
+    setState(index, state);
 }
 
 void FoldStretches::setState(qsizetype index, bool state)
 {
-    if (list_.at(index).state != state) {
-        list_[index].state = state;
+    FoldStretch& stretch = list_[index];
+    stretch.state = state;
+    if (const auto* pairs = std::get_if<PairReading>(&*stretch.chunk->readings[state ? 1 : 0])) {
+        stretch.regions = quint16(pairs->regions.size());
+        stretch.endState = pairs->endState;
+    } else {
+        stretch.regions = quint16(stretch.reading<IndentReading>().regions.size());
     }
 }
 

@@ -33,6 +33,7 @@ public:
     void merge(qsizetype index, qsizetype more);
     /// The first units of a stretch that is to be read, whole lines, are this chunk now; it was read for this state.
     void setChunk(qsizetype index, qsizetype length, std::shared_ptr<const FoldChunk> chunk, bool state);
+    /// The state at a chunk's start, for which it was read.
     void setState(qsizetype index, bool state);
 
 private:

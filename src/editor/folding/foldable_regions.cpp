@@ -56,12 +56,11 @@ bool FoldableRegions::Settling::walk(qsizetype mostUnits, const std::atomic<bool
                 return false;
             }
             read();
+        } else if (stretches_.at(index_).state != state_) {
+            stretches_.setState(index_, state_);
         }
-        stretches_.setState(index_, state_);
         const FoldStretch& stretch = stretches_.at(index_);
-        if (kind_ != CodeFolding::indents) {
-            state_ = stretch.reading<PairReading>().endState;
-        }
+        state_ = stretch.endState;
         offset_ += stretch.length;
         ++index_;
     }
@@ -71,7 +70,7 @@ bool FoldableRegions::Settling::walk(qsizetype mostUnits, const std::atomic<bool
 bool FoldableRegions::Settling::hasReading() const
 {
     const FoldStretch& stretch = stretches_.at(index_);
-    return stretch.chunk && stretch.chunk->readings[state_ ? 1 : 0];
+    return stretch.chunk && (stretch.state == state_ || stretch.chunk->readings[state_ ? 1 : 0]);
 }
 
 void FoldableRegions::Settling::read()
@@ -203,17 +202,14 @@ void FoldableRegions::settle(const TextTree& text, qsizetype mostUnits, const st
 
 void FoldableRegions::join()
 {
-    switch (kind_) {
-    case CodeFolding::braces:
-        joined_ = std::make_shared<PairJoin>(stretches_.list(), FoldType::braces, 1);
-        break;
-    case CodeFolding::indents:
+    if (kind_ == CodeFolding::indents) {
         joined_ = std::make_shared<IndentJoin>(stretches_.list());
-        break;
-    case CodeFolding::tags:
-        joined_ = std::make_shared<PairJoin>(stretches_.list(), FoldType::tag, names_.count());
-        break;
+        return;
     }
+    const bool isTags = kind_ == CodeFolding::tags;
+    // What was joined before was of this kind too.
+    joined_ = std::make_shared<PairJoin>(stretches_.list(), isTags ? FoldType::tag : FoldType::braces,
+                                         isTags ? names_.count() : 1, static_cast<const PairJoin*>(joined_.get()));
 }
 
 std::optional<FoldableRegion> FoldableRegions::firstRegionStartingAt(qsizetype line) const

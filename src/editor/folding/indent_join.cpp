@@ -73,7 +73,7 @@ void IndentJoin::count()
         const size_t open = read.open.size();
         const qsizetype across = qsizetype(open) - (open > 0 && !place.lastMakesRegion ? 1 : 0) -
                                  (open > 1 && !place.lastButOneMakesRegion ? 1 : 0);
-        places_[size_t(chunk) + 1].regionsBefore = place.regionsBefore + qsizetype(read.regions.size()) + across;
+        places_[size_t(chunk) + 1].regionsBefore = place.regionsBefore + stretch(chunk).regions + across;
     }
 }
 

@@ -3,55 +3,26 @@
 #include "text/storage/line_index.h"
 
 namespace kelm {
+namespace {
 
-qsizetype nextLineEnd(QStringView text, qsizetype at)
+/// Most units fall out of the first comparison or the second.
+inline qsizetype findLineEnd(QStringView text, qsizetype at)
 {
     const char16_t* const units = text.utf16();
-    // Most units fall out of the first comparison or the second.
-    while (at < text.size() && ((units[at] > u'\r' && units[at] < u'\u0085') || units[at] > u'\u2029' ||
-                                lineTerminatorLength(text, at) == 0)) {
+    const qsizetype size = text.size();
+    while (at < size && units[at] != u'\n' &&
+           ((units[at] > u'\r' && units[at] < u'\u0085') || units[at] > u'\u2029' ||
+            lineTerminatorLength(text, at) == 0)) {
         ++at;
     }
     return at;
 }
 
-IndentReading IndentReader::read(QStringView text, qsizetype& lines)
-{
-    IndentReading reading;
-    spans_.clear();
-    open_.clear();
-    lines = 0;
-    const char16_t* const units = text.utf16();
-    for (qsizetype at = 0; at < text.size();) {
-        const qsizetype start = at;
-        while (at < text.size() && (units[at] == u' ' || units[at] == u'\t')) {
-            ++at;
-        }
-        const qsizetype content = at;
-        at = nextLineEnd(text, at);
-        if (at > content) {
-            addLine(reading, quint32(content - start), lines);
-        }
-        const qsizetype terminator = lineTerminatorLength(text, at);
-        lines += terminator > 0 ? 1 : 0;
-        at += terminator;
-    }
+} // namespace
 
-    size_t regions = 0;
-    for (const IndentReading::Region& span : spans_) {
-        regions += span.endLine > span.startLine + 1 ? 1 : 0;
-    }
-    reading.regions.reserve(regions);
-    for (const IndentReading::Region& span : spans_) {
-        if (span.endLine > span.startLine + 1) {
-            reading.regions.push_back(span);
-        }
-    }
-    reading.open.reserve(open_.size());
-    for (const Open& open : open_) {
-        reading.open.push_back({open.indent, spans_[open.span].startLine});
-    }
-    return reading;
+qsizetype nextLineEnd(QStringView text, qsizetype at)
+{
+    return findLineEnd(text, at);
 }
 
 void IndentReader::addLine(IndentReading& reading, quint32 indent, qsizetype line)
@@ -69,6 +40,46 @@ void IndentReader::addLine(IndentReading& reading, quint32 indent, qsizetype lin
     }
     open_.push_back({indent, quint32(spans_.size())});
     spans_.push_back({quint16(line), quint16(line)});
+}
+
+IndentReading IndentReader::read(QStringView text, qsizetype& lines)
+{
+    IndentReading reading;
+    spans_.clear();
+    open_.clear();
+    lines = 0;
+    const char16_t* const units = text.utf16();
+    for (qsizetype at = 0; at < text.size();) {
+        const qsizetype start = at;
+        while (at < text.size() && (units[at] == u' ' || units[at] == u'\t')) {
+            ++at;
+        }
+        const qsizetype content = at;
+        at = findLineEnd(text, at);
+        if (at > content) {
+            addLine(reading, quint32(content - start), lines);
+        }
+        if (at < text.size()) {
+            ++lines;
+            at += units[at] == u'\n' ? 1 : lineTerminatorLength(text, at);
+        }
+    }
+
+    size_t regions = 0;
+    for (const IndentReading::Region& span : spans_) {
+        regions += span.endLine > span.startLine + 1 ? 1 : 0;
+    }
+    reading.regions.reserve(regions);
+    for (const IndentReading::Region& span : spans_) {
+        if (span.endLine > span.startLine + 1) {
+            reading.regions.push_back(span);
+        }
+    }
+    reading.open.reserve(open_.size());
+    for (const Open& open : open_) {
+        reading.open.push_back({open.indent, spans_[open.span].startLine});
+    }
+    return reading;
 }
 
 } // namespace kelm

@@ -46,7 +46,7 @@ void PairCollector::open(quint32 group, qsizetype line)
         ++nodes_[top].count;
         return;
     }
-    nodes_.push_back({line, group, 1, top});
+    nodes_.push_back({quint32(line), group, 1, top});
     top = quint32(nodes_.size() - 1);
 }
 
@@ -65,7 +65,7 @@ void PairCollector::close(quint32 group, qsizetype line)
         return;
     }
     Node& opening = nodes_[name.top];
-    if (opening.line + 1 < line) {
+    if (opening.line + 1U < line) {
         regions_.push_back({quint16(opening.line), quint16(line), quint16(regions_.size())});
     }
     if (--opening.count == 0) {

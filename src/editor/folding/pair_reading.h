@@ -30,6 +30,8 @@ struct PairReading
         quint32 openingsOnLastLine;
         /// Its first run; its last stands before the next group's first.
         quint32 firstRun;
+
+        friend bool operator==(const Group&, const Group&) = default;
     };
     /// Closings left over, of one group, with no other closing between them.
     struct ClosingRun
@@ -83,7 +85,7 @@ private:
     /// Openings of one group on one line.
     struct Node
     {
-        qsizetype line;
+        quint32 line;
         quint32 group;
         /// How many of them are not closed.
         quint32 count;
