@@ -26,8 +26,9 @@ std::vector<FoldableRegion> scanIndents(QStringView text);
 /// Spans from an opening tag to its closing tag, found in the order of the closings. Lines end at line feeds alone.
 ///
 /// Opening tags are the matches of `<([a-zA-Z][a-zA-Z0-9]*)\b[^>]*>`, closing ones of `</([a-zA-Z][a-zA-Z0-9]*)>`, each
-/// pattern matched over the whole text for itself. A closing tag belongs to the nearest opening tag of its name that
-/// none has taken, whatever stands open in between. Void elements, comments and values with ">" are not known.
+/// pattern matched over the whole text for itself (`TagReader`). A closing tag belongs to the nearest opening tag of
+/// its name that none has taken, whatever stands open in between. Void elements, comments and values with ">" are not
+/// known.
 std::vector<FoldableRegion> scanTags(QStringView text);
 
 } // namespace kelm

@@ -10,10 +10,11 @@ namespace kelm::scanners {
 /// `"[^"]*"\s*(?=:)`: a JSON key and the white space behind it.
 struct JsonKey
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u'"');
+        const auto search = [&](qsizetype from) { return text.find(from, u'"'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype close = text.find(start + 1, u'"');
             if (close >= text.size()) {
@@ -22,7 +23,7 @@ struct JsonKey
             const qsizetype end = text.skipSpace(close + 1);
             if (text.at(end) == u':') {
                 found(start, end);
-                start = text.find(end, u'"');
+                start = text.next(end, search);
             } else {
                 start = close;
             }
@@ -33,10 +34,11 @@ struct JsonKey
 /// `:\s*"[^"]*"`.
 struct JsonStringValue
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u':');
+        const auto search = [&](qsizetype from) { return text.find(from, u':'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = text.skipSpace(start + 1);
             if (text.at(end) == u'"') {
@@ -46,7 +48,7 @@ struct JsonStringValue
                 }
                 found(start, end);
             }
-            start = text.find(end, u':');
+            start = text.next(end, search);
         }
     }
 };
@@ -54,10 +56,11 @@ struct JsonStringValue
 /// `:\s*-?\d+\.?\d*`.
 struct JsonNumberValue
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u':');
+        const auto search = [&](qsizetype from) { return text.find(from, u':'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = text.skipSpace(start + 1);
             const qsizetype digits = end + (text.at(end) == u'-' ? 1 : 0);
@@ -68,7 +71,7 @@ struct JsonNumberValue
                 }
                 found(start, end);
             }
-            start = text.find(end, u':');
+            start = text.next(end, search);
         }
     }
 };
@@ -76,22 +79,24 @@ struct JsonNumberValue
 /// `:\s*(true|false|null)\b`.
 struct JsonLiteralValue
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u':');
+        const auto search = [&](qsizetype from) { return text.find(from, u':'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype value = text.skipSpace(start + 1);
             const qsizetype end = value + literalLength(text, value);
             if (end > value && text.endsWordAt(end)) {
                 found(start, end);
             }
-            start = text.find(end, u':');
+            start = text.next(end, search);
         }
     }
 
 private:
-    static qsizetype literalLength(const ScannedText& text, qsizetype place)
+    template <class Text>
+    static qsizetype literalLength(Text& text, qsizetype place)
     {
         for (const QStringView literal : {QStringView(u"true"), QStringView(u"false"), QStringView(u"null")}) {
             if (text.startsWith(place, literal)) {
@@ -105,17 +110,18 @@ private:
 /// `</?[a-zA-Z][a-zA-Z0-9-]*`.
 struct TagName
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u'<');
+        const auto search = [&](qsizetype from) { return text.find(from, u'<'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = start + (text.at(start + 1) == u'/' ? 2 : 1);
             if (isAsciiLetter(text.at(end))) {
                 end = text.skip(end, [](char16_t c) { return isAsciiLetter(c) || isAsciiDigit(c) || (c == u'-'); });
                 found(start, end);
             }
-            start = text.find(end, u'<');
+            start = text.next(end, search);
         }
     }
 };
@@ -123,10 +129,12 @@ struct TagName
 /// `/?>`.
 struct TagEnd
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        for (qsizetype close = text.find(0, u'>'); close < text.size(); close = text.find(close + 1, u'>')) {
+        const auto search = [&](qsizetype from) { return text.find(from, u'>'); };
+        for (qsizetype close = text.next(text.begin(), search); close < text.size();
+             close = text.next(close + 1, search)) {
             found(text.at(close - 1) == u'/' ? close - 1 : close, close + 1);
         }
     }
@@ -141,12 +149,14 @@ constexpr bool isHyphenedPart(char16_t unit)
 /// `\b[a-zA-Z-]+(?==)`.
 struct AttributeName
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    static qsizetype lookBack(const ScannedText& text, qsizetype place) { return text.skipBack(place, isHyphenedPart); }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        const WordBoundaries& boundaries = text.words();
-        for (qsizetype sign = text.find(0, u'='); sign < text.size(); sign = text.find(sign + 1, u'=')) {
-            const qsizetype start = boundaries.next(text.skipBack(sign, isHyphenedPart));
+        const auto search = [&](qsizetype from) { return text.find(from, u'='); };
+        for (qsizetype sign = text.next(text.begin(), search); sign < text.size(); sign = text.next(sign + 1, search)) {
+            const qsizetype start = text.nextBoundary(text.skipBack(sign, isHyphenedPart), sign);
             if (start < sign) {
                 found(start, sign);
             }
@@ -157,12 +167,20 @@ struct AttributeName
 /// `[.#]?[a-zA-Z_-][a-zA-Z0-9_-]*\s*(?=\{)`: the last part of a selector and the white space behind it.
 struct SelectorName
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    static qsizetype lookBack(const ScannedText& text, qsizetype place)
     {
-        for (qsizetype brace = text.find(0, u'{'); brace < text.size(); brace = text.find(brace + 1, u'{')) {
+        const qsizetype start = nameStart(text, text.skipSpaceBack(place));
+        return start - (text.at(start - 1) == u'.' || text.at(start - 1) == u'#' ? 1 : 0);
+    }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
+    {
+        const auto search = [&](qsizetype from) { return text.find(from, u'{'); };
+        for (qsizetype brace = text.next(text.begin(), search); brace < text.size();
+             brace = text.next(brace + 1, search)) {
             const qsizetype end = text.skipSpaceBack(brace);
-            qsizetype start = text.skipBack(end, [](char16_t c) { return isNamePart(c) || (c == u'-'); });
+            qsizetype start = nameStart(text, end);
             const qsizetype parts = start;
             start = text.skip(start, isAsciiDigit);
             if (start == end) {
@@ -174,15 +192,29 @@ struct SelectorName
             found(start, brace);
         }
     }
+
+private:
+    template <class Text>
+    static qsizetype nameStart(Text& text, qsizetype end)
+    {
+        return text.skipBack(end, [](char16_t c) { return isNamePart(c) || (c == u'-'); });
+    }
 };
 
 /// `[a-zA-Z-]+(?=\s*:)`.
 struct PropertyName
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    static qsizetype lookBack(const ScannedText& text, qsizetype place)
     {
-        for (qsizetype colon = text.find(0, u':'); colon < text.size(); colon = text.find(colon + 1, u':')) {
+        return text.skipBack(text.skipSpaceBack(place), isHyphenedPart);
+    }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
+    {
+        const auto search = [&](qsizetype from) { return text.find(from, u':'); };
+        for (qsizetype colon = text.next(text.begin(), search); colon < text.size();
+             colon = text.next(colon + 1, search)) {
             const qsizetype end = text.skipSpaceBack(colon);
             const qsizetype start = text.skipBack(end, isHyphenedPart);
             if (start < end) {
@@ -195,16 +227,17 @@ struct PropertyName
 /// `:\s*[^;{]+`.
 struct PropertyValue
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u':');
+        const auto search = [&](qsizetype from) { return text.find(from, u':'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype end = text.find(start + 1, [](char16_t c) { return (c == u';') | (c == u'{'); });
             if (end > start + 1) {
                 found(start, end);
             }
-            start = text.find(end, u':');
+            start = text.next(end, search);
         }
     }
 };
@@ -212,10 +245,11 @@ struct PropertyValue
 /// `\d+\.?\d*(px|em|rem|%|vh|vw)?`.
 struct Measure
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.findDigit(0);
+        const auto search = [&](qsizetype from) { return text.findDigit(from); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = text.skipDigits(start);
             if (text.at(end) == u'.') {
@@ -223,12 +257,13 @@ struct Measure
             }
             end += unitLength(text, end);
             found(start, end);
-            start = text.findDigit(end);
+            start = text.next(end, search);
         }
     }
 
 private:
-    static qsizetype unitLength(const ScannedText& text, qsizetype place)
+    template <class Text>
+    static qsizetype unitLength(Text& text, qsizetype place)
     {
         const char16_t next = text.at(place + 1);
         switch (text.at(place)) {
@@ -251,10 +286,11 @@ private:
 /// `#[0-9a-fA-F]{3,8}`.
 struct HexColor
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u'#');
+        const auto search = [&](qsizetype from) { return text.find(from, u'#'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = start + 1;
             while (end - start <= 8 && isHexDigit(text.at(end))) {
@@ -263,7 +299,7 @@ struct HexColor
             if (end - start > 3) {
                 found(start, end);
             }
-            start = text.find(end, u'#');
+            start = text.next(end, search);
         }
     }
 

@@ -8,10 +8,11 @@ namespace kelm::scanners {
 /// `^#{1,6}\s.*$` at every line.
 struct Heading
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u'#');
+        const auto search = [&](qsizetype from) { return text.find(from, u'#'); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype next = start + 1;
             if (start == 0 || isLineEnd(text.at(start - 1))) {
@@ -27,7 +28,7 @@ struct Heading
                     found(start, next);
                 }
             }
-            start = text.find(next, u'#');
+            start = text.next(next, search);
         }
     }
 };
@@ -37,20 +38,21 @@ struct Heading
 template <class Marker>
 struct ListMarker
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = 0;
+        const auto search = [&](qsizetype from) { return text.lineStart(from); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype marker = text.skipSpace(start);
             const qsizetype space = Marker::end(text, marker);
+            // Without a match, each line that begins before the marker comes to the same marker.
+            qsizetype next = marker + 1;
             if (space > marker && text.isSpace(space)) {
-                found(start, space + 1);
-                start = text.lineStart(space + 1);
-            } else {
-                // Each line that begins before the marker comes to the same marker.
-                start = text.lineStart(marker + 1);
+                next = space + 1;
+                found(start, next);
             }
+            start = text.next(next, search);
         }
     }
 };
@@ -58,7 +60,8 @@ struct ListMarker
 /// `[-*+]`.
 struct Bullet
 {
-    static qsizetype end(const ScannedText& text, qsizetype place)
+    template <class Text>
+    static qsizetype end(Text& text, qsizetype place)
     {
         const char16_t unit = text.at(place);
         return place + (unit == u'-' || unit == u'*' || unit == u'+' ? 1 : 0);
@@ -68,7 +71,8 @@ struct Bullet
 /// `\d+\.`.
 struct Ordinal
 {
-    static qsizetype end(const ScannedText& text, qsizetype place)
+    template <class Text>
+    static qsizetype end(Text& text, qsizetype place)
     {
         const qsizetype point = text.skipDigits(place);
         return point > place && text.at(point) == u'.' ? point + 1 : place;
@@ -78,10 +82,11 @@ struct Ordinal
 /// `\[[^\]]+\]\([^)]+\)`.
 struct Link
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, u'[');
+        const auto search = [&](qsizetype from) { return text.find(from, u'['); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype close = text.find(start + 1, u']');
             qsizetype next = close + 1;
@@ -97,7 +102,7 @@ struct Link
                 }
             }
             // Without a match, each bracket that opens before `close` fails there as this one did.
-            start = next < text.size() ? text.find(next, u'[') : text.size();
+            start = next < text.size() ? text.next(next, search) : text.size();
         }
     }
 };

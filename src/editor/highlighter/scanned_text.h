@@ -7,6 +7,7 @@
 
 #include <QStringView>
 
+#include <algorithm>
 #include <memory>
 
 namespace kelm {
@@ -19,7 +20,31 @@ namespace kelm {
 class ScannedText
 {
 public:
-    explicit ScannedText(QStringView text) : text_(text), units_(text.utf16()), size_(text.size()) {}
+    /// `beginsInWord` is for a part of a text: whether the character before it is on the inner side of a boundary.
+    explicit ScannedText(QStringView text, bool beginsInWord = false)
+        : text_(text), units_(text.utf16()), size_(text.size()), beginsInWord_(beginsInWord)
+    {}
+
+    /// Where a scan begins.
+    static constexpr qsizetype begin() { return 0; }
+    /// The place of the next attempt of a scan: what `search` finds from `from` on.
+    template <class Search>
+    qsizetype next(qsizetype from, Search search) const
+    {
+        return search(from);
+    }
+    /// Makes an attempt at each word in order: `word(start, end)` returns the place before which no other may begin.
+    template <class Word>
+    void forEachWord(Word word) const
+    {
+        qsizetype taken = 0;
+        words().forEachWord(0, [&](qsizetype start, qsizetype end) {
+            if (start >= taken) {
+                taken = word(start, end);
+            }
+            return true;
+        });
+    }
 
     qsizetype size() const { return size_; }
     /// A unit of the text. NUL outside of it, which no pattern asks for.
@@ -136,11 +161,15 @@ public:
     {
         return place >= size_ || !(classesAt(place) & (CharacterClasses::word | CharacterClasses::transparent));
     }
+    /// Whether a word begins or ends at `place`.
+    bool isBoundary(qsizetype place) const { return words().at(place); }
+    /// The first place from `from` on where one does, or `end`.
+    qsizetype nextBoundary(qsizetype from, qsizetype end) const { return std::min(words().next(from), end); }
     /// All boundaries of words, found at the first call.
     const WordBoundaries& words() const
     {
         if (!words_) {
-            words_ = std::make_unique<WordBoundaries>(text_);
+            words_ = std::make_unique<WordBoundaries>(text_, beginsInWord_);
         }
         return *words_;
     }
@@ -160,6 +189,7 @@ private:
     QStringView text_;
     const char16_t* units_;
     qsizetype size_;
+    bool beginsInWord_;
     mutable std::unique_ptr<WordBoundaries> words_;
 };
 

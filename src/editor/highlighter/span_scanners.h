@@ -3,6 +3,12 @@
 // A scanner finds the matches of one pattern without a regular expression engine, exactly as ICU finds them: the
 // leftmost first, none overlapping another. `scan` calls `found(start, end)` for each in order. Every scan is linear in
 // the text, whatever stands in it: a beginning that has no end is not looked after twice.
+//
+// `scan` asks a ScannedText, or a WatchedText, which is a part of a text and notes what is looked at. It is a row of
+// attempts: `next` looks for the place of the next one, and what follows until it is asked again belongs to that
+// attempt, with one match at most. Between two attempts a scan keeps nothing in mind but the place from which it looks
+// on. A pattern that is read from its end backwards has a `lookBack` as well: how far an attempt that begins at a place
+// or behind it may look back, whatever stands there.
 #pragma once
 
 #include "editor/highlighter/scanned_text.h"
@@ -14,14 +20,15 @@ struct ToLineEnd
 {
     QStringView opener;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, opener, 0);
+        const auto search = [&](qsizetype from) { return text.find(from, opener, 0); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype end = text.lineEnd(start + opener.size());
             found(start, end);
-            start = text.find(end, opener, 0);
+            start = text.next(end, search);
         }
     }
 };
@@ -34,10 +41,11 @@ struct Enclosed
     QStringView closer;
     qsizetype closerAnchor = 0;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, opener, openerAnchor);
+        const auto search = [&](qsizetype from) { return text.find(from, opener, openerAnchor); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype close = text.find(start + opener.size(), closer, closerAnchor);
             if (close == text.size()) {
@@ -45,7 +53,7 @@ struct Enclosed
             }
             const qsizetype end = close + closer.size();
             found(start, end);
-            start = text.find(end, opener, openerAnchor);
+            start = text.next(end, search);
         }
     }
 };
@@ -55,10 +63,11 @@ struct EscapedString
 {
     char16_t quote;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, quote);
+        const auto search = [&](qsizetype from) { return text.find(from, quote); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype i = start + 1;
             for (;;) {
@@ -77,7 +86,7 @@ struct EscapedString
             if (text.at(i) == quote) {
                 found(start, end);
             }
-            start = text.find(end, quote);
+            start = text.next(end, search);
         }
     }
 };
@@ -89,10 +98,11 @@ struct MarkedSpan
     qsizetype marks = 1;
     qsizetype leastInside = 0;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, mark);
+        const auto search = [&](qsizetype from) { return text.find(from, mark); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype next = start + 1;
             if (marks == 1 || text.at(start + 1) == mark) {
@@ -106,7 +116,7 @@ struct MarkedSpan
                     found(start, next);
                 }
             }
-            start = text.find(next, mark);
+            start = text.next(next, search);
         }
     }
 };
@@ -114,11 +124,12 @@ struct MarkedSpan
 /// `\$\{[^}]+\}`.
 struct BracedVariable
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
         const QStringView opener = u"${";
-        qsizetype start = text.find(0, opener, 0);
+        const auto search = [&](qsizetype from) { return text.find(from, opener, 0); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype inside = start + opener.size();
             const qsizetype close = text.find(inside, u'}');
@@ -128,7 +139,7 @@ struct BracedVariable
             if (close > inside) {
                 found(start, close + 1);
             }
-            start = text.find(close, opener, 0);
+            start = text.next(close + 1, search);
         }
     }
 };
@@ -138,13 +149,14 @@ struct Literal
 {
     QStringView literal;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, literal, 0);
+        const auto search = [&](qsizetype from) { return text.find(from, literal, 0); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             found(start, start + literal.size());
-            start = text.find(start + literal.size(), literal, 0);
+            start = text.next(start + literal.size(), search);
         }
     }
 };

@@ -62,11 +62,12 @@ quint64 sidesOf(QStringView text, qsizetype from, qsizetype count, bool inWord)
 
 } // namespace
 
-WordBoundaries::WordBoundaries(QStringView text)
+WordBoundaries::WordBoundaries(QStringView text, bool isInside)
     : // The end of the text is a place as well.
-      blocks_(static_cast<std::size_t>(text.size() / blockSize) + 1)
+      blocks_(static_cast<std::size_t>(text.size() / blockSize) + 1),
+      isInside_(isInside)
 {
-    quint64 before = 0;
+    quint64 before = isInside ? 1 : 0;
     for (std::size_t index = 0; index < blocks_.size(); ++index) {
         const qsizetype from = static_cast<qsizetype>(index) * blockSize;
         const qsizetype count = std::min<qsizetype>(blockSize, text.size() - from);

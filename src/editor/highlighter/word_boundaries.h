@@ -17,7 +17,8 @@ namespace kelm {
 class WordBoundaries
 {
 public:
-    explicit WordBoundaries(QStringView text);
+    /// `isInside` is the side of the character before the text, where that is a part of another.
+    explicit WordBoundaries(QStringView text, bool isInside = false);
 
     bool at(qsizetype place) const { return (blocks_[block(place)] >> (place % blockSize)) & 1; }
 
@@ -35,20 +36,35 @@ public:
         return static_cast<qsizetype>(index) * blockSize + std::countr_zero(bits);
     }
 
-    /// Calls `word(start, end)` for each word in order.
-    template <class Word>
-    void forEachWord(Word word) const
+    /// Whether the character before `place` is on the inner side.
+    bool isInsideBefore(qsizetype place) const
     {
-        qsizetype start = -1;
-        for (std::size_t index = 0; index < blocks_.size(); ++index) {
-            for (quint64 bits = blocks_[index]; bits != 0; bits &= bits - 1) {
+        int changes = isInside_ ? 1 : 0;
+        for (std::size_t index = 0; index < block(place); ++index) {
+            changes += std::popcount(blocks_[index]);
+        }
+        return (changes + std::popcount(blocks_[block(place)] & ~(~quint64(0) << (place % blockSize)))) % 2 != 0;
+    }
+
+    /// Calls `word(start, end)` for each word that begins at `from` or behind it, in order, while it returns true.
+    template <class Word>
+    void forEachWord(qsizetype from, Word word) const
+    {
+        constexpr qsizetype outside = -1;
+        constexpr qsizetype begunBefore = -2;
+        qsizetype start = isInsideBefore(from) ? begunBefore : outside;
+        quint64 wanted = ~quint64(0) << (from % blockSize);
+        for (std::size_t index = block(from); index < blocks_.size(); ++index, wanted = ~quint64(0)) {
+            for (quint64 bits = blocks_[index] & wanted; bits != 0; bits &= bits - 1) {
                 const qsizetype place = static_cast<qsizetype>(index) * blockSize + std::countr_zero(bits);
-                if (start < 0) {
+                if (start == outside) {
                     start = place;
-                } else {
-                    word(start, place);
-                    start = -1;
+                    continue;
                 }
+                if (start >= 0 && !word(start, place)) {
+                    return;
+                }
+                start = outside;
             }
         }
     }
@@ -58,6 +74,7 @@ private:
     static std::size_t block(qsizetype place) { return static_cast<std::size_t>(place / blockSize); }
 
     std::vector<quint64> blocks_;
+    bool isInside_;
 };
 
 } // namespace kelm

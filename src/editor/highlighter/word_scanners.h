@@ -58,17 +58,22 @@ struct WordList
     /// The words behind "@".
     WordTable signedWords;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    qsizetype lookBack(const ScannedText& text, qsizetype place) const
     {
-        const WordBoundaries& boundaries = text.words();
-        boundaries.forEachWord([&](qsizetype start, qsizetype end) {
+        return place - (text.at(place - 1) == u'@' && !signedWords.isEmpty() ? 1 : 0);
+    }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
+    {
+        text.forEachWord([&](qsizetype start, qsizetype end) {
             const QStringView word = text.sliced(start, end);
             if (words.contains(word)) {
                 found(start, end);
-            } else if (text.at(start - 1) == u'@' && boundaries.at(start - 1) && signedWords.contains(word)) {
+            } else if (text.at(start - 1) == u'@' && text.isBoundary(start - 1) && signedWords.contains(word)) {
                 found(start - 1, end);
             }
+            return end;
         });
     }
 };
@@ -76,25 +81,26 @@ struct WordList
 /// `\b\d+\.?\d*\b`.
 struct Number
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        const WordBoundaries& boundaries = text.words();
-        qsizetype taken = 0;
-        boundaries.forEachWord([&](qsizetype start, qsizetype) {
-            if (start < taken || text.digitAt(start) == 0) {
-                return;
+        text.forEachWord([&](qsizetype start, qsizetype end) {
+            if (text.digitAt(start) == 0) {
+                return end;
             }
             const qsizetype whole = text.skipDigits(start);
             if (text.at(whole) == u'.') {
                 // The longest form that ends at a boundary: with fraction, with the point, without it.
                 const qsizetype point = whole + 1;
                 const qsizetype fraction = text.skipDigits(point);
-                taken = boundaries.at(fraction) ? fraction : boundaries.at(point) ? point : whole;
+                const qsizetype taken = text.isBoundary(fraction) ? fraction : text.isBoundary(point) ? point : whole;
                 found(start, taken);
-            } else if (boundaries.at(whole)) {
+                return taken;
+            }
+            if (text.isBoundary(whole)) {
                 found(start, whole);
             }
+            return end;
         });
     }
 };
@@ -105,21 +111,32 @@ struct CalledName
 {
     bool withDollar = false;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    qsizetype lookBack(const ScannedText& text, qsizetype place) const
     {
-        const WordBoundaries& boundaries = text.words();
-        for (qsizetype bracket = text.find(0, u'('); bracket < text.size(); bracket = text.find(bracket + 1, u'(')) {
+        return nameStart(text, text.skipSpaceBack(place));
+    }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
+    {
+        const auto search = [&](qsizetype from) { return text.find(from, u'('); };
+        for (qsizetype bracket = text.next(text.begin(), search); bracket < text.size();
+             bracket = text.next(bracket + 1, search)) {
             const qsizetype end = text.skipSpaceBack(bracket);
-            const qsizetype start =
-                text.skipBack(end, [this](char16_t c) { return isNamePart(c) || (withDollar && (c == u'$')); });
-            for (qsizetype i = start; i < end && (i = boundaries.next(i)) < end; ++i) {
+            for (qsizetype i = nameStart(text, end); i < end && (i = text.nextBoundary(i, end)) < end; ++i) {
                 if (!isAsciiDigit(text.at(i))) {
                     found(i, bracket);
                     break;
                 }
             }
         }
+    }
+
+private:
+    template <class Text>
+    qsizetype nameStart(Text& text, qsizetype end) const
+    {
+        return text.skipBack(end, [this](char16_t c) { return isNamePart(c) || (withDollar && (c == u'$')); });
     }
 };
 
@@ -128,19 +145,20 @@ struct IntroducedName
 {
     QStringView word;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype taken = 0;
-        text.words().forEachWord([&](qsizetype start, qsizetype end) {
-            if (end - start != word.size() || start < taken || text.sliced(start, end) != word) {
-                return;
+        text.forEachWord([&](qsizetype start, qsizetype end) {
+            if (end - start != word.size() || text.sliced(start, end) != word) {
+                return end;
             }
             const qsizetype name = text.skipSpace(end);
-            if (name > end && isNameStart(text.at(name))) {
-                taken = text.skip(name, isNamePart);
-                found(start, taken);
+            if (name == end || !isNameStart(text.at(name))) {
+                return end;
             }
+            const qsizetype taken = text.skip(name, isNamePart);
+            found(start, taken);
+            return taken;
         });
     }
 };
@@ -150,17 +168,18 @@ struct SignedName
 {
     char16_t sign;
 
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        qsizetype start = text.find(0, sign);
+        const auto search = [&](qsizetype from) { return text.find(from, sign); };
+        qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             qsizetype end = start + 1;
             if (isNameStart(text.at(end))) {
                 end = text.skip(end, isNamePart);
                 found(start, end);
             }
-            start = text.find(end, sign);
+            start = text.next(end, search);
         }
     }
 };
@@ -168,10 +187,13 @@ struct SignedName
 /// `[a-zA-Z_][a-zA-Z0-9_]*!`.
 struct MacroName
 {
-    template <class Found>
-    void scan(const ScannedText& text, Found found) const
+    static qsizetype lookBack(const ScannedText& text, qsizetype place) { return text.skipBack(place, isNamePart); }
+
+    template <class Text, class Found>
+    void scan(Text& text, Found found) const
     {
-        for (qsizetype mark = text.find(0, u'!'); mark < text.size(); mark = text.find(mark + 1, u'!')) {
+        const auto search = [&](qsizetype from) { return text.find(from, u'!'); };
+        for (qsizetype mark = text.next(text.begin(), search); mark < text.size(); mark = text.next(mark + 1, search)) {
             const qsizetype start = text.skip(text.skipBack(mark, isNamePart), isAsciiDigit);
             if (start < mark) {
                 found(start, mark + 1);

@@ -2,7 +2,7 @@
 #include "support/naive_lines.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
-#include "text/storage/line_index.h"
+#include "text/storage/line_terminator.h"
 
 #include <QtTest>
 
