@@ -128,9 +128,9 @@ FoldableRegion IndentJoin::regionAcross(qsizetype chunk, size_t open) const
     const auto insideBefore =
         std::lower_bound(read.regions.begin(), read.regions.end(), line.line,
                          [](const IndentReading::Region& region, quint16 wanted) { return region.startLine < wanted; });
-    const bool isBeforeLeftOut = open > 0 && open + 1 == read.open.size() && !makesRegion(chunk, open - 1);
-    const qsizetype before = places_[size_t(chunk)].regionsBefore + (insideBefore - read.regions.begin()) +
-                             qsizetype(open) - (isBeforeLeftOut ? 1 : 0);
+    // Where the last but one makes none, the last makes none either.
+    const qsizetype before =
+        places_[size_t(chunk)].regionsBefore + (insideBefore - read.regions.begin()) + qsizetype(open);
     return {before, linesBefore(chunk) + line.line + 1, endLine(chunk, line.indent) + 1, FoldType::indent};
 }
 
