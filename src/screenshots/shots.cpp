@@ -43,7 +43,7 @@ QString source(const char* path)
 void foldSecondRegion(Stage& stage)
 {
     EditorContainerView& editor = *stage.window.editorArea().currentEditor();
-    const std::vector<FoldableRegion>& regions = editor.codeFoldingManager().foldableRegions();
+    const std::vector<FoldableRegion> regions = editor.codeFoldingManager().foldableRegions();
     if (regions.size() > 2) {
         editor.codeFoldingManager().fold(regions[2]);
     }

@@ -15,8 +15,8 @@ std::vector<int> triangles(EditorContainerView& editor)
     std::vector<int> places;
     const TextView& view = editor.textView();
     for (const TextRow& row : editor.textView().visibleRows()) {
-        const qsizetype line = QStringView(view.text()).left(row.range.location).count(u'\n') + 1;
-        if (row.isFirstOfLine && row.top >= 0 && editor.codeFoldingManager().firstRegionStartingAt(line) != nullptr) {
+        const qsizetype line = view.storage().tree().lineFeedsBefore(row.range.location) + 1;
+        if (row.isFirstOfLine && row.top >= 0 && editor.codeFoldingManager().markAt(line)) {
             places.push_back(static_cast<int>(row.top + editorLineHeight / 2));
         }
     }

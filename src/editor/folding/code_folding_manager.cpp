@@ -1,6 +1,5 @@
 #include "editor/folding/code_folding_manager.h"
 
-#include "editor/folding/fold_scans.h"
 #include "text/storage/text_storage.h"
 
 #include <algorithm>
@@ -8,13 +7,20 @@
 
 namespace kelm {
 
+namespace {
+
+/// How much of a text is read in one go on the main thread; some two milliseconds.
+constexpr qsizetype mostUnitsAtOnce = 1 << 20;
+
+} // namespace
+
 const QString CodeFoldingManager::foldPlaceholder = QStringLiteral(" \u2026 ");
 
 CodeFoldingManager::CodeFoldingManager(NotificationCenter& center) : center_(center) {}
 
 CodeFoldingManager::~CodeFoldingManager()
 {
-    QObject::disconnect(edits_);
+    setStorage(nullptr);
 }
 
 void CodeFoldingManager::setStorage(TextStorage* storage)
@@ -22,22 +28,32 @@ void CodeFoldingManager::setStorage(TextStorage* storage)
     if (storage == storage_) {
         return;
     }
-    QObject::disconnect(edits_);
+    for (const QMetaObject::Connection& connection : {edits_, replacements_, resets_}) {
+        QObject::disconnect(connection);
+    }
+    task_.stop();
     journal_.clear();
+    openFoldsRevision_.reset();
     ownRevision_ = 0;
     storage_ = storage;
-    if (storage != nullptr) {
-        edits_ = QObject::connect(storage, &TextStorage::edited, storage,
-                                  [this](const TextEdit& edit) { textEdited(edit); });
+    if (storage == nullptr) {
+        return;
     }
-}
-
-const FoldableRegion* CodeFoldingManager::firstRegionStartingAt(qsizetype line) const
-{
-    const auto region =
-        std::lower_bound(foldableRegions_.begin(), foldableRegions_.end(), line,
-                         [](const FoldableRegion& r, qsizetype wanted) { return r.startLine < wanted; });
-    return region != foldableRegions_.end() && region->startLine == line ? &*region : nullptr;
+    // The list of the text before stays until the next detection, which reads all of this one.
+    needsReset_ = true;
+    edits_ = QObject::connect(storage, &TextStorage::edited, storage,
+                              [this](const TextEdit& edit) { textEdited(edit); });
+    replacements_ = QObject::connect(storage, &TextStorage::willReplace, storage,
+                                     [this](TextRange range, const TextTree& replacement) {
+                                         regions_.textReplaced(range, replacement.length());
+                                         if (task_.isRunning()) {
+                                             since_.emplace_back(range, replacement.length());
+                                         }
+                                     });
+    resets_ = QObject::connect(storage, &TextStorage::willReset, storage, [this] {
+        task_.stop();
+        needsReset_ = true;
+    });
 }
 
 void CodeFoldingManager::detectFoldableRegions(Language language)
@@ -45,19 +61,86 @@ void CodeFoldingManager::detectFoldableRegions(Language language)
     if (!storage_) {
         return;
     }
-    switch (language.folding()) {
-    case CodeFolding::tags:
-        foldableRegions_ = scanTags(storage_->text());
-        break;
-    case CodeFolding::indents:
-        foldableRegions_ = scanIndents(storage_->text());
-        break;
-    case CodeFolding::braces:
-        foldableRegions_ = scanBraces(storage_->text());
-        break;
+    if (std::exchange(needsReset_, false) || language.folding() != regions_.kind()) {
+        task_.stop();
+        regions_ = FoldableRegions(language.folding());
+        regions_.reset(storage_->length());
     }
-    std::stable_sort(foldableRegions_.begin(), foldableRegions_.end(),
-                     [](const FoldableRegion& a, const FoldableRegion& b) { return a.startLine < b.startLine; });
+    settle();
+}
+
+void CodeFoldingManager::settle()
+{
+    if (task_.isRunning()) {
+        // It goes on with what is new when it is done.
+        return;
+    }
+    regions_.settle(storage_->tree(), mostUnitsAtOnce);
+    if (regions_.isSettled()) {
+        return;
+    }
+    since_.clear();
+    task_.start([this, regions = regions_, text = storage_->snapshot()](const BackgroundTask::StopFlag& stop) mutable {
+        regions.settle(text, FoldableRegions::unlimited, &stop);
+        return [this, regions = std::move(regions)]() mutable {
+            if (!storage_) {
+                return;
+            }
+            for (const auto& [range, newLength] : since_) {
+                regions.textReplaced(range, newLength);
+            }
+            regions_ = std::move(regions);
+            settle();
+            if (onRegionsFound) {
+                onRegionsFound();
+            }
+        };
+    });
+}
+
+const std::map<qsizetype, FoldJournal::OpenFold>& CodeFoldingManager::openFolds() const
+{
+    if (openFoldsRevision_ != storage_->revision()) {
+        openFoldsRevision_ = storage_->revision();
+        openFolds_.clear();
+        for (FoldJournal::OpenFold& fold : journal_.openFolds()) {
+            openFolds_[storage_->tree().lineFeedsBefore(fold.placeholder.location)] = std::move(fold);
+        }
+    }
+    return openFolds_;
+}
+
+std::optional<CodeFoldingManager::Mark> CodeFoldingManager::markAt(qsizetype line) const
+{
+    if (storage_ && isTextFolded()) {
+        if (const auto fold = openFolds().find(line); fold != openFolds().end()) {
+            return Mark{foldedRegions_.at(fold->second.startLine), true};
+        }
+    }
+    const auto region = firstRegionStartingAt(line);
+    return region ? std::optional(Mark{*region, false}) : std::nullopt;
+}
+
+void CodeFoldingManager::toggle(qsizetype line)
+{
+    const auto mark = markAt(line);
+    if (!mark) {
+        return;
+    }
+    if (mark->isFolded) {
+        unfold(FoldJournal::OpenFold(openFolds().at(line)));
+    } else {
+        fold(mark->region);
+    }
+}
+
+void CodeFoldingManager::unfold(const FoldJournal::OpenFold& fold)
+{
+    const FoldableRegion region = foldedRegions_.at(fold.startLine);
+    journal_.takenBack(fold.startLine);
+    replace(fold.placeholder, fold.body);
+    forgetFold(region);
+    postChange();
 }
 
 void CodeFoldingManager::fold(FoldableRegion region)
@@ -75,6 +158,7 @@ void CodeFoldingManager::fold(FoldableRegion region)
     replace(*range, TextTree(foldPlaceholder));
     foldedRegionStartLines_.insert(region.startLine);
     foldedLines_.insert(region.startLine + 1, region.endLine);
+    foldedRegions_[region.startLine] = region;
     postChange();
 }
 
@@ -99,10 +183,16 @@ void CodeFoldingManager::unfold(FoldableRegion region)
     const TextTree body = content->second;
     journal_.unfolded(region.startLine, placeholder, TextTree(foldPlaceholder), body.length());
     replace(placeholder, body);
+    forgetFold(region);
+    postChange();
+}
+
+void CodeFoldingManager::forgetFold(const FoldableRegion& region)
+{
     foldedRegionStartLines_.erase(region.startLine);
     foldedContent_.erase(region.startLine);
+    foldedRegions_.erase(region.startLine);
     foldedLines_.remove(region.startLine + 1, region.endLine);
-    postChange();
 }
 
 TextTree CodeFoldingManager::unfoldedText() const
@@ -121,6 +211,7 @@ void CodeFoldingManager::unfoldAll()
     }
     foldedRegionStartLines_.clear();
     foldedContent_.clear();
+    foldedRegions_.clear();
     foldedLines_.clear();
     if (hadFolds) {
         postChange();

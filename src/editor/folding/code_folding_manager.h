@@ -4,7 +4,9 @@
 #include "app/language/language.h"
 #include "editor/folding/fold_journal.h"
 #include "editor/folding/foldable_region.h"
+#include "editor/folding/foldable_regions.h"
 #include "editor/folding/line_set.h"
+#include "platform/events/background_task.h"
 #include "platform/events/notification_center.h"
 #include "text/storage/text_range.h"
 #include "text/storage/text_storage.h"
@@ -13,9 +15,11 @@
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace kelm {
@@ -46,9 +50,12 @@ public:
     TextStorage* storage() const { return storage_; }
 
     /// Sorted by the start line; of those on one line the one that closes first goes first.
-    const std::vector<FoldableRegion>& foldableRegions() const { return foldableRegions_; }
-    /// The first region that starts at `line`, or none. Valid until the next detection.
-    const FoldableRegion* firstRegionStartingAt(qsizetype line) const;
+    std::vector<FoldableRegion> foldableRegions() const { return regions_.all(); }
+    /// The first region that starts at `line`, or none.
+    std::optional<FoldableRegion> firstRegionStartingAt(qsizetype line) const
+    {
+        return regions_.firstRegionStartingAt(line);
+    }
     /// The lines hidden by folds, as they were numbered when they were hidden.
     const LineSet& foldedLines() const { return foldedLines_; }
     const std::set<qsizetype>& foldedRegionStartLines() const { return foldedRegionStartLines_; }
@@ -57,9 +64,25 @@ public:
     /// What stands for a body: a blank, a horizontal ellipsis and a blank.
     static const QString foldPlaceholder;
 
-    /// Rebuilds `foldableRegions` from the text as it stands, placeholders included: by tags in XML and HTML, by
-    /// indents in Python, by braces in all others. What is folded stays so.
+    /// Brings `foldableRegions` up to the text as it stands, placeholders included: by tags in XML and HTML, by indents
+    /// in Python, by braces in all others. What is folded stays so. It costs what edits have changed since the last
+    /// time; where that is more than a moment allows, a worker does it, and `onRegionsFound` is called once it is done.
     void detectFoldableRegions(Language language);
+    std::function<void()> onRegionsFound;
+    /// Whether the regions are those of the text as of the last detection.
+    bool isSettled() const { return !task_.isRunning(); }
+
+    /// What can be folded or unfolded at a line.
+    struct Mark
+    {
+        FoldableRegion region;
+        bool isFolded = false;
+    };
+    /// The fold whose placeholder stands right behind a line, whatever its line was when it was made, or else the first
+    /// region that starts there.
+    std::optional<Mark> markAt(qsizetype line) const;
+    /// Folds what can be folded at a line, or puts the body of the fold there in the place of its placeholder.
+    void toggle(qsizetype line);
 
     /// Cuts out the lines strictly between the region's two and posts `codeFoldingChanged`.
     void fold(FoldableRegion region);
@@ -78,6 +101,11 @@ public:
     void unfoldAll();
 
 private:
+    void settle();
+    void unfold(const FoldJournal::OpenFold& fold);
+    void forgetFold(const FoldableRegion& region);
+    /// Folds whose placeholder stands right behind a line, by that line.
+    const std::map<qsizetype, FoldJournal::OpenFold>& openFolds() const;
     std::optional<TextRange> rangeForRegion(const FoldableRegion& region) const;
     /// The offset behind a line, if the text has that line.
     std::optional<qsizetype> offsetBehindLine(qsizetype line) const;
@@ -87,15 +115,27 @@ private:
 
     NotificationCenter& center_;
     QPointer<TextStorage> storage_;
-    std::vector<FoldableRegion> foldableRegions_;
+    /// Told of every edit of the storage.
+    FoldableRegions regions_{CodeFolding::braces};
+    /// Whether the next detection finds another text than the one before.
+    bool needsReset_ = false;
     LineSet foldedLines_;
     std::set<qsizetype> foldedRegionStartLines_;
     std::map<qsizetype, TextTree> foldedContent_;
 
-    FoldJournal journal_;
+    /// As they were when they were folded, by start line.
+    std::map<qsizetype, FoldableRegion> foldedRegions_;
+    mutable FoldJournal journal_;
     QMetaObject::Connection edits_;
+    QMetaObject::Connection replacements_;
+    QMetaObject::Connection resets_;
+    BackgroundTask task_;
+    /// What was edited since the worker began.
+    std::vector<std::pair<TextRange, qsizetype>> since_;
     /// The revision of the storage after the last edit of our own.
     quint64 ownRevision_ = 0;
+    mutable std::map<qsizetype, FoldJournal::OpenFold> openFolds_;
+    mutable std::optional<quint64> openFoldsRevision_;
 };
 
 } // namespace kelm

@@ -28,6 +28,28 @@ void FoldJournal::unfolded(qsizetype startLine, TextRange placeholder, const Tex
     replacements_.push_back({placeholder.location, bodyLength, replaced, 0});
 }
 
+std::vector<FoldJournal::OpenFold> FoldJournal::openFolds()
+{
+    std::vector<OpenFold> folds;
+    for (auto fold = replacements_.begin(); fold != replacements_.end(); ++fold) {
+        if (fold->startLine == 0) {
+            continue;
+        }
+        if (const auto location = currentLocation(fold)) {
+            folds.push_back({fold->startLine, {*location, fold->length}, fold->original});
+        }
+    }
+    return folds;
+}
+
+void FoldJournal::takenBack(qsizetype startLine)
+{
+    const auto fold = std::find_if(replacements_.begin(), replacements_.end(),
+                                   [startLine](const Replacement& r) { return r.startLine == startLine; });
+    Q_ASSERT(fold != replacements_.end());
+    removeTakenBack(fold);
+}
+
 std::optional<qsizetype> FoldJournal::currentLocation(Iterator replacement) const
 {
     qsizetype location = replacement->location;

@@ -49,6 +49,20 @@ public:
     /// which held `replaced`.
     void unfolded(qsizetype startLine, TextRange placeholder, const TextTree& replaced, qsizetype bodyLength);
 
+    /// A fold that still stands.
+    struct OpenFold
+    {
+        /// What it is known by.
+        qsizetype startLine = 0;
+        /// Where its placeholder, or what is left of it, stands in the text now.
+        TextRange placeholder;
+        TextTree body;
+    };
+    /// The folds whose placeholders are seen, not lying in the body of another one.
+    std::vector<OpenFold> openFolds();
+    /// The fold known by `startLine`, one of those, was undone by putting its body in the place of its placeholder.
+    void takenBack(qsizetype startLine);
+
     /// The text was edited by somebody else.
     void textEdited(const TextEdit& edit);
 

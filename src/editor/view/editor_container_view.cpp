@@ -56,6 +56,8 @@ void EditorContainerView::setUpTextView()
 void EditorContainerView::setUpSideViews()
 {
     codeFoldingManager_.setStorage(&textView_->storage());
+    codeFoldingManager_.onRegionsFound = [this] { lineNumberView_->update(); };
+    syntaxHighlighter_.setShownRange([this] { return textView_->shownRange(); });
     lineNumberView_->textView = textView_;
     lineNumberView_->codeFoldingManager = &codeFoldingManager_;
     lineNumberView_->onFoldToggle = [this](qsizetype line) { toggleFold(line); };
@@ -192,20 +194,15 @@ void EditorContainerView::detectFoldableRegions()
 
 void EditorContainerView::toggleFold(qsizetype line)
 {
-    const FoldableRegion* region = codeFoldingManager_.firstRegionStartingAt(line);
-    if (region == nullptr) {
+    if (!codeFoldingManager_.markAt(line)) {
         return;
     }
     // What is being composed belongs to the text that is about to change.
     textView_->commitComposition();
-    if (const FoldableRegion* now = codeFoldingManager_.firstRegionStartingAt(line)) {
-        if (codeFoldingManager_.isFolded(*now)) {
-            codeFoldingManager_.unfold(*now);
-        } else {
-            codeFoldingManager_.fold(*now);
-        }
-    }
-    lineNumberView_->update();
+    codeFoldingManager_.toggle(line);
+    // The text that is shown is another one now, and its colours and regions are those of that text.
+    highlight();
+    detectFoldableRegions();
 }
 
 void EditorContainerView::prepareEdit()

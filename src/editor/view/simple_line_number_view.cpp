@@ -64,8 +64,8 @@ void SimpleLineNumberView::paintEvent(QPaintEvent* /*event*/)
         if (isInLesson) {
             painter.fillRect(QRectF(0, row.top, width(), rowHeight), lessonHighlightColor);
         }
-        if (const FoldableRegion* region = regionAt(row.line)) {
-            drawFoldIndicator(painter, row.top, rowHeight, codeFoldingManager->isFolded(*region));
+        if (const auto mark = markAt(row.line)) {
+            drawFoldIndicator(painter, row.top, rowHeight, mark->isFolded);
         }
         const QString number = QString::number(row.line);
         const qreal top = row.top + (rowHeight - measure.height()) / 2;
@@ -98,9 +98,9 @@ void SimpleLineNumberView::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
-const FoldableRegion* SimpleLineNumberView::regionAt(qsizetype line) const
+std::optional<CodeFoldingManager::Mark> SimpleLineNumberView::markAt(qsizetype line) const
 {
-    return codeFoldingManager != nullptr ? codeFoldingManager->firstRegionStartingAt(line) : nullptr;
+    return codeFoldingManager != nullptr ? codeFoldingManager->markAt(line) : std::nullopt;
 }
 
 std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) const
@@ -109,7 +109,7 @@ std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) con
         return {};
     }
     const std::optional<qsizetype> line = lineAtRow(*textView, point.y());
-    return line && regionAt(*line) != nullptr ? line : std::nullopt;
+    return line && markAt(*line) ? line : std::nullopt;
 }
 
 void SimpleLineNumberView::refreshSystemColors()

@@ -56,7 +56,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    const FoldableRegion* regionAt(qsizetype line) const;
+    std::optional<CodeFoldingManager::Mark> markAt(qsizetype line) const;
     /// The foldable line under a point, absent outside the triangles.
     std::optional<qsizetype> foldableLineAt(QPointF point) const;
     void refreshSystemColors();

@@ -300,7 +300,7 @@ std::unique_ptr<LaidOutPiece> TextLayout::makePiece(PieceKey key, TextRange rang
 
 std::vector<ColorRun> TextLayout::colorsOf(TextRange range) const
 {
-    std::vector<ColorRun> colors = storage_.foreground().runsIn(range);
+    std::vector<ColorRun> colors = storage_.colorsIn(range);
     for (ColorRun& run : colors) {
         run.range.location -= range.location;
     }

@@ -1,8 +1,17 @@
 #include "text/storage/text_storage.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kelm {
+
+namespace {
+
+/// A text up to this length that is put in takes the colour before it until its own is found; what is longer would show
+/// as a block of one colour.
+constexpr qsizetype mostCarriedUnits = 1024;
+
+} // namespace
 
 TextStorage::TextStorage(QObject* parent) : QObject(parent) {}
 
@@ -52,6 +61,9 @@ void TextStorage::replace(TextRange range, const TextTree& replacement)
     lines_.forget();
     const TextEdit edit = editBetween(before, tree_, wanted);
     foreground_.textReplaced(wanted, replacement.length());
+    if (colorSource_ != nullptr && (replacement.length() > mostCarriedUnits || wanted.length == before.length())) {
+        foreground_.set({wanted.location, replacement.length()}, ColorRuns::pending);
+    }
     background_.textReplaced(wanted, replacement.length());
     pendingEdit_ = pendingEdit_ ? pendingEdit_->followedBy(edit) : edit;
     if (pendingColors_) {
@@ -72,10 +84,37 @@ void TextStorage::setText(const TextTree& text)
     ++revision_;
     lines_.forget();
     foreground_.clear(length());
+    if (colorSource_ != nullptr) {
+        foreground_.set({0, length()}, ColorRuns::pending);
+    }
     background_.clear(length());
     edit.linesAdded = lines_.lineCount();
     pendingEdit_ = pendingEdit_ ? pendingEdit_->followedBy(edit) : edit;
     pendingColors_.reset();
+}
+
+std::vector<ColorRun> TextStorage::colorsIn(TextRange range)
+{
+    std::vector<ColorRun> runs = foreground_.runsIn(range);
+    const auto isPending = [](const ColorRun& run) { return run.color == ColorRuns::pending; };
+    if (colorSource_ != nullptr && std::any_of(runs.begin(), runs.end(), isPending)) {
+        colorSource_->findColors(range.clampedTo(length()));
+        runs = foreground_.runsIn(range);
+    }
+    return runs;
+}
+
+void TextStorage::setColorSource(ColorSource* source)
+{
+    colorSource_ = source;
+    const EditingBracket bracket(*this);
+    foreground_.set({0, length()}, source != nullptr ? ColorRuns::Color(ColorRuns::pending) : ColorRuns::Color());
+    colorsChanged({0, length()});
+}
+
+void TextStorage::forgetForeground(TextRange range)
+{
+    setForeground(range, ColorRuns::pending);
 }
 
 void TextStorage::setForeground(TextRange range, ColorRuns::Color color)

@@ -13,6 +13,16 @@
 
 namespace kelm {
 
+/// Finds the colours of a text when they are asked for.
+class ColorSource
+{
+public:
+    virtual ~ColorSource() = default;
+
+    /// Gives at least the units of a range that are pending a colour, with `TextStorage::giveForeground`.
+    virtual void findColors(TextRange range) = 0;
+};
+
 /// One UTF-16 text that is edited in place. Whatever is put in comes out unit for unit: nothing is normalised, repaired
 /// or dropped, be it a carriage return, a NUL, a byte-order mark or an unpaired surrogate.
 ///
@@ -36,7 +46,10 @@ public:
     qsizetype length() const { return tree_.length(); }
     QString substring(TextRange range) const { return tree_.substring(range); }
     const LineIndex& lines() const { return lines_; }
+    /// The colours as far as they are known.
     const ColorRuns& foreground() const { return foreground_; }
+    /// The colours of a range, those that are pending found first.
+    std::vector<ColorRun> colorsIn(TextRange range);
     const ColorRuns& background() const { return background_; }
     /// Grows with every edit of the text.
     quint64 revision() const { return revision_; }
@@ -62,6 +75,14 @@ public:
     void assignForeground(const std::vector<ColorRun>& runs);
     void setBackground(TextRange range, ColorRuns::Color color);
 
+    /// From now on the source finds the foreground where it is pending, which a new text is from its start to its end;
+    /// none for a text whose colours are all set. The source outlives its time here.
+    void setColorSource(ColorSource* source);
+    /// Leaves the colours of a range to be found by the source when they are asked for.
+    void forgetForeground(TextRange range);
+    /// The same as `setForeground`, for colours that were pending: nobody has seen them yet, and nobody is told.
+    void giveForeground(const std::vector<ColorRun>& runs) { foreground_.set(runs); }
+
 Q_SIGNALS:
     /// Right before the first edit between `beginEditing` and `endEditing`; the text is still the old one.
     void willEdit();
@@ -81,6 +102,7 @@ private:
     LineIndex lines_{tree_};
     ColorRuns foreground_;
     ColorRuns background_;
+    ColorSource* colorSource_ = nullptr;
     quint64 revision_ = 0;
 
     int depth_ = 0;

@@ -104,6 +104,8 @@ public:
     qreal pageHeight() const;
     /// The rows on screen; their tops count from the top of the viewport.
     std::vector<TextRow> visibleRows();
+    /// The lines on screen, more or less: reckoned from what is known of their rows, without laying any out.
+    TextRange shownRange() const;
     /// Scrolls so that `y` of the page is at the top, as far as the page goes.
     void scrollToY(qreal y);
     void scrollRangeToVisible(TextRange range);

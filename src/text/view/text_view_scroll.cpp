@@ -47,6 +47,14 @@ std::vector<TextRow> TextView::visibleRows()
     return rows;
 }
 
+TextRange TextView::shownRange() const
+{
+    const qreal top = scrollY() - inset_.height();
+    const TextRange first = storage_.lines().extent(layout_.lineAtY(top));
+    const TextRange last = storage_.lines().extent(layout_.lineAtY(top + viewport()->height()));
+    return TextRange::between(first.location, last.end());
+}
+
 CaretPlace TextView::placeAt(QPoint point)
 {
     // What is on screen has its true rows first, also where it has not been painted since it came into sight.

@@ -66,8 +66,7 @@ struct Fixture
     /// The region that starts at a line, by the list as it is.
     FoldableRegion region(qsizetype line) const
     {
-        const FoldableRegion* found = manager.firstRegionStartingAt(line);
-        return found != nullptr ? *found : FoldableRegion{0, line, line + 2, FoldType::braces};
+        return manager.firstRegionStartingAt(line).value_or(FoldableRegion{0, line, line + 2, FoldType::braces});
     }
 
     NotificationCenter center;
@@ -87,7 +86,7 @@ void CodeFoldingManagerTest::startsWithNothing()
     QVERIFY(manager.foldedRegionStartLines().empty());
     QVERIFY(manager.foldedContent().empty());
     QVERIFY(!manager.isTextFolded());
-    QVERIFY(manager.firstRegionStartingAt(1) == nullptr);
+    QVERIFY(!manager.firstRegionStartingAt(1));
 }
 
 void CodeFoldingManagerTest::thePlaceholderIsFiveBytes()
@@ -121,15 +120,15 @@ void CodeFoldingManagerTest::theLanguageChoosesTheScan()
 void CodeFoldingManagerTest::regionsAreSortedByStartLineAndThenAsFound()
 {
     const Fixture fixture(QStringLiteral("x\n{ {\n {\n\n }\n} y\n}\n"));
-    const auto& regions = fixture.manager.foldableRegions();
+    const auto regions = fixture.manager.foldableRegions();
     QCOMPARE(regions.size(), size_t(3));
     QCOMPARE(regions[0], (FoldableRegion{1, 2, 6, FoldType::braces}));
     QCOMPARE(regions[1], (FoldableRegion{2, 2, 7, FoldType::braces}));
     QCOMPARE(regions[2], (FoldableRegion{0, 3, 5, FoldType::braces}));
-    QCOMPARE(fixture.manager.firstRegionStartingAt(2), &regions[0]);
-    QCOMPARE(fixture.manager.firstRegionStartingAt(3), &regions[2]);
-    QVERIFY(fixture.manager.firstRegionStartingAt(1) == nullptr);
-    QVERIFY(fixture.manager.firstRegionStartingAt(4) == nullptr);
+    QVERIFY(fixture.manager.firstRegionStartingAt(2) == regions[0]);
+    QVERIFY(fixture.manager.firstRegionStartingAt(3) == regions[2]);
+    QVERIFY(!fixture.manager.firstRegionStartingAt(1));
+    QVERIFY(!fixture.manager.firstRegionStartingAt(4));
 }
 
 void CodeFoldingManagerTest::detectionLeavesFoldsAlone()
@@ -145,7 +144,7 @@ void CodeFoldingManagerTest::detectionLeavesFoldsAlone()
     QCOMPARE(fixture.storage.text(), folded);
     fixture.manager.detectFoldableRegions(Language::cpp);
     // The text as it stands: the folded region has no line between its two any more.
-    QVERIFY(fixture.manager.firstRegionStartingAt(2) == nullptr);
+    QVERIFY(!fixture.manager.firstRegionStartingAt(2));
     QCOMPARE(fixture.manager.firstRegionStartingAt(1)->endLine, 7);
 }
 
@@ -417,7 +416,7 @@ void CodeFoldingManagerTest::aPlaceholderOfTheTextItselfIsTaken()
 /// A region of the list, or any two lines.
 static FoldableRegion anyRegion(test::RandomText& random, const Fixture& fixture)
 {
-    const auto& regions = fixture.manager.foldableRegions();
+    const auto regions = fixture.manager.foldableRegions();
     if (!regions.empty() && random.below(3) > 0) {
         return regions[size_t(random.below(qsizetype(regions.size())))];
     }

@@ -79,10 +79,10 @@ UnitColors expectedColors(const QString& text, const ExpectedFamily& family, con
     return colors;
 }
 
-UnitColors foregroundOf(const TextStorage& storage)
+UnitColors foregroundOf(TextStorage& storage)
 {
     UnitColors colors(static_cast<std::size_t>(storage.length()), 0);
-    for (const ColorRun& run : storage.foreground().runsIn({0, storage.length()})) {
+    for (const ColorRun& run : storage.colorsIn({0, storage.length()})) {
         for (qsizetype i = run.range.location; i < run.range.end(); ++i) {
             colors[static_cast<std::size_t>(i)] = run.color;
         }
@@ -341,7 +341,7 @@ private Q_SLOTS:
         TextStorage storage;
         storage.setText(u"let a = 1"_s);
         storage.setForeground({0, 9}, qRgb(9, 9, 9));
-        const SyntaxHighlighter highlighter(distinctTheme());
+        SyntaxHighlighter highlighter(distinctTheme());
         highlighter.highlight(&storage, Language::swift);
         const UnitColors once = foregroundOf(storage);
         QCOMPARE(once, highlighted(storage.text(), Language::swift));
@@ -381,7 +381,7 @@ private Q_SLOTS:
     {
         TextStorage storage;
         storage.setText(u"x = 1"_s);
-        const SyntaxHighlighter highlighter(distinctTheme());
+        SyntaxHighlighter highlighter(distinctTheme());
         for (const char16_t* piece : {u"\"", u" /*", u"*/ ", u"\\", u"\n", u"if(", u"\xd83d", u"\xde00", u"\u0301"}) {
             const qsizetype at = random_.below(storage.length() + 1);
             storage.replace({at, 0}, QStringView(piece));

@@ -48,7 +48,11 @@ struct Fixture
     }
 
     TextStorage& storage() { return view->textView().storage(); }
-    QRgb colorAt(qsizetype offset) { return storage().foreground().colorAt(offset).value_or(0); }
+    QRgb colorAt(qsizetype offset)
+    {
+        const std::vector<ColorRun> runs = storage().colorsIn({offset, 1});
+        return runs.empty() ? 0 : runs.front().color;
+    }
     void type(const QString& text) { QTest::keyClicks(&view->textView(), text); }
     void turnQueue() { QCoreApplication::processEvents(); }
 
@@ -551,7 +555,7 @@ void EditorContainerViewTest::foldsNeverReachTheDocument()
         }
         Fixture fixture(original);
         for (int step = 0; step < 40; ++step) {
-            const auto& regions = fixture.view->codeFoldingManager().foldableRegions();
+            const auto regions = fixture.view->codeFoldingManager().foldableRegions();
             if (random.below(3) > 0 && !regions.empty()) {
                 const auto region = static_cast<std::size_t>(random.below(static_cast<qsizetype>(regions.size())));
                 fixture.view->lineNumberView().onFoldToggle(regions[region].startLine);

@@ -70,7 +70,7 @@ void LineNumberView::paintEvent(QPaintEvent* /*event*/)
         if (bookmarks_.count(row.line) > 0) {
             drawBookmark(painter, row.top, rowHeight);
         }
-        if (const FoldableRegion* region = showFoldingIndicators ? regionAt(row.line) : nullptr) {
+        if (const auto region = regionAt(row.line)) {
             drawFoldingIndicator(painter, row.top, rowHeight, codeFoldingManager->isFolded(*region));
         }
         const QString number = QString::number(row.line);
@@ -109,15 +109,16 @@ void LineNumberView::drawBookmark(QPainter& painter, qreal y, qreal height) cons
     painter.restore();
 }
 
-const FoldableRegion* LineNumberView::regionAt(qsizetype line) const
+std::optional<FoldableRegion> LineNumberView::regionAt(qsizetype line) const
 {
-    return codeFoldingManager != nullptr ? codeFoldingManager->firstRegionStartingAt(line) : nullptr;
+    const bool isShown = codeFoldingManager != nullptr && showFoldingIndicators;
+    return isShown ? codeFoldingManager->firstRegionStartingAt(line) : std::nullopt;
 }
 
 void LineNumberView::toggleFold(qsizetype line)
 {
-    const FoldableRegion* region = showFoldingIndicators ? regionAt(line) : nullptr;
-    if (region == nullptr) {
+    const auto region = regionAt(line);
+    if (!region) {
         return;
     }
     if (codeFoldingManager->isFolded(*region)) {

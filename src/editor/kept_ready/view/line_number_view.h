@@ -53,7 +53,8 @@ protected:
 
 private:
     void drawBookmark(QPainter& painter, qreal y, qreal height) const;
-    const FoldableRegion* regionAt(qsizetype line) const;
+    /// Absent while no indicators are shown.
+    std::optional<FoldableRegion> regionAt(qsizetype line) const;
     void toggleFold(qsizetype line);
 
     NotificationCenter& center_;

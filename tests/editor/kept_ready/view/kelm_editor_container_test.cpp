@@ -133,13 +133,13 @@ void KelmEditorContainerTest::languageAndThemeColourTheText()
     TextView& view = fixture.container.textView();
     fixture.container.setText(u"while x:\n  1\n  2\n"_s);
     fixture.container.setCurrentLanguage(Language::python);
-    QCOMPARE(view.storage().foreground().colorAt(0).value_or(0), EditorTheme::monokai().keywordColor.toColor().rgba());
+    QCOMPARE(view.storage().colorsIn({0, 1}).front().color, EditorTheme::monokai().keywordColor.toColor().rgba());
     QCOMPARE(fixture.container.codeFoldingManager().foldableRegions().size(), std::size_t(1));
     EditorTheme theme = EditorTheme::monokai();
     theme.keywordColor = theme.stringColor;
     theme.backgroundColor = theme.gutterColor;
     fixture.container.setTheme(theme);
-    QCOMPARE(view.storage().foreground().colorAt(0).value_or(0), theme.stringColor.toColor().rgba());
+    QCOMPARE(view.storage().colorsIn({0, 1}).front().color, theme.stringColor.toColor().rgba());
     QCOMPARE(view.colors().background, theme.gutterColor.toColor());
     QCOMPARE(fixture.container.lineNumberView().backgroundColor, theme.gutterColor.toColor());
 }
