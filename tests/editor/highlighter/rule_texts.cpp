@@ -1,5 +1,9 @@
 #include "editor/highlighter/rule_texts.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
 namespace kelm::test {
 
 const std::vector<NamedRules>& allRuleLists()
@@ -89,6 +93,18 @@ QString ruleText(RandomText& random, qsizetype count)
         text += own[random.below(own.size())].repeated(times);
     }
     return text;
+}
+
+QString longSource(const QString& folder, qsizetype length)
+{
+    QString text;
+    for (const QFileInfo& entry : QDir(folder).entryInfoList(QDir::Files, QDir::Name)) {
+        QFile file(entry.filePath());
+        if (file.open(QIODevice::ReadOnly)) {
+            text += QString::fromUtf8(file.readAll());
+        }
+    }
+    return text.isEmpty() ? text : text.repeated(length / text.size() + 1).left(length);
 }
 
 } // namespace kelm::test
