@@ -75,6 +75,10 @@ QString rulePiece(RandomText& random)
             all += QString::fromUtf16(piece);
         }
         all += QString(QChar(0));
+        // Longer than the margin that safe places allow for.
+        for (const char16_t* unit : {u" ", u" ", u"\n", u"\u0301", u"\u0301", u"\u200d", u"a", u"7", u"-"}) {
+            all += QString::fromUtf16(unit).repeated(20);
+        }
         return all;
     }();
     return pieces[random.below(pieces.size())];
@@ -83,7 +87,7 @@ QString rulePiece(RandomText& random)
 QString ruleText(RandomText& random, qsizetype count)
 {
     QStringList own;
-    for (qsizetype i = 3 + random.below(12); i > 0; --i) {
+    for (qsizetype i = 3 + random.below(8); i > 0; --i) {
         own += rulePiece(random);
     }
     QString text;

@@ -65,6 +65,50 @@ private Q_SLOTS:
         }
     }
 
+    void anEditReachesAsFarAsItsEffect_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("replaced");
+        QTest::addColumn<QString>("replacement");
+        QTest::addColumn<QString>("behind");
+        const QString marks(100, QChar(0x301));
+        const QString blanks(100, u' ');
+        QTest::newRow("a letter joins a word over marks") << 1 << u"."_s << u" "_s << u"a"_s << marks + u"if x"_s;
+        QTest::newRow("a letter goes from before marks") << 1 << u"."_s << u"a"_s << u""_s << marks + u"if x"_s;
+        QTest::newRow("half a character goes") << 1 << u"a"_s << u"\xdb40"_s << u""_s << u"\xdd01"_s + marks + u"if"_s;
+        QTest::newRow("a name behind marks") << 4 << u"."_s << u" "_s << u"a"_s << marks + u"abc="_s;
+        QTest::newRow("a call behind marks") << 0 << u"."_s << u"a"_s << u""_s << marks + u"abc("_s;
+        QTest::newRow("a colon makes a key") << 3 << u"\"b\", \"a\""_s + blanks << u","_s << u":"_s << u" \"c\""_s;
+        QTest::newRow("a bracket makes a call")
+            << 0 << u"x = "_s + QString(100, u'f') + blanks << u"."_s << u"("_s << u"1"_s;
+        QTest::newRow("a brace makes a selector") << 5 << u"; .a"_s + blanks << u"."_s << u"{"_s << u"b"_s;
+        QTest::newRow("a point makes an item") << 6 << u"a\n"_s + blanks + u"1"_s << u"a"_s << u"."_s << u" b"_s;
+    }
+    void anEditReachesAsFarAsItsEffect()
+    {
+        // Farther than the margin that safe places allow for.
+        QFETCH(int, index);
+        QFETCH(QString, before);
+        QFETCH(QString, replaced);
+        QFETCH(QString, replacement);
+        QFETCH(QString, behind);
+        for (const ScanSizes sizes : {ScanSizes{1, 2, 40}, ScanSizes{8, 24, 64}, ScanSizes{}}) {
+            TrackedText tracked(test::allRuleLists()[static_cast<std::size_t>(index)].rules, before + replaced + behind,
+                                sizes);
+            tracked.settle();
+            QCOMPARE(tracked.fault(random_), QString());
+            const std::vector<ColorRun> colors = tracked.expected();
+            tracked.replace({before.size(), replaced.size()}, replacement);
+            tracked.settle();
+            QCOMPARE(tracked.fault(random_), QString());
+            QVERIFY(tracked.expected() != colors);
+            tracked.replace({before.size(), replacement.size()}, replaced);
+            tracked.settle();
+            QCOMPARE(tracked.fault(random_), QString());
+        }
+    }
+
     void aCommentOfAMillionUnitsIsOneStretch()
     {
         const QString code = test::longSource(QStringLiteral(KELM_TEST_DATA), 20'000).remove(u"/*"_s).remove(u"*/"_s);
