@@ -25,7 +25,7 @@ struct JsonKey
                 found(start, end);
                 start = text.next(end, search);
             } else {
-                start = close;
+                start = text.next(close, search);
             }
         }
     }

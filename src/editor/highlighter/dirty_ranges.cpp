@@ -23,6 +23,11 @@ void DirtyRanges::textReplaced(TextRange range, qsizetype newLength)
     ends_.replace(first, behind - first, {end});
     starts_.shift(first + 1, change);
     ends_.shift(first + 1, change);
+    if (starts_.size() > mostRanges) {
+        const TextRange all = TextRange::between(starts_.at(0), ends_.at(ends_.size() - 1));
+        starts_.reset({all.location});
+        ends_.reset({all.end()});
+    }
 }
 
 void DirtyRanges::remove(qsizetype index, qsizetype count)

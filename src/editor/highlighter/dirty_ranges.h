@@ -6,10 +6,13 @@
 
 namespace kelm {
 
-/// Ranges in order that neither overlap nor touch; an empty one stands where something was taken away.
+/// Ranges in order that neither overlap nor touch; an empty one stands where something was taken away. Where edits have
+/// left very many, all of them and what lies between become one: keeping them apart would cost more than it saves.
 class DirtyRanges
 {
 public:
+    static constexpr qsizetype mostRanges = 1000;
+
     bool isEmpty() const { return starts_.isEmpty(); }
     qsizetype size() const { return starts_.size(); }
     TextRange at(qsizetype index) const { return TextRange::between(starts_.at(index), ends_.at(index)); }

@@ -1,5 +1,9 @@
 #include "editor/highlighter/rule_texts.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
 namespace kelm::test {
 
 const std::vector<NamedRules>& allRuleLists()
@@ -71,6 +75,10 @@ QString rulePiece(RandomText& random)
             all += QString::fromUtf16(piece);
         }
         all += QString(QChar(0));
+        // Longer than the margin that safe places allow for.
+        for (const char16_t* unit : {u" ", u" ", u"\n", u"\u0301", u"\u0301", u"\u200d", u"a", u"7", u"-"}) {
+            all += QString::fromUtf16(unit).repeated(20);
+        }
         return all;
     }();
     return pieces[random.below(pieces.size())];
@@ -79,7 +87,7 @@ QString rulePiece(RandomText& random)
 QString ruleText(RandomText& random, qsizetype count)
 {
     QStringList own;
-    for (qsizetype i = 3 + random.below(12); i > 0; --i) {
+    for (qsizetype i = 3 + random.below(8); i > 0; --i) {
         own += rulePiece(random);
     }
     QString text;
@@ -89,6 +97,18 @@ QString ruleText(RandomText& random, qsizetype count)
         text += own[random.below(own.size())].repeated(times);
     }
     return text;
+}
+
+QString longSource(const QString& folder, qsizetype length)
+{
+    QString text;
+    for (const QFileInfo& entry : QDir(folder).entryInfoList(QDir::Files, QDir::Name)) {
+        QFile file(entry.filePath());
+        if (file.open(QIODevice::ReadOnly)) {
+            text += QString::fromUtf8(file.readAll());
+        }
+    }
+    return text.isEmpty() ? text : text.repeated(length / text.size() + 1).left(length);
 }
 
 } // namespace kelm::test

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <vector>
+
 namespace kelm::test {
 
 /// All lists of rules, each with a name.
@@ -21,5 +23,8 @@ const std::vector<NamedRules>& allRuleLists();
 QString rulePiece(RandomText& random);
 /// `count` pieces, few different ones among them, so that openers meet closers.
 QString ruleText(RandomText& random, qsizetype count);
+
+/// The sources in a folder one behind the other, again and again, up to `length` units.
+QString longSource(const QString& folder, qsizetype length);
 
 } // namespace kelm::test

@@ -1,6 +1,5 @@
-#include "editor/highlighter/rule_painting.h"
 #include "editor/highlighter/rule_texts.h"
-#include "editor/highlighter/rule_tracks.h"
+#include "editor/highlighter/tracked_text.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 
@@ -11,134 +10,10 @@
 namespace rule_tracks_test {
 
 using namespace kelm;
+using kelm::test::TrackedText;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr QRgb plain = 0xff000001;
-
-/// The rules of a list, each with a colour of its own.
-std::vector<HighlightRule> rulesOf(RuleList list)
-{
-    std::vector<HighlightRule> rules;
-    for (const RuleEntry& entry : list) {
-        rules.push_back({entry.patternText(), QColor::fromRgba(plain + 1 + QRgb(rules.size())), entry.options});
-    }
-    return rules;
-}
-
-std::vector<QRgb> colorsOf(RuleList list)
-{
-    std::vector<QRgb> colors;
-    for (QRgb i = 0; i <= list.size(); ++i) {
-        colors.push_back(plain + i);
-    }
-    return colors;
-}
-
-/// One colour a unit.
-std::vector<QRgb> unitColors(const std::vector<ColorRun>& runs)
-{
-    std::vector<QRgb> colors;
-    for (const ColorRun& run : runs) {
-        colors.insert(colors.end(), static_cast<std::size_t>(run.range.length), run.color);
-    }
-    return colors;
-}
-
-std::vector<ColorRun> cut(const std::vector<ColorRun>& runs, TextRange range)
-{
-    std::vector<ColorRun> result;
-    for (const ColorRun& run : runs) {
-        if (const TextRange part = run.range.intersected(range); !part.isEmpty()) {
-            result.push_back({part, run.color});
-        }
-    }
-    return result;
-}
-
-QString shown(QStringView text)
-{
-    QString result;
-    for (const QChar unit : text) {
-        result += unit.unicode() >= 0x20 && unit.unicode() < 0x7f
-                      ? QString(unit)
-                      : QStringLiteral("\\x%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
-    }
-    return result;
-}
-
-/// A text, its tracks, and what is on the screen of it: the colours of the last settled text, where edits have not
-/// replaced it.
-class Tracked
-{
-public:
-    Tracked(RuleList list, const QString& initial, ScanSizes sizes)
-        : text(initial), tree(initial), tracks(list, sizes), rules_(rulesOf(list)), colors_(colorsOf(list))
-    {
-        tracks.reset(text.size());
-        shown_.assign(static_cast<std::size_t>(text.size()), 0);
-    }
-
-    void replace(TextRange range, const QString& replacement)
-    {
-        text.replace(range.location, range.length, replacement);
-        tree.replace(range, replacement);
-        tracks.textReplaced(range, replacement.size());
-        const auto first = shown_.begin() + range.location;
-        shown_.insert(shown_.erase(first, first + range.length), static_cast<std::size_t>(replacement.size()), 0);
-    }
-
-    void settle(qsizetype mostUnits = RuleTracks::unlimited)
-    {
-        qsizetype behind = -1;
-        for (const TextRange range : tracks.settle(tree, mostUnits)) {
-            areRangesInOrder = areRangesInOrder && range.location > behind && range.end() <= text.size();
-            behind = range.end();
-            std::fill_n(shown_.begin() + range.location, range.length, 0);
-        }
-    }
-
-    std::vector<ColorRun> colorsIn(TextRange range) const { return tracks.colorsIn(tree, range, colors_); }
-    std::vector<ColorRun> expected() const { return paintRules(text, plain, rules_); }
-
-    /// What is wrong of the settled tracks, or nothing.
-    QString fault(test::RandomText& random)
-    {
-        const std::vector<ColorRun> wanted = expected();
-        if (!tracks.isSettled() || !areRangesInOrder) {
-            return u"not settled, or ranges out of order"_s;
-        }
-        for (int i = 0; i < 3; ++i) {
-            const TextRange range = i == 0 ? TextRange{0, text.size()} : random.range(text.size());
-            if (colorsIn(range) != cut(wanted, range)) {
-                return u"colours of %1 to %2 of %3 in: %4"_s.arg(range.location)
-                    .arg(range.end())
-                    .arg(text.size())
-                    .arg(shown(QStringView(text).left(3000)));
-            }
-        }
-        const std::vector<QRgb> colors = unitColors(wanted);
-        for (std::size_t i = 0; i < colors.size(); ++i) {
-            if (shown_[i] != 0 && shown_[i] != colors[i]) {
-                return u"%1 has changed and was not told, in: %2"_s.arg(i).arg(shown(QStringView(text).left(3000)));
-            }
-        }
-        shown_ = colors;
-        return {};
-    }
-
-    QString text;
-    TextTree tree;
-    RuleTracks tracks;
-    bool areRangesInOrder = true;
-
-private:
-    std::vector<HighlightRule> rules_;
-    std::vector<QRgb> colors_;
-    /// 0 where anything may be.
-    std::vector<QRgb> shown_;
-};
 
 ScanSizes randomSizes(test::RandomText& random)
 {
@@ -146,7 +21,7 @@ ScanSizes randomSizes(test::RandomText& random)
     return sizes[random.below(std::size(sizes))];
 }
 
-void editAtRandom(Tracked& tracked, test::RandomText& random)
+void editAtRandom(TrackedText& tracked, test::RandomText& random)
 {
     const TextRange range = random.range(tracked.text.size());
     switch (random.below(4)) {
@@ -165,7 +40,7 @@ void editAtRandom(Tracked& tracked, test::RandomText& random)
 }
 
 /// Edits, whole and partial settling in any order, and what must be right after each settling.
-QString faultAfterEdits(Tracked& tracked, test::RandomText& random, int edits)
+QString faultAfterEdits(TrackedText& tracked, test::RandomText& random, int edits)
 {
     tracked.settle();
     QString fault = tracked.fault(random);
@@ -216,13 +91,38 @@ private Q_SLOTS:
         QFETCH(int, index);
         for (int edits = editCount(); edits > 0; edits -= 20) {
             const QString text = test::ruleText(random_, random_.below(random_.below(6) == 0 ? 1500 : 200));
-            Tracked tracked(test::allRuleLists()[static_cast<std::size_t>(index)].rules, text, randomSizes(random_));
+            TrackedText tracked(listAt(index), text, randomSizes(random_));
             const QString fault = faultAfterEdits(tracked, random_, 20);
             QVERIFY2(fault.isEmpty(), qPrintable(fault));
         }
     }
 
+    void editedSourcesHaveTheColoursOfAWholePass_data() { addRowForEachList(); }
+    void editedSourcesHaveTheColoursOfAWholePass()
+    {
+        QFETCH(int, index);
+        const QString source = test::longSource(QStringLiteral(KELM_TEST_DATA), 60'000);
+        for (qsizetype at = 0; at < source.size(); at += 6000) {
+            const ScanSizes sizes = random_.below(3) == 0 ? ScanSizes() : randomSizes(random_);
+            TrackedText tracked(listAt(index), source.mid(at, 6000), sizes);
+            const QString fault = faultAfterEdits(tracked, random_, editCount() / 30);
+            QVERIFY2(fault.isEmpty(), qPrintable(fault));
+        }
+    }
+
+    void longTextsHaveTheColoursOfAWholePass_data() { addRowForEachList(); }
+    void longTextsHaveTheColoursOfAWholePass()
+    {
+        // Long enough for several windows and many safe places of the usual sizes.
+        QFETCH(int, index);
+        TrackedText tracked(listAt(index), test::longSource(QStringLiteral(KELM_TEST_DATA), 150'000));
+        tracked.replace({random_.below(tracked.text.size()), 0}, test::ruleText(random_, 8000));
+        const QString fault = faultAfterEdits(tracked, random_, editCount() / 40);
+        QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    }
+
 private:
+    static RuleList listAt(int index) { return test::allRuleLists()[static_cast<std::size_t>(index)].rules; }
     static void addRowForEachList()
     {
         QTest::addColumn<int>("index");
