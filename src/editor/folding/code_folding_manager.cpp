@@ -41,8 +41,8 @@ void CodeFoldingManager::setStorage(TextStorage* storage)
     }
     // The list of the text before stays until the next detection, which reads all of this one.
     needsReset_ = true;
-    edits_ = QObject::connect(storage, &TextStorage::edited, storage,
-                              [this](const TextEdit& edit) { textEdited(edit); });
+    edits_ =
+        QObject::connect(storage, &TextStorage::edited, storage, [this](const TextEdit& edit) { textEdited(edit); });
     replacements_ = QObject::connect(storage, &TextStorage::willReplace, storage,
                                      [this](TextRange range, const TextTree& replacement) {
                                          regions_.textReplaced(range, replacement.length());

@@ -96,10 +96,9 @@ void SyntaxHighlighter::attach(TextStorage& storage)
     storage_ = &storage;
     tracks_.reset();
     storage.setColorSource(this);
-    replacements_ = QObject::connect(&storage, &TextStorage::willReplace, &storage,
-                                     [this](TextRange range, const TextTree& replacement) {
-                                         textReplaced(range, replacement.length());
-                                     });
+    replacements_ = QObject::connect(
+        &storage, &TextStorage::willReplace, &storage,
+        [this](TextRange range, const TextTree& replacement) { textReplaced(range, replacement.length()); });
     resets_ = QObject::connect(&storage, &TextStorage::willReset, &storage, [this] {
         // The new text is told of when it is coloured.
         task_.stop();

@@ -22,9 +22,9 @@ namespace kelm {
 /// applied in their order, where a later one paints over an earlier one. Nothing but the foreground is touched.
 ///
 /// Each run gives what painting the whole text anew would give. What it costs is the stretch that edits have changed
-/// since the last one; the colours themselves are found where someone asks the storage for them. Where a run has more to
-/// look at than a moment allows, as with a long text that is new or an opened quote, a worker goes on with it: what is
-/// asked for meanwhile is guessed from what stands around it, and made right when the worker is done.
+/// since the last one; the colours themselves are found where someone asks the storage for them. Where a run has more
+/// to look at than a moment allows, as with a long text that is new or an opened quote, a worker goes on with it: what
+/// is asked for meanwhile is guessed from what stands around it, and made right when the worker is done.
 ///
 /// Main thread only. It ends before the text that it coloured last, or that one ends first; both may be.
 class SyntaxHighlighter final : private ColorSource

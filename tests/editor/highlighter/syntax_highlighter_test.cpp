@@ -1,4 +1,5 @@
 #include "editor/highlighter/expected_rules.h"
+#include "editor/highlighter/rule_painting.h"
 #include "editor/highlighter/syntax_highlighter.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
@@ -326,7 +327,8 @@ private Q_SLOTS:
         const QSignalSpy willEdit(&storage, &TextStorage::willEdit);
         const QSignalSpy edited(&storage, &TextStorage::edited);
         const QSignalSpy changed(&storage, &TextStorage::attributesChanged);
-        SyntaxHighlighter(distinctTheme()).highlight(&storage, Language::swift);
+        SyntaxHighlighter highlighter(distinctTheme());
+        highlighter.highlight(&storage, Language::swift);
         QCOMPARE(storage.text(), text);
         QCOMPARE(storage.revision(), revision);
         QCOMPARE(storage.background().runsIn({0, text.size()}), background);
@@ -387,6 +389,55 @@ private Q_SLOTS:
             storage.replace({at, 0}, QStringView(piece));
             highlighter.highlight(&storage, Language::swift);
             QCOMPARE(foregroundOf(storage), highlighted(storage.text(), Language::swift));
+        }
+    }
+
+    void coloursFollowEditsAsAWholePassWouldGiveThem_data()
+    {
+        QTest::addColumn<int>("corpus");
+        QTest::addColumn<int>("copies");
+        for (int corpus = 0; corpus < int(std::size(corpora)); ++corpus) {
+            QTest::addRow("%s", corpora[corpus].family) << corpus << 1;
+            QTest::addRow("%s, so long that a worker helps", corpora[corpus].family)
+                << corpus << int(1 + 400'000 / sources_[std::size_t(corpus)].size());
+        }
+    }
+    void coloursFollowEditsAsAWholePassWouldGiveThem()
+    {
+        QFETCH(int, corpus);
+        QFETCH(int, copies);
+        const Language language = languageOf(corpora[corpus].family);
+        const EditorTheme theme = distinctTheme();
+        QString text = sources_[std::size_t(corpus)].repeated(copies);
+        TextStorage storage;
+        storage.setText(text);
+        SyntaxHighlighter highlighter(theme);
+        TextRange shown;
+        highlighter.setShownRange([&shown] { return shown; });
+        highlighter.highlight(&storage, language);
+        static const QStringList typed{u"\""_s, u"'"_s,  u"/*"_s,   u"*/"_s, u"\"\"\""_s, u"<!--"_s, u"-->"_s, u"`"_s,
+                                       u"("_s,  u"\n"_s, u"def "_s, u"1"_s,  u"x"_s,      u"\\"_s,   QString()};
+        for (int round = 0; round < (copies > 1 ? 15 : 150); ++round) {
+            for (qsizetype edits = random_.below(4); edits >= 0; --edits) {
+                const TextRange range{random_.below(text.size() + 1), random_.below(3) == 0 ? random_.below(40) : 0};
+                const QString& with = typed[random_.below(typed.size())];
+                storage.replace(range, with);
+                text.replace(range.clampedTo(text.size()).location, range.clampedTo(text.size()).length, with);
+                if (random_.below(3) == 0) {
+                    // Seen before the pause, and so coloured by what was known then.
+                    shown = {random_.below(text.size()), 3000};
+                    storage.colorsIn(shown);
+                }
+            }
+            highlighter.highlight(&storage, language);
+            if (copies > 1 && random_.below(2) == 0) {
+                // The next edits come while the worker still looks at the text before them.
+                continue;
+            }
+            QTRY_VERIFY(highlighter.isSettled());
+            const std::vector<ColorRun> expected =
+                paintRules(text, theme.textColor.toColor().rgba(), makeRules(rules::of(language), theme));
+            QVERIFY(storage.colorsIn({0, text.size()}) == expected);
         }
     }
 

@@ -109,6 +109,8 @@ private Q_SLOTS:
     void contentChangedElsewhereIsShown();
     void contentChangedElsewhereIsAnUndoStep();
     void soItIsWhereTheTextBeganEmpty();
+    void triangleFollowsItsFold();
+    void whatWasFoldedHasItsColoursWhenItIsBack();
     void keysThatScrollNothingLeaveTheMinimap();
     void editsThatCancelOutLeaveTheDocument();
     void anUpdateWithoutAChangeColoursNothing();
@@ -261,6 +263,49 @@ void EditorContainerViewTest::soItIsWhereTheTextBeganEmpty()
     QCOMPARE(fixture.document->content(), QStringLiteral("a b"));
 }
 
+void EditorContainerViewTest::triangleFollowsItsFold()
+{
+    Fixture fixture(foldable + foldable);
+    const QString whole = fixture.view->text();
+    CodeFoldingManager& folding = fixture.view->codeFoldingManager();
+    const auto click = [&](qsizetype line) { fixture.view->lineNumberView().onFoldToggle(line); };
+    const auto foldedAt = [&](qsizetype line) {
+        const auto mark = folding.markAt(line);
+        return mark && mark->isFolded;
+    };
+    click(6);
+    QVERIFY(foldedAt(6));
+    click(1);
+    // The lower fold has moved up with its line, and its triangle with it.
+    QVERIFY(foldedAt(1));
+    QVERIFY(foldedAt(4));
+    QVERIFY(!folding.markAt(6));
+    QCOMPARE(fixture.document->content(), whole);
+    click(4);
+    QVERIFY(folding.markAt(4) && !foldedAt(4));
+    QCOMPARE(fixture.view->text(), QStringLiteral("func f() {\n \u2026 }\nlast\n") + foldable);
+    click(1);
+    QCOMPARE(fixture.view->text(), whole);
+    QVERIFY(!folding.isTextFolded());
+    QVERIFY(folding.markAt(1) && folding.markAt(6));
+}
+
+void EditorContainerViewTest::whatWasFoldedHasItsColoursWhenItIsBack()
+{
+    Fixture fixture(QStringLiteral("func f() {\n  let a = 1\n  \"two\"\n}\nlast\n"));
+    const QRgb keyword = fixture.colorAt(13);
+    const QRgb number = fixture.colorAt(21);
+    const QRgb string = fixture.colorAt(26);
+    QVERIFY(keyword != number && number != string);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QVERIFY(fixture.view->codeFoldingManager().isTextFolded());
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QVERIFY(!fixture.view->codeFoldingManager().isTextFolded());
+    QCOMPARE(fixture.colorAt(13), keyword);
+    QCOMPARE(fixture.colorAt(21), number);
+    QCOMPARE(fixture.colorAt(26), string);
+}
+
 void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
@@ -278,10 +323,15 @@ void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
     } paints;
     fixture.turnQueue();
     fixture.view->minimapView().installEventFilter(&paints);
-    fixture.type(QStringLiteral("abcde"));
+    for (int key = 0; key < 5; ++key) {
+        QTest::keyClick(&fixture.view->textView(), Qt::Key_Right);
+    }
     fixture.turnQueue();
     QCOMPARE(paints.count, 0);
-    fixture.document->setContent(QStringLiteral("new"));
+    fixture.type(QStringLiteral("x"));
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.view->textView().undo();
     QTRY_VERIFY(paints.count > 0);
 }
 
