@@ -45,15 +45,22 @@ void CodeFoldingManager::setStorage(TextStorage* storage)
         QObject::connect(storage, &TextStorage::edited, storage, [this](const TextEdit& edit) { textEdited(edit); });
     replacements_ = QObject::connect(storage, &TextStorage::willReplace, storage,
                                      [this](TextRange range, const TextTree& replacement) {
-                                         regions_.textReplaced(range, replacement.length());
-                                         if (task_.isRunning()) {
-                                             since_.emplace_back(range, replacement.length());
-                                         }
+                                         willReplace(range, replacement.length());
                                      });
     resets_ = QObject::connect(storage, &TextStorage::willReset, storage, [this] {
         task_.stop();
         needsReset_ = true;
     });
+}
+
+void CodeFoldingManager::willReplace(TextRange range, qsizetype newLength)
+{
+    regions_.textReplaced(range, newLength);
+    if (task_.isRunning()) {
+        since_.emplace_back(range, newLength);
+    }
+    const LineIndex& lines = storage_->lines();
+    touchesLongLine_ = touchesLongLine_ || lines.extent(lines.lineAt(range.location)).length > mostUnitsAtOnce / 4;
 }
 
 void CodeFoldingManager::detectFoldableRegions(Language language)
@@ -75,7 +82,10 @@ void CodeFoldingManager::settle()
         // It goes on with what is new when it is done.
         return;
     }
-    regions_.settle(storage_->tree(), mostUnitsAtOnce);
+    // A line is read whole, so that a very long one takes too long here.
+    if (!std::exchange(touchesLongLine_, false)) {
+        regions_.settle(storage_->tree(), mostUnitsAtOnce);
+    }
     if (regions_.isSettled()) {
         return;
     }

@@ -101,6 +101,7 @@ public:
     void unfoldAll();
 
 private:
+    void willReplace(TextRange range, qsizetype newLength);
     void settle();
     void unfold(const FoldJournal::OpenFold& fold);
     void forgetFold(const FoldableRegion& region);
@@ -119,6 +120,8 @@ private:
     FoldableRegions regions_{CodeFolding::braces};
     /// Whether the next detection finds another text than the one before.
     bool needsReset_ = false;
+    /// Whether a line was edited since the last detection that takes long to read.
+    bool touchesLongLine_ = false;
     LineSet foldedLines_;
     std::set<qsizetype> foldedRegionStartLines_;
     std::map<qsizetype, TextTree> foldedContent_;
