@@ -1,5 +1,8 @@
 #include "soak/invariants.h"
 
+#include "editor/folding/foldable_regions.h"
+#include "editor/highlighter/rule_lists.h"
+#include "editor/highlighter/rule_painting.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"
 
@@ -74,6 +77,30 @@ void checkInvariants(World& world)
         checkEditor(world, *current);
     }
     world.expect((world.window.sidebar() != nullptr) == world.state.showSidebar(), u"the sidebar is not as its flag"_s);
+}
+
+void checkFollowers(World& world)
+{
+    EditorContainerView* editor = world.editor();
+    if (editor == nullptr) {
+        return;
+    }
+    // As the pause behind the last key would.
+    editor->setCurrentLanguage(editor->currentLanguage());
+    if (!world.waitFor([editor] { return editor->isSettled(); }, u"the colours to be found"_s)) {
+        return;
+    }
+    TextStorage& storage = editor->textView().storage();
+    const QString text = storage.text();
+    const EditorTheme& theme = editor->theme();
+    const std::vector<ColorRun> colors =
+        paintRules(text, theme.textColor.toColor().rgba(), makeRules(rules::of(editor->currentLanguage()), theme));
+    world.expect(storage.colorsIn({0, text.size()}) == colors, u"the colours are not those of the text"_s);
+    FoldableRegions whole(editor->currentLanguage().folding());
+    whole.reset(text.size());
+    whole.settle(storage.tree());
+    world.expect(editor->codeFoldingManager().foldableRegions() == whole.all(),
+                 u"the foldable regions are not those of the text"_s);
 }
 
 void checkDisk(World& world)

@@ -11,4 +11,7 @@ void checkInvariants(World& world);
 /// Compares every file with the model, byte for byte.
 void checkDisk(World& world);
 
+/// Whether the colours and the foldable regions of the current document, which follow its edits, are those of its text.
+void checkFollowers(World& world);
+
 } // namespace kelm::soak

@@ -17,6 +17,18 @@ QByteArray longSource()
     return text;
 }
 
+/// So long that workers look after its colours.
+QByteArray hugeSource()
+{
+    QByteArray text;
+    for (int function = 0; function < 6000; ++function) {
+        const QByteArray number = QByteArray::number(function);
+        text += "def function" + number + "(value):\n    # \xED\x95\x9C\n    if value > " + number +
+                ":\n        return \"value\", '" + number + "'\n    return value\n\n";
+    }
+    return text;
+}
+
 std::vector<ProjectFile> makeFiles()
 {
     return {
@@ -42,6 +54,7 @@ std::vector<ProjectFile> makeFiles()
                                     "    x = 1\n    y = 2\n    return x + y\n"},
         {linkTarget, "behind a link\n"},
         {u"long.cpp"_s, longSource()},
+        {u"huge.py"_s, hugeSource()},
         {u"latin.txt"_s, "caf\xE9\n"},
         {scriptName, "#!/bin/sh\necho \"the script has run\"\nexit 3\n"},
     };

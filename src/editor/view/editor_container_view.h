@@ -51,6 +51,8 @@ public:
     SimpleLineNumberView& lineNumberView() { return *lineNumberView_; }
     EditorMinimapView& minimapView() { return *minimapView_; }
     CodeFoldingManager& codeFoldingManager() { return codeFoldingManager_; }
+    /// Whether no worker is at work on the colours or the foldable regions.
+    bool isSettled() const { return syntaxHighlighter_.isSettled() && codeFoldingManager_.isSettled(); }
     void setDelegate(EditorContainerDelegate* delegate) { delegate_ = delegate; }
 
     /// Shows another text; carets stay where they stood as far as the text goes. The first text begins the undo
