@@ -43,10 +43,9 @@ void CodeFoldingManager::setStorage(TextStorage* storage)
     needsReset_ = true;
     edits_ =
         QObject::connect(storage, &TextStorage::edited, storage, [this](const TextEdit& edit) { textEdited(edit); });
-    replacements_ = QObject::connect(storage, &TextStorage::willReplace, storage,
-                                     [this](TextRange range, const TextTree& replacement) {
-                                         willReplace(range, replacement.length());
-                                     });
+    replacements_ = QObject::connect(
+        storage, &TextStorage::willReplace, storage,
+        [this](TextRange range, const TextTree& replacement) { willReplace(range, replacement.length()); });
     resets_ = QObject::connect(storage, &TextStorage::willReset, storage, [this] {
         task_.stop();
         needsReset_ = true;
