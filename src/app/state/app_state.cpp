@@ -1,11 +1,10 @@
 #include "app/state/app_state.h"
 
 #include "app/state/recent_files.h"
+#include "app/state/text_file.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
-#include "platform/files/atomic_file.h"
 #include "platform/files/file_url.h"
-#include "platform/files/utf8_file.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -23,43 +22,6 @@ constexpr auto focusDelay = 50ms;
 constexpr qsizetype mostRecentFiles = 10;
 
 const QString recentFilesKey = u"recentFiles"_s;
-
-QString descriptionOf(const QUrl& url)
-{
-    return url.toString(QUrl::FullyEncoded);
-}
-
-FileError notLocal(const QUrl& url)
-{
-    return {descriptionOf(url) + u": The URL is not that of a file."_s};
-}
-
-std::variant<QString, FileError> read(const QUrl& url)
-{
-    return url.isLocalFile() ? readUtf8File(url.toLocalFile()) : notLocal(url);
-}
-
-QByteArray encodedText(const TextTree& text)
-{
-    QByteArray bytes;
-    bytes.reserve(text.length());
-    // Half of a pair of surrogates at a piece's end, which is encoded with the other half.
-    QString held;
-    text.forEachPiece({0, text.length()}, [&](QStringView piece) {
-        const bool isCut = piece.back().isHighSurrogate();
-        const QStringView whole = piece.chopped(isCut ? 1 : 0);
-        bytes += held.isEmpty() ? encodeUtf8Text(whole) : encodeUtf8Text(held + whole.toString());
-        held = isCut ? QString(piece.back()) : QString();
-        return true;
-    });
-    return bytes + encodeUtf8Text(held);
-}
-
-/// Writes the text of `document` as it stands; its labels of encoding, line ends and indentation play no part.
-std::optional<FileError> write(const Document& document, const QUrl& url)
-{
-    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodedText(document.text())) : notLocal(url);
-}
 
 } // namespace
 
@@ -173,12 +135,12 @@ void AppState::openFiles(const QList<QUrl>& urls)
 
 std::shared_ptr<Document> AppState::readDocument(const QUrl& url)
 {
-    std::variant<QString, FileError> text = read(url);
+    std::variant<TextTree, FileError> text = readTextFile(url);
     if (const auto* error = std::get_if<FileError>(&text)) {
         services_.log.write(u"  ❌ Error opening file: "_s + error->message);
         return nullptr;
     }
-    auto document = std::make_shared<Document>(std::get<QString>(std::move(text)), url, std::nullopt, std::nullopt);
+    auto document = std::make_shared<Document>(std::get<TextTree>(std::move(text)), url, std::nullopt, std::nullopt);
     services_.log.write(u"  ✅ Document created with language: "_s + document->language().rawValue());
     return document;
 }
@@ -229,7 +191,7 @@ void AppState::saveCurrentDocument()
         saveCurrentDocumentAs();
         return;
     }
-    if (const std::optional<FileError> error = write(*document, *document->fileURL())) {
+    if (const std::optional<FileError> error = writeTextFile(document->text(), *document->fileURL())) {
         services_.log.print(u"Error saving: "_s + error->message);
         return;
     }
@@ -247,7 +209,7 @@ void AppState::saveCurrentDocumentAs()
     if (!url) {
         return;
     }
-    if (const std::optional<FileError> error = write(*document, *url)) {
+    if (const std::optional<FileError> error = writeTextFile(document->text(), *url)) {
         services_.log.print(u"Error saving: "_s + error->message);
         return;
     }
@@ -262,7 +224,7 @@ void AppState::saveAllDocuments()
     for (const std::shared_ptr<Document>& document : documents) {
         if (document->fileURL()) {
             // A failed write is dropped on purpose.
-            static_cast<void>(write(*document, *document->fileURL()));
+            static_cast<void>(writeTextFile(document->text(), *document->fileURL()));
             document->setIsModified(false);
         }
     }
