@@ -1,0 +1,33 @@
+// Work of other threads that does not begin before a test lets it.
+#pragma once
+
+#include <QSemaphore>
+#include <QThreadPool>
+
+namespace kelm::test {
+
+/// While it lives, all workers of the program's thread pool are busy, so that what is begun waits.
+class BlockedWorkers
+{
+public:
+    BlockedWorkers()
+    {
+        QThreadPool& pool = *QThreadPool::globalInstance();
+        pool.waitForDone();
+        for (int worker = 0; worker < pool.maxThreadCount(); ++worker) {
+            pool.start([this] { end_.acquire(); });
+        }
+    }
+    ~BlockedWorkers()
+    {
+        end_.release(QThreadPool::globalInstance()->maxThreadCount());
+        QThreadPool::globalInstance()->waitForDone();
+    }
+    BlockedWorkers(const BlockedWorkers&) = delete;
+    BlockedWorkers& operator=(const BlockedWorkers&) = delete;
+
+private:
+    QSemaphore end_;
+};
+
+} // namespace kelm::test
