@@ -1,18 +1,20 @@
 // Work of other threads that does not begin before a test lets it.
 #pragma once
 
+#include "platform/events/background_task.h"
+
 #include <QSemaphore>
 #include <QThreadPool>
 
 namespace kelm::test {
 
-/// While it lives, all workers of the program's thread pool are busy, so that what is begun waits.
+/// While it lives, all workers of background tasks are busy, so that what is begun waits.
 class BlockedWorkers
 {
 public:
     BlockedWorkers()
     {
-        QThreadPool& pool = *QThreadPool::globalInstance();
+        QThreadPool& pool = backgroundWorkers();
         pool.waitForDone();
         for (int worker = 0; worker < pool.maxThreadCount(); ++worker) {
             pool.start([this] { end_.acquire(); });
@@ -20,8 +22,8 @@ public:
     }
     ~BlockedWorkers()
     {
-        end_.release(QThreadPool::globalInstance()->maxThreadCount());
-        QThreadPool::globalInstance()->waitForDone();
+        end_.release(backgroundWorkers().maxThreadCount());
+        backgroundWorkers().waitForDone();
     }
     BlockedWorkers(const BlockedWorkers&) = delete;
     BlockedWorkers& operator=(const BlockedWorkers&) = delete;

@@ -263,7 +263,7 @@ void LargeFilesTest::aStateThatEndsMeanwhileIsNoHarm()
     state->largeFiles().setLeastSize(large);
     state->openFile(url);
     state.reset();
-    QThreadPool::globalInstance()->waitForDone();
+    backgroundWorkers().waitForDone();
     QCoreApplication::processEvents();
 }
 
