@@ -63,6 +63,21 @@ void transform(benchmark::State& state, Transform change, const QString& piece)
     state.SetBytesProcessed(state.iterations() * text.size());
 }
 
+/// A million lines of some words each, far from their order.
+void sortLines(benchmark::State& state)
+{
+    constexpr qint64 lines = 1'000'000;
+    QString text;
+    for (qint64 line = 0; line < lines; ++line) {
+        text += QStringLiteral("%1 is line %2 of the text\n").arg(line * 7919 % lines, 7).arg(line);
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(kelm::TextTransformer::sortLines(text, state.range(0) != 0));
+    }
+    state.SetItemsProcessed(state.iterations() * lines);
+}
+BENCHMARK(sortLines)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 QString basicFormat(const QString& text)
 {
     return kelm::XMLFormatter::basicFormat(text, 2);

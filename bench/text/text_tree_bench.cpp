@@ -1,6 +1,7 @@
 // Edits, snapshots and lines of a text in a tree of pieces, up to a hundred million units.
 #include "text/source_text.h"
 #include "text/storage/text_tree.h"
+#include "text/storage/text_tree_builder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -18,6 +19,22 @@ void build(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * text.size());
 }
 BENCHMARK(build)->Arg(1'000'000)->Arg(100'000'000)->Unit(benchmark::kMillisecond);
+
+/// The same text, as it comes from a file: some hundred thousand units at a time.
+void buildByStretches(benchmark::State& state)
+{
+    const QString text = bench::sourceText(state.range(0));
+    constexpr qsizetype stretch = qsizetype(1) << 18;
+    for (auto _ : state) {
+        TextTreeBuilder builder;
+        for (qsizetype at = 0; at < text.size(); at += stretch) {
+            builder.append(QStringView(text).mid(at, stretch));
+        }
+        benchmark::DoNotOptimize(builder.take().lineCount());
+    }
+    state.SetItemsProcessed(state.iterations() * text.size());
+}
+BENCHMARK(buildByStretches)->Arg(100'000'000)->Unit(benchmark::kMillisecond);
 
 /// One letter after the other at the start, the middle or the end of a text, as a person types them.
 void type(benchmark::State& state, double share)

@@ -1,6 +1,7 @@
 // Draws the window's chief states to PNG files: `kelmwright_screenshots FOLDER [NAME …]`. It lives in a home of its
 // own, so that neither the user's settings nor those of the last run show in the pictures.
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/style/view/style.h"
@@ -61,6 +62,9 @@ void closeWhatIsOpen(MainWindow& window, AppState& state)
         if (other != &window && other->isVisible()) {
             other->close();
         }
+    }
+    while (state.notices().canStop()) {
+        state.notices().stop();
     }
     state.setShowQuickOpen(false);
     state.setShowSearch(false);

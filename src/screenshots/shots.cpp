@@ -1,6 +1,7 @@
 #include "screenshots/shots.h"
 
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
@@ -13,6 +14,7 @@
 #include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/main_window.h"
+#include "workbench/view/notice_bar.h"
 #include "workbench/view/tool_bar_view.h"
 
 #include <QApplication>
@@ -74,6 +76,14 @@ void runFile(Stage& stage)
     settleUntil([&stage] { return !stage.state.codeRunner().isRunning(); });
     QTimer::singleShot(200, &stage.window, [&hasScrolled] { hasScrolled = true; });
     settleUntil([&hasScrolled] { return hasScrolled; });
+}
+
+void tell(Stage& stage, const QString& text, std::optional<double> progress)
+{
+    Notices& notices = stage.state.notices();
+    const auto id = std::make_shared<Notices::Id>(0);
+    *id = notices.add({text, progress, [&notices, id] { notices.remove(*id); }});
+    settleUntil([&stage] { return stage.window.noticeBar().isVisible(); });
 }
 
 void press(TerminalTextView& terminal, Qt::Key key)
@@ -177,6 +187,8 @@ std::vector<Shot> shots()
          .files = {javascript},
          .prepare = [](Stage& stage) { findWord(stage, u"return"_s); },
          .showsProject = false},
+        {"opening", {orchard, basket}, [](Stage& stage) { tell(stage, u"Opening harvest.log…"_s, 0.43); }},
+        {"sorting", {basket}, [](Stage& stage) { tell(stage, u"Sorting lines…"_s, std::nullopt); }},
         {"output", {basket}, runFile},
         {"terminal", {basket}, useTerminal},
         {.name = "korean", .files = {korean}, .showsProject = false},

@@ -81,9 +81,17 @@ Action showSearch(SearchMode mode)
     };
 }
 
-Action rewrite(std::function<QString(const QString&)> transform)
+/// `notice` is shown while it takes its time.
+Action rewrite(const QString& notice, DocumentRewriter::Transform transform)
 {
-    return [transform = std::move(transform)](AppState& state) { rewriteCurrentDocument(state, transform); };
+    return [notice, transform = std::move(transform)](AppState& state) {
+        rewriteCurrentDocument(state, notice, transform);
+    };
+}
+
+Action changeCase(DocumentRewriter::Transform transform)
+{
+    return rewrite(u"Changing case…"_s, std::move(transform));
 }
 
 void doNothing(AppState&) {}
@@ -148,8 +156,10 @@ std::vector<MenuGroup> makeCommandTable()
              submenu(u"Format"_s,
                      std::vector{
                          item(Command::formatJson, u"Format JSON"_s, commandShift | Qt::Key_J,
-                              rewrite([](const QString& text) { return JSONFormatter::format(text, jsonIndent); })),
-                         item(Command::formatXml, u"Format XML"_s, commandShift | Qt::Key_X, rewrite(formatXml)),
+                              rewrite(u"Formatting JSON…"_s,
+                                      [](const QString& text) { return JSONFormatter::format(text, jsonIndent); })),
+                         item(Command::formatXml, u"Format XML"_s, commandShift | Qt::Key_X,
+                              rewrite(u"Formatting XML…"_s, formatXml)),
                          separator(),
                          item(Command::sortLinesAscending, u"Sort Lines Ascending"_s,
                               [](AppState& state) { state.sortLines(true); }),
@@ -158,11 +168,11 @@ std::vector<MenuGroup> makeCommandTable()
                      }),
              submenu(u"Transform"_s,
                      std::vector{
-                         item(Command::toUpperCase, u"UPPERCASE"_s, rewrite(TextTransformer::toUpperCase)),
-                         item(Command::toLowerCase, u"lowercase"_s, rewrite(TextTransformer::toLowerCase)),
-                         item(Command::toTitleCase, u"Title Case"_s, rewrite(TextTransformer::toCapitalized)),
-                         item(Command::toCamelCase, u"camelCase"_s, rewrite(TextTransformer::toCamelCase)),
-                         item(Command::toSnakeCase, u"snake_case"_s, rewrite(TextTransformer::toSnakeCase)),
+                         item(Command::toUpperCase, u"UPPERCASE"_s, changeCase(TextTransformer::toUpperCase)),
+                         item(Command::toLowerCase, u"lowercase"_s, changeCase(TextTransformer::toLowerCase)),
+                         item(Command::toTitleCase, u"Title Case"_s, changeCase(TextTransformer::toCapitalized)),
+                         item(Command::toCamelCase, u"camelCase"_s, changeCase(TextTransformer::toCamelCase)),
+                         item(Command::toSnakeCase, u"snake_case"_s, changeCase(TextTransformer::toSnakeCase)),
                      }),
          }},
         {u"View"_s,

@@ -1,11 +1,13 @@
 #include "app/state/app_state.h"
 
+#include "app/state/document_rewriter.h"
+#include "app/state/large_files.h"
+#include "app/state/notices.h"
 #include "app/state/recent_files.h"
+#include "app/state/text_file.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
-#include "platform/files/atomic_file.h"
 #include "platform/files/file_url.h"
-#include "platform/files/utf8_file.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -24,49 +26,17 @@ constexpr qsizetype mostRecentFiles = 10;
 
 const QString recentFilesKey = u"recentFiles"_s;
 
-QString descriptionOf(const QUrl& url)
-{
-    return url.toString(QUrl::FullyEncoded);
-}
-
-FileError notLocal(const QUrl& url)
-{
-    return {descriptionOf(url) + u": The URL is not that of a file."_s};
-}
-
-std::variant<QString, FileError> read(const QUrl& url)
-{
-    return url.isLocalFile() ? readUtf8File(url.toLocalFile()) : notLocal(url);
-}
-
-QByteArray encodedText(const TextTree& text)
-{
-    QByteArray bytes;
-    bytes.reserve(text.length());
-    // Half of a pair of surrogates at a piece's end, which is encoded with the other half.
-    QString held;
-    text.forEachPiece({0, text.length()}, [&](QStringView piece) {
-        const bool isCut = piece.back().isHighSurrogate();
-        const QStringView whole = piece.chopped(isCut ? 1 : 0);
-        bytes += held.isEmpty() ? encodeUtf8Text(whole) : encodeUtf8Text(held + whole.toString());
-        held = isCut ? QString(piece.back()) : QString();
-        return true;
-    });
-    return bytes + encodeUtf8Text(held);
-}
-
-/// Writes the text of `document` as it stands; its labels of encoding, line ends and indentation play no part.
-std::optional<FileError> write(const Document& document, const QUrl& url)
-{
-    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodedText(document.text())) : notLocal(url);
-}
-
 } // namespace
 
 AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
-      git_(std::make_unique<GitService>(services.processRunner))
+      git_(std::make_unique<GitService>(services.processRunner)),
+      notices_(std::make_unique<Notices>()),
+      largeFiles_(std::make_unique<LargeFiles>(
+          *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
+      rewriter_(std::make_unique<DocumentRewriter>(
+          *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); }))
 {
     loadRecentFiles();
 }
@@ -158,7 +128,9 @@ void AppState::openFiles(const QList<QUrl>& urls)
         if (const auto place = places.constFind(url); place != places.cend()) {
             current = *place;
             services_.log.write(u"  ♻️ File already open at index "_s + QString::number(current));
-        } else if (std::shared_ptr<Document> document = readDocument(url)) {
+        } else if (largeFiles_->isLarge(url)) {
+            readLargeFile(url);
+        } else if (std::shared_ptr<Document> document = makeDocument(url, readTextFile(url))) {
             current = documents.size();
             places.insert(url, current);
             documents.append(std::move(document));
@@ -171,16 +143,41 @@ void AppState::openFiles(const QList<QUrl>& urls)
     }
 }
 
-std::shared_ptr<Document> AppState::readDocument(const QUrl& url)
+std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text)
 {
-    std::variant<QString, FileError> text = read(url);
     if (const auto* error = std::get_if<FileError>(&text)) {
         services_.log.write(u"  ❌ Error opening file: "_s + error->message);
         return nullptr;
     }
-    auto document = std::make_shared<Document>(std::get<QString>(std::move(text)), url, std::nullopt, std::nullopt);
+    auto document = std::make_shared<Document>(std::get<TextTree>(text), url, std::nullopt, std::nullopt);
     services_.log.write(u"  ✅ Document created with language: "_s + document->language().rawValue());
     return document;
+}
+
+void AppState::readLargeFile(const QUrl& url)
+{
+    if (largeFiles_->contains(url)) {
+        services_.log.write(u"  ⏳ File is being opened already"_s);
+    } else {
+        largeFiles_->read(url);
+    }
+}
+
+void AppState::showLargeFile(const QUrl& url, const std::optional<std::variant<TextTree, FileError>>& text)
+{
+    if (!text) {
+        services_.log.write(u"  ⏹️ Opening stopped: "_s + descriptionOf(url));
+        return;
+    }
+    const auto place = std::find_if(documents_.begin(), documents_.end(),
+                                    [&url](const auto& document) { return document->fileURL() == url; });
+    if (place != documents_.end()) {
+        // It was saved there while it was read.
+        setCurrentDocumentIndex(place - documents_.begin());
+    } else if (std::shared_ptr<Document> document = makeDocument(url, *text)) {
+        appendAndShow(std::move(document));
+        addToRecentFiles(url);
+    }
 }
 
 void AppState::closeTab(qsizetype index)
@@ -229,7 +226,7 @@ void AppState::saveCurrentDocument()
         saveCurrentDocumentAs();
         return;
     }
-    if (const std::optional<FileError> error = write(*document, *document->fileURL())) {
+    if (const std::optional<FileError> error = writeTextFile(document->text(), *document->fileURL())) {
         services_.log.print(u"Error saving: "_s + error->message);
         return;
     }
@@ -247,7 +244,7 @@ void AppState::saveCurrentDocumentAs()
     if (!url) {
         return;
     }
-    if (const std::optional<FileError> error = write(*document, *url)) {
+    if (const std::optional<FileError> error = writeTextFile(document->text(), *url)) {
         services_.log.print(u"Error saving: "_s + error->message);
         return;
     }
@@ -262,7 +259,7 @@ void AppState::saveAllDocuments()
     for (const std::shared_ptr<Document>& document : documents) {
         if (document->fileURL()) {
             // A failed write is dropped on purpose.
-            static_cast<void>(write(*document, *document->fileURL()));
+            static_cast<void>(writeTextFile(document->text(), *document->fileURL()));
             document->setIsModified(false);
         }
     }
@@ -270,9 +267,8 @@ void AppState::saveAllDocuments()
 
 void AppState::sortLines(bool ascending)
 {
-    if (const std::shared_ptr<Document> document = currentDocument()) {
-        document->setContent(TextTransformer::sortLines(document->content(), ascending));
-    }
+    rewriter_->rewrite(currentDocument(), u"Sorting lines…"_s,
+                       [ascending](const QString& text) { return TextTransformer::sortLines(text, ascending); });
 }
 
 void AppState::runCurrentFile()

@@ -17,11 +17,15 @@
 
 #include <memory>
 #include <optional>
+#include <variant>
 
 namespace kelm {
 
 class CodeRunner;
+class DocumentRewriter;
 class GitService;
+class LargeFiles;
+class Notices;
 
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
 /// toolbar, the tab bar and links all act through it, and views redraw on its signals.
@@ -123,6 +127,13 @@ public:
     /// The one git service, the same for the whole run. No repository is open at first.
     GitService& git() const { return *git_; }
 
+    /// What goes on and takes its time.
+    Notices& notices() const { return *notices_; }
+    /// The files that are read while the window goes on.
+    LargeFiles& largeFiles() const { return *largeFiles_; }
+    /// Makes the texts of documents anew.
+    DocumentRewriter& rewriter() const { return *rewriter_; }
+
     /// Opens an empty, untitled document and makes it the current one.
     void createNewTab();
 
@@ -130,10 +141,12 @@ public:
     /// which stands by then, is asked to take the keyboard.
     void openSnippet(const QString& code, Language language, const std::optional<LessonInfo>& lessonInfo);
 
-    /// Opens the UTF-8 file at `url`, or switches to the tab that shows it already, without a look at the disk.
+    /// Opens the UTF-8 file at `url`, or switches to the tab that shows it already, without a look at the disk. A very
+    /// large file is read while the window goes on (see `LargeFiles`), and its tab comes when it is whole.
     void openFile(const QUrl& url);
 
-    /// The same with each file in its order, as one change of the tabs: the last of them is current.
+    /// The same with each file in its order, as one change of the tabs: the last of them is current. Very large files
+    /// come later, one by one.
     void openFiles(const QList<QUrl>& urls);
 
     /// Closes a tab at once, unsaved edits or not. The current index stays as it is unless it falls off the end:
@@ -157,7 +170,7 @@ public:
     /// cleared all the same.
     void saveAllDocuments();
 
-    /// Sorts the lines of the current document.
+    /// Sorts the lines of the current document; those of a long text on a worker (see `DocumentRewriter`).
     void sortLines(bool ascending);
 
     /// Shows the output page and runs the current document: its file as it stands on disk, without unsaved edits, or,
@@ -191,13 +204,20 @@ Q_SIGNALS:
 private:
     /// Sets tabs and index together, so that no observer sees the one without the other.
     void showDocuments(Documents documents, qsizetype currentIndex);
-    /// Null, with the reason logged, for what cannot be read.
-    std::shared_ptr<Document> readDocument(const QUrl& url);
+    /// A document with what was read; null, with the reason logged, for what could not be.
+    std::shared_ptr<Document> makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text);
+    /// Begins to read a very large file, unless that has begun already.
+    void readLargeFile(const QUrl& url);
+    /// Takes what was read of it; nothing when that was ended.
+    void showLargeFile(const QUrl& url, const std::optional<std::variant<TextTree, FileError>>& text);
     void appendAndShow(std::shared_ptr<Document> document);
 
     Services services_;
     const std::unique_ptr<CodeRunner> codeRunner_;
     const std::unique_ptr<GitService> git_;
+    const std::unique_ptr<Notices> notices_;
+    const std::unique_ptr<LargeFiles> largeFiles_;
+    const std::unique_ptr<DocumentRewriter> rewriter_;
     Documents documents_;
     qsizetype currentDocumentIndex_ = 0;
     QList<QUrl> recentFiles_;

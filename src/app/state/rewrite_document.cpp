@@ -2,13 +2,13 @@
 
 #include "app/state/app_state.h"
 
+#include <utility>
+
 namespace kelm {
 
-void rewriteCurrentDocument(AppState& appState, const std::function<QString(const QString&)>& transform)
+void rewriteCurrentDocument(AppState& appState, const QString& notice, DocumentRewriter::Transform transform)
 {
-    if (const std::shared_ptr<Document> document = appState.currentDocument()) {
-        document->setContent(transform(document->content()));
-    }
+    appState.rewriter().rewrite(appState.currentDocument(), notice, std::move(transform));
 }
 
 } // namespace kelm

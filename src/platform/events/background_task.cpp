@@ -2,17 +2,33 @@
 
 #include "platform/events/main_queue.h"
 
+#include <QCoreApplication>
+#include <QThread>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <utility>
 
 namespace kelm {
+
+QThreadPool& backgroundWorkers()
+{
+    static QThreadPool workers;
+    static const bool isSetUp = [] {
+        // One that takes long leaves another for the others.
+        workers.setMaxThreadCount(std::max(QThread::idealThreadCount(), 2));
+        qAddPostRoutine([] { workers.waitForDone(); });
+        return true;
+    }();
+    Q_UNUSED(isSetUp)
+    return workers;
+}
 
 void BackgroundTask::start(Work work)
 {
     stop();
     stop_ = std::make_shared<StopFlag>(false);
-    QThreadPool::globalInstance()->start([this, work = std::move(work), flag = stop_] {
+    backgroundWorkers().start([this, work = std::move(work), flag = stop_] {
         if (*flag) {
             return;
         }

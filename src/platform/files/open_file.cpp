@@ -26,6 +26,16 @@ qsizetype OpenFile::read(char* bytes, qsizetype size) const
     }
 }
 
+qsizetype OpenFile::readAt(qint64 offset, char* bytes, qsizetype size) const
+{
+    for (;;) {
+        const ssize_t count = ::pread(descriptor_, bytes, std::size_t(size), off_t(offset));
+        if (count >= 0 || errno != EINTR) {
+            return count;
+        }
+    }
+}
+
 std::optional<QByteArray> OpenFile::readAll() const
 {
     struct stat status = {};

@@ -31,6 +31,9 @@ public:
     /// Reads up to `size` bytes; 0 at the end of the file, -1 with `errno` set on failure.
     qsizetype read(char* bytes, qsizetype size) const;
 
+    /// The same at an offset of a file that has places; where the next `read` goes on stays as it is.
+    qsizetype readAt(qint64 offset, char* bytes, qsizetype size) const;
+
     /// All that is left of the file; absent with `errno` set on failure.
     std::optional<QByteArray> readAll() const;
 

@@ -1,5 +1,6 @@
 #include "platform/process/application_exit.h"
 
+#include "platform/events/background_task.h"
 #include "platform/files/user_defaults.h"
 
 #include <QThreadPool>
@@ -17,8 +18,8 @@ void outliveReaders()
 
 int leaveWithoutWaiting(int status, UserDefaults& preferences)
 {
-    // The pool's number of active threads leaves out those that only wait for a child.
-    if (QThreadPool::globalInstance()->waitForDone(0)) {
+    // A pool's number of active threads leaves out those that only wait for a child.
+    if (QThreadPool::globalInstance()->waitForDone(0) && backgroundWorkers().waitForDone(0)) {
         return status;
     }
     preferences.synchronize();

@@ -10,9 +10,9 @@ class UserDefaults;
 void outliveReaders();
 
 /// To be called with the status of the event loop when it has ended, and its result returned from `main`. When
-/// background work still runs on the global thread pool, such as a push to a server that does not answer, this does not
-/// come back: the preferences are written and the process ends with `status`, since the application object would wait
-/// for that work. Main thread only.
+/// background work still runs on the global thread pool, such as a push to a server that does not answer, or as a
+/// background task, this does not come back: the preferences are written and the process ends with `status`, since the
+/// application object would wait for that work. Main thread only.
 [[nodiscard]] int leaveWithoutWaiting(int status, UserDefaults& preferences);
 
 } // namespace kelm

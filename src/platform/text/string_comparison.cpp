@@ -61,26 +61,35 @@ int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView
 
 QByteArray StringComparison::sortKey(QStringView text) const
 {
-    if (!collator_) {
-        const QString key = decomposedWithoutCase(text);
-        QByteArray bytes;
-        for (const QChar unit : key) {
-            bytes.append(char(unit.row())).append(char(unit.cell()));
-        }
-        return bytes;
-    }
-    // Most keys fit into twice the text's length: the second call is the exception.
-    QByteArray key(2 * text.size() + 16, Qt::Uninitialized);
-    const auto length = collator_->getSortKey(text.utf16(), int32_t(text.size()),
-                                              reinterpret_cast<uint8_t*>(key.data()), int32_t(key.size()));
-    if (length > key.size()) {
-        key.resize(length);
-        collator_->getSortKey(text.utf16(), int32_t(text.size()), reinterpret_cast<uint8_t*>(key.data()), length);
-    }
-    // Without the NUL that ends the key.
-    key.truncate(length - 1);
+    QByteArray key;
+    appendSortKey(key, text);
     key.squeeze();
     return key;
+}
+
+void StringComparison::appendSortKey(QByteArray& keys, QStringView text) const
+{
+    if (!collator_) {
+        const QString key = decomposedWithoutCase(text);
+        for (const QChar unit : key) {
+            keys.append(char(unit.row())).append(char(unit.cell()));
+        }
+        return;
+    }
+    const qsizetype start = keys.size();
+    const auto make = [&](qsizetype room) {
+        keys.resize(start + room);
+        return qsizetype(collator_->getSortKey(text.utf16(), int32_t(text.size()),
+                                               reinterpret_cast<uint8_t*>(keys.data() + start), int32_t(room)));
+    };
+    // Most keys fit into twice the text's length: the second call is the exception.
+    const qsizetype room = 2 * text.size() + 16;
+    qsizetype length = make(room);
+    if (length > room) {
+        length = make(length);
+    }
+    // Without the NUL that ends the key.
+    keys.truncate(start + length - 1);
 }
 
 const StringComparison& StringComparison::current()

@@ -29,6 +29,8 @@ public:
 
     /// Bytes that compare as `localizedCaseInsensitiveCompare` does; for sorting many texts.
     QByteArray sortKey(QStringView text) const;
+    /// Puts the same bytes behind others, where many of them have one place in memory.
+    void appendSortKey(QByteArray& keys, QStringView text) const;
 
     /// The order of the user's locale, as the process found it when it was first asked.
     static const StringComparison& current();

@@ -12,8 +12,6 @@ namespace {
 /// The most units of a piece. Of 1,024 to 16,384 this one and its half gave the shortest edits in a text of 100 MB, the
 /// copy of a piece and the way to it taken together, and this one is built sooner.
 constexpr qsizetype largestPiece = 4096;
-/// Pieces that a whole text is cut into leave room for what is typed.
-constexpr qsizetype freshPiece = 3072;
 
 /// The number of line ends within `text` alone: a carriage return at its end is one.
 struct LineEnds
@@ -207,6 +205,16 @@ struct TextTree::Building
         return joined(ofText(text.first(half)), ofText(text.sliced(half)));
     }
 
+    /// Of `count` texts.
+    static Tree ofTexts(const TextTree* texts, std::size_t count)
+    {
+        if (count <= 1) {
+            return count == 0 ? nullptr : texts->root_;
+        }
+        const std::size_t half = count / 2;
+        return joined(ofTexts(texts, half), ofTexts(texts + half, count - half));
+    }
+
     /// The units from `from` to `to`, each of which may lie outside the tree.
     static Tree partOf(const Tree& tree, qsizetype from, qsizetype to)
     {
@@ -264,6 +272,11 @@ struct TextTree::Building
 };
 
 TextTree::TextTree(QStringView text) : root_(Building::ofText(text)) {}
+
+TextTree TextTree::joined(const std::vector<TextTree>& texts)
+{
+    return TextTree(Building::ofTexts(texts.data(), texts.size()));
+}
 
 qsizetype TextTree::length() const
 {

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace kelm {
 
@@ -25,6 +26,12 @@ class TextTree
 public:
     TextTree() = default;
     explicit TextTree(QStringView text);
+
+    /// The units of a piece of a text that comes in whole: there is room in it for what is typed.
+    static constexpr qsizetype freshPiece = 3072;
+    /// Texts one behind the other, of which nothing is copied but pieces that fit into one. Linear in their number, and
+    /// as low as it can be when they are of one height.
+    static TextTree joined(const std::vector<TextTree>& texts);
 
     qsizetype length() const;
     bool isEmpty() const { return length() == 0; }

@@ -8,8 +8,10 @@
 #include "workbench/view/editor_area.h"
 #include "workbench/view/focus_order.h"
 #include "workbench/view/menu_bar.h"
+#include "workbench/view/notice_bar.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
+#include "workbench/view/window_notices.h"
 #include "workbench/view/window_overlays.h"
 #include "workbench/view/window_panels.h"
 
@@ -66,6 +68,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshLessonPanel();
     refreshTheme();
     new WindowOverlays(appState_, *this);
+    new WindowNotices(appState_, *noticeBar_, *this);
 }
 
 MainWindow::~MainWindow() = default;
@@ -94,6 +97,7 @@ void MainWindow::buildStack()
     tabBar_ = new TabBarView(appState_, themeManager_, workspace_, upper);
     auto* editors = new QWidget(upper);
     editorArea_ = new EditorArea(appState_, themeManager_, editors);
+    noticeBar_ = new NoticeBar(themeManager_, stack);
     statusBar_ = new StatusBarView(appState_, themeManager_, stack);
 
     editorRow_ = makeTightLayout<QHBoxLayout>(editors);
@@ -109,6 +113,7 @@ void MainWindow::buildStack()
     auto* column = makeTightLayout<QVBoxLayout>(stack);
     column->addWidget(toolbar_);
     column->addWidget(columns_, 1);
+    column->addWidget(noticeBar_);
     column->addWidget(statusBar_);
     setCentralWidget(stack);
 }

@@ -17,6 +17,7 @@ namespace kelm {
 
 class BottomPanel;
 class EditorArea;
+class NoticeBar;
 class OverlayLayer;
 class AutoUpdateService;
 class SettingsView;
@@ -57,6 +58,7 @@ public:
     ToolbarView& toolbar() { return *toolbar_; }
     TabBarView& tabBar() { return *tabBar_; }
     StatusBarView& statusBarView() { return *statusBar_; }
+    NoticeBar& noticeBar() { return *noticeBar_; }
     /// Null while it is not shown.
     SidebarView* sidebar() const { return sidebar_; }
     /// Null until it is first shown.
@@ -88,6 +90,7 @@ private:
     QBoxLayout* editorRow_ = nullptr;
     TabBarView* tabBar_ = nullptr;
     EditorArea* editorArea_ = nullptr;
+    NoticeBar* noticeBar_ = nullptr;
     StatusBarView* statusBar_ = nullptr;
     SidebarView* sidebar_ = nullptr;
     BottomPanel* bottomPanel_ = nullptr;

@@ -28,8 +28,9 @@ constexpr double lineOpacity = 0.15;
 
 void formatXmlPlainly(AppState& state)
 {
-    rewriteCurrentDocument(
-        state, [](const QString& text) { return XMLFormatter::basicFormat(text, XMLFormatter::basicIndent); });
+    rewriteCurrentDocument(state, u"Formatting XML…"_s, [](const QString& text) {
+        return XMLFormatter::basicFormat(text, XMLFormatter::basicIndent);
+    });
 }
 
 /// A small upright line between groups.

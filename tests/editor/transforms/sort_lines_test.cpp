@@ -17,6 +17,7 @@ class SortLinesTest : public QObject
 private Q_SLOTS:
     void linesAreSorted_data();
     void linesAreSorted();
+    void manyLinesSortAsTheComparisonSays_data();
     void manyLinesSortAsTheComparisonSays();
 };
 
@@ -61,16 +62,24 @@ void SortLinesTest::linesAreSorted()
     QCOMPARE(TextTransformer::sortLines(text, false), descending);
 }
 
+void SortLinesTest::manyLinesSortAsTheComparisonSays_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("some") << 3000;
+    QTest::newRow("so many that two threads sort them") << 20'001;
+}
+
 void SortLinesTest::manyLinesSortAsTheComparisonSays()
 {
+    QFETCH(int, count);
     const quint32 seed = QRandomGenerator::global()->generate();
     qInfo("seed %u", seed);
     QRandomGenerator random(seed);
     const QString alphabet = u"aAbB zZ_-09éÉ가나\t"_s;
     QStringList lines;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < count; ++i) {
         QString line;
-        for (int length = random.bounded(5); length > 0; --length) {
+        for (int length = random.bounded(9); length > 0; --length) {
             line += alphabet[random.bounded(int(alphabet.size()))];
         }
         lines << line;

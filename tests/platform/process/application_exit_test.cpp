@@ -1,3 +1,4 @@
+#include "platform/events/background_task.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "support/roles.h"
@@ -15,11 +16,12 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Work on the global pool that does not end, with or without a claim to a thread.
-void startEndlessWork(bool onlyWaits)
+/// Work that does not end, on the global pool, with or without a claim to a thread, or as a background task.
+void startEndlessWork(const QString& kind)
 {
     static QSemaphore started;
-    QThreadPool* const pool = QThreadPool::globalInstance();
+    const bool onlyWaits = kind == u"waits"_s;
+    QThreadPool* const pool = kind == u"task"_s ? &backgroundWorkers() : QThreadPool::globalInstance();
     pool->start([onlyWaits, pool] {
         if (onlyWaits) {
             pool->releaseThread();
@@ -32,7 +34,7 @@ void startEndlessWork(bool onlyWaits)
 
 int leaveBusy(const QStringList& arguments)
 {
-    startEndlessWork(arguments[0] == u"waits"_s);
+    startEndlessWork(arguments[0]);
     UserDefaults::shared().setString(u"key"_s, u"written"_s);
     std::printf("said before");
     return leaveWithoutWaiting(7, UserDefaults::shared());
@@ -64,6 +66,7 @@ void ApplicationExitTest::endlessWorkDoesNotHoldTheProcess_data()
     QTest::addColumn<QString>("kind");
     QTest::newRow("computing") << u"computes"_s;
     QTest::newRow("waiting for a child") << u"waits"_s;
+    QTest::newRow("a background task") << u"task"_s;
 }
 
 void ApplicationExitTest::endlessWorkDoesNotHoldTheProcess()

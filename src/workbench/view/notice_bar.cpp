@@ -1,0 +1,120 @@
+#include "workbench/view/notice_bar.h"
+
+#include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
+#include "platform/view/labels.h"
+#include "search/view/activity_line.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QResizeEvent>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+/// As high, and with the same ends, as the status bar below.
+constexpr int barHeight = 26;
+constexpr int endPadding = 14;
+constexpr int spacing = 16;
+constexpr int lineHeight = 2;
+constexpr int textSize = 11;
+constexpr double edgeOpacity = 0.05;
+constexpr int whole = 100;
+constexpr int step = 10;
+
+QString withPercents(const QString& text, int percents)
+{
+    return u"%1 %2 %"_s.arg(text, QString::number(percents));
+}
+
+} // namespace
+
+NoticeBar::NoticeBar(ThemeManager& themeManager, QWidget* parent)
+    : QWidget(parent),
+      themeManager_(themeManager),
+      activity_(new ActivityLine(this)),
+      label_(new TextLabel({}, style::interfaceFont(textSize), Tint::primary().at(0.85), this)),
+      stopHint_(new TextLabel(tr("Escape to stop"), style::interfaceFont(textSize), Tint::secondary(), this))
+{
+    setFixedHeight(barHeight);
+    setAccessibleRole(*this, QAccessible::AlertMessage);
+    label_->setElideMode(Qt::ElideMiddle);
+    stopHint_->setGivesWay(false);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(endPadding, 1, endPadding, 0);
+    row->setSpacing(spacing);
+    row->addWidget(label_, 1);
+    row->addWidget(stopHint_);
+    connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
+}
+
+void NoticeBar::show(const QString& text, bool canStop)
+{
+    notice_ = text;
+    stopHint_->setVisible(canStop);
+    refresh();
+    setVisible(true);
+    QAccessibleEvent appeared(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&appeared);
+}
+
+void NoticeBar::setProgress(std::optional<double> progress)
+{
+    progress_ = progress;
+    refresh();
+}
+
+QString NoticeBar::text() const
+{
+    return label_->text();
+}
+
+bool NoticeBar::offersStop() const
+{
+    return !stopHint_->isHidden();
+}
+
+void NoticeBar::refresh()
+{
+    const int percents = progress_ ? int(*progress_ * whole) : 0;
+    label_->setText(progress_ ? withPercents(notice_, percents) : notice_);
+    // Each percent, read out, would be talked over by the next.
+    const QString spoken = progress_ ? withPercents(notice_, percents / step * step) : notice_;
+    setAccessibleName(offersStop() ? spoken + u" "_s + stopHint_->text() : spoken);
+    activity_->setActive(!progress_ && isVisible());
+    update();
+}
+
+void NoticeBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    activity_->setGeometry(0, 0, width(), lineHeight);
+}
+
+void NoticeBar::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    activity_->setActive(!progress_);
+}
+
+void NoticeBar::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    activity_->setActive(false);
+}
+
+void NoticeBar::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), themeManager_.currentTheme().backgroundColor.toColor());
+    painter.fillRect(QRect(0, 0, width(), 1), Tint::primary().at(edgeOpacity).on(*this));
+    if (progress_) {
+        painter.fillRect(QRectF(0, 0, width() * *progress_, lineHeight), Tint::accent().on(*this));
+    }
+}
+
+} // namespace kelm

@@ -1,0 +1,35 @@
+// Work of other threads that does not begin before a test lets it.
+#pragma once
+
+#include "platform/events/background_task.h"
+
+#include <QSemaphore>
+#include <QThreadPool>
+
+namespace kelm::test {
+
+/// While it lives, all workers of background tasks are busy, so that what is begun waits.
+class BlockedWorkers
+{
+public:
+    BlockedWorkers()
+    {
+        QThreadPool& pool = backgroundWorkers();
+        pool.waitForDone();
+        for (int worker = 0; worker < pool.maxThreadCount(); ++worker) {
+            pool.start([this] { end_.acquire(); });
+        }
+    }
+    ~BlockedWorkers()
+    {
+        end_.release(backgroundWorkers().maxThreadCount());
+        backgroundWorkers().waitForDone();
+    }
+    BlockedWorkers(const BlockedWorkers&) = delete;
+    BlockedWorkers& operator=(const BlockedWorkers&) = delete;
+
+private:
+    QSemaphore end_;
+};
+
+} // namespace kelm::test
