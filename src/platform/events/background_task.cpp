@@ -24,20 +24,33 @@ QThreadPool& backgroundWorkers()
     return workers;
 }
 
+/// What the two threads share. What one of them leaves for the other is ordered by the two atomics, not by the queues of
+/// the toolkit alone.
+struct BackgroundTask::InHand
+{
+    StopFlag stop = false;
+    std::atomic<bool> isDone = false;
+    Work work;
+    Delivery delivery;
+};
+
 void BackgroundTask::start(Work work)
 {
     stop();
-    stop_ = std::make_shared<StopFlag>(false);
-    backgroundWorkers().start([this, work = std::move(work), flag = stop_] {
-        if (*flag) {
+    inHand_ = std::make_shared<InHand>();
+    inHand_->work = std::move(work);
+    inHand_->stop.store(false, std::memory_order_release);
+    backgroundWorkers().start([this, inHand = inHand_] {
+        if (inHand->stop.load(std::memory_order_acquire)) {
             return;
         }
-        Delivery delivery = work(*flag);
+        inHand->delivery = inHand->work(inHand->stop);
+        inHand->isDone.store(true, std::memory_order_release);
         // The flag is set on the main thread alone: while it is not, the task is there.
-        onMainQueue([this, delivery = std::move(delivery), flag] {
-            if (!*flag) {
-                stop_.reset();
-                delivery();
+        onMainQueue([this, inHand] {
+            if (inHand->isDone.load(std::memory_order_acquire) && !inHand->stop) {
+                inHand_.reset();
+                inHand->delivery();
             }
         });
     });
@@ -45,8 +58,8 @@ void BackgroundTask::start(Work work)
 
 void BackgroundTask::stop()
 {
-    if (const auto flag = std::exchange(stop_, nullptr)) {
-        *flag = true;
+    if (const auto inHand = std::exchange(inHand_, nullptr)) {
+        inHand->stop = true;
     }
 }
 

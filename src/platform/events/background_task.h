@@ -37,11 +37,12 @@ public:
     void start(Work work);
     void stop();
     /// Whether work has begun that has neither been delivered nor stopped. Not so any more while it is delivered.
-    bool isRunning() const { return stop_ != nullptr; }
+    bool isRunning() const { return inHand_ != nullptr; }
 
 private:
-    /// Of the work in hand.
-    std::shared_ptr<StopFlag> stop_;
+    struct InHand;
+
+    std::shared_ptr<InHand> inHand_;
 };
 
 } // namespace kelm
