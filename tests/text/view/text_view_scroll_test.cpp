@@ -77,8 +77,8 @@ void scrollWithoutJumps(ShownTextView& view, int pixels, int steps, int* brokenA
         }
         if (!top && view.storage().lines().content(kept.line).length > longestPiece) {
             // What came into sight above told where the rows of the long line begin; its text moves by part of a row.
-            const qreal moved = view.caretRect({kept.range.location, false}).top() -
-                                view.textInset().height() - kept.top - pixels;
+            const qreal moved =
+                view.caretRect({kept.range.location, false}).top() - view.textInset().height() - kept.top - pixels;
             QVERIFY2(qAbs(moved) < view.textLayout().rowHeight() + 1.5, qPrintable(QString::number(moved)));
             ++*brokenAnew;
             continue;
