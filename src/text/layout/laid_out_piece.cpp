@@ -77,7 +77,23 @@ int LaidOutPiece::rowAt(qsizetype offset, bool atRowEnd) const
     const int position = toLayout(offset);
     const QTextLine line = layout_.lineForTextPosition(position);
     const int row = line.isValid() ? line.lineNumber() : layout_.lineCount() - 1;
-    return atRowEnd && row > 0 && layout_.lineAt(row).textStart() == position ? row - 1 : row;
+    const int wanted = atRowEnd && row > 0 && layout_.lineAt(row).textStart() == position ? row - 1 : row;
+    return std::min(wanted, rowCount() - 1);
+}
+
+int LaidOutPiece::lastRowFrom(qsizetype offset) const
+{
+    const QTextLine line = layout_.lineForTextPosition(toLayout(offset));
+    int row = line.isValid() ? line.lineNumber() : layout_.lineCount() - 1;
+    for (; row > 0; --row) {
+        const int start = layout_.lineAt(row).textStart();
+        const bool touchesPreedit =
+            preeditLength_ > 0 && start > preeditStart_ && start <= preeditStart_ + preeditLength_;
+        if (!touchesPreedit && fromLayout(start) <= offset) {
+            break;
+        }
+    }
+    return row;
 }
 
 qreal LaidOutPiece::xAt(qsizetype offset, int row) const
@@ -138,7 +154,7 @@ void LaidOutPiece::rewrap(const RowMetrics& metrics)
     makeRows(metrics);
 }
 
-void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics)
+QList<QTextLayout::FormatRange> LaidOutPiece::formatsOf(const std::vector<ColorRun>& colors) const
 {
     QList<QTextLayout::FormatRange> formats = formatsFor(colors);
     if (preeditLength_ > 0) {
@@ -160,6 +176,12 @@ void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetri
         }
         formats = split + preeditFormats_;
     }
+    return formats;
+}
+
+void LaidOutPiece::setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics)
+{
+    const QList<QTextLayout::FormatRange> formats = formatsOf(colors);
     colorsAreStale = false;
     if (layout_.lineCount() == 0 || formats != layout_.formats()) {
         layout_.setFormats(formats);

@@ -6,6 +6,9 @@
 
 #include <QTextLayout>
 
+#include <algorithm>
+#include <limits>
+#include <optional>
 #include <vector>
 
 class QPainter;
@@ -43,13 +46,23 @@ struct RowMetrics
 
 /// The layout of one piece of text without a line terminator. Offsets count from the piece's start and leave a
 /// composition out of account; x counts from the left edge of the text, y from the top of the piece.
+///
+/// A piece may be laid out with some of the text that follows it, whose rows are then hidden.
 class LaidOutPiece
 {
 public:
     LaidOutPiece(const QString& text, const std::vector<ColorRun>& colors, const Preedit* preedit,
                  const RowMetrics& metrics);
 
-    int rowCount() const { return layout_.lineCount(); }
+    /// The rows that are shown; all answers are about them alone.
+    int rowCount() const { return std::min(layout_.lineCount(), shownRows_); }
+    /// The last row that begins at or before an offset, hidden or not. Rows that begin within a composition or right
+    /// behind it are left out: a composition belongs to one piece. 0 is answered where there is no other.
+    int lastRowFrom(qsizetype offset) const;
+    /// Hides all rows but the first `rows`, one at least.
+    void showRows(int rows) { shownRows_ = rows; }
+    /// The units that are laid out, hidden ones included.
+    qsizetype length() const { return layout_.text().size(); }
     /// The units of a row, a blank at its end included.
     TextRange rowRange(int row) const;
     /// The row that shows an offset: at the border of two rows the first of them when `atRowEnd`, else the second.
@@ -62,6 +75,7 @@ public:
     std::pair<qreal, int> preeditCaret() const;
 
     void rewrap(const RowMetrics& metrics);
+    bool hasColors(const std::vector<ColorRun>& colors) const { return formatsOf(colors) == layout_.formats(); }
     void setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics);
     /// Paints one row, with the piece's top left at `origin`.
     void paintRow(QPainter& painter, QPointF origin, int row) const;
@@ -72,11 +86,13 @@ public:
     quint64 lastUse = 0;
 
 private:
+    QList<QTextLayout::FormatRange> formatsOf(const std::vector<ColorRun>& colors) const;
     void makeRows(const RowMetrics& metrics);
     int toLayout(qsizetype offset) const;
     qsizetype fromLayout(int position) const;
 
     QTextLayout layout_;
+    int shownRows_ = std::numeric_limits<int>::max();
     int preeditStart_ = -1;
     int preeditLength_ = 0;
     int preeditCursor_ = 0;

@@ -34,6 +34,30 @@ qsizetype pieceEnd(const TextTree& text, TextRange line, qsizetype start)
 
 } // namespace
 
+LinePieces LinePieces::cutAt(std::vector<qsizetype> cuts)
+{
+    LinePieces pieces;
+    pieces.isSettled.assign(cuts.size(), false);
+    pieces.starts = cuts;
+    pieces.cuts = std::move(cuts);
+    return pieces;
+}
+
+std::size_t LinePieces::firstThatSees(qsizetype offset) const
+{
+    std::size_t piece = pieceAt(offset);
+    while (piece > 0 && offset <= cuts[piece] + lookAhead) {
+        --piece;
+    }
+    return piece;
+}
+
+void LinePieces::resetStarts()
+{
+    starts = cuts;
+    isSettled.assign(cuts.size(), false);
+}
+
 std::size_t LinePieces::pieceAt(qsizetype offset) const
 {
     const auto behind = std::upper_bound(starts.begin(), starts.end(), offset);
@@ -63,15 +87,20 @@ void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces&
 {
     const auto at = static_cast<qsizetype>(first);
     const auto behind = static_cast<qsizetype>(first) + static_cast<qsizetype>(count);
-    std::vector<qsizetype> added = with.starts;
-    for (qsizetype& start : added) {
-        start += starts[first];
+    const auto exchange = [at, behind](auto& values, const auto& added) {
+        values.insert(values.erase(values.begin() + at, values.begin() + behind), added.begin(), added.end());
+    };
+    const qsizetype origin = starts[first];
+    for (const auto& [offsets, others] : {std::pair(&starts, &with.starts), std::pair(&cuts, &with.cuts)}) {
+        std::vector<qsizetype> added = *others;
+        for (qsizetype& offset : added) {
+            offset += origin;
+        }
+        std::for_each(offsets->begin() + behind, offsets->end(), [change](qsizetype& offset) { offset += change; });
+        exchange(*offsets, added);
     }
-    for (auto start = starts.begin() + behind; start != starts.end(); ++start) {
-        *start += change;
-    }
-    starts.insert(starts.erase(starts.begin() + at, starts.begin() + behind), added.begin(), added.end());
-    rows.insert(rows.erase(rows.begin() + at, rows.begin() + behind), with.rows.begin(), with.rows.end());
+    exchange(rows, with.rows);
+    exchange(isSettled, with.isSettled);
 }
 
 std::vector<qsizetype> cutIntoPieces(const TextTree& text, TextRange line)

@@ -10,25 +10,47 @@
 namespace kelm {
 
 /// The longest piece of a line that is laid out in one go, in UTF-16 units. Laying out a line takes time in proportion
-/// to its length; a piece of this size takes about a millisecond.
-constexpr qsizetype longestPiece = 4096;
+/// to its length; a piece of this size takes a fifth of a millisecond.
+constexpr qsizetype longestPiece = 2048;
 /// A piece that an edit leaves shorter than this is cut anew together with its neighbour. Cutting makes none so short.
-constexpr qsizetype shortestPiece = longestPiece / 8;
+constexpr qsizetype shortestPiece = longestPiece / 4;
+/// A piece that an edit makes longer than this is cut.
+constexpr qsizetype longestEditedPiece = longestPiece + longestPiece / 4;
+
+/// A piece of a line that is known to end where a row does has looked at this many units behind its cut.
+constexpr qsizetype lookAhead = 256;
 
 /// The pieces of one long line: where each begins, counted from the line's start, and how many rows it takes.
+///
+/// A row must not end early because a piece does. So a piece begins at the last row that starts at or before the place
+/// where the line was cut, once the piece before it is laid out and tells the rows. The cut itself stays: however often
+/// the rows change, pieces neither grow nor wander. No piece begins behind its own cut, and each behind that of the
+/// piece before.
 struct LinePieces
 {
     std::vector<qsizetype> starts;
     std::vector<int> rows;
+    /// Where the line was cut for each piece.
+    std::vector<qsizetype> cuts{};
+    /// Whether each piece's end stands where a row ends, or is known to have no such place near its cut.
+    std::vector<bool> isSettled{};
 
+    /// Pieces that begin at their cuts and are not settled. The rows are left to the caller.
+    static LinePieces cutAt(std::vector<qsizetype> cuts);
+    bool isLast(std::size_t piece) const { return piece + 1 >= starts.size(); }
+    /// The first piece whose end depends on the unit at an offset: the one that holds it, or one before, which has
+    /// looked ahead so far.
+    std::size_t firstThatSees(qsizetype offset) const;
     /// The piece that holds an offset, counted from the line's start.
     std::size_t pieceAt(qsizetype offset) const;
     qsizetype rowCount() const;
     qsizetype rowsBefore(std::size_t piece) const;
     /// The piece that holds a row, counted from the line's first.
     std::size_t pieceAtRow(qsizetype row) const;
-    /// Puts other pieces, whose starts count from that of `first`, in the place of `count` pieces. The text behind them
-    /// moves by `change`.
+    /// Forgets all row ends: each piece begins at its cut.
+    void resetStarts();
+    /// Puts other pieces, whose starts and cuts count from the start of `first`, in the place of `count` pieces. The
+    /// text behind them moves by `change`.
     void replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change);
 };
 

@@ -9,8 +9,6 @@ namespace kelm {
 
 namespace {
 
-/// How many pieces are kept; several screens of lines. When there are more, the half that was used last stays.
-constexpr std::size_t keptPieces = 600;
 constexpr int columnsPerTab = 4;
 
 } // namespace
@@ -54,7 +52,7 @@ qsizetype TextLayout::lineAtY(qreal y) const
 PagePlace TextLayout::pagePlaceAt(qreal y) const
 {
     const PieceKey key = pieceOfRow(table_.at(static_cast<qsizetype>(std::floor(y / metrics_.rowHeight))));
-    return {pieceRange(key).location, y - topOfPiece(key)};
+    return {cutOf(key), y - topOfPiece(key)};
 }
 
 qreal TextLayout::yOf(PagePlace place) const
@@ -83,17 +81,19 @@ PagePlace TextLayout::movedBy(PagePlace place, qreal distance)
         distance -= heightOf(piece);
         piece = ensure(*below);
     }
-    return {piece.range.location, distance};
+    return {cutOf(piece.key), distance};
 }
 
 PagePlace TextLayout::carriedOver(PagePlace place, const TextEdit& edit)
 {
     const qsizetype offset = std::min(edit.moved(place.offset, false), storage_.length());
-    const PieceKey key = pieceAt({offset, false});
-    const qsizetype start = pieceRange(key).location;
-    // Where the line is cut otherwise now, the row that has the old start takes its place.
-    const qreal inPiece = start == offset ? 0 : rowOf({offset, false}).top - topOfPiece(key);
-    return {start, inPiece + place.distance};
+    if (cutOf(pieceAt({offset, false})) == offset) {
+        return {offset, place.distance};
+    }
+    // Where the line is cut otherwise now, the row that has the old cut takes its place.
+    const TextRow row = rowOf({offset, false});
+    const PieceKey key{row.line, row.piece};
+    return {cutOf(key), row.rowInPiece * metrics_.rowHeight + place.distance};
 }
 
 std::vector<TextRow> TextLayout::rowsBetween(qreal top, qreal bottom)
@@ -113,7 +113,7 @@ std::vector<TextRow> TextLayout::rowsBetween(qreal top, qreal bottom)
 
 TextRow TextLayout::rowOf(CaretPlace place)
 {
-    const PlacedPiece piece = ensure(pieceAt(place));
+    const PlacedPiece piece = ensureAt(place);
     const qsizetype offset = std::clamp(place.offset, piece.range.location, piece.range.end());
     return rowIn(piece, piece.layout->rowAt(offset - piece.range.location, place.atRowEnd));
 }
@@ -184,7 +184,8 @@ void TextLayout::setPreedit(std::optional<Preedit> preedit)
 {
     const auto forget = [this] {
         if (preedit_) {
-            pieces_.erase(pieceAt({preedit_->offset, false}));
+            const qsizetype line = pieceAt({preedit_->offset, false}).line;
+            forgetPiecesThatSee(line, preedit_->offset - storage_.lines().start(line));
         }
     };
     forget();
@@ -197,7 +198,7 @@ std::optional<QRectF> TextLayout::preeditCaretRect()
     if (!preedit_ || !preedit_->cursor) {
         return {};
     }
-    const PlacedPiece piece = ensure(pieceAt({preedit_->offset, false}));
+    const PlacedPiece piece = ensureAt({preedit_->offset, false});
     const auto [x, row] = piece.layout->preeditCaret();
     return QRectF(x, topOfPiece(piece.key) + row * metrics_.rowHeight, 0, metrics_.rowHeight);
 }
@@ -248,6 +249,12 @@ TextRange TextLayout::pieceRange(PieceKey key) const
     return {content.location + start, end - start};
 }
 
+qsizetype TextLayout::cutOf(PieceKey key) const
+{
+    const LinePieces* pieces = piecesOf(key.line);
+    return storage_.lines().start(key.line) + (pieces != nullptr ? pieces->cuts[key.piece] : 0);
+}
+
 TextLayout::PieceKey TextLayout::pieceAt(CaretPlace place) const
 {
     const qsizetype offset = std::clamp<qsizetype>(place.offset, 0, storage_.length());
@@ -259,78 +266,6 @@ TextLayout::PieceKey TextLayout::pieceAt(CaretPlace place) const
     const qsizetype inLine = offset - storage_.lines().start(line);
     const std::size_t piece = pieces->pieceAt(inLine);
     return {line, place.atRowEnd && piece > 0 && pieces->starts[piece] == inLine ? piece - 1 : piece};
-}
-
-TextLayout::PlacedPiece TextLayout::ensure(PieceKey key)
-{
-    const TextRange range = pieceRange(key);
-    std::unique_ptr<LaidOutPiece>& piece = pieces_[key];
-    if (!piece) {
-        piece = makePiece(key, range);
-        ++layoutsMade_;
-        noteRows(key, piece->rowCount());
-    } else if (piece->wrappedFor != metrics_.width) {
-        piece->rewrap(metrics_);
-        ++layoutsMade_;
-        noteRows(key, piece->rowCount());
-    }
-    if (piece->colorsAreStale) {
-        // Letters of two colours are not drawn into one another; that can make a row longer.
-        piece->setColors(colorsOf(range), metrics_);
-        noteRows(key, piece->rowCount());
-    }
-    piece->lastUse = ++clock_;
-    LaidOutPiece* const layout = piece.get();
-    if (pieces_.size() > keptPieces) {
-        dropFarPieces();
-    }
-    return {layout, key, range, key.piece + 1 == pieceCount(key.line)};
-}
-
-std::unique_ptr<LaidOutPiece> TextLayout::makePiece(PieceKey key, TextRange range)
-{
-    std::optional<Preedit> composed;
-    if (preedit_ && pieceAt({preedit_->offset, false}) == key) {
-        composed = preedit_;
-        composed->offset = std::clamp<qsizetype>(composed->offset - range.location, 0, range.length);
-    }
-    return std::make_unique<LaidOutPiece>(storage_.substring(range), colorsOf(range), composed ? &*composed : nullptr,
-                                          metrics_);
-}
-
-std::vector<ColorRun> TextLayout::colorsOf(TextRange range) const
-{
-    std::vector<ColorRun> colors = storage_.colorsIn(range);
-    for (ColorRun& run : colors) {
-        run.range.location -= range.location;
-    }
-    return colors;
-}
-
-void TextLayout::noteRows(PieceKey key, int rows)
-{
-    const qsizetype before = table_.rowsOf(key.line);
-    if (LinePieces* pieces = longLines_.find(key.line)) {
-        table_.setRows(key.line, static_cast<int>(before + rows - pieces->rows[key.piece]));
-        pieces->rows[key.piece] = rows;
-    } else {
-        table_.setRows(key.line, rows);
-    }
-    if (table_.rowsOf(key.line) != before) {
-        Q_EMIT rowsCorrected();
-    }
-}
-
-void TextLayout::dropFarPieces()
-{
-    std::vector<quint64> uses;
-    uses.reserve(pieces_.size());
-    for (const auto& [key, piece] : pieces_) {
-        uses.push_back(piece->lastUse);
-    }
-    const auto oldest = uses.begin() + static_cast<qsizetype>(uses.size() - keptPieces / 2);
-    std::nth_element(uses.begin(), oldest, uses.end());
-    std::erase_if(pieces_, [limit = *oldest](const auto& entry) { return entry.second->lastUse < limit; });
 }
 
 qreal TextLayout::topOfPiece(PieceKey key) const

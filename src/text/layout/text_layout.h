@@ -36,7 +36,8 @@ struct TextRow
 };
 
 /// A height on the page that stays where it is when lines above turn out to have other rows: a distance, possibly
-/// negative, from the top of the line, or of the piece of a long line, that begins at `offset`.
+/// negative, from the top of the line that begins at `offset`, or of the piece of a long line that was cut there. The
+/// cut stays where it is when the piece turns out to begin with a row before it, and its first row holds it.
 struct PagePlace
 {
     qsizetype offset = 0;
@@ -60,7 +61,9 @@ struct CaretPlace
 /// `PagePlace`, not as a y.
 ///
 /// Coordinates are device-independent pixels from the page's top left. A long line is laid out in pieces, each
-/// beginning a row. Main thread only.
+/// beginning a row. A piece that is laid out ends where a row is full, so that its end is not seen. Where the piece
+/// above is not laid out yet, a piece begins at a place of its own; once that one is, its rows are broken anew.
+/// Main thread only.
 class TextLayout final : public QObject, private RowMeasure
 {
     Q_OBJECT
@@ -158,6 +161,8 @@ private:
     int estimateLine(qsizetype line, TextRange extent);
     void reestimate(qsizetype first, qsizetype removed, qsizetype added);
     LinePieces cutLine(TextRange range) const;
+    /// The same for pieces that were edited, which may be longer before they are cut.
+    LinePieces cutEdited(TextRange range) const;
     void estimatePieces(LinePieces& pieces, qsizetype length) const;
 
     /// A line's units without its terminator.
@@ -170,10 +175,23 @@ private:
     /// The piece at a row counted from the line's first.
     PieceKey pieceOfRow(RowPosition position) const;
     TextRange pieceRange(PieceKey key) const;
+    /// What a place in a piece counts from: its line's start, or where the line was cut.
+    qsizetype cutOf(PieceKey key) const;
     PieceKey pieceAt(CaretPlace place) const;
     /// The piece, laid out for the width and colours of now.
     PlacedPiece ensure(PieceKey key);
-    std::unique_ptr<LaidOutPiece> makePiece(PieceKey key, TextRange range);
+    /// The piece that holds a place. Laying a piece out may show that the place belongs to the next one.
+    PlacedPiece ensureAt(CaretPlace place);
+    std::unique_ptr<LaidOutPiece> layOut(PieceKey key);
+    /// Lays out a piece that is not its line's last together with some of what follows, and moves its end to the last
+    /// row that begins at or before the next cut.
+    std::unique_ptr<LaidOutPiece> layOutAndSettle(PieceKey key);
+    /// Moves the start of a piece that is not its line's first, counted from the line's start.
+    void moveStart(PieceKey key, qsizetype start);
+    /// Forgets the layout of the piece that holds an offset, counted from the line's start, and of those before that
+    /// end where they do because of what stands there.
+    void forgetPiecesThatSee(qsizetype line, qsizetype offset);
+    std::unique_ptr<LaidOutPiece> makePiece(qsizetype line, TextRange range);
     std::vector<ColorRun> colorsOf(TextRange range) const;
     void noteRows(PieceKey key, int rows);
     void dropFarPieces();

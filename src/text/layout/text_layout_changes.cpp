@@ -76,6 +76,11 @@ void TextLayout::longLineEdited(const TextEdit& edit)
     std::size_t last = pieces.pieceAt(editStart + edit.range.length);
     const std::size_t oldCount = pieces.starts.size();
 
+    // Those before that looked ahead to what is edited now may end elsewhere.
+    for (std::size_t seeing = pieces.firstThatSees(editStart); seeing < first; ++seeing) {
+        pieces.isSettled[seeing] = false;
+        pieces_.erase({line, seeing});
+    }
     // Only the touched pieces are cut anew, with a neighbour where little is left of them. Those behind keep their cuts
     // and their layout under another number.
     const auto newStart = [&] { return pieces.starts[first]; };
@@ -89,9 +94,13 @@ void TextLayout::longLineEdited(const TextEdit& edit)
             --first;
         }
     }
-    LinePieces fresh = cutLine({content.location + newStart(), newEnd() - newStart()});
+    LinePieces fresh = cutEdited({content.location + newStart(), newEnd() - newStart()});
     if (first == last && fresh.rows.size() == 1) {
         fresh.rows[0] = pieces.rows[first];
+    }
+    const qsizetype firstEnd = fresh.isLast(0) ? newEnd() : newStart() + fresh.starts[1];
+    if (const qsizetype cut = pieces.cuts[first]; cut <= editStart && cut < firstEnd) {
+        fresh.cuts[0] = cut - newStart();
     }
     pieces_.erase(pieces_.lower_bound({line, first}), pieces_.lower_bound({line, last + 1}));
     const std::size_t touched = last - first + 1;
@@ -120,9 +129,12 @@ void TextLayout::estimateAll()
     for (const auto& [key, piece] : pieces_) {
         piece->wrappedFor = -1;
     }
-    // The cuts of long lines stay, since pieces that are laid out already stand on them.
-    longLines_.forEach(
-        [this](qsizetype line, LinePieces& pieces) { estimatePieces(pieces, lineContent(line).length); });
+    // The cuts of long lines stay, but no row is known to begin near them any more.
+    longLines_.forEach([this](qsizetype line, LinePieces& pieces) {
+        pieces_.erase(pieces_.lower_bound({line, 0}), pieces_.lower_bound({line + 1, 0}));
+        pieces.resetStarts();
+        estimatePieces(pieces, lineContent(line).length);
+    });
     const qsizetype lines = storage_.lines().lineCount();
     if (storage_.length() > mostMeasuredUnits) {
         table_.assignUnmeasured(lines);
@@ -186,8 +198,17 @@ void TextLayout::reestimate(qsizetype first, qsizetype removed, qsizetype added)
 
 LinePieces TextLayout::cutLine(TextRange range) const
 {
-    LinePieces pieces;
-    pieces.starts = cutIntoPieces(storage_.tree(), range);
+    LinePieces pieces = LinePieces::cutAt(cutIntoPieces(storage_.tree(), range));
+    estimatePieces(pieces, range.length);
+    return pieces;
+}
+
+LinePieces TextLayout::cutEdited(TextRange range) const
+{
+    if (range.length > longestEditedPiece) {
+        return cutLine(range);
+    }
+    LinePieces pieces = LinePieces::cutAt({0});
     estimatePieces(pieces, range.length);
     return pieces;
 }

@@ -629,14 +629,14 @@ void TextLayoutTest::aLineOfMegabytesIsLaidOutInPieces()
 {
     Page page(longLine(5'000'000), 100);
     page.layout.rowsBetween(0, 800);
-    QVERIFY(page.layout.layoutsMade() <= 2);
+    QVERIFY(page.layout.layoutsMade() <= 4);
     page.layout.rowsBetween(page.layout.height() / 2, page.layout.height() / 2 + 800);
-    QVERIFY(page.layout.layoutsMade() <= 5);
+    QVERIFY(page.layout.layoutsMade() <= 9);
     const qreal middle = page.layout.height() / 2;
     const CaretPlace place = page.layout.placeAt({50, middle});
     QVERIFY(place.offset > 2'000'000 && place.offset < 3'000'000);
     QVERIFY(page.layout.caretRect(place).adjusted(0, 0, 1, 0).top() <= middle);
-    QVERIFY(page.layout.layoutsMade() <= 5);
+    QVERIFY(page.layout.layoutsMade() <= 9);
 }
 
 void TextLayoutTest::typingInALongLineLaysOutAPieceOrTwo()
@@ -667,8 +667,8 @@ void TextLayoutTest::typingInALongLineLeavesNoStubs()
     for (const TextRow& row : page.allRows()) {
         partRows += row.range.length < full - 1 ? 1 : 0;
     }
-    // Each piece ends with a part of a row; there are few pieces.
-    QVERIFY2(partRows <= 8, qPrintable(QString::number(partRows)));
+    // The last row alone is not full.
+    QVERIFY2(partRows <= 1, qPrintable(QString::number(partRows)));
 
     // Nor must taking text away leave many small pieces.
     Page shrinking(QString(longestPiece * 40, u'a'), 50);
@@ -680,7 +680,7 @@ void TextLayoutTest::typingInALongLineLeavesNoStubs()
     for (const TextRow& row : shrinking.allRows()) {
         partRows += row.range.length < full - 1 ? 1 : 0;
     }
-    QVERIFY2(partRows <= 5, qPrintable(QString::number(partRows)));
+    QVERIFY2(partRows <= 1, qPrintable(QString::number(partRows)));
 }
 
 void TextLayoutTest::longLinesGrowShrinkAndJoin()
