@@ -8,11 +8,11 @@
 
 namespace {
 
-const QString& document()
+const kelm::TextTree& tree()
 {
-    static const QString text =
+    static const kelm::TextTree text(
         QStringLiteral("    const auto value = compute(left, right); // a line of some source\n")
-            .repeated(10'000'000 / 70);
+            .repeated(10'000'000 / 70));
     return text;
 }
 
@@ -26,10 +26,10 @@ void findAll(benchmark::State& state, const char* text, kelm::FindOptions option
     const kelm::FindQuery compiled = query(text, options);
     for (auto _ : state) {
         kelm::FindScan scan(compiled);
-        scan.finish(document());
+        scan.finish(tree());
         benchmark::DoNotOptimize(scan.matches().size());
     }
-    state.SetItemsProcessed(state.iterations() * document().size());
+    state.SetItemsProcessed(state.iterations() * tree().length());
 }
 BENCHMARK_CAPTURE(findAll, rareExact, "zebra", kelm::FindOptions{true, false, false})->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(findAll, rareAnyCase, "Zebra", kelm::FindOptions{})->Unit(benchmark::kMillisecond);
@@ -43,9 +43,9 @@ void replaceAll(benchmark::State& state, const char* text, const char* replaceme
     const kelm::FindQuery compiled = query(text, options);
     const QString with = QString::fromUtf8(replacement);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(compiled.replaceAll(document(), with).count);
+        benchmark::DoNotOptimize(compiled.replaceAll(tree(), with).count);
     }
-    state.SetItemsProcessed(state.iterations() * document().size());
+    state.SetItemsProcessed(state.iterations() * tree().length());
 }
 BENCHMARK_CAPTURE(replaceAll, plain, "compute", "calculate", kelm::FindOptions{})->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(replaceAll, pattern, "(\\w+), (\\w+)", "$2, $1", kelm::FindOptions{false, false, true})

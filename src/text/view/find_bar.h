@@ -55,6 +55,7 @@ private:
     void select(std::optional<TextRange> match);
     void replaceCurrent();
     void replaceAll();
+    void putInAll(const ReplaceAllResult& result);
     void showState();
     void showHighlights();
     void placeOverView();

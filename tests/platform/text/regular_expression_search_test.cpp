@@ -146,19 +146,19 @@ private Q_SLOTS:
     void theEffortIsForEachStretch()
     {
         // Each line costs some steps and none of them many; all together they are more than one search may take.
-        const QString text = (QString(20, u'a') + u"!\n"_s).repeated(60);
+        const QString text = (QString(12, u'a') + u"!\n"_s).repeated(300);
         RegularExpression expression = compiled(u"(a|a)+b");
-        expression.setEffort({1000, 64'000'000});
+        expression.setEffort({40, 64'000'000});
         RegularExpressionSearch once(expression, text);
         QVERIFY(once.next() == nullptr);
         QCOMPARE(once.ending(), Ending::gaveUp);
         RegularExpressionSearch renewed(expression, text);
-        renewed.renewEffortEach(22);
+        renewed.renewEffortEach(14);
         QVERIFY(renewed.next() == nullptr);
         QCOMPARE(renewed.ending(), Ending::complete);
         const QString longLine = QString(40, u'a') + u'!';
         RegularExpressionSearch tooLong(expression, longLine);
-        tooLong.renewEffortEach(22);
+        tooLong.renewEffortEach(14);
         QVERIFY(tooLong.next() == nullptr);
         QCOMPARE(tooLong.ending(), Ending::gaveUp);
     }
