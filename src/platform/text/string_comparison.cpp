@@ -55,6 +55,15 @@ int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView
     if (!collator_) {
         return decomposedWithoutCase(a).compare(decomposedWithoutCase(b));
     }
+    if (hasManyMarks(a) || hasManyMarks(b)) {
+        // The collation orders the marks anew at each step, but not those that stand in order.
+        return compareOrdered(decomposed(a), decomposed(b));
+    }
+    return compareOrdered(a, b);
+}
+
+int StringComparison::compareOrdered(QStringView a, QStringView b) const
+{
     UErrorCode status = U_ZERO_ERROR;
     return collator_->compare(a.utf16(), int32_t(a.size()), b.utf16(), int32_t(b.size()), status);
 }
@@ -69,6 +78,11 @@ QByteArray StringComparison::sortKey(QStringView text) const
         }
         return bytes;
     }
+    return hasManyMarks(text) ? keyOfOrdered(decomposed(text)) : keyOfOrdered(text);
+}
+
+QByteArray StringComparison::keyOfOrdered(QStringView text) const
+{
     // Most keys fit into twice the text's length: the second call is the exception.
     QByteArray key(2 * text.size() + 16, Qt::Uninitialized);
     const auto length = collator_->getSortKey(text.utf16(), int32_t(text.size()),

@@ -36,6 +36,9 @@ public:
 private:
     StringComparison() = default;
 
+    int compareOrdered(QStringView a, QStringView b) const;
+    QByteArray keyOfOrdered(QStringView text) const;
+
     std::unique_ptr<const icu::Collator> collator_;
 };
 
