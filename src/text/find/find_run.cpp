@@ -65,6 +65,11 @@ FindRun::Portion FindRun::nextOfPattern(const std::atomic<bool>& stop)
         searchedTo_ = FindQuery::behind(text_, portion.matches.back());
     }
     portion.searchedTo = searchedTo_;
+    if (stop || portion.ending != FindQuery::Ending::stopped) {
+        // Here rather than where the run goes: to give much memory back takes long.
+        search_.reset();
+        whole_ = QString();
+    }
     return portion;
 }
 

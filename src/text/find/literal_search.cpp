@@ -43,6 +43,11 @@ struct Folded
     {
         const char16_t* const units = text.utf16();
         const qsizetype end = text.size();
+        // Without a branch for each, so that several are looked up at once.
+        const auto isAt = [&](qsizetype place) { return int(table[units[place]] == unit); };
+        while (at + 4 <= end && (isAt(at) | isAt(at + 1) | isAt(at + 2) | isAt(at + 3)) == 0) {
+            at += 4;
+        }
         while (at < end && table[units[at]] != unit) {
             ++at;
         }
