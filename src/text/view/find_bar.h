@@ -37,7 +37,8 @@ public:
     void findPrevious();
     /// Looks for the selected text from now on.
     void useSelection();
-    /// Whether a search goes on and follows the text: while the bar is open, and until a step that takes long has ended.
+    /// Whether a search goes on and follows the text: while the bar is open, and until a step that takes long has
+    /// ended.
     bool isSearching() const { return session_.isRunning(); }
 
 protected:
