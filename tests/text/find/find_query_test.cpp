@@ -29,6 +29,7 @@ private Q_SLOTS:
     void replacingAllAgreesWithReplacingOneByOne();
     void replacingAMillionMatchesIsLinear();
     void aReplacementTooLongIsNotBuilt();
+    void whatIsNotReplacedIsShared();
 };
 
 static FindOptions options(const QString& letters)
@@ -299,6 +300,28 @@ void FindQueryTest::aReplacementTooLongIsNotBuilt()
         QCOMPARE(tooLong.outcome, ReplaceAllResult::Outcome::tooLong);
         QVERIFY(tooLong.text.isEmpty());
         QCOMPARE(tooLong.count, 0);
+    }
+}
+
+void FindQueryTest::whatIsNotReplacedIsShared()
+{
+    const QString far = QStringLiteral("text ").repeated(200'000);
+    const TextTree text(QStringLiteral("b") + far + QStringLiteral("b b b") + far + QStringLiteral("b"));
+    QSet<const QChar*> pieces;
+    text.forEachPiece({0, text.length()}, [&pieces](QStringView piece) {
+        pieces.insert(piece.data());
+        return true;
+    });
+    for (const QString& letters : {QString(), QStringLiteral("r")}) {
+        const ReplaceAllResult result = query(QStringLiteral("b"), letters).replaceAll(text, u"xyz");
+        QCOMPARE(result.count, 5);
+        QVERIFY(result.text == text.toString().replace(u'b', QStringLiteral("xyz")));
+        qsizetype copied = 0;
+        result.text.forEachPiece({0, result.text.length()}, [&](QStringView piece) {
+            copied += pieces.contains(piece.data()) ? 0 : piece.size();
+            return true;
+        });
+        QVERIFY2(copied < 50'000, qPrintable(QString::number(copied)));
     }
 }
 
