@@ -10,6 +10,10 @@ namespace kelm {
 
 namespace {
 
+/// A longer text is looked for unit by unit, linear whatever the two hold: a search that begins anew at each place is
+/// quicker only where it ends soon.
+constexpr qsizetype longestSimple = 32;
+
 /// Letters from the most frequent to the rarest in sources and prose; other signs count as rarer than all of them.
 constexpr QByteArrayView frequentFirst = " etainosrldcupmhgfbyvwxkjqz";
 
@@ -80,6 +84,14 @@ bool equalsIgnoringCase(const char* bytes, const QByteArray& lower)
 
 LocalizedNeedle::LocalizedNeedle(const QString& text) : folded_(decomposedWithoutCase(text))
 {
+    fallbacks_.resize(std::size_t(folded_.size()));
+    for (qsizetype at = 1, length = 0; at < folded_.size(); ++at) {
+        while (length > 0 && folded_[at] != folded_[length]) {
+            length = fallbacks_[std::size_t(length - 1)];
+        }
+        length += folded_[at] == folded_[length] ? 1 : 0;
+        fallbacks_[std::size_t(at)] = length;
+    }
     if (isAscii(text)) {
         ascii_ = text.toLatin1().toLower();
         rarest_ = ascii_.isEmpty() ? 0 : rarestPlace(ascii_);
@@ -98,22 +110,54 @@ bool LocalizedNeedle::isIn(QStringView text) const
     return isInFolded(decomposedWithoutCase(text));
 }
 
+/// Whether what is looked for ends somewhere in the text, where `accept` takes the place at which it begins.
+template <typename Fold, typename Accept>
+bool LocalizedNeedle::isAnywhere(QStringView text, Fold fold, Accept accept) const
+{
+    qsizetype matched = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QChar unit = fold(text[at]);
+        while (matched > 0 && unit != folded_[matched]) {
+            matched = fallbacks_[std::size_t(matched - 1)];
+        }
+        matched += unit == folded_[matched] ? 1 : 0;
+        if (matched == folded_.size()) {
+            if (accept(at + 1 - matched)) {
+                return true;
+            }
+            matched = fallbacks_[std::size_t(matched - 1)];
+        }
+    }
+    return false;
+}
+
 bool LocalizedNeedle::isInAscii(QStringView text) const
 {
-    return text.contains(folded_, Qt::CaseInsensitive);
+    if (folded_.size() <= longestSimple) {
+        return text.contains(folded_, Qt::CaseInsensitive);
+    }
+    const auto lower = [](QChar unit) { return unit >= u'A' && unit <= u'Z' ? QChar(unit.unicode() + 32) : unit; };
+    return isAnywhere(text, lower, [](qsizetype) { return true; });
 }
 
 bool LocalizedNeedle::isInFolded(const QString& folded) const
 {
-    for (qsizetype at = folded.indexOf(folded_); at >= 0; at = folded.indexOf(folded_, at + 1)) {
+    const auto isWhole = [&](qsizetype at) {
         const qsizetype end = at + folded_.size();
         const bool cutsAtEnd = end < folded.size() && isMark(folded[end]);
         const bool cutsAtStart = at > 0 && isMark(folded[at]);
-        if (!cutsAtEnd && !cutsAtStart) {
-            return true;
+        return !cutsAtEnd && !cutsAtStart;
+    };
+    if (folded_.size() <= longestSimple) {
+        for (qsizetype at = folded.indexOf(folded_); at >= 0; at = folded.indexOf(folded_, at + 1)) {
+            if (isWhole(at)) {
+                return true;
+            }
         }
+        return false;
     }
-    return false;
+    return isAnywhere(
+        folded, [](QChar unit) { return unit; }, isWhole);
 }
 
 bool LocalizedNeedle::mayBeIn(QByteArrayView bytes) const

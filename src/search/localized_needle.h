@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <vector>
+
 namespace kelm {
 
 /// A text to look for: letter case does not matter, and texts that are canonically equivalent (Unicode, UAX #15) are
@@ -26,7 +28,12 @@ private:
     bool isInFolded(const QString& folded) const;
     bool isInAscii(QStringView text) const;
 
+    template <typename Fold, typename Accept>
+    bool isAnywhere(QStringView text, Fold fold, Accept accept) const;
+
     QString folded_;
+    /// For each beginning of `folded_`, the length of the longest shorter beginning that it ends with.
+    std::vector<qsizetype> fallbacks_;
     /// The text in lower case when it is all ASCII, else empty.
     QByteArray ascii_;
     /// The place in `ascii_` of its rarest sign.

@@ -1,3 +1,4 @@
+#include "platform/text/canonical_text.h"
 #include "search/localized_needle.h"
 #include "search/project_search.h"
 #include "search/quick_open.h"
@@ -9,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <random>
 #include <sys/stat.h>
 
 namespace project_search_test {
@@ -56,6 +58,7 @@ class ProjectSearchTest : public QObject
 private Q_SLOTS:
     void textsMatchAsAPersonMeansThem_data();
     void textsMatchAsAPersonMeansThem();
+    void longTextsAreFoundAsShortOnes();
     void theQuickLookNeverMissesAMatch_data();
     void theQuickLookNeverMissesAMatch();
     void letterCaseDoesNotMatter();
@@ -107,6 +110,48 @@ void ProjectSearchTest::textsMatchAsAPersonMeansThem()
     QFETCH(QString, text);
     QFETCH(bool, isIn);
     QCOMPARE(LocalizedNeedle(needle).isIn(text), isIn);
+}
+
+void ProjectSearchTest::longTextsAreFoundAsShortOnes()
+{
+    bool given = false;
+    uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
+    seed = given ? seed : std::random_device()();
+    qInfo("seed %u", seed);
+    std::mt19937 random(seed);
+    const auto below = [&random](qsizetype bound) {
+        return std::uniform_int_distribution<qsizetype>(0, bound - 1)(random);
+    };
+    const QStringList korean{u"한"_s, u"\u1112\u1161\u11ab"_s, u"e"_s, u"e\u0301"_s, u"\u00c9"_s, u"ß"_s};
+    const QStringList ascii{u"a"_s, u"A"_s, u"b"_s};
+    for (int round = 0; round < 4000; ++round) {
+        const QStringList& parts = below(2) == 0 ? korean : ascii;
+        // Of two parts most of the time, so that the text nearly stands everywhere.
+        const qsizetype first = below(parts.size());
+        const auto text = [&](qsizetype count) {
+            QString made;
+            for (; count > 0; --count) {
+                made += parts[below(8) > 0 ? first : below(parts.size())];
+            }
+            return made;
+        };
+        const QString line = text(below(120));
+        const QString needle = below(2) == 0 || line.isEmpty() ? text(1 + below(50)) : line.mid(below(line.size()), 60);
+        const QString folded = decomposedWithoutCase(line);
+        const QString wanted = decomposedWithoutCase(needle);
+        bool isIn = false;
+        for (qsizetype at = 0; at + wanted.size() <= folded.size() && !isIn; ++at) {
+            const qsizetype end = at + wanted.size();
+            isIn = QStringView(folded).sliced(at, wanted.size()) == wanted && !(at > 0 && folded[at].isMark()) &&
+                   !(end < folded.size() && folded[end].isMark());
+        }
+        QCOMPARE(LocalizedNeedle(needle).isIn(line), isIn);
+    }
+    // A search that begins anew at each place would take 10^12 steps.
+    const QString half(1'000'000, u'a');
+    QVERIFY(!LocalizedNeedle(half + u'b').isIn(half + half));
+    QVERIFY(LocalizedNeedle(half).isIn(u'b' + half));
+    QVERIFY(!LocalizedNeedle(u"\ub098"_s + u"\uac00"_s.repeated(500'000)).isIn(u"\uac00"_s.repeated(1'000'000)));
 }
 
 void ProjectSearchTest::theQuickLookNeverMissesAMatch_data()

@@ -1,5 +1,7 @@
 #include "platform/text/regular_expression.h"
 
+#include "platform/text/regular_expression_search.h"
+
 #include <unicode/uregex.h>
 
 #include <limits>
@@ -112,32 +114,13 @@ RegularExpression::Ending
 RegularExpression::enumerateMatches(QStringView text, qsizetype from,
                                     const std::function<bool(const RegularExpressionMatch&)>& found) const
 {
-    if (text.size() > longestText) {
-        return Ending::gaveUp;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<URegularExpression, Close> search(uregex_clone(compiled_.get(), &status));
-    const char16_t* units = text.isEmpty() ? u"" : text.utf16();
-    uregex_setText(search.get(), units, static_cast<int32_t>(text.size()), &status);
-    uregex_setTimeLimit(search.get(), effort_.steps, &status);
-    uregex_setStackLimit(search.get(), effort_.stackBytes, &status);
-
-    RegularExpressionMatch match;
-    match.ranges_.resize(static_cast<std::size_t>(groupCount_) + 1);
-    const auto start = static_cast<int32_t>(std::clamp<qsizetype>(from, 0, text.size()));
-    bool another = uregex_find(search.get(), start, &status);
-    while (another && U_SUCCESS(status)) {
-        for (int32_t group = 0; group <= groupCount_; ++group) {
-            const int32_t location = uregex_start(search.get(), group, &status);
-            const int32_t end = uregex_end(search.get(), group, &status);
-            match.ranges_[static_cast<std::size_t>(group)] = {location, end - location};
-        }
-        if (!found(match)) {
+    RegularExpressionSearch search(*this, text, from);
+    while (const RegularExpressionMatch* match = search.next()) {
+        if (!found(*match)) {
             return Ending::stopped;
         }
-        another = uregex_findNext(search.get(), &status);
     }
-    return U_SUCCESS(status) ? Ending::complete : Ending::gaveUp;
+    return search.ending();
 }
 
 std::vector<RegularExpressionMatch> RegularExpression::matches(QStringView text, qsizetype from) const
@@ -163,6 +146,14 @@ std::optional<RegularExpressionMatch> RegularExpression::firstMatch(QStringView 
 QString RegularExpression::expandTemplate(QStringView replacement, const RegularExpressionMatch& match,
                                           QStringView text) const
 {
+    return expandTemplate(replacement, match, [text](RegularExpressionMatch::Range range) {
+        return text.sliced(range.location, range.length).toString();
+    });
+}
+
+QString RegularExpression::expandTemplate(QStringView replacement, const RegularExpressionMatch& match,
+                                          const std::function<QString(RegularExpressionMatch::Range)>& textOf) const
+{
     const int mostDigits = digitsOfHighestGroup(groupCount_);
     QString expanded;
     for (qsizetype i = 0; i < replacement.size();) {
@@ -174,7 +165,9 @@ QString RegularExpression::expandTemplate(QStringView replacement, const Regular
             for (int digit = 0; digit < mostDigits && i < replacement.size() && isAsciiDigit(replacement[i]); ++digit) {
                 group = group * 10 + (replacement[i++].unicode() - u'0');
             }
-            expanded += match.groupText(group, text);
+            if (const auto range = match.group(group)) {
+                expanded += textOf(*range);
+            }
         } else {
             expanded += character;
         }

@@ -52,7 +52,7 @@ public:
     QStringView groupText(qsizetype number, QStringView text) const;
 
 private:
-    friend class RegularExpression;
+    friend class RegularExpressionSearch;
 
     std::vector<Range> ranges_{{}};
 };
@@ -120,6 +120,9 @@ public:
     /// group that took no part or does not exist), and a backslash makes the next character stand for itself. As many
     /// digits count as the highest group has; "$" before no digit is itself.
     QString expandTemplate(QStringView replacement, const RegularExpressionMatch& match, QStringView text) const;
+    /// The same for a text that does not stand in one piece: `textOf` gives the text of a range.
+    QString expandTemplate(QStringView replacement, const RegularExpressionMatch& match,
+                           const std::function<QString(RegularExpressionMatch::Range)>& textOf) const;
     /// The text with each match replaced; `text` itself where the search gave up.
     QString replaceMatches(QStringView text, QStringView replacement) const;
 
@@ -129,6 +132,8 @@ public:
     static QString escapedTemplate(QStringView text);
 
 private:
+    friend class RegularExpressionSearch;
+
     explicit RegularExpression(std::shared_ptr<const URegularExpression> compiled);
 
     std::shared_ptr<const URegularExpression> compiled_;

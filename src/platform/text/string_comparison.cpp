@@ -55,6 +55,15 @@ int StringComparison::localizedCaseInsensitiveCompare(QStringView a, QStringView
     if (!collator_) {
         return decomposedWithoutCase(a).compare(decomposedWithoutCase(b));
     }
+    if (hasManyMarks(a) || hasManyMarks(b)) {
+        // The collation orders the marks anew at each step, but not those that stand in order.
+        return compareOrdered(decomposed(a), decomposed(b));
+    }
+    return compareOrdered(a, b);
+}
+
+int StringComparison::compareOrdered(QStringView a, QStringView b) const
+{
     UErrorCode status = U_ZERO_ERROR;
     return collator_->compare(a.utf16(), int32_t(a.size()), b.utf16(), int32_t(b.size()), status);
 }
@@ -76,6 +85,15 @@ void StringComparison::appendSortKey(QByteArray& keys, QStringView text) const
         }
         return;
     }
+    if (hasManyMarks(text)) {
+        appendKeyOfOrdered(keys, decomposed(text));
+    } else {
+        appendKeyOfOrdered(keys, text);
+    }
+}
+
+void StringComparison::appendKeyOfOrdered(QByteArray& keys, QStringView text) const
+{
     const qsizetype start = keys.size();
     const auto make = [&](qsizetype room) {
         keys.resize(start + room);

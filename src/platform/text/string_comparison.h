@@ -38,6 +38,9 @@ public:
 private:
     StringComparison() = default;
 
+    int compareOrdered(QStringView a, QStringView b) const;
+    void appendKeyOfOrdered(QByteArray& keys, QStringView text) const;
+
     std::unique_ptr<const icu::Collator> collator_;
 };
 

@@ -1,11 +1,16 @@
 #include "text/find/find_query.h"
 
+#include "text/find/replaced_text.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
 
 namespace kelm {
 namespace {
+
+/// A pattern may take as much effort for each stretch of this many units as is a typed pattern's.
+constexpr qsizetype unitsOfEffort = 1 << 20;
 
 struct NamedError
 {
@@ -108,39 +113,49 @@ std::variant<FindQuery, FindError> FindQuery::compilePattern(const QString& patt
     return query;
 }
 
-FindQuery::Ending FindQuery::enumerate(QStringView text, qsizetype from, qsizetype end,
+FindQuery::Ending FindQuery::enumerate(const TextTree& text, qsizetype from, qsizetype end,
                                        const std::function<bool(TextRange)>& found) const
 {
     if (literal_) {
-        while (const auto match = literal_->find(text, TextRange::between(std::min(from, end), end))) {
-            if (!found(*match)) {
-                return Ending::stopped;
-            }
-            from = match->end();
-        }
+        const bool isThrough = literal_->enumerate(text, TextRange::between(std::min(from, end), end), found);
+        return isThrough ? Ending::complete : Ending::stopped;
+    }
+    if (!expression_) {
         return Ending::complete;
     }
-    if (expression_) {
-        return endingOf(expression_->enumerateMatches(
-            text, from, [&found](const RegularExpressionMatch& match) { return found(rangeOf(match)); }));
+    const auto search = patternSearch(text, from);
+    while (const RegularExpressionMatch* match = search->next()) {
+        if (!found(rangeOf(*match))) {
+            return Ending::stopped;
+        }
     }
-    return Ending::complete;
+    return endingOf(search->ending());
 }
 
-qsizetype FindQuery::behind(QStringView text, TextRange match)
+std::unique_ptr<RegularExpressionSearch> FindQuery::patternSearch(QStringView text, qsizetype from) const
 {
-    const qsizetype end = match.end();
-    if (!match.isEmpty()) {
-        return end;
-    }
-    const bool isPair = end + 1 < text.size() && text[end].isHighSurrogate() && text[end + 1].isLowSurrogate();
-    return end + (isPair ? 2 : 1);
+    auto search = std::make_unique<RegularExpressionSearch>(*expression_, text, from);
+    search->renewEffortEach(unitsOfEffort);
+    return search;
+}
+
+std::unique_ptr<RegularExpressionSearch> FindQuery::patternSearch(const TextTree& text, qsizetype from) const
+{
+    const PiecedText pieces{text.length(), [text](qsizetype start, qsizetype count) {
+                                return text.substring({start, count});
+                            }};
+    auto search = std::make_unique<RegularExpressionSearch>(*expression_, pieces, from);
+    search->renewEffortEach(unitsOfEffort);
+    return search;
 }
 
 qsizetype FindQuery::behind(const TextTree& text, TextRange match)
 {
     const qsizetype end = match.end();
-    return match.isEmpty() ? end + behind(text.substring({end, 2}), {}) : end;
+    if (!match.isEmpty()) {
+        return end;
+    }
+    return end + (text.at(end).isHighSurrogate() && text.at(end + 1).isLowSurrogate() ? 2 : 1);
 }
 
 qsizetype FindQuery::reach() const
@@ -148,53 +163,64 @@ qsizetype FindQuery::reach() const
     return literal_ ? literal_->length() : 0;
 }
 
-std::optional<QString> FindQuery::replacementFor(QStringView text, TextRange match, QStringView replacement) const
+std::optional<QString> FindQuery::replacementFor(const TextTree& text, TextRange match, QStringView replacement) const
 {
-    if (match.end() > text.size()) {
+    if (match.end() > text.length()) {
         return {};
     }
     if (literal_) {
-        return literal_->find(text, match) == match ? std::optional(replacement.toString()) : std::nullopt;
+        bool isMatch = false;
+        literal_->enumerate(text, match, [&](TextRange found) {
+            isMatch = found == match;
+            return false;
+        });
+        return isMatch ? std::optional(replacement.toString()) : std::nullopt;
     }
     if (expression_) {
-        const auto found = expression_->firstMatch(text, match.location);
-        if (found && rangeOf(*found) == match) {
-            return expression_->expandTemplate(replacement, *found, text);
+        const auto search = patternSearch(text, match.location);
+        // A match that begins behind it is another one.
+        search->setInterruption([&](int, qsizetype reached) { return reached > match.end() + 1; });
+        const RegularExpressionMatch* found = search->next();
+        if (found != nullptr && rangeOf(*found) == match) {
+            return expression_->expandTemplate(replacement, *found, [&text](RegularExpressionMatch::Range range) {
+                return text.substring({range.location, range.length});
+            });
         }
     }
     return {};
 }
 
-ReplaceAllResult FindQuery::replaceAll(QStringView text, QStringView replacement, qsizetype longest) const
+ReplaceAllResult FindQuery::replaceAll(const TextTree& text, QStringView replacement, qsizetype longest,
+                                       const std::atomic<bool>* stop) const
 {
-    ReplaceAllResult result;
-    const auto add = [&](TextRange match, QStringView with) {
-        if (result.count++ == 0) {
-            result.range = match;
-        }
-        const qsizetype kept = std::max<qsizetype>(match.location - result.range.end(), 0);
-        if (kept + with.size() > longest - result.text.size()) {
-            return false;
-        }
-        result.text += text.sliced(result.range.end(), kept);
-        result.text += with;
-        result.range.length = match.end() - result.range.location;
-        return true;
-    };
+    ReplacedText replaced(text, longest);
+    const auto isStopped = [stop] { return stop != nullptr && *stop; };
     Ending ending = Ending::complete;
     if (expression_) {
-        ending = endingOf(expression_->enumerateMatches(text, 0, [&](const RegularExpressionMatch& match) {
-            return add(rangeOf(match), expression_->expandTemplate(replacement, match, text));
-        }));
+        // What a pattern looks at again and again is quicker in one piece.
+        const QString whole = text.toString();
+        const auto search = patternSearch(whole, 0);
+        if (stop != nullptr) {
+            search->setInterruption([stop](int, qsizetype) { return stop->load(); });
+        }
+        const RegularExpressionMatch* match = nullptr;
+        bool goesOn = true;
+        while (goesOn && (match = search->next()) != nullptr) {
+            goesOn =
+                !isStopped() && replaced.add(rangeOf(*match), expression_->expandTemplate(replacement, *match, whole));
+        }
+        ending = goesOn ? endingOf(search->ending()) : Ending::stopped;
     } else {
-        ending = enumerate(text, 0, text.size(), [&](TextRange match) { return add(match, replacement); });
+        ending = enumerate(text, 0, text.length(),
+                           [&](TextRange match) { return !isStopped() && replaced.add(match, replacement); });
     }
+    ReplaceAllResult result;
     if (ending != Ending::complete) {
-        const auto outcome =
+        result.outcome =
             ending == Ending::gaveUp ? ReplaceAllResult::Outcome::gaveUp : ReplaceAllResult::Outcome::tooLong;
-        return {outcome, {}, {}, 0};
+    } else if (replaced.count() > 0) {
+        result = {ReplaceAllResult::Outcome::replaced, replaced.range(), replaced.take(), replaced.count()};
     }
-    result.outcome = result.count > 0 ? ReplaceAllResult::Outcome::replaced : ReplaceAllResult::Outcome::nothingFound;
     return result;
 }
 

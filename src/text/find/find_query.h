@@ -1,7 +1,7 @@
 // What a person looks for in a text.
 #pragma once
 
-#include "platform/text/regular_expression.h"
+#include "platform/text/regular_expression_search.h"
 #include "text/find/literal_search.h"
 #include "text/storage/text_range.h"
 #include "text/storage/text_tree.h"
@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -50,8 +51,8 @@ struct ReplaceAllResult
     Outcome outcome = Outcome::nothingFound;
     /// From the first match's start to the last one's end.
     TextRange range;
-    /// What goes there.
-    QString text;
+    /// What goes there. It shares with the text that was searched what stands in long stretches between matches.
+    TextTree text;
     qsizetype count = 0;
 };
 
@@ -83,15 +84,25 @@ public:
 
     bool isEmpty() const { return !literal_ && !expression_; }
 
+    /// Whether a pattern is looked for, which may look anywhere in the text for each match.
+    bool isPattern() const { return expression_ != nullptr; }
+
     /// Hands the matches from the offset `from` on to `found`, in order and none overlapping another, for as long as it
     /// returns true. What stands before `from` is seen by what looks behind.
     ///
     /// Matches of a plain text that end behind `end` are not looked for; a pattern looks at the whole text.
-    Ending enumerate(QStringView text, qsizetype from, qsizetype end,
+    Ending enumerate(const TextTree& text, qsizetype from, qsizetype end,
                      const std::function<bool(TextRange)>& found) const;
 
+    /// A search for the matches of a pattern in a text that stands in one piece and must outlive it.
+    std::unique_ptr<RegularExpressionSearch> patternSearch(QStringView text, qsizetype from) const;
+    /// The same in a text as it stands, of which the search keeps a snapshot.
+    std::unique_ptr<RegularExpressionSearch> patternSearch(const TextTree& text, qsizetype from) const;
+
+    /// The plain text that is looked for; null for a pattern and for a query that finds nothing.
+    const LiteralSearch* literal() const { return literal_.get(); }
+
     /// Where to go on behind a match.
-    static qsizetype behind(QStringView text, TextRange match);
     static qsizetype behind(const TextTree& text, TextRange match);
 
     /// How many units behind a place a match that begins there must be looked for.
@@ -100,11 +111,12 @@ public:
     /// What the match is replaced by: `replacement` itself for a plain text; for a pattern, with "$1" for what its
     /// first group matched, "$0" for the whole match, and a backslash before what stands for itself. Nothing if `match`
     /// is not a match of the text as it is.
-    std::optional<QString> replacementFor(QStringView text, TextRange match, QStringView replacement) const;
+    std::optional<QString> replacementFor(const TextTree& text, TextRange match, QStringView replacement) const;
 
-    /// All replacements of a text as one, up to `longest` units in all.
-    ReplaceAllResult replaceAll(QStringView text, QStringView replacement,
-                                qsizetype longest = longestReplacement) const;
+    /// All replacements of a text as one, up to `longest` units in all. For a pattern the whole text is copied while it
+    /// is searched. Ends early, with whatever outcome, once `stop` is set. Any thread.
+    ReplaceAllResult replaceAll(const TextTree& text, QStringView replacement, qsizetype longest = longestReplacement,
+                                const std::atomic<bool>* stop = nullptr) const;
 
 private:
     static std::variant<FindQuery, FindError> compilePattern(const QString& pattern, FindOptions options);

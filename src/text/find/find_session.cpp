@@ -1,16 +1,28 @@
 #include "text/find/find_session.h"
 
+#include "text/find/near_matches.h"
 #include "text/storage/text_position.h"
 
+#include <QPointer>
+
 #include <algorithm>
+#include <utility>
 #include <variant>
 
 namespace kelm {
 
 namespace {
 
-/// How much of a text is searched in one turn of the event loop, in UTF-16 units.
-constexpr qsizetype unitsPerStep = 1 << 20;
+/// How much of a text is searched at once, in UTF-16 units: a millisecond or two, however many matches there are.
+constexpr qsizetype unitsAtOnce = 1 << 18;
+/// The same for a pattern, in places at which it is tried for.
+constexpr qsizetype placesAtOnce = 10'000;
+/// How long a text all whose matches are replaced at once may be.
+constexpr qsizetype unitsReplacedAtOnce = 1 << 20;
+/// How many matches of a pattern on screen are looked for.
+constexpr std::size_t mostShown = 10'000;
+/// For how long nothing is typed before a long text is searched for a pattern again, in milliseconds.
+constexpr int rest = 100;
 /// How much of a line is kept with a described match, on each side of it.
 constexpr qsizetype describedContext = 200;
 
@@ -19,21 +31,21 @@ constexpr qsizetype describedContext = 200;
 FindSession::FindSession(TextStorage& storage, SearchEngine& engine, QObject* parent)
     : QObject(parent), storage_(storage), engine_(engine)
 {
-    stepTimer_.setInterval(0);
-    connect(&stepTimer_, &QTimer::timeout, this, &FindSession::step);
-    connect(&storage_, &TextStorage::edited, this, [this](const TextEdit& edit) {
-        if (isRunning_) {
-            origin_ = edit.moved(currentMatch() ? currentMatch()->location : origin_, false);
-            restartScan();
-        }
-    });
+    restTimer_.setSingleShot(true);
+    restTimer_.setInterval(rest);
+    connect(&restTimer_, &QTimer::timeout, this, &FindSession::startRun);
+    connect(&storage_, &TextStorage::edited, this, &FindSession::textEdited);
 }
 
 void FindSession::start(qsizetype origin)
 {
+    stopTasks();
     isRunning_ = true;
     origin_ = origin;
     error_.reset();
+    current_.reset();
+    isChosen_ = false;
+    pendingStep_.reset();
     FindQuery query;
     auto compiled =
         FindQuery::compile(engine_.searchText(), {engine_.caseSensitive(), engine_.wholeWord(), engine_.useRegex()});
@@ -43,39 +55,199 @@ void FindSession::start(qsizetype origin)
         query = std::get<FindQuery>(compiled);
     }
     scan_ = FindScan(query);
-    restartScan();
+    search();
+    if (scan_.state() == FindScan::State::searching) {
+        startRun();
+    }
 }
 
 void FindSession::stop()
 {
+    stopTasks();
     isRunning_ = false;
-    stepTimer_.stop();
     scan_ = FindScan();
-    flatText_ = QString();
-    flatRevision_.reset();
     error_.reset();
     current_.reset();
+    isChosen_ = false;
+    pendingStep_.reset();
     engine_.setResults({});
     engine_.setCurrentMatchIndex(0);
     Q_EMIT changed();
 }
 
-std::optional<TextRange> FindSession::currentMatch() const
+void FindSession::stopTasks()
 {
-    if (!current_ || *current_ >= matchCount()) {
-        return {};
+    restTimer_.stop();
+    runTask_.stop();
+    shownTask_.stop();
+    replaceTask_.stop();
+    searchedShown_.reset();
+}
+
+void FindSession::textEdited(const TextEdit& edit)
+{
+    if (!isRunning_) {
+        return;
     }
-    return scan_.matches()[static_cast<std::size_t>(*current_)];
+    stopTasks();
+    origin_ = edit.moved(current_ ? current_->location : origin_, false);
+    current_.reset();
+    isChosen_ = false;
+    scan_.edited(storage_.tree(), edit);
+    const bool wasStepping = std::exchange(pendingStep_, {}).has_value();
+    search();
+    if (scan_.state() == FindScan::State::searching) {
+        // A plain text goes on where it stood; a pattern begins anew, which is not for each key.
+        scan_.query().isPattern() ? restTimer_.start() : startRun();
+    }
+    if (wasStepping) {
+        Q_EMIT stepEnded({});
+    }
+}
+
+void FindSession::search()
+{
+    if (!scan_.query().isPattern()) {
+        scan_.advance(storage_.tree(), unitsAtOnce);
+    } else if (storage_.length() <= unitsAtOnce) {
+        scan_.tryPattern(storage_.tree(), placesAtOnce);
+    }
+    chooseCurrent();
+    publish();
+    searchShown();
+}
+
+void FindSession::startRun()
+{
+    continueRun(std::make_shared<FindRun>(scan_.query(), storage_.snapshot(), scan_.searchedTo()));
+}
+
+void FindSession::continueRun(const std::shared_ptr<FindRun>& run)
+{
+    runTask_.start([this, run](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        return [this, run, portion = run->next(stop)] {
+            scan_.take(portion);
+            if (scan_.state() == FindScan::State::searching) {
+                continueRun(run);
+            }
+            matchesCame();
+        };
+    });
+}
+
+void FindSession::setShown(TextRange shown)
+{
+    shown_ = shown;
+    searchShown();
+}
+
+void FindSession::searchShown()
+{
+    const bool isKnown = scan_.state() != FindScan::State::searching || shown_.end() < scan_.searchedTo();
+    if (!isRunning_ || isKnown || !scan_.query().isPattern() || searchedShown_ == shown_) {
+        return;
+    }
+    searchedShown_ = shown_;
+    const TextRange range = TextRange::between(storage_.lineRange({shown_.location, 0}).location, shown_.end() + 1);
+    shownTask_.start([this, range, query = scan_.query(),
+                      text = storage_.snapshot()](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        const auto search = query.patternSearch(text, range.location);
+        search->setInterruption([&](int, qsizetype reached) { return stop || reached > range.end(); });
+        std::vector<TextRange> matches;
+        while (const RegularExpressionMatch* match = search->next()) {
+            if (match->location() >= range.end() || matches.size() >= mostShown) {
+                break;
+            }
+            matches.push_back({match->location(), match->length()});
+        }
+        return [this, range, matches = std::move(matches)] {
+            scan_.presume(range, matches);
+            matchesCame();
+        };
+    });
+}
+
+void FindSession::matchesCame()
+{
+    if (const auto ended = pendingStep_ ? known(*pendingStep_) : std::nullopt) {
+        pendingStep_.reset();
+        current_ = *ended;
+        isChosen_ = true;
+        publish();
+        Q_EMIT stepEnded(current_);
+        return;
+    }
+    chooseCurrent();
+    publish();
+}
+
+void FindSession::chooseCurrent()
+{
+    if (isChosen_) {
+        return;
+    }
+    if (const auto match = known({true, origin_})) {
+        current_ = *match;
+        isChosen_ = true;
+        return;
+    }
+    // What is presumed may be another one once all is known.
+    const qsizetype presumed = scan_.matches().firstFrom(origin_);
+    current_ = presumed < matchCount() ? std::optional(scan_.matches().at(presumed)) : std::nullopt;
+}
+
+std::optional<std::optional<TextRange>> FindSession::known(Step step)
+{
+    const TextTree& text = storage_.tree();
+    if (step.isForward ? scan_.knowsNextFrom(step.from) : scan_.knowsPreviousFrom(step.from)) {
+        const auto index = step.isForward ? scan_.nextFrom(text, step.from) : scan_.previousFrom(text, step.from);
+        return index ? std::optional(scan_.matches().at(*index)) : std::nullopt;
+    }
+    if (const LiteralSearch* const wanted = scan_.query().literal()) {
+        const auto near = step.isForward ? nextNear(*wanted, text, step.from) : previousNear(*wanted, text, step.from);
+        if (near) {
+            return near;
+        }
+    }
+    return {};
+}
+
+std::optional<TextRange> FindSession::take(Step step)
+{
+    const auto match = known(step);
+    if (match) {
+        pendingStep_.reset();
+        current_ = *match;
+        isChosen_ = true;
+    } else {
+        pendingStep_ = step;
+        if (!runTask_.isRunning()) {
+            restTimer_.stop();
+            startRun();
+        }
+    }
+    publish();
+    return match.value_or(std::nullopt);
+}
+
+std::optional<TextRange> FindSession::stepForward(qsizetype from)
+{
+    return take({true, from});
+}
+
+std::optional<TextRange> FindSession::stepBackward(qsizetype from)
+{
+    return take({false, from});
+}
+
+std::optional<qsizetype> FindSession::currentIndex() const
+{
+    return current_ ? scan_.indexOf(*current_) : std::nullopt;
 }
 
 std::vector<TextRange> FindSession::matchesIn(TextRange range) const
 {
-    const std::vector<TextRange>& all = scan_.matches();
-    const auto first =
-        std::partition_point(all.begin(), all.end(), [range](TextRange match) { return match.end() < range.location; });
-    const auto last =
-        std::partition_point(first, all.end(), [range](TextRange match) { return match.location <= range.end(); });
-    return {first, last};
+    return scan_.matchesIn(storage_.tree(), range);
 }
 
 QString FindSession::statusText() const
@@ -99,97 +271,49 @@ QString FindSession::statusText() const
     } else if (!isDone) {
         total += u'…';
     }
-    return current_ ? tr("%1 of %2").arg(QString::number(*current_ + 1), total) : total;
-}
-
-std::optional<TextRange> FindSession::stepForward(qsizetype from)
-{
-    setCurrent(scan_.nextFrom(flatText(), from));
-    noteMatches();
-    return currentMatch();
-}
-
-std::optional<TextRange> FindSession::stepBackward(qsizetype from)
-{
-    setCurrent(scan_.previousFrom(flatText(), from));
-    noteMatches();
-    return currentMatch();
+    const std::optional<qsizetype> index = currentIndex();
+    return index ? tr("%1 of %2").arg(QString::number(*index + 1), total) : total;
 }
 
 std::optional<QString> FindSession::replacementForCurrent() const
 {
-    const std::optional<TextRange> match = currentMatch();
-    return match ? scan_.query().replacementFor(flatText(), *match, engine_.replaceText()) : std::nullopt;
+    return current_ ? scan_.query().replacementFor(storage_.tree(), *current_, engine_.replaceText()) : std::nullopt;
 }
 
-ReplaceAllResult FindSession::replaceAll() const
+std::optional<ReplaceAllResult> FindSession::replaceAll()
 {
-    return scan_.query().replaceAll(flatText(), engine_.replaceText());
+    if (storage_.length() <= unitsReplacedAtOnce) {
+        return scan_.query().replaceAll(storage_.tree(), engine_.replaceText());
+    }
+    replaceTask_.start([this, query = scan_.query(), text = storage_.snapshot(), replacement = engine_.replaceText()](
+                           const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        return [this, result = query.replaceAll(text, replacement, FindQuery::longestReplacement, &stop)] {
+            Q_EMIT replacedAll(result);
+        };
+    });
+    return {};
 }
 
-const QString& FindSession::flatText() const
+void FindSession::publish()
 {
-    if (flatRevision_ != storage_.revision()) {
-        flatText_ = storage_.text();
-        flatRevision_ = storage_.revision();
-    }
-    return flatText_;
-}
-
-void FindSession::restartScan()
-{
-    scan_ = FindScan(scan_.query());
-    current_.reset();
-    engine_.setResults({});
-    if (scan_.query().isEmpty()) {
-        stepTimer_.stop();
-        Q_EMIT changed();
-        return;
-    }
-    stepTimer_.start();
-    step();
-}
-
-void FindSession::step()
-{
-    if (storage_.length() - scan_.searchedTo() <= unitsPerStep) {
-        scan_.finish(flatText());
-    } else {
-        scan_.advance(flatText(), unitsPerStep);
-    }
-    const bool isSearching = scan_.state() == FindScan::State::searching;
-    if (!isSearching) {
-        stepTimer_.stop();
-    }
-    if (!current_ && matchCount() > 0 && (!isSearching || scan_.searchedTo() > origin_)) {
-        setCurrent(scan_.nextFrom(flatText(), origin_));
-    }
-    noteMatches();
-}
-
-void FindSession::noteMatches()
-{
-    QList<SearchMatch> results = engine_.results();
-    const qsizetype described = std::min(matchCount(), describedMatches);
-    if (results.size() < described) {
-        for (qsizetype index = results.size(); index < described; ++index) {
-            const TextRange match = scan_.matches()[static_cast<std::size_t>(index)];
-            const LineAndColumn place = lineAndColumnAt(storage_.tree(), match.location);
-            const TextRange line = storage_.lineRange({match.location, 0});
-            const TextRange near =
-                line.intersected({match.location - describedContext, match.length + 2 * describedContext});
-            results.append({QUuid::createUuid(), match, place.line, place.column, storage_.substring(near),
-                            storage_.substring(match)});
-        }
-        engine_.setResults(results);
-    }
+    engine_.offerResults(
+        [session = QPointer<const FindSession>(this)] { return session ? session->describe() : QList<SearchMatch>(); });
+    engine_.setCurrentMatchIndex(currentIndex().value_or(0));
     Q_EMIT changed();
 }
 
-void FindSession::setCurrent(std::optional<qsizetype> index)
+QList<SearchMatch> FindSession::describe() const
 {
-    current_ = index;
-    engine_.setCurrentMatchIndex(index.value_or(0));
+    QList<SearchMatch> described;
+    for (const TextRange match : scan_.matches().between(0, std::min(matchCount(), describedMatches))) {
+        const LineAndColumn place = lineAndColumnAt(storage_.tree(), match.location);
+        const TextRange line = storage_.lineRange({match.location, 0});
+        const TextRange near =
+            line.intersected({match.location - describedContext, match.length + 2 * describedContext});
+        described.append({QUuid::createUuid(), match, place.line, place.column, storage_.substring(near),
+                          storage_.substring(match)});
+    }
+    return described;
 }
 
 } // namespace kelm

@@ -4,6 +4,7 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -25,6 +26,34 @@ const FoldTable& foldTable()
     }();
     return *table;
 }
+
+struct AsTheyAre
+{
+    char16_t operator()(char16_t unit) const { return unit; }
+    /// The first place from `at` on where the unit stands, or -1.
+    qsizetype next(QStringView text, qsizetype at, char16_t unit) const { return text.indexOf(QChar(unit), at); }
+};
+
+struct Folded
+{
+    const FoldTable& table;
+
+    char16_t operator()(char16_t unit) const { return table[unit]; }
+    qsizetype next(QStringView text, qsizetype at, char16_t unit) const
+    {
+        const char16_t* const units = text.utf16();
+        const qsizetype end = text.size();
+        // Without a branch for each, so that several are looked up at once.
+        const auto isAt = [&](qsizetype place) { return int(table[units[place]] == unit); };
+        while (at + 4 <= end && (isAt(at) | isAt(at + 1) | isAt(at + 2) | isAt(at + 3)) == 0) {
+            at += 4;
+        }
+        while (at < end && table[units[at]] != unit) {
+            ++at;
+        }
+        return at < end ? at : -1;
+    }
+};
 
 } // namespace
 
@@ -48,32 +77,26 @@ LiteralSearch::LiteralSearch(QStringView wanted, Case letterCase, Words words)
     }
 }
 
-std::optional<TextRange> LiteralSearch::find(QStringView text, TextRange range) const
+/// Calls `use` with what the units of a text are compared by.
+template <typename Use>
+auto LiteralSearch::withFolding(Use use) const
 {
-    if (case_ == Case::matters) {
-        return find(text, range, [](char16_t unit) { return unit; });
-    }
-    return find(text, range, [&table = foldTable()](char16_t unit) { return table[unit]; });
+    return case_ == Case::matters ? use(AsTheyAre()) : use(Folded{foldTable()});
 }
 
+/// Goes on from `at`, what stands before it ending with the first `matched` units of what is wanted. Gives the place
+/// behind the next match, or -1 where the units end first.
 template <typename Fold>
-std::optional<TextRange> LiteralSearch::find(QStringView text, TextRange range, Fold fold) const
+qsizetype LiteralSearch::behindNext(QStringView text, qsizetype at, std::size_t& matched, Fold fold) const
 {
-    if (wanted_.empty()) {
-        return {};
-    }
-    const TextRange searched = range.clampedTo(text.size());
     const char16_t* units = text.utf16();
-    const qsizetype end = searched.end();
-    size_t matched = 0;
-    for (qsizetype at = searched.location; at < end; ++at) {
+    const qsizetype end = text.size();
+    for (; at < end; ++at) {
         if (matched == 0) {
             // Most of a text is passed over here.
-            while (at < end && fold(units[at]) != wanted_.front()) {
-                ++at;
-            }
-            if (at == end) {
-                return {};
+            at = fold.next(text, at, wanted_.front());
+            if (at < 0) {
+                return -1;
             }
         }
         while (matched > 0 && fold(units[at]) != wanted_[matched]) {
@@ -81,19 +104,107 @@ std::optional<TextRange> LiteralSearch::find(QStringView text, TextRange range, 
         }
         matched += fold(units[at]) == wanted_[matched] ? 1 : 0;
         if (matched == wanted_.size()) {
-            const TextRange match{at + 1 - length(), length()};
-            if (isAccepted(text, match)) {
+            return at + 1;
+        }
+    }
+    return -1;
+}
+
+template <typename IsInside>
+bool LiteralSearch::isAccepted(TextRange match, IsInside isInside) const
+{
+    return words_ == Words::partsToo || (!isInside(match.location) && !isInside(match.end()));
+}
+
+std::optional<TextRange> LiteralSearch::find(QStringView text, TextRange range) const
+{
+    if (wanted_.empty()) {
+        return {};
+    }
+    const TextRange searched = range.clampedTo(text.size());
+    const QStringView units = text.first(searched.end());
+    const auto isInside = [text](qsizetype offset) { return isInsideWord(text, offset); };
+    return withFolding([&](auto fold) -> std::optional<TextRange> {
+        std::size_t matched = 0;
+        qsizetype at = searched.location;
+        while ((at = behindNext(units, at, matched, fold)) >= 0) {
+            const TextRange match{at - length(), length()};
+            if (isAccepted(match, isInside)) {
                 return match;
             }
             matched = fallbacks_[matched - 1];
         }
-    }
-    return {};
+        return {};
+    });
 }
 
-bool LiteralSearch::isAccepted(QStringView text, TextRange match) const
+bool LiteralSearch::enumerate(const TextTree& text, TextRange range, const std::function<bool(TextRange)>& found) const
 {
-    return words_ == Words::partsToo || (!isInsideWord(text, match.location) && !isInsideWord(text, match.end()));
+    return enumerate(text, range, Overlapping::no, found);
+}
+
+bool LiteralSearch::enumerate(const TextTree& text, TextRange range, Overlapping overlapping,
+                              const std::function<bool(TextRange)>& found) const
+{
+    if (wanted_.empty()) {
+        return true;
+    }
+    range = range.clampedTo(text.length());
+    return withFolding([&](auto fold) {
+        std::size_t matched = 0;
+        qsizetype start = range.location;
+        return text.forEachPiece(range, [&](QStringView piece) {
+            const auto isInside = [&](qsizetype offset) {
+                const qsizetype in = offset - start;
+                if (in >= context && in + context <= piece.size()) {
+                    return isInsideWord(piece, in);
+                }
+                const qsizetype from = std::max<qsizetype>(offset - context, 0);
+                return isInsideWord(text.substring({from, offset + context - from}), offset - from);
+            };
+            qsizetype at = 0;
+            while ((at = behindNext(piece, at, matched, fold)) >= 0) {
+                const TextRange match{start + at - length(), length()};
+                const bool isOne = isAccepted(match, isInside);
+                if (isOne && !found(match)) {
+                    return false;
+                }
+                matched = isOne && overlapping == Overlapping::no ? 0 : fallbacks_[matched - 1];
+            }
+            start += piece.size();
+            return true;
+        });
+    });
+}
+
+std::optional<qsizetype> LiteralSearch::restartBefore(const TextTree& text, qsizetype offset, qsizetype furthest) const
+{
+    const qsizetype wanted = length();
+    for (qsizetype back = 2 * wanted;; back *= 4) {
+        const qsizetype from = std::max<qsizetype>(offset - back, 0);
+        // A run of places that overlap. One that stands in the text before `from` may go on up to here.
+        qsizetype runStart = from;
+        qsizetype runEnd = from == 0 ? 0 : from + wanted - 1;
+        bool isStartKnown = from == 0;
+        enumerate(text, TextRange::between(from, std::min(offset + wanted - 1, text.length())), Overlapping::yes,
+                  [&](TextRange place) {
+                      if (place.location >= runEnd) {
+                          runStart = place.location;
+                          isStartKnown = true;
+                      }
+                      runEnd = std::max(runEnd, place.end());
+                      return true;
+                  });
+        if (runEnd <= offset) {
+            return offset;
+        }
+        if (isStartKnown) {
+            return runStart;
+        }
+        if (back >= furthest) {
+            return {};
+        }
+    }
 }
 
 } // namespace kelm

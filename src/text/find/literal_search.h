@@ -2,10 +2,12 @@
 #pragma once
 
 #include "text/storage/text_range.h"
+#include "text/storage/text_tree.h"
 
 #include <QString>
 #include <QStringView>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -30,10 +32,28 @@ public:
     /// or its end; what stands outside the range counts for that.
     std::optional<TextRange> find(QStringView text, TextRange range) const;
 
+    /// Hands the matches that lie within `range` on to `found`, in order and none overlapping another, for as long as
+    /// it returns true. The pieces of the text are looked at where they stand. False when `found` ended it.
+    bool enumerate(const TextTree& text, TextRange range, const std::function<bool(TextRange)>& found) const;
+
+    /// How many units on each side of a match say whether it is one.
+    static constexpr qsizetype context = 2;
+
+    /// A place at or before `offset` that no place where the wanted text stands goes over, so that a search from there
+    /// finds what one from the start of the text finds behind it. Looks at `furthest` units before the offset or
+    /// somewhat more; absent where one place runs over into the next all that way.
+    std::optional<qsizetype> restartBefore(const TextTree& text, qsizetype offset, qsizetype furthest) const;
+
 private:
+    enum class Overlapping { no, yes };
+    template <typename Use>
+    auto withFolding(Use use) const;
     template <typename Fold>
-    std::optional<TextRange> find(QStringView text, TextRange range, Fold fold) const;
-    bool isAccepted(QStringView text, TextRange match) const;
+    qsizetype behindNext(QStringView units, qsizetype at, std::size_t& matched, Fold fold) const;
+    bool enumerate(const TextTree& text, TextRange range, Overlapping overlapping,
+                   const std::function<bool(TextRange)>& found) const;
+    template <typename IsInside>
+    bool isAccepted(TextRange match, IsInside isInside) const;
 
     std::vector<char16_t> wanted_;
     /// For each beginning of what is wanted, the length of the longest shorter beginning that it ends with.

@@ -1,5 +1,7 @@
 #include "text/find/search_engine.h"
 
+#include <utility>
+
 namespace kelm {
 
 SearchEngine::SearchEngine(QObject* parent) : QObject(parent) {}
@@ -20,12 +22,28 @@ void SearchEngine::setReplaceText(const QString& text)
     }
 }
 
+const QList<SearchMatch>& SearchEngine::results() const
+{
+    if (const auto describe = std::exchange(describe_, nullptr)) {
+        results_ = describe();
+    }
+    return results_;
+}
+
 void SearchEngine::setResults(const QList<SearchMatch>& results)
 {
-    if (results_ != results) {
+    // What was offered and never asked for need not be described to know that it goes.
+    const bool wasOffered = std::exchange(describe_, nullptr) != nullptr;
+    if (wasOffered || results_ != results) {
         results_ = results;
         Q_EMIT resultsChanged();
     }
+}
+
+void SearchEngine::offerResults(std::function<QList<SearchMatch>()> describe)
+{
+    describe_ = std::move(describe);
+    Q_EMIT resultsChanged();
 }
 
 void SearchEngine::setCurrentMatchIndex(qsizetype index)

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 namespace kelm {
 
 /// What is looked for, how, and what was found. It searches nothing itself: whoever does puts the matches here. Main
@@ -30,8 +32,10 @@ public:
     void setSearchText(const QString& text);
     const QString& replaceText() const { return replaceText_; }
     void setReplaceText(const QString& text);
-    const QList<SearchMatch>& results() const { return results_; }
+    const QList<SearchMatch>& results() const;
     void setResults(const QList<SearchMatch>& results);
+    /// The results are others now, which `describe` gives when somebody asks for them.
+    void offerResults(std::function<QList<SearchMatch>()> describe);
     qsizetype currentMatchIndex() const { return currentMatchIndex_; }
     void setCurrentMatchIndex(qsizetype index);
 
@@ -52,7 +56,9 @@ Q_SIGNALS:
 private:
     QString searchText_;
     QString replaceText_;
-    QList<SearchMatch> results_;
+    // Filled when they are asked for, from what was offered.
+    mutable QList<SearchMatch> results_;
+    mutable std::function<QList<SearchMatch>()> describe_;
     qsizetype currentMatchIndex_ = 0;
     bool useRegex_ = false;
     bool caseSensitive_ = false;

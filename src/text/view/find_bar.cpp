@@ -54,6 +54,13 @@ FindBar::FindBar(TextView& view)
     });
     connect(replaceField_, &QLineEdit::textChanged, &engine_, &SearchEngine::setReplaceText);
     connect(&session_, &FindSession::changed, this, &FindBar::showState);
+    connect(&session_, &FindSession::replacedAll, this, &FindBar::putInAll);
+    connect(&session_, &FindSession::stepEnded, this, [this](std::optional<TextRange> match) {
+        select(match);
+        if (isHidden()) {
+            session_.stop();
+        }
+    });
     connect(&view_, &TextView::visibleRectChanged, this, [this] {
         if (isVisible()) {
             placeOverView();
@@ -110,14 +117,16 @@ void FindBar::step(const std::function<std::optional<TextRange>()>& find)
     if (engine_.searchText().isEmpty()) {
         return;
     }
-    if (isVisible()) {
+    if (!isHidden()) {
         select(find());
         return;
     }
     // A search for this one step: without the bar nothing follows what is typed.
     session_.start(view_.selectedRange().location);
     select(find());
-    session_.stop();
+    if (!session_.isStepping()) {
+        session_.stop();
+    }
 }
 
 void FindBar::useSelection()
@@ -271,7 +280,7 @@ void FindBar::restart()
     engine_.setCaseSensitive(caseToggle_->isChecked());
     engine_.setWholeWord(wordToggle_->isChecked());
     engine_.setUseRegex(patternToggle_->isChecked());
-    if (!isVisible()) {
+    if (isHidden()) {
         return;
     }
     session_.start(origin_);
@@ -315,7 +324,15 @@ void FindBar::replaceAll()
     if (!view_.editor().prepareEdit()) {
         return;
     }
-    const ReplaceAllResult result = session_.replaceAll();
+    if (const std::optional<ReplaceAllResult> result = session_.replaceAll()) {
+        putInAll(*result);
+    } else {
+        status_->setText(tr("Replacing…"));
+    }
+}
+
+void FindBar::putInAll(const ReplaceAllResult& result)
+{
     switch (result.outcome) {
     case ReplaceAllResult::Outcome::replaced:
         view_.editor().apply({{result.range, result.text}}, EditKind::other);
@@ -350,6 +367,7 @@ void FindBar::showHighlights()
     }
     // Only what is on screen: a text can have a million matches.
     const TextRange shown = TextRange::between(rows.front().range.location, rows.back().range.end());
+    session_.setShown(shown);
     const std::optional<TextRange> current = session_.currentMatch();
     std::vector<TextHighlight> highlights;
     for (const TextRange match : session_.matchesIn(shown)) {

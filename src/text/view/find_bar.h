@@ -37,6 +37,9 @@ public:
     void findPrevious();
     /// Looks for the selected text from now on.
     void useSelection();
+    /// Whether a search goes on and follows the text: while the bar is open, and until a step that takes long has
+    /// ended.
+    bool isSearching() const { return session_.isRunning(); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -55,6 +58,7 @@ private:
     void select(std::optional<TextRange> match);
     void replaceCurrent();
     void replaceAll();
+    void putInAll(const ReplaceAllResult& result);
     void showState();
     void showHighlights();
     void placeOverView();

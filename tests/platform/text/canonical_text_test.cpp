@@ -3,6 +3,11 @@
 
 #include <QtTest>
 
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+
+#include <random>
+
 namespace canonical_text_test {
 
 using namespace kelm;
@@ -15,6 +20,8 @@ class CanonicalTextTest : public QObject
 private Q_SLOTS:
     void textsAreDecomposedAndFolded_data();
     void textsAreDecomposedAndFolded();
+    void longRunsOfMarksAreDecomposedAsShortOnes();
+    void manyMarksAreTold();
 };
 
 void CanonicalTextTest::textsAreDecomposedAndFolded_data()
@@ -45,6 +52,68 @@ void CanonicalTextTest::textsAreDecomposedAndFolded()
     QFETCH(QString, withoutCase);
     QCOMPARE(decomposed(text), form);
     QCOMPARE(decomposedWithoutCase(text), withoutCase);
+}
+
+void CanonicalTextTest::longRunsOfMarksAreDecomposedAsShortOnes()
+{
+    bool given = false;
+    uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
+    seed = given ? seed : std::random_device()();
+    qInfo("seed %u", seed);
+    std::mt19937 random(seed);
+    const auto below = [&random](qsizetype bound) {
+        return std::uniform_int_distribution<qsizetype>(0, bound - 1)(random);
+    };
+    // Marks of many classes, those that decompose, and those that begin with no class of their own.
+    const QStringList marks{u"\u0301"_s, u"\u0323"_s, u"\u0345"_s,     u"\u0344"_s,    u"\u0F71"_s, u"\u0F73"_s,
+                            u"\u0F81"_s, u"\u05B0"_s, u"\U0001D165"_s, u"\u3099"_s,    u"\u0338"_s, u"\u1DFA"_s,
+                            u"\u0300"_s, u"\u0340"_s, u"\u0343"_s,     u"\U000E0100"_s};
+    const QStringList letters{u"a"_s,
+                              u"\u00C9"_s,
+                              u"\u1E9B"_s,
+                              u"\uD55C"_s,
+                              u"\uAC00"_s,
+                              u"\u1112"_s,
+                              u"\u1161"_s,
+                              QString(QChar(0xD834)),
+                              QString(QChar(0xDD65)),
+                              u"\u0F77"_s};
+    for (int round = 0; round < 2000; ++round) {
+        QString text;
+        for (qsizetype part = below(6); part >= 0; --part) {
+            for (qsizetype count = below(4); count > 0; --count) {
+                text += letters[below(letters.size())];
+            }
+            for (qsizetype count = below(4) == 0 ? below(200) : below(4); count > 0; --count) {
+                text += marks[below(marks.size())];
+            }
+        }
+        // What the library gives for the whole, however long its runs.
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Normalizer2* const normalizer = icu::Normalizer2::getNFDInstance(status);
+        const auto reference = [&](const icu::UnicodeString& from) { return normalizer->normalize(from, status); };
+        const auto string = [](const icu::UnicodeString& from) {
+            return QString(reinterpret_cast<const QChar*>(from.getBuffer()), from.length());
+        };
+        const icu::UnicodeString whole(text.utf16(), int32_t(text.size()));
+        QCOMPARE(decomposed(text), string(reference(whole)));
+        QCOMPARE(decomposedWithoutCase(text), string(reference(reference(whole).foldCase())));
+    }
+}
+
+void CanonicalTextTest::manyMarksAreTold()
+{
+    const QString marks = u"\u0301\u0323"_s.repeated(40);
+    QVERIFY(hasManyMarks(marks));
+    QVERIFY(hasManyMarks(u"some text e"_s + marks + u"and more"_s));
+    QVERIFY(hasManyMarks(u"\U0001D165"_s.repeated(50)));
+    QVERIFY(!hasManyMarks(marks.first(40)));
+    QVERIFY(!hasManyMarks(u"e\u0301\u0323"_s.repeated(1000)));
+    QVERIFY(!hasManyMarks(u"\u1112\u1161\u11AB"_s.repeated(1000)));
+    QVERIFY(!hasManyMarks(QString()));
+    // A time in proportion to its square would be hours.
+    QCOMPARE(decomposed(u"\u0301\u0323"_s.repeated(500'000)),
+             u"\u0323"_s.repeated(500'000) + u"\u0301"_s.repeated(500'000));
 }
 
 const kelm::test::Registered<CanonicalTextTest> registered;

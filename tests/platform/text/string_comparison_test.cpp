@@ -3,6 +3,11 @@
 
 #include <QtTest>
 
+#include <unicode/coll.h>
+#include <unicode/locid.h>
+
+#include <random>
+
 namespace string_comparison_test {
 
 using namespace kelm;
@@ -17,6 +22,7 @@ private Q_SLOTS:
     void textsCompareAsTheLocaleOrdersThem();
     void sortKeysCompareAsTextsDo();
     void longTextsHaveKeys();
+    void longRunsOfMarksCompareAsTheCollationSays();
     void unpairedSurrogatesCompare();
     void theCurrentLocaleIgnoresCase();
     void withoutCollationTextsAreFolded();
@@ -87,6 +93,51 @@ void StringComparisonTest::longTextsHaveKeys()
     const QString text = u"똠방각하 \u00e9 "_s.repeated(20000);
     QVERIFY(comparison.sortKey(text) < comparison.sortKey(text + u"a"_s));
     QVERIFY(comparison.sortKey(text) == comparison.sortKey(text.toUpper()));
+}
+
+void StringComparisonTest::longRunsOfMarksCompareAsTheCollationSays()
+{
+    bool given = false;
+    uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
+    seed = given ? seed : std::random_device()();
+    qInfo("seed %u", seed);
+    std::mt19937 random(seed);
+    const auto below = [&random](qsizetype bound) {
+        return std::uniform_int_distribution<qsizetype>(0, bound - 1)(random);
+    };
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale("ko_KR"), status));
+    QVERIFY(U_SUCCESS(status));
+    collator->setStrength(icu::Collator::SECONDARY);
+    collator->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
+    const StringComparison comparison(u"ko_KR"_s);
+    const QStringList parts{u"\u0301"_s, u"\u0323"_s, u"\u0344"_s, u"\u0F73"_s, u"\u3099"_s, u"\u0338"_s};
+    const QStringList letters{u"a"_s, u"E"_s, u"한"_s, u"\u1112\u1161"_s, u"\u00C9"_s};
+    const auto text = [&] {
+        QString made;
+        for (qsizetype count = below(3); count >= 0; --count) {
+            made += letters[below(letters.size())];
+            for (qsizetype marks = below(2) == 0 ? 100 : 2; marks > 0; --marks) {
+                made += parts[below(2) == 0 ? 0 : below(parts.size())];
+            }
+        }
+        return made;
+    };
+    for (int round = 0; round < 1000; ++round) {
+        const QString a = text();
+        // Some that differ by the order of their marks alone.
+        QString b = below(2) == 0 ? text() : a;
+        const qsizetype at = 1 + below(b.size() - 1);
+        if (b[at].isMark() && b[at - 1].isMark()) {
+            std::swap(b[at], b[at - 1]);
+        }
+        const int expected = collator->compare(QStringView(a).utf16(), int32_t(a.size()), QStringView(b).utf16(),
+                                               int32_t(b.size()), status);
+        QCOMPARE(comparison.localizedCaseInsensitiveCompare(a, b), expected);
+        const QByteArray keyA = comparison.sortKey(a);
+        const QByteArray keyB = comparison.sortKey(b);
+        QCOMPARE(keyA < keyB ? -1 : keyB < keyA ? 1 : 0, expected);
+    }
 }
 
 void StringComparisonTest::unpairedSurrogatesCompare()

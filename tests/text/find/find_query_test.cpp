@@ -29,6 +29,7 @@ private Q_SLOTS:
     void replacingAllAgreesWithReplacingOneByOne();
     void replacingAMillionMatchesIsLinear();
     void aReplacementTooLongIsNotBuilt();
+    void whatIsNotReplacedIsShared();
 };
 
 static FindOptions options(const QString& letters)
@@ -45,7 +46,7 @@ static FindQuery query(const QString& text, const QString& letters)
 static Matches matches(const FindQuery& query, const QString& text, qsizetype from = 0)
 {
     Matches all;
-    query.enumerate(text, from, text.size(), [&](TextRange match) {
+    query.enumerate(TextTree(text), from, text.size(), [&](TextRange match) {
         all.append({int(match.location), int(match.length)});
         return true;
     });
@@ -60,8 +61,8 @@ void FindQueryTest::theEmptyTextFindsNothing()
         QVERIFY(matches(std::get<FindQuery>(compiled), QStringLiteral("abc")).isEmpty());
     }
     QVERIFY(FindQuery().isEmpty());
-    QCOMPARE(FindQuery().replaceAll(u"abc", u"x").outcome, ReplaceAllResult::Outcome::nothingFound);
-    QCOMPARE(FindQuery().replacementFor(u"abc", {0, 0}, u"x"), std::nullopt);
+    QCOMPARE(FindQuery().replaceAll(TextTree(u"abc"), u"x").outcome, ReplaceAllResult::Outcome::nothingFound);
+    QCOMPARE(FindQuery().replacementFor(TextTree(u"abc"), {0, 0}, u"x"), std::nullopt);
 }
 
 void FindQueryTest::findsAllMatchesInOrder_data()
@@ -146,9 +147,10 @@ void FindQueryTest::stopsWhenTheReceiverHasEnough()
 {
     for (const QString& letters : {QString(), QStringLiteral("r")}) {
         int count = 0;
-        const auto ending = query(QStringLiteral("a"), letters).enumerate(u"aaaa", 1, 4, [&](TextRange match) {
-            return match.location == ++count && count < 2;
-        });
+        const auto ending =
+            query(QStringLiteral("a"), letters).enumerate(TextTree(u"aaaa"), 1, 4, [&](TextRange match) {
+                return match.location == ++count && count < 2;
+            });
         QCOMPARE(ending, FindQuery::Ending::stopped);
         QCOMPARE(count, 2);
     }
@@ -158,9 +160,9 @@ void FindQueryTest::givesUpAPatternThatExplodes()
 {
     const FindQuery pattern = query(QStringLiteral("(a+)+$b|(a|aa)+x"), QStringLiteral("rc"));
     const QString text = QString(5000, u'a') + u'!';
-    const auto ending = pattern.enumerate(text, 0, text.size(), [](TextRange) { return true; });
+    const auto ending = pattern.enumerate(TextTree(text), 0, text.size(), [](TextRange) { return true; });
     QCOMPARE(ending, FindQuery::Ending::gaveUp);
-    const ReplaceAllResult replaced = pattern.replaceAll(text, u"x");
+    const ReplaceAllResult replaced = pattern.replaceAll(TextTree(text), u"x");
     QCOMPARE(replaced.outcome, ReplaceAllResult::Outcome::gaveUp);
     QVERIFY(replaced.text.isEmpty());
     QCOMPARE(replaced.count, 0);
@@ -202,11 +204,11 @@ void FindQueryTest::replacesOneMatch()
     QFETCH(QString, replacement);
     QFETCH(QString, expected);
     const FindQuery compiled = query(wanted, letters);
-    QCOMPARE(compiled.replacementFor(text, {location, length}, replacement), std::optional(expected));
+    QCOMPARE(compiled.replacementFor(TextTree(text), {location, length}, replacement), std::optional(expected));
     // What is no match is not replaced.
-    QCOMPARE(compiled.replacementFor(text, {location, length + 1}, replacement), std::nullopt);
-    QCOMPARE(compiled.replacementFor(QStringLiteral("zzzzzzzz"), {location, length}, replacement), std::nullopt);
-    QCOMPARE(compiled.replacementFor(text, {100, length}, replacement), std::nullopt);
+    QCOMPARE(compiled.replacementFor(TextTree(text), {location, length + 1}, replacement), std::nullopt);
+    QCOMPARE(compiled.replacementFor(TextTree(u"zzzzzzzz"), {location, length}, replacement), std::nullopt);
+    QCOMPARE(compiled.replacementFor(TextTree(text), {100, length}, replacement), std::nullopt);
 }
 
 void FindQueryTest::replacesAllAsOneEdit_data()
@@ -246,12 +248,12 @@ void FindQueryTest::replacesAllAsOneEdit()
     QFETCH(int, location);
     QFETCH(int, length);
     QFETCH(QString, expected);
-    const ReplaceAllResult result = query(wanted, letters).replaceAll(text, replacement);
+    const ReplaceAllResult result = query(wanted, letters).replaceAll(TextTree(text), replacement);
     QCOMPARE(result.outcome, ReplaceAllResult::Outcome::replaced);
     QCOMPARE(result.count, count);
     QCOMPARE(result.range, (TextRange{location, length}));
-    QCOMPARE(result.text, expected);
-    QCOMPARE(query(wanted, letters).replaceAll(u"zz", replacement).outcome,
+    QCOMPARE(result.text.toString(), expected);
+    QCOMPARE(query(wanted, letters).replaceAll(TextTree(u"zz"), replacement).outcome,
              wanted == u"x*" || wanted == u"^" ? ReplaceAllResult::Outcome::replaced
                                                : ReplaceAllResult::Outcome::nothingFound);
 }
@@ -268,13 +270,13 @@ void FindQueryTest::replacingAllAgreesWithReplacingOneByOne()
         QString expected = text;
         Matches all = matches(compiled, text);
         for (auto match = all.rbegin(); match != all.rend(); ++match) {
-            const auto with = compiled.replacementFor(text, {match->first, match->second}, u"<$0>");
+            const auto with = compiled.replacementFor(TextTree(text), {match->first, match->second}, u"<$0>");
             QVERIFY(with);
             expected.replace(match->first, match->second, *with);
         }
-        const ReplaceAllResult result = compiled.replaceAll(text, u"<$0>");
+        const ReplaceAllResult result = compiled.replaceAll(TextTree(text), u"<$0>");
         QCOMPARE(result.count, all.size());
-        QCOMPARE(QString(text).replace(result.range.location, result.range.length, result.text), expected);
+        QCOMPARE(QString(text).replace(result.range.location, result.range.length, result.text.toString()), expected);
     }
 }
 
@@ -282,9 +284,9 @@ void FindQueryTest::replacingAMillionMatchesIsLinear()
 {
     const QString text = QStringLiteral("ab\n").repeated(1'000'000);
     for (const QString& letters : {QString(), QStringLiteral("r")}) {
-        const ReplaceAllResult result = query(QStringLiteral("b"), letters).replaceAll(text, u"xyz");
+        const ReplaceAllResult result = query(QStringLiteral("b"), letters).replaceAll(TextTree(text), u"xyz");
         QCOMPARE(result.count, 1'000'000);
-        QCOMPARE(result.text.size(), 5 * 1'000'000 - 2);
+        QCOMPARE(result.text.length(), 5 * 1'000'000 - 2);
     }
 }
 
@@ -292,12 +294,34 @@ void FindQueryTest::aReplacementTooLongIsNotBuilt()
 {
     for (const QString& letters : {QString(), QStringLiteral("r")}) {
         const FindQuery compiled = query(QStringLiteral("b"), letters);
-        QCOMPARE(compiled.replaceAll(u"ab ab ab", u"xyz", 3 + 2 + 3 + 2 + 3).outcome,
+        QCOMPARE(compiled.replaceAll(TextTree(u"ab ab ab"), u"xyz", 3 + 2 + 3 + 2 + 3).outcome,
                  ReplaceAllResult::Outcome::replaced);
-        const ReplaceAllResult tooLong = compiled.replaceAll(u"ab ab ab", u"xyz", 3 + 2 + 3 + 2 + 2);
+        const ReplaceAllResult tooLong = compiled.replaceAll(TextTree(u"ab ab ab"), u"xyz", 3 + 2 + 3 + 2 + 2);
         QCOMPARE(tooLong.outcome, ReplaceAllResult::Outcome::tooLong);
         QVERIFY(tooLong.text.isEmpty());
         QCOMPARE(tooLong.count, 0);
+    }
+}
+
+void FindQueryTest::whatIsNotReplacedIsShared()
+{
+    const QString far = QStringLiteral("text ").repeated(200'000);
+    const TextTree text(QStringLiteral("b") + far + QStringLiteral("b b b") + far + QStringLiteral("b"));
+    QSet<const QChar*> pieces;
+    text.forEachPiece({0, text.length()}, [&pieces](QStringView piece) {
+        pieces.insert(piece.data());
+        return true;
+    });
+    for (const QString& letters : {QString(), QStringLiteral("r")}) {
+        const ReplaceAllResult result = query(QStringLiteral("b"), letters).replaceAll(text, u"xyz");
+        QCOMPARE(result.count, 5);
+        QVERIFY(result.text == text.toString().replace(u'b', QStringLiteral("xyz")));
+        qsizetype copied = 0;
+        result.text.forEachPiece({0, result.text.length()}, [&](QStringView piece) {
+            copied += pieces.contains(piece.data()) ? 0 : piece.size();
+            return true;
+        });
+        QVERIFY2(copied < 50'000, qPrintable(QString::number(copied)));
     }
 }
 

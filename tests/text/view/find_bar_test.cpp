@@ -89,6 +89,10 @@ private Q_SLOTS:
     void nothingFoundSaysSo();
     void findNextWorksWithoutTheBar();
     void withoutTheBarNothingGoesOnSearching();
+    void withoutTheBarAStepThatTakesLongIsTheLastThing_data();
+    void withoutTheBarAStepThatTakesLongIsTheLastThing();
+    void noCommandLeavesASearchRunning();
+    void allOfALongTextAreReplacedInOneStep();
     void theFirstLineComesOutFromUnderTheBar();
     void aReadOnlyTextIsNotReplaced();
     void onlyMatchesOnScreenAreMarked();
@@ -295,6 +299,82 @@ void FindBarTest::withoutTheBarNothingGoesOnSearching()
     fixture.bar().close();
     fixture.view.findNext();
     QVERIFY(fixture.bar().engine().results().isEmpty());
+}
+
+void FindBarTest::withoutTheBarAStepThatTakesLongIsTheLastThing_data()
+{
+    QTest::addColumn<bool>("isPattern");
+    QTest::addColumn<bool>("isEdited");
+    QTest::newRow("text") << false << false;
+    QTest::newRow("pattern") << true << false;
+    QTest::newRow("text, and an edit comes between") << false << true;
+    QTest::newRow("pattern, and an edit comes between") << true << true;
+}
+
+void FindBarTest::withoutTheBarAStepThatTakesLongIsTheLastThing()
+{
+    QFETCH(bool, isPattern);
+    QFETCH(bool, isEdited);
+    const QString lines = QStringLiteral("one two\n").repeated(100'000);
+    Fixture fixture(QStringLiteral("zebra ") + lines + QStringLiteral("zebra"));
+    fixture.view.setSelectedRange({0, 5});
+    fixture.view.useSelectionForFind();
+    fixture.button("Regular expression")->setChecked(isPattern);
+    fixture.view.findNext();
+    QVERIFY(!fixture.bar().isVisible());
+    QVERIFY(fixture.bar().isSearching());
+    QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 5}));
+    if (isEdited) {
+        fixture.view.storage().replace({20, 0}, u"x");
+        QVERIFY(!fixture.bar().isSearching());
+        QCOMPARE(fixture.view.selectedRange(), (TextRange{0, 5}));
+        return;
+    }
+    QTRY_COMPARE(fixture.view.selectedRange(), (TextRange{6 + lines.size(), 5}));
+    QVERIFY(!fixture.bar().isSearching());
+    QVERIFY(fixture.bar().engine().results().isEmpty());
+}
+
+void FindBarTest::noCommandLeavesASearchRunning()
+{
+    Fixture fixture(QStringLiteral("a b a"));
+    fixture.view.setSelectedRange({0, 1});
+    fixture.view.useSelectionForFind();
+    QVERIFY(!fixture.bar().isSearching());
+    fixture.view.findNext();
+    QVERIFY(!fixture.bar().isSearching());
+    fixture.view.findPrevious();
+    QVERIFY(!fixture.bar().isSearching());
+    fixture.button("Match case")->click();
+    fixture.field("Find")->setText(QStringLiteral("b"));
+    QVERIFY(!fixture.bar().isSearching());
+    fixture.open(QStringLiteral("a"), true);
+    QVERIFY(fixture.bar().isSearching());
+    // A view that is not seen for a while keeps its bar, and what the bar looks for.
+    fixture.view.hide();
+    fixture.view.findNext();
+    QVERIFY(fixture.bar().isSearching());
+    fixture.view.show();
+    fixture.bar().close();
+    for (const char* help : {"Replace this match", "Replace all matches", "Next match", "Whole words"}) {
+        fixture.button(help)->click();
+        QVERIFY2(!fixture.bar().isSearching(), help);
+    }
+}
+
+void FindBarTest::allOfALongTextAreReplacedInOneStep()
+{
+    const QString text = QStringLiteral("one two\n").repeated(200'000);
+    Fixture fixture(text);
+    fixture.open(QStringLiteral("two"), true);
+    QTest::keyClicks(fixture.field("Replace"), QStringLiteral("three"));
+    QTest::mouseClick(fixture.button("Replace all matches"), Qt::LeftButton);
+    const QString expected = QString(text).replace(QStringLiteral("two"), QStringLiteral("three"));
+    QTRY_COMPARE(fixture.view.storage().length(), expected.size());
+    QVERIFY(fixture.view.storage().tree() == expected);
+    fixture.view.undo();
+    QVERIFY(fixture.view.storage().tree() == text);
+    QVERIFY(!fixture.view.editor().canUndo());
 }
 
 void FindBarTest::theFirstLineComesOutFromUnderTheBar()
