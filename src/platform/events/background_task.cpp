@@ -24,8 +24,8 @@ QThreadPool& backgroundWorkers()
     return workers;
 }
 
-/// What the two threads share. What one of them leaves for the other is ordered by the two atomics, not by the queues of
-/// the toolkit alone.
+/// What the two threads share. What one of them leaves for the other is ordered by the two atomics, not by the queues
+/// of the toolkit alone.
 struct BackgroundTask::InHand
 {
     StopFlag stop = false;
