@@ -6,7 +6,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-namespace long_line_rows_test {
+namespace text_layout_pieces_test {
 
 using namespace kelm;
 
@@ -112,7 +112,7 @@ std::size_t piecesIn(Page& page, qreal top, qreal bottom)
 
 } // namespace
 
-class LongLineRowsTest : public QObject
+class TextLayoutPiecesTest : public QObject
 {
     Q_OBJECT
 
@@ -135,7 +135,7 @@ private Q_SLOTS:
     void piecesDoNotWander();
 };
 
-void LongLineRowsTest::noPieceEndIsSeen_data()
+void TextLayoutPiecesTest::noPieceEndIsSeen_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("columns");
@@ -156,7 +156,7 @@ void LongLineRowsTest::noPieceEndIsSeen_data()
     }
 }
 
-void LongLineRowsTest::noPieceEndIsSeen()
+void TextLayoutPiecesTest::noPieceEndIsSeen()
 {
     QFETCH(QString, text);
     QFETCH(int, columns);
@@ -164,7 +164,7 @@ void LongLineRowsTest::noPieceEndIsSeen()
     compareWithWholeLine(page);
 }
 
-void LongLineRowsTest::rowsAreFullOnTheWayUp()
+void TextLayoutPiecesTest::rowsAreFullOnTheWayUp()
 {
     Page page(wordsOf(longestPiece * 100), 90);
     const qreal screen = 40 * page.layout.rowHeight();
@@ -195,7 +195,7 @@ void LongLineRowsTest::rowsAreFullOnTheWayUp()
     }
 }
 
-void LongLineRowsTest::anotherWidthBreaksAnew()
+void TextLayoutPiecesTest::anotherWidthBreaksAnew()
 {
     Page page(wordsOf(longestPiece * 6), 60);
     for (const qreal columns : {80, 79, 33, 200, 12, 60}) {
@@ -207,7 +207,7 @@ void LongLineRowsTest::anotherWidthBreaksAnew()
     }
 }
 
-void LongLineRowsTest::anotherFontBreaksAnew()
+void TextLayoutPiecesTest::anotherFontBreaksAnew()
 {
     Page page(wordsOf(longestPiece * 6), 60);
     page.allRows();
@@ -217,7 +217,7 @@ void LongLineRowsTest::anotherFontBreaksAnew()
     compareWithWholeLine(page);
 }
 
-void LongLineRowsTest::editsBreakAnew_data()
+void TextLayoutPiecesTest::editsBreakAnew_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("staysAtBorders");
@@ -227,7 +227,7 @@ void LongLineRowsTest::editsBreakAnew_data()
     QTest::newRow("Korean") << QStringLiteral("다람쥐 헌 쳇바퀴에").repeated(longestPiece / 2) << false;
 }
 
-void LongLineRowsTest::editsBreakAnew()
+void TextLayoutPiecesTest::editsBreakAnew()
 {
     QFETCH(QString, text);
     QFETCH(bool, staysAtBorders);
@@ -271,7 +271,7 @@ void LongLineRowsTest::editsBreakAnew()
     }
 }
 
-void LongLineRowsTest::aWordThatFitsAboveNowGoesUp()
+void TextLayoutPiecesTest::aWordThatFitsAboveNowGoesUp()
 {
     // Words that fill a row each: where one below the border is made short, it goes up to the row above.
     Page page((QString(35, u'a') + u' ').repeated(longestPiece / 9), 50);
@@ -284,7 +284,7 @@ void LongLineRowsTest::aWordThatFitsAboveNowGoesUp()
     compareWithWholeLine(page);
 }
 
-void LongLineRowsTest::compositionsAreCounted()
+void TextLayoutPiecesTest::compositionsAreCounted()
 {
     Page page(wordsOf(longestPiece * 4), 60);
     std::vector<qsizetype> offsets{0, 100, longestPiece, page.storage.length()};
@@ -312,7 +312,7 @@ void LongLineRowsTest::compositionsAreCounted()
     compareWithWholeLine(page);
 }
 
-void LongLineRowsTest::colorsBreakAnew()
+void TextLayoutPiecesTest::colorsBreakAnew()
 {
     Page page(wordsOf(longestPiece * 4), 60);
     page.allRows();
@@ -333,7 +333,7 @@ void LongLineRowsTest::colorsBreakAnew()
     QCOMPARE(page.layout.layoutsMade(), before);
 }
 
-void LongLineRowsTest::aLineOfBlanksIsNoTrap()
+void TextLayoutPiecesTest::aLineOfBlanksIsNoTrap()
 {
     // Blanks hang over a row's end, however many: one row may take more than a piece.
     for (const QString& text :
@@ -353,7 +353,7 @@ void LongLineRowsTest::aLineOfBlanksIsNoTrap()
     }
 }
 
-void LongLineRowsTest::charactersStayWhole()
+void TextLayoutPiecesTest::charactersStayWhole()
 {
     for (const QString& character : {QStringLiteral("😀"), QStringLiteral("👩‍👩‍👧")}) {
         Page page(character.repeated(longestPiece * 2), 33);
@@ -363,7 +363,7 @@ void LongLineRowsTest::charactersStayWhole()
     }
 }
 
-void LongLineRowsTest::placesStayWhereBordersMove()
+void TextLayoutPiecesTest::placesStayWhereBordersMove()
 {
     Page page(wordsOf(longestPiece * 20), 90);
     const qreal rowHeight = page.layout.rowHeight();
@@ -384,7 +384,7 @@ void LongLineRowsTest::placesStayWhereBordersMove()
     }
 }
 
-void LongLineRowsTest::aKeyLaysOutWhatIsShownFromItsPieceOn()
+void TextLayoutPiecesTest::aKeyLaysOutWhatIsShownFromItsPieceOn()
 {
     Page page(wordsOf(5'000'000), 100);
     const qreal top = page.layout.height() / 2;
@@ -408,7 +408,7 @@ void LongLineRowsTest::aKeyLaysOutWhatIsShownFromItsPieceOn()
     QVERIFY(most >= 1 && all <= 300);
 }
 
-void LongLineRowsTest::jumpsLayOutWhatIsShown()
+void TextLayoutPiecesTest::jumpsLayOutWhatIsShown()
 {
     Page page(wordsOf(5'000'000), 100);
     for (const qreal at : {0.5, 1.0, 0.25, 0.0}) {
@@ -423,7 +423,7 @@ void LongLineRowsTest::jumpsLayOutWhatIsShown()
     QVERIFY(page.layout.layoutsMade() - before <= 2);
 }
 
-void LongLineRowsTest::piecesDoNotWander()
+void TextLayoutPiecesTest::piecesDoNotWander()
 {
     // However often the width changes, each piece is about as long as it was.
     Page page(wordsOf(longestPiece * 8), 90);
@@ -448,8 +448,8 @@ void LongLineRowsTest::piecesDoNotWander()
     }
 }
 
-const kelm::test::Registered<LongLineRowsTest> registered(kelm::test::Toolkit::gui);
+const kelm::test::Registered<TextLayoutPiecesTest> registered(kelm::test::Toolkit::gui);
 
-} // namespace long_line_rows_test
+} // namespace text_layout_pieces_test
 
-#include "long_line_rows_test.moc"
+#include "text_layout_pieces_test.moc"
