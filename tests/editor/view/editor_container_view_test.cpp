@@ -135,6 +135,7 @@ private Q_SLOTS:
     void theLessonRegionReachesTheGutter();
     void theMinimapScrollsToALine();
     void foldsNeverReachTheDocument();
+    void foldsEditsAndUndoLeaveTheContentThatEditsMade();
     void aClosedDocumentsEditorGoesQuietly();
 };
 
@@ -630,6 +631,66 @@ void EditorContainerViewTest::foldsNeverReachTheDocument()
         QString content = fixture.view->text();
         content.remove(u'Z');
         QCOMPARE(content, original);
+    }
+}
+
+void EditorContainerViewTest::foldsEditsAndUndoLeaveTheContentThatEditsMade()
+{
+    test::RandomText random;
+    for (int round = 0; round < 15; ++round) {
+        QString original;
+        for (int line = 0; line < 40; ++line) {
+            original += QStringList{QStringLiteral("a {"), QStringLiteral("}"), QStringLiteral("  body"),
+                                    QString()}[random.below(4)] +
+                        u'\n';
+        }
+        Fixture fixture(original);
+        TextView& text = fixture.view->textView();
+        // The contents that one after the other was made by an edit, and what was taken of each for a save.
+        QStringList states{original};
+        std::vector<TextTree> saved{fixture.document->text()};
+        qsizetype at = 0;
+        for (int step = 0; step < 60; ++step) {
+            switch (random.below(6)) {
+            case 0:
+            case 1:
+            case 2:
+                // Any line: most have nothing to fold or unfold.
+                fixture.view->lineNumberView().onFoldToggle(1 + random.below(40));
+                break;
+            case 3: {
+                QString whole = states[at];
+                const TextRange range{random.below(whole.size() + 1), random.below(4)};
+                fixture.view->codeFoldingManager().unfoldAll();
+                text.setSelectedRange(range);
+                const TextRange selected = text.selectedRange();
+                fixture.type(QStringLiteral("Z"));
+                whole.replace(selected.location, selected.length, u'Z');
+                if (whole == states[at]) {
+                    // A letter over the same letter is no edit.
+                    break;
+                }
+                states.resize(at + 1);
+                saved.resize(static_cast<std::size_t>(at) + 1);
+                states.append(whole);
+                saved.push_back(fixture.document->text());
+                ++at;
+                break;
+            }
+            case 4:
+                at -= text.editor().canUndo() ? 1 : 0;
+                text.undo();
+                break;
+            default:
+                at += text.editor().canRedo() ? 1 : 0;
+                text.redo();
+                break;
+            }
+            QCOMPARE(fixture.document->content(), states[at]);
+        }
+        for (qsizetype state = 0; state < states.size(); ++state) {
+            QVERIFY(saved[static_cast<std::size_t>(state)] == QStringView(states[state]));
+        }
     }
 }
 
