@@ -37,7 +37,6 @@ qsizetype pieceEnd(const TextTree& text, TextRange line, qsizetype start)
 LinePieces LinePieces::cutAt(std::vector<qsizetype> cuts)
 {
     LinePieces pieces;
-    pieces.isSettled.assign(cuts.size(), false);
     pieces.starts = cuts;
     pieces.cuts = std::move(cuts);
     return pieces;
@@ -50,12 +49,6 @@ std::size_t LinePieces::firstThatSees(qsizetype offset) const
         --piece;
     }
     return piece;
-}
-
-void LinePieces::resetStarts()
-{
-    starts = cuts;
-    isSettled.assign(cuts.size(), false);
 }
 
 std::size_t LinePieces::pieceAt(qsizetype offset) const
@@ -100,7 +93,6 @@ void LinePieces::replace(std::size_t first, std::size_t count, const LinePieces&
         exchange(*offsets, added);
     }
     exchange(rows, with.rows);
-    exchange(isSettled, with.isSettled);
 }
 
 std::vector<qsizetype> cutIntoPieces(const TextTree& text, TextRange line)

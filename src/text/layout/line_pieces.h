@@ -17,7 +17,7 @@ constexpr qsizetype shortestPiece = longestPiece / 4;
 /// A piece that an edit makes longer than this is cut.
 constexpr qsizetype longestEditedPiece = longestPiece + longestPiece / 4;
 
-/// A piece of a line that is known to end where a row does has looked at this many units behind its cut.
+/// A piece of a line is laid out with this many units behind the next cut, which tell where its last row ends.
 constexpr qsizetype lookAhead = 256;
 
 /// The pieces of one long line: where each begins, counted from the line's start, and how many rows it takes.
@@ -32,14 +32,12 @@ struct LinePieces
     std::vector<int> rows;
     /// Where the line was cut for each piece.
     std::vector<qsizetype> cuts{};
-    /// Whether each piece's end stands where a row ends, or is known to have no such place near its cut.
-    std::vector<bool> isSettled{};
 
-    /// Pieces that begin at their cuts and are not settled. The rows are left to the caller.
+    /// Pieces that begin at their cuts. The rows are left to the caller.
     static LinePieces cutAt(std::vector<qsizetype> cuts);
     bool isLast(std::size_t piece) const { return piece + 1 >= starts.size(); }
-    /// The first piece whose end depends on the unit at an offset: the one that holds it, or one before, which has
-    /// looked ahead so far.
+    /// The first piece whose layout depends on the unit at an offset: the one that holds it, or one before, which looks
+    /// ahead so far.
     std::size_t firstThatSees(qsizetype offset) const;
     /// The piece that holds an offset, counted from the line's start.
     std::size_t pieceAt(qsizetype offset) const;
@@ -48,7 +46,7 @@ struct LinePieces
     /// The piece that holds a row, counted from the line's first.
     std::size_t pieceAtRow(qsizetype row) const;
     /// Forgets all row ends: each piece begins at its cut.
-    void resetStarts();
+    void resetStarts() { starts = cuts; }
     /// Puts other pieces, whose starts and cuts count from the start of `first`, in the place of `count` pieces. The
     /// text behind them moves by `change`.
     void replace(std::size_t first, std::size_t count, const LinePieces& with, qsizetype change);

@@ -185,7 +185,7 @@ private:
     std::unique_ptr<LaidOutPiece> layOut(PieceKey key);
     /// Lays out a piece that is not its line's last together with some of what follows, and moves its end to the last
     /// row that begins at or before the next cut.
-    std::unique_ptr<LaidOutPiece> layOutAndSettle(PieceKey key);
+    std::unique_ptr<LaidOutPiece> layOutToRowEnd(PieceKey key);
     /// Moves the start of a piece that is not its line's first, counted from the line's start.
     void moveStart(PieceKey key, qsizetype start);
     /// Forgets the layout of the piece that holds an offset, counted from the line's start, and of those before that

@@ -77,10 +77,7 @@ void TextLayout::longLineEdited(const TextEdit& edit)
     const std::size_t oldCount = pieces.starts.size();
 
     // Those before that looked ahead to what is edited now may end elsewhere.
-    for (std::size_t seeing = pieces.firstThatSees(editStart); seeing < first; ++seeing) {
-        pieces.isSettled[seeing] = false;
-        pieces_.erase({line, seeing});
-    }
+    forgetPiecesThatSee(line, editStart);
     // Only the touched pieces are cut anew, with a neighbour where little is left of them. Those behind keep their cuts
     // and their layout under another number.
     const auto newStart = [&] { return pieces.starts[first]; };
@@ -116,8 +113,8 @@ void TextLayout::longLineEdited(const TextEdit& edit)
 void TextLayout::colorsChanged(TextRange range)
 {
     for (auto& [key, piece] : pieces_) {
-        const TextRange units = pieceRange(key);
-        if (units.end() > range.location && units.location < range.end()) {
+        const qsizetype start = pieceRange(key).location;
+        if (start + piece->length() > range.location && start < range.end()) {
             piece->colorsAreStale = true;
         }
     }

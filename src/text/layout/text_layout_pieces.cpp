@@ -28,7 +28,6 @@ TextLayout::PlacedPiece TextLayout::ensure(PieceKey key)
         // Letters of two colours are not drawn into one another; that can make a row longer.
         const std::vector<ColorRun> colors = colorsOf({pieceRange(key).location, piece->length()});
         if (goesOn && !piece->hasColors(colors)) {
-            longLines_.find(key.line)->isSettled[key.piece] = false;
             piece = layOut(key);
         } else {
             piece->setColors(colors, metrics_);
@@ -57,20 +56,19 @@ std::unique_ptr<LaidOutPiece> TextLayout::layOut(PieceKey key)
 {
     ++layoutsMade_;
     const LinePieces* pieces = piecesOf(key.line);
-    const bool isSettled = pieces == nullptr || pieces->isLast(key.piece) || pieces->isSettled[key.piece];
-    std::unique_ptr<LaidOutPiece> piece = isSettled ? makePiece(key.line, pieceRange(key)) : layOutAndSettle(key);
+    const bool goesOn = pieces != nullptr && !pieces->isLast(key.piece);
+    std::unique_ptr<LaidOutPiece> piece = goesOn ? layOutToRowEnd(key) : makePiece(key.line, pieceRange(key));
     noteRows(key, piece->rowCount());
     return piece;
 }
 
-std::unique_ptr<LaidOutPiece> TextLayout::layOutAndSettle(PieceKey key)
+std::unique_ptr<LaidOutPiece> TextLayout::layOutToRowEnd(PieceKey key)
 {
     LinePieces& pieces = *longLines_.find(key.line);
     const TextRange line = lineContent(key.line);
     const qsizetype start = pieces.starts[key.piece];
     const qsizetype nextCut = pieces.cuts[key.piece + 1];
     const qsizetype seenEnd = std::min(line.length, nextCut + lookAhead);
-    pieces.isSettled[key.piece] = true;
     std::unique_ptr<LaidOutPiece> piece = makePiece(key.line, {line.location + start, seenEnd - start});
     const int row = piece->lastRowFrom(nextCut - start);
     const qsizetype rowStart = start + piece->rowRange(row).location;
@@ -92,9 +90,8 @@ void TextLayout::moveStart(PieceKey key, qsizetype start)
     const int before = estimatedRows(pieceRange(key).length);
     pieces.starts[key.piece] = start;
     const int change = estimatedRows(pieceRange(key).length) - before;
-    // Its rows are others now, and so may be its end.
+    // Its rows are others now.
     pieces_.erase(key);
-    pieces.isSettled[key.piece] = false;
     pieces.rows[key.piece] = std::max(1, pieces.rows[key.piece] + change);
     table_.setRows(key.line, static_cast<int>(pieces.rowCount()));
     Q_EMIT rowsCorrected();
@@ -107,11 +104,8 @@ void TextLayout::forgetPiecesThatSee(qsizetype line, qsizetype offset)
         pieces_.erase({line, 0});
         return;
     }
-    const std::size_t last = pieces->pieceAt(offset);
-    for (std::size_t piece = pieces->firstThatSees(offset); piece <= last; ++piece) {
-        pieces->isSettled[piece] = false;
-        pieces_.erase({line, piece});
-    }
+    pieces_.erase(pieces_.lower_bound({line, pieces->firstThatSees(offset)}),
+                  pieces_.lower_bound({line, pieces->pieceAt(offset) + 1}));
 }
 
 std::unique_ptr<LaidOutPiece> TextLayout::makePiece(qsizetype line, TextRange range)

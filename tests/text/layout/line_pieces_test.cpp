@@ -44,6 +44,8 @@ private Q_SLOTS:
     void anEndlessCharacterIsCutAtTheLimit();
     void noPieceIsTooLongOrEmpty();
     void piecesAreFoundByOffset();
+    void piecesLookAheadOfTheirCuts();
+    void replacedPiecesKeepTheCutsBehind();
     void longLinesMoveWithTheLinesBeforeThem();
     void replacedLongLinesAreForgotten();
 };
@@ -139,6 +141,37 @@ void LinePiecesTest::piecesAreFoundByOffset()
     QCOMPARE(pieces.rowCount(), qsizetype(9));
     QCOMPARE(pieces.rowsBefore(0), qsizetype(0));
     QCOMPARE(pieces.rowsBefore(2), qsizetype(5));
+}
+
+void LinePiecesTest::piecesLookAheadOfTheirCuts()
+{
+    LinePieces pieces = LinePieces::cutAt({0, 2000, 4000, 4100});
+    QCOMPARE(pieces.starts, pieces.cuts);
+    pieces.starts = {0, 1950, 3980, 4090};
+    QCOMPARE(pieces.firstThatSees(0), std::size_t(0));
+    QCOMPARE(pieces.firstThatSees(1960), std::size_t(0));
+    QCOMPARE(pieces.firstThatSees(2000 + lookAhead), std::size_t(0));
+    QCOMPARE(pieces.firstThatSees(2001 + lookAhead), std::size_t(1));
+    // A short piece may be seen through.
+    QCOMPARE(pieces.firstThatSees(4200), std::size_t(1));
+    QCOMPARE(pieces.firstThatSees(4300), std::size_t(2));
+    pieces.resetStarts();
+    QCOMPARE(pieces.starts, pieces.cuts);
+}
+
+void LinePiecesTest::replacedPiecesKeepTheCutsBehind()
+{
+    LinePieces pieces = LinePieces::cutAt({0, 100, 200, 300});
+    pieces.rows = {1, 2, 3, 4};
+    pieces.starts = {0, 90, 190, 290};
+    LinePieces two = LinePieces::cutAt({0, 60});
+    two.rows = {7, 8};
+    // The first of them keeps the cut that it had, ten units behind its start.
+    two.cuts[0] = 10;
+    pieces.replace(1, 1, two, 5);
+    QCOMPARE(pieces.starts, (std::vector<qsizetype>{0, 90, 150, 195, 295}));
+    QCOMPARE(pieces.cuts, (std::vector<qsizetype>{0, 100, 150, 205, 305}));
+    QCOMPARE(pieces.rows, (std::vector<int>{1, 7, 8, 3, 4}));
 }
 
 void LinePiecesTest::longLinesMoveWithTheLinesBeforeThem()
