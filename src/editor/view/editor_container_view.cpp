@@ -161,7 +161,7 @@ void EditorContainerView::textDidChange()
     if (delegate_ != nullptr && !takesDocumentsText_) {
         delegate_->textDidChange();
     }
-    lineNumberView_->update();
+    refreshGutter();
     highlightDebounce_.restart();
 }
 
@@ -223,9 +223,18 @@ void EditorContainerView::unfold()
     }
 }
 
+void EditorContainerView::refreshGutter()
+{
+    // Numbers stand where they stood while no row moves.
+    const std::pair now(textView_->visibleRect(), textView_->textLayout().rowsRevision());
+    if (std::exchange(gutterShows_, now) != now) {
+        lineNumberView_->update();
+    }
+}
+
 void EditorContainerView::scrollViewDidScroll()
 {
-    lineNumberView_->update();
+    refreshGutter();
     // Keys that scroll nothing leave the map as it is.
     if (const QRectF visible = textView_->visibleRect(); visible != minimapView_->currentVisibleRect) {
         minimapView_->currentVisibleRect = visible;

@@ -11,7 +11,10 @@
 #include "platform/events/scheduler.h"
 #include "text/view/text_view.h"
 
+#include <QRectF>
 #include <QWidget>
+
+#include <utility>
 
 namespace kelm {
 
@@ -100,6 +103,7 @@ private:
     void prepareEdit();
     void unfold();
     void scrollViewDidScroll();
+    void refreshGutter();
     /// Takes the keyboard with the caret at the start of the text.
     void focusEditorRequested();
 
@@ -114,6 +118,8 @@ private:
     Language currentLanguage_ = Language::plainText;
     bool hasText_ = false;
     bool takesDocumentsText_ = false;
+    /// The part of the page, and the state of its rows, that the gutter was last asked to show.
+    std::pair<QRectF, quint64> gutterShows_;
     Debounce highlightDebounce_;
 };
 

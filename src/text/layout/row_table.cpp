@@ -85,6 +85,7 @@ void RowTable::measure(std::size_t number) const
     const qsizetype sum = std::accumulate(block.rows.begin(), block.rows.end(), qsizetype(0));
     if (std::exchange(block.sum, sum) != sum) {
         firstStale_ = std::min(firstStale_, number);
+        ++revision_;
         measure_->guessCorrected();
     }
 }
@@ -94,6 +95,7 @@ void RowTable::assign(const std::vector<int>& rows)
     blocks_.clear();
     appendBlocks(blocks_, rows);
     firstStale_ = 0;
+    ++revision_;
 }
 
 void RowTable::assignUnmeasured(qsizetype lines)
@@ -101,6 +103,7 @@ void RowTable::assignUnmeasured(qsizetype lines)
     blocks_.clear();
     appendUnmeasured(blocks_, 0, lines);
     firstStale_ = 0;
+    ++revision_;
 }
 
 void RowTable::setRows(qsizetype line, int rows)
@@ -115,6 +118,7 @@ void RowTable::setRows(qsizetype line, int rows)
     block.rows[place.index] = rows;
     block.sum += change;
     firstStale_ = std::min(firstStale_, place.block);
+    ++revision_;
 }
 
 void RowTable::replaceLines(qsizetype first, qsizetype removed, const std::vector<int>& added)
@@ -171,6 +175,7 @@ void RowTable::replaceBlocks(std::size_t first, std::size_t end, std::vector<Blo
         blocks_.erase(blocks_.begin() + static_cast<qsizetype>(first), blocks_.begin() + static_cast<qsizetype>(end));
     blocks_.insert(position, std::make_move_iterator(with.begin()), std::make_move_iterator(with.end()));
     firstStale_ = std::min(firstStale_, first);
+    ++revision_;
 }
 
 RowTable::Place RowTable::placeOf(qsizetype line) const

@@ -57,6 +57,8 @@ public:
     /// The same with lines that are measured when they are asked for; the measure already knows them by their new
     /// numbers. Not a block is measured now.
     void replaceWithUnmeasured(qsizetype first, qsizetype removed, qsizetype added);
+    /// Grows whenever a line may stand at another row than before.
+    quint64 revision() const { return revision_; }
     /// Whether the rows of a line are known and not guessed.
     bool isMeasured(qsizetype line) const;
 
@@ -92,6 +94,7 @@ private:
     mutable std::vector<qsizetype> linesBefore_{0};
     mutable std::vector<qsizetype> rowsBefore_{0};
     mutable std::size_t firstStale_ = 0;
+    mutable quint64 revision_ = 0;
 };
 
 } // namespace kelm

@@ -119,6 +119,9 @@ public:
     /// Where the composition's own caret stands; absent without a composition or where it hides its caret.
     std::optional<QRectF> preeditCaretRect();
 
+    /// Grows whenever a row may stand at another height than before.
+    quint64 rowsRevision() const { return table_.revision(); }
+
     /// How many pieces are laid out at the moment; for tests and benchmarks.
     std::size_t cachedPieces() const { return pieces_.size(); }
     /// How many pieces have been laid out or wrapped since the start; for tests and benchmarks.

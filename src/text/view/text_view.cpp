@@ -321,15 +321,20 @@ void TextView::textEdited(const TextEdit& edit)
         const qsizetype start = edit.moved(highlight.range.location);
         highlight.range = TextRange::between(start, std::max(start, edit.moved(highlight.range.end(), false)));
     }
+    const std::optional<QRect> place = placeOfEdit(edit);
     syncScrollBar();
     notifyAccessibleEdit(*this, edit);
-    viewport()->update();
+    if (place) {
+        viewport()->update(*place);
+    } else {
+        viewport()->update();
+    }
 }
 
 void TextView::selectionChanged()
 {
     restartBlink();
-    viewport()->update();
+    updateCarets();
     Q_EMIT copyAvailable(editor_.selections().hasText());
     notifyAccessibleSelection(*this);
     updateMicroFocus();

@@ -9,6 +9,7 @@
 #include <QBasicTimer>
 #include <QColor>
 #include <QPointer>
+#include <QRegion>
 
 #include <memory>
 #include <vector>
@@ -214,6 +215,22 @@ private:
     std::optional<qreal> containerWidth_;
 
     // What is at the top of the viewport. Lines above may change their rows, and what is on screen stays.
+    /// What of the viewport shows an edit that only changed a line's rows as they stand; absent where more may have
+    /// moved.
+    std::optional<QRect> placeOfEdit(const TextEdit& edit);
+    /// Asks for a painting of where carets stood and stand, or of everything where more than carets has changed.
+    void updateCarets();
+    std::optional<QRegion> placesOfCarets(const std::vector<TextRow>& rows);
+
+    /// What the last painting of the whole viewport, and those of parts since, stand on.
+    struct Painted
+    {
+        qreal scrollY = 0;
+        quint64 rowsRevision = 0;
+        /// Around the carets; absent where there were selections or a composition.
+        std::optional<QRegion> carets;
+    };
+    Painted painted_;
     PagePlace anchor_;
     // What was at the top before the width changed, so that many changes do not creep away from it.
     std::optional<qsizetype> topBeforeResize_;

@@ -33,6 +33,50 @@ void TextView::paintEvent(QPaintEvent* event)
         layout_.paintRow(painter, row, origin);
     }
     paintCarets(painter, rows);
+    painted_ = {scrollY(), layout_.rowsRevision(), placesOfCarets(rows)};
+}
+
+std::optional<QRegion> TextView::placesOfCarets(const std::vector<TextRow>& rows)
+{
+    if (isComposing() || dropCaret_ || editor_.selections().hasText()) {
+        return {};
+    }
+    QRegion places;
+    for (const QRectF& box : caretBoxes(rows)) {
+        places += box.toAlignedRect().adjusted(-1, -1, 1, 1);
+    }
+    return places;
+}
+
+void TextView::updateCarets()
+{
+    const bool isSame = painted_.carets && painted_.scrollY == scrollY() && editor_.selections().isSingle();
+    const std::optional<QRegion> now = isSame ? placesOfCarets(visibleRows()) : std::nullopt;
+    if (now && painted_.rowsRevision == layout_.rowsRevision()) {
+        viewport()->update(*painted_.carets + *now);
+        // Those that were painted are covered when the next painting comes, whatever moves until then.
+        painted_.carets = *painted_.carets + *now;
+    } else {
+        viewport()->update();
+    }
+}
+
+std::optional<QRect> TextView::placeOfEdit(const TextEdit& edit)
+{
+    if (edit.linesRemoved != 1 || edit.linesAdded != 1 || isComposing() || !painted_.carets ||
+        painted_.scrollY != scrollY()) {
+        return {};
+    }
+    // Laid out now, its line may turn out to have other rows.
+    visibleRows();
+    if (painted_.rowsRevision != layout_.rowsRevision() || painted_.scrollY != scrollY()) {
+        return {};
+    }
+    // Letters of some scripts reach out of their row.
+    const qreal reach = layout_.rowHeight() / 2;
+    const qreal top = layout_.topOfLine(edit.firstLine) + pageOrigin().y();
+    const qreal bottom = layout_.topOfLine(edit.firstLine + 1) + pageOrigin().y();
+    return QRectF(0, top - reach, viewport()->width(), bottom - top + 2 * reach).toAlignedRect();
 }
 
 void TextView::paintRowBackground(QPainter& painter, const TextRow& row, const std::vector<ColorRun>& marks)

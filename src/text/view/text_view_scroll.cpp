@@ -172,6 +172,9 @@ void TextView::queueScrollSync()
     onMainQueue(this, [this] {
         isScrollSyncQueued_ = false;
         syncScrollBar();
+        if (painted_.rowsRevision != layout_.rowsRevision()) {
+            viewport()->update();
+        }
     });
 }
 

@@ -1,9 +1,11 @@
+#include "support/random_text.h"
 #include "support/shown_text_view.h"
 #include "support/test_program.h"
 
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
+#include <QScreen>
 #include <QStyleHints>
 #include <QtTest>
 
@@ -117,6 +119,7 @@ private Q_SLOTS:
     void theCaretIsTwoPixelsOfItsColor();
     void theCaretIsWholeAtTheEdges();
     void theCaretBlinks();
+    void theScreenShowsWhatAWholePaintingWould();
     void theCaretStandsStillWhileTyping();
     void noCaretWithoutFocusOrInAReadOnlyView();
     void everyCaretIsPainted();
@@ -424,6 +427,58 @@ void TextViewPaintTest::manySelectionsCostOnlyWhatIsSeen()
     // A whole turn of the blink.
     QTest::qWait(QGuiApplication::styleHints()->cursorFlashTime());
     QVERIFY(view.textLayout().layoutsMade() - before < 100);
+}
+
+void TextViewPaintTest::theScreenShowsWhatAWholePaintingWould()
+{
+    QApplication::setCursorFlashTime(0);
+    test::RandomText random;
+    ShownTextView view(
+        QStringLiteral("one\ntwo three four five six seven eight nine ten eleven twelve thirteen\n\n").repeated(12));
+    QVERIFY(view.isShown());
+    view.setColors(testColors());
+    static constexpr Qt::Key keys[] = {Qt::Key_Left,      Qt::Key_Right,    Qt::Key_Up,    Qt::Key_Down,
+                                       Qt::Key_Backspace, Qt::Key_Delete,   Qt::Key_End,   Qt::Key_Home,
+                                       Qt::Key_Return,    Qt::Key_PageDown, Qt::Key_PageUp};
+    for (int round = 0; round < 600; ++round) {
+        // Several between two paintings, as under load.
+        for (qsizetype count = 1 + random.below(3); count > 0; --count) {
+            switch (random.below(8)) {
+            case 0:
+            case 1:
+            case 2:
+                view.editor().insertText(QStringList{QStringLiteral("a"), QStringLiteral("wide words "),
+                                                     QStringLiteral("한"), QStringLiteral("gÅj")}[random.below(4)],
+                                         EditKind::typing);
+                break;
+            case 3:
+                view.undo();
+                break;
+            case 4:
+                view.storage().setForeground({random.below(view.text().size()), random.below(30)}, 0xff3366cc);
+                break;
+            case 5:
+                view.setSelectedRange({random.below(view.text().size()), random.below(4) == 0 ? 5 : 0});
+                break;
+            default:
+                QTest::keyClick(&view, keys[random.below(qsizetype(std::size(keys)))],
+                                random.below(5) == 0 ? Qt::ShiftModifier : Qt::NoModifier);
+                break;
+            }
+        }
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        const QImage screen = view.screen()->grabWindow(view.winId()).toImage().convertToFormat(QImage::Format_RGB32);
+        const QImage whole = view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const QRect text(view.viewport()->pos(), view.viewport()->size());
+        QCOMPARE(screen.size(), whole.size());
+        if (screen.copy(text) != whole.copy(text)) {
+            screen.save(QStringLiteral("screen.png"));
+            whole.save(QStringLiteral("whole.png"));
+            QFAIL(qPrintable(QStringLiteral("round %1").arg(round)));
+        }
+    }
+    QApplication::setCursorFlashTime(200);
 }
 
 const kelm::test::Registered<TextViewPaintTest> registered(kelm::test::Toolkit::widgets);
