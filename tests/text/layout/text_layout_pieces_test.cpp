@@ -36,17 +36,19 @@ QString wordsOf(qsizetype units)
     return line.left(units);
 }
 
-/// Where the rows of the only line of a page begin when the line is laid out in one go.
-std::vector<qsizetype> wholeRowStarts(Page& page)
+/// Where rows begin in a stretch of the only line of a page that is laid out in one go, and begins a row.
+std::vector<qsizetype> rowStartsIn(Page& page, TextRange range)
 {
-    const QString text = page.storage.substring({0, page.storage.length()});
-    QTextLayout whole(text, page.layout.font());
-    if (const auto& preedit = page.layout.preedit()) {
+    QTextLayout whole(page.storage.substring(range), page.layout.font());
+    const auto& preedit = page.layout.preedit();
+    if (preedit) {
         whole.setPreeditArea(static_cast<int>(preedit->offset), preedit->text);
     }
     QList<QTextLayout::FormatRange> formats;
-    for (const ColorRun& run : page.storage.colorsIn({0, page.storage.length()})) {
-        QTextLayout::FormatRange format{static_cast<int>(run.range.location), static_cast<int>(run.range.length), {}};
+    for (const ColorRun& run : page.storage.colorsIn(range)) {
+        QTextLayout::FormatRange format;
+        format.start = static_cast<int>(run.range.location - range.location);
+        format.length = static_cast<int>(run.range.length);
         format.format.setForeground(QColor::fromRgba(run.color));
         formats.append(format);
     }
@@ -61,12 +63,38 @@ std::vector<qsizetype> wholeRowStarts(Page& page)
     for (QTextLine line = whole.createLine(); line.isValid(); line = whole.createLine()) {
         line.setLineWidth(page.layout.width());
         qsizetype start = line.textStart();
-        if (const auto& preedit = page.layout.preedit(); preedit && start > preedit->offset) {
+        if (preedit && start > preedit->offset) {
             start = std::max(preedit->offset, start - preedit->text.size());
         }
-        starts.push_back(start);
+        starts.push_back(range.location + start);
     }
     whole.endLayout();
+    return starts;
+}
+
+/// Where the rows of the only line of a page begin when the line is laid out in one go.
+std::vector<qsizetype> wholeRowStarts(Page& page)
+{
+    return rowStartsIn(page, {0, page.storage.length()});
+}
+
+/// The same by walking from row to row, some at a time. The toolkit shapes 4096 units at most in one go: in a longer
+/// layout a row that this divides may be wider by a hair, and break elsewhere.
+std::vector<qsizetype> walkedRowStarts(Page& page)
+{
+    std::vector<qsizetype> starts;
+    for (qsizetype from = 0; from < page.storage.length();) {
+        const qsizetype end = std::min(from + 4000, page.storage.length());
+        std::vector<qsizetype> some = rowStartsIn(page, {from, end - from});
+        from = page.storage.length();
+        if (end < page.storage.length()) {
+            // What the last rows hold is not all there.
+            some.resize(some.size() - std::min<std::size_t>(some.size() - 2, 3));
+            from = some.back();
+            some.pop_back();
+        }
+        starts.insert(starts.end(), some.begin(), some.end());
+    }
     return starts;
 }
 
@@ -79,23 +107,43 @@ std::vector<qsizetype> startsOf(const std::vector<TextRow>& rows)
     return starts;
 }
 
-void compareWithWholeLine(Page& page)
+/// What holds for the rows of one line, wherever they begin.
+void checkRows(Page& page, const std::vector<TextRow>& rows)
 {
-    const std::vector<qsizetype> expected = wholeRowStarts(page);
-    page.allRows();
-    const std::vector<TextRow> rows = page.allRows();
-    const std::vector<qsizetype> starts = startsOf(rows);
-    const auto [at, other] = std::mismatch(starts.begin(), starts.end(), expected.begin(), expected.end());
-    QVERIFY2(at == starts.end() && other == expected.end(),
-             qPrintable(QStringLiteral("row %1 of %2 begins at %3, not at %4")
-                            .arg(at - starts.begin())
-                            .arg(expected.size())
-                            .arg(at == starts.end() ? -1 : *at)
-                            .arg(other == expected.end() ? -1 : *other)));
+    QCOMPARE(rows.front().range.location, qsizetype(0));
     QCOMPARE(page.layout.height(), static_cast<qreal>(rows.size()) * page.layout.rowHeight());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         QCOMPARE(rows[i].top, static_cast<qreal>(i) * page.layout.rowHeight());
         QCOMPARE(rows[i].range.end(), i + 1 < rows.size() ? rows[i + 1].range.location : page.storage.length());
+    }
+}
+
+void compareWithWholeLine(Page& page)
+{
+    page.allRows();
+    const std::vector<TextRow> rows = page.allRows();
+    checkRows(page, rows);
+    QCOMPARE(startsOf(rows), wholeRowStarts(page));
+}
+
+/// Compares with the rows that a walk over the line meets. Where a row is as wide as the page to a hair, what stands
+/// before it may decide how it ends: laid out alone from its start it must end as it does.
+void compareWithWalk(Page& page)
+{
+    page.allRows();
+    const std::vector<TextRow> rows = page.allRows();
+    checkRows(page, rows);
+    const std::vector<qsizetype> expected = walkedRowStarts(page);
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
+        const TextRange range = rows[i].range;
+        const auto known = std::lower_bound(expected.begin(), expected.end(), range.location);
+        if (known == expected.end() || *known != range.location || known + 1 == expected.end() ||
+            known[1] != range.end()) {
+            const qsizetype length = std::min<qsizetype>(1000, page.storage.length() - range.location);
+            const std::vector<qsizetype> alone = rowStartsIn(page, {range.location, length});
+            QVERIFY2(alone.size() > 1 && alone[1] == range.end(),
+                     qPrintable(QStringLiteral("row %1 of %2 ends at %3").arg(i).arg(rows.size()).arg(range.end())));
+        }
     }
 }
 
@@ -208,7 +256,7 @@ void TextLayoutPiecesTest::anotherWidthBreaksAnew()
     Page page(wordsOf(longestPiece * 6), 60);
     for (const qreal columns : {80, 79, 33, 200, 12, 60}) {
         page.layout.setWidth(columns * page.layout.advance());
-        compareWithWholeLine(page);
+        compareWithWalk(page);
         if (QTest::currentTestFailed()) {
             return;
         }
@@ -222,7 +270,7 @@ void TextLayoutPiecesTest::anotherFontBreaksAnew()
     QFont font = page.layout.font();
     font.setPixelSize(23);
     page.layout.setFont(font);
-    compareWithWholeLine(page);
+    compareWithWalk(page);
 }
 
 void TextLayoutPiecesTest::editsBreakAnew_data()
@@ -275,7 +323,7 @@ void TextLayoutPiecesTest::editsBreakAnew()
         if (random.below(10) == 0) {
             page.layout.setWidth(page.layout.advance() * static_cast<qreal>(20 + random.below(100)));
         }
-        compareWithWholeLine(page);
+        compareWithWalk(page);
         if (QTest::currentTestFailed()) {
             return;
         }
@@ -295,7 +343,7 @@ void TextLayoutPiecesTest::aWordThatFitsAboveNowGoesUp()
     const qsizetype start = border->range.location;
     page.storage.replace({start + 1, 33}, u"");
     QCOMPARE(page.layout.rowsBetween(border[-1].top, border->top).front().range.length, border[-1].range.length + 3);
-    compareWithWholeLine(page);
+    compareWithWalk(page);
 }
 
 void TextLayoutPiecesTest::aPlaceIsFoundInItsRowAtOnce()
@@ -335,7 +383,7 @@ void TextLayoutPiecesTest::compositionsAreCounted()
         }
         page.layout.setPreedit({});
     }
-    compareWithWholeLine(page);
+    compareWithWalk(page);
 }
 
 void TextLayoutPiecesTest::colorsBreakAnew()
@@ -350,7 +398,7 @@ void TextLayoutPiecesTest::colorsBreakAnew()
         for (qsizetype letter = from; letter < end; letter += 2) {
             page.storage.setForeground({letter, 1}, 0xff000000 | QRgb(random.below(0xffffff)));
         }
-        compareWithWholeLine(page);
+        compareWithWalk(page);
         if (QTest::currentTestFailed()) {
             return;
         }
