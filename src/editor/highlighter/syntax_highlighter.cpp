@@ -78,6 +78,7 @@ void SyntaxHighlighter::highlight(TextStorage* textStorage, Language language)
         task_.stop();
         since_.clear();
         language_ = language;
+        guessed_.clear();
         tracks_.emplace(rules::of(language));
         tracks_->reset(storage_->length());
     }
@@ -102,6 +103,7 @@ void SyntaxHighlighter::attach(TextStorage& storage)
     resets_ = QObject::connect(&storage, &TextStorage::willReset, &storage, [this] {
         // The new text is told of when it is coloured.
         task_.stop();
+        guessed_.clear();
         tracks_.reset();
     });
 }
@@ -120,6 +122,9 @@ void SyntaxHighlighter::textReplaced(TextRange range, qsizetype newLength)
     if (tracks_) {
         tracks_->textReplaced(range, newLength);
     }
+    if (!guessed_.isEmpty()) {
+        guessed_.textReplaced(range, newLength);
+    }
     if (task_.isRunning()) {
         since_.push_back({range, newLength});
     }
@@ -133,6 +138,7 @@ void SyntaxHighlighter::settle()
     }
     refreshColors(tracks_->settle(storage_->tree(), mostUnitsAtOnce));
     if (tracks_->isSettled()) {
+        refreshGuessed();
         return;
     }
     since_.clear();
@@ -187,6 +193,24 @@ void SyntaxHighlighter::refreshColors(const std::vector<TextRange>& changed)
     }
 }
 
+void SyntaxHighlighter::refreshGuessed()
+{
+    std::vector<TextRange> guessed;
+    for (qsizetype i = 0; i < guessed_.size(); ++i) {
+        guessed.push_back(guessed_.at(i));
+    }
+    guessed_.clear();
+    refreshColors(guessed);
+}
+
+std::vector<ColorRun> SyntaxHighlighter::foundColors(TextRange range)
+{
+    if (!tracks_->isSettled()) {
+        guessed_.add(range);
+    }
+    return tracks_->colorsIn(storage_->tree(), range, colors_);
+}
+
 void SyntaxHighlighter::refreshKnown(TextRange range)
 {
     const std::vector<ColorRun> before = storage_->foreground().runsIn(range);
@@ -194,7 +218,7 @@ void SyntaxHighlighter::refreshKnown(TextRange range)
     if (std::none_of(before.begin(), before.end(), isKnown)) {
         return;
     }
-    const std::vector<ColorRun> found = tracks_->colorsIn(storage_->tree(), range, colors_);
+    const std::vector<ColorRun> found = foundColors(range);
     // Stretches of which nothing is known stay so.
     for (auto run = before.begin(); run != before.end();) {
         const auto end = std::find_if_not(run, before.end(), isKnown);
@@ -223,7 +247,7 @@ void SyntaxHighlighter::findColors(TextRange range)
         storage_->giveForeground({{{0, near.location}, ColorRuns::pending}});
         storage_->giveForeground({{TextRange::between(near.end(), length), ColorRuns::pending}});
     }
-    const std::vector<ColorRun> found = tracks_->colorsIn(storage_->tree(), wanted, colors_);
+    const std::vector<ColorRun> found = foundColors(wanted);
     for (const ColorRun& run : storage_->foreground().runsIn(wanted)) {
         if (run.color == ColorRuns::pending) {
             storage_->giveForeground(cutTo(run.range, found));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/language/language.h"
+#include "editor/highlighter/dirty_ranges.h"
 #include "editor/highlighter/rule_tracks.h"
 #include "editor/themes/editor_theme.h"
 #include "platform/events/background_task.h"
@@ -63,6 +64,9 @@ private:
     /// The matches within the ranges may be others than those that colours were found by.
     void refreshColors(const std::vector<TextRange>& changed);
     void refreshKnown(TextRange range);
+    /// The same for what was found while the tracks were not good.
+    void refreshGuessed();
+    std::vector<ColorRun> foundColors(TextRange range);
 
     // ColorSource
     void findColors(TextRange range) override;
@@ -75,6 +79,9 @@ private:
     /// That of the text, and of each rule.
     std::vector<QRgb> colors_;
     std::function<TextRange()> shownRange_;
+    /// Where colours were found between an edit and the next settling. They may be those of a text that has come and
+    /// gone meanwhile, as when a quote is typed and taken back: no settling tells of those.
+    DirtyRanges guessed_;
     /// How many units have been given a colour since they were last forgotten.
     qsizetype givenUnits_ = 0;
     BackgroundTask task_;

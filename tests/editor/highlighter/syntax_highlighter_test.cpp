@@ -392,6 +392,21 @@ private Q_SLOTS:
         }
     }
 
+    void coloursSeenOfAQuoteThatCameAndWentAreForgotten()
+    {
+        const QString text = u"let a = `b`\n"_s.repeated(250);
+        TextStorage storage;
+        storage.setText(text);
+        SyntaxHighlighter highlighter(distinctTheme());
+        highlighter.highlight(&storage, Language::javascript);
+        storage.replace({4, 0}, u"`");
+        storage.colorsIn({2000, 100});
+        storage.replace({4, 1}, QString());
+        highlighter.highlight(&storage, Language::javascript);
+        QTRY_VERIFY(highlighter.isSettled());
+        QCOMPARE(foregroundOf(storage), highlighted(text, Language::javascript));
+    }
+
     void coloursFollowEditsAsAWholePassWouldGiveThem_data()
     {
         QTest::addColumn<int>("corpus");
