@@ -32,7 +32,7 @@ AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
       git_(std::make_unique<GitService>(services.processRunner)),
-      notices_(std::make_unique<Notices>()),
+      notices_(std::make_unique<Notices>(services.scheduler)),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(

@@ -1,6 +1,7 @@
 #include "app/state/notices.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kelm {
@@ -13,6 +14,17 @@ Notices::Id Notices::add(Notice notice)
     const Id added = lastId_;
     tell(shownBefore, heldBefore);
     return added;
+}
+
+Notices::Id Notices::report(const QString& text, std::vector<NoticeOffer> offers)
+{
+    const auto same = std::find_if(entries_.begin(), entries_.end(), [&text](const Entry& each) {
+        return each.notice.isNews && each.notice.offers.empty() && each.notice.text == text;
+    });
+    if (offers.empty() && same != entries_.end()) {
+        return same->id;
+    }
+    return add({.text = text, .isNews = true, .offers = std::move(offers)});
 }
 
 void Notices::setProgress(Id id, double progress)
@@ -38,12 +50,23 @@ void Notices::remove(Id id)
 
 const Notices::Entry* Notices::currentEntry() const
 {
-    const auto holding =
-        std::find_if(entries_.begin(), entries_.end(), [](const Entry& each) { return each.notice.holdsInput; });
-    if (holding != entries_.end()) {
-        return &*holding;
+    const auto rank = [](const Notice& notice) {
+        if (notice.holdsInput) {
+            return 0;
+        }
+        if (!notice.isNews) {
+            return 2;
+        }
+        return notice.offers.empty() ? 1 : 3;
+    };
+    const Entry* best = nullptr;
+    for (const Entry& entry : entries_) {
+        const int ranked = rank(entry.notice);
+        if (best == nullptr || ranked < rank(best->notice) || (ranked == 3 && rank(best->notice) == 3)) {
+            best = &entry;
+        }
     }
-    return entries_.empty() ? nullptr : &entries_.front();
+    return best;
 }
 
 const Notice* Notices::current() const
@@ -61,9 +84,39 @@ void Notices::stop()
     }
 }
 
+void Notices::accept(qsizetype offer)
+{
+    const Entry* const entry = currentEntry();
+    if (entry == nullptr || offer < 0 || offer >= std::ssize(entry->notice.offers)) {
+        return;
+    }
+    const std::function<void()> accept = entry->notice.offers[static_cast<std::size_t>(offer)].accept;
+    remove(entry->id);
+    accept();
+}
+
+void Notices::putAway()
+{
+    if (current() != nullptr && current()->isNews) {
+        remove(shown());
+    }
+}
+
+void Notices::beginTime()
+{
+    time_.reset();
+    const Entry* const entry = currentEntry();
+    if (entry == nullptr || !entry->notice.isNews || !entry->notice.offers.empty()) {
+        return;
+    }
+    time_ = std::make_unique<QObject>();
+    scheduler_.after(newsTime, time_.get(), [this, id = entry->id] { remove(id); });
+}
+
 void Notices::tell(Id shownBefore, bool heldBefore)
 {
     if (shown() != shownBefore) {
+        beginTime();
         Q_EMIT currentChanged();
     }
     if (holdsInput() != heldBefore) {

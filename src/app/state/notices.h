@@ -1,16 +1,29 @@
-// What goes on and takes its time.
+// What the window tells in one quiet line.
 #pragma once
+
+#include "platform/events/scheduler.h"
 
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
 namespace kelm {
 
-/// One line that tells of something that is going on.
+/// Something that a notice offers to do.
+struct NoticeOffer
+{
+    /// Such as "Reopen".
+    QString label;
+    /// Does it; the notice has gone by then.
+    std::function<void()> accept;
+};
+
+/// One line that tells of something that is going on, or that has happened.
 struct Notice
 {
     /// Such as "Opening notes.txt…".
@@ -21,10 +34,15 @@ struct Notice
     std::function<void()> stop = {};
     /// Whether keys and pointer have to wait for its end.
     bool holdsInput = false;
+    /// Whether it tells of what has happened, and can be put away.
+    bool isNews = false;
+    /// What can be done about that.
+    std::vector<NoticeOffer> offers = {};
 };
 
-/// The notices of what is going on, of which one is shown at a time: the first that holds the input, or else the one
-/// that has been there longest. Main thread only.
+/// The notices, of which one is shown at a time. In this order: what holds the input; news that offer nothing, each for
+/// some seconds; what goes on, the oldest first; and news that offer something, the latest first, which stay until one
+/// of the offers is taken, they are put away, or whoever told of them removes them. Main thread only.
 class Notices final : public QObject
 {
     Q_OBJECT
@@ -33,12 +51,21 @@ public:
     /// Never given twice.
     using Id = quint64;
 
+    /// How long news that offer nothing are shown.
+    static constexpr std::chrono::seconds newsTime{6};
+
+    explicit Notices(Scheduler& scheduler) : scheduler_(scheduler) {}
+
+    /// Tells of something that goes on, until it is removed.
     Id add(Notice notice);
+    /// Tells of something that has happened. News that offer nothing and say what others already say are not said
+    /// twice.
+    Id report(const QString& text, std::vector<NoticeOffer> offers = {});
     /// Does nothing for a notice that has gone, since who tells of it may be late.
     void setProgress(Id id, double progress);
     void remove(Id id);
 
-    /// The notice that is to be shown; null when nothing goes on. Good until the next change.
+    /// The notice that is to be shown; null when there is none. Good until the next change.
     const Notice* current() const;
     /// Whether the window's input has to wait.
     bool holdsInput() const { return current() != nullptr && current()->holdsInput; }
@@ -46,6 +73,10 @@ public:
     bool canStop() const { return current() != nullptr && current()->stop; }
     /// Ends what is shown, if that can be.
     void stop();
+    /// Takes an offer of the notice that is shown, which goes. An index that it has not does nothing.
+    void accept(qsizetype offer);
+    /// Puts away what is shown, if that is news.
+    void putAway();
 
 Q_SIGNALS:
     /// Another notice is shown, or none.
@@ -65,9 +96,14 @@ private:
     /// Tells of what is another than it was.
     void tell(Id shownBefore, bool heldBefore);
     Id shown() const { return currentEntry() != nullptr ? currentEntry()->id : 0; }
+    /// Begins the time of news that offer nothing.
+    void beginTime();
 
+    Scheduler& scheduler_;
     std::vector<Entry> entries_;
     Id lastId_ = 0;
+    /// The context of the end of what is shown: dropping it cancels that.
+    std::unique_ptr<QObject> time_;
 };
 
 } // namespace kelm

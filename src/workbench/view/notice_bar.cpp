@@ -3,12 +3,15 @@
 #include "platform/style/view/style.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
+#include "platform/view/plain_button.h"
 #include "search/view/activity_line.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QResizeEvent>
+
+#include <iterator>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,28 +41,57 @@ NoticeBar::NoticeBar(ThemeManager& themeManager, QWidget* parent)
       themeManager_(themeManager),
       activity_(new ActivityLine(this)),
       label_(new TextLabel({}, style::interfaceFont(textSize), Tint::primary().at(0.85), this)),
-      stopHint_(new TextLabel(tr("Escape to stop"), style::interfaceFont(textSize), Tint::secondary(), this))
+      stopHint_(new TextLabel(tr("Escape to stop"), style::interfaceFont(textSize), Tint::secondary(), this)),
+      row_(new QHBoxLayout(this)),
+      putAway_(new PlainButton({.symbol = u"xmark"_s, .symbolSize = 9, .padding = {5, 4, 5, 4}}, this))
 {
     setFixedHeight(barHeight);
     setAccessibleRole(*this, QAccessible::AlertMessage);
     label_->setElideMode(Qt::ElideMiddle);
     stopHint_->setGivesWay(false);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(endPadding, 1, endPadding, 0);
-    row->setSpacing(spacing);
-    row->addWidget(label_, 1);
-    row->addWidget(stopHint_);
+    putAway_->setHelp(tr("Dismiss"));
+    connect(putAway_, &PlainButton::clicked, this, &NoticeBar::putAway);
+    row_->setContentsMargins(endPadding, 1, endPadding, 0);
+    row_->setSpacing(spacing);
+    row_->addWidget(label_, 1);
+    row_->addWidget(stopHint_);
+    row_->addWidget(putAway_);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
 }
 
-void NoticeBar::show(const QString& text, bool canStop)
+void NoticeBar::show(const Notice& notice)
 {
-    notice_ = text;
-    stopHint_->setVisible(canStop);
+    notice_ = notice.text;
+    isNews_ = notice.isNews;
+    progress_ = notice.progress;
+    stopHint_->setVisible(bool(notice.stop));
+    showOffers(notice.offers);
+    putAway_->setVisible(notice.isNews);
     refresh();
     setVisible(true);
     QAccessibleEvent appeared(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&appeared);
+}
+
+void NoticeBar::showOffers(const std::vector<NoticeOffer>& offers)
+{
+    for (PlainButton* button : offers_) {
+        // One of them may just have been pressed.
+        button->hide();
+        button->deleteLater();
+    }
+    offers_.clear();
+    for (const NoticeOffer& offer : offers) {
+        ButtonLook look = borderedLook();
+        look.textSize = textSize;
+        look.padding = {8, 1, 8, 1};
+        auto* button = new PlainButton(look, this);
+        button->setText(offer.label);
+        const auto index = std::ssize(offers_);
+        connect(button, &PlainButton::clicked, this, [this, index] { Q_EMIT accepted(index); });
+        row_->insertWidget(row_->indexOf(putAway_), button);
+        offers_.push_back(button);
+    }
 }
 
 void NoticeBar::setProgress(std::optional<double> progress)
@@ -85,7 +117,7 @@ void NoticeBar::refresh()
     // Each percent, read out, would be talked over by the next.
     const QString spoken = progress_ ? withPercents(notice_, percents / step * step) : notice_;
     setAccessibleName(offersStop() ? spoken + u" "_s + stopHint_->text() : spoken);
-    activity_->setActive(!progress_ && isVisible());
+    activity_->setActive(!isNews_ && !progress_ && isVisible());
     update();
 }
 
@@ -98,7 +130,7 @@ void NoticeBar::resizeEvent(QResizeEvent* event)
 void NoticeBar::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    activity_->setActive(!progress_);
+    activity_->setActive(!isNews_ && !progress_);
 }
 
 void NoticeBar::hideEvent(QHideEvent* event)

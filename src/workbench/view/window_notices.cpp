@@ -30,6 +30,8 @@ WindowNotices::WindowNotices(AppState& appState, NoticeBar& bar, QWidget& window
             bar_.setProgress(appState_.notices().current()->progress);
         }
     });
+    connect(&bar_, &NoticeBar::accepted, &appState_.notices(), &Notices::accept);
+    connect(&bar_, &NoticeBar::putAway, &appState_.notices(), &Notices::putAway);
     bar_.setVisible(false);
     follow();
 }
@@ -49,8 +51,7 @@ void WindowNotices::follow()
 void WindowNotices::show()
 {
     if (const Notice* notice = appState_.notices().current()) {
-        bar_.setProgress(notice->progress);
-        bar_.show(notice->text, appState_.notices().canStop());
+        bar_.show(*notice);
     }
 }
 

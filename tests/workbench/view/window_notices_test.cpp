@@ -1,6 +1,7 @@
 #include "app/state/document_rewriter.h"
 #include "app/state/large_files.h"
 #include "app/state/notices.h"
+#include "platform/view/plain_button.h"
 #include "support/blocked_workers.h"
 #include "support/test_program.h"
 #include "workbench/status/view/status_bar_view.h"
@@ -94,6 +95,8 @@ private Q_SLOTS:
     void escapeEndsOpening();
     void escapeClosesAnOverlayFirst();
     void theTabComesWithItsText();
+    void anOfferIsTakenByAClick();
+    void newsArePutAwayByAClick();
 };
 
 void WindowNoticesTest::noNoticeIsThereAtFirst()
@@ -347,6 +350,29 @@ void WindowNoticesTest::theTabComesWithItsText()
     QCOMPARE(fixture.state.documents().size(), 2);
     QCOMPARE(fixture.state.currentDocument()->fileURL(), large);
     QCOMPARE(fixture.text().text(), QString(1'000'000, u'a'));
+}
+
+void WindowNoticesTest::anOfferIsTakenByAClick()
+{
+    Fixture fixture;
+    int taken = 0;
+    fixture.state.notices().report(u"Closed with unsaved changes"_s, {{u"Reopen"_s, [&taken] { ++taken; }}});
+    QTRY_VERIFY(fixture.bar().isVisible());
+    QTest::mouseClick(fixture.bar().offers().front(), Qt::LeftButton);
+    QCOMPARE(taken, 1);
+    QVERIFY(fixture.bar().isHidden());
+    QVERIFY(fixture.text().hasFocus());
+}
+
+void WindowNoticesTest::newsArePutAwayByAClick()
+{
+    Fixture fixture;
+    fixture.state.notices().report(u"lines.txt could not be saved"_s);
+    QTRY_VERIFY(fixture.bar().isVisible());
+    QVERIFY(!fixture.bar().offersStop());
+    QTest::mouseClick(fixture.bar().putAwayButton(), Qt::LeftButton);
+    QVERIFY(fixture.bar().isHidden());
+    QVERIFY(fixture.text().hasFocus());
 }
 
 const kelm::test::Registered<WindowNoticesTest> registered(kelm::test::Toolkit::widgets);
