@@ -63,7 +63,7 @@ void onAWorker(benchmark::State& state)
     int argc = 0;
     const QCoreApplication application(argc, nullptr);
     const Case& each = caseOf(state.range(0));
-    Notices notices;
+    Notices notices(Scheduler::system());
     DocumentRewriter rewriter(notices, [](const std::shared_ptr<Document>&) { return true; });
     for (auto _ : state) {
         state.PauseTiming();

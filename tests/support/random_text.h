@@ -1,33 +1,19 @@
-// Random texts and ranges for tests that compare with a naive model. The seed is printed, so that a failure can be run
-// again with KELM_TEST_SEED.
+// Random texts and ranges for tests that compare with a naive model.
 #pragma once
 
+#include "support/random.h"
 #include "text/storage/text_range.h"
 
 #include <QString>
 #include <QtTest>
 
-#include <random>
+#include <algorithm>
 
 namespace kelm::test {
 
-class RandomText
+class RandomText : public Random
 {
 public:
-    RandomText()
-    {
-        bool given = false;
-        const uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
-        seed_ = given ? seed : std::random_device()();
-        random_.seed(seed_);
-        qInfo("seed %u", seed_);
-    }
-
-    qsizetype below(qsizetype bound)
-    {
-        return bound <= 0 ? 0 : std::uniform_int_distribution<qsizetype>(0, bound - 1)(random_);
-    }
-
     TextRange range(qsizetype textLength)
     {
         const qsizetype start = below(textLength + 1);
@@ -70,10 +56,6 @@ public:
         }
         return result;
     }
-
-private:
-    uint seed_ = 0;
-    std::mt19937 random_;
 };
 
 } // namespace kelm::test

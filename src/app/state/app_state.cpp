@@ -138,9 +138,7 @@ void AppState::openFiles(const QList<QUrl>& urls)
         }
     }
     showDocuments(documents, current);
-    for (const QUrl& url : std::as_const(opened)) {
-        addToRecentFiles(url);
-    }
+    putInRecentFiles(opened);
 }
 
 std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text)
@@ -307,10 +305,21 @@ void AppState::setRecentFiles(const QList<QUrl>& recentFiles)
 
 void AppState::addToRecentFiles(const QUrl& url)
 {
+    putInRecentFiles({url});
+}
+
+void AppState::putInRecentFiles(const QList<QUrl>& urls)
+{
+    if (urls.isEmpty()) {
+        return;
+    }
     QList<QUrl> files = recentFiles_;
-    files.removeAll(url);
-    files.prepend(url);
-    setRecentFiles(files.first(std::min(files.size(), mostRecentFiles)));
+    for (const QUrl& url : urls) {
+        files.removeAll(url);
+        files.prepend(url);
+        files.resize(std::min(files.size(), mostRecentFiles));
+    }
+    setRecentFiles(files);
     saveRecentFiles();
 }
 

@@ -211,6 +211,8 @@ private:
     /// Takes what was read of it; nothing when that was ended.
     void showLargeFile(const QUrl& url, const std::optional<std::variant<TextTree, FileError>>& text);
     void appendAndShow(std::shared_ptr<Document> document);
+    /// Puts each at the front of the recent files, and stores them once.
+    void putInRecentFiles(const QList<QUrl>& urls);
 
     Services services_;
     const std::unique_ptr<CodeRunner> codeRunner_;

@@ -51,9 +51,6 @@ void TextStorage::replace(TextRange range, const TextTree& replacement)
         return;
     }
     const EditingBracket bracket(*this);
-    if (!pendingEdit_) {
-        Q_EMIT willEdit();
-    }
     Q_EMIT willReplace(wanted, replacement);
     const TextTree before = tree_;
     tree_.replace(wanted, replacement);
@@ -75,9 +72,6 @@ void TextStorage::replace(TextRange range, const TextTree& replacement)
 void TextStorage::setText(const TextTree& text)
 {
     const EditingBracket bracket(*this);
-    if (!pendingEdit_) {
-        Q_EMIT willEdit();
-    }
     Q_EMIT willReset();
     TextEdit edit{{0, length()}, text.length(), 0, lines_.lineCount(), 0};
     tree_ = text;

@@ -84,8 +84,6 @@ public:
     void giveForeground(const std::vector<ColorRun>& runs) { foreground_.set(runs); }
 
 Q_SIGNALS:
-    /// Right before the first edit between `beginEditing` and `endEditing`; the text is still the old one.
-    void willEdit();
     /// Right before each single replacement, with offsets of that moment.
     void willReplace(kelm::TextRange range, const kelm::TextTree& replacement);
     /// Right before the whole text is put aside for another.

@@ -9,6 +9,7 @@
 #include "platform/desktop/view/alert_dialogs.h"
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
+#include "platform/events/main_queue.h"
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
@@ -20,6 +21,9 @@
 namespace kelm {
 
 namespace {
+
+/// How much is opened in one go: some ten milliseconds.
+constexpr qsizetype mostAtOnce = 50;
 
 AppState& sharedStateWithPanels()
 {
@@ -37,10 +41,24 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::open(const QStringList& urlTexts)
 {
+    const bool isOpening = !waiting_.isEmpty();
+    waiting_ += urlTexts;
+    if (!isOpening) {
+        openNext();
+    }
+}
+
+void AppDelegate::openNext()
+{
+    const QStringList urlTexts = waiting_.first(std::min(waiting_.size(), mostAtOnce));
     const auto handleLink = [this](const QString& urlText) {
         handleKelmPaneURL(urlText, AppState::shared(), Scheduler::system(), Log::system(), activate_);
     };
     openURLs(urlTexts, AppState::shared(), handleLink);
+    waiting_.remove(0, urlTexts.size());
+    if (!waiting_.isEmpty()) {
+        onMainQueue(this, [this] { openNext(); });
+    }
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event)

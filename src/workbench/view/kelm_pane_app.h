@@ -25,7 +25,8 @@ public:
     explicit AppDelegate(QObject* parent = nullptr) : QObject(parent) {}
 
     void applicationDidFinishLaunching();
-    /// Opens what the texts of absolute URLs name.
+    /// Opens what the texts of absolute URLs name, in their order. Of very many, those behind the first come in turns,
+    /// between which the window goes on.
     void open(const QStringList& urlTexts);
     /// What brings the application to the front when a link opens.
     void setActivate(std::function<void()> activate) { activate_ = std::move(activate); }
@@ -35,6 +36,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void openNext();
+
+    /// What is still to be opened, that of the turn that goes on among it.
+    QStringList waiting_;
     std::function<void()> activate_ = [] {};
 };
 

@@ -111,6 +111,8 @@ void TabBarView::refreshDocuments()
         old.insert(tab->document().get(), tab);
     }
     tabs_.clear();
+    // Each tab that is shown would lay out the whole row.
+    row_->setEnabled(false);
     for (const std::shared_ptr<Document>& document : appState_.documents()) {
         TabItemView* tab = old.take(document.get());
         if (tab == nullptr) {
@@ -129,6 +131,8 @@ void TabBarView::refreshDocuments()
         gone->hide();
         gone->deleteLater();
     }
+    row_->setEnabled(true);
+    row_->activate();
     refreshCurrentIndex();
 }
 

@@ -324,7 +324,6 @@ private Q_SLOTS:
         storage.setBackground({10, 20}, qRgb(1, 2, 3));
         const auto background = storage.background().runsIn({0, text.size()});
         const quint64 revision = storage.revision();
-        const QSignalSpy willEdit(&storage, &TextStorage::willEdit);
         const QSignalSpy edited(&storage, &TextStorage::edited);
         const QSignalSpy changed(&storage, &TextStorage::attributesChanged);
         SyntaxHighlighter highlighter(distinctTheme());
@@ -332,7 +331,6 @@ private Q_SLOTS:
         QCOMPARE(storage.text(), text);
         QCOMPARE(storage.revision(), revision);
         QCOMPARE(storage.background().runsIn({0, text.size()}), background);
-        QCOMPARE(willEdit.count(), 0);
         QCOMPARE(edited.count(), 0);
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.first().first().value<TextRange>(), (TextRange{0, text.size()}));

@@ -1,4 +1,5 @@
 #include "platform/text/canonical_text.h"
+#include "support/random.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -6,11 +7,10 @@
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
-#include <random>
-
 namespace canonical_text_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 class CanonicalTextTest : public QObject
@@ -56,14 +56,7 @@ void CanonicalTextTest::textsAreDecomposedAndFolded()
 
 void CanonicalTextTest::longRunsOfMarksAreDecomposedAsShortOnes()
 {
-    bool given = false;
-    uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
-    seed = given ? seed : std::random_device()();
-    qInfo("seed %u", seed);
-    std::mt19937 random(seed);
-    const auto below = [&random](qsizetype bound) {
-        return std::uniform_int_distribution<qsizetype>(0, bound - 1)(random);
-    };
+    Random random;
     // Marks of many classes, those that decompose, and those that begin with no class of their own.
     const QStringList marks{u"\u0301"_s, u"\u0323"_s, u"\u0345"_s,     u"\u0344"_s,    u"\u0F71"_s, u"\u0F73"_s,
                             u"\u0F81"_s, u"\u05B0"_s, u"\U0001D165"_s, u"\u3099"_s,    u"\u0338"_s, u"\u1DFA"_s,
@@ -80,12 +73,12 @@ void CanonicalTextTest::longRunsOfMarksAreDecomposedAsShortOnes()
                               u"\u0F77"_s};
     for (int round = 0; round < 2000; ++round) {
         QString text;
-        for (qsizetype part = below(6); part >= 0; --part) {
-            for (qsizetype count = below(4); count > 0; --count) {
-                text += letters[below(letters.size())];
+        for (qsizetype part = random.below(6); part >= 0; --part) {
+            for (qsizetype count = random.below(4); count > 0; --count) {
+                text += letters[random.below(letters.size())];
             }
-            for (qsizetype count = below(4) == 0 ? below(200) : below(4); count > 0; --count) {
-                text += marks[below(marks.size())];
+            for (qsizetype count = random.below(4) == 0 ? random.below(200) : random.below(4); count > 0; --count) {
+                text += marks[random.below(marks.size())];
             }
         }
         // What the library gives for the whole, however long its runs.

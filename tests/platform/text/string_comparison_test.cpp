@@ -1,4 +1,5 @@
 #include "platform/text/string_comparison.h"
+#include "support/random.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -6,11 +7,10 @@
 #include <unicode/coll.h>
 #include <unicode/locid.h>
 
-#include <random>
-
 namespace string_comparison_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 class StringComparisonTest : public QObject
@@ -97,14 +97,7 @@ void StringComparisonTest::longTextsHaveKeys()
 
 void StringComparisonTest::longRunsOfMarksCompareAsTheCollationSays()
 {
-    bool given = false;
-    uint seed = qEnvironmentVariable("KELM_TEST_SEED").toUInt(&given);
-    seed = given ? seed : std::random_device()();
-    qInfo("seed %u", seed);
-    std::mt19937 random(seed);
-    const auto below = [&random](qsizetype bound) {
-        return std::uniform_int_distribution<qsizetype>(0, bound - 1)(random);
-    };
+    Random random;
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale("ko_KR"), status));
     QVERIFY(U_SUCCESS(status));
@@ -115,10 +108,10 @@ void StringComparisonTest::longRunsOfMarksCompareAsTheCollationSays()
     const QStringList letters{u"a"_s, u"E"_s, u"한"_s, u"\u1112\u1161"_s, u"\u00C9"_s};
     const auto text = [&] {
         QString made;
-        for (qsizetype count = below(3); count >= 0; --count) {
-            made += letters[below(letters.size())];
-            for (qsizetype marks = below(2) == 0 ? 100 : 2; marks > 0; --marks) {
-                made += parts[below(2) == 0 ? 0 : below(parts.size())];
+        for (qsizetype count = random.below(3); count >= 0; --count) {
+            made += letters[random.below(letters.size())];
+            for (qsizetype marks = random.below(2) == 0 ? 100 : 2; marks > 0; --marks) {
+                made += parts[random.below(2) == 0 ? 0 : random.below(parts.size())];
             }
         }
         return made;
@@ -126,8 +119,8 @@ void StringComparisonTest::longRunsOfMarksCompareAsTheCollationSays()
     for (int round = 0; round < 1000; ++round) {
         const QString a = text();
         // Some that differ by the order of their marks alone.
-        QString b = below(2) == 0 ? text() : a;
-        const qsizetype at = 1 + below(b.size() - 1);
+        QString b = random.below(2) == 0 ? text() : a;
+        const qsizetype at = 1 + random.below(b.size() - 1);
         if (b[at].isMark() && b[at - 1].isMark()) {
             std::swap(b[at], b[at - 1]);
         }

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void theStartTakesTheAppearanceOfTheTheme();
     void anotherStartBringsTheWindowBack();
     void aGoodLinkBringsTheWindowAndABadOneDoesNot();
+    void veryManyFilesOpenInTheirOrder();
 
 private:
     QString write(const QString& name)
@@ -169,6 +170,30 @@ void KelmPaneAppTest::theStartTakesTheAppearanceOfTheTheme()
         app.start({});
         QTRY_COMPARE(style::appearanceOf(app.window()) == Appearance::dark, theme.isDark);
     }
+}
+
+void KelmPaneAppTest::veryManyFilesOpenInTheirOrder()
+{
+    KelmPaneApp app;
+    app.start({});
+    QStringList names;
+    QStringList urlTexts;
+    for (int number = 0; number < 170; ++number) {
+        names << QStringLiteral("many%1.txt").arg(number);
+        urlTexts << QUrl::fromLocalFile(write(names.last())).toString(QUrl::FullyEncoded);
+    }
+    const AppState& state = AppState::shared();
+    app.openFromOutside(urlTexts);
+    // The window goes on before all of them are open; what is handed over meanwhile comes behind them.
+    QVERIFY(state.documents().size() < names.size());
+    names << QStringLiteral("last.txt");
+    app.openFromOutside({QUrl::fromLocalFile(write(names.last())).toString(QUrl::FullyEncoded)});
+    QTRY_COMPARE(state.documents().size(), names.size());
+    for (qsizetype index = 0; index < names.size(); ++index) {
+        QCOMPARE(state.documents()[index]->title(), names[index]);
+    }
+    QCOMPARE(state.currentDocument()->title(), QStringLiteral("last.txt"));
+    QVERIFY(state.recentFiles().first().path().endsWith(QStringLiteral("last.txt")));
 }
 
 const kelm::test::Registered<KelmPaneAppTest> registered(kelm::test::Toolkit::widgets);
