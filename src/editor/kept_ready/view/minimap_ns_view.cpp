@@ -4,6 +4,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
 
 namespace kelm {
 
@@ -29,7 +30,9 @@ void MinimapNSView::applyThemeToLayer()
 void MinimapNSView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    paintMinimap(painter, *this, {&content_, bars_, theme, visibleRangeRect, cursorLine});
+    if (!paintMinimap(painter, *this, {&content_, bars_, theme, visibleRangeRect, cursorLine})) {
+        QTimer::singleShot(0, this, qOverload<>(&QWidget::update));
+    }
 }
 
 void MinimapNSView::mousePressEvent(QMouseEvent* event)

@@ -4,6 +4,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
 
 namespace kelm {
 
@@ -39,7 +40,10 @@ void EditorMinimapView::applyThemeToLayer()
 void EditorMinimapView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    paintMinimap(painter, *this, {shownText(), bars_, theme, currentVisibleRect, {}});
+    if (!paintMinimap(painter, *this, {shownText(), bars_, theme, currentVisibleRect, {}})) {
+        // Keys and the text itself come between.
+        QTimer::singleShot(0, this, qOverload<>(&QWidget::update));
+    }
 }
 
 void EditorMinimapView::mousePressEvent(QMouseEvent* event)

@@ -43,7 +43,7 @@ MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage)
     return {static_cast<qreal>(map.width()), static_cast<qreal>(map.height()), lines};
 }
 
-void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture)
+bool paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture)
 {
     const EditorTheme& theme = picture.theme;
     const QRectF leftEdge(0, 0, 1, map.height());
@@ -66,6 +66,7 @@ void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& p
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(QPen(QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F), 1));
     painter.drawRect(QRectF(map.rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+    return !geometry.isDrawable() || picture.bars.isWhole();
 }
 
 void applyMinimapBackground(QWidget& map, const EditorTheme& theme)

@@ -33,8 +33,9 @@ struct MinimapPicture
 /// Where everything stands in a map of the widget's size.
 MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage);
 
-/// Paints the whole map: ground, box over what is on screen, bars, edges.
-void paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture);
+/// Paints the whole map: ground, box over what is on screen, bars, edges. False where very many lines have still to be
+/// looked at, and it is to be painted again soon.
+[[nodiscard]] bool paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture);
 
 /// Gives the widget the theme's background.
 void applyMinimapBackground(QWidget& map, const EditorTheme& theme);
