@@ -142,7 +142,7 @@ ChildProcess* CodeRunner::makeProcess(Completion completion)
     connect(process, &ChildProcess::errorRead, this, [this](const QString& text) {
         const QString marked = u"[ERROR] "_s + text;
         appendOutput(marked);
-        stderrBuffer_ += text;
+        stderrBuffer_.append(text);
         Q_EMIT stderrBufferChanged();
         post(marked);
     });
@@ -162,7 +162,7 @@ void CodeRunner::endRun(int status)
     const QString exitLine = u"\n\nProcess exited with code %1\n"_s.arg(status);
     isRunning_ = false;
     lastExitCode_ = status;
-    output_ += exitLine;
+    output_.append(exitLine);
     Q_EMIT isRunningChanged();
     Q_EMIT lastExitCodeChanged();
     Q_EMIT outputChanged();
@@ -177,13 +177,14 @@ void CodeRunner::setIsRunning(bool isRunning)
 
 void CodeRunner::setOutput(const QString& output)
 {
-    output_ = output;
+    output_.clear();
+    output_.append(output);
     Q_EMIT outputChanged();
 }
 
 void CodeRunner::appendOutput(const QString& text)
 {
-    output_ += text;
+    output_.append(text);
     Q_EMIT outputChanged();
 }
 
