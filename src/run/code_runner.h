@@ -64,9 +64,9 @@ public:
     /// completion gets false before this returns.
     void run(const QUrl& file, const Completion& completion = {});
 
-    /// Runs `code` as a file in `language`, in the folder for temporary files; the file is readable by its owner alone
-    /// and removed when the run has ended, before the completion is called. While another run is on, and when the file
-    /// cannot be written, which is told in `output`, the completion is not called.
+    /// Runs `code` as a file in `language`, by way of a `makeSnippetCopy`, which is removed when the run has ended,
+    /// before the completion is called. While another run is on, and when the file cannot be written, which is told in
+    /// `output`, the completion is not called.
     void runCode(const QString& code, Language language, Completion completion = {});
 
     /// The path of a program by its name, such as "python3"; blocks for a moment when it is in none of the usual
