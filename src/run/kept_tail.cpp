@@ -4,10 +4,10 @@
 
 namespace kelm {
 
-QString letGoLine(qsizetype units)
+QString letGoText(qsizetype units)
 {
     constexpr double unitsOfMebibyte = 1 << 20;
-    return QStringLiteral("[The first %1 MiB were let go.]\n").arg(double(units) / unitsOfMebibyte, 0, 'f', 1);
+    return QStringLiteral("[The first %1 MiB were let go.]").arg(double(units) / unitsOfMebibyte, 0, 'f', 1);
 }
 
 void KeptTail::append(const QString& text)
@@ -18,6 +18,10 @@ void KeptTail::append(const QString& text)
     if (pieces_.empty() || pieces_.back().size() + text.size() > slack_) {
         pieces_.push_back(text);
     } else {
+        // Growing by itself, each piece would have room for as much again.
+        if (pieces_.size() > 1 && pieces_.back().capacity() < slack_) {
+            pieces_.back().reserve(slack_);
+        }
         pieces_.back() += text;
     }
     units_ += text.size();

@@ -13,8 +13,8 @@ constexpr qsizetype mostKeptUnits = qsizetype(64) << 20;
 /// How much more may stand before the front is cut off, so that the cut is made seldom.
 constexpr qsizetype keptSlackUnits = qsizetype(1) << 20;
 
-/// The first line of a text of whose front `units` UTF-16 units were let go, with its line feed.
-QString letGoLine(qsizetype units);
+/// What stands at the front of a text, up to where `units` UTF-16 units were let go, without a line end.
+QString letGoText(qsizetype units);
 
 /// The end of a text that only grows: at least the last `most` units, and at most those and twice the slack. It is held
 /// in pieces, so that adding and letting go take the same time whatever there is. One thread.
@@ -32,7 +32,7 @@ public:
     /// What is kept: linear in it, but shared where it came in one piece.
     QString text() const;
     /// The same behind the line that says how much was let go, if something was.
-    QString textBehindLetGoLine() const { return letGo_ > 0 ? letGoLine(letGo_) + text() : text(); }
+    QString textBehindLetGoLine() const { return letGo_ > 0 ? letGoText(letGo_) + u'\n' + text() : text(); }
 
 private:
     void dropFront(qsizetype units);

@@ -6,22 +6,28 @@ namespace kelm {
 
 qsizetype FrontTrimmer::trim()
 {
-    if (storage_.length() <= most_ + slack_ + firstLine_.size()) {
+    if (storage_.length() <= most_ + slack_ + front_.size()) {
         return 0;
     }
     const qsizetype cut = cutBefore(storage_.length() - most_);
-    // Whoever edits the text may have changed the line that stood there: it is then let go like any other.
-    const TextRange first{0, firstLine_.size()};
-    letGo_ += cut - (storage_.substring(first) == firstLine_ ? firstLine_.size() : 0);
-    firstLine_ = letGoLine(letGo_);
-    storage_.replace({0, cut}, firstLine_);
-    return firstLine_.size();
+    // Whoever edits the text may have changed what stood there: it is then let go like any other.
+    letGo_ += cut - (storage_.substring({0, front_.size()}) == front_ ? front_.size() : 0);
+    // A line that goes on behind the cut stays one: to begin it anew, all of it would have to be looked at.
+    front_ = letGoText(letGo_) + (beginsLine(cut) ? u'\n' : u' ');
+    storage_.replace({0, cut}, front_);
+    return front_.size();
 }
 
 void FrontTrimmer::reset()
 {
-    firstLine_.clear();
+    front_.clear();
     letGo_ = 0;
+}
+
+bool FrontTrimmer::beginsLine(qsizetype offset) const
+{
+    const TextTree& text = storage_.tree();
+    return text.lineStart(text.lineAt(offset)) == offset;
 }
 
 /// The start of the line that holds the offset; the offset itself where that line begins far before it.

@@ -37,9 +37,9 @@ void FrontTrimmerTest::theEndOfAnyTextIsKept()
             all += text;
             storage.replace({storage.length(), 0}, text);
             trimmer.trim();
-            const QString first = trimmer.letGo() > 0 ? letGoLine(trimmer.letGo()) : QString();
+            const QString first = trimmer.letGo() > 0 ? letGoText(trimmer.letGo()) : QString();
             QVERIFY(storage.text().startsWith(first));
-            const QString kept = storage.text().sliced(first.size());
+            const QString kept = storage.text().sliced(first.isEmpty() ? 0 : first.size() + 1);
             QCOMPARE(kept.size() + trimmer.letGo(), all.size());
             QCOMPARE(kept, all.last(kept.size()));
             QVERIFY(kept.size() >= std::min(most, all.size()));
@@ -68,8 +68,11 @@ void FrontTrimmerTest::aLineWithoutEndKeepsItsEnd()
     TextStorage storage;
     FrontTrimmer trimmer(storage, 100, 50);
     storage.setText(u"ab"_s.repeated(1000));
-    QCOMPARE(trimmer.trim(), letGoLine(1900).size());
-    QCOMPARE(storage.text(), letGoLine(1900) + u"ab"_s.repeated(50));
+    QCOMPARE(trimmer.trim(), letGoText(1900).size() + 1);
+    QCOMPARE(storage.text(), letGoText(1900) + u' ' + u"ab"_s.repeated(50));
+    storage.replace({storage.length(), 0}, u"cd"_s.repeated(50) + u'\n' + u"ef"_s.repeated(50));
+    trimmer.trim();
+    QCOMPARE(storage.text(), letGoText(2101) + u'\n' + u"ef"_s.repeated(50));
 }
 
 void FrontTrimmerTest::aPairIsNotCut()
@@ -78,7 +81,7 @@ void FrontTrimmerTest::aPairIsNotCut()
     FrontTrimmer trimmer(storage, 101, 50);
     storage.setText(u"😀"_s.repeated(1000));
     trimmer.trim();
-    QCOMPARE(storage.text(), letGoLine(1898) + u"😀"_s.repeated(51));
+    QCOMPARE(storage.text(), letGoText(1898) + u' ' + u"😀"_s.repeated(51));
 }
 
 void FrontTrimmerTest::whoEditsTheFirstLineLosesNothing()
@@ -93,7 +96,7 @@ void FrontTrimmerTest::whoEditsTheFirstLineLosesNothing()
     trimmer.trim();
     // The line that was edited has gone with the text before it.
     QCOMPARE(trimmer.letGo(), 200 + before + 24);
-    QCOMPARE(storage.text(), letGoLine(trimmer.letGo()) + u"x"_s.repeated(100));
+    QCOMPARE(storage.text(), letGoText(trimmer.letGo()) + u' ' + u"x"_s.repeated(100));
 }
 
 void FrontTrimmerTest::noEditReachesWhatIsKept()
