@@ -1,5 +1,5 @@
-"""A search through a project in which a file of 60 GB stands, of which the disk keeps nothing, and one with a line of 2 GB
-comes to its end with little memory, finds what is in the others, and is asked anew at once."""
+"""A search through a project in which a file of 60 GB stands, of which the disk keeps nothing, and one with a line of
+2 GB comes to its end with little memory, finds what is in the others, and is asked anew at once."""
 
 import resource
 

@@ -1,6 +1,12 @@
 #include "run/view/front_trimmer.h"
 
+#include "platform/events/background_task.h"
+#include "platform/events/main_queue.h"
 #include "text/storage/text_storage.h"
+
+#include <QThreadPool>
+
+#include <utility>
 
 namespace kelm {
 
@@ -10,24 +16,33 @@ qsizetype FrontTrimmer::trim()
         return 0;
     }
     const qsizetype cut = cutBefore(storage_.length() - most_);
-    // Whoever edits the text may have changed what stood there: it is then let go like any other.
-    letGo_ += cut - (storage_.substring({0, front_.size()}) == front_ ? front_.size() : 0);
-    // A line that goes on behind the cut stays one: to begin it anew, all of it would have to be looked at.
-    front_ = letGoText(letGo_) + (beginsLine(cut) ? u'\n' : u' ');
-    storage_.replace({0, cut}, front_);
+    const qsizetype line = storage_.tree().lineStart(storage_.tree().lineAt(cut));
+    // Whoever edits the text may have changed what stood there: it is then let go like any other. Behind it stands one
+    // unit that counts as let go.
+    const bool isThere = !front_.isEmpty() && storage_.substring({0, front_.size()}) == front_;
+    letGo_ += cut - (isThere ? front_.size() + 1 : 0);
+    front_ = letGoText(letGo_);
+    if (line == 0) {
+        storage_.replace({0, cut}, front_ + u' ');
+        return front_.size();
+    }
+    // A line that goes on behind the cut is edited by itself: together with those before it, all of it would be looked
+    // at again. The end of the line before stays.
+    storage_.replace({line, cut - line}, QStringView());
+    storage_.replace({0, line - 1}, front_);
     return front_.size();
 }
 
 void FrontTrimmer::reset()
 {
+    if (storage_.length() > slack_) {
+        // A worker takes the old text down, once nobody else has it: that takes longer than a frame.
+        onMainQueue([text = storage_.snapshot()]() mutable {
+            backgroundWorkers().start([last = std::move(text)] { Q_UNUSED(last) });
+        });
+    }
     front_.clear();
     letGo_ = 0;
-}
-
-bool FrontTrimmer::beginsLine(qsizetype offset) const
-{
-    const TextTree& text = storage_.tree();
-    return text.lineStart(text.lineAt(offset)) == offset;
 }
 
 /// The start of the line that holds the offset; the offset itself where that line begins far before it.

@@ -99,8 +99,8 @@ void TerminalTextView::appendPrompt()
 void TerminalTextView::clear()
 {
     editor().forgetUndo();
-    storage().setText(QString());
     trimmer_.reset();
+    storage().setText(QString());
     commandStartLocation_ = 0;
 }
 

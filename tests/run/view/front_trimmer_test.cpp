@@ -68,7 +68,7 @@ void FrontTrimmerTest::aLineWithoutEndKeepsItsEnd()
     TextStorage storage;
     FrontTrimmer trimmer(storage, 100, 50);
     storage.setText(u"ab"_s.repeated(1000));
-    QCOMPARE(trimmer.trim(), letGoText(1900).size() + 1);
+    QCOMPARE(trimmer.trim(), letGoText(1900).size());
     QCOMPARE(storage.text(), letGoText(1900) + u' ' + u"ab"_s.repeated(50));
     storage.replace({storage.length(), 0}, u"cd"_s.repeated(50) + u'\n' + u"ef"_s.repeated(50));
     trimmer.trim();
@@ -111,6 +111,17 @@ void FrontTrimmerTest::noEditReachesWhatIsKept()
     QVERIFY(edits.front().range.end() <= 330 - 100);
     trimmer.trim();
     QCOMPARE(edits.size(), std::size_t(1));
+    // A line that goes on behind the cut is not edited together with others.
+    storage.replace({storage.length(), 0}, u"long"_s.repeated(100));
+    std::vector<qsizetype> removedWithTheLast;
+    connect(&storage, &TextStorage::edited, this, [&](const TextEdit& edit) {
+        if (edit.firstLine + edit.linesAdded == storage.lines().lineCount()) {
+            removedWithTheLast.push_back(edit.linesRemoved);
+        }
+    });
+    trimmer.trim();
+    QCOMPARE(removedWithTheLast, std::vector<qsizetype>{1});
+    QCOMPARE(storage.text(), letGoText(trimmer.letGo()) + u'\n' + u"long"_s.repeated(25));
 }
 
 const kelm::test::Registered<FrontTrimmerTest> registered;
