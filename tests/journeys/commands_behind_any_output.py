@@ -13,11 +13,11 @@ def go(journey):
     run(journey, "echo ok > answer")
     journey.until_file(journey.home / "answer", "ok\n")
 
-    run(journey, "yes 'a line of a program that does not end' | head -c 200000000; touch written")
+    run(journey, "yes 'a line of a program that does not end' | head -c 120000000; touch written")
     journey.until((journey.home / "written").exists, "the end of the output")
     with open(f"/proc/{program.pid}/statm") as numbers:
         mebibytes = int(numbers.read().split()[1]) * 4096 >> 20
-    journey.check(mebibytes < 420, f"200 MB of output take {mebibytes} MiB")
+    journey.check(mebibytes < 300, f"120 MB of output take {mebibytes} MiB")
     run(journey, "clear")
     run(journey, "echo again > answer")
     journey.until_file(journey.home / "answer", "again\n")
