@@ -7,7 +7,7 @@
 #include <QCheckBox>
 #include <QDialog>
 
-namespace another_repository_test {
+namespace repository_bound_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -46,7 +46,7 @@ struct TwoRepositories : PanelFixture
 
 } // namespace
 
-class AnotherRepositoryTest : public QObject
+class RepositoryBoundTest : public QObject
 {
     Q_OBJECT
 
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void aRefreshOfTheSameRepositoryLeavesAllOpen();
 };
 
-void AnotherRepositoryTest::questionsGo_data()
+void RepositoryBoundTest::questionsGo_data()
 {
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("answer");
@@ -71,7 +71,7 @@ void AnotherRepositoryTest::questionsGo_data()
     QTest::newRow("delete") << u"Delete"_s << u"Force delete (-D)"_s;
 }
 
-void AnotherRepositoryTest::questionsGo()
+void RepositoryBoundTest::questionsGo()
 {
     QFETCH(QString, action);
     TwoRepositories f;
@@ -84,7 +84,7 @@ void AnotherRepositoryTest::questionsGo()
     QCOMPARE(f.output({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
 }
 
-void AnotherRepositoryTest::anAnswerThatComesLateDoesNothing()
+void RepositoryBoundTest::anAnswerThatComesLateDoesNothing()
 {
     TwoRepositories f;
     f.show(SourceControlTab::branches);
@@ -100,7 +100,7 @@ void AnotherRepositoryTest::anAnswerThatComesLateDoesNothing()
     QCOMPARE(f.inOther({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
 }
 
-void AnotherRepositoryTest::sheetsGo()
+void RepositoryBoundTest::sheetsGo()
 {
     TwoRepositories f;
     f.show();
@@ -117,7 +117,7 @@ void AnotherRepositoryTest::sheetsGo()
     QVERIFY(!f.view.historySha());
 }
 
-void AnotherRepositoryTest::aSheetThatStaysDoesNothing()
+void RepositoryBoundTest::aSheetThatStaysDoesNothing()
 {
     TwoRepositories f;
     f.git().open(f.repo.url());
@@ -134,7 +134,7 @@ void AnotherRepositoryTest::aSheetThatStaysDoesNothing()
     QVERIFY(sheet.diff().isEmpty());
 }
 
-void AnotherRepositoryTest::anAddressThatIsEditedGoes()
+void RepositoryBoundTest::anAddressThatIsEditedGoes()
 {
     TwoRepositories f;
     f.show(SourceControlTab::remotes);
@@ -149,7 +149,7 @@ void AnotherRepositoryTest::anAddressThatIsEditedGoes()
     QCOMPARE(f.inOther({u"remote"_s, u"get-url"_s, u"origin"_s}), QByteArray("/old"));
 }
 
-void AnotherRepositoryTest::theNextCommitIsANewOne()
+void RepositoryBoundTest::theNextCommitIsANewOne()
 {
     TwoRepositories f;
     f.show();
@@ -163,7 +163,7 @@ void AnotherRepositoryTest::theNextCommitIsANewOne()
     QCOMPARE(f.output({u"log"_s, u"--format=%s"_s}), QByteArray("first"));
 }
 
-void AnotherRepositoryTest::aRefreshOfTheSameRepositoryLeavesAllOpen()
+void RepositoryBoundTest::aRefreshOfTheSameRepositoryLeavesAllOpen()
 {
     TwoRepositories f;
     f.show();
@@ -178,8 +178,8 @@ void AnotherRepositoryTest::aRefreshOfTheSameRepositoryLeavesAllOpen()
     QVERIFY(static_cast<QCheckBox*>(visibleButton(f.view, u"Amend last"_s))->isChecked());
 }
 
-const kelm::test::Registered<AnotherRepositoryTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<RepositoryBoundTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace another_repository_test
+} // namespace repository_bound_test
 
-#include "another_repository_test.moc"
+#include "repository_bound_test.moc"

@@ -3,13 +3,13 @@
 #include "support/random_text.h"
 #include "support/test_program.h"
 
-namespace terminal_long_text_test {
+namespace terminal_text_view_length_test {
 
 using namespace kelm;
 using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
-class TerminalLongTextTest : public QObject
+class TerminalTextViewLengthTest : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private Q_SLOTS:
     void clearBeginsAnew();
 };
 
-void TerminalLongTextTest::aCommandIsTheSameBehindAnyOutput()
+void TerminalTextViewLengthTest::aCommandIsTheSameBehindAnyOutput()
 {
     TerminalPage page;
     page.showBanner();
@@ -54,7 +54,7 @@ void TerminalLongTextTest::aCommandIsTheSameBehindAnyOutput()
     QCOMPARE(page.session().commandHistory(), u"echo ok,"_s.repeated(20).chopped(1).split(u','));
 }
 
-void TerminalLongTextTest::aCommandIsTheSameBehindMoreThanIsKept()
+void TerminalTextViewLengthTest::aCommandIsTheSameBehindMoreThanIsKept()
 {
     TerminalPage page;
     page.showBanner();
@@ -76,7 +76,7 @@ void TerminalLongTextTest::aCommandIsTheSameBehindMoreThanIsKept()
     QCOMPARE(page.text().storage().substring({page.text().storage().length() - end.size(), end.size()}), end);
 }
 
-void TerminalLongTextTest::whoScrolledBackStaysWhenTheFrontGoes()
+void TerminalTextViewLengthTest::whoScrolledBackStaysWhenTheFrontGoes()
 {
     TerminalPage page;
     page.showBanner();
@@ -102,7 +102,7 @@ void TerminalLongTextTest::whoScrolledBackStaysWhenTheFrontGoes()
     QCOMPARE(page.text().storage().substring(page.text().selectedRange()), u"the line"_s);
 }
 
-void TerminalLongTextTest::clearBeginsAnew()
+void TerminalTextViewLengthTest::clearBeginsAnew()
 {
     TerminalPage page;
     page.showBanner();
@@ -116,8 +116,8 @@ void TerminalLongTextTest::clearBeginsAnew()
     QCOMPARE(page.text().text(), page.prompt() + page.prompt() + u"echo okok\n"_s + page.prompt());
 }
 
-const kelm::test::Registered<TerminalLongTextTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalTextViewLengthTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_long_text_test
+} // namespace terminal_text_view_length_test
 
-#include "terminal_long_text_test.moc"
+#include "terminal_text_view_length_test.moc"

@@ -4,7 +4,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
-namespace terminal_typed_ahead_test {
+namespace terminal_text_view_typed_ahead_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -31,7 +31,7 @@ void interrupted(TerminalPage& page, const std::function<void()>& typing, const 
 
 } // namespace
 
-class TerminalTypedAheadTest : public QObject
+class TerminalTextViewTypedAheadTest : public QObject
 {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void linesGivenToTheSessionAreNotRun();
 };
 
-void TerminalTypedAheadTest::escapeThrowsAwayLinesThatWait()
+void TerminalTextViewTypedAheadTest::escapeThrowsAwayLinesThatWait()
 {
     TerminalPage page;
     page.showBanner();
@@ -66,7 +66,7 @@ void TerminalTypedAheadTest::escapeThrowsAwayLinesThatWait()
     QVERIFY(!QFileInfo::exists(page.path(u"two"_s)));
 }
 
-void TerminalTypedAheadTest::whatIsHalfTypedGoesToo()
+void TerminalTextViewTypedAheadTest::whatIsHalfTypedGoesToo()
 {
     TerminalPage page;
     page.showBanner();
@@ -77,7 +77,7 @@ void TerminalTypedAheadTest::whatIsHalfTypedGoesToo()
     QVERIFY(page.written().endsWith(u"^C"_s + page.prompt() + page.prompt()));
 }
 
-void TerminalTypedAheadTest::editedLinesAreRememberedAsTheyWere()
+void TerminalTextViewTypedAheadTest::editedLinesAreRememberedAsTheyWere()
 {
     TerminalPage page;
     page.makeFile(u"one"_s);
@@ -103,7 +103,7 @@ void TerminalTypedAheadTest::editedLinesAreRememberedAsTheyWere()
     QVERIFY(page.written().endsWith(u"started\n^C"_s + page.prompt() + page.prompt()));
 }
 
-void TerminalTypedAheadTest::whatIsTypedBehindEscapeStays()
+void TerminalTextViewTypedAheadTest::whatIsTypedBehindEscapeStays()
 {
     TerminalPage page;
     page.showBanner();
@@ -119,7 +119,7 @@ void TerminalTypedAheadTest::whatIsTypedBehindEscapeStays()
     QVERIFY(!QFileInfo::exists(page.path(u"one"_s)));
 }
 
-void TerminalTypedAheadTest::theCaretInTheHistoryTextIsLeftAlone()
+void TerminalTextViewTypedAheadTest::theCaretInTheHistoryTextIsLeftAlone()
 {
     TerminalPage page;
     page.showBanner();
@@ -133,7 +133,7 @@ void TerminalTypedAheadTest::theCaretInTheHistoryTextIsLeftAlone()
     QCOMPARE(page.session().commandHistory().mid(1), QStringList{u"echo lost"_s});
 }
 
-void TerminalTypedAheadTest::aFileThatWaitsIsNotRun()
+void TerminalTextViewTypedAheadTest::aFileThatWaitsIsNotRun()
 {
     TerminalPage page;
     page.showBanner();
@@ -143,7 +143,7 @@ void TerminalTypedAheadTest::aFileThatWaitsIsNotRun()
     QVERIFY(page.written().endsWith(u"^C"_s + page.prompt() + page.prompt()));
 }
 
-void TerminalTypedAheadTest::linesGivenToTheSessionAreNotRun()
+void TerminalTextViewTypedAheadTest::linesGivenToTheSessionAreNotRun()
 {
     TerminalPage page;
     page.showBanner();
@@ -152,8 +152,8 @@ void TerminalTypedAheadTest::linesGivenToTheSessionAreNotRun()
     QVERIFY(!QFileInfo::exists(page.path(u"given"_s)));
 }
 
-const kelm::test::Registered<TerminalTypedAheadTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalTextViewTypedAheadTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_typed_ahead_test
+} // namespace terminal_text_view_typed_ahead_test
 
-#include "terminal_typed_ahead_test.moc"
+#include "terminal_text_view_typed_ahead_test.moc"
