@@ -3,8 +3,10 @@
 #include "platform/events/single_instance.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
+#include "platform/process/child_groups.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
+#include "run/snippet_copies.h"
 #include "workbench/view/kelm_pane_app.h"
 #include "workbench/view/main_window.h"
 
@@ -49,6 +51,7 @@ int main(int argc, char* argv[])
             }
             instance.listen();
         }
+        kelm::removeAbandonedSnippetCopies();
         kelm::KelmPaneApp app;
         QObject::connect(&instance, &kelm::SingleInstance::received, &app, &kelm::KelmPaneApp::openFromOutside);
         app.start(arguments);
@@ -57,5 +60,8 @@ int main(int argc, char* argv[])
         }
         status = QApplication::exec();
     }
+    // The window is gone by now: a program that takes its time to end holds nobody up.
+    kelm::endChildren();
+    kelm::removeSnippetCopies();
     return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }

@@ -1,15 +1,12 @@
 #include "run/code_runner.h"
 
-#include "platform/files/atomic_file.h"
 #include "platform/files/file_url.h"
-#include "platform/files/utf8_file.h"
+#include "run/snippet_copies.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QUuid>
 
+#include <unistd.h>
 #include <utility>
 
 namespace kelm {
@@ -17,28 +14,6 @@ namespace kelm {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-/// Writes a new file that nobody else can read: the folder for temporary files may be everybody's, and code often holds
-/// keys.
-std::optional<FileError> writePrivately(const QString& path, const QString& text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner)) {
-        return FileError{u"%1: %2"_s.arg(path, file.errorString())};
-    }
-    file.close();
-    auto error = writeAtomically(path, encodeUtf8Text(text));
-    if (error) {
-        QFile::remove(path);
-    }
-    return error;
-}
-
-QString temporaryFilePath(Language language)
-{
-    const QString unique = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    return u"%1/temp_%2.%3"_s.arg(QDir::tempPath(), unique, language.fileExtension());
-}
 
 void call(const CodeRunner::Completion& completion, bool success)
 {
@@ -84,7 +59,9 @@ void CodeRunner::run(const QUrl& file, const Completion& completion)
     process_ = makeProcess(completion);
     const auto error = process_->start({.program = config->executable,
                                         .arguments = config->args + QStringList{path},
-                                        .workingDirectory = QFileInfo(path).path()});
+                                        .workingDirectory = QFileInfo(path).path(),
+                                        // A program that reads from the terminal would be stopped in another group.
+                                        .ownGroup = ::isatty(STDIN_FILENO) == 0});
     if (error) {
         setIsRunning(false);
         appendOutput(u"Error: "_s + *error);
@@ -97,13 +74,14 @@ void CodeRunner::runCode(const QString& code, Language language, Completion comp
     if (isRunning_) {
         return;
     }
-    const QString path = temporaryFilePath(language);
-    if (const auto error = writePrivately(path, code)) {
+    const auto copy = makeSnippetCopy(code, language);
+    if (const auto* error = std::get_if<FileError>(&copy)) {
         setOutput(u"Error creating temp file: "_s + error->message);
         return;
     }
+    const QString path = std::get<QString>(copy);
     run(QUrl::fromLocalFile(path), [path, completion = std::move(completion)](bool success) {
-        QFile::remove(path);
+        removeSnippetCopy(path);
         call(completion, success);
     });
 }
@@ -142,7 +120,7 @@ ChildProcess* CodeRunner::makeProcess(Completion completion)
     connect(process, &ChildProcess::errorRead, this, [this](const QString& text) {
         const QString marked = u"[ERROR] "_s + text;
         appendOutput(marked);
-        stderrBuffer_ += text;
+        stderrBuffer_.append(text);
         Q_EMIT stderrBufferChanged();
         post(marked);
     });
@@ -162,7 +140,7 @@ void CodeRunner::endRun(int status)
     const QString exitLine = u"\n\nProcess exited with code %1\n"_s.arg(status);
     isRunning_ = false;
     lastExitCode_ = status;
-    output_ += exitLine;
+    output_.append(exitLine);
     Q_EMIT isRunningChanged();
     Q_EMIT lastExitCodeChanged();
     Q_EMIT outputChanged();
@@ -177,13 +155,14 @@ void CodeRunner::setIsRunning(bool isRunning)
 
 void CodeRunner::setOutput(const QString& output)
 {
-    output_ = output;
+    output_.clear();
+    output_.append(output);
     Q_EMIT outputChanged();
 }
 
 void CodeRunner::appendOutput(const QString& text)
 {
-    output_ += text;
+    output_.append(text);
     Q_EMIT outputChanged();
 }
 

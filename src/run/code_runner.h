@@ -5,6 +5,7 @@
 #include "platform/events/notification_center.h"
 #include "platform/process/child_process.h"
 #include "run/executable_search.h"
+#include "run/kept_tail.h"
 #include "run/runner_table.h"
 
 #include <QObject>
@@ -23,8 +24,8 @@ namespace kelm {
 ///
 /// The child inherits the application's environment and its standard input, and works in the folder of the file. What
 /// it writes comes in chunks as it is read, at most 64 KiB each, and each chunk is posted as `codeOutput` too. A chunk
-/// that is not UTF-8 is left out. The child is read no faster than the observers take the text; all of it is kept, so
-/// memory grows with the text until the next run.
+/// that is not UTF-8 is left out. The child is read no faster than the observers take the text; the last
+/// `mostKeptUnits` of it are kept, and the first line of `output` says how much was let go.
 ///
 /// A runner that goes while its child runs leaves the child alone and still calls the completion. Main thread only.
 class CodeRunner final : public QObject
@@ -46,12 +47,13 @@ public:
     /// Whether a child is running.
     bool isRunning() const { return isRunning_; }
     /// What the user sees of the latest run: a header line, the child's output and, with a prefix, its errors, and the
-    /// exit line; or why nothing could be run. Whoever keeps a copy lets go of it before the next chunk, which would
-    /// otherwise copy all of the text.
-    const QString& output() const { return output_; }
+    /// exit line; or why nothing could be run. Linear in the text, and not for each chunk.
+    QString output() const { return output_.textBehindLetGoLine(); }
     void setOutput(const QString& output);
     /// The standard error of the latest run alone, without prefixes.
-    const QString& stderrBuffer() const { return stderrBuffer_; }
+    QString stderrBuffer() const { return stderrBuffer_.text(); }
+    /// Whether that is empty, whatever its length.
+    bool isStderrEmpty() const { return stderrBuffer_.isEmpty(); }
     /// The exit status of the latest run, or the number of the signal that ended it; absent until it has ended.
     std::optional<qint32> lastExitCode() const { return lastExitCode_; }
     /// The child of the latest run with its pipes, kept when the run has ended; null before the first run.
@@ -62,9 +64,9 @@ public:
     /// completion gets false before this returns.
     void run(const QUrl& file, const Completion& completion = {});
 
-    /// Runs `code` as a file in `language`, in the folder for temporary files; the file is readable by its owner alone
-    /// and removed when the run has ended, before the completion is called. While another run is on, and when the file
-    /// cannot be written, which is told in `output`, the completion is not called.
+    /// Runs `code` as a file in `language`, by way of a `makeSnippetCopy`, which is removed when the run has ended,
+    /// before the completion is called. While another run is on, and when the file cannot be written, which is told in
+    /// `output`, the completion is not called.
     void runCode(const QString& code, Language language, Completion completion = {});
 
     /// The path of a program by its name, such as "python3"; blocks for a moment when it is in none of the usual
@@ -91,8 +93,8 @@ private:
     ExecutableSearch search_;
 
     bool isRunning_ = false;
-    QString output_;
-    QString stderrBuffer_;
+    KeptTail output_;
+    KeptTail stderrBuffer_;
     std::optional<qint32> lastExitCode_;
     QPointer<ChildProcess> process_;
 };

@@ -97,13 +97,20 @@ void TerminalSession::executeCommand(const QString& line)
         return;
     }
     if (isBusy_) {
-        whenIdle([this, line] { executeInTurn(line); });
+        whenIdle([this, line] { executeInTurn(line); }, [this, line] { remember(line); });
         return;
     }
-    commandHistory_.append(line);
-    historyIndex_ = commandHistory_.size();
+    remember(line);
     if (!handleBuiltinCommand(line)) {
         executeExternalCommand(line);
+    }
+}
+
+void TerminalSession::remember(const QString& line)
+{
+    if (!line.isEmpty()) {
+        commandHistory_.append(line);
+        historyIndex_ = commandHistory_.size();
     }
 }
 
@@ -259,10 +266,10 @@ void TerminalSession::setIsBusy(bool isBusy)
     Q_EMIT isBusyChanged();
 }
 
-void TerminalSession::whenIdle(std::function<void()> work)
+void TerminalSession::whenIdle(std::function<void()> work, std::function<void()> thrownAway)
 {
     if (isBusy_ || !waiting_.empty()) {
-        waiting_.push_back(std::move(work));
+        waiting_.push_back({std::move(work), std::move(thrownAway)});
     } else {
         work();
     }
@@ -272,9 +279,14 @@ void TerminalSession::runWhatWaits()
 {
     const QPointer<TerminalSession> self = this;
     while (self && !isBusy_ && !waiting_.empty()) {
-        const std::function<void()> work = std::move(waiting_.front());
+        const Waiting next = std::move(waiting_.front());
         waiting_.pop_front();
-        work();
+        const bool isThrownAway = thrownAwayCount_ > 0;
+        thrownAwayCount_ -= isThrownAway ? 1 : 0;
+        (isThrownAway && next.thrownAway ? next.thrownAway : next.work)();
+        if (self && isThrownAway && thrownAwayCount_ == 0) {
+            Q_EMIT waitingThrownAway();
+        }
     }
 }
 
@@ -283,6 +295,7 @@ void TerminalSession::sendInterrupt()
     if (process_) {
         process_->interrupt();
     }
+    thrownAwayCount_ = waiting_.size();
     write(u"^C"_s, plainColors::red);
     writePrompt();
 }
@@ -320,19 +333,28 @@ void TerminalSession::handleRunFile(const Notification& notification)
     if (notification.object.metaType() != QMetaType::fromType<QUrl>()) {
         return;
     }
-    whenIdle([this, file = notification.object.toUrl()] { runFile(file); });
+    const QUrl file = notification.object.toUrl();
+    whenIdle([this, file] { runFile(file); }, [this, file] { remember(lineToRun(file).value_or(QString())); });
 }
 
-void TerminalSession::runFile(const QUrl& file)
+std::optional<QString> TerminalSession::lineToRun(const QUrl& file)
 {
     const QString extension = pathExtension(file).toLower();
     for (const FileCommand& command : fileCommands) {
         if (command.extension == extension) {
-            executeInTurn(command.head.toString() + filePath(file) + command.tail.toString());
-            return;
+            return command.head.toString() + filePath(file) + command.tail.toString();
         }
     }
-    write(u"\nUnsupported file type: ."_s + extension + u'\n', plainColors::red);
+    return std::nullopt;
+}
+
+void TerminalSession::runFile(const QUrl& file)
+{
+    if (const auto line = lineToRun(file)) {
+        executeInTurn(*line);
+        return;
+    }
+    write(u"\nUnsupported file type: ."_s + pathExtension(file).toLower() + u'\n', plainColors::red);
     writePrompt();
 }
 

@@ -96,15 +96,19 @@ public:
     /// Whether some work waits for its turn.
     bool hasWaiting() const { return !waiting_.empty(); }
     /// Runs `work` now, or, while a command is waited for, when it has ended and its caller has written the prompt; in
-    /// the order of the calls.
-    void whenIdle(std::function<void()> work);
+    /// the order of the calls. Where `thrownAway` is given and the person interrupts before, that runs in its place.
+    void whenIdle(std::function<void()> work, std::function<void()> thrownAway = {});
 
     /// Runs one line and comes back when it has ended; an empty one is passed over. The prompt that follows is the
     /// caller's. While a command is waited for, the line waits for its turn, and a prompt is written behind it.
     void executeCommand(const QString& line);
 
-    /// Interrupts the command that is running, if one is, and writes "^C" and a prompt in any case.
+    /// Interrupts the command that is running, if one is, and writes "^C" and a prompt in any case. Lines that wait for
+    /// their turn are not run any more; they stay in the history.
     void sendInterrupt();
+
+    /// Puts a line into the history and does nothing else with it.
+    void remember(const QString& line);
 
     /// Moves one forward in the history and returns the line there; the empty text behind the last one.
     QString getNextCommand();
@@ -120,6 +124,8 @@ public:
 Q_SIGNALS:
     void titleChanged();
     void isBusyChanged();
+    /// All that waited when the person interrupted has been thrown away.
+    void waitingThrownAway();
     /// The person has asked to put the terminal away. The session stays as it is.
     void exitRequested();
 
@@ -148,6 +154,7 @@ private:
     void setIsBusy(bool isBusy);
     void runWhatWaits();
     void runFile(const QUrl& file);
+    static std::optional<QString> lineToRun(const QUrl& file);
 
     void writeBanner();
     void appendWithANSIColors(const QString& output);
@@ -165,7 +172,15 @@ private:
     Environment environment_;
     QString currentDirectory_;
     bool isBusy_ = false;
-    std::deque<std::function<void()>> waiting_;
+    struct Waiting
+    {
+        std::function<void()> work;
+        /// Empty for what is not thrown away.
+        std::function<void()> thrownAway;
+    };
+    std::deque<Waiting> waiting_;
+    /// How many of those that wait are to be thrown away, from the first on.
+    std::size_t thrownAwayCount_ = 0;
 };
 
 } // namespace kelm

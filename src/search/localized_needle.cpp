@@ -70,6 +70,27 @@ bool isMark(QChar character)
     return character.isMark();
 }
 
+/// Whether a text may be cut before a place and each part folded by itself: no mark stands there, which is ordered
+/// among its neighbours, nor the second half of a pair.
+bool mayBeCutAt(QStringView text, qsizetype at)
+{
+    const QChar next = text[at];
+    if (!next.isSurrogate()) {
+        return !next.isMark();
+    }
+    const bool isPair = next.isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate();
+    return isPair && !QChar::isMark(QChar::surrogateToUcs4(next, text[at + 1]));
+}
+
+/// The next place from `at` on before which the text may be cut; its end where there is none.
+qsizetype cutFrom(QStringView text, qsizetype at)
+{
+    while (at < text.size() && !mayBeCutAt(text, at)) {
+        ++at;
+    }
+    return at;
+}
+
 bool equalsIgnoringCase(const char* bytes, const QByteArray& lower)
 {
     for (qsizetype at = 0; at < lower.size(); ++at) {
@@ -108,6 +129,32 @@ bool LocalizedNeedle::isIn(QStringView text) const
         return isInAscii(text);
     }
     return isInFolded(decomposedWithoutCase(text));
+}
+
+bool LocalizedNeedle::isIn(QStringView text, const std::function<bool()>& isCancelled, qsizetype stretch) const
+{
+    // Each unit of a folded text comes from two at most: a pair can fold to one, and nothing folds to nothing.
+    const qsizetype overlap = 2 * folded_.size() + 2;
+    const qsizetype step = std::max(stretch, 2 * overlap);
+    for (qsizetype start = 0; start < text.size() && !isCancelled();) {
+        const qsizetype end = cutFrom(text, std::min(text.size(), start + step + overlap));
+        if (isIn(text.sliced(start, end - start))) {
+            return true;
+        }
+        if (end == text.size()) {
+            return false;
+        }
+        // Backwards as far as a whole match may reach, to where the text may be cut.
+        qsizetype next = end - overlap;
+        while (next > start && !mayBeCutAt(text, next)) {
+            --next;
+        }
+        if (next == start) {
+            return isIn(text.sliced(start));
+        }
+        start = next;
+    }
+    return false;
 }
 
 /// Whether what is looked for ends somewhere in the text, where `accept` takes the place at which it begins.

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <functional>
 #include <vector>
 
 namespace kelm {
@@ -21,8 +22,16 @@ public:
     /// Linear in the length of `text`.
     bool isIn(QStringView text) const;
 
+    /// The same for a text of any length, looked at in stretches of `stretch` units or a few times the text that is
+    /// looked for: `isCancelled` is asked before each, and ends the look with false.
+    bool isIn(QStringView text, const std::function<bool()>& isCancelled, qsizetype stretch = usualStretch) const;
+    static constexpr qsizetype usualStretch = qsizetype(1) << 18;
+
     /// Whether UTF-8 `bytes` can hold the text at all. A quick look that never says no to bytes that do.
     bool mayBeIn(QByteArrayView bytes) const;
+    /// How many bytes two stretches must have in common for the quick look at both to see what a look at the whole
+    /// would.
+    qsizetype quickLookOverlap() const { return ascii_.size() + 3; }
 
 private:
     bool isInFolded(const QString& folded) const;

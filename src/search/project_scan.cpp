@@ -1,179 +1,90 @@
 #include "search/project_scan.h"
 
-#include "platform/files/utf8_file.h"
-#include "platform/text/character_sets.h"
+#include "search/ordered_results.h"
+#include "search/project_walk.h"
 
 #include <QFile>
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <algorithm>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 namespace kelm {
 
 namespace {
 
-enum class Kind { folder, file, other };
-
-struct Entry
-{
-    QByteArray name;
-    Kind kind;
-};
-
-Kind kindOf(const dirent& entry, int folder)
-{
-    switch (entry.d_type) {
-    case DT_DIR:
-        return Kind::folder;
-    case DT_REG:
-        return Kind::file;
-    case DT_UNKNOWN: {
-        // Some file systems tell only when they are asked.
-        struct stat status
-        {};
-        if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-            return Kind::other;
-        }
-        return S_ISDIR(status.st_mode) ? Kind::folder : S_ISREG(status.st_mode) ? Kind::file : Kind::other;
-    }
-    default:
-        return Kind::other;
-    }
-}
-
-/// The bytes of a file in one buffer that serves for all files.
-class FileReader
-{
-public:
-    /// What the file holds, until the next call; empty when it cannot be read.
-    QByteArrayView read(const QByteArray& path, const std::function<bool()>& isCancelled)
-    {
-        const int file = open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-        if (file < 0) {
-            return {};
-        }
-        const qsizetype size = readAll(file, isCancelled);
-        close(file);
-        return {buffer_.constData(), size};
-    }
-
-private:
-    qsizetype readAll(int file, const std::function<bool()>& isCancelled)
-    {
-        constexpr qsizetype firstRoom = 256 * qsizetype(1024);
-        qsizetype size = 0;
-        for (;;) {
-            if (buffer_.size() - size < firstRoom) {
-                buffer_.resize(std::max(firstRoom, buffer_.size() * 2));
-            }
-            const ssize_t got = ::read(file, buffer_.data() + size, std::size_t(buffer_.size() - size));
-            if (got <= 0 || isCancelled()) {
-                return got == 0 ? size : 0;
-            }
-            size += got;
-        }
-    }
-
-    QByteArray buffer_;
-};
+/// So many files are taken at a time: few enough that the threads end together, and enough that taking them costs
+/// nothing.
+constexpr qsizetype filesOfPiece = 32;
+/// More would wait for the disk, or take the machine from the person.
+constexpr unsigned mostThreads = 4;
 
 class Scan
 {
 public:
-    Scan(const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks) : needle_(needle), callbacks_(callbacks)
+    Scan(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks,
+         FileSearch::Limits limits)
+        : needle_(needle),
+          callbacks_(callbacks),
+          limits_(limits),
+          walk_(QFile::encodeName(root.endsWith(u'/') ? root : root + u'/'), callbacks.isCancelled),
+          results_(callbacks.onResult, callbacks.isCancelled)
     {}
 
-    /// Every path of a folder ends with a slash.
-    void walk(const QByteArray& folder)
+    /// Searches pieces of the project until there is none left; on as many threads as like.
+    void work()
     {
-        // A list instead of a call within a call: folders may be nested as deep as the disk likes.
-        QList<QByteArray> pending{folder};
-        while (!pending.isEmpty() && !callbacks_.isCancelled()) {
-            const QByteArray path = pending.takeLast();
-            QList<QByteArray> folders;
-            walkOne(path, folders);
-            for (qsizetype at = folders.size() - 1; at >= 0; --at) {
-                pending.append(path + folders[at] + '/');
+        FileSearch search(needle_, callbacks_.isCancelled, limits_);
+        for (;;) {
+            const auto [number, files] = take();
+            if (files.isEmpty()) {
+                return;
             }
+            OrderedResults::Piece piece(results_, number);
+            const auto add = [&piece](SearchResult result) { piece.add(std::move(result)); };
+            for (const QByteArray& file : files) {
+                if (callbacks_.isCancelled()) {
+                    return;
+                }
+                if (search.search(file, add) == FileSearch::Outcome::tooLong && callbacks_.onTooLong) {
+                    callbacks_.onTooLong();
+                }
+            }
+            piece.finish();
         }
     }
 
 private:
-    void walkOne(const QByteArray& path, QList<QByteArray>& folders)
+    std::pair<qint64, QList<QByteArray>> take()
     {
-        const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.constData()), closedir);
-        if (!folder) {
-            return;
-        }
-        while (const dirent* entry = readdir(folder.get())) {
-            if (entry->d_name[0] == '.') {
-                continue;
-            }
-            const Kind kind = kindOf(*entry, dirfd(folder.get()));
-            if (kind == Kind::folder) {
-                folders.append(entry->d_name);
-            } else if (kind == Kind::file) {
-                if (callbacks_.isCancelled()) {
-                    return;
-                }
-                search(path + entry->d_name);
-            }
-        }
-    }
-
-    void search(const QByteArray& path)
-    {
-        const QByteArrayView bytes = reader_.read(path, callbacks_.isCancelled);
-        if (bytes.isEmpty() || !needle_.mayBeIn(bytes)) {
-            return;
-        }
-        const std::optional<QString> text = decodeUtf8Text(bytes);
-        if (text) {
-            searchLines(path, *text);
-        }
-    }
-
-    void searchLines(const QByteArray& path, const QString& text)
-    {
-        QUrl url;
-        QString name;
-        qsizetype number = 1;
-        qsizetype start = 0;
-        for (qsizetype at = 0; at <= text.size(); ++at) {
-            if (at < text.size() && !isNewline(text[at].unicode())) {
-                continue;
-            }
-            const QStringView line = QStringView(text).sliced(start, at - start);
-            if (callbacks_.isCancelled()) {
-                return;
-            }
-            if (needle_.isIn(line)) {
-                if (url.isEmpty()) {
-                    const QString file = QFile::decodeName(path);
-                    url = QUrl::fromLocalFile(file);
-                    name = file.mid(file.lastIndexOf(u'/') + 1);
-                }
-                callbacks_.onResult(
-                    {.fileURL = url, .fileName = name, .lineNumber = number, .matchLine = line.toString()});
-            }
-            ++number;
-            start = at + 1;
-        }
+        const std::lock_guard lock(mutex_);
+        return {nextNumber_++, walk_.next(filesOfPiece)};
     }
 
     const LocalizedNeedle& needle_;
     const ProjectScanCallbacks& callbacks_;
-    FileReader reader_;
+    FileSearch::Limits limits_;
+    std::mutex mutex_;
+    ProjectWalk walk_;
+    qint64 nextNumber_ = 0;
+    OrderedResults results_;
 };
 
 } // namespace
 
-void scanProject(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks)
+void scanProject(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks,
+                 FileSearch::Limits limits)
 {
-    Scan(needle, callbacks).walk(QFile::encodeName(root.endsWith(u'/') ? root : root + u'/'));
+    Scan scan(root, needle, callbacks, limits);
+    std::vector<std::thread> helpers;
+    for (unsigned count = std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads); count > 1; --count) {
+        helpers.emplace_back([&scan] { scan.work(); });
+    }
+    scan.work();
+    for (std::thread& helper : helpers) {
+        helper.join();
+    }
 }
 
 } // namespace kelm

@@ -1,15 +1,17 @@
 #include "search/project_search.h"
 
+#include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "search/project_scan.h"
 
 #include <QPointer>
-#include <QThread>
+#include <QThreadPool>
 
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 namespace kelm {
 
@@ -21,10 +23,11 @@ constexpr qsizetype batchSize = 2'000;
 
 } // namespace
 
-/// What thread and object share. Either may end first.
+/// What workers and object share. Either may end first.
 struct ProjectSearch::Run
 {
     std::atomic<bool> isCancelled = false;
+    std::atomic<qsizetype> tooLongFiles = 0;
     std::mutex mutex;
     std::condition_variable hasRoom;
     QList<SearchResult> undelivered;
@@ -50,11 +53,6 @@ void ProjectSearch::stop()
         run_->hasRoom.notify_all();
         run_ = nullptr;
     }
-    if (thread_) {
-        // It looks up between lines and pieces of a file, so this is short.
-        thread_->wait();
-        thread_ = nullptr;
-    }
 }
 
 void ProjectSearch::start(const QUrl& project, const QString& searchText)
@@ -63,6 +61,7 @@ void ProjectSearch::start(const QUrl& project, const QString& searchText)
     stop();
     results_.clear();
     Q_EMIT resultsCleared();
+    setTooLongFiles(0);
     run_ = std::make_shared<Run>();
     const auto deliver = [this, guard = QPointer<ProjectSearch>(this), run = run_] {
         // The guard is looked at on the main thread alone.
@@ -81,14 +80,16 @@ void ProjectSearch::start(const QUrl& project, const QString& searchText)
             deliver();
         }
     };
-    thread_.reset(
-        QThread::create([run = run_, add, deliver, root = folderPrefix(project), needle = LocalizedNeedle(searchText)] {
-            scanProject(root, needle, {add, [&run] { return run->isCancelled.load(); }});
+    backgroundWorkers().start(
+        [run = run_, add, deliver, root = folderPrefix(project), needle = LocalizedNeedle(searchText)] {
+            scanProject(root, needle,
+                        {.onResult = add,
+                         .isCancelled = [&run] { return run->isCancelled.load(); },
+                         .onTooLong = [&run] { ++run->tooLongFiles; }});
             const std::lock_guard lock(run->mutex);
             run->isDone = true;
             deliver();
-        }));
-    thread_->start(QThread::LowPriority);
+        });
     if (!wasRunning) {
         Q_EMIT isRunningChanged();
     }
@@ -117,9 +118,19 @@ void ProjectSearch::take(const std::shared_ptr<Run>& run)
         results_.append(batch);
         Q_EMIT resultsAdded(batch.size());
     }
+    if (run == run_) {
+        setTooLongFiles(run->tooLongFiles);
+    }
     if (isDone && run == run_) {
         run_ = nullptr;
         Q_EMIT isRunningChanged();
+    }
+}
+
+void ProjectSearch::setTooLongFiles(qsizetype count)
+{
+    if (std::exchange(tooLongFiles_, count) != count) {
+        Q_EMIT tooLongFilesChanged();
     }
 }
 

@@ -10,12 +10,11 @@
 
 #include <memory>
 
-class QThread;
-
 namespace kelm {
 
-/// Walks a project on a thread of its own and hands its results to the main thread as they come, in the order of the
-/// walk. A new search ends the one before it, of which nothing arrives any more. Main thread only.
+/// Searches a project on background workers and hands its results to the main thread as they come, in the order of the
+/// walk. A new search ends the one before it, of which nothing arrives any more, and for which nobody waits: it looks
+/// up between pieces of a file and of a long line. Main thread only.
 class ProjectSearch final : public QObject
 {
     Q_OBJECT
@@ -31,11 +30,14 @@ public:
 
     const QList<SearchResult>& results() const { return results_; }
     bool isRunning() const { return run_ != nullptr; }
+    /// How many files the latest search has passed over so far since they are too long, or a line of theirs is.
+    qsizetype tooLongFiles() const { return tooLongFiles_; }
 
 Q_SIGNALS:
     void resultsCleared();
     /// `count` results have come behind the others.
     void resultsAdded(qsizetype count);
+    void tooLongFilesChanged();
     void isRunningChanged();
 
 private:
@@ -44,9 +46,11 @@ private:
     void stop();
     void take(const std::shared_ptr<Run>& run);
 
+    void setTooLongFiles(qsizetype count);
+
     QList<SearchResult> results_;
+    qsizetype tooLongFiles_ = 0;
     std::shared_ptr<Run> run_;
-    std::unique_ptr<QThread> thread_;
 };
 
 } // namespace kelm

@@ -99,7 +99,7 @@ LearningModeSidePanel::LearningModeSidePanel(LessonInfo lessonInfo, CodeRunner& 
     diagnosisTimer_.setSingleShot(true);
     connect(&diagnosisTimer_, &QTimer::timeout, this, &LearningModeSidePanel::updateDiagnosis);
     connect(&runner_, &CodeRunner::stderrBufferChanged, this, [this] {
-        if (runner_.stderrBuffer().isEmpty()) {
+        if (runner_.isStderrEmpty()) {
             diagnosisTimer_.stop();
             updateDiagnosis();
         } else if (!diagnosisTimer_.isActive()) {

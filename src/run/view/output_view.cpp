@@ -32,7 +32,8 @@ OutputView::OutputView(NotificationCenter& notifications, ThemeManager& themeMan
       themeManager_(themeManager),
       textView_(new TextView(this)),
       anchor_(new QWidget(textView_->viewport())),
-      follower_(new EndFollower(*textView_, [this] { scrollToBottomAnchor(); }))
+      follower_(new EndFollower(*textView_, [this] { scrollToBottomAnchor(); })),
+      trimmer_(textView_->storage())
 {
     textView_->setReadOnly(true);
     textView_->setTextFont(style::monospaced(fontSize), rowHeight);
@@ -92,12 +93,14 @@ void OutputView::append(const QString& text)
         }
     }
     follower_->didAppend();
+    trimmer_.trim();
 }
 
 void OutputView::clear()
 {
     scrolling_.stop();
     isEmpty_ = true;
+    trimmer_.reset();
     follower_->resume();
     showPlaceholder();
 }

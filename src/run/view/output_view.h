@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/events/notification_center.h"
+#include "run/view/front_trimmer.h"
 
 #include <QLatin1String>
 #include <QVariantAnimation>
@@ -14,8 +15,8 @@ class TextView;
 class ThemeManager;
 
 /// Shows what runs post as `codeOutput`, from the moment it is made, and begins anew at `clearOutput`. The text can be
-/// selected and copied. Each text that comes scrolls the page to its end in 0.1 seconds, unless the person has scrolled
-/// back. Main thread only.
+/// selected and copied; the last `mostKeptUnits` of it are kept, and the first line says how much was let go. Each text
+/// that comes scrolls the page to its end in 0.1 seconds, unless the person has scrolled back. Main thread only.
 class OutputView final : public QWidget
 {
     Q_OBJECT
@@ -46,6 +47,7 @@ private:
     TextView* textView_;
     QWidget* anchor_;
     EndFollower* follower_;
+    FrontTrimmer trimmer_;
     QVariantAnimation scrolling_;
     qreal scrollStart_ = 0;
     bool isEmpty_ = true;

@@ -7,6 +7,7 @@
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <memory>
@@ -67,6 +68,7 @@ void TerminalTextView::setSession(TerminalSession* session)
     if (session != nullptr) {
         connect(session, &TerminalSession::isBusyChanged, this,
                 [this, session] { editor().setReadOnly(session->isBusy()); });
+        connect(session, &TerminalSession::waitingThrownAway, this, &TerminalTextView::throwAwayLine);
         connect(session, &QObject::destroyed, this, [this] { editor().setReadOnly(false); });
     }
 }
@@ -97,6 +99,7 @@ void TerminalTextView::appendPrompt()
 void TerminalTextView::clear()
 {
     editor().forgetUndo();
+    trimmer_.reset();
     storage().setText(QString());
     commandStartLocation_ = 0;
 }
@@ -115,16 +118,20 @@ void TerminalTextView::append(const QString& text, std::vector<ColorRun> colors)
         }
         storage().setForeground(colors);
     }
-    commandStartLocation_ = characters_.count(storage().text());
     follower_->didAppend();
+    letFrontGo();
+    commandStartLocation_ = storage().length();
+}
+
+void TerminalTextView::letFrontGo()
+{
+    if (const qsizetype line = trimmer_.trim(); line > 0) {
+        storage().setForeground({0, line}, plainColors::gray.rgba());
+    }
 }
 
 void TerminalTextView::textEdited(const TextEdit& edit)
 {
-    const bool isAppended = edit.range.isEmpty() && edit.newRange().end() == storage().length();
-    if (!isAppended) {
-        characters_.textReplaced(edit.range.location);
-    }
     if (std::exchange(isTyping_, false) && editor().selections().isSingle()) {
         // Beside the prompt it would take the prompt's colour.
         storage().setForeground(edit.newRange(), plainColors::green.rgba());
@@ -161,14 +168,14 @@ void TerminalTextView::changeEvent(QEvent* event)
 
 QString TerminalTextView::currentCommand() const
 {
-    const QStringView all = text();
-    return trimmed(all.sliced(std::min(commandStartLocation_, all.size())), isWhitespaceOrNewline).toString();
+    const QString line = storage().substring(TextRange::between(commandStartLocation_, storage().length()));
+    return trimmed(line, isWhitespaceOrNewline).toString();
 }
 
 void TerminalTextView::replaceCurrentCommand(const QString& text)
 {
-    const qsizetype end = std::max(commandStartLocation_, characters_.count(this->text()));
-    const TextRange replaced = TextRange::between(commandStartLocation_, end).clampedTo(storage().length());
+    const qsizetype start = std::min(commandStartLocation_, storage().length());
+    const TextRange replaced = TextRange::between(start, storage().length());
     {
         const EditingBracket bracket(storage());
         storage().replace(replaced, text);
@@ -231,12 +238,19 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     // A look waits only behind what waits already, so that keys act in the order in which they were pressed.
     const bool mayPass = command == keys.end() && onlyLooks(*event) && !session_->hasWaiting();
     if (!isInTurn && !session_->isIdle() && !mayPass) {
-        session_->whenIdle([view = QPointer(this), waiting = std::shared_ptr<QKeyEvent>(event->clone())] {
-            if (view) {
-                view->keyInTurn_ = waiting.get();
-                view->keyPressEvent(waiting.get());
-            }
-        });
+        const std::shared_ptr<QKeyEvent> waiting(event->clone());
+        session_->whenIdle(
+            [view = QPointer(this), waiting] {
+                if (view) {
+                    view->keyInTurn_ = waiting.get();
+                    view->keyPressEvent(waiting.get());
+                }
+            },
+            [view = QPointer(this), waiting] {
+                if (view) {
+                    view->throwAwayKey(*waiting);
+                }
+            });
         return true;
     }
     if (command != keys.end()) {
@@ -251,9 +265,35 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     return false;
 }
 
+/// What was typed ahead is put together once more, since only its keys are known, and its lines go into the history in
+/// the place of being run. All of that is between two paintings.
+void TerminalTextView::throwAwayKey(QKeyEvent& event)
+{
+    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
+        return;
+    }
+    if (isAnySelectionAtPrompt() && currentCommand().isEmpty()) {
+        setSelectedRange({storage().length(), 0});
+    }
+    const QScopedValueRollback throwing(isThrowingAway_, true);
+    keyInTurn_ = &event;
+    keyPressEvent(&event);
+}
+
+void TerminalTextView::throwAwayLine()
+{
+    replaceCurrentCommand(QString());
+    editor().forgetUndo();
+}
+
 void TerminalTextView::runCommand()
 {
     const QString line = currentCommand();
+    if (isThrowingAway_) {
+        session_->remember(line);
+        throwAwayLine();
+        return;
+    }
     moveCaretToEnd();
     // The command runs in an event loop of its own, in which this view may go.
     const QPointer<TerminalTextView> self = this;
@@ -292,13 +332,14 @@ void TerminalTextView::inputMethodEvent(QInputMethodEvent* event)
     }
     event->accept();
     if (!event->commitString().isEmpty()) {
-        session_->whenIdle([view = QPointer(this), text = event->commitString()] {
+        const auto put = [view = QPointer(this), text = event->commitString()] {
             if (view) {
                 QInputMethodEvent committed;
                 committed.setCommitString(text);
                 view->TextView::inputMethodEvent(&committed);
             }
-        });
+        };
+        session_->whenIdle(put, put);
     }
 }
 

@@ -4,7 +4,7 @@
 #include "run/terminal_screen.h"
 #include "run/terminal_session.h"
 #include "run/view/end_follower.h"
-#include "text/boundaries/grapheme_counter.h"
+#include "run/view/front_trimmer.h"
 #include "text/view/text_view.h"
 
 #include <QPointer>
@@ -18,7 +18,10 @@ namespace kelm {
 /// the caret may be put anywhere. Without a session it is a plain text view.
 ///
 /// While the session waits for a command, nobody can edit: what is typed is kept, and takes effect when the prompt is
-/// there. Keys that move the caret, scroll and copy work at once, and so does Escape. Main thread only.
+/// there. Keys that move the caret, scroll and copy work at once, and so does Escape, which throws away what was typed
+/// ahead: its lines enter the history and are not run.
+///
+/// The last `mostKeptUnits` are kept, in whole lines; the first line says how much was let go. Main thread only.
 class TerminalTextView final : public TextView, public TerminalScreen
 {
     Q_OBJECT
@@ -31,13 +34,11 @@ public:
     TerminalSession* session() const { return session_; }
     void setSession(TerminalSession* session);
 
-    /// Where the line being typed starts: the number of user-perceived characters that the text had after the last
-    /// write, taken as an offset in UTF-16 units. The two drift apart behind characters of more than one unit.
+    /// Where the line being typed starts: the length of the text after the last write, in UTF-16 units.
     qsizetype commandStartLocation() const { return commandStartLocation_; }
     /// The text from `commandStartLocation` to the end, without white space and line ends around it.
     QString currentCommand() const;
-    /// Puts `text` in the place of what stands from `commandStartLocation` up to the number of characters of the whole
-    /// text.
+    /// Puts `text` in the place of what stands from `commandStartLocation` to the end.
     void replaceCurrentCommand(const QString& text);
 
     void appendText(const QString& text, const QColor& color) override;
@@ -60,7 +61,6 @@ private:
     };
     static const std::vector<CommandKey>& commandKeys();
 
-    bool handleKey(QKeyEvent* event);
     void runCommand();
     void completeCommand();
     void showNextCommand();
@@ -72,16 +72,21 @@ private:
     void append(const QString& text, std::vector<ColorRun> colors);
     void textEdited(const TextEdit& edit);
     void recolor();
+    void letFrontGo();
+    void throwAwayKey(QKeyEvent& event);
+    void throwAwayLine();
 
     QPointer<TerminalSession> session_;
     EndFollower* follower_;
-    GraphemeCounter characters_;
+    FrontTrimmer trimmer_{storage()};
     qsizetype commandStartLocation_ = 0;
     Appearance appearance_;
     /// Whether the edit in hand is the person's.
     bool isTyping_ = false;
     /// The key that had to wait and is being pressed again.
     const QKeyEvent* keyInTurn_ = nullptr;
+    /// Whether that key was typed ahead before an interrupt.
+    bool isThrowingAway_ = false;
 };
 
 } // namespace kelm

@@ -3,6 +3,7 @@
 #include "app/state/app_state.h"
 #include "platform/style/view/style.h"
 #include "platform/view/labels.h"
+#include "platform/view/plain_help.h"
 #include "search/view/activity_line.h"
 #include "search/view/project_search_model.h"
 
@@ -21,7 +22,8 @@ ProjectSearchView::ProjectSearchView(AppState& appState, QWidget* parent)
       searchText_(new QLineEdit(this)),
       pages_(new QStackedWidget(this)),
       list_(new QListView(pages_)),
-      model_(new ProjectSearchModel(search_, this))
+      model_(new ProjectSearchModel(search_, this)),
+      tooLong_(new TextLabel({}, style::interfaceFont(style::typeSize::caption), Tint::secondary(), this))
 {
     constexpr int padding = 12;
     searchText_->setPlaceholderText(u"Search in files"_s);
@@ -56,15 +58,20 @@ ProjectSearchView::ProjectSearchView(AppState& appState, QWidget* parent)
     column->addWidget(activity);
     column->addSpacing(6);
     column->addWidget(pages_, 1);
+    tooLong_->setAlignment(Qt::AlignHCenter);
+    tooLong_->setContentsMargins(padding, 4, padding, 4);
+    column->addWidget(tooLong_);
 
     connect(searchText_, &QLineEdit::returnPressed, this, &ProjectSearchView::performSearch);
     connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) { open(index.row()); });
     connect(list_, &QListView::activated, this, [this](const QModelIndex& index) { open(index.row()); });
     connect(&search_, &ProjectSearch::resultsCleared, this, &ProjectSearchView::updatePage);
     connect(&search_, &ProjectSearch::resultsAdded, this, &ProjectSearchView::updatePage);
+    connect(&search_, &ProjectSearch::tooLongFilesChanged, this, &ProjectSearchView::updateTooLong);
     connect(&search_, &ProjectSearch::isRunningChanged, activity,
             [this, activity] { activity->setActive(search_.isRunning()); });
     updatePage();
+    updateTooLong();
 }
 
 void ProjectSearchView::performSearch()
@@ -79,6 +86,15 @@ void ProjectSearchView::open(int row)
     if (row >= 0 && row < results().size()) {
         appState_.openFile(results().at(row).fileURL);
     }
+}
+
+void ProjectSearchView::updateTooLong()
+{
+    const qsizetype count = search_.tooLongFiles();
+    tooLong_->setText(count == 1 ? u"1 file was too long to search"_s
+                                 : u"%1 files were too long to search"_s.arg(count));
+    tooLong_->setToolTip(plainHelp(u"Files of over 1 GiB, and files with a line of over 32 MiB, are not searched."_s));
+    tooLong_->setVisible(count > 0);
 }
 
 void ProjectSearchView::updatePage()

@@ -13,9 +13,10 @@ namespace kelm {
 
 class AppState;
 class ProjectSearchModel;
+class TextLabel;
 
 /// A field, and below it each line of the project that holds its text. A click on a line opens its file. A thin line
-/// below the field moves while the search runs.
+/// below the field moves while the search runs, and a line below the results says how many files were too long.
 class ProjectSearchView final : public QWidget
 {
     Q_OBJECT
@@ -31,6 +32,7 @@ private:
     void performSearch();
     void open(int row);
     void updatePage();
+    void updateTooLong();
 
     AppState& appState_;
     ProjectSearch search_;
@@ -38,6 +40,7 @@ private:
     QStackedWidget* pages_;
     QListView* list_;
     ProjectSearchModel* model_;
+    TextLabel* tooLong_;
 };
 
 } // namespace kelm

@@ -1,5 +1,7 @@
 #include "text/storage/color_runs.h"
 
+#include <algorithm>
+
 namespace kelm {
 
 ColorRuns::Color ColorRuns::colorAt(qsizetype offset) const
@@ -192,8 +194,14 @@ void ColorRuns::replaceRuns(qsizetype first, qsizetype count, const std::vector<
                             const std::vector<Color>& colors)
 {
     starts_.replace(first, count, starts);
-    colors_.erase(colors_.begin() + first, colors_.begin() + first + count);
-    colors_.insert(colors_.begin() + first, colors.begin(), colors.end());
+    // What stands behind is moved once, if at all.
+    const qsizetype common = std::min(count, static_cast<qsizetype>(colors.size()));
+    std::copy_n(colors.begin(), common, colors_.begin() + first);
+    if (count > common) {
+        colors_.erase(colors_.begin() + first + common, colors_.begin() + first + count);
+    } else {
+        colors_.insert(colors_.begin() + first + common, colors.begin() + common, colors.end());
+    }
 }
 
 } // namespace kelm

@@ -57,9 +57,13 @@ void ShiftedOffsets::set(qsizetype index, qsizetype offset)
 
 void ShiftedOffsets::replace(qsizetype index, qsizetype count, const std::vector<qsizetype>& added)
 {
-    // What is put in is exact: the pending distance begins behind it.
-    moveShiftTo(index + count);
+    // The pending distance stays where it begins, unless that is among what goes: a text of which the front is cut off
+    // while it grows at its end would have it carried from one end to the other all the time.
     const auto addedCount = static_cast<qsizetype>(added.size());
+    if (shiftFrom_ > index && shiftFrom_ < index + count) {
+        moveShiftTo(index + count);
+    }
+    const bool isExact = shiftFrom_ >= index + count && (count > 0 || shiftFrom_ > index);
     const auto first = offsets_.begin() + index;
     const qsizetype common = std::min(count, addedCount);
     std::copy_n(added.begin(), common, first);
@@ -68,7 +72,13 @@ void ShiftedOffsets::replace(qsizetype index, qsizetype count, const std::vector
     } else {
         offsets_.insert(first + common, added.begin() + common, added.end());
     }
-    shiftFrom_ = index + addedCount;
+    if (isExact) {
+        shiftFrom_ += addedCount - count;
+        return;
+    }
+    for (qsizetype at = index; at < index + addedCount && shift_ != 0; ++at) {
+        offsets_[static_cast<std::size_t>(at)] -= shift_;
+    }
 }
 
 void ShiftedOffsets::moveShiftTo(qsizetype index)

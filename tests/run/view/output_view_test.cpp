@@ -66,6 +66,7 @@ private Q_SLOTS:
     void whatIsNoTextIsPassedOver_data();
     void whatIsNoTextIsPassedOver();
     void clearingBeginsAnew();
+    void theEndOfALongOutputIsKept();
     void itHearsNothingWhenItIsGone();
     void textCanBeSelectedAndCopiedButNotChanged();
     void itFollowsTheTheme();
@@ -138,6 +139,24 @@ void OutputViewTest::clearingBeginsAnew()
     QCOMPARE(fixture.view->output(), u"new"_s);
     // The placeholder's colour is gone with it.
     QVERIFY(fixture.text().storage().foreground().runsIn({0, 3}).empty());
+}
+
+void OutputViewTest::theEndOfALongOutputIsKept()
+{
+    Fixture fixture;
+    const QString mebibyte = u"0123456789abcde\n"_s.repeated(1 << 16);
+    for (int piece = 0; piece < 70; ++piece) {
+        fixture.post(mebibyte);
+    }
+    fixture.post(u"the last line"_s);
+    const QString output = fixture.view->output();
+    QVERIFY(output.size() >= mostKeptUnits && output.size() <= mostKeptUnits + 2 * keptSlackUnits);
+    QVERIFY2(output.startsWith(u"[The first 6.0 MiB were let go.]\n0123456789abcde\n"_s), qPrintable(output.left(60)));
+    QVERIFY(output.endsWith(u"\nthe last line"_s));
+    QTRY_VERIFY(fixture.isAtEnd());
+    fixture.clear();
+    fixture.post(u"new"_s);
+    QCOMPARE(fixture.view->output(), u"new"_s);
 }
 
 void OutputViewTest::itHearsNothingWhenItIsGone()

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void projectSearchListsAndOpens();
     void projectSearchKeepsOldResultsForAnEmptyField();
     void withoutAProjectNothingIsSearched();
+    void whatIsTooLongIsTold();
 };
 
 void ProjectSearchViewTest::projectSearchListsAndOpens()
@@ -75,6 +76,34 @@ void ProjectSearchViewTest::withoutAProjectNothingIsSearched()
     QTest::keyClick(&fixture.field(u"Search in files"_s), Qt::Key_Return);
     QVERIFY(!view.isSearching());
     QVERIFY(fixture.shows(u"No results"_s));
+}
+
+void ProjectSearchViewTest::whatIsTooLongIsTold()
+{
+    SearchViewFixture fixture;
+    fixture.write(u"a.txt"_s, "one\n");
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    auto& view = fixture.show<ProjectSearchView>();
+    QLineEdit& field = fixture.field(u"Search in files"_s);
+    const auto search = [&] {
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTRY_VERIFY(!view.isSearching());
+        QCOMPARE(view.results().size(), 1);
+    };
+    QTest::keyClicks(&field, u"one"_s);
+    search();
+    QVERIFY(!fixture.shows(u"1 file was too long to search"_s));
+    for (const QString& name : {u"long"_s, u"longer"_s}) {
+        QVERIFY(QFile::copy(fixture.folder.filePath(u"a.txt"_s), fixture.folder.filePath(name)));
+        // The disk keeps nothing of the zeros.
+        QVERIFY(QFile::resize(fixture.folder.filePath(name), qint64(60) << 30));
+        search();
+        QVERIFY(fixture.shows(name == u"long"_s ? u"1 file was too long to search"_s
+                                                : u"2 files were too long to search"_s));
+    }
+    QVERIFY(QFile::remove(fixture.folder.filePath(u"long"_s)) && QFile::remove(fixture.folder.filePath(u"longer"_s)));
+    search();
+    QVERIFY(!fixture.shows(u"2 files were too long to search"_s));
 }
 
 const kelm::test::Registered<ProjectSearchViewTest> registered(kelm::test::Toolkit::widgets);

@@ -1,6 +1,7 @@
 #include "git/panel/view/branches_tab.h"
 
 #include "git/panel/view/branch_row.h"
+#include "git/panel/view/repository_bound.h"
 #include "git/service/git_service.h"
 #include "git/service/remote_branch_checkout.h"
 #include "platform/text/character_sets.h"
@@ -74,9 +75,10 @@ void BranchesTab::create()
 void BranchesTab::askToMerge(const GitBranch& branch)
 {
     showingMergePicker_ = branch;
-    auto* dialog =
-        new ConfirmationDialog(u"Merge "_s + branch.name + u" into "_s + git_.branch() + u'?',
-                               {{tr("Merge"), [&git = git_, name = branch.name] { git.mergeBranch(name); }}}, window());
+    const auto merge = [&git = git_, name = branch.name] { git.mergeBranch(name); };
+    auto* dialog = new ConfirmationDialog(u"Merge "_s + branch.name + u" into "_s + git_.branch() + u'?',
+                                          {{tr("Merge"), inThisRepository(git_, merge)}}, window());
+    closeWithRepository(*dialog, git_);
     connect(dialog, &QDialog::finished, this, [this] { showingMergePicker_.reset(); });
     dialog->open();
 }
@@ -85,11 +87,12 @@ void BranchesTab::askToDelete(const GitBranch& branch)
 {
     showingDeleteConfirm_ = branch;
     const auto remove = [&git = git_, name = branch.name](bool force) {
-        return [&git, name, force] { git.deleteBranch(name, force); };
+        return inThisRepository(git, [&git, name, force] { git.deleteBranch(name, force); });
     };
     auto* dialog = new ConfirmationDialog(
         u"Delete branch "_s + branch.name + u'?',
         {{tr("Delete (safe)"), remove(false)}, {tr("Force delete (-D)"), remove(true), true}}, window());
+    closeWithRepository(*dialog, git_);
     connect(dialog, &QDialog::finished, this, [this] { showingDeleteConfirm_.reset(); });
     dialog->open();
 }

@@ -113,6 +113,11 @@ bool CommitComposer::amend() const
     return amendBox_->isChecked();
 }
 
+void CommitComposer::forgetAmend()
+{
+    amendBox_->setChecked(false);
+}
+
 void CommitComposer::refreshState()
 {
     commitButton_->setText(amend() ? tr("Amend") : tr("Commit"));

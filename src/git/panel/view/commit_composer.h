@@ -47,6 +47,8 @@ public:
     QString message() const { return field_->message(); }
     void setMessage(const QString& message) { field_->setMessage(message); }
     bool amend() const;
+    /// The next commit is a new one. The message stays.
+    void forgetAmend();
 
 private:
     void refreshState();

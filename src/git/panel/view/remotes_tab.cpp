@@ -49,8 +49,13 @@ RemotesTab::RemotesTab(GitService& git, QWidget* parent)
 void RemotesTab::refreshState()
 {
     // The same again leaves an address that is edited, and the caret in it, alone.
-    if (sameRemotes(shown_, git_.remotes())) {
+    const bool isSameRepository = repository_ == git_.repoURL();
+    if (isSameRepository && sameRemotes(shown_, git_.remotes())) {
         return;
+    }
+    if (!isSameRepository) {
+        repository_ = git_.repoURL();
+        editingURLs_.clear();
     }
     shown_ = git_.remotes();
     editingURLs_.removeIf([this](const std::pair<const QString&, QString&>& entry) {
@@ -71,7 +76,7 @@ void RemotesTab::showRows()
                                  return RemoteRow{
                                      .remote = remotes[i],
                                      .onRemove = [this, name] { git_.removeRemote(name); },
-                                     .onSetURL = [this, name](const QString& url) { git_.setRemoteURL(name, url); },
+                                     .onSetURL = [this, name](const QString& url) { setURL(name, url); },
                                      .editingURL =
                                          edited == editingURLs_.constEnd() ? std::nullopt : std::optional(*edited),
                                      .onEdit = [this, name](const std::optional<QString>& url) { edit(name, url); }}
@@ -106,6 +111,13 @@ void RemotesTab::edit(const QString& name, const std::optional<QString>& url)
             field.end(false);
             field.home(true);
         }
+    }
+}
+
+void RemotesTab::setURL(const QString& name, const QString& url)
+{
+    if (repository_ == git_.repoURL()) {
+        git_.setRemoteURL(name, url);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "git/service/git_records.h"
 
 #include <QHash>
+#include <QUrl>
 
 #include <optional>
 
@@ -17,7 +18,7 @@ class PlainButton;
 class RowList;
 
 /// A form that adds a remote, and the remotes, whose addresses are edited in their place. What is typed there stays
-/// when the repository is read anew.
+/// when the repository is read anew; an edited address goes when another one is opened.
 class RemotesTab final : public PanelTab
 {
     Q_OBJECT
@@ -34,6 +35,7 @@ private:
     void add();
     void edit(const QString& name, const std::optional<QString>& url);
     void showRows();
+    void setURL(const QString& name, const QString& url);
 
     GitService& git_;
     QLineEdit* remoteName_;
@@ -43,6 +45,8 @@ private:
     QList<GitRemote> shown_;
     /// The address that is typed for a remote that is edited, by the remote's name.
     QHash<QString, QString> editingURLs_;
+    /// The repository whose remotes those are.
+    std::optional<QUrl> repository_;
 };
 
 } // namespace kelm

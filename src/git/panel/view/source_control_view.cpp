@@ -7,6 +7,7 @@
 #include "git/panel/view/commit_composer.h"
 #include "git/panel/view/history_tab.h"
 #include "git/panel/view/remotes_tab.h"
+#include "git/panel/view/repository_bound.h"
 #include "git/panel/view/source_control_bottom_bar.h"
 #include "git/panel/view/source_control_empty_state.h"
 #include "git/panel/view/source_control_header.h"
@@ -143,8 +144,9 @@ void SourceControlView::refreshRepository()
 {
     if (shownRepository_ != git_.repoURL()) {
         shownRepository_ = git_.repoURL();
-        // Another repository's commits tell nothing of this one.
+        // Another repository's commits tell nothing of this one, and its last commit was not to be amended.
         historyTab_->refresh();
+        changesTab_->composer().forgetAmend();
     }
     content_->setVisible(shownRepository_.has_value());
     emptyState_->setVisible(!shownRepository_.has_value());
@@ -205,6 +207,7 @@ QDialog* SourceControlView::showSheet(QWidget* content, const std::function<void
     column->addWidget(content);
     sheet->resize(smallestSheet.expandedTo(window()->size() * sheetShare));
     connect(sheet, &QDialog::finished, this, onClose);
+    closeWithRepository(*sheet, git_);
     sheet->open();
     return sheet;
 }

@@ -19,7 +19,7 @@ constexpr int pickerWidth = 160;
 } // namespace
 
 DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
-    : QWidget(parent), git_(&git), path_(std::move(path))
+    : QWidget(parent), git_(&git), repository_(git.repoURL()), path_(std::move(path))
 {
     setWindowTitle(path_);
     // In the order in which Tab reaches them.
@@ -84,9 +84,14 @@ void DiffSheetView::setStagedView(bool staged)
     }
 }
 
+bool DiffSheetView::isRepositoryOpen() const
+{
+    return git_ && git_->repoURL() == repository_;
+}
+
 void DiffSheetView::load()
 {
-    diff_ = git_ ? git_->diff(path_, stagedView_) : QString();
+    diff_ = isRepositoryOpen() ? git_->diff(path_, stagedView_) : QString();
     viewer_->setDiffText(diff_);
 }
 
@@ -99,7 +104,7 @@ void DiffSheetView::updateAction()
 void DiffSheetView::applyHunk(const DiffFile& file, qsizetype hunk)
 {
     const std::optional<QString> patch = file.patch(hunk);
-    if (git_ && patch && git_->applyPartialPatch(*patch, stagedView_).isSuccess()) {
+    if (isRepositoryOpen() && patch && git_->applyPartialPatch(*patch, stagedView_).isSuccess()) {
         load();
     }
 }

@@ -5,9 +5,11 @@
 #include "git/service/git_service.h"
 
 #include <QPointer>
+#include <QUrl>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 namespace kelm {
 
@@ -51,7 +53,11 @@ private:
     void updateAction();
     void applyHunk(const DiffFile& file, qsizetype hunk);
 
+    bool isRepositoryOpen() const;
+
     QPointer<GitService> git_;
+    /// The one that the path belongs to. While another is open, nothing is read or done.
+    std::optional<QUrl> repository_;
     QString path_;
     QString diff_;
     bool stagedView_ = false;

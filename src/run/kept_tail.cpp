@@ -1,0 +1,74 @@
+#include "run/kept_tail.h"
+
+#include <algorithm>
+
+namespace kelm {
+
+QString letGoText(qsizetype units)
+{
+    constexpr double unitsOfMebibyte = 1 << 20;
+    return QStringLiteral("[The first %1 MiB were let go.]").arg(double(units) / unitsOfMebibyte, 0, 'f', 1);
+}
+
+void KeptTail::append(const QString& text)
+{
+    if (text.isEmpty()) {
+        return;
+    }
+    if (pieces_.empty() || pieces_.back().size() + text.size() > slack_) {
+        pieces_.push_back(text);
+    } else {
+        // Growing by itself, each piece would have room for as much again.
+        if (pieces_.size() > 1 && pieces_.back().capacity() < slack_) {
+            pieces_.back().reserve(slack_);
+        }
+        pieces_.back() += text;
+    }
+    units_ += text.size();
+    while (units_ > most_ + slack_) {
+        dropFront(units_ - most_);
+    }
+}
+
+void KeptTail::clear()
+{
+    pieces_.clear();
+    units_ = 0;
+    letGo_ = 0;
+}
+
+QString KeptTail::text() const
+{
+    if (pieces_.size() == 1) {
+        return pieces_.front();
+    }
+    QString all;
+    all.reserve(units_);
+    for (const QString& piece : pieces_) {
+        all += piece;
+    }
+    return all;
+}
+
+/// Lets at most so many units go, from one piece: all of it, or up to a line's start where there is one.
+void KeptTail::dropFront(qsizetype units)
+{
+    QString& piece = pieces_.front();
+    qsizetype gone = std::min(units, piece.size());
+    if (gone < piece.size()) {
+        if (const qsizetype lineFeed = piece.lastIndexOf(u'\n', gone - 1); lineFeed >= gone - slack_ && lineFeed >= 0) {
+            gone = lineFeed + 1;
+        } else if (gone > 1 && piece[gone].isLowSurrogate() && piece[gone - 1].isHighSurrogate()) {
+            --gone;
+        }
+    }
+    units_ -= gone;
+    letGo_ += gone;
+    if (gone == piece.size()) {
+        pieces_.pop_front();
+    } else {
+        piece.remove(0, gone);
+    }
+}
+
+} // namespace kelm
