@@ -3,6 +3,7 @@
 #include "platform/events/single_instance.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
+#include "platform/process/log.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
 #include "workbench/view/kelm_pane_app.h"
@@ -28,6 +29,7 @@ void drawPictureAndQuit(kelm::MainWindow& window, const QString& file)
 int main(int argc, char* argv[])
 {
     kelm::outliveReaders();
+    kelm::Log::takeToolkitMessages();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("KelmPane"));

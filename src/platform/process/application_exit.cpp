@@ -2,18 +2,27 @@
 
 #include "platform/events/background_task.h"
 #include "platform/files/user_defaults.h"
+#include "platform/process/log.h"
 
 #include <QThreadPool>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace kelm {
 
 void outliveReaders()
 {
     std::signal(SIGPIPE, SIG_IGN);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest number that is free is the one that is given.
+        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY) < 0) {
+            return;
+        }
+    }
 }
 
 int leaveWithoutWaiting(int status, UserDefaults& preferences)
@@ -23,6 +32,7 @@ int leaveWithoutWaiting(int status, UserDefaults& preferences)
         return status;
     }
     preferences.synchronize();
+    Log::finishSystem();
     std::fflush(nullptr);
     std::_Exit(status);
 }
