@@ -4,6 +4,8 @@
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "platform/process/log.h"
+#include "platform/process/orderly_end.h"
+#include "platform/process/ways_to_end.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
 #include "workbench/view/kelm_pane_app.h"
@@ -57,7 +59,9 @@ int main(int argc, char* argv[])
         if (!picture.isEmpty()) {
             drawPictureAndQuit(app.window(), picture);
         }
+        kelm::watchWaysToEnd(kelm::UserDefaults::shared());
         status = QApplication::exec();
+        kelm::endInOrder();
     }
     return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }

@@ -40,13 +40,14 @@ class Journey:
             # No desktop stands behind the display, and none of the machine's is to be asked.
             "DBUS_SESSION_BUS_ADDRESS": "unix:path=" + str(runtime / "no-bus"),
         }
-        self._start_display()
+        self.add_display()
 
-    def _start_display(self):
+    def add_display(self):
+        """Starts a display that takes the place of the one before, which stays as it is."""
         read, write = os.pipe()
         width, height = SCREEN
-        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp",
-                   pass_fds=(write,))
+        self.server = self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24",
+                                 "-nolisten", "tcp", pass_fds=(write,))
         os.close(write)
         with os.fdopen(read) as numbers:
             number = numbers.readline().strip()
@@ -58,6 +59,11 @@ class Journey:
         self.spawn("openbox")
         wanted = self.display.intern_atom("_NET_SUPPORTING_WM_CHECK")
         self.until(lambda: self.root.get_full_property(wanted, X.AnyPropertyType), "the window manager")
+
+    def end_display(self):
+        """Ends the display as a crash would."""
+        self.server.kill()
+        self.server.wait()
 
     # ---- Processes --------------------------------------------------------------------------------------------------
 

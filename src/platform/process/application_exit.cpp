@@ -3,6 +3,7 @@
 #include "platform/events/background_task.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/log.h"
+#include "platform/process/ways_to_end.h"
 
 #include <QThreadPool>
 
@@ -27,11 +28,12 @@ void outliveReaders()
 
 int leaveWithoutWaiting(int status, UserDefaults& preferences)
 {
+    preferences.synchronize();
+    endBySignal();
     // A pool's number of active threads leaves out those that only wait for a child.
     if (QThreadPool::globalInstance()->waitForDone(0) && backgroundWorkers().waitForDone(0)) {
         return status;
     }
-    preferences.synchronize();
     Log::finishSystem();
     std::fflush(nullptr);
     std::_Exit(status);

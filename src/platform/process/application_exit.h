@@ -14,7 +14,8 @@ void outliveReaders();
 /// To be called with the status of the event loop when it has ended, and its result returned from `main`. When
 /// background work still runs on the global thread pool, such as a push to a server that does not answer, or as a
 /// background task, this does not come back: the preferences are written and the process ends with `status`, since the
-/// application object would wait for that work. Main thread only.
+/// application object would wait for that work. Nor does it when a signal has ended the loop: then the process ends by
+/// that signal. Main thread only.
 [[nodiscard]] int leaveWithoutWaiting(int status, UserDefaults& preferences);
 
 } // namespace kelm

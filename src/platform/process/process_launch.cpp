@@ -81,14 +81,15 @@ QProcessEnvironment environmentOf(const QMap<QString, QString>& variables)
 }
 
 /// Runs in the child before its program does, and calls nothing but the system. The child has no signal blocked.
-/// Whoever started the application in the background may have had the keyboard's signals ignored, and an interrupt
-/// would pass a child by that leads a group.
+/// Whoever started the application may have had signals ignored, those of the keyboard in the background or the end of
+/// the terminal: they would pass a child by that leads a group and is told by them to end.
 void prepareChild(bool ownGroup, const ChildOutputs& outputs)
 {
     if (ownGroup) {
         ::setpgid(0, 0);
-        ::signal(SIGINT, SIG_DFL);
-        ::signal(SIGQUIT, SIG_DFL);
+        for (const int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) {
+            ::signal(number, SIG_DFL);
+        }
     }
     sigset_t none;
     sigemptyset(&none);

@@ -1,0 +1,167 @@
+#include "platform/process/ways_to_end.h"
+
+#include "platform/events/background_task.h"
+#include "platform/events/main_queue.h"
+#include "platform/files/user_defaults.h"
+#include "platform/process/log.h"
+#include "platform/process/orderly_end.h"
+
+#include <QGuiApplication>
+#include <QThread>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <map>
+#include <poll.h>
+#include <thread>
+#include <unistd.h>
+
+namespace kelm {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::array endingSignals{SIGHUP, SIGINT, SIGTERM};
+constexpr std::chrono::milliseconds sameSignal(250);
+constexpr std::chrono::seconds timeToComeBack(5);
+/// What a shell adds to the number of the signal that has ended a program.
+constexpr int signalStatus = 128;
+
+int wakeEnd = -1;
+UserDefaults* writtenAtTheEnd = nullptr;
+std::atomic<int> firstSignal = 0;
+std::atomic<bool> isLeaving = false;
+
+extern "C" void noteSignal(int number)
+{
+    const int error = errno;
+    const auto byte = static_cast<unsigned char>(number);
+    [[maybe_unused]] const ssize_t count = ::write(wakeEnd, &byte, 1);
+    errno = error;
+}
+
+/// Ends the process as if the signal had never been watched.
+[[noreturn]] void endAtOnce(int number)
+{
+    std::signal(number, SIG_DFL);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, number);
+    ::pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    ::kill(::getpid(), number);
+    // It may be another thread that takes it.
+    for (;;) {
+        ::pause();
+    }
+}
+
+void endLoop(int number)
+{
+    endInOrder();
+    QCoreApplication::exit(signalStatus + number);
+}
+
+/// Waits for signals, on a thread that nothing else can hold up.
+void watchSignals(int readEnd)
+{
+    std::map<int, Clock::time_point> seen;
+    Clock::time_point end = Clock::time_point::max();
+    for (;;) {
+        pollfd watched{readEnd, POLLIN, 0};
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        if (firstSignal != 0 && left <= 0) {
+            endAtOnce(firstSignal);
+        }
+        unsigned char number = 0;
+        if (::poll(&watched, 1, firstSignal != 0 ? int(left) : -1) <= 0 || ::read(readEnd, &number, 1) != 1) {
+            continue;
+        }
+        const Clock::time_point now = Clock::now();
+        const auto [before, isNew] = seen.try_emplace(number, now);
+        if (!isNew && now - before->second >= sameSignal) {
+            endAtOnce(number);
+        }
+        if (firstSignal == 0) {
+            firstSignal = number;
+            end = now + timeToComeBack;
+            if (!isLeaving) {
+                onMainQueue([number] { endLoop(number); });
+            }
+        }
+    }
+}
+
+void catchSignals()
+{
+    int ends[2] = {-1, -1};
+    if (::pipe(ends) != 0) {
+        return;
+    }
+    for (const int end : ends) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
+    ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
+    wakeEnd = ends[1];
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    std::thread(watchSignals, ends[0]).detach();
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    for (const int number : endingSignals) {
+        struct sigaction action = {};
+        if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+            action = {};
+            action.sa_handler = noteSignal;
+            action.sa_flags = SA_RESTART;
+            ::sigaction(number, &action, nullptr);
+        }
+    }
+}
+
+/// Runs among the process's exit handlers, before the statics go that were made earlier.
+void endFromInside()
+{
+    if (isLeaving || QCoreApplication::instance() == nullptr ||
+        QCoreApplication::instance()->thread() != QThread::currentThread()) {
+        return;
+    }
+    endInOrder();
+    writtenAtTheEnd->synchronize();
+    Log::finishSystem();
+    // Nothing that stands behind the display could be taken down any more.
+    std::_Exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+void watchWaysToEnd(UserDefaults& preferences)
+{
+    writtenAtTheEnd = &preferences;
+    // What is made once and for all has to be made before, so as to go later.
+    backgroundWorkers();
+    std::atexit(endFromInside);
+    catchSignals();
+    if (const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        const auto save = [] { endInOrder(); };
+        QObject::connect(application, &QGuiApplication::commitDataRequest, application, save, Qt::DirectConnection);
+        QObject::connect(application, &QGuiApplication::saveStateRequest, application, save, Qt::DirectConnection);
+    }
+}
+
+void endBySignal()
+{
+    isLeaving = true;
+    if (firstSignal != 0) {
+        Log::finishSystem();
+        endAtOnce(firstSignal);
+    }
+}
+
+} // namespace kelm
