@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
+#include <QProcess>
 
 namespace {
 
@@ -24,6 +25,14 @@ void drawPictureAndQuit(kelm::MainWindow& window, const QString& file)
     kelm::onMainQueue([&window, file] {
         kelm::onMainQueue([&window, file] { QCoreApplication::exit(window.grab().save(file) ? 0 : 1); });
     });
+}
+
+/// What other starts have handed over in the program's last moment is for a program that comes after it.
+void startAgainFor(const QList<QStringList>& lists)
+{
+    for (const QStringList& urlTexts : lists) {
+        QProcess::startDetached(QCoreApplication::applicationFilePath(), urlTexts);
+    }
 }
 
 } // namespace
@@ -42,16 +51,23 @@ int main(int argc, char* argv[])
     kelm::style::installOn(application);
 
     int status = 0;
+    QList<QStringList> unopened;
     {
         const QStringList arguments = QApplication::arguments().mid(1);
         const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
-        kelm::SingleInstance instance(kelm::SingleInstance::defaultSocketPath());
+        kelm::SingleInstance instance(kelm::defaultInstancePlace());
         // A picture is drawn by a program of its own, whatever else runs.
         if (picture.isEmpty()) {
-            if (instance.handOver(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+            switch (instance.settle(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+            case kelm::SingleInstance::Part::handedOver:
                 return 0;
+            case kelm::SingleInstance::Part::unanswered:
+                kelm::Log::system().write(QStringLiteral("KelmWright runs already and does not answer."));
+                return 1;
+            case kelm::SingleInstance::Part::first:
+            case kelm::SingleInstance::Part::alone:
+                break;
             }
-            instance.listen();
         }
         kelm::KelmPaneApp app;
         QObject::connect(&instance, &kelm::SingleInstance::received, &app, &kelm::KelmPaneApp::openFromOutside);
@@ -62,6 +78,10 @@ int main(int argc, char* argv[])
         kelm::watchWaysToEnd(kelm::UserDefaults::shared());
         status = QApplication::exec();
         kelm::endInOrder();
+        unopened = instance.stopListening();
+    }
+    if (status == 0) {
+        startAgainFor(unopened);
     }
     return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }
