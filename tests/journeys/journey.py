@@ -59,6 +59,21 @@ class Journey:
         self.spawn("openbox")
         wanted = self.display.intern_atom("_NET_SUPPORTING_WM_CHECK")
         self.until(lambda: self.root.get_full_property(wanted, X.AnyPropertyType), "the window manager")
+        self._until_windows_are_managed()
+
+    def _until_windows_are_managed(self):
+        """Waits until a window comes up: the window manager forgets those that ask for it while it begins."""
+        probe = self.root.create_window(0, 0, 9, 9, 0, self.display.screen().root_depth)
+
+        def is_up():
+            up = probe.get_attributes().map_state == X.IsViewable
+            if not up:
+                probe.map()
+            return up
+
+        self.until(is_up, "the window manager's first window")
+        probe.destroy()
+        self.display.sync()
 
     def end_display(self):
         """Ends the display as a crash would."""
