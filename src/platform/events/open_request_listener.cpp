@@ -1,13 +1,13 @@
 #include "platform/events/open_request_listener.h"
 
 #include "platform/events/local_socket.h"
+#include "platform/events/quiet_thread.h"
 
 #include <QFile>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -65,13 +65,12 @@ bool OpenRequestListener::start()
     if (!listening_.isOpen()) {
         return false;
     }
-    // The program's signals are for its other threads.
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before);
-    thread_ = std::thread([this] { run(); });
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    std::optional<std::thread> thread = startQuietThread([this] { run(); });
+    if (!thread) {
+        listening_.close();
+        return false;
+    }
+    thread_ = std::move(*thread);
     return true;
 }
 

@@ -1,9 +1,9 @@
 #include "platform/process/line_writer.h"
 
+#include "platform/events/quiet_thread.h"
+
 #include <cerrno>
-#include <csignal>
 #include <poll.h>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -46,14 +46,10 @@ void LineWriter::write(QByteArray line)
 {
     const std::scoped_lock lock(shared_->mutex);
     if (!shared_->hasThread) {
-        // No signal is taken there, not even the one by which a terminal stops who writes from the background.
-        sigset_t all;
-        sigset_t before;
-        sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before);
-        std::thread(run, shared_, descriptor_).detach();
-        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        shared_->hasThread = true;
+        if (auto thread = startQuietThread([shared = shared_, descriptor = descriptor_] { run(shared, descriptor); })) {
+            thread->detach();
+            shared_->hasThread = true;
+        }
     }
     if (shared_->size + line.size() > mostWaiting) {
         ++shared_->leftOut;

@@ -2,6 +2,7 @@
 
 #include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
+#include "platform/events/quiet_thread.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/log.h"
 #include "platform/process/orderly_end.h"
@@ -18,7 +19,6 @@
 #include <fcntl.h>
 #include <map>
 #include <poll.h>
-#include <thread>
 #include <unistd.h>
 
 namespace kelm {
@@ -35,6 +35,7 @@ constexpr int signalStatus = 128;
 
 int wakeEnd = -1;
 UserDefaults* writtenAtTheEnd = nullptr;
+QtMessageHandler takeMessages = nullptr;
 std::atomic<int> firstSignal = 0;
 std::atomic<bool> isLeaving = false;
 
@@ -108,12 +109,11 @@ void catchSignals()
     }
     ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
     wakeEnd = ends[1];
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before);
-    std::thread(watchSignals, ends[0]).detach();
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    auto thread = startQuietThread([readEnd = ends[0]] { watchSignals(readEnd); });
+    if (!thread) {
+        return;
+    }
+    thread->detach();
     for (const int number : endingSignals) {
         struct sigaction action = {};
         if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
@@ -125,7 +125,8 @@ void catchSignals()
     }
 }
 
-/// Runs among the process's exit handlers, before the statics go that were made earlier.
+/// Ends the process in order from inside the event loop; among its exit handlers as well, before the statics go that
+/// were made earlier.
 void endFromInside()
 {
     if (isLeaving || QCoreApplication::instance() == nullptr ||
@@ -139,6 +140,15 @@ void endFromInside()
     std::_Exit(EXIT_FAILURE);
 }
 
+/// A Wayland display's end leads past all exit handlers: the toolkit says these words of it, and the process is gone.
+void takeLastWords(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    takeMessages(type, context, message);
+    if (message.startsWith(QStringLiteral("The Wayland connection "))) {
+        endFromInside();
+    }
+}
+
 } // namespace
 
 void watchWaysToEnd(UserDefaults& preferences)
@@ -147,6 +157,7 @@ void watchWaysToEnd(UserDefaults& preferences)
     // What is made once and for all has to be made before, so as to go later.
     backgroundWorkers();
     std::atexit(endFromInside);
+    takeMessages = qInstallMessageHandler(takeLastWords);
     catchSignals();
     if (const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
         const auto save = [] { endInOrder(); };

@@ -12,8 +12,8 @@ class UserDefaults;
 ///   comes a second time; what comes within a quarter of a second counts as the same one, since a terminal that closes
 ///   and its shell both say so. A signal that whoever started the program had ignored stays ignored.
 /// - The desktop's session asks for data to be saved. The program goes on then.
-/// - Something calls `exit` from inside the event loop, as the toolkit does when the display has died. The process ends
-///   with status 1, its preferences written.
+/// - The display dies, which the toolkit answers by ending the process, or something else calls `exit` from inside the
+///   event loop. The process ends with status 1, its preferences written.
 ///
 /// To be called once, by the main thread, with an application object, when what the closers need has been made, the
 /// preferences and the log among it.

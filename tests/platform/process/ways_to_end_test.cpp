@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <unistd.h>
 
 namespace ways_to_end_test {
 
@@ -54,6 +55,9 @@ int playProgram(const QStringList& arguments)
             QSemaphore().acquire();
         } else if (kind == u"exits"_s) {
             std::exit(9);
+        } else if (kind == u"losesWayland"_s) {
+            qWarning("The Wayland connection broke. Did the Wayland compositor die?");
+            ::_exit(9);
         }
     });
     const int status = QCoreApplication::exec();
@@ -119,6 +123,7 @@ private Q_SLOTS:
     void aSecondSignalEndsAtOnce();
     void whoDoesNotComeBackIsEnded_data();
     void whoDoesNotComeBackIsEnded();
+    void anExitFromInsideIsOneInOrder_data();
     void anExitFromInsideIsOneInOrder();
 };
 
@@ -201,9 +206,17 @@ void WaysToEndTest::whoDoesNotComeBackIsEnded()
     QCOMPARE(program.end(), std::optional(SIGTERM));
 }
 
+void WaysToEndTest::anExitFromInsideIsOneInOrder_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("as for an X display") << u"exits"_s;
+    QTest::newRow("as for a Wayland display") << u"losesWayland"_s;
+}
+
 void WaysToEndTest::anExitFromInsideIsOneInOrder()
 {
-    Program program(u"exits"_s);
+    QFETCH(QString, kind);
+    Program program(kind);
     QCOMPARE(program.end(), std::optional(-1));
     QCOMPARE(program.rest(), QByteArray("ready\nclosed\n"));
 }
