@@ -39,11 +39,18 @@ QtMessageHandler takeMessages = nullptr;
 std::atomic<int> firstSignal = 0;
 std::atomic<bool> isLeaving = false;
 
+/// A signal, and when it came: whoever waits for it may be late.
+struct SignalNote
+{
+    int number = 0;
+    Clock::time_point time;
+};
+
 extern "C" void noteSignal(int number)
 {
     const int error = errno;
-    const auto byte = static_cast<unsigned char>(number);
-    [[maybe_unused]] const ssize_t count = ::write(wakeEnd, &byte, 1);
+    const SignalNote note{number, Clock::now()};
+    [[maybe_unused]] const ssize_t count = ::write(wakeEnd, &note, sizeof note);
     errno = error;
 }
 
@@ -79,20 +86,20 @@ void watchSignals(int readEnd)
         if (firstSignal != 0 && left <= 0) {
             endAtOnce(firstSignal);
         }
-        unsigned char number = 0;
-        if (::poll(&watched, 1, firstSignal != 0 ? int(left) : -1) <= 0 || ::read(readEnd, &number, 1) != 1) {
+        SignalNote note;
+        if (::poll(&watched, 1, firstSignal != 0 ? int(left) : -1) <= 0 ||
+            ::read(readEnd, &note, sizeof note) != ssize_t(sizeof note)) {
             continue;
         }
-        const Clock::time_point now = Clock::now();
-        const auto [before, isNew] = seen.try_emplace(number, now);
-        if (!isNew && now - before->second >= sameSignal) {
-            endAtOnce(number);
+        const auto [before, isNew] = seen.try_emplace(note.number, note.time);
+        if (!isNew && note.time - before->second >= sameSignal) {
+            endAtOnce(note.number);
         }
         if (firstSignal == 0) {
-            firstSignal = number;
-            end = now + timeToComeBack;
+            firstSignal = note.number;
+            end = note.time + timeToComeBack;
             if (!isLeaving) {
-                onMainQueue([number] { endLoop(number); });
+                onMainQueue([number = note.number] { endLoop(number); });
             }
         }
     }
