@@ -4,6 +4,9 @@
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "platform/process/child_groups.h"
+#include "platform/process/log.h"
+#include "platform/process/orderly_end.h"
+#include "platform/process/ways_to_end.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
 #include "run/snippet_copies.h"
@@ -13,6 +16,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
+#include <QProcess>
 
 namespace {
 
@@ -25,11 +29,20 @@ void drawPictureAndQuit(kelm::MainWindow& window, const QString& file)
     });
 }
 
+/// What other starts have handed over in the program's last moment is for a program that comes after it.
+void startAgainFor(const QList<QStringList>& lists)
+{
+    for (const QStringList& urlTexts : lists) {
+        QProcess::startDetached(QCoreApplication::applicationFilePath(), urlTexts);
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     kelm::outliveReaders();
+    kelm::Log::takeToolkitMessages();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("KelmPane"));
@@ -40,16 +53,23 @@ int main(int argc, char* argv[])
     kelm::style::installOn(application);
 
     int status = 0;
+    QList<QStringList> unopened;
     {
         const QStringList arguments = QApplication::arguments().mid(1);
         const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
-        kelm::SingleInstance instance(kelm::SingleInstance::defaultSocketPath());
+        kelm::SingleInstance instance(kelm::defaultInstancePlace());
         // A picture is drawn by a program of its own, whatever else runs.
         if (picture.isEmpty()) {
-            if (instance.handOver(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+            switch (instance.settle(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+            case kelm::SingleInstance::Part::handedOver:
                 return 0;
+            case kelm::SingleInstance::Part::unanswered:
+                kelm::Log::system().write(QStringLiteral("KelmWright runs already and does not answer."));
+                return 1;
+            case kelm::SingleInstance::Part::first:
+            case kelm::SingleInstance::Part::alone:
+                break;
             }
-            instance.listen();
         }
         kelm::removeAbandonedSnippetCopies();
         kelm::KelmPaneApp app;
@@ -58,10 +78,16 @@ int main(int argc, char* argv[])
         if (!picture.isEmpty()) {
             drawPictureAndQuit(app.window(), picture);
         }
+        kelm::watchWaysToEnd(kelm::UserDefaults::shared());
         status = QApplication::exec();
+        kelm::endInOrder();
+        unopened = instance.stopListening();
     }
     // The window is gone by now: a program that takes its time to end holds nobody up.
     kelm::endChildren();
     kelm::removeSnippetCopies();
+    if (status == 0) {
+        startAgainFor(unopened);
+    }
     return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }

@@ -11,13 +11,13 @@ namespace kelm {
 struct SearchResult
 {
     QUuid id = QUuid::createUuid();
-    QUrl fileURL;
+    QUrl fileURL = {};
     /// The last component of the file's path.
-    QString fileName;
+    QString fileName = {};
     /// From 1; each unit of a CR LF pair ends a line.
     qsizetype lineNumber = 1;
     /// The whole line as it stands.
-    QString matchLine;
+    QString matchLine = {};
 
     friend bool operator==(const SearchResult&, const SearchResult&) = default;
 };

@@ -40,13 +40,14 @@ class Journey:
             # No desktop stands behind the display, and none of the machine's is to be asked.
             "DBUS_SESSION_BUS_ADDRESS": "unix:path=" + str(runtime / "no-bus"),
         }
-        self._start_display()
+        self.add_display()
 
-    def _start_display(self):
+    def add_display(self):
+        """Starts a display that takes the place of the one before, which stays as it is."""
         read, write = os.pipe()
         width, height = SCREEN
-        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp",
-                   pass_fds=(write,))
+        self.server = self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24",
+                                 "-nolisten", "tcp", pass_fds=(write,))
         os.close(write)
         with os.fdopen(read) as numbers:
             number = numbers.readline().strip()
@@ -58,6 +59,26 @@ class Journey:
         self.spawn("openbox")
         wanted = self.display.intern_atom("_NET_SUPPORTING_WM_CHECK")
         self.until(lambda: self.root.get_full_property(wanted, X.AnyPropertyType), "the window manager")
+        self._until_windows_are_managed()
+
+    def _until_windows_are_managed(self):
+        """Waits until a window comes up: the window manager forgets those that ask for it while it begins."""
+        probe = self.root.create_window(0, 0, 9, 9, 0, self.display.screen().root_depth)
+
+        def is_up():
+            up = probe.get_attributes().map_state == X.IsViewable
+            if not up:
+                probe.map()
+            return up
+
+        self.until(is_up, "the window manager's first window")
+        probe.destroy()
+        self.display.sync()
+
+    def end_display(self):
+        """Ends the display as a crash would."""
+        self.server.kill()
+        self.server.wait()
 
     # ---- Processes --------------------------------------------------------------------------------------------------
 

@@ -62,6 +62,7 @@ inline void waitUntilRead(int descriptor)
 /// - pieces HEX..., error-pieces HEX...: writes each piece of bytes to the standard output or the standard error when
 ///   the one before has been read
 /// - broken-pipes: "default" when a broken pipe would end it, else "ignored"
+/// - ends: the same of the signals by which a terminal, a keyboard and a system tell it to end
 /// - group: "own" when it leads its process group, else "shared"
 inline void playRole(int argc, char** argv)
 {
@@ -151,6 +152,14 @@ inline void playRole(int argc, char** argv)
         struct sigaction action = {};
         ::sigaction(SIGPIPE, nullptr, &action);
         writeAll(1, action.sa_handler == SIG_DFL ? "default" : "ignored");
+        std::_Exit(0);
+    }
+    if (role == "ends") {
+        for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+            struct sigaction action = {};
+            ::sigaction(number, nullptr, &action);
+            writeAll(1, action.sa_handler == SIG_DFL ? "default " : "ignored ");
+        }
         std::_Exit(0);
     }
     if (role == "group") {

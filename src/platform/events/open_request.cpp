@@ -2,81 +2,99 @@
 
 #include "platform/files/utf8_file.h"
 
+#include <QDataStream>
 #include <QIODevice>
 
+#include <algorithm>
 #include <optional>
 
 namespace kelm::openRequest {
 
 namespace {
 
-constexpr QByteArrayView mark("kelm-open-1\n");
+constexpr QByteArrayView mark("kelm-open-2\n");
+constexpr QByteArrayView answerMark("kelm-taken-2\n");
 constexpr qsizetype numberSize = sizeof(quint32);
+constexpr qsizetype idSize = 16;
 
 } // namespace
 
-QByteArray encode(const QStringList& texts)
+QByteArray encode(const Request& request)
 {
     QByteArray message;
     QDataStream stream(&message, QIODevice::WriteOnly);
     stream.writeRawData(mark.data(), static_cast<int>(mark.size()));
-    stream << static_cast<quint32>(texts.size());
-    for (const QString& text : texts) {
+    stream << request.id << static_cast<quint32>(request.urlTexts.size());
+    for (const QString& text : request.urlTexts) {
         const QByteArray bytes = encodeUtf8Text(text);
         stream.writeBytes(bytes.constData(), static_cast<uint>(bytes.size()));
     }
-    return message.size() > largestMessage || texts.size() > mostTexts ? QByteArray() : message;
+    return message.size() > largestMessage || request.urlTexts.size() > mostTexts ? QByteArray() : message;
 }
 
-State Reader::read()
+QByteArray answerTo(const QUuid& id)
 {
-    while (!hasHead_ || texts_.size() < count_) {
-        stream_.startTransaction();
-        hasHead_ ? readText() : readHead();
-        if (!stream_.commitTransaction()) {
-            return stream_.status() == QDataStream::ReadPastEnd ? State::incomplete : State::invalid;
-        }
+    return answerMark.toByteArray() + id.toRfc4122();
+}
+
+State Reader::add(QByteArrayView bytes)
+{
+    if (state_ == State::invalid) {
+        return state_;
     }
-    return stream_.atEnd() ? State::complete : State::invalid;
+    pending_.append(bytes);
+    // The stream shares no bytes that are taken from the front below, since that would copy them.
+    QDataStream stream(QByteArray::fromRawData(pending_.constData(), pending_.size()));
+    while (stream.status() == QDataStream::Ok && (!hasHead_ || request_.urlTexts.size() < count_)) {
+        stream.startTransaction();
+        hasHead_ ? readText(stream) : readHead(stream);
+        stream.commitTransaction();
+    }
+    if (stream.status() == QDataStream::ReadPastEnd) {
+        state_ = State::incomplete;
+    } else {
+        state_ = stream.status() == QDataStream::Ok && stream.atEnd() ? State::complete : State::invalid;
+    }
+    pending_.remove(0, stream.device()->pos());
+    return state_;
 }
 
-void Reader::readHead()
+void Reader::readHead(QDataStream& stream)
 {
-    const QByteArray begin = stream_.device()->peek(mark.size());
-    if (!mark.startsWith(begin)) {
-        stream_.setStatus(QDataStream::ReadCorruptData);
+    const qsizetype common = std::min(mark.size(), pending_.size());
+    if (mark.first(common) != QByteArrayView(pending_).first(common)) {
+        stream.setStatus(QDataStream::ReadCorruptData);
         return;
     }
-    stream_.skipRawData(static_cast<int>(mark.size()));
-    stream_ >> count_;
-    if (count_ > mostTexts) {
-        stream_.setStatus(QDataStream::ReadCorruptData);
+    stream.skipRawData(static_cast<int>(mark.size()));
+    stream >> request_.id >> count_;
+    if (stream.status() == QDataStream::Ok && count_ > mostTexts) {
+        stream.setStatus(QDataStream::ReadCorruptData);
     }
-    hasHead_ = stream_.status() == QDataStream::Ok;
-    size_ = mark.size() + numberSize;
+    hasHead_ = stream.status() == QDataStream::Ok;
+    size_ = mark.size() + idSize + numberSize;
 }
 
-void Reader::readText()
+void Reader::readText(QDataStream& stream)
 {
     quint32 length = 0;
-    stream_ >> length;
+    stream >> length;
     const qsizetype size = size_ + numberSize + length;
-    // A byte array's own operator would copy what there is of it each time that more has come.
-    if (size > largestMessage) {
-        stream_.setStatus(QDataStream::ReadCorruptData);
-    } else if (stream_.device()->bytesAvailable() < length) {
-        stream_.setStatus(QDataStream::ReadPastEnd);
+    if (stream.status() == QDataStream::Ok && size > largestMessage) {
+        stream.setStatus(QDataStream::ReadCorruptData);
+    } else if (stream.device()->bytesAvailable() < length) {
+        stream.setStatus(QDataStream::ReadPastEnd);
     }
-    if (stream_.status() != QDataStream::Ok) {
+    if (stream.status() != QDataStream::Ok) {
         return;
     }
     QByteArray bytes(length, Qt::Uninitialized);
-    stream_.readRawData(bytes.data(), static_cast<int>(length));
+    stream.readRawData(bytes.data(), static_cast<int>(length));
     if (const std::optional<QString> text = decodeUtf8Text(bytes)) {
-        texts_.append(*text);
+        request_.urlTexts.append(*text);
         size_ = size;
     } else {
-        stream_.setStatus(QDataStream::ReadCorruptData);
+        stream.setStatus(QDataStream::ReadCorruptData);
     }
 }
 

@@ -1,134 +1,103 @@
 #include "platform/events/single_instance.h"
 
-#include "platform/events/open_request.h"
+#include "platform/events/local_socket.h"
+#include "platform/events/main_queue.h"
 
-#include <QDir>
-#include <QFile>
-#include <QLocalServer>
-#include <QLocalSocket>
-#include <QLockFile>
-#include <QStandardPaths>
-#include <QTimer>
-
-#include <sys/socket.h>
-#include <unistd.h>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <poll.h>
 #include <utility>
 
 namespace kelm {
 
 namespace {
 
-constexpr int connectMilliseconds = 1000;
-constexpr int answerMilliseconds = 5000;
-constexpr int mostWaiting = 4096;
-constexpr QByteArrayView answer("ok\n");
-
-/// Whether the other end belongs to this user, by what the system says of it.
-bool isOfSameUser(qintptr descriptor)
-{
-#ifdef Q_OS_LINUX
-    ucred credentials{};
-    socklen_t size = sizeof credentials;
-    const int result = getsockopt(static_cast<int>(descriptor), SOL_SOCKET, SO_PEERCRED, &credentials, &size);
-    return result == 0 && credentials.uid == geteuid();
-#else
-    uid_t user = 0;
-    gid_t group = 0;
-    return getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == geteuid();
-#endif
-}
+/// How often to look whether a program that begins or ends has done so.
+constexpr int pauseMilliseconds = 20;
 
 } // namespace
 
-SingleInstance::SingleInstance(QString socketPath) : socketPath_(std::move(socketPath)) {}
+SingleInstance::SingleInstance(InstancePlace place)
+    : place_(std::move(place)),
+      lock_(place_.lockPath),
+      listener_(place_.socketPath, [this] { onMainQueue(this, [this] { tell(); }); })
+{}
 
-SingleInstance::~SingleInstance() = default;
-
-QString SingleInstance::defaultSocketPath()
+SingleInstance::Part SingleInstance::settle(const QStringList& urlTexts)
 {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty()) {
-        folder = QDir::tempPath();
-    }
-    return folder + QStringLiteral("/com.kelm.KelmPane-%1.socket").arg(geteuid());
+    const openRequest::Request request{QUuid::createUuid(), urlTexts};
+    const QByteArray message = openRequest::encode(request);
+    const QByteArray answer = openRequest::answerTo(request.id);
+    const Clock::time_point end = Clock::now() + patience_;
+    do {
+        switch (lock_.tryLock()) {
+        case InstanceLock::Result::taken:
+            if (listener_.start()) {
+                return Part::first;
+            }
+            // Others would wait for an answer that cannot come.
+            lock_.unlock();
+            return Part::alone;
+        case InstanceLock::Result::impossible:
+            return Part::alone;
+        case InstanceLock::Result::held:
+            break;
+        }
+        if (message.isEmpty()) {
+            break;
+        }
+        if (ask(message, answer, end)) {
+            return Part::handedOver;
+        }
+        ::poll(nullptr, 0, pauseMilliseconds);
+    } while (Clock::now() < end);
+    return Part::unanswered;
 }
 
-bool SingleInstance::handOver(const QStringList& urlTexts)
+QList<QStringList> SingleInstance::stopListening()
 {
-    const QByteArray message = openRequest::encode(urlTexts);
-    if (message.isEmpty()) {
+    listener_.stop();
+    return listener_.fetch();
+}
+
+bool SingleInstance::ask(const QByteArray& message, const QByteArray& answer, Clock::time_point end) const
+{
+    const OpenFile socket = localSocket::connectTo(place_.socketPath);
+    if (!socket.isOpen()) {
         return false;
     }
-    QLocalSocket socket;
-    socket.connectToServer(socketPath_);
-    if (!socket.waitForConnected(connectMilliseconds) || !isOfSameUser(socket.socketDescriptor())) {
-        return false;
-    }
-    socket.write(message);
-    while (socket.bytesToWrite() > 0) {
-        if (!socket.waitForBytesWritten(answerMilliseconds)) {
+    QByteArrayView unsent = message;
+    QByteArray heard;
+    while (heard.size() < answer.size()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        pollfd watched{socket.get(), short(unsent.isEmpty() ? POLLIN : POLLIN | POLLOUT), 0};
+        if (left <= 0 || (::poll(&watched, 1, int(left)) < 0 && errno != EINTR)) {
             return false;
         }
-    }
-    while (socket.bytesAvailable() < answer.size()) {
-        if (!socket.waitForReadyRead(answerMilliseconds)) {
-            return false;
+        if ((watched.revents & POLLOUT) != 0) {
+            const qsizetype count = localSocket::send(socket, unsent);
+            if (count < 0 && errno != EAGAIN) {
+                return false;
+            }
+            unsent = unsent.sliced(std::max<qsizetype>(count, 0));
+        }
+        if ((watched.revents & (POLLIN | POLLHUP | POLLERR)) != 0) {
+            std::array<char, 64> piece;
+            const qsizetype count = socket.read(piece.data(), qsizetype(piece.size()));
+            if (count == 0 || (count < 0 && errno != EAGAIN)) {
+                return false;
+            }
+            heard.append(piece.data(), std::max<qsizetype>(count, 0));
         }
     }
-    return socket.readAll() == answer;
+    return heard == answer;
 }
 
-bool SingleInstance::listen()
+void SingleInstance::tell()
 {
-    // Two starts at the same moment do not take the file from each other.
-    QLockFile lock(socketPath_ + QStringLiteral(".lock"));
-    lock.setStaleLockTime(answerMilliseconds);
-    if (!lock.tryLock(answerMilliseconds)) {
-        return false;
-    }
-    QLocalSocket probe;
-    probe.connectToServer(socketPath_);
-    if (probe.waitForConnected(connectMilliseconds)) {
-        return false;
-    }
-    QLocalServer::removeServer(socketPath_);
-    server_ = std::make_unique<QLocalServer>();
-    server_->setSocketOptions(QLocalServer::UserAccessOption);
-    server_->setMaxPendingConnections(mostWaiting);
-    // Many starts at once, as of a script, wait for their turn.
-    server_->setListenBacklogSize(mostWaiting);
-    connect(server_.get(), &QLocalServer::newConnection, this, &SingleInstance::acceptConnections);
-    return server_->listen(socketPath_);
-}
-
-void SingleInstance::acceptConnections()
-{
-    while (QLocalSocket* socket = server_->nextPendingConnection()) {
-        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        if (!isOfSameUser(socket->socketDescriptor())) {
-            socket->abort();
-            continue;
-        }
-        const auto request = std::make_shared<openRequest::Reader>(*socket);
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket, request] { read(*socket, *request); });
-        QTimer::singleShot(patience_, socket, [socket] { socket->abort(); });
-        read(*socket, *request);
-    }
-}
-
-void SingleInstance::read(QLocalSocket& socket, openRequest::Reader& request)
-{
-    switch (request.read()) {
-    case openRequest::State::incomplete:
-        return;
-    case openRequest::State::invalid:
-        socket.abort();
-        return;
-    case openRequest::State::complete:
-        socket.disconnect(this);
-        socket.write(answer.toByteArray());
-        socket.disconnectFromServer();
-        Q_EMIT received(request.texts());
+    for (const QStringList& urlTexts : listener_.fetch()) {
+        Q_EMIT received(urlTexts);
     }
 }
 

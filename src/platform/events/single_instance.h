@@ -1,57 +1,67 @@
-// One running program for each user.
+// One running program for each user and session.
 #pragma once
+
+#include "platform/events/instance_lock.h"
+#include "platform/events/instance_place.h"
+#include "platform/events/open_request_listener.h"
 
 #include <QObject>
 #include <QStringList>
 
 #include <chrono>
-#include <memory>
-
-class QLocalServer;
-class QLocalSocket;
-
-namespace kelm::openRequest {
-class Reader;
-}
 
 namespace kelm {
 
-/// The first start of the program listens on a local socket of its user; every other hands over what it was to open,
-/// and ends. Only the same user can speak to it, and whatever else is said to it is dropped. Main thread only.
+/// Decides whether this start of the program is the first. The first holds a lock as long as its process lives, and
+/// listens; every other hands over what it was to open, and ends. What the first has taken no other opens, and what it
+/// has not taken when it ends the other opens itself. Main thread only; the first answers from a thread of its own, so
+/// that nothing the main thread does keeps another start waiting.
 class SingleInstance final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The socket's file; nothing happens yet.
-    explicit SingleInstance(QString socketPath);
-    ~SingleInstance() override;
+    enum class Part {
+        /// This is the program that runs.
+        first,
+        /// Another has taken what was to be opened.
+        handedOver,
+        /// Another runs and does not answer, stopped perhaps; it may still have taken what was to be opened.
+        unanswered,
+        /// Locks or sockets are not to be had there: the program works all the same, and others beside it.
+        alone,
+    };
 
-    /// Hands `urlTexts` to the program that listens already, and waits until it has them, a few seconds at most. False
-    /// when none does.
-    bool handOver(const QStringList& urlTexts);
+    /// Nothing happens yet.
+    explicit SingleInstance(InstancePlace place);
 
-    /// Begins to listen; a file that a crash has left behind is replaced. False when that is not possible, in which
-    /// case the program works all the same, on its own.
-    bool listen();
+    /// Finds this start's part. Waits for another program's answer, and for one that ends to have ended, as long as the
+    /// patience lasts.
+    Part settle(const QStringList& urlTexts);
 
-    /// How long another program may take to say something whole before it is let go.
+    /// Ends listening and gives what has come and was not told of any more, a list for each start. The lock stays.
+    QList<QStringList> stopListening();
+
+    /// How long to wait for an answer. Ten seconds if not said.
     void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }
-
-    /// The socket of the program's user, in the folder that the system gives for such files.
-    static QString defaultSocketPath();
+    /// How long another program may take to say something whole before it is let go. To be said before it is settled.
+    void setListenersPatience(std::chrono::milliseconds patience) { listener_.setPatience(patience); }
 
 Q_SIGNALS:
-    /// Another start of the program hands over what it was to open, perhaps nothing.
+    /// Another start of the program hands over what it was to open, perhaps nothing. From the event loop.
     void received(const QStringList& urlTexts);
 
 private:
-    void acceptConnections();
-    void read(QLocalSocket& socket, openRequest::Reader& request);
+    using Clock = OpenRequestListener::Clock;
 
-    QString socketPath_;
-    std::chrono::milliseconds patience_ = std::chrono::seconds(5);
-    std::unique_ptr<QLocalServer> server_;
+    /// Whether the program that listens has taken the message and said the answer.
+    bool ask(const QByteArray& message, const QByteArray& answer, Clock::time_point end) const;
+    void tell();
+
+    InstancePlace place_;
+    InstanceLock lock_;
+    OpenRequestListener listener_;
+    std::chrono::milliseconds patience_ = std::chrono::seconds(10);
 };
 
 } // namespace kelm

@@ -2,13 +2,26 @@
 
 #include "platform/files/standard_paths.h"
 
+#include <QFileInfo>
 #include <QLocale>
 
 namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
 
-UserDefaults::UserDefaults(const QString& path) : settings_(path, QSettings::IniFormat) {}
+namespace {
+
+/// A path for the toolkit, which would wait at a pipe for whoever writes to it: in the place of what is neither file
+/// nor folder, one at which there can be nothing.
+QString pathOfFile(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile() && !info.isDir() ? path + u"/none"_s : path;
+}
+
+} // namespace
+
+UserDefaults::UserDefaults(const QString& path) : settings_(pathOfFile(path), QSettings::IniFormat) {}
 
 QVariant UserDefaults::stored(const QString& key) const
 {

@@ -15,9 +15,10 @@ namespace kelm {
 ///
 /// A read says nothing where the key is missing or its value is of another type, so the caller's default applies. A
 /// missing, unreadable or damaged file counts as empty as far as it cannot be read, and is left as it is until a value
-/// is written. A written value can be read at once; it reaches the file with the next turn of the event loop, with
-/// `synchronize`, or at the end of the last store on that file. Values that another program wrote meanwhile stay. When
-/// the file cannot be written the values last as long as the process. Main thread only.
+/// is written. So does whatever is no file, such as a pipe, and it stays as it is. A written value can be read at once;
+/// it reaches the file with the next turn of the event loop, with `synchronize`, or at the end of the last store on
+/// that file. Values that another program wrote meanwhile stay. When the file cannot be written the values last as long
+/// as the process. Main thread only.
 class UserDefaults : public QObject
 {
     Q_OBJECT

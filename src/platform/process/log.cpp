@@ -1,8 +1,10 @@
 #include "platform/process/log.h"
 
+#include "platform/process/line_writer.h"
+
 #include <QDateTime>
 
-#include <cstdio>
+#include <unistd.h>
 
 namespace kelm {
 
@@ -10,31 +12,60 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// One call a line, so that lines of several threads do not mix.
-void writeLine(std::FILE* stream, const QString& line)
-{
-    const QByteArray bytes = (line + u'\n').toUtf8();
-    std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stream);
-    std::fflush(stream);
-}
+constexpr std::chrono::milliseconds momentToFinish(250);
 
 class SystemLog final : public Log
 {
 public:
     void write(const QString& line) override
     {
-        writeLine(stderr, QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss.zzz ") + line);
+        writeBare(QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss.zzz ") + line);
+    }
+    void print(const QString& line) override { output_.write((line + u'\n').toUtf8()); }
+
+    void writeBare(const QString& line) { error_.write((line + u'\n').toUtf8()); }
+
+    void finish()
+    {
+        output_.finish(momentToFinish);
+        error_.finish(momentToFinish);
     }
 
-    void print(const QString& line) override { writeLine(stdout, line); }
+private:
+    LineWriter output_{STDOUT_FILENO};
+    LineWriter error_{STDERR_FILENO};
 };
+
+SystemLog& systemLog()
+{
+    static SystemLog log;
+    return log;
+}
+
+void takeToolkitMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    systemLog().writeBare(qFormatLogMessage(type, context, message));
+    if (type == QtFatalMsg) {
+        systemLog().finish();
+    }
+}
 
 } // namespace
 
 Log& Log::system()
 {
-    static SystemLog log;
-    return log;
+    return systemLog();
+}
+
+void Log::finishSystem()
+{
+    systemLog().finish();
+}
+
+void Log::takeToolkitMessages()
+{
+    systemLog();
+    qInstallMessageHandler(takeToolkitMessage);
 }
 
 } // namespace kelm

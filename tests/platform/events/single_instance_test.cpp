@@ -1,49 +1,43 @@
-#include "platform/events/open_request.h"
+#include "platform/events/local_socket.h"
 #include "platform/events/single_instance.h"
+#include "support/roles.h"
 #include "support/test_program.h"
 
-#include <QBuffer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QLocalSocket>
-#include <QSignalSpy>
+#include <QScopeGuard>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
 
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <poll.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace single_instance_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
+using Part = SingleInstance::Part;
 
 namespace {
 
-struct Decoded
+InstancePlace placeIn(const QString& folder)
 {
-    openRequest::State state;
-    QStringList texts;
-};
-
-Decoded decode(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    openRequest::Reader reader(buffer);
-    const openRequest::State state = reader.read();
-    return {state, reader.texts()};
+    return instancePlace(folder, u"session"_s, u"machine"_s);
 }
 
 struct Fixture
 {
     QTemporaryDir folder;
-    QString path = folder.filePath(u"socket"_s);
-    SingleInstance first{path};
+    InstancePlace place = placeIn(folder.path());
+    SingleInstance first{place};
     QList<QStringList> received;
 
     Fixture()
@@ -52,24 +46,72 @@ struct Fixture
                          [this](const QStringList& texts) { received.append(texts); });
     }
 
-    /// Hands over from a thread of its own, as another program would.
-    bool handOver(const QStringList& texts)
+    /// Another start of the program. The main thread, which is the first's, does nothing meanwhile.
+    Part start(const QStringList& texts, std::chrono::milliseconds patience = std::chrono::seconds(20)) const
     {
-        bool isDone = false;
-        const std::unique_ptr<QThread> thread(QThread::create([&] { isDone = SingleInstance(path).handOver(texts); }));
-        thread->start();
-        while (!thread->wait(1)) {
-            QCoreApplication::processEvents();
-        }
-        return isDone;
+        SingleInstance other(place);
+        other.setPatience(patience);
+        return other.settle(texts);
     }
-    /// Says something else to the listening program and waits until it hangs up.
-    bool isDropped(const QByteArray& bytes)
+
+    OpenFile say(const QByteArray& bytes) const
     {
-        QLocalSocket socket;
-        socket.connectToServer(path);
-        socket.write(bytes);
-        return QTest::qWaitFor([&socket] { return socket.state() == QLocalSocket::UnconnectedState; }, 8000);
+        OpenFile socket = localSocket::connectTo(place.socketPath);
+        return socket.isOpen() && socket.writeAll(bytes.constData(), bytes.size()) ? std::move(socket) : OpenFile();
+    }
+
+    /// Says something else to the listening program and waits until it hangs up.
+    bool isDropped(const QByteArray& bytes) const
+    {
+        const OpenFile socket = localSocket::connectTo(place.socketPath);
+        localSocket::send(socket, bytes);
+        pollfd watched{socket.get(), POLLIN, 0};
+        char answer = 0;
+        return ::poll(&watched, 1, 20'000) == 1 && socket.read(&answer, 1) <= 0;
+    }
+};
+
+/// The first start as a process of its own: says "first" when it listens, and then what it receives, a line each.
+int playFirst(const QStringList& arguments)
+{
+    if (arguments.size() > 1) {
+        const rlimit files{rlim_t(arguments[1].toUInt()), rlim_t(arguments[1].toUInt())};
+        ::setrlimit(RLIMIT_NOFILE, &files);
+    }
+    SingleInstance instance(placeIn(arguments[0]));
+    QObject::connect(&instance, &SingleInstance::received, &instance, [](const QStringList& texts) {
+        std::printf("%s\n", qPrintable(texts.join(u' ')));
+        std::fflush(stdout);
+    });
+    if (instance.settle({}) != Part::first) {
+        return 1;
+    }
+    std::puts("first");
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
+
+struct FirstProcess
+{
+    QProcess process;
+
+    explicit FirstProcess(const Fixture& fixture, const QString& files = u"1024"_s)
+    {
+        startRole(process, u"playFirst"_s, {fixture.folder.path(), files});
+    }
+    ~FirstProcess()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    bool says(const QByteArray& line)
+    {
+        while (!process.canReadLine()) {
+            if (!process.waitForReadyRead()) {
+                return false;
+            }
+        }
+        return process.readLine() == line + '\n';
     }
 };
 
@@ -80,175 +122,320 @@ class SingleInstanceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void messagesComeBack_data();
-    void messagesComeBack();
-    void eachBeginningIsIncomplete();
-    void whatIsNoMessageIsInvalid_data();
-    void whatIsNoMessageIsInvalid();
-    void aTooLargeListIsNotSent();
-    void withoutAFirstNobodyTakesTheList();
-    void theFirstGetsTheList();
+    void theFirstGetsTheLists();
+    void anAnswerNeedsNoMainThread();
+    void aRequestThatComesAgainIsTakenOnce();
+    void whatCameLastIsNotLost();
     void onlyTheUserCanOpenTheSocket();
-    void aSecondDoesNotListen();
-    void aFileLeftByACrashIsReplaced();
+    void afterACrashTheNextIsTheFirst();
+    void aStoppedFirstIsNotReplaced();
+    void whoWaitsForAFirstThatEndsTakesItsPlace();
+    void noChildKeepsTheLock();
+    void withoutAPlaceEachIsAlone_data();
+    void withoutAPlaceEachIsAlone();
+    void aLongPathIsReached();
     void garbageIsDropped();
     void aMessageInPiecesArrivesWhole();
-    void aThousandAtOnceAreServed();
+    void idleConnectionsHoldNobody();
+    void idleConnectionsTakeNoDescriptorForGood();
+    void withoutADescriptorTheReserveServes();
+    void manyAtOnceMakeOneFirst();
 };
 
-void SingleInstanceTest::messagesComeBack_data()
-{
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("nothing") << QStringList();
-    QTest::newRow("an empty text") << QStringList{QString()};
-    QTest::newRow("several") << QStringList{u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s,
-                                            u"한글 👩‍👩‍👧\n\0"_s};
-}
-
-void SingleInstanceTest::messagesComeBack()
-{
-    QFETCH(QStringList, texts);
-    const Decoded decoded = decode(openRequest::encode(texts));
-    QCOMPARE(decoded.state, openRequest::State::complete);
-    QCOMPARE(decoded.texts, texts);
-}
-
-void SingleInstanceTest::eachBeginningIsIncomplete()
-{
-    const QByteArray message = openRequest::encode({u"one"_s, u"두 번째"_s});
-    for (qsizetype length = 0; length < message.size(); ++length) {
-        QCOMPARE(decode(message.first(length)).state, openRequest::State::incomplete);
-    }
-}
-
-void SingleInstanceTest::whatIsNoMessageIsInvalid_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    const QByteArray mark("kelm-open-1\n");
-    QTest::newRow("something else") << QByteArray("GET / HTTP/1.1\r\n");
-    QTest::newRow("an almost right mark") << QByteArray("kelm-open-2\n");
-    QTest::newRow("too many texts") << mark + QByteArray("\xff\xff\xff\xff", 4);
-    QTest::newRow("too long a text") << mark + QByteArray("\0\0\0\1\xff\xff\xff\xff", 8);
-    QTest::newRow("no UTF-8") << mark + QByteArray("\0\0\0\1\0\0\0\1\xff", 9);
-    QTest::newRow("too much in all")
-        << openRequest::encode({QString(openRequest::largestMessage - 20, u'x')}).replace(15, 1, QByteArray(1, 2)) +
-               QByteArray(4, 0);
-    QTest::newRow("more behind the end") << mark + QByteArray("\0\0\0\0x", 5);
-}
-
-void SingleInstanceTest::whatIsNoMessageIsInvalid()
-{
-    QFETCH(QByteArray, bytes);
-    QCOMPARE(decode(bytes).state, openRequest::State::invalid);
-}
-
-void SingleInstanceTest::aTooLargeListIsNotSent()
-{
-    QVERIFY(openRequest::encode({QString(openRequest::largestMessage, u'x')}).isEmpty());
-    QVERIFY(openRequest::encode(QStringList(openRequest::mostTexts + 1, u"x"_s)).isEmpty());
-}
-
-void SingleInstanceTest::withoutAFirstNobodyTakesTheList()
+void SingleInstanceTest::theFirstGetsTheLists()
 {
     Fixture fixture;
-    QVERIFY(!fixture.handOver({u"x"_s}));
-}
-
-void SingleInstanceTest::theFirstGetsTheList()
-{
-    Fixture fixture;
-    QVERIFY(fixture.first.listen());
+    QCOMPARE(fixture.first.settle({u"its own"_s}), Part::first);
     const QStringList texts{u"file:///a"_s, u"kelmpane://open?code="_s + QString(20'000'000, u'A')};
-    QVERIFY(fixture.handOver(texts));
-    QVERIFY(fixture.handOver({}));
-    QCOMPARE(fixture.received, (QList<QStringList>{texts, {}}));
+    QCOMPARE(fixture.start(texts), Part::handedOver);
+    QCOMPARE(fixture.start({}), Part::handedOver);
+    QTRY_COMPARE(fixture.received, (QList<QStringList>{texts, {}}));
+}
+
+void SingleInstanceTest::anAnswerNeedsNoMainThread()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    // No event is processed here before the answer is there.
+    QCOMPARE(fixture.start({u"one"_s}), Part::handedOver);
+    QCOMPARE(fixture.start({u"two"_s}), Part::handedOver);
+    QVERIFY(fixture.received.isEmpty());
+    QTRY_COMPARE(fixture.received, (QList<QStringList>{{u"one"_s}, {u"two"_s}}));
+}
+
+void SingleInstanceTest::aRequestThatComesAgainIsTakenOnce()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    const openRequest::Request request{QUuid::createUuid(), {u"once"_s}};
+    const QByteArray answer = openRequest::answerTo(request.id);
+    for (int turn = 0; turn < 3; ++turn) {
+        const OpenFile socket = fixture.say(openRequest::encode(request));
+        QByteArray heard(answer.size(), '\0');
+        pollfd watched{socket.get(), POLLIN, 0};
+        QCOMPARE(::poll(&watched, 1, 20'000), 1);
+        QCOMPARE(socket.read(heard.data(), heard.size()), answer.size());
+        QCOMPARE(heard, answer);
+    }
+    QCOMPARE(fixture.start({u"another"_s}), Part::handedOver);
+    QTRY_COMPARE(fixture.received, (QList<QStringList>{{u"once"_s}, {u"another"_s}}));
+}
+
+void SingleInstanceTest::whatCameLastIsNotLost()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.start({u"late"_s}), Part::handedOver);
+    QCOMPARE(fixture.first.stopListening(), (QList<QStringList>{{u"late"_s}}));
+    QVERIFY(!QFile::exists(fixture.place.socketPath));
+    // It is there until its process ends, and nobody opens beside it what it might have taken.
+    QCOMPARE(fixture.start({u"later"_s}, std::chrono::milliseconds(50)), Part::unanswered);
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.received.isEmpty());
 }
 
 void SingleInstanceTest::onlyTheUserCanOpenTheSocket()
 {
     Fixture fixture;
-    QVERIFY(fixture.first.listen());
-    struct stat status
-    {};
-    QCOMPARE(stat(QFile::encodeName(fixture.path).constData(), &status), 0);
-    QCOMPARE(status.st_mode & 077, 0U);
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    for (const QString& path : {fixture.place.socketPath, fixture.place.lockPath}) {
+        struct stat status = {};
+        QCOMPARE(stat(QFile::encodeName(path).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 077, 0U);
+    }
 }
 
-void SingleInstanceTest::aSecondDoesNotListen()
+void SingleInstanceTest::afterACrashTheNextIsTheFirst()
 {
     Fixture fixture;
-    QVERIFY(fixture.first.listen());
-    SingleInstance second(fixture.path);
-    QVERIFY(!second.listen());
-    QVERIFY(fixture.handOver({u"x"_s}));
+    {
+        FirstProcess process(fixture);
+        QVERIFY(process.says("first"));
+    }
+    QVERIFY(QFile::exists(fixture.place.socketPath));
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.start({u"x"_s}), Part::handedOver);
+    QTRY_COMPARE(fixture.received, QList<QStringList>{{u"x"_s}});
 }
 
-void SingleInstanceTest::aFileLeftByACrashIsReplaced()
+void SingleInstanceTest::aStoppedFirstIsNotReplaced()
 {
     Fixture fixture;
-    // A socket that nobody listens on any more.
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const QByteArray path = QFile::encodeName(fixture.path);
-    std::copy(path.begin(), path.end(), address.sun_path);
-    QCOMPARE(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    close(descriptor);
-    QVERIFY(QFile::exists(fixture.path));
-    QVERIFY(!fixture.handOver({u"x"_s}));
-    QVERIFY(fixture.first.listen());
-    QVERIFY(fixture.handOver({u"x"_s}));
+    FirstProcess process(fixture);
+    QVERIFY(process.says("first"));
+    ::kill(pid_t(process.process.processId()), SIGSTOP);
+    QCOMPARE(fixture.start({u"asked of the stopped one"_s}, std::chrono::milliseconds(100)), Part::unanswered);
+    ::kill(pid_t(process.process.processId()), SIGCONT);
+    QCOMPARE(fixture.start({u"asked of the running one"_s}), Part::handedOver);
+}
+
+void SingleInstanceTest::whoWaitsForAFirstThatEndsTakesItsPlace()
+{
+    Fixture fixture;
+    FirstProcess process(fixture);
+    QVERIFY(process.says("first"));
+    ::kill(pid_t(process.process.processId()), SIGSTOP);
+    QSemaphore begun;
+    Part part = Part::alone;
+    const std::unique_ptr<QThread> other(QThread::create([&] {
+        begun.release();
+        part = fixture.start({u"x"_s});
+    }));
+    other->start();
+    begun.acquire();
+    ::kill(pid_t(process.process.processId()), SIGKILL);
+    other->wait();
+    QCOMPARE(part, Part::first);
+}
+
+void SingleInstanceTest::noChildKeepsTheLock()
+{
+    Fixture fixture;
+    QProcess child;
+    const auto end = qScopeGuard([&child] {
+        child.kill();
+        child.waitForFinished();
+    });
+    {
+        SingleInstance first(fixture.place);
+        QCOMPARE(first.settle({}), Part::first);
+        startRole(child, u"wait"_s, {});
+        QVERIFY(child.waitForReadyRead());
+    }
+    QCOMPARE(fixture.first.settle({}), Part::first);
+}
+
+void SingleInstanceTest::withoutAPlaceEachIsAlone_data()
+{
+    QTest::addColumn<QString>("inTheWay");
+    QTest::newRow("no folder") << QString();
+    QTest::newRow("a folder in the place of the lock") << u"lock"_s;
+    QTest::newRow("a folder in the place of the socket") << u"socket"_s;
+}
+
+void SingleInstanceTest::withoutAPlaceEachIsAlone()
+{
+    QFETCH(QString, inTheWay);
+    const QTemporaryDir folder;
+    const InstancePlace place = placeIn(inTheWay.isNull() ? folder.filePath(u"none"_s) : folder.path());
+    if (!inTheWay.isNull()) {
+        QVERIFY(QDir().mkdir(inTheWay == u"lock" ? place.lockPath : place.socketPath));
+    }
+    SingleInstance one(place);
+    SingleInstance other(place);
+    QCOMPARE(one.settle({}), Part::alone);
+    QCOMPARE(other.settle({}), Part::alone);
+}
+
+void SingleInstanceTest::aLongPathIsReached()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("addresses have no room for it");
+#endif
+    const QTemporaryDir folder;
+    const QString deep = folder.filePath(QString(100, u'x') + u'/' + QString(100, u'y'));
+    QVERIFY(QDir().mkpath(deep));
+    SingleInstance first(placeIn(deep));
+    QCOMPARE(first.settle({}), Part::first);
+    SingleInstance second(placeIn(deep));
+    QCOMPARE(second.settle({u"x"_s}), Part::handedOver);
+    QCOMPARE(first.stopListening(), QList<QStringList>{{u"x"_s}});
+    QCOMPARE(QDir(deep).entryList(QDir::Files | QDir::System).size(), 1);
 }
 
 void SingleInstanceTest::garbageIsDropped()
 {
     Fixture fixture;
-    QVERIFY(fixture.first.listen());
-    fixture.first.setPatience(std::chrono::milliseconds(200));
+    fixture.first.setListenersPatience(std::chrono::milliseconds(200));
+    QCOMPARE(fixture.first.settle({}), Part::first);
     QVERIFY(fixture.isDropped("GET / HTTP/1.1\r\n\r\n"));
     QVERIFY(fixture.isDropped(QByteArray(100'000, '\xff')));
     // The beginning of a message, and then nothing more.
-    QVERIFY(fixture.isDropped(openRequest::encode({u"x"_s}).chopped(1)));
-    QVERIFY(fixture.received.isEmpty());
-    QVERIFY(fixture.handOver({u"x"_s}));
+    QVERIFY(fixture.isDropped(openRequest::encode({QUuid::createUuid(), {u"x"_s}}).chopped(1)));
+    QVERIFY(fixture.first.stopListening().isEmpty());
 }
 
 void SingleInstanceTest::aMessageInPiecesArrivesWhole()
 {
     Fixture fixture;
-    QVERIFY(fixture.first.listen());
-    QLocalSocket socket;
-    socket.connectToServer(fixture.path);
-    for (const char byte : openRequest::encode({u"one"_s, u"두"_s})) {
-        socket.write(&byte, 1);
-        socket.flush();
-        QCoreApplication::processEvents();
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    const OpenFile socket = localSocket::connectTo(fixture.place.socketPath);
+    for (const char byte : openRequest::encode({QUuid::createUuid(), {u"one"_s, u"두"_s}})) {
+        QCOMPARE(localSocket::send(socket, QByteArrayView(&byte, 1)), 1);
     }
     QTRY_COMPARE(fixture.received, (QList<QStringList>{{u"one"_s, u"두"_s}}));
 }
 
-void SingleInstanceTest::aThousandAtOnceAreServed()
+void SingleInstanceTest::idleConnectionsHoldNobody()
 {
     Fixture fixture;
-    QVERIFY(fixture.first.listen());
-    // Both ends of each are this process's.
-    rlimit files{};
-    QCOMPARE(getrlimit(RLIMIT_NOFILE, &files), 0);
-    if (files.rlim_max < 4096) {
-        QSKIP("too few files may be open at once");
+    fixture.first.setListenersPatience(std::chrono::hours(1));
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    std::vector<OpenFile> idle;
+    for (int client = 0; client < 100; ++client) {
+        idle.push_back(localSocket::connectTo(fixture.place.socketPath));
+        QVERIFY(idle.back().isOpen());
     }
-    files.rlim_cur = std::max<rlim_t>(files.rlim_cur, 4096);
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &files), 0);
-    std::vector<std::unique_ptr<QLocalSocket>> sockets;
-    for (int client = 0; client < 1000; ++client) {
-        sockets.push_back(std::make_unique<QLocalSocket>());
-        sockets.back()->connectToServer(fixture.path);
-        sockets.back()->write(openRequest::encode({QString::number(client)}));
-    }
-    QTRY_COMPARE_WITH_TIMEOUT(fixture.received.size(), 1000, 20'000);
+    QCOMPARE(fixture.start({u"x"_s}), Part::handedOver);
 }
 
-const kelm::test::Registered<SingleInstanceTest> registered;
+void SingleInstanceTest::idleConnectionsTakeNoDescriptorForGood()
+{
+    Fixture fixture;
+    FirstProcess process(fixture, u"20"_s);
+    QVERIFY(process.says("first"));
+    std::vector<OpenFile> idle;
+    for (int client = 0; client < 100; ++client) {
+        idle.push_back(localSocket::connectTo(fixture.place.socketPath));
+        QVERIFY(idle.back().isOpen());
+    }
+    QCOMPARE(fixture.start({u"while"_s, u"they"_s, u"wait"_s}), Part::handedOver);
+    QVERIFY(process.says("while they wait"));
+    idle.clear();
+    QCOMPARE(fixture.start({u"behind"_s, u"them"_s}), Part::handedOver);
+    QVERIFY(process.says("behind them"));
+}
+
+void SingleInstanceTest::withoutADescriptorTheReserveServes()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle({}), Part::first);
+    const QByteArray message = openRequest::encode({QUuid::createUuid(), {u"x"_s}});
+    rlimit before = {};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const auto restore = qScopeGuard([&before] { setrlimit(RLIMIT_NOFILE, &before); });
+    const rlimit few{64, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &few), 0);
+    std::vector<OpenFile> others;
+    while (others.empty() || others.back().isOpen()) {
+        others.emplace_back(::dup(STDERR_FILENO));
+    }
+    // One for this end, none for the other.
+    others.pop_back();
+    others.pop_back();
+    const OpenFile socket = localSocket::connectTo(fixture.place.socketPath);
+    QVERIFY(socket.isOpen());
+    QCOMPARE(localSocket::send(socket, message), message.size());
+    pollfd watched{socket.get(), POLLIN, 0};
+    QCOMPARE(::poll(&watched, 1, 20'000), 1);
+    others.clear();
+    QTRY_COMPARE(fixture.received, QList<QStringList>{{u"x"_s}});
+}
+
+void SingleInstanceTest::manyAtOnceMakeOneFirst()
+{
+    const Fixture fixture;
+    constexpr int count = 40;
+    std::vector<std::unique_ptr<QProcess>> starts;
+    for (int start = 0; start < count; ++start) {
+        starts.push_back(std::make_unique<QProcess>());
+        startRole(*starts.back(), u"playStart"_s, {fixture.folder.path(), QString::number(start)});
+    }
+    QSet<QByteArray> told;
+    int firsts = 0;
+    for (const auto& start : starts) {
+        QVERIFY(start->waitForFinished(60'000));
+        const QList<QByteArray> lines = start->readAllStandardOutput().trimmed().split('\n');
+        if (start->exitCode() == 7) {
+            ++firsts;
+            told.unite(QSet<QByteArray>(lines.begin(), lines.end()));
+            QCOMPARE(lines.size(), count);
+        }
+    }
+    QCOMPARE(firsts, 1);
+    QCOMPARE(told.size(), count);
+}
+
+namespace {
+
+/// One of forty starts: hands its number over, or prints all numbers, and ends with status 7 then.
+int playStart(const QStringList& arguments)
+{
+    SingleInstance instance(placeIn(arguments[0]));
+    instance.setPatience(std::chrono::minutes(1));
+    int told = 0;
+    const auto tell = [&told](const QStringList& texts) {
+        std::printf("%s\n", qPrintable(texts.join(u' ')));
+        if (++told == 40) {
+            QCoreApplication::exit(7);
+        }
+    };
+    QObject::connect(&instance, &SingleInstance::received, &instance, tell);
+    switch (instance.settle({arguments[1]})) {
+    case Part::handedOver:
+        return 0;
+    case Part::first:
+        tell({arguments[1]});
+        return QCoreApplication::exec();
+    default:
+        return 1;
+    }
+}
+
+const kelm::test::Registered<SingleInstanceTest> registered(kelm::test::Toolkit::core,
+                                                            {{u"playFirst"_s, playFirst}, {u"playStart"_s, playStart}});
+
+} // namespace
 
 } // namespace single_instance_test
 

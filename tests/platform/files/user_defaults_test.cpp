@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 namespace user_defaults_test {
 
 using namespace kelm;
@@ -66,6 +68,7 @@ private Q_SLOTS:
     void aDamagedFileCountsAsEmptyAndStaysUntilAWrite();
     void aFileThatMayNotBeReadStaysAsItIs();
     void aFolderInPlaceOfTheFileDoesNoHarm();
+    void aPipeInPlaceOfTheFileHoldsNobody();
     void twoProgramsLoseNeithersKeys();
     void keysOfAnotherProgramStay();
     void sharedStandsInTheConfigurationFolder();
@@ -260,6 +263,20 @@ void UserDefaultsTest::aFolderInPlaceOfTheFileDoesNoHarm()
     QVERIFY(!defaults.synchronize());
     QVERIFY(defaults.string(u"selectedTheme"_s) == u"Dracula"_s);
     QVERIFY(QFileInfo(path()).isDir());
+}
+
+void UserDefaultsTest::aPipeInPlaceOfTheFileHoldsNobody()
+{
+    QVERIFY(QDir(folder_->path()).mkpath(u"sub"_s));
+    QCOMPARE(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+    UserDefaults defaults(path());
+    QVERIFY(!defaults.string(u"selectedTheme"_s));
+    defaults.setString(u"selectedTheme"_s, u"Dracula"_s);
+    QVERIFY(!defaults.synchronize());
+    QVERIFY(defaults.string(u"selectedTheme"_s) == u"Dracula"_s);
+    struct stat status = {};
+    QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
 }
 
 void UserDefaultsTest::twoProgramsLoseNeithersKeys()

@@ -9,6 +9,9 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace application_exit_test {
 
 using namespace kelm;
@@ -49,6 +52,18 @@ int leaveIdle(const QStringList& /*arguments*/)
     return status;
 }
 
+/// Starts without standard streams, and tells the number of the first file that it opens.
+int startWithoutStreams(const QStringList& /*arguments*/)
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        ::close(stream);
+    }
+    outliveReaders();
+    const int opened = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const bool isWritable = ::write(STDOUT_FILENO, "x", 1) == 1 && ::write(STDERR_FILENO, "x", 1) == 1;
+    return isWritable && ::fcntl(STDOUT_FILENO, F_GETFD) == 0 ? opened : 1;
+}
+
 } // namespace
 
 class ApplicationExitTest : public QObject
@@ -59,6 +74,7 @@ private Q_SLOTS:
     void endlessWorkDoesNotHoldTheProcess_data();
     void endlessWorkDoesNotHoldTheProcess();
     void withoutWorkItComesBack();
+    void noFileTakesThePlaceOfAClosedStream();
 };
 
 void ApplicationExitTest::endlessWorkDoesNotHoldTheProcess_data()
@@ -88,8 +104,14 @@ void ApplicationExitTest::withoutWorkItComesBack()
     QCOMPARE(said, QByteArray("came back"));
 }
 
-const kelm::test::Registered<ApplicationExitTest> registered(kelm::test::Toolkit::core,
-                                                             {{u"busy"_s, leaveBusy}, {u"idle"_s, leaveIdle}});
+void ApplicationExitTest::noFileTakesThePlaceOfAClosedStream()
+{
+    QVERIFY(runRole(u"noStreams"_s, {}) > STDERR_FILENO);
+}
+
+const kelm::test::Registered<ApplicationExitTest>
+    registered(kelm::test::Toolkit::core,
+               {{u"busy"_s, leaveBusy}, {u"idle"_s, leaveIdle}, {u"noStreams"_s, startWithoutStreams}});
 
 } // namespace application_exit_test
 

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void endsAreToldThoughWhoeverStartedUsIgnoredThem();
     void processThatHoldsThePipesIsNotWaitedFor();
     void brokenPipesHaveTheirDefaultMeaningInTheChild();
+    void aGroupCanBeToldToEndWhateverWasIgnored();
     void ownGroupIsMadeOnlyOnDemand();
     void noDescriptorIsLeftOpenOrInherited();
     void aLackOfDescriptorsIsALaunchFailure();
@@ -293,6 +294,28 @@ void ProcessTest::brokenPipesHaveTheirDefaultMeaningInTheChild()
     const auto before = ::signal(SIGPIPE, SIG_IGN);
     const auto restore = qScopeGuard([before] { ::signal(SIGPIPE, before); });
     QCOMPARE(ProcessRunner::system().run(roleCommand({u"broken-pipes"_s})).standardOutput, QByteArray("default"));
+}
+
+void ProcessTest::aGroupCanBeToldToEndWhateverWasIgnored()
+{
+    ProcessCommand command = roleCommand({u"ends"_s});
+    for (const auto meaning : {SIG_IGN, SIG_DFL, +[](int) {}}) {
+        std::vector<std::pair<int, void (*)(int)>> before;
+        for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+            before.emplace_back(number, ::signal(number, meaning));
+        }
+        const auto restore = qScopeGuard([&before] {
+            for (const auto& [number, handler] : before) {
+                ::signal(number, handler);
+            }
+        });
+        command.ownGroup = true;
+        QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("default default default "));
+        // One that shares the application's group shares what it is deaf to.
+        command.ownGroup = false;
+        QCOMPARE(ProcessRunner::system().run(command).standardOutput,
+                 QByteArray(meaning == SIG_IGN ? "ignored " : "default ").repeated(3));
+    }
 }
 
 void ProcessTest::ownGroupIsMadeOnlyOnDemand()
