@@ -123,13 +123,20 @@ void TextEditor::setSelections(SelectionSet selections)
 
 QStringList TextEditor::selectedTexts() const
 {
+    const bool isShortened = wholeText_ != nullptr && wholeText_->isShortened();
+    const TextTree text = isShortened ? wholeText_->text() : storage_.snapshot();
     QStringList texts;
     for (const Selection& selection : selections_.all()) {
         if (!selection.isCaret()) {
-            texts.append(storage_.substring(selection.range()));
+            texts.append(text.substring(wholeRange(selection.range())));
         }
     }
     return texts;
+}
+
+TextRange TextEditor::wholeRange(TextRange range) const
+{
+    return wholeText_ != nullptr && wholeText_->isShortened() ? wholeText_->whole(range) : range;
 }
 
 void TextEditor::selectAll()
@@ -241,11 +248,9 @@ void TextEditor::undo()
     if (!prepareEdit()) {
         return;
     }
-    const std::optional<UndoStep> step = history_.takeUndo();
-    if (!step) {
-        return;
+    if (const std::optional<UndoStep> step = history_.takeUndo()) {
+        replay(batchesBack(step->replacements), step->before);
     }
-    replay(batchesBack(step->replacements), step->before);
 }
 
 void TextEditor::redo()
@@ -263,10 +268,34 @@ bool TextEditor::prepareEdit()
     if (isReadOnly_) {
         return false;
     }
+    selectWhatIsMeant();
     if (beforeEdit_) {
         beforeEdit_();
     }
     return true;
+}
+
+void TextEditor::selectWhatIsMeant()
+{
+    if (wholeText_ == nullptr || !wholeText_->isShortened() || !selections_.hasText()) {
+        return;
+    }
+    // A selection over a part of what stands for more is one over all of it.
+    std::vector<Selection> meant = selections_.all();
+    for (Selection& selection : meant) {
+        if (selection.isCaret()) {
+            continue;
+        }
+        const TextRange range = wholeText_->shown(wholeText_->whole(selection.range()));
+        if (range != selection.range()) {
+            const bool isForward = selection.anchor < selection.head.offset;
+            selection.anchor = isForward ? range.location : range.end();
+            selection.head = {isForward ? range.end() : range.location, false};
+        }
+    }
+    SelectionSet selections = selections_;
+    selections.replaceAll(std::move(meant));
+    assignSelections(std::move(selections));
 }
 
 bool TextEditor::prepareEdit(std::vector<Change>& changes)
@@ -356,6 +385,7 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
 
 void TextEditor::replay(const std::vector<ChangeBatch>& batches, const SelectionSet& selections)
 {
+    const TextTree before = storage_.snapshot();
     {
         const EditingBracket bracket(storage_);
         for (const ChangeBatch& batch : batches) {
@@ -364,7 +394,10 @@ void TextEditor::replay(const std::vector<ChangeBatch>& batches, const Selection
         selections_ = selections;
     }
     Q_EMIT selectionChanged();
-    Q_EMIT textChanged();
+    // A step may have put back what it took away, as composing a word over the same word does.
+    if (storage_.tree() != before) {
+        Q_EMIT textChanged();
+    }
     Q_EMIT undoAvailabilityChanged();
 }
 
