@@ -6,6 +6,7 @@
 #include "platform/view/file_drop.h"
 #include "settings/view/settings_view.h"
 #include "workbench/status/view/status_bar_view.h"
+#include "workbench/view/compositions.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/focus_order.h"
 #include "workbench/view/keyboard_place.h"
@@ -74,6 +75,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshLessonPanel();
     refreshTheme();
     keepKeyboardInSight();
+    new Compositions(this);
     new WindowNotices(appState_, *noticeBar_, *this);
 }
 
