@@ -19,7 +19,9 @@ def start_method(journey):
         journey.environment["DBUS_SESSION_BUS_ADDRESS"] = addresses.readline().strip()
     journey.environment.update(QT_IM_MODULE="ibus", GSETTINGS_BACKEND="keyfile", XDG_CURRENT_DESKTOP="KDE",
                                KDE_SESSION_VERSION="5")
-    journey.spawn("ibus-daemon", "--panel=disable", "--config=/usr/libexec/ibus-memconf", "--emoji-extension=disable")
+    # Its engines are scripts for the system's own interpreter, whatever else is on the path.
+    journey.spawn("env", "PATH=/usr/bin:/bin", "ibus-daemon", "--panel=disable", "--config=/usr/libexec/ibus-memconf",
+                  "--emoji-extension=disable")
 
     def choose():
         return subprocess.run(("ibus", "engine", "hangul"), env=journey.environment, capture_output=True,
