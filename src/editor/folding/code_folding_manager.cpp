@@ -149,6 +149,7 @@ void CodeFoldingManager::unfold(const FoldJournal::OpenFold& fold)
     journal_.takenBack(fold.startLine);
     replace(fold.placeholder, fold.body);
     forgetFold(region);
+    tellIfUnfolded();
     postChange();
 }
 
@@ -162,6 +163,9 @@ void CodeFoldingManager::fold(FoldableRegion region)
         return;
     }
     const TextTree body = storage_->tree().part(*range);
+    if (!isTextFolded() && onTextFolds) {
+        onTextFolds();
+    }
     foldedContent_[region.startLine] = body;
     journal_.folded(region.startLine, {range->location, foldPlaceholder.size()}, body);
     replace(*range, TextTree(foldPlaceholder));
@@ -193,6 +197,7 @@ void CodeFoldingManager::unfold(FoldableRegion region)
     journal_.unfolded(region.startLine, placeholder, TextTree(foldPlaceholder), body.length());
     replace(placeholder, body);
     forgetFold(region);
+    tellIfUnfolded();
     postChange();
 }
 
@@ -214,7 +219,8 @@ void CodeFoldingManager::unfoldAll()
     if (!storage_) {
         return;
     }
-    const bool hadFolds = isTextFolded() || !foldedRegionStartLines_.empty();
+    const bool wasFolded = isTextFolded();
+    const bool hadFolds = wasFolded || !foldedRegionStartLines_.empty();
     while (const auto last = journal_.takeLast()) {
         replace({last->location, last->length}, last->original);
     }
@@ -222,9 +228,42 @@ void CodeFoldingManager::unfoldAll()
     foldedContent_.clear();
     foldedRegions_.clear();
     foldedLines_.clear();
+    if (wasFolded) {
+        tellIfUnfolded();
+    }
     if (hadFolds) {
         postChange();
     }
+}
+
+std::vector<TextRange> CodeFoldingManager::placeholders() const
+{
+    std::vector<TextRange> places;
+    if (storage_ && isTextFolded()) {
+        for (const auto& [line, fold] : openFolds()) {
+            places.push_back(fold.placeholder);
+        }
+    }
+    return places;
+}
+
+bool CodeFoldingManager::reveal(TextRange whole)
+{
+    const auto hides = [&](const auto& entry) {
+        const TextRange hidden = journal_.wholeRange(entry.second.placeholder);
+        return whole.location < hidden.end() && whole.end() > hidden.location;
+    };
+    bool hasRevealed = false;
+    while (storage_ && isTextFolded()) {
+        const auto fold = std::find_if(openFolds().begin(), openFolds().end(), hides);
+        if (fold == openFolds().end()) {
+            break;
+        }
+        // What it hid may lie in a fold in turn.
+        unfold(FoldJournal::OpenFold(fold->second));
+        hasRevealed = true;
+    }
+    return hasRevealed;
 }
 
 std::optional<TextRange> CodeFoldingManager::rangeForRegion(const FoldableRegion& region) const
@@ -256,7 +295,18 @@ void CodeFoldingManager::replace(TextRange range, const TextTree& text)
 void CodeFoldingManager::textEdited(const TextEdit& edit)
 {
     if (storage_->revision() != ownRevision_) {
+        const bool wasFolded = isTextFolded();
         journal_.textEdited(edit);
+        if (wasFolded && onFoldedTextEdited) {
+            onFoldedTextEdited();
+        }
+    }
+}
+
+void CodeFoldingManager::tellIfUnfolded() const
+{
+    if (!isTextFolded() && onTextUnfolded) {
+        onTextUnfolded();
     }
 }
 

@@ -95,10 +95,23 @@ public:
     bool isTextFolded() const { return !journal_.isEmpty(); }
     /// The text with the body of every fold in its place, as it was before the first fold that still stands.
     TextTree unfoldedText() const;
+    /// Where a range of what is shown stands in that text, and the other way round; see `FoldJournal`.
+    TextRange wholeRange(TextRange shown) const { return journal_.wholeRange(shown); }
+    TextRange shownRange(TextRange whole) const { return journal_.shownRange(whole); }
+    /// Where the placeholders stand that are seen, in the order of the text.
+    std::vector<TextRange> placeholders() const;
+    /// Undoes the folds that hide anything of a range of the whole text. False when there are none.
+    bool reveal(TextRange whole);
     /// Takes back all folds, and what was unfolded in a wrong place, and forgets all that was folded. Every body comes
     /// back with an edit of its own, so that carets and marks move along. Posts `codeFoldingChanged` if anything was
     /// folded.
     void unfoldAll();
+
+    /// Called right before the first fold is made, right after the last one is undone, and when another has edited a
+    /// text while it was folded.
+    std::function<void()> onTextFolds;
+    std::function<void()> onTextUnfolded;
+    std::function<void()> onFoldedTextEdited;
 
 private:
     void willReplace(TextRange range, qsizetype newLength);
@@ -111,6 +124,7 @@ private:
     /// The offset behind a line, if the text has that line.
     std::optional<qsizetype> offsetBehindLine(qsizetype line) const;
     void replace(TextRange range, const TextTree& text);
+    void tellIfUnfolded() const;
     void textEdited(const TextEdit& edit);
     void postChange();
 

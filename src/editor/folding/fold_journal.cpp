@@ -106,6 +106,44 @@ void FoldJournal::textEdited(const TextEdit& edit)
     }
 }
 
+namespace {
+
+/// Where a range is when `from` becomes `newLength` units: one that meets it without lying beside it takes all of it.
+TextRange carriedWhole(TextRange range, TextRange from, qsizetype newLength)
+{
+    const qsizetype growth = newLength - from.length;
+    qsizetype end = range.end();
+    if (end > from.location) {
+        end = end >= from.end() ? end + growth : from.location + newLength;
+    }
+    if (range.isEmpty()) {
+        return {end, 0};
+    }
+    qsizetype start = range.location;
+    if (start > from.location) {
+        start = start >= from.end() ? start + growth : from.location;
+    }
+    return TextRange::between(start, end);
+}
+
+} // namespace
+
+TextRange FoldJournal::wholeRange(TextRange range) const
+{
+    for (auto replacement = replacements_.rbegin(); replacement != replacements_.rend(); ++replacement) {
+        range = carriedWhole(range, {replacement->location, replacement->length}, replacement->original.length());
+    }
+    return range;
+}
+
+TextRange FoldJournal::shownRange(TextRange whole) const
+{
+    for (const Replacement& replacement : replacements_) {
+        whole = carriedWhole(whole, {replacement.location, replacement.original.length()}, replacement.length);
+    }
+    return whole;
+}
+
 TextTree FoldJournal::takenBackIn(TextTree text) const
 {
     for (auto replacement = replacements_.rbegin(); replacement != replacements_.rend(); ++replacement) {

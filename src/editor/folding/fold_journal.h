@@ -66,6 +66,12 @@ public:
     /// The text was edited by somebody else.
     void textEdited(const TextEdit& edit);
 
+    /// Where a range of the text as it is stood before all this was replaced. One that takes a part of what was put in
+    /// takes all of what stood there; a place within goes to its end.
+    TextRange wholeRange(TextRange range) const;
+    /// Where a range of the text before all this is seen: by what was put in, where a part of it was replaced.
+    TextRange shownRange(TextRange whole) const;
+
     /// A text in which all this was replaced, as it was before.
     TextTree takenBackIn(TextTree text) const;
 

@@ -26,6 +26,7 @@ EditorContainerView::EditorContainerView(Scheduler& scheduler, NotificationCente
       minimapView_(new EditorMinimapView(this)),
       syntaxHighlighter_(EditorTheme::monokai()),
       codeFoldingManager_(notifications),
+      foldedText_(codeFoldingManager_, [this] { foldsChanged(); }),
       highlightDebounce_(scheduler, highlightDelay, [this] { debouncedHighlight(); })
 {
     setUpTextView();
@@ -41,6 +42,7 @@ EditorContainerView::EditorContainerView(Scheduler& scheduler, NotificationCente
 EditorContainerView::~EditorContainerView()
 {
     textView_->setDelegate(nullptr);
+    textView_->setWholeText(nullptr);
     if (delegate_ != nullptr) {
         delegate_->textWillEnd();
     }
@@ -50,6 +52,7 @@ void EditorContainerView::setUpTextView()
 {
     setUpEditorText(*textView_, {4, 4});
     textView_->setDelegate(this);
+    textView_->setWholeText(&foldedText_);
     textView_->editor().setBeforeEdit([this] { prepareEdit(); });
 }
 
@@ -200,6 +203,11 @@ void EditorContainerView::toggleFold(qsizetype line)
     // What is being composed belongs to the text that is about to change.
     textView_->commitComposition();
     codeFoldingManager_.toggle(line);
+    foldsChanged();
+}
+
+void EditorContainerView::foldsChanged()
+{
     // The text that is shown is another one now, and its colours and regions are those of that text.
     highlight();
     detectFoldableRegions();

@@ -6,6 +6,7 @@
 #include "editor/highlighter/syntax_highlighter.h"
 #include "editor/minimap/view/editor_minimap_view.h"
 #include "editor/themes/editor_theme.h"
+#include "editor/view/folded_text.h"
 #include "editor/view/simple_line_number_view.h"
 #include "platform/events/notification_center.h"
 #include "platform/events/scheduler.h"
@@ -102,6 +103,7 @@ private:
     void toggleFold(qsizetype line);
     void prepareEdit();
     void unfold();
+    void foldsChanged();
     void scrollViewDidScroll();
     void refreshGutter();
     /// Takes the keyboard with the caret at the start of the text.
@@ -112,6 +114,7 @@ private:
     EditorMinimapView* minimapView_;
     SyntaxHighlighter syntaxHighlighter_;
     CodeFoldingManager codeFoldingManager_;
+    FoldedText foldedText_;
     EditorContainerDelegate* delegate_ = nullptr;
     bool showLineNumbers_ = true;
     bool showMinimap_ = true;

@@ -5,6 +5,7 @@
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
 #include "platform/view/divider.h"
+#include "platform/view/file_drop.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
@@ -225,8 +226,13 @@ bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
 void FileTreeView::dragEnterEvent(QDragEnterEvent* event)
 {
     if (event->mimeData()->hasUrls()) {
-        event->acceptProposedAction();
+        acceptAsCopy(*event);
     }
+}
+
+void FileTreeView::dragMoveEvent(QDragMoveEvent* event)
+{
+    acceptAsCopy(*event);
 }
 
 void FileTreeView::dropEvent(QDropEvent* event)
@@ -239,7 +245,7 @@ void FileTreeView::dropEvent(QDropEvent* event)
             appState_.openFile(url);
         }
     }
-    event->acceptProposedAction();
+    acceptAsCopy(*event);
 }
 
 } // namespace kelm

@@ -160,7 +160,10 @@ void PlainButton::keyPressEvent(QKeyEvent* event)
     if (fillMenu_ && opens) {
         openMenu();
     } else if (isReturn) {
-        click();
+        // A key that is held down presses once.
+        if (!event->isAutoRepeat()) {
+            click();
+        }
     } else {
         QAbstractButton::keyPressEvent(event);
     }

@@ -82,6 +82,13 @@ void RowActions::focusFirst()
     }
 }
 
+void RowActions::cancelPress()
+{
+    for (PlainButton* button : buttons_) {
+        button->setDown(false);
+    }
+}
+
 bool RowActions::eventFilter(QObject* watched, QEvent* event)
 {
     const qsizetype button = buttons_.indexOf(static_cast<PlainButton*>(watched));
@@ -92,6 +99,15 @@ bool RowActions::eventFilter(QObject* watched, QEvent* event)
         return false;
     case QEvent::KeyPress:
         return handleKey(button, static_cast<QKeyEvent&>(*event));
+    case QEvent::MouseMove:
+    case QEvent::HoverMove:
+        Q_EMIT pointerMoved(static_cast<QSinglePointEvent*>(event)->globalPosition().toPoint());
+        return false;
+    case QEvent::MouseButtonPress:
+        return !takesMouse_;
+    case QEvent::MouseButtonDblClick:
+        // The first of the two has done it, to a row that may be another one now.
+        return true;
     default:
         return false;
     }
@@ -100,6 +116,10 @@ bool RowActions::eventFilter(QObject* watched, QEvent* event)
 bool RowActions::handleKey(qsizetype button, QKeyEvent& event)
 {
     switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        return event.isAutoRepeat();
     case Qt::Key_Right:
     case Qt::Key_Tab:
         step(button, true);

@@ -10,7 +10,7 @@ namespace kelm {
 class PlainButton;
 
 /// A strip of symbol buttons, one for each action. With the keyboard on it, the arrow keys and Tab go from button to
-/// button, and beyond the first or by Escape back to the list.
+/// button, and beyond the first or by Escape back to the list. A key that is held down and a double click press once.
 class RowActions final : public QWidget
 {
     Q_OBJECT
@@ -25,12 +25,17 @@ public:
     bool isEmpty() const { return buttons_.isEmpty(); }
     bool hasKeyboard() const;
     void focusFirst();
+    /// Ends presses whose release would meet another row than they did.
+    void cancelPress();
+    /// Whether the mouse can press.
+    void setTakesMouse(bool takesMouse) { takesMouse_ = takesMouse; }
 
 Q_SIGNALS:
     /// The keyboard leaves the strip by its own keys: towards what follows the list, or back to the list.
     void leftForwards();
     void leftBackwards();
     void keyboardChanged();
+    void pointerMoved(QPoint globalPlace);
     /// A key that moves through the rows.
     void rowKeyPressed(QKeyEvent* event);
 
@@ -42,6 +47,7 @@ private:
     void step(qsizetype button, bool forwards);
 
     bool takesKeyboard_;
+    bool takesMouse_ = true;
     QList<RowAction> actions_;
     QList<PlainButton*> buttons_;
 };

@@ -88,6 +88,9 @@ RowList::RowList(int rowHeight, QWidget* parent)
     focusedActions_->hide();
 
     connect(this, &QListView::clicked, this, [this](const QModelIndex& index) { click(index.row()); });
+    for (const RowActions* strip : {hoveredActions_, focusedActions_}) {
+        connect(strip, &RowActions::pointerMoved, this, &RowList::notePointerMoved);
+    }
     connect(focusedActions_, &RowActions::keyboardChanged, this, &RowList::updateActions);
     connect(focusedActions_, &RowActions::leftBackwards, this, [this] { setFocus(Qt::BacktabFocusReason); });
     connect(focusedActions_, &RowActions::leftForwards, this, [this] {
@@ -106,6 +109,8 @@ RowList::~RowList()
 void RowList::setSections(QList<RowSection> sections)
 {
     const std::optional<Kept> kept = keptRow();
+    const auto pointed = identityOf(pointer_ ? rowUnder(*pointer_) : -1);
+    const auto focused = identityOf(currentIndex().row());
     const int scrolled = verticalScrollBar()->value();
     hoveredItem_ = -1;
     focusedItem_ = -1;
@@ -118,9 +123,40 @@ void RowList::setSections(QList<RowSection> sections)
     if (kept) {
         restore(*kept);
     }
+    if (pointer_ && identityOf(rowUnder(*pointer_)) != pointed) {
+        slidUnder_ = viewport()->mapToGlobal(*pointer_);
+        takeMouse(false);
+        hoveredActions_->cancelPress();
+        focusedActions_->cancelPress();
+    } else if (identityOf(currentIndex().row()) != focused) {
+        focusedActions_->cancelPress();
+    }
     setAccessibleDescription(model_.rowCount() == 0 ? placeholder_ : QString());
     updateActions();
     viewport()->update();
+}
+
+std::optional<std::pair<qsizetype, QString>> RowList::identityOf(int item) const
+{
+    if (!isUsable(item)) {
+        return {};
+    }
+    const RowModel::Place place = model_.placeOf(item);
+    return std::pair(qsizetype(place.section), model_.sections()[place.section].key(place.position));
+}
+
+void RowList::notePointerMoved(QPoint globalPlace)
+{
+    if (slidUnder_ && globalPlace != *slidUnder_) {
+        slidUnder_.reset();
+        takeMouse(true);
+    }
+}
+
+void RowList::takeMouse(bool takes)
+{
+    hoveredActions_->setTakesMouse(takes);
+    focusedActions_->setTakesMouse(takes);
 }
 
 std::optional<RowList::Kept> RowList::keptRow() const
@@ -264,12 +300,20 @@ bool RowList::viewportEvent(QEvent* event)
     case QEvent::HoverEnter:
     case QEvent::HoverMove:
         pointer_ = static_cast<QSinglePointEvent*>(event)->position().toPoint();
+        notePointerMoved(static_cast<QSinglePointEvent*>(event)->globalPosition().toPoint());
         updateActions();
         break;
     case QEvent::Leave:
     case QEvent::HoverLeave:
         pointer_.reset();
         updateActions();
+        break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        if (slidUnder_) {
+            event->accept();
+            return true;
+        }
         break;
     default:
         break;

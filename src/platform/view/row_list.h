@@ -16,6 +16,9 @@ class RowActions;
 /// The row under the mouse shows its actions as buttons. So does the row that the keyboard is on: the up and down keys
 /// go from row to row, Return and Space do what a click does, Right or Tab goes to the row's buttons, and the menu key
 /// offers the same. Rows that can be clicked stand out while the mouse is over them.
+///
+/// One gesture does one thing. A row that has come under the pointer because the rows were made anew takes no press
+/// until the pointer moves, and a key that is held down presses once.
 class RowList final : public QListView
 {
     Q_OBJECT
@@ -62,6 +65,11 @@ private:
     std::optional<Kept> keptRow() const;
     void restore(const Kept& kept);
     void makeEditors();
+    /// What tells an item from the others when the rows are made anew; absent where there is no row.
+    std::optional<std::pair<qsizetype, QString>> identityOf(int item) const;
+    void notePointerMoved(QPoint globalPlace);
+    /// Whether the rows' buttons take presses of the mouse.
+    void takeMouse(bool takes);
     /// The item of a row, or -1 where there is none.
     int rowUnder(const QPoint& place) const;
     bool isUsable(int item) const;
@@ -79,6 +87,8 @@ private:
     RowActions* focusedActions_;
     /// Where the mouse is, in the viewport; absent while it is elsewhere.
     std::optional<QPoint> pointer_;
+    /// Where the pointer is, on the screen, since another row has come under it.
+    std::optional<QPoint> slidUnder_;
     int hoveredItem_ = -1;
     int focusedItem_ = -1;
     /// Whether the last touch was by key: then the current row is marked.

@@ -17,7 +17,9 @@ void RowList::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Enter:
     case Qt::Key_Space:
         updateActions();
-        click(item);
+        if (!event->isAutoRepeat()) {
+            click(item);
+        }
         return;
     case Qt::Key_Right:
         updateActions();

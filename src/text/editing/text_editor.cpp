@@ -121,17 +121,6 @@ void TextEditor::setSelections(SelectionSet selections)
     assignSelections(std::move(selections));
 }
 
-QStringList TextEditor::selectedTexts() const
-{
-    QStringList texts;
-    for (const Selection& selection : selections_.all()) {
-        if (!selection.isCaret()) {
-            texts.append(storage_.substring(selection.range()));
-        }
-    }
-    return texts;
-}
-
 void TextEditor::selectAll()
 {
     setSelections(SelectionSet(Selection::over({0, storage_.length()})));
@@ -241,11 +230,9 @@ void TextEditor::undo()
     if (!prepareEdit()) {
         return;
     }
-    const std::optional<UndoStep> step = history_.takeUndo();
-    if (!step) {
-        return;
+    if (const std::optional<UndoStep> step = history_.takeUndo()) {
+        replay(batchesBack(step->replacements), step->before);
     }
-    replay(batchesBack(step->replacements), step->before);
 }
 
 void TextEditor::redo()
@@ -263,6 +250,7 @@ bool TextEditor::prepareEdit()
     if (isReadOnly_) {
         return false;
     }
+    selectWhatIsMeant();
     if (beforeEdit_) {
         beforeEdit_();
     }
@@ -356,6 +344,7 @@ void TextEditor::commit(const std::vector<Change>& changes, EditKind kind, After
 
 void TextEditor::replay(const std::vector<ChangeBatch>& batches, const SelectionSet& selections)
 {
+    const TextTree before = storage_.snapshot();
     {
         const EditingBracket bracket(storage_);
         for (const ChangeBatch& batch : batches) {
@@ -364,7 +353,10 @@ void TextEditor::replay(const std::vector<ChangeBatch>& batches, const Selection
         selections_ = selections;
     }
     Q_EMIT selectionChanged();
-    Q_EMIT textChanged();
+    // A step may have put back what it took away, as composing a word over the same word does.
+    if (storage_.tree() != before) {
+        Q_EMIT textChanged();
+    }
     Q_EMIT undoAvailabilityChanged();
 }
 

@@ -4,6 +4,7 @@
 #include "text/editing/change_batch.h"
 #include "text/editing/selection.h"
 #include "text/editing/undo_history.h"
+#include "text/editing/whole_text.h"
 #include "text/layout/text_layout.h"
 #include "text/storage/text_storage.h"
 
@@ -55,8 +56,10 @@ public:
     void setSelections(SelectionSet selections);
     void select(TextRange range) { setSelections(SelectionSet(Selection::over(range))); }
     TextRange selectedRange() const { return selections_.primary().range(); }
-    /// The selected texts in the order of the text.
+    /// The selected texts in the order of the text, of the whole text where there is one.
     QStringList selectedTexts() const;
+    /// Where a range of what is shown stands in the whole text.
+    TextRange wholeRange(TextRange range) const;
     void selectAll();
 
     bool isReadOnly() const { return isReadOnly_; }
@@ -65,6 +68,9 @@ public:
     void setPageRows(int rows) { pageRows_ = rows; }
     /// Whether an edit by the user is being made right now; every such edit ends in `textChanged`.
     bool isEditing() const { return isOwnReplacement_; }
+    /// What is behind a text that may be shown in short; none for one that is always shown as it is. It outlives the
+    /// editor. Whatever is shown in short must be shown in full by what `setBeforeEdit` is given.
+    void setWholeText(const WholeText* text) { wholeText_ = text; }
     /// Called before each edit by the user, which then acts on the text and the selections as the call left them.
     void setBeforeEdit(std::function<void()> call) { beforeEdit_ = std::move(call); }
     /// Makes ready for an edit by the user, which may change the text: does what `setBeforeEdit` was given. Each edit
@@ -114,6 +120,7 @@ Q_SIGNALS:
 private:
     /// As above, with the places of `changes` carried along.
     bool prepareEdit(std::vector<Change>& changes);
+    void selectWhatIsMeant();
     void carryChanges(TextRange range, qsizetype newLength);
     void foreignReplacement(TextRange range, const TextTree& replacement);
     void foreignEditDone(const TextEdit& edit);
@@ -133,6 +140,7 @@ private:
     SelectionSet selections_;
     UndoHistory history_;
     std::function<void()> beforeEdit_;
+    const WholeText* wholeText_ = nullptr;
     bool isReadOnly_ = false;
     bool isOwnReplacement_ = false;
     // Changes whose edit is being made ready.

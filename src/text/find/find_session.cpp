@@ -28,13 +28,19 @@ constexpr qsizetype describedContext = 200;
 
 } // namespace
 
-FindSession::FindSession(TextStorage& storage, SearchEngine& engine, QObject* parent)
-    : QObject(parent), storage_(storage), engine_(engine)
+FindSession::FindSession(TextStorage& storage, SearchEngine& engine, QObject* parent) : QObject(parent), engine_(engine)
 {
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(rest);
     connect(&restTimer_, &QTimer::timeout, this, &FindSession::startRun);
-    connect(&storage_, &TextStorage::edited, this, &FindSession::textEdited);
+    searchIn(storage);
+}
+
+void FindSession::searchIn(TextStorage& storage)
+{
+    disconnect(edits_);
+    storage_ = &storage;
+    edits_ = connect(storage_, &TextStorage::edited, this, &FindSession::textEdited);
 }
 
 void FindSession::start(qsizetype origin)
@@ -93,7 +99,7 @@ void FindSession::textEdited(const TextEdit& edit)
     origin_ = edit.moved(current_ ? current_->location : origin_, false);
     current_.reset();
     isChosen_ = false;
-    scan_.edited(storage_.tree(), edit);
+    scan_.edited(storage_->tree(), edit);
     const bool wasStepping = std::exchange(pendingStep_, {}).has_value();
     search();
     if (scan_.state() == FindScan::State::searching) {
@@ -108,9 +114,9 @@ void FindSession::textEdited(const TextEdit& edit)
 void FindSession::search()
 {
     if (!scan_.query().isPattern()) {
-        scan_.advance(storage_.tree(), unitsAtOnce);
-    } else if (storage_.length() <= unitsAtOnce) {
-        scan_.tryPattern(storage_.tree(), placesAtOnce);
+        scan_.advance(storage_->tree(), unitsAtOnce);
+    } else if (storage_->length() <= unitsAtOnce) {
+        scan_.tryPattern(storage_->tree(), placesAtOnce);
     }
     chooseCurrent();
     publish();
@@ -119,7 +125,7 @@ void FindSession::search()
 
 void FindSession::startRun()
 {
-    continueRun(std::make_shared<FindRun>(scan_.query(), storage_.snapshot(), scan_.searchedTo()));
+    continueRun(std::make_shared<FindRun>(scan_.query(), storage_->snapshot(), scan_.searchedTo()));
 }
 
 void FindSession::continueRun(const std::shared_ptr<FindRun>& run)
@@ -148,9 +154,9 @@ void FindSession::searchShown()
         return;
     }
     searchedShown_ = shown_;
-    const TextRange range = TextRange::between(storage_.lineRange({shown_.location, 0}).location, shown_.end() + 1);
+    const TextRange range = TextRange::between(storage_->lineRange({shown_.location, 0}).location, shown_.end() + 1);
     shownTask_.start([this, range, query = scan_.query(),
-                      text = storage_.snapshot()](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+                      text = storage_->snapshot()](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
         const auto search = query.patternSearch(text, range.location);
         search->setInterruption([&](int, qsizetype reached) { return stop || reached > range.end(); });
         std::vector<TextRange> matches;
@@ -198,7 +204,7 @@ void FindSession::chooseCurrent()
 
 std::optional<std::optional<TextRange>> FindSession::known(Step step)
 {
-    const TextTree& text = storage_.tree();
+    const TextTree& text = storage_->tree();
     if (step.isForward ? scan_.knowsNextFrom(step.from) : scan_.knowsPreviousFrom(step.from)) {
         const auto index = step.isForward ? scan_.nextFrom(text, step.from) : scan_.previousFrom(text, step.from);
         return index ? std::optional(scan_.matches().at(*index)) : std::nullopt;
@@ -247,7 +253,7 @@ std::optional<qsizetype> FindSession::currentIndex() const
 
 std::vector<TextRange> FindSession::matchesIn(TextRange range) const
 {
-    return scan_.matchesIn(storage_.tree(), range);
+    return scan_.matchesIn(storage_->tree(), range);
 }
 
 QString FindSession::statusText() const
@@ -277,15 +283,15 @@ QString FindSession::statusText() const
 
 std::optional<QString> FindSession::replacementForCurrent() const
 {
-    return current_ ? scan_.query().replacementFor(storage_.tree(), *current_, engine_.replaceText()) : std::nullopt;
+    return current_ ? scan_.query().replacementFor(storage_->tree(), *current_, engine_.replaceText()) : std::nullopt;
 }
 
 std::optional<ReplaceAllResult> FindSession::replaceAll()
 {
-    if (storage_.length() <= unitsReplacedAtOnce) {
-        return scan_.query().replaceAll(storage_.tree(), engine_.replaceText());
+    if (storage_->length() <= unitsReplacedAtOnce) {
+        return scan_.query().replaceAll(storage_->tree(), engine_.replaceText());
     }
-    replaceTask_.start([this, query = scan_.query(), text = storage_.snapshot(), replacement = engine_.replaceText()](
+    replaceTask_.start([this, query = scan_.query(), text = storage_->snapshot(), replacement = engine_.replaceText()](
                            const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
         return [this, result = query.replaceAll(text, replacement, FindQuery::longestReplacement, &stop)] {
             Q_EMIT replacedAll(result);
@@ -306,12 +312,12 @@ QList<SearchMatch> FindSession::describe() const
 {
     QList<SearchMatch> described;
     for (const TextRange match : scan_.matches().between(0, std::min(matchCount(), describedMatches))) {
-        const LineAndColumn place = lineAndColumnAt(storage_.tree(), match.location);
-        const TextRange line = storage_.lineRange({match.location, 0});
+        const LineAndColumn place = lineAndColumnAt(storage_->tree(), match.location);
+        const TextRange line = storage_->lineRange({match.location, 0});
         const TextRange near =
             line.intersected({match.location - describedContext, match.length + 2 * describedContext});
-        described.append({QUuid::createUuid(), match, place.line, place.column, storage_.substring(near),
-                          storage_.substring(match)});
+        described.append({QUuid::createUuid(), match, place.line, place.column, storage_->substring(near),
+                          storage_->substring(match)});
     }
     return described;
 }

@@ -30,6 +30,8 @@ public:
 
     FindSession(TextStorage& storage, SearchEngine& engine, QObject* parent = nullptr);
 
+    /// The text stands in another storage from now on, the same unit for unit; what was found stays.
+    void searchIn(TextStorage& storage);
     /// Begins a search for what the engine now says, from `origin` on.
     void start(qsizetype origin);
     /// Ends the search and forgets its matches.
@@ -95,7 +97,8 @@ private:
     void publish();
     QList<SearchMatch> describe() const;
 
-    TextStorage& storage_;
+    TextStorage* storage_ = nullptr;
+    QMetaObject::Connection edits_;
     SearchEngine& engine_;
     FindScan scan_;
     std::optional<FindError> error_;

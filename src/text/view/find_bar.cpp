@@ -2,23 +2,16 @@
 
 #include "text/view/text_view.h"
 
-#include <QApplication>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 namespace kelm {
 
 namespace {
 
-constexpr int margin = 6;
-constexpr int spacing = 4;
-constexpr int fieldWidth = 260;
-constexpr int statusWidth = 180;
 /// The longest selection that is taken as the text looked for, in UTF-16 units.
 constexpr qsizetype longestSelection = 1000;
 
@@ -33,7 +26,8 @@ bool isWithinALine(const QString& text)
 FindBar::FindBar(TextView& view)
     : QFrame(&view),
       view_(view),
-      session_(view.storage(), engine_),
+      searched_(view),
+      session_(searched_.storage(), engine_),
       findField_(new QLineEdit(this)),
       replaceField_(new QLineEdit(this)),
       status_(new QLabel(this)),
@@ -53,6 +47,11 @@ FindBar::FindBar(TextView& view)
         restart();
     });
     connect(replaceField_, &QLineEdit::textChanged, &engine_, &SearchEngine::setReplaceText);
+    connect(&searched_, &SearchedText::moved, this, [this] { session_.searchIn(searched_.storage()); });
+    connect(&searched_, &SearchedText::replaced, this, [this] {
+        session_.searchIn(searched_.storage());
+        restart();
+    });
     connect(&session_, &FindSession::changed, this, &FindBar::showState);
     connect(&session_, &FindSession::replacedAll, this, &FindBar::putInAll);
     connect(&session_, &FindSession::stepEnded, this, [this](std::optional<TextRange> match) {
@@ -78,7 +77,7 @@ void FindBar::open(bool withReplace)
     const bool replaces = withReplace && !view_.isReadOnly();
     replaceRow_->setVisible(replaces);
     readSelection();
-    origin_ = view_.selectedRange().location;
+    origin_ = searched_.selectedRange().location;
     show();
     raise();
     placeOverView();
@@ -100,16 +99,17 @@ void FindBar::findNext()
 {
     step([this] {
         // What is shown as the current match is stepped to first, and then the one behind it.
-        const TextRange selected = view_.selectedRange();
+        const TextRange selected = searched_.selectedRange();
         const std::optional<TextRange> current = session_.currentMatch();
         const bool isSelected = current && *current == selected;
-        return session_.stepForward(isSelected ? FindQuery::behind(view_.storage().tree(), *current) : selected.end());
+        return session_.stepForward(isSelected ? FindQuery::behind(searched_.storage().tree(), *current)
+                                               : selected.end());
     });
 }
 
 void FindBar::findPrevious()
 {
-    step([this] { return session_.stepBackward(view_.selectedRange().location); });
+    step([this] { return session_.stepBackward(searched_.selectedRange().location); });
 }
 
 void FindBar::step(const std::function<std::optional<TextRange>()>& find)
@@ -122,7 +122,7 @@ void FindBar::step(const std::function<std::optional<TextRange>()>& find)
         return;
     }
     // A search for this one step: without the bar nothing follows what is typed.
-    session_.start(view_.selectedRange().location);
+    session_.start(searched_.selectedRange().location);
     select(find());
     if (!session_.isStepping()) {
         session_.stop();
@@ -181,94 +181,13 @@ void FindBar::keyPressEvent(QKeyEvent* event)
     event->accept();
 }
 
-bool FindBar::focusNextPrevChild(bool next)
-{
-    QWidget* const start = isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : this;
-    QWidget* candidate = start;
-    do {
-        candidate = next ? candidate->nextInFocusChain() : candidate->previousInFocusChain();
-        const bool isStop = isAncestorOf(candidate) && candidate->isVisible() && candidate->isEnabled() &&
-                            (candidate->focusPolicy() & Qt::TabFocus) != 0;
-        if (isStop) {
-            candidate->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-            return true;
-        }
-    } while (candidate != start);
-    return true;
-}
-
-QToolButton* FindBar::makeButton(const QString& text, const QString& help)
-{
-    auto* button = new QToolButton(this);
-    button->setText(text);
-    button->setToolTip(help);
-    button->setAccessibleName(help);
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::TabFocus);
-    return button;
-}
-
-QToolButton* FindBar::makeToggle(const QString& text, const QString& help)
-{
-    QToolButton* button = makeButton(text, help);
-    button->setCheckable(true);
-    connect(button, &QToolButton::toggled, this, [this] { restart(); });
-    return button;
-}
-
-void FindBar::buildRows()
-{
-    findField_->setPlaceholderText(tr("Find"));
-    findField_->setAccessibleName(tr("Find"));
-    findField_->setFixedWidth(fieldWidth);
-    replaceField_->setPlaceholderText(tr("Replace"));
-    replaceField_->setAccessibleName(tr("Replace"));
-    replaceField_->setFixedWidth(fieldWidth);
-    status_->setFixedWidth(statusWidth);
-    status_->setTextFormat(Qt::PlainText);
-
-    auto* findRow = new QHBoxLayout;
-    findRow->setSpacing(spacing);
-    QToolButton* previous = makeButton(QStringLiteral("‹"), tr("Previous match"));
-    QToolButton* next = makeButton(QStringLiteral("›"), tr("Next match"));
-    QToolButton* done = makeButton(tr("Done"), tr("Close the find bar"));
-    for (QWidget* widget : std::initializer_list<QWidget*>{findField_, caseToggle_, wordToggle_, patternToggle_,
-                                                           previous, next, status_}) {
-        findRow->addWidget(widget);
-    }
-    findRow->addStretch();
-    findRow->addWidget(done);
-
-    auto* replaceLayout = new QHBoxLayout(replaceRow_);
-    replaceLayout->setContentsMargins(0, 0, 0, 0);
-    replaceLayout->setSpacing(spacing);
-    QToolButton* replaceOne = makeButton(tr("Replace"), tr("Replace this match"));
-    QToolButton* replaceEach = makeButton(tr("Replace All"), tr("Replace all matches"));
-    replaceLayout->addWidget(replaceField_);
-    replaceLayout->addWidget(replaceOne);
-    replaceLayout->addWidget(replaceEach);
-    replaceLayout->addStretch();
-
-    auto* rows = new QVBoxLayout(this);
-    rows->setContentsMargins(margin, margin, margin, margin);
-    rows->setSpacing(spacing);
-    rows->addLayout(findRow);
-    rows->addWidget(replaceRow_);
-
-    connect(previous, &QToolButton::clicked, this, &FindBar::findPrevious);
-    connect(next, &QToolButton::clicked, this, &FindBar::findNext);
-    connect(done, &QToolButton::clicked, this, &FindBar::close);
-    connect(replaceOne, &QToolButton::clicked, this, &FindBar::replaceCurrent);
-    connect(replaceEach, &QToolButton::clicked, this, &FindBar::replaceAll);
-}
-
 void FindBar::readSelection()
 {
-    const TextRange selected = view_.selectedRange();
+    const TextRange selected = searched_.selectedRange();
     if (selected.length > longestSelection) {
         return;
     }
-    const QString text = view_.storage().substring(selected);
+    const QString text = searched_.storage().substring(selected);
     if (isWithinALine(text)) {
         engine_.setSearchText(text);
         findField_->setText(text);
@@ -285,15 +204,17 @@ void FindBar::restart()
     }
     session_.start(origin_);
     if (const std::optional<TextRange> match = session_.currentMatch()) {
-        view_.scrollRangeToVisible(*match);
+        searched_.reveal(*match);
+        view_.scrollRangeToVisible(searched_.shown(*match));
     }
 }
 
 void FindBar::select(std::optional<TextRange> match)
 {
     if (match) {
-        view_.setSelectedRange(*match);
-        view_.scrollRangeToVisible(*match);
+        searched_.reveal(*match);
+        view_.setSelectedRange(searched_.shown(*match));
+        view_.scrollRangeToVisible(searched_.shown(*match));
         origin_ = match->location;
     }
     showState();
@@ -301,7 +222,7 @@ void FindBar::select(std::optional<TextRange> match)
 
 void FindBar::replaceCurrent()
 {
-    // What is folded away opens first: matches in the text on screen are not those in the text that is edited.
+    // What is shown in short is shown in full first, and the text that is edited is the one that was searched.
     if (!view_.editor().prepareEdit()) {
         return;
     }
@@ -367,12 +288,11 @@ void FindBar::showHighlights()
     }
     // Only what is on screen: a text can have a million matches.
     const TextRange shown = TextRange::between(rows.front().range.location, rows.back().range.end());
-    session_.setShown(shown);
     const std::optional<TextRange> current = session_.currentMatch();
     std::vector<TextHighlight> highlights;
-    for (const TextRange match : session_.matchesIn(shown)) {
-        const bool isCurrent = current && match == *current;
-        highlights.push_back({match, isCurrent ? view_.colors().currentMatch : view_.colors().match});
+    for (const SearchedText::ShownMatch& match : searched_.matchesIn(session_, shown)) {
+        const bool isCurrent = current && match.match == *current;
+        highlights.push_back({match.shown, isCurrent ? view_.colors().currentMatch : view_.colors().match});
     }
     view_.setHighlights(std::move(highlights));
 }

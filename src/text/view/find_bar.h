@@ -3,6 +3,7 @@
 
 #include "text/find/find_session.h"
 #include "text/find/search_engine.h"
+#include "text/view/searched_text.h"
 
 #include <QFrame>
 
@@ -48,6 +49,8 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    static constexpr int statusWidth = 180;
+
     QToolButton* makeButton(const QString& text, const QString& help);
     QToolButton* makeToggle(const QString& text, const QString& help);
     void buildRows();
@@ -66,6 +69,7 @@ private:
 
     TextView& view_;
     SearchEngine engine_;
+    SearchedText searched_;
     FindSession session_;
     QLineEdit* findField_;
     QLineEdit* replaceField_;
@@ -74,7 +78,7 @@ private:
     QToolButton* wordToggle_;
     QToolButton* patternToggle_;
     QWidget* replaceRow_;
-    /// Where the caret stood when the text looked for was last typed.
+    /// Where in the whole text the caret stood when the text looked for was last typed.
     qsizetype origin_ = 0;
 };
 

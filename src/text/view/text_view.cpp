@@ -57,6 +57,12 @@ void TextView::setSelectedRange(TextRange range)
     editor_.select(range.clampedTo(storage_.length()));
 }
 
+void TextView::setWholeText(WholeText* text)
+{
+    wholeText_ = text;
+    editor_.setWholeText(text);
+}
+
 void TextView::setReadOnly(bool readOnly)
 {
     commitComposition();

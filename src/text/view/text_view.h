@@ -73,7 +73,11 @@ public:
 
     void setDelegate(TextViewDelegate* delegate) { delegate_ = delegate; }
 
-    /// A copy of the whole text, linear in it.
+    /// What is behind a text that may be shown in short; it outlives the view. To be set before the find bar is made.
+    void setWholeText(WholeText* text);
+    WholeText* wholeText() const { return wholeText_; }
+
+    /// A copy of what is shown, linear in it.
     QString text() const { return storage_.text(); }
     TextRange selectedRange() const { return editor_.selectedRange(); }
     void setSelectedRange(TextRange range);
@@ -205,6 +209,7 @@ private:
     TextLayout layout_;
     TextEditor editor_;
     TextViewDelegate* delegate_ = nullptr;
+    WholeText* wholeText_ = nullptr;
     std::unique_ptr<TextViewMouse> mouse_;
     std::unique_ptr<TextViewInputMethod> inputMethod_;
     FindBar* findBar_ = nullptr;

@@ -60,8 +60,9 @@ void TextView::copy()
 
 void TextView::cut()
 {
-    if (!isReadOnly() && editor_.selections().hasText()) {
-        commitComposition();
+    commitComposition();
+    // What is cut is what is taken away, in the text as the edit finds it.
+    if (editor_.selections().hasText() && editor_.prepareEdit()) {
         copy();
         deleteSelection();
     }

@@ -56,10 +56,11 @@ void TextViewInputMethod::commit()
     const QScopedValueRollback committing(isCommitting_, true);
     QGuiApplication::inputMethod()->commit();
     if (const std::optional<Preedit> left = view_.layout_.preedit()) {
-        // No input method took it up: what is seen is what is meant.
-        view_.layout_.setPreedit({});
-        view_.editor().insertText(left->text, EditKind::composing);
-        view_.editor().endUndoRun();
+        // No input method took it up: what is seen is what is meant. It comes as the method's own commit would, for
+        // those who follow what is composed.
+        QInputMethodEvent event;
+        event.setCommitString(left->text);
+        QCoreApplication::sendEvent(&view_, &event);
         QGuiApplication::inputMethod()->reset();
     }
 }

@@ -227,7 +227,7 @@ void TextViewMouse::startDrag()
 void TextViewMouse::offerSelection() const
 {
     QClipboard* clipboard = QGuiApplication::clipboard();
-    const TextRange range = view_.selectedRange();
+    const TextRange range = view_.editor().wholeRange(view_.selectedRange());
     if (clipboard->supportsSelection() && !range.isEmpty() && range.length <= longestOffered) {
         clipboard->setText(view_.editor().selectedTexts().join(u'\n'), QClipboard::Selection);
     }

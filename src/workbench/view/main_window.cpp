@@ -3,12 +3,16 @@
 #include "learning/view/learning_mode_side_panel.h"
 #include "platform/events/main_queue.h"
 #include "platform/view/divider.h"
+#include "platform/view/file_drop.h"
 #include "settings/view/settings_view.h"
 #include "workbench/status/view/status_bar_view.h"
+#include "workbench/view/compositions.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/focus_order.h"
+#include "workbench/view/keyboard_place.h"
 #include "workbench/view/menu_bar.h"
 #include "workbench/view/notice_bar.h"
+#include "workbench/view/overlay_layer.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
 #include "workbench/view/window_notices.h"
@@ -21,6 +25,9 @@
 #include <QMimeData>
 #include <QSplitter>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -67,11 +74,23 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshBottomPanel();
     refreshLessonPanel();
     refreshTheme();
-    new WindowOverlays(appState_, *this);
+    keepKeyboardInSight();
+    new Compositions(this);
     new WindowNotices(appState_, *noticeBar_, *this);
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    // The parts of the window go one after the other now, each with the keyboard if it has it.
+    delete std::exchange(keyboardPlace_, nullptr);
+}
+
+void MainWindow::keepKeyboardInSight()
+{
+    auto* overlays = new WindowOverlays(appState_, *this);
+    keyboardPlace_ = new KeyboardPlace(
+        *this, [this] { editorArea_->focusCurrentEditor(); }, [overlays]() -> QWidget* { return overlays->top(); });
+}
 
 void MainWindow::openSettings()
 {
@@ -198,10 +217,23 @@ void MainWindow::refreshTheme()
     centralWidget()->setAutoFillBackground(true);
 }
 
+QList<QWidget*> MainWindow::regions() const
+{
+    return {toolbar_, sidebar_, tabBar_, editorArea_, lessonPanel_, bottomPanel_, statusBar_};
+}
+
 bool MainWindow::focusNextPrevChild(bool next)
 {
-    const QList<QWidget*> regions{toolbar_, sidebar_, tabBar_, editorArea_, lessonPanel_, bottomPanel_, statusBar_};
-    QWidget* const stop = nextFocusStop(regions, focusWidget(), next);
+    const auto inSight = [this](const QWidget& hidden) {
+        const QList<QWidget*> all = regions();
+        return std::any_of(all.begin(), all.end(), [&](const QWidget* region) {
+            return region != nullptr && region->isVisible() && region->isAncestorOf(&hidden);
+        });
+    };
+    if (keyboardPlace_ != nullptr && keyboardPlace_->takeFromHidden(inSight)) {
+        return true;
+    }
+    QWidget* const stop = nextFocusStop(regions(), focusWidget(), next);
     if (stop != nullptr) {
         stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     }
@@ -211,8 +243,13 @@ bool MainWindow::focusNextPrevChild(bool next)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     if (event->mimeData()->hasUrls()) {
-        event->acceptProposedAction();
+        acceptAsCopy(*event);
     }
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event)
+{
+    acceptAsCopy(*event);
 }
 
 void MainWindow::dropEvent(QDropEvent* event)
@@ -226,7 +263,7 @@ void MainWindow::dropEvent(QDropEvent* event)
         }
     }
     appState_.openFiles(files);
-    event->acceptProposedAction();
+    acceptAsCopy(*event);
 }
 
 } // namespace kelm

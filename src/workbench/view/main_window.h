@@ -17,6 +17,7 @@ namespace kelm {
 
 class BottomPanel;
 class EditorArea;
+class KeyboardPlace;
 class NoticeBar;
 class OverlayLayer;
 class AutoUpdateService;
@@ -69,6 +70,7 @@ public:
 protected:
     bool focusNextPrevChild(bool next) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
@@ -78,6 +80,10 @@ private:
     void refreshLessonPanel();
     void refreshTheme();
     void connectState();
+    void keepKeyboardInSight();
+    /// The parts of the window that the Tab key goes through, in its order; those that are not shown are null or
+    /// hidden.
+    QList<QWidget*> regions() const;
 
     AppState& appState_;
     ThemeManager& themeManager_;
@@ -95,6 +101,7 @@ private:
     SidebarView* sidebar_ = nullptr;
     BottomPanel* bottomPanel_ = nullptr;
     QWidget* lessonPanel_ = nullptr;
+    KeyboardPlace* keyboardPlace_ = nullptr;
     std::unique_ptr<SettingsView> settings_;
 };
 

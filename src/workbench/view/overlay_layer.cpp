@@ -17,6 +17,7 @@ OverlayLayer::OverlayLayer(QWidget* content, double dimOpacity, std::function<vo
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(margin, margin, margin, margin);
     column->addWidget(content_, 0, Qt::AlignCenter);
+    setFocusProxy(content_);
     setGeometry(parent->rect());
     parent->installEventFilter(this);
 }

@@ -21,6 +21,8 @@ void commitCompositionInFocus()
 {
     if (auto* view = qobject_cast<TextView*>(QApplication::focusWidget())) {
         view->commitComposition();
+    } else {
+        QGuiApplication::inputMethod()->commit();
     }
 }
 

@@ -85,16 +85,22 @@ void WindowOverlays::refresh(std::size_t index)
     giveKeyboard();
 }
 
-void WindowOverlays::giveKeyboard()
+OverlayLayer* WindowOverlays::top() const
 {
     OverlayLayer* top = nullptr;
     for (const QPointer<OverlayLayer>& layer : layers_) {
-        top = layer ? layer.data() : top;
+        top = layer && !layer->isHidden() ? layer.data() : top;
     }
-    if (top == nullptr) {
+    return top;
+}
+
+void WindowOverlays::giveKeyboard()
+{
+    OverlayLayer* const layer = top();
+    if (layer == nullptr) {
         window_.editorArea().focusCurrentEditor();
-    } else if (!top->isAncestorOf(window_.focusWidget())) {
-        top->content()->setFocus();
+    } else if (!layer->isAncestorOf(window_.focusWidget())) {
+        layer->setFocus();
     }
 }
 

@@ -23,6 +23,9 @@ class WindowOverlays final : public QObject
 public:
     WindowOverlays(AppState& appState, MainWindow& window);
 
+    /// The layer over all others, or null.
+    OverlayLayer* top() const;
+
 private:
     /// One overlay: its flag and its view.
     struct Overlay

@@ -108,6 +108,7 @@ private Q_SLOTS:
     void aFolderThatCannotBeReadHasNoChildren();
     void theKeyboardWalksTheTree();
     void aDroppedFolderBecomesTheProject();
+    void aDroppedFileIsCopied();
     void badgesComeFromTheRepository();
     void aProjectNamedWithASlashIsTheSame();
     void aWindowThatComesBackKeepsTheTree();
@@ -267,6 +268,25 @@ void FileTreeViewTest::aDroppedFolderBecomesTheProject()
     QCoreApplication::sendEvent(fixture.view.get(), &drop);
     QCOMPARE(fixture.state.currentProject(), std::optional(QUrl::fromLocalFile(fixture.project.path())));
     QCOMPARE(fixture.rows().size(), 3);
+    QCOMPARE(fixture.state.documents().size(), 1);
+}
+
+void FileTreeViewTest::aDroppedFileIsCopied()
+{
+    Fixture fixture;
+    fixture.show(false);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(fixture.project.filePath(u"readme.md"_s))});
+    const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter({10, 10}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    QDragMoveEvent move({20, 20}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    QDropEvent drop({20, 20}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    for (QDropEvent* event : std::initializer_list<QDropEvent*>{&enter, &move, &drop}) {
+        QCOMPARE(event->proposedAction(), Qt::MoveAction);
+        QCoreApplication::sendEvent(fixture.view.get(), event);
+        QVERIFY(event->isAccepted());
+        QCOMPARE(event->dropAction(), Qt::CopyAction);
+    }
     QCOMPARE(fixture.state.documents().size(), 1);
 }
 

@@ -105,6 +105,12 @@ private Q_SLOTS:
     void piecesShareTheWidth_data();
     void piecesShareTheWidth();
     void aListOfNothingTakesKeys();
+    void aSecondPressHitsNoRowThatSlidThere();
+    void aRowThatSlidUnderThePointerWaitsForItToMove();
+    void rowsThatStayTakePressesAtOnce();
+    void aPressThatLostItsRowIsNone();
+    void aHeldKeyPressesOnce_data();
+    void aHeldKeyPressesOnce();
 };
 
 void RowListTest::titlesAndRowsStandInOrder()
@@ -140,7 +146,7 @@ void RowListTest::anActionUnderTheMouseRuns()
     act(f.list, u"b"_s, u"Take"_s);
     QCOMPARE(f.takeDone(), (QStringList{u"look b"_s, u"take b"_s}));
     // The next row has come under the mouse.
-    clickOn(*f.list.viewport(), u"Take"_s);
+    act(f.list, u"c"_s, u"Take"_s);
     QCOMPARE(f.takeDone(), QStringList{u"take c"_s});
 }
 
@@ -417,6 +423,113 @@ void RowListTest::aListOfNothingTakesKeys()
     QVERIFY(f.list.findChild<QMenu*>() == nullptr);
     hover(f.list, 0);
     QVERIFY(f.takeDone().isEmpty());
+}
+
+void RowListTest::aSecondPressHitsNoRowThatSlidThere()
+{
+    ListFixture f;
+    hover(f.list, 2);
+    QAbstractButton* button = visibleButton(*f.list.viewport(), u"Take"_s);
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseDClick(button, Qt::LeftButton);
+    QCOMPARE(f.takeDone(), QStringList{u"take b"_s});
+    // Nor one that is still there, because what was asked for takes its time.
+    ListFixture slow;
+    hover(slow.list, 2);
+    button = visibleButton(*slow.list.viewport(), u"Look"_s);
+    QTest::mouseClick(button, Qt::LeftButton);
+    QMouseEvent second(QEvent::MouseButtonDblClick, QPointF(2, 2), button->mapToGlobal(QPointF(2, 2)), Qt::LeftButton,
+                       Qt::LeftButton, {});
+    QApplication::sendEvent(button, &second);
+    QTest::mouseRelease(button, Qt::LeftButton);
+    QCOMPARE(slow.takeDone(), QStringList{u"look b"_s});
+}
+
+void RowListTest::aRowThatSlidUnderThePointerWaitsForItToMove()
+{
+    ListFixture f;
+    act(f.list, u"b"_s, u"Take"_s);
+    QCOMPARE(f.takeDone(), QStringList{u"take b"_s});
+    clickOn(*f.list.viewport(), u"Take"_s);
+    QTest::mouseClick(f.list.viewport(), Qt::LeftButton, {}, f.list.visualRect(f.list.model()->index(2, 0)).center());
+    QCOMPARE(f.takeDone(), QStringList());
+    hover(f.list, 2);
+    clickOn(*f.list.viewport(), u"Take"_s);
+    QCOMPARE(f.takeDone(), QStringList{u"take c"_s});
+    // The same with a row that others put there.
+    hover(f.list, 1);
+    f.first.prepend(u"new"_s);
+    f.fill();
+    clickOn(*f.list.viewport(), u"Look"_s);
+    QTest::mouseClick(f.list.viewport(), Qt::LeftButton, {}, f.list.visualRect(f.list.model()->index(1, 0)).center());
+    QCOMPARE(f.takeDone(), QStringList());
+    // The pointer moves on the button itself.
+    QAbstractButton* button = visibleButton(*f.list.viewport(), u"Look"_s);
+    QTest::mouseMove(button, QPoint(3, 3));
+    QTest::mouseMove(button, QPoint(5, 5));
+    clickOn(*f.list.viewport(), u"Look"_s);
+    QCOMPARE(f.takeDone(), QStringList{u"look new"_s});
+}
+
+void RowListTest::rowsThatStayTakePressesAtOnce()
+{
+    ListFixture f;
+    hover(f.list, 2);
+    f.first.append(u"d"_s);
+    f.second.clear();
+    f.fill();
+    clickOn(*f.list.viewport(), u"Look"_s);
+    clickOn(*f.list.viewport(), u"Look"_s);
+    QCOMPARE(f.takeDone(), (QStringList{u"look b"_s, u"look b"_s}));
+}
+
+void RowListTest::aPressThatLostItsRowIsNone()
+{
+    ListFixture f;
+    hover(f.list, 1);
+    QAbstractButton* button = visibleButton(*f.list.viewport(), u"Take"_s);
+    QTest::mousePress(button, Qt::LeftButton);
+    f.first.removeFirst();
+    f.fill();
+    QTest::mouseRelease(button, Qt::LeftButton);
+    QCOMPARE(f.takeDone(), QStringList());
+    QCOMPARE(f.first, (QStringList{u"b"_s, u"c"_s}));
+}
+
+void RowListTest::aHeldKeyPressesOnce_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("onButton");
+    for (const auto& [name, key] :
+         {std::pair{"Return", Qt::Key_Return}, {"Enter", Qt::Key_Enter}, {"Space", Qt::Key_Space}}) {
+        QTest::addRow("%s on an action", name) << int(key) << true;
+        QTest::addRow("%s on a row", name) << int(key) << false;
+    }
+}
+
+void RowListTest::aHeldKeyPressesOnce()
+{
+    QFETCH(int, key);
+    QFETCH(bool, onButton);
+    ListFixture f;
+    f.press(Qt::Key_Tab);
+    if (onButton) {
+        f.press(Qt::Key_Right);
+    }
+    const auto send = [&](QEvent::Type type, bool isRepeated) {
+        QKeyEvent event(type, key, {}, QString(), isRepeated);
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
+    };
+    send(QEvent::KeyPress, false);
+    for (int i = 0; i < 5; ++i) {
+        send(QEvent::KeyRelease, true);
+        send(QEvent::KeyPress, true);
+    }
+    send(QEvent::KeyRelease, false);
+    QCOMPARE(f.takeDone(), QStringList{onButton ? u"take a"_s : u"click a"_s});
+    send(QEvent::KeyPress, false);
+    send(QEvent::KeyRelease, false);
+    QCOMPARE(f.takeDone(), QStringList{onButton ? u"take b"_s : u"click a"_s});
 }
 
 const kelm::test::Registered<RowListTest> registered(kelm::test::Toolkit::widgets);

@@ -4,6 +4,7 @@
 #include "workbench/view/window_fixture.h"
 
 #include <QDropEvent>
+#include <QInputMethodEvent>
 #include <QMimeData>
 #include <QProcess>
 
@@ -25,6 +26,8 @@ private Q_SLOTS:
     void eachDocumentKeepsItsEditor();
     void closingLeavesTheOthersAlone();
     void droppedFilesOpenAndAFolderIsTheProject();
+    void draggedFilesAreCopied();
+    void undoThatChangesNothingLeavesTheDocument();
     void theWindowTakesTheThemesGround();
     void theProgramDrawsAPictureWithoutADisplay();
 };
@@ -161,6 +164,62 @@ void MainWindowTest::droppedFilesOpenAndAFolderIsTheProject()
     QCoreApplication::sendEvent(&fixture.window, &drop);
     QCOMPARE(fixture.state.documents().size(), 2);
     QCOMPARE(fixture.state.currentProject(), std::optional(folder));
+}
+
+void MainWindowTest::draggedFilesAreCopied()
+{
+    WindowFixture fixture;
+    QMimeData data;
+    data.setUrls({fixture.write(QStringLiteral("a.txt"), "a")});
+    // With Shift a file manager proposes to move, and deletes what was taken so.
+    const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter({10, 10}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    QDragMoveEvent move({20, 20}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    QDropEvent drop({20, 20}, both, &data, Qt::LeftButton, Qt::ShiftModifier);
+    for (QDropEvent* event : std::initializer_list<QDropEvent*>{&enter, &move, &drop}) {
+        QCOMPARE(event->proposedAction(), Qt::MoveAction);
+        QCoreApplication::sendEvent(&fixture.window, event);
+        QVERIFY(event->isAccepted());
+        QCOMPARE(event->dropAction(), Qt::CopyAction);
+    }
+    QCOMPARE(fixture.state.documents().size(), 1);
+    QDragEnterEvent onlyMoved({10, 10}, Qt::MoveAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&fixture.window, &onlyMoved);
+    QVERIFY(!onlyMoved.isAccepted());
+}
+
+void MainWindowTest::undoThatChangesNothingLeavesTheDocument()
+{
+    WindowFixture fixture;
+    fixture.state.openFile(fixture.write(QStringLiteral("a.txt"), "func f() {\n  one\n  two\n}\n"));
+    fixture.turnQueue();
+    const std::shared_ptr<Document> document = fixture.state.currentDocument();
+    for (const Command command : {Command::undo, Command::redo}) {
+        fixture.command(command)->trigger();
+        fixture.turnQueue();
+        QVERIFY(!document->isModified());
+    }
+    QTest::keyClicks(&fixture.text(), QStringLiteral("x"));
+    fixture.command(Command::undo)->trigger();
+    QVERIFY(document->isModified());
+    document->setIsModified(false);
+    fixture.command(Command::undo)->trigger();
+    fixture.turnQueue();
+    QVERIFY(!document->isModified());
+    // What is composed over its equal is a step that leaves the text as it is.
+    fixture.text().setSelectedRange({0, 4});
+    fixture.text().copy();
+    QInputMethodEvent compose(QStringLiteral("f"), {});
+    QCoreApplication::sendEvent(&fixture.text(), &compose);
+    QInputMethodEvent commit;
+    commit.setCommitString(QStringLiteral("func"));
+    QCoreApplication::sendEvent(&fixture.text(), &commit);
+    document->setIsModified(false);
+    for (const Command command : {Command::undo, Command::redo}) {
+        fixture.command(command)->trigger();
+        fixture.turnQueue();
+        QVERIFY(!document->isModified());
+    }
 }
 
 void MainWindowTest::theWindowTakesTheThemesGround()

@@ -1,10 +1,45 @@
 #include "platform/desktop/view/alert_dialogs.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace kelm {
+
+namespace {
+
+/// Gives Return to one button, whichever of them has the keyboard: some desktops, and a default button that follows the
+/// focus, would press that one.
+class ReturnPresses final : public QObject
+{
+public:
+    ReturnPresses(QAbstractButton& pressed, const QList<QAbstractButton*>& buttons)
+        : QObject(&pressed), pressed_(pressed)
+    {
+        for (QAbstractButton* button : buttons) {
+            button->installEventFilter(this);
+        }
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::KeyPress) {
+            const auto& key = static_cast<const QKeyEvent&>(*event);
+            if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+                pressed_.click();
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QAbstractButton& pressed_;
+};
+
+} // namespace
 
 std::optional<int> AlertDialogs::runWarning(const Alert& alert)
 {
@@ -20,6 +55,7 @@ std::optional<int> AlertDialogs::runWarning(const Alert& alert)
     if (!buttons.isEmpty()) {
         box.setDefaultButton(static_cast<QPushButton*>(buttons.first()));
         box.setEscapeButton(buttons.first());
+        new ReturnPresses(*buttons.first(), buttons);
     }
     box.exec();
     const qsizetype index = buttons.indexOf(box.clickedButton());

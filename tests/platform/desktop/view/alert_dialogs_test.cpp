@@ -24,7 +24,7 @@ Answer answered(const std::function<void(QMessageBox& box)>& act)
 {
     QTimer::singleShot(0, qApp, [act] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (box == nullptr) {
+        if (box == nullptr || !QTest::qWaitForWindowActive(box)) {
             qFatal("no alert");
         }
         act(*box);
@@ -42,6 +42,9 @@ private Q_SLOTS:
     void anAlertShowsItsTextsAndButtons();
     void keysPressTheFirstButton_data();
     void keysPressTheFirstButton();
+    void returnIsTheFirstButtonWhateverHasTheFocus_data() { keysPressTheFirstButton_data(); }
+    void returnIsTheFirstButtonWhateverHasTheFocus();
+    void spacePressesWhatHasTheFocus();
     void eachButtonIsAnAnswer();
     void closingPressesTheFirstButton();
 };
@@ -77,6 +80,41 @@ void AlertDialogsTest::keysPressTheFirstButton()
 {
     QFETCH(Qt::Key, key);
     QCOMPARE(answered([key](QMessageBox& box) { QTest::keyClick(&box, key); }), Answer(0));
+}
+
+void AlertDialogsTest::returnIsTheFirstButtonWhateverHasTheFocus()
+{
+    QFETCH(Qt::Key, key);
+    for (int tabs = 0; tabs < 4; ++tabs) {
+        const Answer answer = answered([key, tabs](QMessageBox& box) {
+            for (int i = 0; i < tabs; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            }
+            QVERIFY(box.isAncestorOf(QApplication::focusWidget()));
+            QTest::keyClick(QApplication::focusWidget(), key);
+        });
+        QCOMPARE(answer, Answer(0));
+    }
+}
+
+void AlertDialogsTest::spacePressesWhatHasTheFocus()
+{
+    QSet<int> answers;
+    for (int tabs = 0; tabs < 3; ++tabs) {
+        qsizetype focused = -1;
+        const Answer answer = answered([tabs, &focused](QMessageBox&) {
+            for (int i = 0; i < tabs; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            }
+            const auto* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+            QVERIFY(button != nullptr);
+            focused = question.buttons.indexOf(button->text());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        });
+        QCOMPARE(answer, Answer(int(focused)));
+        answers.insert(*answer);
+    }
+    QCOMPARE(answers.size(), 3);
 }
 
 void AlertDialogsTest::eachButtonIsAnAnswer()

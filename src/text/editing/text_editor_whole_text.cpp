@@ -1,0 +1,49 @@
+// What an editor's selections mean in a text that may be shown in short.
+#include "text/editing/text_editor.h"
+
+#include <utility>
+
+namespace kelm {
+
+QStringList TextEditor::selectedTexts() const
+{
+    const bool isShortened = wholeText_ != nullptr && wholeText_->isShortened();
+    const TextTree text = isShortened ? wholeText_->text() : storage_.snapshot();
+    QStringList texts;
+    for (const Selection& selection : selections_.all()) {
+        if (!selection.isCaret()) {
+            texts.append(text.substring(wholeRange(selection.range())));
+        }
+    }
+    return texts;
+}
+
+TextRange TextEditor::wholeRange(TextRange range) const
+{
+    return wholeText_ != nullptr && wholeText_->isShortened() ? wholeText_->whole(range) : range;
+}
+
+void TextEditor::selectWhatIsMeant()
+{
+    if (wholeText_ == nullptr || !wholeText_->isShortened() || !selections_.hasText()) {
+        return;
+    }
+    // A selection over a part of what stands for more is one over all of it.
+    std::vector<Selection> meant = selections_.all();
+    for (Selection& selection : meant) {
+        if (selection.isCaret()) {
+            continue;
+        }
+        const TextRange range = wholeText_->shown(wholeText_->whole(selection.range()));
+        if (range != selection.range()) {
+            const bool isForward = selection.anchor < selection.head.offset;
+            selection.anchor = isForward ? range.location : range.end();
+            selection.head = {isForward ? range.end() : range.location, false};
+        }
+    }
+    SelectionSet selections = selections_;
+    selections.replaceAll(std::move(meant));
+    assignSelections(std::move(selections));
+}
+
+} // namespace kelm

@@ -1,0 +1,41 @@
+"""A folded function that is cut and pasted, found or dragged comes back with its body."""
+
+WHOLE = "func f() {\n  one\n  two\n}\nlast one\n"
+
+
+def go(journey):
+    file = journey.home / "fold.swift"
+    file.write_text(WHOLE)
+    program = journey.start(file)
+    x, y, _, _ = journey.place_of(journey.window())
+    triangle = x + 270, y + 117
+
+    def fold():
+        # Its second click, if there is one, would unfold it: what is shown changes with the first.
+        before = journey.screen()
+        journey.click(*triangle)
+        journey.until(lambda: journey.screen() != before, "the fold")
+
+    journey.until_text(WHOLE)
+    journey.key("ctrl+Home")
+    fold()
+    # The three rows of the function, by what is shown of them.
+    journey.key("ctrl+Home", "shift+Down", "shift+Down", "ctrl+x", "ctrl+s")
+    journey.until_file(file, "last one\n")
+    journey.check(journey.clipboard() == WHOLE[:-len("last one\n")], "the clipboard has not the text under the fold")
+    journey.key("ctrl+End", "ctrl+v", "ctrl+s")
+    journey.until_file(file, "last one\nfunc f() {\n  one\n  two\n}\n")
+    journey.key("ctrl+z", "ctrl+z", "ctrl+s")
+    journey.until_file(file, WHOLE)
+
+    # What stands under the fold is found, and replaced as often as it is counted.
+    journey.key("ctrl+Home")
+    fold()
+    journey.key("ctrl+alt+r")
+    journey.type("one")
+    journey.key("Tab")
+    journey.type("three")
+    journey.key("shift+Tab", "shift+Tab", "space", "Escape", "ctrl+s")
+    journey.until_file(file, WHOLE.replace("one", "three"))
+    journey.key("ctrl+q")
+    journey.ended(program)
