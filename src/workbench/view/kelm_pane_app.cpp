@@ -3,6 +3,7 @@
 #include "app/state/app_state.h"
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
+#include "app/state/unsaved_texts.h"
 #include "editor/themes/theme_manager.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
@@ -16,10 +17,14 @@
 #include <QFileOpenEvent>
 
 #include <algorithm>
+#include <chrono>
 
 namespace kelm {
 
 namespace {
+
+/// How long the end of the program waits for a disk that does not answer.
+constexpr std::chrono::seconds longestEnd{1};
 
 AppState& sharedStateWithPanels()
 {
@@ -64,6 +69,9 @@ KelmPaneApp::KelmPaneApp()
 {
     qApp->installEventFilter(&appDelegate_);
     appDelegate_.setActivate([this] { bringToFront(); });
+    // Copies of unsaved texts that are due are not left to chance.
+    connect(qApp, &QCoreApplication::aboutToQuit, this,
+            [this] { appState_.unsavedTexts().store().finish(longestEnd); });
     // The process stays when its window is closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
