@@ -158,8 +158,8 @@ QByteArray editRecord(TextRange range, const TextTree& text, TextRange inserted)
 {
     const QString units = text.substring(inserted);
     const CopyRecord kind = kindFor(units);
-    return copyRecord(CopyRecord::edit,
-                      numberBytesOf(range.location) + numberBytesOf(range.length) + char(kind) + encodeUnits(units, kind));
+    return copyRecord(CopyRecord::edit, numberBytesOf(range.location) + numberBytesOf(range.length) + char(kind) +
+                                            encodeUnits(units, kind));
 }
 
 CopyRecordReader::CopyRecordReader(QIODevice& device) : device_(device), end_(device.size())
