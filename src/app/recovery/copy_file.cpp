@@ -70,8 +70,10 @@ bool CopyFile::writeWhole(const CopyHeader& header, const TextTree& text)
         ::unlink(temporary.constData());
         return false;
     }
-    file_ = std::move(file);
-    text_ = text;
+    // Only what is long is gone on with.
+    const bool isLong = text.length() >= leastLong;
+    file_ = isLong ? std::move(file) : OpenFile();
+    text_ = isLong ? text : TextTree();
     header_ = header;
     copySize_ = size;
     size_ = size;

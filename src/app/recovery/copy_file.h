@@ -40,7 +40,7 @@ private:
     std::optional<bool> appendEdit(const CopyHeader& header, const TextTree& text);
 
     QByteArray path_;
-    /// Open for what is put behind, while the file holds `text_`.
+    /// Open for what is put behind, while the file holds `text_`; closed for a short text.
     OpenFile file_;
     TextTree text_;
     CopyHeader header_;

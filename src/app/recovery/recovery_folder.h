@@ -59,6 +59,8 @@ public:
 
     /// Has a copy hold a text, and makes it if need be. What went wrong, the copy being as it was then, or nothing.
     std::optional<FileError> write(const QString& id, const CopyHeader& header, const TextTree& text);
+    /// Nothing more is written to a copy soon: what is kept in memory for that is let go.
+    void letGo(const QString& id) { copies_.erase(id); }
     /// Removes a copy; one that is not there, or is another program's, is none.
     void remove(const QString& id);
 
@@ -89,7 +91,7 @@ private:
     const QString session_;
     /// Holds the lock of this program.
     OpenFile lock_;
-    /// The copies that were written.
+    /// The copies that are written.
     std::map<QString, CopyFile> copies_;
 };
 

@@ -11,6 +11,13 @@
 
 namespace kelm {
 
+namespace {
+
+/// A disk that does not answer holds the end up no longer.
+constexpr std::chrono::seconds longestEnd{1};
+
+} // namespace
+
 /// What a document's text was when it did not differ from its file. Made on the main thread, and then for the worker
 /// alone.
 struct RecoveryStore::Origin
@@ -45,7 +52,11 @@ RecoveryStore::RecoveryStore(Scheduler& scheduler, const QString& folder)
     }
 }
 
-RecoveryStore::~RecoveryStore() = default;
+RecoveryStore::~RecoveryStore()
+{
+    // By then the folder is this object's alone, and its lock goes with it.
+    worker_.waitUntilIdle(longestEnd);
+}
 
 RecoveryStore::OnMain RecoveryStore::onMain()
 {
@@ -126,7 +137,8 @@ void RecoveryStore::drop(const Document* document)
     QObject* const watching = found->second->watching.release();
     disconnect(document, nullptr, watching, nullptr);
     watching->deleteLater();
-    worker_.add([origin = std::move(found->second->origin)] {});
+    worker_.add(
+        [folder = folder_, id = found->second->id, origin = std::move(found->second->origin)] { folder->letGo(id); });
     kept_.erase(found);
 }
 
@@ -289,6 +301,7 @@ QString RecoveryStore::keepReplaced(const QUrl& url, const TextTree& text)
         if (const std::optional<FileError> error = folder->write(id, header, text)) {
             tell([error](RecoveryStore& store) { store.finishCopy(nullptr, error); });
         }
+        folder->letGo(id);
     });
     refresh();
     return id;

@@ -44,7 +44,7 @@ public:
 
     /// The copies are in `folder`, which need not exist; a store without a folder keeps nothing and offers nothing.
     RecoveryStore(Scheduler& scheduler, const QString& folder);
-    /// Writes nothing any more; see `finish`.
+    /// Begins no copy any more, and waits a moment for those that are begun; see `finish`.
     ~RecoveryStore() override;
 
     /// The documents that are open from now on. The texts of those that were open and are not any more stay in the
