@@ -2,6 +2,7 @@
 // own, so that neither the user's settings nor those of the last run show in the pictures.
 #include "app/state/app_state.h"
 #include "app/state/notices.h"
+#include "app/state/unsaved_texts.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/style/view/style.h"
@@ -20,6 +21,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <cstdio>
 
 namespace {
@@ -74,6 +76,17 @@ void closeWhatIsOpen(MainWindow& window, AppState& state)
     state.setShowSidebar(false);
     state.setDocuments({});
     state.setRecentFiles({});
+    while (state.notices().current() != nullptr && state.notices().current()->isNews) {
+        state.notices().putAway();
+    }
+    // Of texts that were changed for a picture.
+    RecoveryStore& store = state.unsavedTexts().store();
+    store.refresh();
+    store.finish(std::chrono::seconds(30));
+    settle();
+    while (!store.texts().isEmpty()) {
+        store.remove(store.texts().constFirst().id);
+    }
     settle();
 }
 

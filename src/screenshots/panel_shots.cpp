@@ -1,6 +1,7 @@
 #include "screenshots/panel_shots.h"
 
 #include "app/state/app_state.h"
+#include "app/state/unsaved_texts.h"
 #include "files/view/file_tree_view.h"
 #include "git/panel/view/source_control_view.h"
 #include "git/service/git_service.h"
@@ -81,6 +82,19 @@ void addRecentFiles(Stage& stage)
     }
 }
 
+void closeUnsaved(Stage& stage)
+{
+    addRecentFiles(stage);
+    for (const char* file : {"README.md", "Sources/orchard.swift"}) {
+        stage.state.openFile(QUrl::fromLocalFile(stage.project + u'/' + QString::fromUtf8(file)));
+        stage.state.currentDocument()->setContent(u"Unsaved: "_s + stage.state.currentDocument()->content());
+    }
+    stage.state.createNewTab();
+    stage.state.currentDocument()->setContent(u"Milk, bread, apples\nand a new keyboard"_s);
+    stage.state.setDocuments({});
+    settleUntil([&stage] { return stage.state.unsavedTexts().store().texts().size() == 3; });
+}
+
 SourceControlView& showSourceControl(Stage& stage, SourceControlTab tab)
 {
     auto& page = showPage<SourceControlView>(stage, SidebarTab::sourceControl);
@@ -148,6 +162,7 @@ std::vector<Shot> panelShots()
         {"explorer", sources, expandTree},
         {"project-search", sources, searchProject},
         {"welcome-recent", {}, addRecentFiles},
+        {"welcome-unsaved", {}, closeUnsaved},
         {"quick-open", sources,
          [](Stage& stage) {
              addRecentFiles(stage);

@@ -1,5 +1,7 @@
 #include "soak/calm_points.h"
 
+#include "app/state/notices.h"
+#include "app/state/unsaved_texts.h"
 #include "git/service/git_service.h"
 #include "run/code_runner.h"
 #include "run/terminal_session.h"
@@ -11,6 +13,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QPixmapCache>
 
 #include <algorithm>
@@ -76,6 +79,20 @@ void resetPanels(World& world)
     world.bringToFront();
 }
 
+/// Nothing is offered any more of what was closed, and nothing is left of it.
+void forgetClosed(World& world)
+{
+    while (world.state.notices().current() != nullptr && world.state.notices().current()->isNews) {
+        world.state.notices().putAway();
+    }
+    RecoveryStore& store = world.state.unsavedTexts().store();
+    for (const QString& name : QDir(world.unsavedFolder()).entryList({u"*.copy"_s}, QDir::Files)) {
+        store.remove(name.chopped(QStringView(u".copy").size()));
+    }
+    world.tabs.forgetClosed();
+    checkStore(world);
+}
+
 qsizetype median(std::vector<qsizetype> values)
 {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -93,6 +110,8 @@ void CalmPoints::take(World& world)
     world.tabs.closeAll();
     world.settle();
     checkInvariants(world);
+    checkStore(world);
+    forgetClosed(world);
     resetPanels(world);
     world.restoreProject();
     world.clipboard.clear();

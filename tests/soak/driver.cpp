@@ -98,6 +98,7 @@ void Driver::step()
     }
     if (!world_.failure && step_ % diskEvery == 0) {
         checkDisk(world_);
+        checkStore(world_);
         checkFollowers(world_);
     }
 }

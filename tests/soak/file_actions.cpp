@@ -39,7 +39,7 @@ void expectSavedAs(World& world, const std::optional<QUrl>& url)
     ShadowDocument& document = *world.tabs.current();
     world.disk.expect(url->toLocalFile(), bytesOf(document.text()));
     document.url = url;
-    document.isModified = false;
+    document.saved();
 }
 
 void save(World& world)
@@ -71,9 +71,9 @@ void saveAll(World& world)
     QTest::keyClick(&world.window, Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
     for (ShadowDocument& document : world.tabs.all()) {
         if (document.url) {
-            expectSaved(world, document);
-            // A failure is dropped.
-            document.isModified = false;
+            if (!expectSaved(world, document)) {
+                document.failedToSave();
+            }
         }
     }
 }

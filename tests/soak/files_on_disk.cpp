@@ -51,13 +51,15 @@ void expectOpened(World& world, const QUrl& url)
     }
 }
 
-void expectSaved(World& world, ShadowDocument& document)
+bool expectSaved(World& world, ShadowDocument& document)
 {
     const QString path = world.disk.behindLinks(document.url->toLocalFile());
     if (QFileInfo(QFileInfo(path).path()).isDir()) {
         world.disk.expect(path, bytesOf(document.text()));
-        document.isModified = false;
+        document.saved();
+        return true;
     }
+    return false;
 }
 
 QUrl someFile(World& world)

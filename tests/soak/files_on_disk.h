@@ -13,7 +13,7 @@ QByteArray bytesOf(const QString& text);
 /// Tells the model that the file was asked for: its tab is shown, or made when the file can be read.
 void expectOpened(World& world, const QUrl& url);
 /// Tells the model that the document was saved where it belongs, which fails without a folder for it.
-void expectSaved(World& world, ShadowDocument& document);
+bool expectSaved(World& world, ShadowDocument& document);
 
 /// Some file of the project that is there now, links included.
 QUrl someFile(World& world);

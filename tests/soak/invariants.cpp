@@ -1,10 +1,18 @@
 #include "soak/invariants.h"
 
+#include "app/recovery/copy_records.h"
+#include "app/state/unsaved_texts.h"
 #include "editor/folding/foldable_regions.h"
 #include "editor/highlighter/rule_lists.h"
 #include "editor/highlighter/rule_painting.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+#include <chrono>
 
 namespace kelm::soak {
 
@@ -107,6 +115,30 @@ void checkDisk(World& world)
 {
     const QStringList differences = world.disk.differences();
     world.expect(differences.isEmpty(), u"the disk is not as it must be:\n  "_s + differences.join(u"\n  "_s));
+}
+
+void checkStore(World& world)
+{
+    constexpr std::chrono::seconds longest{30};
+    if (!world.expect(world.state.unsavedTexts().store().finish(longest), u"the store does not end"_s)) {
+        return;
+    }
+    QStringList found;
+    const QDir folder(world.unsavedFolder());
+    for (const QString& name : folder.entryList({u"*.copy"_s}, QDir::Files)) {
+        QFile file(folder.filePath(name));
+        const auto content = file.open(QIODevice::ReadOnly) ? readCopy(file) : std::nullopt;
+        found.append(content ? content->text.toString() : u"(a damaged copy)"_s);
+    }
+    QStringList wanted = world.tabs.unsavedTexts();
+    found.sort();
+    wanted.sort();
+    world.expect(found.size() == wanted.size(),
+                 u"the store holds %1 texts instead of %2"_s.arg(found.size()).arg(wanted.size()));
+    for (qsizetype text = 0; text < std::min(found.size(), wanted.size()) && !world.failure; ++text) {
+        world.expect(found[text] == wanted[text],
+                     u"the store holds another text: "_s + howTheyDiffer(wanted[text], found[text]));
+    }
 }
 
 } // namespace kelm::soak

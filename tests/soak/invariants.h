@@ -14,4 +14,7 @@ void checkDisk(World& world);
 /// Whether the colours and the foldable regions of the current document, which follow its edits, are those of its text.
 void checkFollowers(World& world);
 
+/// Every text that is in no file, of open tabs and of closed ones, has its copy in the store, and no other has.
+void checkStore(World& world);
+
 } // namespace kelm::soak

@@ -16,8 +16,30 @@ quint64 nextId()
 } // namespace
 
 ShadowDocument::ShadowDocument(QString text, std::optional<QUrl> place)
-    : url(std::move(place)), id_(nextId()), states_{std::move(text)}, places_{0}
+    : url(std::move(place)), id_(nextId()), states_{std::move(text)}, places_{0}, origin_(states_.first())
 {}
+
+void ShadowDocument::saved()
+{
+    isModified = false;
+    hasFailedSave_ = false;
+    origin_ = text();
+}
+
+void ShadowDocument::failedToSave()
+{
+    hasFailedSave_ = isAtRisk();
+    isModified = false;
+}
+
+ShadowDocument ShadowDocument::reopened() const
+{
+    ShadowDocument same = *this;
+    same.states_ = {text()};
+    same.places_ = {0};
+    same.isTrimmed_ = false;
+    return same;
+}
 
 void ShadowDocument::edited(const QString& text)
 {

@@ -28,6 +28,16 @@ public:
     std::optional<QUrl> url;
     bool isModified = false;
 
+    /// The text was written to its file, or could not be and is taken for written all the same.
+    void saved();
+    void failedToSave();
+    /// Whether its text may be in no file.
+    bool isAtRisk() const { return isModified || hasFailedSave_; }
+    /// Whether it is in no file: then it has to be in the store.
+    bool isUnsaved() const { return isAtRisk() && text() != origin_; }
+    /// The same document in another editor, which has nothing to undo.
+    ShadowDocument reopened() const;
+
     /// An edit by the user that can be undone.
     void edited(const QString& text);
 
@@ -43,6 +53,9 @@ private:
     std::set<qsizetype> places_;
     /// Whether states at the front were forgotten.
     bool isTrimmed_ = false;
+    /// What was read or saved last.
+    QString origin_;
+    bool hasFailedSave_ = false;
 };
 
 } // namespace kelm::soak

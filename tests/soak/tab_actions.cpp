@@ -1,5 +1,6 @@
 // Opening, choosing and closing tabs.
 #include "app/state/lesson_links.h"
+#include "app/state/notices.h"
 #include "app/state/open_events.h"
 #include "files/view/file_tree_view.h"
 #include "platform/view/plain_button.h"
@@ -221,6 +222,18 @@ void closeAll(World& world)
     world.tabs.closeAll();
 }
 
+bool offersToReopen(World& world)
+{
+    const Notice* const notice = world.state.notices().current();
+    return world.tabs.canReopen() && notice != nullptr && notice->text == u"Closed with unsaved changes"_s;
+}
+
+void reopen(World& world)
+{
+    world.state.notices().accept(0);
+    world.tabs.reopen();
+}
+
 } // namespace
 
 std::vector<Action> tabActions()
@@ -236,6 +249,7 @@ std::vector<Action> tabActions()
         {"close a tab", 10, hasTabs, closeTab},
         {"close other tabs", 1, hasTabs, closeOthers},
         {"close all tabs", 1, hasTabs, closeAll},
+        {"reopen what was closed", 5, offersToReopen, reopen},
     };
 }
 

@@ -35,7 +35,7 @@ World::World(quint32 seed)
     : chance(afterGitIsSetUp(seed)),
       panels(installPanels()),
       state({panels, defaults, Scheduler::system(), NotificationCenter::shared(), log, ProcessRunner::sharedSystem(),
-             ExecutableSearch(ProcessRunner::system())}),
+             ExecutableSearch(ProcessRunner::system()), unsavedFolder()}),
       themes({defaults, log, store.path(), [](Appearance) {}}),
       window({state, themes, workspace, defaults, updates}),
       disk({repository.path(), elsewhere.path(), temporary.path(), QDir::homePath()})

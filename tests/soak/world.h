@@ -59,6 +59,8 @@ struct World
     /// Writes the project anew, in one commit, and takes it as what must be on disk.
     void restoreProject();
     QString path(const QString& name) const { return repository.filePath(name); }
+    /// The copies of what is not saved.
+    QString unsavedFolder() const { return store.filePath(QStringLiteral("unsaved")); }
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(path(name)); }
 
     // ---- Seeing and waiting.

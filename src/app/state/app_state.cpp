@@ -5,9 +5,11 @@
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
 #include "app/state/text_file.h"
+#include "app/state/unsaved_texts.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
+#include "platform/files/standard_paths.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -36,7 +38,13 @@ AppState::AppState(const Services& services)
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
-          *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); }))
+          *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); })),
+      unsavedTexts_(
+          std::make_unique<UnsavedTexts>(services.scheduler, *notices_, services.recoveryFolder,
+                                         UnsavedTexts::Tabs{[this] { return documents_; },
+                                                            [this](const Documents& documents, qsizetype current) {
+                                                                showDocuments(documents, current);
+                                                            }}))
 {
     loadRecentFiles();
 }
@@ -47,7 +55,7 @@ AppState& AppState::shared()
 {
     static AppState state({FilePanels::shared(), UserDefaults::shared(), Scheduler::system(),
                            NotificationCenter::shared(), Log::system(), ProcessRunner::sharedSystem(),
-                           ExecutableSearch(ProcessRunner::system())});
+                           ExecutableSearch(ProcessRunner::system()), standardPaths::savedState() + u"/unsaved"_s});
     return state;
 }
 
@@ -84,6 +92,10 @@ void AppState::showDocuments(Documents documents, qsizetype currentIndex)
     }
     if (anotherIsCurrent) {
         Q_EMIT currentDocumentChanged();
+    }
+    if (areOthersOpen) {
+        // By now the editors of those that were closed have given their texts back.
+        unsavedTexts_->noteTabs(documentsBefore, currentBefore);
     }
 }
 
@@ -229,6 +241,7 @@ void AppState::saveCurrentDocument()
         return;
     }
     document->setIsModified(false);
+    unsavedTexts_->store().noteSaved(*document);
 }
 
 void AppState::saveCurrentDocumentAs()
@@ -248,6 +261,7 @@ void AppState::saveCurrentDocumentAs()
     }
     document->setFileURL(url);
     document->setIsModified(false);
+    unsavedTexts_->store().noteSaved(*document);
     addToRecentFiles(*url);
 }
 
@@ -256,8 +270,12 @@ void AppState::saveAllDocuments()
     const Documents documents = documents_;
     for (const std::shared_ptr<Document>& document : documents) {
         if (document->fileURL()) {
-            // A failed write is dropped on purpose.
-            static_cast<void>(writeTextFile(document->text(), *document->fileURL()));
+            // A failed write is dropped on purpose; the text stays in the store.
+            if (writeTextFile(document->text(), *document->fileURL())) {
+                unsavedTexts_->store().noteFailedSave(*document);
+            } else {
+                unsavedTexts_->store().noteSaved(*document);
+            }
             document->setIsModified(false);
         }
     }

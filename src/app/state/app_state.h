@@ -26,6 +26,7 @@ class DocumentRewriter;
 class GitService;
 class LargeFiles;
 class Notices;
+class UnsavedTexts;
 
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
 /// toolbar, the tab bar and links all act through it, and views redraw on its signals.
@@ -69,6 +70,8 @@ public:
         std::shared_ptr<ProcessRunner> processRunner;
         /// Finds the programs that run files.
         ExecutableSearch executableSearch;
+        /// The folder of the copies of unsaved texts; empty for a state that keeps none.
+        QString recoveryFolder = {};
     };
 
     /// Starts without a document, and loads the recent files.
@@ -133,6 +136,8 @@ public:
     LargeFiles& largeFiles() const { return *largeFiles_; }
     /// Makes the texts of documents anew.
     DocumentRewriter& rewriter() const { return *rewriter_; }
+    /// The copies of what is not saved, and what was closed so.
+    UnsavedTexts& unsavedTexts() const { return *unsavedTexts_; }
 
     /// Opens an empty, untitled document and makes it the current one.
     void createNewTab();
@@ -149,8 +154,9 @@ public:
     /// come later, one by one.
     void openFiles(const QList<QUrl>& urls);
 
-    /// Closes a tab at once, unsaved edits or not. The current index stays as it is unless it falls off the end:
-    /// closing a tab before the current one moves on to the next document. An index out of range does nothing.
+    /// Closes a tab at once, unsaved edits or not; a notice offers those again. The current index stays as it is unless
+    /// it falls off the end: closing a tab before the current one moves on to the next document. An index out of range
+    /// does nothing.
     void closeTab(qsizetype index);
 
     /// Closes all tabs but one, likewise.
@@ -220,6 +226,7 @@ private:
     const std::unique_ptr<Notices> notices_;
     const std::unique_ptr<LargeFiles> largeFiles_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
+    const std::unique_ptr<UnsavedTexts> unsavedTexts_;
     Documents documents_;
     qsizetype currentDocumentIndex_ = 0;
     QList<QUrl> recentFiles_;

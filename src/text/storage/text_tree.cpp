@@ -170,6 +170,85 @@ struct TextTree::Building
         return node;
     }
 
+    /// What of a text a walk has still before it, the next part last, and how much of that is behind it, which is more
+    /// than nothing for a piece alone.
+    struct Ahead
+    {
+        std::vector<const Node*> nodes;
+        qsizetype behind = 0;
+
+        explicit Ahead(const Tree& tree)
+        {
+            if (tree) {
+                nodes.push_back(tree.get());
+            }
+        }
+        const Node& next() const { return *nodes.back(); }
+        bool isAtPiece() const { return !next().left; }
+        template <bool fromEnd>
+        void goIntoNext()
+        {
+            const Node& node = next();
+            nodes.back() = (fromEnd ? node.left : node.right).get();
+            nodes.push_back((fromEnd ? node.right : node.left).get());
+        }
+        void pass(qsizetype units)
+        {
+            behind += units;
+            if (behind == next().length) {
+                nodes.pop_back();
+                behind = 0;
+            }
+        }
+    };
+
+    /// How many units of two pieces are the same from where two walks are; of no more than both have.
+    template <bool fromEnd>
+    static qsizetype sameUnits(const Ahead& a, const Ahead& b)
+    {
+        const QStringView own = a.next().piece;
+        const QStringView other = b.next().piece;
+        const qsizetype longest = std::min(own.size() - a.behind, other.size() - b.behind);
+        if constexpr (fromEnd) {
+            const auto from = own.rbegin() + a.behind;
+            return std::mismatch(from, from + longest, other.rbegin() + b.behind).first - from;
+        } else {
+            const auto from = own.begin() + a.behind;
+            return std::mismatch(from, from + longest, other.begin() + b.behind).first - from;
+        }
+    }
+
+    /// How many units two texts have in common at their start, or at their end: `longest` at most. What they share is
+    /// passed by without a look.
+    template <bool fromEnd>
+    static qsizetype common(const Tree& a, const Tree& b, qsizetype longest)
+    {
+        Ahead ofA(a);
+        Ahead ofB(b);
+        qsizetype same = 0;
+        while (same < longest) {
+            if (&ofA.next() == &ofB.next() && ofA.behind == ofB.behind) {
+                const qsizetype rest = ofA.next().length - ofA.behind;
+                ofA.pass(rest);
+                ofB.pass(rest);
+                same += rest;
+            } else if (ofA.isAtPiece() && ofB.isAtPiece()) {
+                const qsizetype found = sameUnits<fromEnd>(ofA, ofB);
+                same += found;
+                if (found < std::min(ofA.next().length - ofA.behind, ofB.next().length - ofB.behind)) {
+                    break;
+                }
+                ofA.pass(found);
+                ofB.pass(found);
+            } else if (ofB.isAtPiece() || (!ofA.isAtPiece() && ofA.next().length >= ofB.next().length)) {
+                ofA.goIntoNext<fromEnd>();
+            } else {
+                ofB.goIntoNext<fromEnd>();
+            }
+        }
+        return std::min(same, longest);
+    }
+
     /// Of two trees whose heights differ by one at most.
     static Tree ofParts(Tree left, Tree right)
     {
@@ -513,38 +592,12 @@ bool operator==(const TextTree& a, QStringView b)
 
 qsizetype commonStart(const TextTree& a, const TextTree& b)
 {
-    const qsizetype longest = std::min(a.length(), b.length());
-    qsizetype same = 0;
-    a.forEachPiece({0, longest}, [&](QStringView piece) {
-        return b.forEachPiece({same, piece.size()}, [&](QStringView other) {
-            const QStringView own = piece.first(other.size());
-            piece = piece.sliced(other.size());
-            const auto differing =
-                own.data() == other.data() ? own.end() : std::mismatch(own.begin(), own.end(), other.begin()).first;
-            same += differing - own.begin();
-            return differing == own.end();
-        });
-    });
-    return same;
+    return TextTree::Building::common<false>(a.root_, b.root_, std::min(a.length(), b.length()));
 }
 
 qsizetype commonEnd(const TextTree& a, const TextTree& b, qsizetype start)
 {
-    // Block by block from the end; pieces are walked from their start alone.
-    constexpr qsizetype block = 4096;
-    const qsizetype longest = std::min(a.length(), b.length()) - start;
-    qsizetype same = 0;
-    while (same < longest) {
-        const qsizetype length = std::min(block, longest - same);
-        const QString own = a.substring({a.length() - same - length, length});
-        const QString other = b.substring({b.length() - same - length, length});
-        const qsizetype found = std::mismatch(own.rbegin(), own.rend(), other.rbegin()).first - own.rbegin();
-        same += found;
-        if (found < length) {
-            break;
-        }
-    }
-    return same;
+    return TextTree::Building::common<true>(a.root_, b.root_, std::min(a.length(), b.length()) - start);
 }
 
 int TextTree::height() const

@@ -3,6 +3,7 @@
 #include "app/state/app_state.h"
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
+#include "app/state/unsaved_texts.h"
 #include "editor/themes/theme_manager.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
@@ -10,6 +11,7 @@
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
 #include "platform/events/main_queue.h"
+#include "platform/process/orderly_end.h"
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
@@ -17,6 +19,7 @@
 #include <QFileOpenEvent>
 
 #include <algorithm>
+#include <chrono>
 
 namespace kelm {
 
@@ -82,6 +85,11 @@ KelmPaneApp::KelmPaneApp()
 {
     qApp->installEventFilter(&appDelegate_);
     appDelegate_.setActivate([this] { bringToFront(); });
+    // Copies of unsaved texts that are due are not left to chance.
+    onOrderlyEnd(this, [this](std::chrono::steady_clock::time_point deadline) {
+        const auto left = deadline - std::chrono::steady_clock::now();
+        appState_.unsavedTexts().store().finish(std::chrono::duration_cast<std::chrono::milliseconds>(left));
+    });
     // The process stays when its window is closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }

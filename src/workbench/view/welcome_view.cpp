@@ -1,8 +1,11 @@
 #include "workbench/view/welcome_view.h"
 
+#include "app/state/unsaved_texts.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/recent_file_button.h"
+#include "workbench/view/rounded_group.h"
+#include "workbench/view/unsaved_texts_group.h"
 
 #include <QPainter>
 #include <QScrollArea>
@@ -19,24 +22,6 @@ constexpr int iconSize = 60;
 constexpr int groupPadding = 12;
 constexpr int groupWidth = 380;
 constexpr qsizetype shownRecentFiles = 5;
-constexpr double groupOpacity = 0.1;
-
-/// A rounded ground behind what it holds.
-class RoundedGroup final : public QWidget
-{
-public:
-    explicit RoundedGroup(QWidget* parent) : QWidget(parent) {}
-
-protected:
-    void paintEvent(QPaintEvent*) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Tint::secondary().at(groupOpacity).on(*this));
-        painter.drawRoundedRect(rect(), style::radius::card, style::radius::card);
-    }
-};
 
 PlainButton* makeButton(const QString& text, const QString& symbol, QWidget* parent)
 {
@@ -61,6 +46,7 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
                                  style::interfaceFont(style::typeSize::body), Tint::secondary(), content);
     auto* newFile = makeButton(u"New File"_s, u"plus"_s, content);
     auto* openFile = makeButton(u"Open File"_s, u"folder"_s, content);
+    unsavedTexts_ = new UnsavedTextsGroup(appState_, *openFile, content);
     connect(newFile, &PlainButton::clicked, &appState_, &AppState::createNewTab);
     connect(openFile, &PlainButton::clicked, &appState_, &AppState::showOpenPanel);
 
@@ -84,6 +70,7 @@ WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget
         column->addWidget(widget, 0, Qt::AlignHCenter);
     }
     column->addLayout(buttons);
+    column->addWidget(unsavedTexts_, 0, Qt::AlignHCenter);
     column->addWidget(recentFiles_, 0, Qt::AlignHCenter);
     column->addStretch(1);
 
@@ -124,6 +111,14 @@ void WelcomeView::refreshRecentFiles()
         connect(button, &RecentFileButton::clicked, this, [this, url] { appState_.openFile(url); });
         recentRows_->addWidget(button);
     }
+}
+
+void WelcomeView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    unsavedTexts_->rebuild();
+    // Another program may have ended meanwhile.
+    appState_.unsavedTexts().store().refresh();
 }
 
 void WelcomeView::paintEvent(QPaintEvent*)

@@ -10,7 +10,9 @@ class QVBoxLayout;
 
 namespace kelm {
 
-/// The product's name, the two ways to begin, and the files that were open last.
+class UnsavedTextsGroup;
+
+/// The product's name, the two ways to begin, the texts that were never saved, and the files that were open last.
 class WelcomeView final : public QWidget
 {
     Q_OBJECT
@@ -19,6 +21,7 @@ public:
     WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget* parent = nullptr);
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -26,6 +29,7 @@ private:
 
     AppState& appState_;
     ThemeManager& themeManager_;
+    UnsavedTextsGroup* unsavedTexts_;
     QWidget* recentFiles_;
     QVBoxLayout* recentRows_;
 };

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void deletingNearlyAllLeavesFewPieces();
     void aTreePutIntoATreeSharesItsPieces();
     void treesAreEqualByTheirUnits();
+    void whatTwoTextsHaveInCommonIsFound();
     void snapshotsAreReadOnAnotherThread();
 };
 
@@ -242,6 +243,35 @@ void TextTreeTest::treesAreEqualByTheirUnits()
     QVERIFY(!(other == grown));
     other.replace({15'000, 1}, QStringView());
     QVERIFY(!(other == whole));
+}
+
+void TextTreeTest::whatTwoTextsHaveInCommonIsFound()
+{
+    test::RandomText random;
+    QCOMPARE(commonStart(TextTree(), TextTree(u"a")), 0);
+    QCOMPARE(commonEnd(TextTree(u"a"), TextTree(), 0), 0);
+    // Few kinds of units, so that the texts are alike where they do not share pieces.
+    const auto someText = [&random](qsizetype longest) {
+        QString text(random.below(longest + 1), u'a');
+        for (qsizetype odd = random.below(3); odd > 0 && !text.isEmpty(); --odd) {
+            text[random.below(text.size())] = u'b';
+        }
+        return text;
+    };
+    for (int round = 0; round < 30; ++round) {
+        TextTree a(someText(60'000));
+        TextTree b = random.below(4) == 0 ? TextTree(someText(60'000)) : a;
+        for (qsizetype edits = random.below(6); edits > 0; --edits) {
+            b.replace(random.range(b.length()), someText(random.below(2) == 0 ? 5 : 9'000));
+        }
+        const QString ofA = a.toString();
+        const QString ofB = b.toString();
+        const qsizetype start = std::mismatch(ofA.begin(), ofA.end(), ofB.begin(), ofB.end()).first - ofA.begin();
+        QCOMPARE(commonStart(a, b), start);
+        const qsizetype end = std::mismatch(ofA.rbegin(), ofA.rend(), ofB.rbegin(), ofB.rend()).first - ofA.rbegin();
+        QCOMPARE(commonEnd(a, b, start), std::min(end, std::min(ofA.size(), ofB.size()) - start));
+        QCOMPARE(commonEnd(a, b, 0), end);
+    }
 }
 
 void TextTreeTest::snapshotsAreReadOnAnotherThread()
