@@ -67,6 +67,10 @@ std::optional<QString> decodeUnits(QByteArrayView bytes, CopyRecord kind)
     if (kind != CopyRecord::wide || bytes.size() % 2 != 0) {
         return std::nullopt;
     }
+    if (bytes.isEmpty()) {
+        // What copies the units wants some.
+        return QString();
+    }
     QString units(bytes.size() / 2, Qt::Uninitialized);
     qFromLittleEndian<quint16>(bytes.data(), units.size(), units.data());
     return units;
