@@ -1,9 +1,9 @@
 #include "search/project_scan.h"
 
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/files/utf8_file.h"
 #include "platform/text/character_sets.h"
-
-#include <QFile>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -152,9 +152,9 @@ private:
             }
             if (needle_.isIn(line)) {
                 if (url.isEmpty()) {
-                    const QString file = QFile::decodeName(path);
-                    url = QUrl::fromLocalFile(file);
-                    name = file.mid(file.lastIndexOf(u'/') + 1);
+                    const QString file = pathOfNative(path);
+                    url = urlOfFile(file);
+                    name = shownPath(file.mid(file.lastIndexOf(u'/') + 1));
                 }
                 callbacks_.onResult(
                     {.fileURL = url, .fileName = name, .lineNumber = number, .matchLine = line.toString()});
@@ -173,7 +173,7 @@ private:
 
 void scanProject(const QString& root, const LocalizedNeedle& needle, const ProjectScanCallbacks& callbacks)
 {
-    Scan(needle, callbacks).walk(QFile::encodeName(root.endsWith(u'/') ? root : root + u'/'));
+    Scan(needle, callbacks).walk(nativePath(root.endsWith(u'/') ? root : root + u'/'));
 }
 
 } // namespace kelm

@@ -1,13 +1,18 @@
 #include "app/state/app_state.h"
 
 #include "app/state/document_rewriter.h"
+#include "app/state/document_saving.h"
+#include "app/state/file_failures.h"
 #include "app/state/large_files.h"
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
+#include "app/state/replaced_files.h"
 #include "app/state/text_file.h"
+#include "app/state/watched_files.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
+#include "platform/files/standard_paths.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -36,8 +41,19 @@ AppState::AppState(const Services& services)
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
-          *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); }))
+          *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); })),
+      watchedFiles_(std::make_unique<WatchedFiles>(*notices_, services.scheduler)),
+      ownReplacedFiles_(std::make_unique<ReplacedFilesFolder>(standardPaths::savedState() + u"/unsaved"_s)),
+      saving_(std::make_unique<DocumentSaving>(
+          *notices_, *watchedFiles_, services.replacedFiles != nullptr ? *services.replacedFiles : *ownReplacedFiles_,
+          [this](const QUrl& kept, const QUrl& file) { openKept(kept, file); }))
 {
+    connect(this, &AppState::documentsChanged, watchedFiles_.get(),
+            [this] { watchedFiles_->setDocuments(documents_); });
+    for (const auto gitHasEnded :
+         {&GitService::statusChanged, &GitService::branchChanged, &GitService::stashesChanged}) {
+        connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
+    }
     loadRecentFiles();
 }
 
@@ -122,15 +138,19 @@ void AppState::openFiles(const QList<QUrl>& urls)
         }
     }
     QList<QUrl> opened;
+    QList<FileFailure> failures;
     for (const QUrl& url : urls) {
         services_.log.write(u"📂 openFile called with: "_s + descriptionOf(url));
         services_.log.write(u"  📄 Extension: "_s + pathExtension(url));
         if (const auto place = places.constFind(url); place != places.cend()) {
             current = *place;
             services_.log.write(u"  ♻️ File already open at index "_s + QString::number(current));
-        } else if (largeFiles_->isLarge(url)) {
+            continue;
+        }
+        watchedFiles_->willRead(url);
+        if (largeFiles_->isLarge(url)) {
             readLargeFile(url);
-        } else if (std::shared_ptr<Document> document = makeDocument(url, readTextFile(url))) {
+        } else if (std::shared_ptr<Document> document = makeDocument(url, readTextFile(url), failures)) {
             current = documents.size();
             places.insert(url, current);
             documents.append(std::move(document));
@@ -141,12 +161,15 @@ void AppState::openFiles(const QList<QUrl>& urls)
     for (const QUrl& url : std::as_const(opened)) {
         addToRecentFiles(url);
     }
+    reportFailures(*notices_, failures, u"opened"_s);
 }
 
-std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text)
+std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text,
+                                                 QList<FileFailure>& failures)
 {
     if (const auto* error = std::get_if<FileError>(&text)) {
         services_.log.write(u"  ❌ Error opening file: "_s + error->message);
+        failures.append({url, *error});
         return nullptr;
     }
     auto document = std::make_shared<Document>(std::get<TextTree>(text), url, std::nullopt, std::nullopt);
@@ -169,15 +192,17 @@ void AppState::showLargeFile(const QUrl& url, const std::optional<std::variant<T
         services_.log.write(u"  ⏹️ Opening stopped: "_s + descriptionOf(url));
         return;
     }
+    QList<FileFailure> failures;
     const auto place = std::find_if(documents_.begin(), documents_.end(),
                                     [&url](const auto& document) { return document->fileURL() == url; });
     if (place != documents_.end()) {
         // It was saved there while it was read.
         setCurrentDocumentIndex(place - documents_.begin());
-    } else if (std::shared_ptr<Document> document = makeDocument(url, *text)) {
+    } else if (std::shared_ptr<Document> document = makeDocument(url, *text, failures)) {
         appendAndShow(std::move(document));
         addToRecentFiles(url);
     }
+    reportFailures(*notices_, failures, u"opened"_s);
 }
 
 void AppState::closeTab(qsizetype index)
@@ -226,11 +251,17 @@ void AppState::saveCurrentDocument()
         saveCurrentDocumentAs();
         return;
     }
-    if (const std::optional<FileError> error = writeTextFile(document->text(), *document->fileURL())) {
+    save(document, *document->fileURL());
+}
+
+bool AppState::save(const std::shared_ptr<Document>& document, const QUrl& url)
+{
+    const std::optional<FileError> error = saving_->save(document, url);
+    if (error) {
         services_.log.print(u"Error saving: "_s + error->message);
-        return;
+        reportFailures(*notices_, {{url, *error}}, u"saved"_s);
     }
-    document->setIsModified(false);
+    return !error;
 }
 
 void AppState::saveCurrentDocumentAs()
@@ -244,25 +275,37 @@ void AppState::saveCurrentDocumentAs()
     if (!url) {
         return;
     }
-    if (const std::optional<FileError> error = writeTextFile(document->text(), *url)) {
-        services_.log.print(u"Error saving: "_s + error->message);
-        return;
+    if (save(document, *url)) {
+        addToRecentFiles(*url);
     }
-    document->setFileURL(url);
-    document->setIsModified(false);
-    addToRecentFiles(*url);
 }
 
 void AppState::saveAllDocuments()
 {
     const Documents documents = documents_;
+    QList<FileFailure> failures;
     for (const std::shared_ptr<Document>& document : documents) {
-        if (document->fileURL()) {
-            // A failed write is dropped on purpose.
-            static_cast<void>(writeTextFile(document->text(), *document->fileURL()));
-            document->setIsModified(false);
+        const std::optional<QUrl> url = document->fileURL();
+        const std::optional<FileError> error =
+            url && document->isModified() ? saving_->save(document, *url) : std::nullopt;
+        if (error) {
+            failures.append({*url, *error});
         }
     }
+    reportFailures(*notices_, failures, u"saved"_s);
+}
+
+void AppState::openKept(const QUrl& kept, const QUrl& file)
+{
+    const auto text = readTextFile(kept);
+    if (const auto* error = std::get_if<FileError>(&text)) {
+        reportFailures(*notices_, {{file, *error}}, u"opened"_s);
+        return;
+    }
+    const Language language = Language::from(pathExtension(file).toLower());
+    auto document = std::make_shared<Document>(std::get<TextTree>(text), std::nullopt, language, std::nullopt);
+    document->setIsModified(true);
+    appendAndShow(std::move(document));
 }
 
 void AppState::sortLines(bool ascending)

@@ -119,6 +119,17 @@ const std::map<qsizetype, FoldJournal::OpenFold>& CodeFoldingManager::openFolds(
     return openFolds_;
 }
 
+std::vector<qsizetype> CodeFoldingManager::placeholders() const
+{
+    std::vector<qsizetype> places;
+    if (storage_ && isTextFolded()) {
+        for (const auto& [line, fold] : openFolds()) {
+            places.push_back(fold.placeholder.location);
+        }
+    }
+    return places;
+}
+
 std::optional<CodeFoldingManager::Mark> CodeFoldingManager::markAt(qsizetype line) const
 {
     if (storage_ && isTextFolded()) {

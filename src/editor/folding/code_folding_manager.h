@@ -91,6 +91,8 @@ public:
     void unfold(FoldableRegion region);
     bool isFolded(const FoldableRegion& region) const { return foldedRegionStartLines_.contains(region.startLine); }
 
+    /// Where in the text the placeholders of folds stand, in their order: each right behind the line of its region.
+    std::vector<qsizetype> placeholders() const;
     /// Whether the text differs from what it was before the first fold that still stands.
     bool isTextFolded() const { return !journal_.isEmpty(); }
     /// The text with the body of every fold in its place, as it was before the first fold that still stands.

@@ -3,16 +3,17 @@
 #include "app/state/app_state.h"
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
+#include "app/state/watched_files.h"
 #include "editor/themes/theme_manager.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
 #include "platform/desktop/view/alert_dialogs.h"
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
+#include "platform/files/native_path.h"
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileOpenEvent>
 
 #include <algorithm>
@@ -63,6 +64,11 @@ KelmPaneApp::KelmPaneApp()
                                                                 [this] { uninstallService_.confirmAndRun(); }}))
 {
     qApp->installEventFilter(&appDelegate_);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) {
+            appState_.watchedFiles().lookAgain();
+        }
+    });
     appDelegate_.setActivate([this] { bringToFront(); });
     // The process stays when its window is closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
@@ -73,7 +79,7 @@ KelmPaneApp::~KelmPaneApp() = default;
 void KelmPaneApp::start(const QStringList& arguments)
 {
     appDelegate_.applicationDidFinishLaunching();
-    appDelegate_.open(urlTextsOfArguments(arguments, QDir::currentPath()));
+    appDelegate_.open(urlTextsOfArguments(arguments, currentFolder()));
     window_->show();
     hideTitleBar(*window_);
 }

@@ -1,0 +1,106 @@
+#include "app/state/document_saving.h"
+
+#include "app/state/notices.h"
+#include "app/state/text_file.h"
+#include "app/state/watched_files.h"
+#include "platform/events/background_task.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
+#include "platform/files/open_file.h"
+#include "platform/files/symbolic_links.h"
+#include "platform/files/temporary_file.h"
+
+#include <QThreadPool>
+
+#include <cerrno>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Takes away what killed programs have left beside a file, off the main thread: a folder may be large.
+void tidyBeside(const QUrl& url)
+{
+    backgroundWorkers().start([path = filePath(url)] {
+        if (const auto target = followLinks(nativePath(path))) {
+            removeLeftFiles(pathOfNative(folderOf(*target)));
+        }
+    });
+}
+
+} // namespace
+
+DocumentSaving::DocumentSaving(Notices& notices, WatchedFiles& watchedFiles, ReplacedFiles& replacedFiles,
+                               OpenKept openKept)
+    : notices_(notices), watchedFiles_(watchedFiles), replacedFiles_(replacedFiles), openKept_(std::move(openKept))
+{}
+
+std::optional<FileError> DocumentSaving::save(const std::shared_ptr<Document>& document, const QUrl& url)
+{
+    if (!url.isLocalFile()) {
+        return notLocal(url);
+    }
+    const TextTree text = document->text();
+    const QByteArray content = encodedText(text);
+    unseen_.reset();
+    if (document->fileURL() == url && watchedFiles_.hasUnseenChange(*document) &&
+        !keepUnseen(*document, url, content)) {
+        return FileError{descriptionOf(url) + u": What another program wrote there could not be kept."_s,
+                         u"another program has changed it, and what it wrote could not be kept. Saving once more "
+                         u"writes over it"_s};
+    }
+    std::optional<QUrl> old;
+    const auto keep = [&](const QByteArray& oldContent) {
+        old = replacedFiles_.keepReplaced(url, oldContent);
+        return old.has_value();
+    };
+    const std::variant<Saved, FileError> result = saveFile(filePath(url), content, keep);
+    if (const auto* error = std::get_if<FileError>(&result)) {
+        // What a failure in the middle could not take back is kept on.
+        return *error;
+    }
+    if (old) {
+        replacedFiles_.forget(*old);
+    }
+    document->setFileURL(url);
+    document->setIsModified(false);
+    watchedFiles_.noteSaved(document, text);
+    tidyBeside(url);
+    tell(url, std::get<Saved>(result));
+    return std::nullopt;
+}
+
+bool DocumentSaving::keepUnseen(const Document& document, const QUrl& url, const QByteArray& newContent)
+{
+    const OpenFile file = OpenFile::openForReading(nativePath(filePath(url)));
+    const std::optional<QByteArray> there = file.isOpen() ? file.readAll() : std::nullopt;
+    if (there == newContent || (!file.isOpen() && errno == ENOENT)) {
+        return true;
+    }
+    unseen_ = there ? replacedFiles_.keepReplaced(url, *there) : std::nullopt;
+    // Whoever saves once more knows of it.
+    watchedFiles_.noteSeen(document);
+    return unseen_.has_value();
+}
+
+void DocumentSaving::tell(const QUrl& url, Saved saved)
+{
+    const QString name = shownName(url);
+    if (unseen_) {
+        const auto open = [openKept = openKept_, kept = *unseen_, url] { openKept(kept, url); };
+        notices_.report(u"%1 was saved over what another program had written there."_s.arg(name),
+                        {{u"Open what was there"_s, open}});
+    }
+    if (saved == Saved::byReplacing || toldInPlace_.contains(url)) {
+        return;
+    }
+    toldInPlace_.insert(url);
+    notices_.report(saved == Saved::inPlaceForItsFolder
+                        ? u"%1 was written in place, since nothing may be replaced in its folder."_s.arg(name)
+                        : u"%1 was written in place, so that its other names stay the same file."_s.arg(name));
+}
+
+} // namespace kelm
