@@ -13,7 +13,7 @@ import time
 import traceback
 
 FOLDER = pathlib.Path(__file__).resolve().parent
-HELPERS = {"journey", "run"}
+HELPERS = {"journey", "notice_line", "run"}
 
 
 def go(name, program):

@@ -6,13 +6,19 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <sys/stat.h>
+
 namespace kelm {
 
 class FakeReplacedFiles final : public ReplacedFiles
 {
 public:
     /// What is kept stands in a folder of its own, so that a test's folder holds the test's files alone.
-    FakeReplacedFiles() = default;
+    FakeReplacedFiles()
+    {
+        // Tests may take the rights of another user.
+        ::chmod(QFile::encodeName(folder_.path()).constData(), 0777);
+    }
 
     std::optional<QUrl> keepReplaced(const QUrl& file, const QByteArray& content) override
     {

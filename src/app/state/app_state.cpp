@@ -4,6 +4,7 @@
 #include "app/state/document_saving.h"
 #include "app/state/file_failures.h"
 #include "app/state/large_files.h"
+#include "app/state/left_files.h"
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
 #include "app/state/replaced_files.h"
@@ -55,6 +56,7 @@ AppState::AppState(const Services& services)
         connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
     }
     loadRecentFiles();
+    tidyBeside(recentFiles_);
 }
 
 AppState::~AppState() = default;
@@ -161,6 +163,7 @@ void AppState::openFiles(const QList<QUrl>& urls)
     for (const QUrl& url : std::as_const(opened)) {
         addToRecentFiles(url);
     }
+    tidyBeside(opened);
     reportFailures(*notices_, failures, u"opened"_s);
 }
 

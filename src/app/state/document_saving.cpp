@@ -1,16 +1,12 @@
 #include "app/state/document_saving.h"
 
+#include "app/state/left_files.h"
 #include "app/state/notices.h"
 #include "app/state/text_file.h"
 #include "app/state/watched_files.h"
-#include "platform/events/background_task.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/files/open_file.h"
-#include "platform/files/symbolic_links.h"
-#include "platform/files/temporary_file.h"
-
-#include <QThreadPool>
 
 #include <cerrno>
 #include <utility>
@@ -18,20 +14,6 @@
 namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-/// Takes away what killed programs have left beside a file, off the main thread: a folder may be large.
-void tidyBeside(const QUrl& url)
-{
-    backgroundWorkers().start([path = filePath(url)] {
-        if (const auto target = followLinks(nativePath(path))) {
-            removeLeftFiles(pathOfNative(folderOf(*target)));
-        }
-    });
-}
-
-} // namespace
 
 DocumentSaving::DocumentSaving(Notices& notices, WatchedFiles& watchedFiles, ReplacedFiles& replacedFiles,
                                OpenKept openKept)
@@ -43,6 +25,7 @@ std::optional<FileError> DocumentSaving::save(const std::shared_ptr<Document>& d
     if (!url.isLocalFile()) {
         return notLocal(url);
     }
+    watchedFiles_.willSave(*document);
     const TextTree text = document->text();
     const QByteArray content = encodedText(text);
     unseen_.reset();
@@ -68,7 +51,7 @@ std::optional<FileError> DocumentSaving::save(const std::shared_ptr<Document>& d
     document->setFileURL(url);
     document->setIsModified(false);
     watchedFiles_.noteSaved(document, text);
-    tidyBeside(url);
+    tidyBeside({url});
     tell(url, std::get<Saved>(result));
     return std::nullopt;
 }

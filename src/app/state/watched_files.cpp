@@ -87,6 +87,13 @@ void WatchedFiles::willRead(const QUrl& url)
     }
 }
 
+void WatchedFiles::willSave(const Document& document)
+{
+    if (File* file = fileOf(document); file != nullptr && file->isGone) {
+        forget(*file);
+    }
+}
+
 void WatchedFiles::noteSaved(const std::shared_ptr<Document>& document, const TextTree& text)
 {
     follow(document);

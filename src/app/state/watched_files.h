@@ -43,6 +43,8 @@ public:
 
     /// To be called before a file is read for a document: what is changed afterwards is seen.
     void willRead(const QUrl& url);
+    /// The document is about to be saved: that its file has vanished need not be told any longer.
+    void willSave(const Document& document);
     /// The document's text is that of its file from now on, as the program itself wrote it.
     void noteSaved(const std::shared_ptr<Document>& document, const TextTree& text);
     /// Whether the file is another one than that which was last read or written for the document, and is there.

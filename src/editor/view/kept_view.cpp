@@ -5,8 +5,10 @@
 namespace kelm {
 
 KeptView::KeptView(TextView& view, CodeFoldingManager& folds)
-    : view_(view), folds_(folds), foldPlaces_(folds.placeholders())
+    : view_(view), folds_(folds), selections_(view.editor().selections().all()), foldPlaces_(folds.placeholders())
 {
+    const auto primary = selections_.begin() + std::ptrdiff_t(view.editor().selections().primaryIndex());
+    std::rotate(primary, primary + 1, selections_.end());
     const std::vector<TextRow> rows = view.visibleRows();
     const auto top = std::find_if(rows.begin(), rows.end(), [](const TextRow& row) { return row.top >= 0; });
     if (top != rows.end()) {
@@ -23,8 +25,11 @@ void KeptView::carry(TextRange range, qsizetype newLength)
         if (place <= range.location) {
             return place;
         }
-        return place >= range.end() ? place + newLength - range.length : range.location;
+        return place >= range.end() ? place + newLength - range.length : std::min(place, range.location + newLength);
     };
+    for (Selection& selection : selections_) {
+        selection = {carried(selection.anchor), {carried(selection.head.offset), selection.head.atRowEnd}, {}};
+    }
     // A fold whose first line is written anew is the fold of another text.
     std::erase_if(foldPlaces_, [&](qsizetype place) { return place > range.location && place < range.end(); });
     std::transform(foldPlaces_.begin(), foldPlaces_.end(), foldPlaces_.begin(), carried);
@@ -35,6 +40,7 @@ void KeptView::carry(TextRange range, qsizetype newLength)
 
 void KeptView::restore()
 {
+    view_.editor().setSelections(SelectionSet(selections_));
     // From the last to the first: a fold changes the numbers of the lines below it.
     std::vector<qsizetype> places = foldPlaces_;
     std::reverse(places.begin(), places.end());

@@ -11,9 +11,10 @@
 
 namespace kelm {
 
-/// From its making on it carries the folds of a text and the row at the top of the screen over every edit, and brings
-/// them back when all are done: a fold whose first line is still there and still begins a region, and the scroll
-/// position by the text at the top. A fold within another is not kept. View and folds outlive it.
+/// From its making on it carries the carets of a text, its folds and the row at the top of the screen over every edit,
+/// and brings them back when all are done: a fold whose first line is still there and still begins a region, and the
+/// scroll position by the text at the top. What stands in a text that another is put in the place of stays as far from
+/// its start as it was. A fold within another is not kept. View and folds outlive it.
 class KeptView
 {
 public:
@@ -29,6 +30,8 @@ private:
 
     TextView& view_;
     CodeFoldingManager& folds_;
+    /// The primary one last.
+    std::vector<Selection> selections_;
     std::vector<qsizetype> foldPlaces_;
     std::optional<qsizetype> topPlace_;
     /// How far below the top of the viewport it stands.
