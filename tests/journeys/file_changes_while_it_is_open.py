@@ -1,4 +1,4 @@
-"""A file that another program changes shows its new text; a save over a change that was not seen keeps what was there."""
+"""A file that another program changes shows its new text; a save over an unseen change keeps what was there."""
 
 import os
 

@@ -16,7 +16,7 @@ quint64 nextId()
 } // namespace
 
 ShadowDocument::ShadowDocument(QString text, std::optional<QUrl> place)
-    : url(std::move(place)), id_(nextId()), states_{std::move(text)}, places_{0}
+    : url(std::move(place)), fileText(text), id_(nextId()), states_{std::move(text)}, places_{0}
 {}
 
 void ShadowDocument::edited(const QString& text)

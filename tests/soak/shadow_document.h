@@ -27,6 +27,8 @@ public:
 
     std::optional<QUrl> url;
     bool isModified = false;
+    /// What the file held when it was last read or written for the document.
+    QString fileText;
 
     /// An edit by the user that can be undone.
     void edited(const QString& text);

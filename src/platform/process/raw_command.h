@@ -11,8 +11,8 @@
 namespace kelm {
 
 /// A command in the system's own bytes. The toolkit's process makes question marks of those that are not UTF-8, so that
-/// the child starts such a command itself, in the last moment that the toolkit gives it. Made in the parent; a child
-/// must not take memory.
+/// the child starts such a command itself, in the last moment that the toolkit gives it. All is made ready in the
+/// parent: the child has its parent's memory and a stack of a few thousand bytes.
 class RawCommand
 {
 public:
@@ -23,12 +23,25 @@ public:
     void execute() const;
 
 private:
+    /// Texts as the system takes them, with a null behind the last.
+    class Texts
+    {
+    public:
+        Texts() = default;
+        explicit Texts(std::vector<QByteArray> texts);
+        char* const* pointers() const { return pointers_.data(); }
+
+    private:
+        std::vector<QByteArray> texts_;
+        std::vector<char*> pointers_;
+    };
+
     explicit RawCommand(const ProcessCommand& command);
 
     QByteArray folder_;
     QByteArray program_;
-    std::vector<QByteArray> arguments_;
-    std::optional<std::vector<QByteArray>> environment_;
+    Texts arguments_;
+    std::optional<Texts> environment_;
 };
 
 } // namespace kelm

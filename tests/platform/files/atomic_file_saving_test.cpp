@@ -20,7 +20,7 @@
 #include <sys/mount.h>
 #endif
 
-namespace save_file_test {
+namespace atomic_file_saving_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
@@ -145,7 +145,7 @@ int saveForever(const QStringList& arguments)
 
 } // namespace
 
-class SaveFileTest : public QObject
+class AtomicFileSavingTest : public QObject
 {
     Q_OBJECT
 
@@ -180,14 +180,14 @@ private:
     QList<QByteArray> kept_;
 };
 
-void SaveFileTest::init()
+void AtomicFileSavingTest::init()
 {
-    folder_ = std::make_unique<QTemporaryDir>(QDir::rootPath() + u"tmp/save_file_test-XXXXXX"_s);
+    folder_ = std::make_unique<QTemporaryDir>(QDir::rootPath() + u"tmp/atomic_file_saving_test-XXXXXX"_s);
     kept_.clear();
     QVERIFY(folder_->isValid());
 }
 
-void SaveFileTest::anOrdinaryFileIsReplaced()
+void AtomicFileSavingTest::anOrdinaryFileIsReplaced()
 {
     QCOMPARE(saved(u"file"_s, "one"), u"replaced"_s);
     QCOMPARE(saved(u"file"_s, "two"), u"replaced"_s);
@@ -195,7 +195,7 @@ void SaveFileTest::anOrdinaryFileIsReplaced()
     QVERIFY(kept_.isEmpty());
 }
 
-void SaveFileTest::aHardLinkStaysOneFile()
+void AtomicFileSavingTest::aHardLinkStaysOneFile()
 {
     writeBytes(path(u"file"_s), "a longer old text");
     QVERIFY(QFile::setPermissions(path(u"file"_s), QFile::ReadOwner | QFile::WriteOwner));
@@ -214,14 +214,14 @@ void SaveFileTest::aHardLinkStaysOneFile()
     QCOMPARE(entriesOf(folder_->path()), (QStringList{u"file"_s, u"link"_s, u"name"_s}));
 }
 
-void SaveFileTest::aFolderThatLetsNothingBeReplaced_data()
+void AtomicFileSavingTest::aFolderThatLetsNothingBeReplaced_data()
 {
     QTest::addColumn<int>("mode");
     QTest::newRow("read-only") << 0555;
     QTest::newRow("sticky") << 01777;
 }
 
-void SaveFileTest::aFolderThatLetsNothingBeReplaced()
+void AtomicFileSavingTest::aFolderThatLetsNothingBeReplaced()
 {
     if (::geteuid() != 0) {
         QSKIP("only a privileged user can make a file that another one may write but not replace");
@@ -245,7 +245,7 @@ void SaveFileTest::aFolderThatLetsNothingBeReplaced()
     QCOMPARE(entriesOf(folder_->path()), (QStringList{u"file"_s}));
 }
 
-void SaveFileTest::whatIsNotKeptIsNotWritten()
+void AtomicFileSavingTest::whatIsNotKeptIsNotWritten()
 {
     writeBytes(path(u"file"_s), "old");
     QCOMPARE(::link(qPrintable(path(u"file"_s)), qPrintable(path(u"name"_s))), 0);
@@ -256,7 +256,7 @@ void SaveFileTest::whatIsNotKeptIsNotWritten()
     QCOMPARE(readBytes(path(u"name"_s)), QByteArray("old"));
 }
 
-void SaveFileTest::aWriteThatFailsInPlaceIsTakenBack()
+void AtomicFileSavingTest::aWriteThatFailsInPlaceIsTakenBack()
 {
     const QByteArray old(50'000, 'o');
     writeBytes(path(u"file"_s), old);
@@ -268,7 +268,7 @@ void SaveFileTest::aWriteThatFailsInPlaceIsTakenBack()
     QCOMPARE(readBytes(path(u"name"_s)), old);
 }
 
-void SaveFileTest::otherDisks_data()
+void AtomicFileSavingTest::otherDisks_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QByteArray>("reason");
@@ -277,7 +277,7 @@ void SaveFileTest::otherDisks_data()
     QTest::newRow("read-only") << u"read-only"_s << QByteArray("nothing can be written to that disk");
 }
 
-void SaveFileTest::otherDisks()
+void AtomicFileSavingTest::otherDisks()
 {
     QFETCH(QString, kind);
     QFETCH(QByteArray, reason);
@@ -291,7 +291,7 @@ void SaveFileTest::otherDisks()
     QCOMPARE(code, 0);
 }
 
-void SaveFileTest::setIdBitsGoWithTheOwner()
+void AtomicFileSavingTest::setIdBitsGoWithTheOwner()
 {
     if (::geteuid() != 0) {
         QSKIP("only a privileged user can make a file of somebody else");
@@ -313,7 +313,7 @@ void SaveFileTest::setIdBitsGoWithTheOwner()
     QCOMPARE(statusOf(path(u"mine"_s)).st_mode & 07777, mode_t(04755));
 }
 
-void SaveFileTest::aNullInThePathIsRefused()
+void AtomicFileSavingTest::aNullInThePathIsRefused()
 {
     writeBytes(path(u"file"_s), "old");
     const QString cut = path(u"file"_s) + QChar(0) + u"more"_s;
@@ -322,7 +322,7 @@ void SaveFileTest::aNullInThePathIsRefused()
     QCOMPARE(readBytes(path(u"file"_s)), QByteArray("old"));
 }
 
-void SaveFileTest::namesOfAllKindsAreSaved()
+void AtomicFileSavingTest::namesOfAllKindsAreSaved()
 {
     const QByteArray base = nativePath(folder_->path()) + '/';
     for (const char* name :
@@ -335,7 +335,7 @@ void SaveFileTest::namesOfAllKindsAreSaved()
     }
 }
 
-void SaveFileTest::leftFilesGoAndOthersStay()
+void AtomicFileSavingTest::leftFilesGoAndOthersStay()
 {
     for (const QString& name : {u".kelm-1abc"_s, u".kelm-zzzzzzzzzzzzz"_s, u".kelm-"_s, u".kelm-rc.txt"_s,
                                 u".kelm-ABC"_s, u".kelm-12345678901234"_s, u"kelm-1"_s, u".kelm-held"_s}) {
@@ -354,7 +354,7 @@ void SaveFileTest::leftFilesGoAndOthersStay()
     removeLeftFiles(path(u"none"_s));
 }
 
-void SaveFileTest::aKillAtAnyMomentLeavesAWholeFile()
+void AtomicFileSavingTest::aKillAtAnyMomentLeavesAWholeFile()
 {
     bool isGiven = false;
     const int given = qEnvironmentVariable("KELM_TEST_KILLS").toInt(&isGiven);
@@ -381,11 +381,11 @@ void SaveFileTest::aKillAtAnyMomentLeavesAWholeFile()
     qInfo("%d kills, %d of them left a temporary file, which was found", kills, leftBehind);
 }
 
-const kelm::test::Registered<SaveFileTest> registered(kelm::test::Toolkit::core,
-                                                      {{u"saveForever"_s, saveForever},
-                                                       {u"saveBeyondLimit"_s, saveBeyondLimit},
-                                                       {u"saveOnOtherDisk"_s, saveOnOtherDisk}});
+const kelm::test::Registered<AtomicFileSavingTest> registered(kelm::test::Toolkit::core,
+                                                              {{u"saveForever"_s, saveForever},
+                                                               {u"saveBeyondLimit"_s, saveBeyondLimit},
+                                                               {u"saveOnOtherDisk"_s, saveOnOtherDisk}});
 
-} // namespace save_file_test
+} // namespace atomic_file_saving_test
 
-#include "save_file_test.moc"
+#include "atomic_file_saving_test.moc"
