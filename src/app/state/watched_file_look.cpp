@@ -25,7 +25,7 @@ TextTree sharing(const TextTree& text, const TextTree& other)
 
 FileLook::Finding FileLook::operator()(const std::atomic<bool>& stop) const
 {
-    Finding finding{.document = document, .sight = identityOf(nativePath(filePath(url)))};
+    Finding finding{.document = document, .age = age, .sight = identityOf(nativePath(filePath(url)))};
     const bool isKnown = finding.sight ? finding.sight == known && !isGone : isGone;
     const bool isTold = finding.sight && finding.sight == told && !wantsReload;
     if ((isKnown && !wantsReload) || isTold) {

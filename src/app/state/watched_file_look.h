@@ -32,6 +32,7 @@ struct FileLook
     struct Finding
     {
         QUuid document;
+        quint64 age = 0;
         Outcome outcome = Outcome::same;
         Sight sight = {};
         /// The file's text, which shares with the document's all that they have in common.
@@ -40,6 +41,8 @@ struct FileLook
     };
 
     QUuid document;
+    /// Comes back with what was found, so that it shows when it is about a file that has been written since.
+    quint64 age = 0;
     QUrl url;
     /// The files that are known already.
     Sight known;

@@ -25,8 +25,8 @@ WatchedFiles::~WatchedFiles() = default;
 
 const WatchedFiles::File* WatchedFiles::fileOf(const Document& document) const
 {
-    const auto file = std::find_if(files_.begin(), files_.end(),
-                                   [&document](const File& each) { return each.document.lock().get() == &document; });
+    const auto file =
+        std::find_if(files_.begin(), files_.end(), [&document](const File& each) { return each.id == document.id(); });
     return file != files_.end() ? &*file : nullptr;
 }
 
@@ -56,12 +56,16 @@ void WatchedFiles::follow(const std::shared_ptr<Document>& document)
         return;
     }
     const QUrl url = *document->fileURL();
-    std::optional<FileIdentity> known = identityOf(nativePath(filePath(url)));
-    if (const auto read = read_.constFind(url); read != read_.cend()) {
-        known = *read;
-        read_.erase(read);
-    }
-    files_.append({.document = document, .url = url, .known = known, .text = document->text(), .isGone = !known});
+    const auto read = read_.constFind(url);
+    const std::optional<FileIdentity> known =
+        read != read_.cend() ? std::optional(*read) : identityOf(nativePath(filePath(url)));
+    read_.remove(url);
+    files_.append({.id = document->id(),
+                   .document = document,
+                   .url = url,
+                   .known = known,
+                   .text = document->text(),
+                   .isGone = !known});
 }
 
 void WatchedFiles::forget(File& file)
@@ -102,6 +106,7 @@ void WatchedFiles::noteSaved(const std::shared_ptr<Document>& document, const Te
         return;
     }
     forget(*file);
+    ++file->age;
     const bool isElsewhere = file->url != *document->fileURL() || &files_.constLast() == file;
     file->url = *document->fileURL();
     file->known = identityOf(nativePath(filePath(file->url)));
@@ -128,6 +133,7 @@ void WatchedFiles::noteSeen(const Document& document)
 {
     if (File* file = fileOf(document)) {
         forget(*file);
+        ++file->age;
         file->known = identityOf(nativePath(filePath(file->url)));
         file->told.reset();
     }
@@ -152,8 +158,8 @@ void WatchedFiles::look()
     std::vector<FileLook> looks;
     for (const File& file : std::as_const(files_)) {
         if (const std::shared_ptr<Document> document = file.document.lock()) {
-            looks.push_back({document->id(), file.url, file.known, file.told, file.isGone, file.wantsReload, file.sight,
-                             file.text, document->text()});
+            looks.push_back({document->id(), file.age, file.url, file.known, file.told, file.isGone, file.wantsReload,
+                             file.sight, file.text, document->text()});
         }
     }
     task_.start([this, looks = std::move(looks)](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
@@ -170,12 +176,12 @@ void WatchedFiles::take(const std::vector<FileLook::Finding>& findings)
     bool isQuiet = true;
     bool isWatchLost = false;
     for (const FileLook::Finding& finding : findings) {
-        const auto file = std::find_if(files_.begin(), files_.end(), [&finding](const File& each) {
-            const std::shared_ptr<Document> document = each.document.lock();
-            return document && document->id() == finding.document;
-        });
-        if (file != files_.end()) {
-            const std::shared_ptr<Document> document = file->document.lock();
+        const auto file = std::find_if(files_.begin(), files_.end(),
+                                       [&finding](const File& each) { return each.id == finding.document; });
+        const std::shared_ptr<Document> document = file != files_.end() ? file->document.lock() : nullptr;
+        if (document && file->age != finding.age) {
+            isMissed_ = true;
+        } else if (document) {
             isWatchLost = isWatchLost || finding.outcome != FileLook::Outcome::same;
             isQuiet = take(*file, *document, finding) && isQuiet;
         }
@@ -282,6 +288,7 @@ void WatchedFiles::offerReload(File& file, const FileIdentity& identity)
     const auto keepMine = [withFile] {
         withFile([](File& there) {
             there.notice = 0;
+            ++there.age;
             there.known = std::exchange(there.told, std::nullopt);
         });
     };

@@ -12,6 +12,7 @@
 #include <QList>
 #include <QObject>
 #include <QUrl>
+#include <QUuid>
 
 #include <chrono>
 #include <memory>
@@ -61,6 +62,7 @@ private:
     /// What is known of one document's file.
     struct File
     {
+        QUuid id;
         std::weak_ptr<Document> document;
         QUrl url;
         /// As it was last read or written; absent when nothing is known or it was not there.
@@ -71,6 +73,8 @@ private:
         std::optional<FileIdentity> told = std::nullopt;
         /// What the last look saw, when that was new.
         std::optional<FileLook::Sight> sight = std::nullopt;
+        /// Grows when the program itself has written it, or what is known of it was changed.
+        quint64 age = 0;
         bool isGone = false;
         bool wantsReload = false;
         Notices::Id notice = 0;

@@ -1,10 +1,12 @@
 #include "app/state/notices.h"
 #include "app/state/watched_files.h"
+#include "platform/events/background_task.h"
 #include "support/app_state_fixture.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 
 #include <QSignalSpy>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <cstdio>
@@ -40,6 +42,7 @@ private Q_SLOTS:
     void aFileThatCannotBeReadAnyMoreIsToldOfOnce();
     void aChangeBetweenReadingAndWatchingIsSeen();
     void aClosedDocumentIsWatchedNoMore();
+    void aSaveWhileTheFileIsReadGoesBeforeIt();
     void aSaveOverAnUnseenChangeKeepsIt();
     void whatTheSaveWroteOverIsOpened();
     void aSaveOverTheSameBytesKeepsNothing();
@@ -351,6 +354,27 @@ void WatchedFilesTest::aClosedDocumentIsWatchedNoMore()
     settle();
     QCOMPARE(closed->content(), u"old"_s);
     QCOMPARE(noticeText(), QString());
+}
+
+void WatchedFilesTest::aSaveWhileTheFileIsReadGoesBeforeIt()
+{
+    state().openFile(fixture_->write(u"a.txt"_s, "old"));
+    settle();
+    fixture_->write(u"a.txt"_s, "another program's");
+    state().watchedFiles().lookAgain();
+    fixture_->scheduler.advance(WatchedFiles::lookDelay);
+    QTRY_VERIFY(fixture_->scheduler.pending() > 0);
+    // The file is read by now, and what was read waits to be taken.
+    fixture_->scheduler.advance(WatchedFiles::quietTime);
+    QVERIFY(backgroundWorkers().waitForDone(10'000));
+    document().setContent(u"mine"_s);
+    state().saveCurrentDocument();
+    QSignalSpy changed(&document(), &Document::contentChanged);
+    settle();
+    QCOMPARE(document().content(), u"mine"_s);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("mine"));
+    QCOMPARE(fixture_->replaced.kept, (QList<QByteArray>{"another program's"}));
 }
 
 void WatchedFilesTest::aSaveOverAnUnseenChangeKeepsIt()
