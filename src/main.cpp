@@ -1,6 +1,7 @@
 #include "app/state/open_events.h"
 #include "platform/events/main_queue.h"
 #include "platform/events/single_instance.h"
+#include "platform/files/native_path.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "platform/process/child_groups.h"
@@ -14,7 +15,6 @@
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QPixmap>
 #include <QProcess>
 
@@ -55,12 +55,13 @@ int main(int argc, char* argv[])
     int status = 0;
     QList<QStringList> unopened;
     {
-        const QStringList arguments = QApplication::arguments().mid(1);
+        // The toolkit has taken its own out, and would lose bytes of the others.
+        const QStringList arguments = kelm::argumentsOf(argc, argv);
         const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
         kelm::SingleInstance instance(kelm::defaultInstancePlace());
         // A picture is drawn by a program of its own, whatever else runs.
         if (picture.isEmpty()) {
-            switch (instance.settle(kelm::urlTextsOfArguments(arguments, QDir::currentPath()))) {
+            switch (instance.settle(kelm::urlTextsOfArguments(arguments, kelm::currentFolder()))) {
             case kelm::SingleInstance::Part::handedOver:
                 return 0;
             case kelm::SingleInstance::Part::unanswered:

@@ -1,14 +1,12 @@
 #include "files/file_item.h"
 
 #include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/text/string_comparison.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -102,9 +100,9 @@ QString FileItem::name() const
 std::variant<QList<FileItem>, FileError> listFolder(const QUrl& url)
 {
     const QString path = folderPrefix(url);
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(QFile::encodeName(path).constData()), closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(nativePath(path).constData()), closedir);
     if (!folder) {
-        return FileError{filePath(url) + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
+        return systemError(filePath(url), errno);
     }
     const StringComparison& comparison = StringComparison::current();
     std::vector<SortedItem> entries;
@@ -112,8 +110,8 @@ std::variant<QList<FileItem>, FileError> listFolder(const QUrl& url)
         if (entry->d_name[0] == '.') {
             continue;
         }
-        const QString name = QFile::decodeName(entry->d_name);
-        FileItem item{.url = QUrl::fromLocalFile(path + name), .isDirectory = isFolder(*entry, dirfd(folder.get()))};
+        const QString name = pathOfNative(entry->d_name);
+        FileItem item{.url = urlOfFile(path + name), .isDirectory = isFolder(*entry, dirfd(folder.get()))};
         entries.push_back({comparison.sortKey(name), std::move(item)});
     }
     return sorted(std::move(entries));

@@ -1,10 +1,10 @@
 #include "search/file_search.h"
 
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/files/utf8_decoding.h"
 #include "platform/text/character_sets.h"
 #include "search/line_pieces_reader.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -161,9 +161,9 @@ void FileSearch::searchLines(Place& place, const OnResult& onResult) const
         const QStringView line = text.sliced(start, end - start);
         if (isIn(line)) {
             if (place.url.isEmpty()) {
-                const QString file = QFile::decodeName(place.path);
-                place.url = QUrl::fromLocalFile(file);
-                place.name = file.mid(file.lastIndexOf(u'/') + 1);
+                const QString file = pathOfNative(place.path);
+                place.url = urlOfFile(file);
+                place.name = shownPath(file.mid(file.lastIndexOf(u'/') + 1));
             }
             onResult(
                 {.fileURL = place.url, .fileName = place.name, .lineNumber = place.line, .matchLine = line.toString()});

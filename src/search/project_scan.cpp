@@ -1,9 +1,8 @@
 #include "search/project_scan.h"
 
+#include "platform/files/native_path.h"
 #include "search/ordered_results.h"
 #include "search/project_walk.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <mutex>
@@ -28,7 +27,7 @@ public:
         : needle_(needle),
           callbacks_(callbacks),
           limits_(limits),
-          walk_(QFile::encodeName(root.endsWith(u'/') ? root : root + u'/'), callbacks.isCancelled),
+          walk_(nativePath(root.endsWith(u'/') ? root : root + u'/'), callbacks.isCancelled),
           results_(callbacks.onResult, callbacks.isCancelled)
     {}
 

@@ -1,5 +1,7 @@
 #include "files/file_item.h"
 #include "files/git_badge.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "support/test_program.h"
 #include "support/unprivileged.h"
 
@@ -7,6 +9,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <algorithm>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace file_item_test {
 
@@ -58,6 +64,7 @@ private Q_SLOTS:
     void hiddenEntriesAreLeftOut();
     void aLinkToAFolderIsAFile();
     void oddNamesAreListed();
+    void namesThatAreNotUtf8AreListed();
     void whatCannotBeReadIsAnError();
     void identitiesAreFresh();
     void iconsFollowTheExtension_data();
@@ -109,6 +116,26 @@ void FileItemTest::oddNamesAreListed()
     for (const FileItem& item : std::get<QList<FileItem>>(listed)) {
         QVERIFY(QFile::exists(item.url.toLocalFile()));
     }
+}
+
+void FileItemTest::namesThatAreNotUtf8AreListed()
+{
+    const Fixture fixture;
+    const QByteArray base = QFile::encodeName(fixture.folder.path()) + '/';
+    const QList<QByteArray> made{"caf\xe8", "caf\xe9", "\xff\xfe"};
+    for (const QByteArray& name : made) {
+        QCOMPARE(::mkdir((base + name).constData(), 0700), 0);
+    }
+    QCOMPARE(fixture.names(), (QStringList{u"caf\ufffd/"_s, u"caf\ufffd/"_s, u"\ufffd\ufffd/"_s}));
+    QList<QByteArray> listed;
+    const auto items = listFolder(QUrl::fromLocalFile(fixture.folder.path()));
+    for (const FileItem& item : std::get<QList<FileItem>>(items)) {
+        QVERIFY(std::holds_alternative<QList<FileItem>>(listFolder(item.url)));
+        listed << nativePath(filePath(item.url)).sliced(base.size());
+        QCOMPARE(::rmdir(nativePath(filePath(item.url)).constData()), 0);
+    }
+    std::sort(listed.begin(), listed.end());
+    QCOMPARE(listed, made);
 }
 
 void FileItemTest::whatCannotBeReadIsAnError()

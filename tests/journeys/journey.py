@@ -87,7 +87,8 @@ class Journey:
         options.setdefault("stdout", open(self.folder / "log", "ab"))
         options.setdefault("stderr", subprocess.STDOUT)
         options.setdefault("stdin", subprocess.DEVNULL)
-        return subprocess.Popen(command, env=self.environment, cwd=self.home, **options)
+        options.setdefault("cwd", self.home)
+        return subprocess.Popen(command, env=self.environment, **options)
 
     def start(self, *arguments, **options):
         """Starts the program and waits for its window to have the keyboard."""

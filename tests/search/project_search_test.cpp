@@ -1,3 +1,5 @@
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/text/canonical_text.h"
 #include "search/localized_needle.h"
 #include "search/project_search.h"
@@ -10,8 +12,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cstdio>
 #include <random>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace project_search_test {
 
@@ -37,7 +41,7 @@ struct Fixture
     QStringList find(const QString& text) { return findIn(project.path(), text); }
     QStringList findIn(const QString& folder, const QString& text)
     {
-        search.start(QUrl::fromLocalFile(folder), text);
+        search.start(urlOfFile(folder), text);
         if (!QTest::qWaitFor([this] { return !search.isRunning(); }, 20'000)) {
             qFatal("the search does not end");
         }
@@ -56,6 +60,7 @@ class ProjectSearchTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void namesThatAreNotUtf8AreSearched();
     void textsMatchAsAPersonMeansThem_data();
     void textsMatchAsAPersonMeansThem();
     void longTextsAreFoundAsShortOnes();
@@ -80,6 +85,21 @@ private Q_SLOTS:
     void quickOpenLooksAtNamesAlone_data();
     void quickOpenLooksAtNamesAlone();
 };
+
+void ProjectSearchTest::namesThatAreNotUtf8AreSearched()
+{
+    Fixture fixture;
+    const QByteArray folder = QFile::encodeName(fixture.project.path()) + "/caf\xe9";
+    QCOMPARE(::mkdir(folder.constData(), 0700), 0);
+    fixture.write(u"plain"_s, "a needle\n");
+    const QByteArray file = folder + "/\xff.txt";
+    QCOMPARE(std::rename(QFile::encodeName(fixture.project.filePath(u"plain"_s)).constData(), file.constData()), 0);
+    QCOMPARE(fixture.find(u"needle"_s), (QStringList{u"\ufffd.txt:1:a needle"_s}));
+    QCOMPARE(nativePath(filePath(fixture.search.results().constFirst().fileURL)), file);
+    QCOMPARE(fixture.findIn(pathOfNative(folder), u"needle"_s).size(), 1);
+    QCOMPARE(::unlink(file.constData()), 0);
+    QCOMPARE(::rmdir(folder.constData()), 0);
+}
 
 void ProjectSearchTest::textsMatchAsAPersonMeansThem_data()
 {

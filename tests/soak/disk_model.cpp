@@ -65,6 +65,7 @@ void DiskModel::learn()
 void DiskModel::expectLink(const QString& path, const QString& target)
 {
     expected_[path] = linkMark + QFile::encodeName(target);
+    ++revision_;
 }
 
 QString DiskModel::behindLinks(const QString& path) const
@@ -88,6 +89,7 @@ void DiskModel::writeAsAnother(const QString& path, const QByteArray& bytes)
         qFatal("the soak cannot write %s", qPrintable(target));
     }
     expected_[target] = bytes;
+    ++revision_;
 }
 
 void DiskModel::removeAsAnother(const QString& path)
@@ -96,6 +98,7 @@ void DiskModel::removeAsAnother(const QString& path)
         qFatal("the soak cannot remove %s", qPrintable(path));
     }
     expected_.remove(path);
+    ++revision_;
 }
 
 QStringList DiskModel::differences() const

@@ -22,15 +22,26 @@ public:
     /// Takes what is there now as what must be there.
     void learn();
 
+    /// Grows whenever something else must be there.
+    quint64 revision() const { return revision_; }
+
     /// Absent when no file must be there.
     std::optional<QByteArray> bytesOf(const QString& path) const;
     /// All files that must be there, links included, in the order of their paths.
     QStringList paths() const { return expected_.keys(); }
 
     /// The file must hold this from now on.
-    void expect(const QString& path, const QByteArray& bytes) { expected_[behindLinks(path)] = bytes; }
+    void expect(const QString& path, const QByteArray& bytes)
+    {
+        expected_[behindLinks(path)] = bytes;
+        ++revision_;
+    }
     void expectLink(const QString& path, const QString& target);
-    void expectNone(const QString& path) { expected_.remove(path); }
+    void expectNone(const QString& path)
+    {
+        expected_.remove(path);
+        ++revision_;
+    }
     /// The path that a write to `path` goes to.
     QString behindLinks(const QString& path) const;
 
@@ -46,6 +57,7 @@ private:
 
     QStringList folders_;
     QMap<QString, QByteArray> expected_;
+    quint64 revision_ = 0;
 };
 
 } // namespace kelm::soak

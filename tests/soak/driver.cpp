@@ -1,5 +1,6 @@
 #include "soak/driver.h"
 
+#include "soak/files_on_disk.h"
 #include "soak/invariants.h"
 
 #include <cstdio>
@@ -83,6 +84,7 @@ void Driver::step()
     // A run that dies within an action leaves its name behind.
     lastActions_.append(QString::fromLatin1(action.name));
     world_.bringToFront();
+    const quint64 diskBefore = world_.disk.revision();
     action.run(world_);
     const QString place = world_.tabs.current() != nullptr
                               ? u" (tab %1 of %2)"_s.arg(world_.tabs.currentIndex()).arg(world_.tabs.all().size())
@@ -92,6 +94,9 @@ void Driver::step()
         lastActions_.removeFirst();
     }
     ++counts_[QString::fromLatin1(action.name)];
+    if (world_.disk.revision() != diskBefore) {
+        followDisk(world_);
+    }
     world_.settle();
     if (!world_.failure) {
         checkInvariants(world_);

@@ -7,6 +7,7 @@
 #include <QDir>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kelm::soak {
 
@@ -70,10 +71,8 @@ void saveAll(World& world)
 {
     QTest::keyClick(&world.window, Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
     for (ShadowDocument& document : world.tabs.all()) {
-        if (document.url) {
-            if (!expectSaved(world, document)) {
-                document.failedToSave();
-            }
+        if (document.url && document.isModified) {
+            expectSaved(world, document);
         }
     }
 }
@@ -97,6 +96,10 @@ void saveIntoReadOnlyFolder(World& world)
         QTest::keyClick(&view, Qt::Key_S, Qt::ControlModifier);
     }
     ::chmod(folder.constData(), 0755);
+    // Whoever owns the file may write it in place.
+    if (::geteuid() != 0) {
+        expectSaved(world, *world.tabs.current());
+    }
 }
 
 QByteArray otherBytes(World& world)

@@ -1,8 +1,12 @@
 #include "soak/files_on_disk.h"
 
+#include "app/state/watched_files.h"
+
 #include <QStringDecoder>
 
 namespace kelm::soak {
+
+using namespace Qt::Literals::StringLiterals;
 
 std::optional<QString> textOf(const QByteArray& bytes)
 {
@@ -60,6 +64,29 @@ bool expectSaved(World& world, ShadowDocument& document)
         return true;
     }
     return false;
+}
+
+void followDisk(World& world)
+{
+    world.state.watchedFiles().lookAgain();
+    world.waitFor([&world] { return world.state.watchedFiles().isSettled(); }, u"the open files to be looked at"_s);
+    for (ShadowDocument& document : world.tabs.all()) {
+        const auto bytes =
+            document.url ? world.disk.bytesOf(world.disk.behindLinks(document.url->toLocalFile())) : std::nullopt;
+        const auto text = bytes ? textOf(*bytes) : std::nullopt;
+        if (!text || *text == document.fileText) {
+            continue;
+        }
+        if (!document.isModified) {
+            if (*text != document.text()) {
+                document.edited(*text);
+                document.isModified = false;
+            }
+            document.fileText = *text;
+        } else if (*text == document.text()) {
+            document.fileText = *text;
+        }
+    }
 }
 
 QUrl someFile(World& world)

@@ -15,6 +15,10 @@ void expectOpened(World& world, const QUrl& url);
 /// Tells the model that the document was saved where it belongs, which fails without a folder for it.
 bool expectSaved(World& world, ShadowDocument& document);
 
+/// Waits until the state has looked at what was changed on disk, and tells the model: documents that are not modified
+/// have the new texts.
+void followDisk(World& world);
+
 /// Some file of the project that is there now, links included.
 QUrl someFile(World& world);
 

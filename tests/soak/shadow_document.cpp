@@ -16,20 +16,13 @@ quint64 nextId()
 } // namespace
 
 ShadowDocument::ShadowDocument(QString text, std::optional<QUrl> place)
-    : url(std::move(place)), id_(nextId()), states_{std::move(text)}, places_{0}, origin_(states_.first())
+    : url(std::move(place)), fileText(text), id_(nextId()), states_{std::move(text)}, places_{0}
 {}
 
 void ShadowDocument::saved()
 {
     isModified = false;
-    hasFailedSave_ = false;
-    origin_ = text();
-}
-
-void ShadowDocument::failedToSave()
-{
-    hasFailedSave_ = isAtRisk();
-    isModified = false;
+    fileText = text();
 }
 
 ShadowDocument ShadowDocument::reopened() const

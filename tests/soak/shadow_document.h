@@ -27,14 +27,13 @@ public:
 
     std::optional<QUrl> url;
     bool isModified = false;
+    /// What the file held when it was last read or written for the document; of one without a file, its first text.
+    QString fileText;
 
-    /// The text was written to its file, or could not be and is taken for written all the same.
+    /// The text was written to its file.
     void saved();
-    void failedToSave();
-    /// Whether its text may be in no file.
-    bool isAtRisk() const { return isModified || hasFailedSave_; }
     /// Whether it is in no file: then it has to be in the store.
-    bool isUnsaved() const { return isAtRisk() && text() != origin_; }
+    bool isUnsaved() const { return isModified && text() != fileText; }
     /// The same document in another editor, which has nothing to undo.
     ShadowDocument reopened() const;
 
@@ -53,9 +52,6 @@ private:
     std::set<qsizetype> places_;
     /// Whether states at the front were forgotten.
     bool isTrimmed_ = false;
-    /// What was read or saved last.
-    QString origin_;
-    bool hasFailedSave_ = false;
 };
 
 } // namespace kelm::soak

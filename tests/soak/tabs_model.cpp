@@ -18,7 +18,7 @@ void TabsModel::noteClosed(const std::function<bool(qsizetype)>& isClosed)
         if (isClosed(index) && tab.isUnsaved()) {
             closedTexts_.append(tab.text());
         }
-        if (isClosed(index) && tab.isAtRisk() && (tab.url || !tab.text().isEmpty())) {
+        if (isClosed(index) && tab.isModified && (tab.url || !tab.text().isEmpty())) {
             closed.documents.append(tab);
             closed.seen = index == current_ || closed.documents.size() == 1 ? tab.id() : closed.seen;
         }
@@ -44,7 +44,7 @@ void TabsModel::reopen()
 void TabsModel::put(ShadowDocument document, const QList<quint64>& order)
 {
     if (const auto same = document.url ? indexOf(*document.url) : std::nullopt) {
-        if (!tabs_[*same].isAtRisk()) {
+        if (!tabs_[*same].isModified) {
             tabs_[*same] = std::move(document);
             return;
         }

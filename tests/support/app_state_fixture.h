@@ -4,6 +4,7 @@
 #include "app/state/app_state.h"
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
+#include "support/fake_replaced_files.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,8 +20,9 @@ struct AppStateFixture
     ManualScheduler scheduler;
     NotificationCenter notificationCenter;
     CapturedLog log;
+    FakeReplacedFiles replaced;
     AppState state{{filePanels, userDefaults, scheduler, notificationCenter, log, ProcessRunner::sharedSystem(),
-                    ExecutableSearch(ProcessRunner::system())}};
+                    ExecutableSearch(ProcessRunner::system()), {}, &replaced}};
 
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(folder.filePath(name)); }
 

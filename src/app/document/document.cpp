@@ -25,10 +25,19 @@ void Document::setText(const TextTree& text)
 {
     const bool differs = !(this->text() == text);
     storedText_ = text;
+    isStoredTextOfFile_ = false;
     Q_EMIT contentChanged();
     if (differs) {
         setIsModified(true);
     }
+}
+
+void Document::takeFileText(const TextTree& text)
+{
+    storedText_ = text;
+    isStoredTextOfFile_ = true;
+    Q_EMIT contentChanged();
+    setIsModified(false);
 }
 
 void Document::setEditor(const DocumentEditor* editor)

@@ -75,6 +75,9 @@ public:
     void setText(const TextTree& text);
     void setContent(const QString& content) { setText(TextTree(content)); }
 
+    /// Stores the text that the document's file has now: the document is not modified then.
+    void takeFileText(const TextTree& text);
+
     /// From now on `editor`, which has the text that the document has, keeps it; none when it is done, whose text the
     /// document then keeps itself. The editor outlives its time here.
     void setEditor(const DocumentEditor* editor);
@@ -82,7 +85,10 @@ public:
     void noteEdit();
     /// Whether a text was stored that the editor has not taken.
     bool hasStoredText() const { return storedText_.has_value(); }
-    /// That text, which from now on the editor keeps.
+    /// Whether that is the text of the file, which another program changed: whoever looks at the text goes on with what
+    /// is left of it.
+    bool isStoredTextOfFile() const { return isStoredTextOfFile_; }
+    /// The stored text, which from now on the editor keeps.
     TextTree takeStoredText();
 
     /// The file that the text is saved to; absent when it was never saved.
@@ -148,6 +154,7 @@ private:
     TextEncoding encoding_ = TextEncoding::utf8;
     LineEnding lineEnding_ = LineEnding::lf;
     bool isModified_ = false;
+    bool isStoredTextOfFile_ = false;
 };
 
 } // namespace kelm

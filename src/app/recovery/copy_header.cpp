@@ -3,10 +3,7 @@
 #include "platform/files/file_url.h"
 
 #include <QDataStream>
-#include <QFile>
 #include <QIODevice>
-
-#include <sys/stat.h>
 
 namespace kelm {
 
@@ -15,7 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr quint16 headerVersion = 1;
-constexpr qint64 nanosecondsOfSecond = 1'000'000'000;
 
 enum HeaderFlag : quint8 {
     hasUrl = 1,
@@ -26,30 +22,15 @@ enum HeaderFlag : quint8 {
 
 QDataStream& operator<<(QDataStream& stream, const FileIdentity& identity)
 {
-    return stream << identity.device << identity.inode << identity.size << identity.modified;
+    return stream << identity.device << identity.inode << identity.size << identity.written;
 }
 
 QDataStream& operator>>(QDataStream& stream, FileIdentity& identity)
 {
-    return stream >> identity.device >> identity.inode >> identity.size >> identity.modified;
+    return stream >> identity.device >> identity.inode >> identity.size >> identity.written;
 }
 
 } // namespace
-
-std::optional<FileIdentity> FileIdentity::of(const QUrl& url)
-{
-    struct stat status = {};
-    if (!url.isLocalFile() || ::stat(QFile::encodeName(url.toLocalFile()).constData(), &status) != 0) {
-        return std::nullopt;
-    }
-#ifdef Q_OS_MACOS
-    const timespec& written = status.st_mtimespec;
-#else
-    const timespec& written = status.st_mtim;
-#endif
-    return FileIdentity{quint64(status.st_dev), quint64(status.st_ino), qint64(status.st_size),
-                        qint64(written.tv_sec) * nanosecondsOfSecond + written.tv_nsec};
-}
 
 QString CopyHeader::title() const
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/language/language.h"
+#include "platform/files/file_identity.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -11,22 +12,6 @@
 #include <optional>
 
 namespace kelm {
-
-/// What tells one state of a file from another.
-struct FileIdentity
-{
-    quint64 device = 0;
-    quint64 inode = 0;
-    /// In bytes.
-    qint64 size = 0;
-    /// When it was written last, in nanoseconds since 1970.
-    qint64 modified = 0;
-
-    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
-
-    /// That of the file at `url`, behind symbolic links; absent for what cannot be looked at. From any thread.
-    static std::optional<FileIdentity> of(const QUrl& url);
-};
 
 /// The header of a copy.
 struct CopyHeader

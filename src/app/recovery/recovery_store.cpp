@@ -1,6 +1,8 @@
 #include "app/recovery/recovery_store.h"
 
 #include "platform/events/main_queue.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/files/utf8_file.h"
 
 #include <QDateTime>
@@ -149,7 +151,7 @@ void RecoveryStore::setOrigin(Kept& kept, const Document& document)
     kept.isChanged = false;
     worker_.add([folder = folder_, id = std::exchange(kept.id, {}), url = document.fileURL(), origin, before] {
         if (url) {
-            origin->identity = FileIdentity::of(*url);
+            origin->identity = url->isLocalFile() ? identityOf(nativePath(filePath(*url))) : std::nullopt;
         }
         if (!id.isEmpty()) {
             folder->remove(id);

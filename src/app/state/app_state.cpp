@@ -1,15 +1,21 @@
 #include "app/state/app_state.h"
 
 #include "app/state/document_rewriter.h"
+#include "app/state/document_saving.h"
+#include "app/state/file_failures.h"
 #include "app/state/large_files.h"
+#include "app/state/left_files.h"
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
+#include "app/state/replaced_files.h"
 #include "app/state/text_file.h"
 #include "app/state/unsaved_texts.h"
+#include "app/state/watched_files.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
 #include "platform/files/standard_paths.h"
+#include "platform/files/utf8_file.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -44,9 +50,21 @@ AppState::AppState(const Services& services)
                                          UnsavedTexts::Tabs{[this] { return documents_; },
                                                             [this](const Documents& documents, qsizetype current) {
                                                                 showDocuments(documents, current);
-                                                            }}))
+                                                            }})),
+      watchedFiles_(std::make_unique<WatchedFiles>(*notices_, services.scheduler)),
+      ownReplacedFiles_(std::make_unique<ReplacedFilesFolder>(standardPaths::savedState() + u"/unsaved"_s)),
+      saving_(std::make_unique<DocumentSaving>(
+          *notices_, *watchedFiles_, services.replacedFiles != nullptr ? *services.replacedFiles : *ownReplacedFiles_,
+          [this](const QUrl& file, const QByteArray& content) { return keepReplaced(file, content); }))
 {
+    connect(this, &AppState::documentsChanged, watchedFiles_.get(),
+            [this] { watchedFiles_->setDocuments(documents_); });
+    for (const auto gitHasEnded :
+         {&GitService::statusChanged, &GitService::branchChanged, &GitService::stashesChanged}) {
+        connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
+    }
     loadRecentFiles();
+    tidyBeside(recentFiles_);
 }
 
 AppState::~AppState() = default;
@@ -134,15 +152,19 @@ void AppState::openFiles(const QList<QUrl>& urls)
         }
     }
     QList<QUrl> opened;
+    QList<FileFailure> failures;
     for (const QUrl& url : urls) {
         services_.log.write(u"📂 openFile called with: "_s + descriptionOf(url));
         services_.log.write(u"  📄 Extension: "_s + pathExtension(url));
         if (const auto place = places.constFind(url); place != places.cend()) {
             current = *place;
             services_.log.write(u"  ♻️ File already open at index "_s + QString::number(current));
-        } else if (largeFiles_->isLarge(url)) {
+            continue;
+        }
+        watchedFiles_->willRead(url);
+        if (largeFiles_->isLarge(url)) {
             readLargeFile(url);
-        } else if (std::shared_ptr<Document> document = makeDocument(url, readTextFile(url))) {
+        } else if (std::shared_ptr<Document> document = makeDocument(url, readTextFile(url), failures)) {
             current = documents.size();
             places.insert(url, current);
             documents.append(std::move(document));
@@ -151,12 +173,16 @@ void AppState::openFiles(const QList<QUrl>& urls)
     }
     showDocuments(documents, current);
     putInRecentFiles(opened);
+    tidyBeside(opened);
+    reportFailures(*notices_, failures, u"opened"_s);
 }
 
-std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text)
+std::shared_ptr<Document> AppState::makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text,
+                                                 QList<FileFailure>& failures)
 {
     if (const auto* error = std::get_if<FileError>(&text)) {
         services_.log.write(u"  ❌ Error opening file: "_s + error->message);
+        failures.append({url, *error});
         return nullptr;
     }
     auto document = std::make_shared<Document>(std::get<TextTree>(text), url, std::nullopt, std::nullopt);
@@ -179,15 +205,17 @@ void AppState::showLargeFile(const QUrl& url, const std::optional<std::variant<T
         services_.log.write(u"  ⏹️ Opening stopped: "_s + descriptionOf(url));
         return;
     }
+    QList<FileFailure> failures;
     const auto place = std::find_if(documents_.begin(), documents_.end(),
                                     [&url](const auto& document) { return document->fileURL() == url; });
     if (place != documents_.end()) {
         // It was saved there while it was read.
         setCurrentDocumentIndex(place - documents_.begin());
-    } else if (std::shared_ptr<Document> document = makeDocument(url, *text)) {
+    } else if (std::shared_ptr<Document> document = makeDocument(url, *text, failures)) {
         appendAndShow(std::move(document));
         addToRecentFiles(url);
     }
+    reportFailures(*notices_, failures, u"opened"_s);
 }
 
 void AppState::closeTab(qsizetype index)
@@ -236,12 +264,17 @@ void AppState::saveCurrentDocument()
         saveCurrentDocumentAs();
         return;
     }
-    if (const std::optional<FileError> error = writeTextFile(document->text(), *document->fileURL())) {
+    save(document, *document->fileURL());
+}
+
+bool AppState::save(const std::shared_ptr<Document>& document, const QUrl& url)
+{
+    const std::optional<FileError> error = write(document, url);
+    if (error) {
         services_.log.print(u"Error saving: "_s + error->message);
-        return;
+        reportFailures(*notices_, {{url, *error}}, u"saved"_s);
     }
-    document->setIsModified(false);
-    unsavedTexts_->store().noteSaved(*document);
+    return !error;
 }
 
 void AppState::saveCurrentDocumentAs()
@@ -255,30 +288,47 @@ void AppState::saveCurrentDocumentAs()
     if (!url) {
         return;
     }
-    if (const std::optional<FileError> error = writeTextFile(document->text(), *url)) {
-        services_.log.print(u"Error saving: "_s + error->message);
-        return;
+    if (save(document, *url)) {
+        addToRecentFiles(*url);
     }
-    document->setFileURL(url);
-    document->setIsModified(false);
-    unsavedTexts_->store().noteSaved(*document);
-    addToRecentFiles(*url);
 }
 
 void AppState::saveAllDocuments()
 {
     const Documents documents = documents_;
+    QList<FileFailure> failures;
     for (const std::shared_ptr<Document>& document : documents) {
-        if (document->fileURL()) {
-            // A failed write is dropped on purpose; the text stays in the store.
-            if (writeTextFile(document->text(), *document->fileURL())) {
-                unsavedTexts_->store().noteFailedSave(*document);
-            } else {
-                unsavedTexts_->store().noteSaved(*document);
-            }
-            document->setIsModified(false);
+        const std::optional<QUrl> url = document->fileURL();
+        const std::optional<FileError> error =
+            url && document->isModified() ? write(document, *url) : std::nullopt;
+        if (error) {
+            failures.append({*url, *error});
         }
     }
+    reportFailures(*notices_, failures, u"saved"_s);
+}
+
+std::optional<FileError> AppState::write(const std::shared_ptr<Document>& document, const QUrl& url)
+{
+    std::optional<FileError> error = saving_->save(document, url);
+    if (!error) {
+        unsavedTexts_->store().noteSaved(*document);
+    }
+    return error;
+}
+
+std::function<void()> AppState::keepReplaced(const QUrl& file, const QByteArray& content)
+{
+    const QString copy = unsavedTexts_->store().keepReplaced(file, content);
+    return [this, file, content, copy] {
+        const Language language = Language::from(pathExtension(file).toLower());
+        // What is no UTF-8 is shown as well as it can be.
+        const QString text = decodeUtf8Text(content).value_or(QString::fromLatin1(content));
+        auto document = std::make_shared<Document>(text, std::nullopt, language, std::nullopt);
+        document->setIsModified(true);
+        appendAndShow(std::move(document));
+        unsavedTexts_->store().remove(copy);
+    };
 }
 
 void AppState::sortLines(bool ascending)

@@ -23,15 +23,20 @@ namespace kelm {
 
 class CodeRunner;
 class DocumentRewriter;
+class DocumentSaving;
 class GitService;
 class LargeFiles;
 class Notices;
+class ReplacedFiles;
 class UnsavedTexts;
+class WatchedFiles;
+struct FileFailure;
 
 /// Holds the open documents, one per tab, and one flag for each panel and overlay; opens and saves files. Menus, the
 /// toolbar, the tab bar and links all act through it, and views redraw on its signals.
 ///
-/// No operation throws or shows an alert: a failure is logged and leaves the state as it was, unless stated otherwise.
+/// No operation throws or shows an alert: a failure is logged, told by a notice, and leaves the state as it was, unless
+/// stated otherwise.
 /// Main thread only.
 class AppState : public QObject
 {
@@ -72,6 +77,8 @@ public:
         ExecutableSearch executableSearch;
         /// The folder of the copies of unsaved texts; empty for a state that keeps none.
         QString recoveryFolder = {};
+        /// Keeps what a save writes over; absent for a folder of the program's own.
+        ReplacedFiles* replacedFiles = nullptr;
     };
 
     /// Starts without a document, and loads the recent files.
@@ -134,6 +141,8 @@ public:
     Notices& notices() const { return *notices_; }
     /// The files that are read while the window goes on.
     LargeFiles& largeFiles() const { return *largeFiles_; }
+    /// The open files, which other programs may change.
+    WatchedFiles& watchedFiles() const { return *watchedFiles_; }
     /// Makes the texts of documents anew.
     DocumentRewriter& rewriter() const { return *rewriter_; }
     /// The copies of what is not saved, and what was closed so.
@@ -165,15 +174,14 @@ public:
     /// Lets the person choose files, which are opened, and folders, of which the last becomes the project.
     void showOpenPanel();
 
-    /// Saves the current document as UTF-8, or asks for a place when it has none. A failure is printed and leaves the
-    /// document modified.
+    /// Saves the current document as UTF-8, or asks for a place when it has none. A failure is printed too and leaves
+    /// the document modified.
     void saveCurrentDocument();
 
     /// Saves the current document where the person chooses. A failure leaves the document where it was.
     void saveCurrentDocumentAs();
 
-    /// Saves each document that has a file, modified or not, and clears its flag. A failure is dropped, and the flag is
-    /// cleared all the same.
+    /// Saves each modified document that has a file. What fails is told in one notice and stays modified.
     void saveAllDocuments();
 
     /// Sorts the lines of the current document; those of a long text on a worker (see `DocumentRewriter`).
@@ -210,8 +218,15 @@ Q_SIGNALS:
 private:
     /// Sets tabs and index together, so that no observer sees the one without the other.
     void showDocuments(Documents documents, qsizetype currentIndex);
-    /// A document with what was read; null, with the reason logged, for what could not be.
-    std::shared_ptr<Document> makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text);
+    /// A document with what was read; null, with the reason logged and added to `failures`, for what could not be.
+    std::shared_ptr<Document> makeDocument(const QUrl& url, const std::variant<TextTree, FileError>& text,
+                                           QList<FileFailure>& failures);
+    /// Saves a document and tells of a failure.
+    bool save(const std::shared_ptr<Document>& document, const QUrl& url);
+    /// Writes a document, whose text is then in no other place but its file.
+    std::optional<FileError> write(const std::shared_ptr<Document>& document, const QUrl& url);
+    /// Keeps what a save wrote over; what it gives opens that, as a text that no file has.
+    std::function<void()> keepReplaced(const QUrl& file, const QByteArray& content);
     /// Begins to read a very large file, unless that has begun already.
     void readLargeFile(const QUrl& url);
     /// Takes what was read of it; nothing when that was ended.
@@ -227,6 +242,9 @@ private:
     const std::unique_ptr<LargeFiles> largeFiles_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
     const std::unique_ptr<UnsavedTexts> unsavedTexts_;
+    const std::unique_ptr<WatchedFiles> watchedFiles_;
+    const std::unique_ptr<ReplacedFiles> ownReplacedFiles_;
+    const std::unique_ptr<DocumentSaving> saving_;
     Documents documents_;
     qsizetype currentDocumentIndex_ = 0;
     QList<QUrl> recentFiles_;

@@ -1,9 +1,10 @@
 #include "app/state/large_files.h"
 
 #include "platform/events/main_queue.h"
+#include "platform/files/file_identity.h"
 #include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 
-#include <QFileInfo>
 #include <QPointer>
 
 #include <atomic>
@@ -58,8 +59,8 @@ LargeFiles::~LargeFiles()
 
 bool LargeFiles::isLarge(const QUrl& url) const
 {
-    const QFileInfo file(url.toLocalFile());
-    return url.isLocalFile() && file.isFile() && file.size() >= leastSize_;
+    const std::optional<FileIdentity> file = identityOf(nativePath(filePath(url)));
+    return url.isLocalFile() && file && file->size >= leastSize_;
 }
 
 void LargeFiles::read(const QUrl& url)

@@ -3,9 +3,9 @@
 #include "app/state/app_state.h"
 #include "learning/lesson_link.h"
 #include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QUrl>
 
 #include <algorithm>
@@ -41,8 +41,7 @@ bool isURLText(const QString& argument)
 
 QString fileURLText(const QString& path)
 {
-    const bool isFolder = QFileInfo(path).isDir();
-    return QUrl::fromLocalFile(isFolder && !path.endsWith(u'/') ? path + u'/' : path).toString(QUrl::FullyEncoded);
+    return urlOfFile(isFolder(path) && !path.endsWith(u'/') ? path + u'/' : path).toString(QUrl::FullyEncoded);
 }
 
 } // namespace

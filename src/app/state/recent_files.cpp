@@ -1,8 +1,9 @@
 #include "app/state/recent_files.h"
 
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/text/strict_json.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -41,8 +42,8 @@ QList<QUrl> existingFiles(const QList<QUrl>& urls)
 {
     QList<QUrl> existing;
     std::copy_if(urls.begin(), urls.end(), std::back_inserter(existing), [](const QUrl& url) {
-        const QString path = url.path(QUrl::FullyDecoded);
-        return !path.isEmpty() && QFileInfo::exists(path);
+        const QString path = filePath(url);
+        return !path.isEmpty() && isThere(path);
     });
     return existing;
 }

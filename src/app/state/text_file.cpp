@@ -1,6 +1,7 @@
 #include "app/state/text_file.h"
 
 #include "platform/files/atomic_file.h"
+#include "platform/files/file_url.h"
 #include "platform/files/utf8_file.h"
 #include "platform/files/utf8_file_reader.h"
 #include "text/storage/text_tree_builder.h"
@@ -13,11 +14,6 @@ namespace kelm {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-FileError notLocal(const QUrl& url)
-{
-    return {descriptionOf(url) + u": The URL is not that of a file."_s};
-}
 
 /// Has a tree's pieces made of each section while it is read.
 class TreeSink final : public Utf8Sink
@@ -47,6 +43,18 @@ private:
     std::vector<TextTreeBuilder> builders_;
 };
 
+} // namespace
+
+QString descriptionOf(const QUrl& url)
+{
+    return url.toString(QUrl::FullyEncoded);
+}
+
+FileError notLocal(const QUrl& url)
+{
+    return {descriptionOf(url) + u": The URL is not that of a file."_s, u"that is no address of a file"_s};
+}
+
 QByteArray encodedText(const TextTree& text)
 {
     QByteArray bytes;
@@ -63,20 +71,13 @@ QByteArray encodedText(const TextTree& text)
     return bytes + encodeUtf8Text(held);
 }
 
-} // namespace
-
-QString descriptionOf(const QUrl& url)
-{
-    return url.toString(QUrl::FullyEncoded);
-}
-
 std::variant<TextTree, FileError> readTextFile(const QUrl& url, const std::function<bool(double)>& goesOn)
 {
     if (!url.isLocalFile()) {
         return notLocal(url);
     }
     TreeSink sink(goesOn);
-    if (std::optional<FileError> error = readUtf8File(url.toLocalFile(), sink)) {
+    if (std::optional<FileError> error = readUtf8File(filePath(url), sink)) {
         return *std::move(error);
     }
     return sink.take();
@@ -84,7 +85,7 @@ std::variant<TextTree, FileError> readTextFile(const QUrl& url, const std::funct
 
 std::optional<FileError> writeTextFile(const TextTree& text, const QUrl& url)
 {
-    return url.isLocalFile() ? writeAtomically(url.toLocalFile(), encodedText(text)) : notLocal(url);
+    return url.isLocalFile() ? writeAtomically(filePath(url), encodedText(text)) : notLocal(url);
 }
 
 } // namespace kelm

@@ -4,6 +4,7 @@
 #include "platform/files/file_error.h"
 #include "text/storage/text_tree.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QUrl>
 
@@ -15,6 +16,12 @@ namespace kelm {
 
 /// A URL as messages name it.
 QString descriptionOf(const QUrl& url);
+
+/// The error of a URL that names no file of this machine.
+FileError notLocal(const QUrl& url);
+
+/// A text as the bytes of its file. Linear in it.
+QByteArray encodedText(const TextTree& text);
 
 /// Reads the UTF-8 file at `url` straight into the pieces of a text. `goesOn` is told now and then how much is read,
 /// from 0 to 1, and ends the reading with false; it is called on any thread. From any thread.

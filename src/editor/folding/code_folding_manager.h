@@ -98,7 +98,7 @@ public:
     /// Where a range of what is shown stands in that text, and the other way round; see `FoldJournal`.
     TextRange wholeRange(TextRange shown) const { return journal_.wholeRange(shown); }
     TextRange shownRange(TextRange whole) const { return journal_.shownRange(whole); }
-    /// Where the placeholders stand that are seen, in the order of the text.
+    /// Where the placeholders stand that are seen, in the order of the text: each right behind the line of its region.
     std::vector<TextRange> placeholders() const;
     /// Undoes the folds that hide anything of a range of the whole text. False when there are none.
     bool reveal(TextRange whole);

@@ -1,6 +1,7 @@
 #include "editor/view/editor_container_view.h"
 
 #include "editor/view/editor_text.h"
+#include "editor/view/kept_view.h"
 #include "platform/events/main_queue.h"
 #include "text/storage/text_position.h"
 
@@ -115,6 +116,26 @@ void EditorContainerView::setText(const TextTree& text)
     }
     hasText_ = true;
     textView_->editor().setSelections(carets);
+    showNewText();
+}
+
+void EditorContainerView::takeFileText(const TextTree& text)
+{
+    if (!hasText_ || textView_->isReadOnly()) {
+        setText(text);
+        return;
+    }
+    textView_->commitComposition();
+    KeptView kept(*textView_, codeFoldingManager_);
+    replaceText(text);
+    showNewText();
+    kept.restore();
+    // Folding gives what is shown other colours and regions.
+    showNewText();
+}
+
+void EditorContainerView::showNewText()
+{
     highlightDebounce_.cancel();
     highlight();
     detectFoldableRegions();

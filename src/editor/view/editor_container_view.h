@@ -63,6 +63,9 @@ public:
     /// history. A later one is what a command made of the document's, and an undo step; the delegate is not told of it.
     void setText(const TextTree& text);
     void setText(const QString& text) { setText(TextTree(text)); }
+    /// Shows what the document's file has become. Only what differs is another text: carets, folds and what is on
+    /// screen stay with the text around. An undo step, too, of which the delegate is not told.
+    void takeFileText(const TextTree& text);
     /// A copy of what is shown, linear in it.
     QString text() const { return textView_->text(); }
     /// The document's text: what is shown, with the body of every fold in its place.
@@ -94,6 +97,7 @@ protected:
 private:
     void setUpTextView();
     void replaceText(const TextTree& text);
+    void showNewText();
     void setUpSideViews();
     void layOut();
     void debouncedHighlight();

@@ -126,8 +126,11 @@ void KelmEditorView::updateText()
         return;
     }
     // A folded text differs from the document's, which is whole.
+    const bool isTextOfFile = document_->isStoredTextOfFile();
     const TextTree stored = document_->takeStoredText();
-    if (view_->codeFoldingManager().isTextFolded() || !(view_->textView().storage().tree() == stored)) {
+    if (isTextOfFile) {
+        view_->takeFileText(stored);
+    } else if (view_->codeFoldingManager().isTextFolded() || !(view_->textView().storage().tree() == stored)) {
         view_->setText(stored);
     }
 }

@@ -4,13 +4,13 @@
 #include "files/view/file_item_row.h"
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QListView>
@@ -238,7 +238,7 @@ void FileTreeView::dragMoveEvent(QDragMoveEvent* event)
 void FileTreeView::dropEvent(QDropEvent* event)
 {
     for (const QUrl& url : event->mimeData()->urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
+        if (url.isLocalFile() && isFolder(filePath(url))) {
             appState_.setCurrentProject(url);
             loadFiles();
         } else {

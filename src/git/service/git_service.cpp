@@ -1,6 +1,8 @@
 #include "git/service/git_service.h"
 
 #include "git/service/git_worker.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,14 +23,14 @@ void GitService::setLastError(const std::optional<QString>& text)
 bool GitService::open(const QUrl& folder)
 {
     constexpr int candidateLimit = 10;
-    if (folder.toLocalFile().isEmpty()) {
+    if (!folder.isLocalFile() || filePath(folder).isEmpty()) {
         clearState();
         return false;
     }
-    QString candidate = QDir::cleanPath(QFileInfo(folder.toLocalFile()).absoluteFilePath());
+    QString candidate = QDir::cleanPath(QFileInfo(filePath(folder)).absoluteFilePath());
     for (int tried = 1;; ++tried) {
-        if (QFileInfo::exists(QDir(candidate).filePath(QStringLiteral(".git")))) {
-            repoURL_ = QUrl::fromLocalFile(candidate);
+        if (isThere(QDir(candidate).filePath(QStringLiteral(".git")))) {
+            repoURL_ = urlOfFile(candidate);
             refreshAll();
             return true;
         }
@@ -56,7 +58,7 @@ void GitService::clearState()
 
 QString GitService::repoPath() const
 {
-    return repoURL_ ? repoURL_->toLocalFile() : QString();
+    return repoURL_ ? filePath(*repoURL_) : QString();
 }
 
 QList<GitFileStatus> GitService::conflictedFiles() const

@@ -15,7 +15,8 @@ namespace kelm::localSocket {
 
 namespace {
 
-bool keepToItself(const OpenFile& socket)
+/// Where a system cannot make sockets so at once.
+[[maybe_unused]] bool keepToItself(const OpenFile& socket)
 {
     return socket.isOpen() && ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC) == 0 &&
            ::fcntl(socket.get(), F_SETFL, O_NONBLOCK) == 0;

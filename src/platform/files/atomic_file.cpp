@@ -1,13 +1,10 @@
 #include "platform/files/atomic_file.h"
 
 #include <QByteArray>
-#include <QFile>
-#include <QRandomGenerator>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,91 +13,18 @@
 #include <sys/xattr.h>
 #endif
 
+#include "platform/files/native_path.h"
 #include "platform/files/open_file.h"
+#include "platform/files/symbolic_links.h"
+#include "platform/files/temporary_file.h"
+#include "platform/files/writing_in_place.h"
 
 namespace kelm {
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace {
 
-constexpr int mostLinks = 40;
-constexpr int mostNames = 100;
 constexpr mode_t permissionBits = 07777;
-
-QByteArray folderOf(const QByteArray& nativePath)
-{
-    const qsizetype slash = nativePath.lastIndexOf('/');
-    return slash < 0 ? QByteArray("./") : nativePath.left(slash + 1);
-}
-
-/// What the symbolic link at `nativePath` says, or nothing when it is none.
-std::optional<QByteArray> linkTarget(const QByteArray& nativePath)
-{
-    char target[PATH_MAX];
-    const ssize_t length = ::readlink(nativePath.constData(), target, sizeof target);
-    return length < 0 ? std::nullopt : std::optional(QByteArray(target, length));
-}
-
-/// The path behind all symbolic links in the last place of `nativePath`; absent, with `errno` set, when they run in a
-/// circle.
-std::optional<QByteArray> followLinks(QByteArray nativePath)
-{
-    for (int links = 0; links < mostLinks; ++links) {
-        const std::optional<QByteArray> target = linkTarget(nativePath);
-        if (!target) {
-            return nativePath;
-        }
-        nativePath = target->startsWith('/') ? *target : folderOf(nativePath) + *target;
-    }
-    errno = ELOOP;
-    return std::nullopt;
-}
-
-/// A new, empty file in a folder, removed again unless it is put in its place.
-class TemporaryFile
-{
-public:
-    /// Makes the file with the permissions `mode`, as far as the process's mask leaves them. Not open, with `errno`
-    /// set, when it cannot be made.
-    TemporaryFile(const QByteArray& folder, mode_t mode)
-    {
-        for (int i = 0; i < mostNames && !file_.isOpen(); ++i) {
-            // A short name of its own, since the target's may be as long as names can be.
-            path_ = folder + ".kelm-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-            file_ = OpenFile(::open(path_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
-            if (!file_.isOpen() && errno != EEXIST) {
-                return;
-            }
-        }
-        isLeft_ = file_.isOpen();
-    }
-
-    ~TemporaryFile()
-    {
-        if (isLeft_) {
-            const int reason = errno;
-            ::unlink(path_.constData());
-            errno = reason;
-        }
-    }
-
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    OpenFile& file() { return file_; }
-
-    bool renameTo(const QByteArray& target)
-    {
-        isLeft_ = std::rename(path_.constData(), target.constData()) != 0;
-        return !isLeft_;
-    }
-
-private:
-    QByteArray path_;
-    OpenFile file_;
-    bool isLeft_ = false;
-};
+constexpr mode_t setIdBits = S_ISUID | S_ISGID;
 
 #ifdef Q_OS_LINUX
 
@@ -143,61 +67,99 @@ bool copyAttributes(const QByteArray& from, const struct stat& old, int to)
         [[maybe_unused]] const int groupOnly = ::fchown(to, uid_t(-1), old.st_gid);
     }
     copyExtendedAttributes(from, to);
+    // A program that runs with its owner's rights must not run with another's.
+    const bool isSameOwner = ::fstat(to, &made) == 0 && made.st_uid == old.st_uid && made.st_gid == old.st_gid;
+    const mode_t kept = isSameOwner ? permissionBits : permissionBits & ~setIdBits;
     // Last, since a change of owner clears some of the bits.
-    return ::fchmod(to, old.st_mode & permissionBits) == 0;
-}
-
-bool flushToDisk(int descriptor)
-{
-#ifdef F_FULLFSYNC
-    if (::fcntl(descriptor, F_FULLFSYNC) == 0) {
-        return true;
-    }
-#endif
-    return ::fsync(descriptor) == 0;
+    return ::fchmod(to, old.st_mode & kept) == 0;
 }
 
 /// Makes the renaming last. A folder that cannot be opened for reading or flushed at all is left to the system.
 bool flushFolder(const QByteArray& folder)
 {
     const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return !opened.isOpen() || flushToDisk(opened.get()) || errno == EINVAL || errno == ENOTSUP;
+    return !opened.isOpen() || opened.flushToDisk() || errno == EINVAL || errno == ENOTSUP;
+}
+
+/// What stands at a path that is to be written.
+struct Target
+{
+    QByteArray path;
+    bool exists = false;
+    struct stat status = {};
+};
+
+/// Absent, with `errno` set, where nothing can be written: a folder, a device, a file that this user may not write.
+std::optional<Target> findTarget(const QString& path)
+{
+    const std::optional<QByteArray> followed = followLinks(nativePath(path));
+    if (!followed) {
+        return std::nullopt;
+    }
+    Target target{*followed};
+    target.exists = ::stat(target.path.constData(), &target.status) == 0;
+    if (!target.exists) {
+        return errno == ENOENT ? std::optional(target) : std::nullopt;
+    }
+    if (!S_ISREG(target.status.st_mode)) {
+        errno = S_ISDIR(target.status.st_mode) ? EISDIR : EINVAL;
+        return std::nullopt;
+    }
+    return ::access(target.path.constData(), W_OK) == 0 ? std::optional(target) : std::nullopt;
 }
 
 /// False, with `errno` set, when something fails.
-bool replaceFile(const QByteArray& target, QByteArrayView bytes)
+bool replaceFile(const Target& target, QByteArrayView bytes)
 {
-    struct stat old = {};
-    const bool exists = ::stat(target.constData(), &old) == 0;
-    if (!exists && errno != ENOENT) {
-        return false;
-    }
-    if (exists && !S_ISREG(old.st_mode)) {
-        errno = S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
-        return false;
-    }
-    if (exists && ::access(target.constData(), W_OK) != 0) {
-        return false;
-    }
-    const QByteArray folder = folderOf(target);
+    const QByteArray folder = folderOf(target.path);
     // Until it has the old file's permissions, nobody else may look into the copy. It gets them after the text, since
     // writing takes some of them away again.
-    TemporaryFile temporary(folder, exists ? 0600 : 0666);
+    TemporaryFile temporary(folder, target.exists ? 0600 : 0666);
     OpenFile& file = temporary.file();
     return file.isOpen() && file.writeAll(bytes.data(), bytes.size()) &&
-           (!exists || copyAttributes(target, old, file.get())) && flushToDisk(file.get()) && file.close() &&
-           temporary.renameTo(target) && flushFolder(folder);
+           (!target.exists || copyAttributes(target.path, target.status, file.get())) && file.flushToDisk() &&
+           file.close() && temporary.renameTo(target.path) && flushFolder(folder);
+}
+
+/// The error of the system's last number for a file that could not be written. A file itself need not be there.
+FileError writingError(const QString& path)
+{
+    FileError error = systemError(path, errno);
+    return errno == ENOENT ? FileError{error.message, systemError(path, ENOTDIR).reason} : error;
 }
 
 } // namespace
 
 std::optional<FileError> writeAtomically(const QString& path, QByteArrayView bytes)
 {
-    const std::optional<QByteArray> target = followLinks(QFile::encodeName(path));
-    if (target && replaceFile(*target, bytes)) {
-        return std::nullopt;
+    if (path.contains(QChar::Null)) {
+        return nullInPath(path);
     }
-    return FileError{u"%1: %2"_s.arg(path, QString::fromLocal8Bit(std::strerror(errno)))};
+    const std::optional<Target> target = findTarget(path);
+    return target && replaceFile(*target, bytes) ? std::nullopt : std::optional(writingError(path));
+}
+
+std::variant<Saved, FileError> saveFile(const QString& path, QByteArrayView bytes, const KeepOldContent& keep)
+{
+    if (path.contains(QChar::Null)) {
+        return nullInPath(path);
+    }
+    const std::optional<Target> target = findTarget(path);
+    if (!target) {
+        return writingError(path);
+    }
+    const bool hasOtherNames = target->exists && target->status.st_nlink > 1;
+    if (!hasOtherNames && replaceFile(*target, bytes)) {
+        return Saved::byReplacing;
+    }
+    const bool isRefused = errno == EACCES || errno == EPERM;
+    if (!hasOtherNames && (!target->exists || !isRefused)) {
+        return writingError(path);
+    }
+    if (std::optional<FileError> error = writeInPlace(path, target->path, bytes, keep)) {
+        return *std::move(error);
+    }
+    return hasOtherNames ? Saved::inPlaceForItsNames : Saved::inPlaceForItsFolder;
 }
 
 } // namespace kelm

@@ -1,12 +1,27 @@
 #include "platform/files/file_url.h"
 
-#include <QFileInfo>
+#include "platform/files/native_path.h"
 
 namespace kelm {
 
+using namespace Qt::Literals::StringLiterals;
+
 QString filePath(const QUrl& url)
 {
-    return url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
+    const QString path = url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
+    // The toolkit puts this character in the place of what it cannot decode.
+    if (!path.contains(QChar::ReplacementCharacter) || (url.isLocalFile() && !url.host().isEmpty())) {
+        return path;
+    }
+    return pathOfNative(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+}
+
+QUrl urlOfFile(const QString& path)
+{
+    if (!holdsRawBytes(path)) {
+        return QUrl::fromLocalFile(path);
+    }
+    return QUrl(u"file://"_s + QString::fromLatin1(nativePath(path).toPercentEncoding("/")));
 }
 
 QString lastPathComponent(const QUrl& url)
@@ -19,7 +34,7 @@ QString lastPathComponent(const QUrl& url)
     if (rest == u"/") {
         return rest.toString();
     }
-    return rest.sliced(rest.lastIndexOf(u'/') + 1).toString();
+    return shownPath(rest.sliced(rest.lastIndexOf(u'/') + 1).toString());
 }
 
 QString folderPrefix(const QUrl& folder)
@@ -43,7 +58,7 @@ bool hasDirectoryPath(const QUrl& url)
     if (filePath(url).endsWith(u'/')) {
         return true;
     }
-    return url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir();
+    return url.isLocalFile() && isFolder(filePath(url));
 }
 
 } // namespace kelm

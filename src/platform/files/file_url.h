@@ -6,11 +6,15 @@
 
 namespace kelm {
 
-/// The path of the URL, percent-decoded: where the file stands, for a file URL.
+/// The path of the URL, percent-decoded: where the file stands, for a file URL. Bytes that are not UTF-8, as which a
+/// URL can hold them, are those of `nativePath`.
 QString filePath(const QUrl& url);
 
-/// The last component of the URL's path, percent-decoded, without a slash at its end: "src" for "file:///a/src/". Empty
-/// for a URL without a path; "/" for the root.
+/// The URL of a path, which `filePath` gives again whatever bytes its names hold.
+QUrl urlOfFile(const QString& path);
+
+/// The last component of the URL's path as it is shown, percent-decoded, without a slash at its end: "src" for
+/// "file:///a/src/". Empty for a URL without a path; "/" for the root.
 QString lastPathComponent(const QUrl& url);
 
 /// The path of a folder with one slash at its end, whether or not its URL has one: what the paths of its entries begin

@@ -78,6 +78,16 @@ bool OpenFile::writeAll(const char* bytes, qsizetype size) const
     return true;
 }
 
+bool OpenFile::flushToDisk() const
+{
+#ifdef F_FULLFSYNC
+    if (::fcntl(descriptor_, F_FULLFSYNC) == 0) {
+        return true;
+    }
+#endif
+    return ::fsync(descriptor_) == 0;
+}
+
 OpenFile OpenFile::openForReading(const QByteArray& nativePath)
 {
     // Without O_NONBLOCK the opening of a pipe would wait for its other end.

@@ -40,6 +40,9 @@ public:
     /// Writes all `size` bytes; false with `errno` set on failure.
     bool writeAll(const char* bytes, qsizetype size) const;
 
+    /// Has the system put all that was written on the disk; false with `errno` set on failure.
+    bool flushToDisk() const;
+
     /// Opens the regular file at `nativePath`, a path in the system's own bytes, for reading. Closed, with `errno` set,
     /// on failure; whatever is not a regular file is refused, since a pipe or a device may never end.
     static OpenFile openForReading(const QByteArray& nativePath);

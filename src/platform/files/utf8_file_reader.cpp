@@ -1,9 +1,8 @@
 #include "platform/files/utf8_file_reader.h"
 
+#include "platform/files/native_path.h"
 #include "platform/files/open_file.h"
 #include "platform/files/utf8_decoding.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <array>
@@ -211,11 +210,10 @@ Outcome readOnce(const QByteArray& path, Utf8Sink& sink, const Utf8Limits& limit
     return isThere && FileState(status) == before ? outcome : Outcome{Fault::changed};
 }
 
+/// The system's reasons are told by `systemError`.
 QString reasonOf(const Outcome& outcome, qint64 size, const Utf8Limits& limits)
 {
     switch (outcome.fault) {
-    case Fault::notReadable:
-        return QString::fromLocal8Bit(std::strerror(outcome.systemError));
     case Fault::notUtf8:
         return u"The file is not valid UTF-8 text."_s;
     case Fault::tooLong:
@@ -228,6 +226,7 @@ QString reasonOf(const Outcome& outcome, qint64 size, const Utf8Limits& limits)
         return u"The file is too large for the memory."_s;
     case Fault::changed:
         return u"The file keeps changing while it is read."_s;
+    case Fault::notReadable:
     case Fault::stopped:
     case Fault::none:
         break;
@@ -235,20 +234,50 @@ QString reasonOf(const Outcome& outcome, qint64 size, const Utf8Limits& limits)
     return u"The reading was stopped."_s;
 }
 
+QString plainReasonOf(Fault fault)
+{
+    switch (fault) {
+    case Fault::notUtf8:
+        return u"it is no text in UTF-8"_s;
+    case Fault::tooLong:
+        return u"its text is longer than one can be"_s;
+    case Fault::tooLarge:
+        return u"it is too large for the memory"_s;
+    case Fault::changed:
+        return u"it keeps changing"_s;
+    case Fault::notReadable:
+    case Fault::stopped:
+    case Fault::none:
+        break;
+    }
+    return u"the reading was stopped"_s;
+}
+
+FileError errorOf(const QString& path, const Outcome& outcome, qint64 size, const Utf8Limits& limits)
+{
+    if (outcome.fault == Fault::notReadable) {
+        return systemError(path, outcome.systemError);
+    }
+    return {u"%1: %2"_s.arg(shownPath(path), reasonOf(outcome, size, limits)), plainReasonOf(outcome.fault)};
+}
+
 } // namespace
 
 std::optional<FileError> readUtf8File(const QString& path, Utf8Sink& sink, const Utf8Limits& limits)
 {
-    const QByteArray nativePath = QFile::encodeName(path);
+    if (path.contains(QChar::Null)) {
+        return nullInPath(path);
+    }
+    const QByteArray native = nativePath(path);
     qint64 size = 0;
-    Outcome outcome = readOnce(nativePath, sink, limits, size);
+    Outcome outcome = readOnce(native, sink, limits, size);
     if (outcome.fault == Fault::changed) {
-        outcome = readOnce(nativePath, sink, limits, size);
+        outcome = readOnce(native, sink, limits, size);
     }
     if (outcome.fault == Fault::none) {
         return std::nullopt;
     }
-    return FileError{u"%1: %2"_s.arg(path, reasonOf(outcome, size, limits))};
+    return errorOf(path, outcome, size, limits);
 }
 
 } // namespace kelm

@@ -1,11 +1,11 @@
 #include "platform/process/process_launch.h"
 
+#include "platform/files/native_path.h"
 #include "platform/process/child_groups.h"
+#include "platform/process/raw_command.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QPointer>
 #include <QProcess>
 
@@ -55,14 +55,14 @@ int foreseeableError(const ProcessCommand& command)
     if (holdsNull(command)) {
         return EINVAL;
     }
-    if (!folder.isEmpty() && ::access(QFile::encodeName(folder + u'/').constData(), X_OK) != 0) {
+    if (!folder.isEmpty() && ::access(nativePath(folder + u'/').constData(), X_OK) != 0) {
         return errno;
     }
     const QString program = QDir(folder).filePath(command.program);
-    if (::access(QFile::encodeName(program).constData(), X_OK) != 0) {
+    if (::access(nativePath(program).constData(), X_OK) != 0) {
         return errno;
     }
-    return QFileInfo(program).isDir() ? EACCES : 0;
+    return isFolder(program) ? EACCES : 0;
 }
 
 /// Variables that the application has as well keep its bytes, which need not be UTF-8.
@@ -106,11 +106,11 @@ void prepareChild(bool ownGroup, const ChildOutputs& outputs)
 
 QString launchErrorText(const ProcessCommand& command, const QString& reason)
 {
-    if (!command.workingDirectory.isEmpty() && !QFileInfo(command.workingDirectory).isDir()) {
+    if (!command.workingDirectory.isEmpty() && !isFolder(command.workingDirectory)) {
         return QStringLiteral("Cannot start \"%1\" in the folder \"%2\": %3")
-            .arg(command.program, command.workingDirectory, reason);
+            .arg(shownPath(command.program), shownPath(command.workingDirectory), reason);
     }
-    return QStringLiteral("Cannot start \"%1\": %2").arg(command.program, reason);
+    return QStringLiteral("Cannot start \"%1\": %2").arg(shownPath(command.program), reason);
 }
 
 std::optional<QString> launch(QProcess& process, const ProcessCommand& command, const ChildOutputs& outputs)
@@ -122,7 +122,8 @@ std::optional<QString> launch(QProcess& process, const ProcessCommand& command, 
     // The toolkit searches for a name without a folder.
     process.setProgram(command.program.contains(u'/') ? command.program : QStringLiteral("./") + command.program);
     process.setArguments(command.arguments);
-    process.setWorkingDirectory(command.workingDirectory);
+    const std::optional<RawCommand> raw = RawCommand::of(command);
+    process.setWorkingDirectory(raw ? QString() : command.workingDirectory);
     if (command.environment) {
         process.setProcessEnvironment(environmentOf(*command.environment));
     }
@@ -132,7 +133,12 @@ std::optional<QString> launch(QProcess& process, const ProcessCommand& command, 
     if (outputs.standardOutput >= 0) {
         process.setProcessChannelMode(QProcess::ForwardedChannels);
     }
-    process.setChildProcessModifier([ownGroup = command.ownGroup, outputs] { prepareChild(ownGroup, outputs); });
+    process.setChildProcessModifier([ownGroup = command.ownGroup, outputs, raw] {
+        prepareChild(ownGroup, outputs);
+        if (raw) {
+            raw->execute();
+        }
+    });
     process.start();
     if (!process.waitForStarted(-1)) {
         // Before the reason stands the name of the call that failed.

@@ -4,6 +4,7 @@
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
 #include "app/state/unsaved_texts.h"
+#include "app/state/watched_files.h"
 #include "editor/themes/theme_manager.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
@@ -11,11 +12,11 @@
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
 #include "platform/events/main_queue.h"
+#include "platform/files/native_path.h"
 #include "platform/process/orderly_end.h"
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileOpenEvent>
 
 #include <algorithm>
@@ -84,6 +85,11 @@ KelmPaneApp::KelmPaneApp()
                                                                 [this] { uninstallService_.confirmAndRun(); }}))
 {
     qApp->installEventFilter(&appDelegate_);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) {
+            appState_.watchedFiles().lookAgain();
+        }
+    });
     appDelegate_.setActivate([this] { bringToFront(); });
     // Copies of unsaved texts that are due are not left to chance.
     onOrderlyEnd(this, [this](std::chrono::steady_clock::time_point deadline) {
@@ -99,7 +105,7 @@ KelmPaneApp::~KelmPaneApp() = default;
 void KelmPaneApp::start(const QStringList& arguments)
 {
     appDelegate_.applicationDidFinishLaunching();
-    appDelegate_.open(urlTextsOfArguments(arguments, QDir::currentPath()));
+    appDelegate_.open(urlTextsOfArguments(arguments, currentFolder()));
     window_->show();
     hideTitleBar(*window_);
 }

@@ -2,6 +2,8 @@
 
 #include "learning/view/learning_mode_side_panel.h"
 #include "platform/events/main_queue.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "settings/view/settings_view.h"
@@ -20,7 +22,6 @@
 #include "workbench/view/window_panels.h"
 
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSplitter>
@@ -256,7 +257,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     QList<QUrl> files;
     for (const QUrl& url : event->mimeData()->urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
+        if (url.isLocalFile() && isFolder(filePath(url))) {
             appState_.setCurrentProject(url);
         } else {
             files.append(url);

@@ -1,5 +1,7 @@
 #include "workbench/view/unsaved_text_row.h"
 
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 #include "platform/view/labels.h"
@@ -34,7 +36,7 @@ QString placeOf(const CopyHeader& header)
     if (!header.url) {
         return u"Never saved"_s;
     }
-    const QString folder = QFileInfo(header.url->toLocalFile()).path();
+    const QString folder = shownPath(QFileInfo(filePath(*header.url)).path());
     return header.isReplaced ? u"Replaced by a save · "_s + folder : folder;
 }
 
@@ -86,7 +88,7 @@ UnsavedTextRow::UnsavedTextRow(const UnsavedText& text, qint64 now, QWidget* par
     open_ = makeRowButton(u"Open"_s, title, this);
     delete_ = makeRowButton(u"Delete"_s, title, this);
     if (text.header.url) {
-        setToolTip(plainHelp(text.header.url->toLocalFile()));
+        setToolTip(plainHelp(shownPath(filePath(*text.header.url))));
     }
 
     auto* lines = new QVBoxLayout;

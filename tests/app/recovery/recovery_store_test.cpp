@@ -1,4 +1,6 @@
 #include "app/recovery/recovery_store.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 
@@ -321,7 +323,7 @@ void RecoveryStoreTest::theHeaderNamesTheStateOfTheFile()
     const auto document = std::make_shared<Document>(u"text"_s, url, std::nullopt, std::nullopt);
     store_->setDocuments({document});
     finish();
-    const std::optional<FileIdentity> identity = FileIdentity::of(url);
+    const std::optional<FileIdentity> identity = identityOf(nativePath(filePath(url)));
     QVERIFY(identity);
     QCOMPARE(identity->size, 4);
     // What becomes of the file later is another state.

@@ -1,12 +1,16 @@
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "app/state/recent_files.h"
 #include "git/service/git_service.h"
 #include "run/code_runner.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
+#include "support/unprivileged.h"
 
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <sys/stat.h>
 
 namespace app_state_test {
 
@@ -36,6 +40,7 @@ private Q_SLOTS:
     void anUntitledDocumentMatchesNoFile();
     void whatCannotBeOpenedIsLogged_data();
     void whatCannotBeOpenedIsLogged();
+    void manyFailuresAreOneNotice();
     void closingATab_data();
     void closingATab();
     void closingTabsOneByOne();
@@ -55,8 +60,8 @@ private Q_SLOTS:
     void aCancelledSavePanelChangesNothing();
     void aFailedSaveElsewhereChangesNothing();
     void whatIsSavedElsewhereIsTheDocumentOfTheCall();
-    void savingAllSkipsUntitledDocuments();
-    void savingAllClearsTheFlagOfAFailedWrite();
+    void savingAllSkipsUntitledAndUnmodifiedDocuments();
+    void savingAllLeavesWhatFailedModified();
     void withoutADocumentCommandsDoNothing();
     void runningASavedFileRunsWhatIsOnDisk();
     void runningTellsItsStepsInTheirOrder();
@@ -75,6 +80,12 @@ private Q_SLOTS:
 
 private:
     AppState& state() { return fixture_->state; }
+    /// What the window's notice says; empty without one.
+    QString noticeText()
+    {
+        const Notice* notice = state().notices().current();
+        return notice != nullptr ? notice->text : QString();
+    }
     /// Starts the program anew on the same store.
     std::unique_ptr<AppState> restarted()
     {
@@ -315,24 +326,40 @@ void AppStateTest::anUntitledDocumentMatchesNoFile()
 void AppStateTest::whatCannotBeOpenedIsLogged_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("missing") << u"none.txt"_s;
-    QTest::newRow("not UTF-8") << u"latin1.txt"_s;
-    QTest::newRow("folder") << u"sub"_s;
-    QTest::newRow("another scheme") << u"https://host/a.txt"_s;
-    QTest::newRow("link") << u"kelmpane://open?code=YQ"_s;
+    QTest::addColumn<QString>("notice");
+    QTest::newRow("missing") << u"none.txt"_s << u"none.txt could not be opened: it is not there."_s;
+    QTest::newRow("not UTF-8") << u"latin1.txt"_s << u"latin1.txt could not be opened: it is no text in UTF-8."_s;
+    QTest::newRow("folder") << u"sub"_s << u"sub could not be opened: it is a folder."_s;
+    QTest::newRow("pipe") << u"pipe"_s << u"pipe could not be opened: it is no ordinary file."_s;
+    QTest::newRow("no permission") << u"private.txt"_s
+                                   << u"private.txt could not be opened: you have no permission for that."_s;
+    QTest::newRow("NUL in its name") << u"a.txt\0b"_s << u"a.txt\ufffdb could not be opened: its name holds a NUL."_s;
+    QTest::newRow("another scheme") << u"https://host/a.txt"_s
+                                    << u"https://host/a.txt could not be opened: that is no address of a file."_s;
+    QTest::newRow("link") << u"kelmpane://open?code=YQ"_s
+                          << u"kelmpane://open?code=YQ could not be opened: that is no address of a file."_s;
 }
 
 void AppStateTest::whatCannotBeOpenedIsLogged()
 {
     QFETCH(QString, name);
+    QFETCH(QString, notice);
     fixture_->write(u"latin1.txt"_s, "caf\xe9");
+    fixture_->write(u"a.txt"_s, "what a cut name would open");
     QVERIFY(QDir(fixture_->folder.path()).mkdir(u"sub"_s));
+    QCOMPARE(::mkfifo(qPrintable(fixture_->folder.filePath(u"pipe"_s)), 0600), 0);
+    QVERIFY(QFile::setPermissions(fixture_->write(u"private.txt"_s, "a").toLocalFile(), {}));
+    std::optional<test::Unprivileged> ordinaryUser;
+    if (name == u"private.txt") {
+        ordinaryUser.emplace();
+    }
     state().createNewTab();
     QSignalSpy spy(&state(), &AppState::documentsChanged);
     state().openFile(name.contains(u"://") ? QUrl(name) : fixture_->url(name));
     QCOMPARE(fixture_->log.written.size(), 3);
     QVERIFY(fixture_->log.written.last().startsWith(u"  ❌ Error opening file: "));
     QVERIFY(fixture_->log.written.last().size() > u"  ❌ Error opening file: "_s.size());
+    QCOMPARE(noticeText(), notice);
     QCOMPARE(state().documents().size(), 1);
     QCOMPARE(spy.count(), 0);
     QVERIFY(state().recentFiles().isEmpty());
@@ -514,6 +541,7 @@ void AppStateTest::aFailedSaveIsPrintedAndKeepsTheFlag()
     QCOMPARE(document->content(), u"new"_s);
     QCOMPARE(fixture_->log.printed.size(), 1);
     QVERIFY(fixture_->log.printed.first().startsWith(u"Error saving: "_s + url.toLocalFile()));
+    QCOMPARE(noticeText(), u"a.txt could not be saved: it is a folder."_s);
     // A save that fails without edits does not set the flag either.
     document->setIsModified(false);
     state().saveCurrentDocument();
@@ -591,7 +619,28 @@ void AppStateTest::aFailedSaveElsewhereChangesNothing()
         QVERIFY(state().recentFiles().isEmpty());
         QCOMPARE(fixture_->log.printed.size(), 1);
         QVERIFY(fixture_->log.printed.first().startsWith(u"Error saving: "));
+        QCOMPARE(noticeText(), url.isLocalFile()
+                                   ? u"a.txt could not be saved: its folder is not there."_s
+                                   : u"https://host/a.txt could not be saved: that is no address of a file."_s);
+        state().notices().putAway();
     }
+}
+
+void AppStateTest::manyFailuresAreOneNotice()
+{
+    fixture_->write(u"latin1.txt"_s, "caf\xe9");
+    QList<QUrl> urls;
+    for (const QString& name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s}) {
+        urls << fixture_->url(name);
+    }
+    state().openFiles(urls);
+    QCOMPARE(noticeText(), u"4 files could not be opened: a, b, c and others: it is not there."_s);
+    state().notices().putAway();
+    QVERIFY(state().notices().current() == nullptr);
+    state().openFiles({fixture_->url(u"a"_s), fixture_->url(u"latin1.txt"_s)});
+    QCOMPARE(noticeText(), u"2 files could not be opened: a (it is not there), latin1.txt (it is no text in UTF-8)."_s);
+    state().notices().putAway();
+    QVERIFY(state().notices().current() == nullptr);
 }
 
 void AppStateTest::whatIsSavedElsewhereIsTheDocumentOfTheCall()
@@ -605,7 +654,7 @@ void AppStateTest::whatIsSavedElsewhereIsTheDocumentOfTheCall()
     QVERIFY(!state().currentDocument()->fileURL());
 }
 
-void AppStateTest::savingAllSkipsUntitledDocuments()
+void AppStateTest::savingAllSkipsUntitledAndUnmodifiedDocuments()
 {
     state().openFile(fixture_->write(u"a.txt"_s, "a"));
     state().createNewTab();
@@ -616,15 +665,15 @@ void AppStateTest::savingAllSkipsUntitledDocuments()
     const QList<QUrl> recent = state().recentFiles();
     state().saveAllDocuments();
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("A"));
-    // Written although it is not modified.
-    QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("b"));
+    // Nobody changed it here.
+    QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("changed by another program"));
     QVERIFY(!state().documents().at(0)->isModified());
     QVERIFY(state().documents().at(1)->isModified());
     QCOMPARE(fixture_->filePanels.savePanelsShown, 0);
     QCOMPARE(state().recentFiles(), recent);
 }
 
-void AppStateTest::savingAllClearsTheFlagOfAFailedWrite()
+void AppStateTest::savingAllLeavesWhatFailedModified()
 {
     state().openFile(fixture_->write(u"a.txt"_s, "a"));
     state().openFile(fixture_->write(u"b.txt"_s, "b"));
@@ -635,10 +684,12 @@ void AppStateTest::savingAllClearsTheFlagOfAFailedWrite()
     QVERIFY(QDir(fixture_->folder.path()).mkdir(u"a.txt"_s));
     fixture_->log.written.clear();
     state().saveAllDocuments();
-    QVERIFY(!state().documents().at(0)->isModified());
+    QVERIFY(state().documents().at(0)->isModified());
+    QVERIFY(!state().documents().at(1)->isModified());
     QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("new"));
     QVERIFY(fixture_->log.printed.isEmpty());
     QVERIFY(fixture_->log.written.isEmpty());
+    QCOMPARE(noticeText(), u"a.txt could not be saved: it is a folder."_s);
 }
 
 void AppStateTest::withoutADocumentCommandsDoNothing()

@@ -52,7 +52,7 @@ private:
     /// Waits until nothing is read any more.
     void untilDone()
     {
-        while (state().notices().current() != nullptr) {
+        while (state().notices().current() != nullptr && !state().notices().current()->isNews) {
             QSignalSpy changed(&state().notices(), &Notices::currentChanged);
             QVERIFY(changed.wait(30'000));
         }

@@ -1,3 +1,4 @@
+#include "platform/files/native_path.h"
 #include "platform/process/environment.h"
 #include "platform/process/process.h"
 #include "support/process_roles.h"
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -32,6 +34,7 @@ private Q_SLOTS:
     void launchFailureIsAText_data();
     void launchFailureIsAText();
     void childRunsInTheGivenFolder();
+    void namesThatAreNotUtf8Arrive();
     void environmentIsInheritedUnchanged();
     void givenEnvironmentReplacesTheApplications();
     void bytesThatAreNoTextPassThroughTheEnvironment();
@@ -132,6 +135,28 @@ void ProcessTest::childRunsInTheGivenFolder()
     command.workingDirectory.clear();
     QCOMPARE(QString::fromUtf8(ProcessRunner::system().run(command).standardOutput),
              QFileInfo(QDir::currentPath()).canonicalFilePath());
+}
+
+void ProcessTest::namesThatAreNotUtf8Arrive()
+{
+    const QTemporaryDir outer;
+    const QByteArray folder = QFile::encodeName(QFileInfo(outer.path()).canonicalFilePath()) + "/caf\xe9";
+    QCOMPARE(::mkdir(folder.constData(), 0700), 0);
+    const QByteArray program = folder + "/\xff";
+    QCOMPARE(::symlink("/bin/sh", program.constData()), 0);
+    ProcessCommand command{
+        .program = pathOfNative(program),
+        .arguments = {u"-c"_s, u"printf '%s|%s|' \"$1\" \"$GIVEN\"; pwd -P"_s, u"sh"_s, pathOfNative("a\xe9 b")},
+        .workingDirectory = pathOfNative(folder)};
+    const ProcessResult result = ProcessRunner::system().run(command);
+    QVERIFY2(!result.launchError, qPrintable(result.launchError.value_or(QString())));
+    QCOMPARE(result.standardOutput, "a\xe9 b||" + folder + '\n');
+    command.environment = {{u"GIVEN"_s, u"값"_s}};
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, "a\xe9 b|값|" + folder + '\n');
+    QCOMPARE(::unlink(program.constData()), 0);
+    QVERIFY(ProcessRunner::system().run(command).launchError.has_value());
+    QCOMPARE(::rmdir(folder.constData()), 0);
+    QVERIFY(ProcessRunner::system().run(command).launchError.has_value());
 }
 
 void ProcessTest::environmentIsInheritedUnchanged()

@@ -128,7 +128,7 @@ void SourceControlView::syncRepo()
     }
     const std::shared_ptr<Document> document = appState_.currentDocument();
     if (document && document->fileURL()) {
-        git_.open(QUrl::fromLocalFile(QFileInfo(filePath(*document->fileURL())).path()));
+        git_.open(urlOfFile(QFileInfo(filePath(*document->fileURL())).path()));
     }
 }
 

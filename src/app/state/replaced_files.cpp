@@ -1,0 +1,45 @@
+#include "app/state/replaced_files.h"
+
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
+#include "platform/files/open_file.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl&, const QByteArray& content)
+{
+    constexpr int base = 36;
+    constexpr mode_t ownersAlone = 0700;
+    QDir().mkpath(folder_);
+    const QByteArray folder = nativePath(folder_);
+    ::chmod(folder.constData(), ownersAlone);
+    const QString path = folder_ + u"/replaced-"_s + QString::number(QRandomGenerator::global()->generate64(), base);
+    OpenFile file(::open(nativePath(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file.isOpen()) {
+        return std::nullopt;
+    }
+    const QUrl url = urlOfFile(path);
+    if (!file.writeAll(content.constData(), content.size()) || !file.flushToDisk() || !file.close()) {
+        forget(url);
+        return std::nullopt;
+    }
+    const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    static_cast<void>(opened.isOpen() && opened.flushToDisk());
+    return url;
+}
+
+void ReplacedFilesFolder::forget(const QUrl& kept)
+{
+    ::unlink(nativePath(filePath(kept)).constData());
+}
+
+} // namespace kelm

@@ -1,0 +1,299 @@
+#include "app/state/watched_files.h"
+
+#include "app/state/file_failures.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+WatchedFiles::WatchedFiles(Notices& notices, Scheduler& scheduler)
+    : notices_(notices),
+      lookDebounce_(scheduler, lookDelay, [this] { look(); }),
+      quietDebounce_(scheduler, quietTime, [this] { look(); })
+{
+    connect(&watch_, &FileWatch::changed, this, &WatchedFiles::lookAgain);
+}
+
+WatchedFiles::~WatchedFiles() = default;
+
+// ---- Which files ----------------------------------------------------------------------------------------------------
+
+const WatchedFiles::File* WatchedFiles::fileOf(const Document& document) const
+{
+    const auto file =
+        std::find_if(files_.begin(), files_.end(), [&document](const File& each) { return each.id == document.id(); });
+    return file != files_.end() ? &*file : nullptr;
+}
+
+WatchedFiles::File* WatchedFiles::fileOf(const Document& document)
+{
+    return const_cast<File*>(std::as_const(*this).fileOf(document));
+}
+
+void WatchedFiles::setDocuments(const QList<std::shared_ptr<Document>>& documents)
+{
+    const auto isClosed = [&documents](const File& file) { return !documents.contains(file.document.lock()); };
+    for (File& file : files_) {
+        if (isClosed(file)) {
+            forget(file);
+        }
+    }
+    files_.removeIf(isClosed);
+    for (const std::shared_ptr<Document>& document : documents) {
+        follow(document);
+    }
+    watchFiles();
+}
+
+void WatchedFiles::follow(const std::shared_ptr<Document>& document)
+{
+    if (!document->fileURL() || !document->fileURL()->isLocalFile() || fileOf(*document) != nullptr) {
+        return;
+    }
+    const QUrl url = *document->fileURL();
+    const auto read = read_.constFind(url);
+    const std::optional<FileIdentity> known =
+        read != read_.cend() ? std::optional(*read) : identityOf(nativePath(filePath(url)));
+    read_.remove(url);
+    files_.append({.id = document->id(),
+                   .document = document,
+                   .url = url,
+                   .known = known,
+                   .text = document->text(),
+                   .isGone = !known});
+}
+
+void WatchedFiles::forget(File& file)
+{
+    if (const Notices::Id notice = std::exchange(file.notice, 0)) {
+        notices_.remove(notice);
+    }
+}
+
+void WatchedFiles::watchFiles()
+{
+    QList<QByteArray> paths;
+    for (const File& file : std::as_const(files_)) {
+        paths.append(nativePath(filePath(file.url)));
+    }
+    watch_.setFiles(paths);
+}
+
+void WatchedFiles::willRead(const QUrl& url)
+{
+    if (const std::optional<FileIdentity> identity = identityOf(nativePath(filePath(url)))) {
+        read_[url] = *identity;
+    }
+}
+
+void WatchedFiles::willSave(const Document& document)
+{
+    if (File* file = fileOf(document); file != nullptr && file->isGone) {
+        forget(*file);
+    }
+}
+
+void WatchedFiles::noteSaved(const std::shared_ptr<Document>& document, const TextTree& text)
+{
+    follow(document);
+    File* file = fileOf(*document);
+    if (file == nullptr) {
+        return;
+    }
+    forget(*file);
+    ++file->age;
+    const bool isElsewhere = file->url != *document->fileURL() || &files_.constLast() == file;
+    file->url = *document->fileURL();
+    file->known = identityOf(nativePath(filePath(file->url)));
+    file->text = text;
+    file->told.reset();
+    file->sight.reset();
+    file->wantsReload = false;
+    if (std::exchange(file->isGone, !file->known) || isElsewhere) {
+        watchFiles();
+    }
+}
+
+bool WatchedFiles::hasUnseenChange(const Document& document) const
+{
+    const File* const file = fileOf(document);
+    if (file == nullptr || file->url != document.fileURL()) {
+        return false;
+    }
+    const std::optional<FileIdentity> now = identityOf(nativePath(filePath(file->url)));
+    return now && now != file->known;
+}
+
+void WatchedFiles::noteSeen(const Document& document)
+{
+    if (File* file = fileOf(document)) {
+        forget(*file);
+        ++file->age;
+        file->known = identityOf(nativePath(filePath(file->url)));
+        file->told.reset();
+    }
+}
+
+// ---- Looking --------------------------------------------------------------------------------------------------------
+
+void WatchedFiles::lookAgain()
+{
+    // Not put off by what comes meanwhile, or a busy folder would never be looked at.
+    if (!lookDebounce_.isPending() && !files_.isEmpty()) {
+        lookDebounce_.restart();
+    }
+}
+
+void WatchedFiles::look()
+{
+    if (task_.isRunning()) {
+        isMissed_ = true;
+        return;
+    }
+    std::vector<FileLook> looks;
+    for (const File& file : std::as_const(files_)) {
+        if (const std::shared_ptr<Document> document = file.document.lock()) {
+            looks.push_back({document->id(), file.age, file.url, file.known, file.told, file.isGone, file.wantsReload,
+                             file.sight, file.text, document->text()});
+        }
+    }
+    task_.start([this, looks = std::move(looks)](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        std::vector<FileLook::Finding> findings;
+        for (const FileLook& each : looks) {
+            findings.push_back(each(stop));
+        }
+        return [this, findings = std::move(findings)] { take(findings); };
+    });
+}
+
+void WatchedFiles::take(const std::vector<FileLook::Finding>& findings)
+{
+    bool isQuiet = true;
+    bool isWatchLost = false;
+    for (const FileLook::Finding& finding : findings) {
+        const auto file = std::find_if(files_.begin(), files_.end(),
+                                       [&finding](const File& each) { return each.id == finding.document; });
+        const std::shared_ptr<Document> document = file != files_.end() ? file->document.lock() : nullptr;
+        if (document && file->age != finding.age) {
+            isMissed_ = true;
+        } else if (document) {
+            isWatchLost = isWatchLost || finding.outcome != FileLook::Outcome::same;
+            isQuiet = take(*file, *document, finding) && isQuiet;
+        }
+    }
+    if (isWatchLost) {
+        watchFiles();
+    }
+    if (std::exchange(isMissed_, false)) {
+        lookAgain();
+    }
+    if (!isQuiet) {
+        quietDebounce_.restart();
+    }
+}
+
+bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding& finding)
+{
+    using Outcome = FileLook::Outcome;
+    file.sight.reset();
+    switch (finding.outcome) {
+    case Outcome::same:
+        break;
+    case Outcome::unquiet:
+        file.sight = finding.sight;
+        return false;
+    case Outcome::gone:
+        file.isGone = true;
+        file.told.reset();
+        tell(file,
+             u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
+        break;
+    case Outcome::sameText:
+        forget(file);
+        file.known = finding.sight;
+        file.isGone = false;
+        if (!std::exchange(file.wantsReload, false)) {
+            file.told.reset();
+            break;
+        }
+        document.takeFileText(finding.text);
+        break;
+    case Outcome::newText:
+        return takeText(file, document, finding);
+    case Outcome::unreadable:
+        file.known = finding.sight;
+        file.isGone = false;
+        file.wantsReload = false;
+        tell(file, u"%1 has changed on disk and could not be read: %2."_s.arg(
+                       shownName(file.url), finding.error.value_or(FileError{}).reason));
+        break;
+    }
+    return true;
+}
+
+bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Finding& finding)
+{
+    file.isGone = false;
+    if (document.isModified() && !file.wantsReload) {
+        if (document.text() == finding.text) {
+            // Another program wrote what stands here, so that there is nothing to choose.
+            forget(file);
+            file.known = finding.sight;
+            file.text = finding.text;
+            return true;
+        }
+        offerReload(file, *finding.sight);
+        return true;
+    }
+    forget(file);
+    file.known = finding.sight;
+    file.text = finding.text;
+    file.told.reset();
+    file.wantsReload = false;
+    document.takeFileText(finding.text);
+    return true;
+}
+
+// ---- Telling --------------------------------------------------------------------------------------------------------
+
+void WatchedFiles::tell(File& file, const QString& text, std::vector<NoticeOffer> offers)
+{
+    forget(file);
+    file.notice = notices_.report(text, std::move(offers));
+}
+
+void WatchedFiles::offerReload(File& file, const FileIdentity& identity)
+{
+    file.told = identity;
+    const std::weak_ptr<Document> document = file.document;
+    const auto withFile = [this, document](const auto& act) {
+        const std::shared_ptr<Document> open = document.lock();
+        File* const there = open ? fileOf(*open) : nullptr;
+        if (there != nullptr) {
+            act(*there);
+        }
+    };
+    const auto reload = [this, withFile] {
+        withFile([this](File& there) {
+            there.notice = 0;
+            there.wantsReload = true;
+            look();
+        });
+    };
+    const auto keepMine = [withFile] {
+        withFile([](File& there) {
+            there.notice = 0;
+            ++there.age;
+            there.known = std::exchange(there.told, std::nullopt);
+        });
+    };
+    tell(file, u"%1 has changed on disk, and here too."_s.arg(shownName(file.url)),
+         {{u"Reload"_s, reload}, {u"Keep mine"_s, keepMine}});
+}
+
+} // namespace kelm

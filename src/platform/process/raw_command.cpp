@@ -1,0 +1,56 @@
+#include "platform/process/raw_command.h"
+
+#include "platform/files/native_path.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace kelm {
+
+RawCommand::Texts::Texts(std::vector<QByteArray> texts) : texts_(std::move(texts))
+{
+    for (const QByteArray& text : texts_) {
+        // Copies of the bytes share them, so that these stay good.
+        pointers_.push_back(const_cast<char*>(text.constData()));
+    }
+    pointers_.push_back(nullptr);
+}
+
+std::optional<RawCommand> RawCommand::of(const ProcessCommand& command)
+{
+    const bool isRaw = holdsRawBytes(command.program) || holdsRawBytes(command.workingDirectory) ||
+                       std::any_of(command.arguments.begin(), command.arguments.end(),
+                                   [](const QString& argument) { return holdsRawBytes(argument); });
+    return isRaw ? std::optional(RawCommand(command)) : std::nullopt;
+}
+
+RawCommand::RawCommand(const ProcessCommand& command)
+    : folder_(nativePath(command.workingDirectory)), program_(nativePath(command.program))
+{
+    std::vector<QByteArray> arguments{program_};
+    for (const QString& argument : command.arguments) {
+        arguments.push_back(nativePath(argument));
+    }
+    arguments_ = Texts(std::move(arguments));
+    if (command.environment) {
+        std::vector<QByteArray> variables;
+        for (auto entry = command.environment->cbegin(); entry != command.environment->cend(); ++entry) {
+            variables.push_back(nativePath(entry.key() + u'=' + entry.value()));
+        }
+        environment_ = Texts(std::move(variables));
+    }
+}
+
+void RawCommand::execute() const
+{
+    if (!folder_.isEmpty() && ::chdir(folder_.constData()) != 0) {
+        return;
+    }
+    if (environment_) {
+        ::execve(program_.constData(), arguments_.pointers(), environment_->pointers());
+    } else {
+        ::execv(program_.constData(), arguments_.pointers());
+    }
+}
+
+} // namespace kelm
