@@ -21,8 +21,15 @@ struct AppStateFixture
     NotificationCenter notificationCenter;
     CapturedLog log;
     FakeReplacedFiles replaced;
-    AppState state{{filePanels, userDefaults, scheduler, notificationCenter, log, ProcessRunner::sharedSystem(),
-                    ExecutableSearch(ProcessRunner::system()), {}, &replaced}};
+    AppState state{{filePanels,
+                    userDefaults,
+                    scheduler,
+                    notificationCenter,
+                    log,
+                    ProcessRunner::sharedSystem(),
+                    ExecutableSearch(ProcessRunner::system()),
+                    {},
+                    &replaced}};
 
     QUrl url(const QString& name) const { return QUrl::fromLocalFile(folder.filePath(name)); }
 

@@ -299,8 +299,7 @@ void AppState::saveAllDocuments()
     QList<FileFailure> failures;
     for (const std::shared_ptr<Document>& document : documents) {
         const std::optional<QUrl> url = document->fileURL();
-        const std::optional<FileError> error =
-            url && document->isModified() ? write(document, *url) : std::nullopt;
+        const std::optional<FileError> error = url && document->isModified() ? write(document, *url) : std::nullopt;
         if (error) {
             failures.append({*url, *error});
         }

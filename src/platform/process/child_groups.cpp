@@ -60,13 +60,15 @@ public:
         for (const ProcessEntry& process : table) {
             byNumber.emplace(process.id, &process);
         }
-        std::map<qint64, quint64> found;
+        std::map<qint64, Known> found;
         for (const ProcessEntry& process : table) {
             const auto before = known_.find(process.id);
-            const bool wasKnown = before != known_.end() && before->second == process.start;
+            const bool wasKnown = before != known_.end() && before->second.start == process.start;
             if (!process.hasEnded && process.session == session_ && process.id != self_ &&
                 (wasKnown || groups_.contains(process.group) || descends(process, byNumber))) {
-                found.emplace(process.id, process.start);
+                // What it does about the signal while it ends is nothing to go by.
+                const bool isDetached = wasKnown ? before->second.isDetached : ignoresSignal(process.id, SIGHUP);
+                found.emplace(process.id, Known{process.start, isDetached});
             }
         }
         known_ = std::move(found);
@@ -75,7 +77,7 @@ public:
     /// Whether all have gone but those that are to go on.
     bool haveGone() const
     {
-        return std::all_of(known_.begin(), known_.end(), [](const auto& one) { return isDetached(one.first); });
+        return std::all_of(known_.begin(), known_.end(), [](const auto& one) { return one.second.isDetached; });
     }
 
     void hangUp() const
@@ -87,15 +89,20 @@ public:
 
     void kill() const
     {
-        for (const auto& [process, start] : known_) {
-            if (!isDetached(process)) {
+        for (const auto& [process, known] : known_) {
+            if (!known.isDetached) {
                 ::kill(static_cast<pid_t>(process), SIGKILL);
             }
         }
     }
 
 private:
-    static bool isDetached(qint64 process) { return ignoresSignal(process, SIGHUP); }
+    struct Known
+    {
+        quint64 start = 0;
+        /// Whether it ignored SIGHUP when it was first seen.
+        bool isDetached = false;
+    };
 
     bool descends(const ProcessEntry& process, const std::map<qint64, const ProcessEntry*>& byNumber) const
     {
@@ -114,7 +121,7 @@ private:
     void signalAll(int signal) const
     {
         std::set<qint64> told;
-        for (const auto& [process, start] : known_) {
+        for (const auto& [process, known] : known_) {
             const qint64 group = ::getpgid(static_cast<pid_t>(process));
             if (!groups_.contains(group)) {
                 ::kill(static_cast<pid_t>(process), signal);
@@ -128,8 +135,8 @@ private:
     qint64 self_ = ::getpid();
     qint64 session_ = ::getsid(0);
     std::set<qint64> groups_;
-    /// By their numbers, when they were started.
-    std::map<qint64, quint64> known_;
+    /// By their numbers.
+    std::map<qint64, Known> known_;
 };
 
 /// False when some are still there at the end of the time.

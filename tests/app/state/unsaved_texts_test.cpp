@@ -324,6 +324,8 @@ void UnsavedTextsTest::aFailedSaveOfAllKeepsTheText()
     QVERIFY(QDir(fixture_->folder.filePath(u"gone"_s)).removeRecursively());
     state().saveAllDocuments();
     state().closeTab(0);
+    QCOMPARE(notice(), u"a.txt could not be saved: its folder is not there."_s);
+    state().notices().putAway();
     QCOMPARE(notice(), u"Closed with unsaved changes"_s);
     settle();
     QCOMPARE(store().texts().size(), 1);
