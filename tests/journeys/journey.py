@@ -171,6 +171,9 @@ class Journey:
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
 
+    def point_at(self, x, y):
+        self._xdotool("mousemove", str(x), str(y))
+
     def clipboard(self):
         """The text of the clipboard; empty when it has none."""
         result = subprocess.run(("xclip", "-o", "-selection", "clipboard"), env=self.environment, capture_output=True,
