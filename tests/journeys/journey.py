@@ -19,6 +19,12 @@ PATIENCE = 15.0
 SCREEN = (1280, 900)
 
 
+def _take_all_signals():
+    """What is ignored where the journeys were started, as by nohup, is no matter of the program."""
+    for number in (signal.SIGHUP, signal.SIGINT, signal.SIGTERM):
+        signal.signal(number, signal.SIG_DFL)
+
+
 class Failure(Exception):
     """What a person would have missed."""
 
@@ -87,6 +93,7 @@ class Journey:
         options.setdefault("stdout", open(self.folder / "log", "ab"))
         options.setdefault("stderr", subprocess.STDOUT)
         options.setdefault("stdin", subprocess.DEVNULL)
+        options.setdefault("preexec_fn", _take_all_signals)
         options.setdefault("cwd", self.home)
         return subprocess.Popen(command, env=self.environment, **options)
 
