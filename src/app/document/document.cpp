@@ -38,6 +38,7 @@ void Document::takeFileText(const TextTree& text)
     isStoredTextOfFile_ = true;
     Q_EMIT contentChanged();
     setIsModified(false);
+    noteTextOfFile();
 }
 
 void Document::setEditor(const DocumentEditor* editor)

@@ -77,6 +77,8 @@ public:
 
     /// Stores the text that the document's file has now: the document is not modified then.
     void takeFileText(const TextTree& text);
+    /// Tells that the document's file holds its text by now, as another program wrote it too.
+    void noteTextOfFile() { Q_EMIT textIsOfFile(); }
 
     /// From now on `editor`, which has the text that the document has, keeps it; none when it is done, whose text the
     /// document then keeps itself. The editor outlives its time here.
@@ -129,6 +131,8 @@ Q_SIGNALS:
     void contentChanged();
     void fileURLChanged();
     void isModifiedChanged();
+    /// The file holds the text, and the program has not written it.
+    void textIsOfFile();
     void cursorPositionChanged();
     void selectionChanged();
     void explicitLanguageChanged();

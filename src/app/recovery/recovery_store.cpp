@@ -123,8 +123,13 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
     connect(key, &Document::fileURLChanged, context, change);
     connect(key, &Document::explicitLanguageChanged, context, change);
     connect(key, &Document::isModifiedChanged, context, [this, key] {
-        // It was saved, or has taken what its file holds.
+        // It was saved.
         if (Kept* const its = keptOf(key); !key->isModified() && !its->hasFailedSave) {
+            setOrigin(*its, *key);
+        }
+    });
+    connect(key, &Document::textIsOfFile, context, [this, key] {
+        if (Kept* const its = keptOf(key)) {
             setOrigin(*its, *key);
         }
     });
@@ -361,11 +366,13 @@ std::shared_ptr<Document> RecoveryStore::closedDocument(const QString& id) const
     return nullptr;
 }
 
-void RecoveryStore::read(const QString& id, const Deliver& deliver)
+void RecoveryStore::read(const QString& named, const Deliver& deliver)
 {
-    if (!isOn() || taken_.contains(id)) {
+    if (!isOn() || taken_.contains(named)) {
         return;
     }
+    // It may be one of those that are offered anew.
+    const QString id = named;
     taken_.insert(id);
     offer();
     worker_.add([folder = folder_, id, newId = folder_->newId(), deliver, tell = onMain()] {
@@ -387,11 +394,13 @@ void RecoveryStore::adopt(const std::shared_ptr<Document>& document, const QStri
     kept.origin->identity = identity;
 }
 
-void RecoveryStore::remove(const QString& id)
+void RecoveryStore::remove(const QString& named)
 {
     if (!isOn()) {
         return;
     }
+    // It may be one of those that are offered anew.
+    const QString id = named;
     for (const auto& [document, kept] : kept_) {
         if (kept->id == id) {
             kept->id.clear();

@@ -245,6 +245,7 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
             forget(file);
             file.known = finding.sight;
             file.text = finding.text;
+            document.noteTextOfFile();
             return true;
         }
         offerReload(file, *finding.sight);

@@ -17,11 +17,10 @@ std::optional<qsizetype> sameColumn(qsizetype column, TextRange line)
 /// A line's text: the range without its terminator.
 TextRange withoutTerminator(const TextStorage& storage, TextRange line)
 {
-    const QStringView text = storage.text();
     qsizetype end = line.end();
     const bool isLast = end == storage.length() && storage.lineRange({end, 0}).location < end;
     if (!isLast && end > line.location) {
-        end = previousGraphemeBoundary(text, end);
+        end = previousGraphemeBoundary(storage.tree(), end);
     }
     return {line.location, std::max(line.location, end) - line.location};
 }

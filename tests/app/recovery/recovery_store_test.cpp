@@ -47,6 +47,7 @@ private Q_SLOTS:
     void aSaveThatFailedKeepsIt();
     void undoingEverythingRemovesTheCopy();
     void whatIsReadAnewIsNoUnsavedText();
+    void whatTheFileHeldBeforeIsAnUnsavedText();
     void theEndOfTheProgramDoesNotWaitForTheDelay();
     void closedTextsAreOfferedAndOpenOnesAreNot();
     void aClosedDocumentThatIsOpenedAgainKeepsItsCopy();
@@ -188,6 +189,23 @@ void RecoveryStoreTest::whatIsReadAnewIsNoUnsavedText()
     QCOMPARE(onDisk(), QStringList());
     document->setContent(u"typed"_s);
     document->setContent(u"new on disk"_s);
+    settle();
+    QCOMPARE(onDisk(), QStringList());
+}
+
+void RecoveryStoreTest::whatTheFileHeldBeforeIsAnUnsavedText()
+{
+    const auto document = untitled(u"as it was"_s);
+    store_->setDocuments({document});
+    // Another program has written the file, and the document was never modified.
+    document->takeFileText(TextTree(u"another program's"_s));
+    settle();
+    QCOMPARE(onDisk(), QStringList());
+    document->setContent(u"as it was"_s);
+    settle();
+    QCOMPARE(onDisk(), QStringList{u"as it was"_s});
+    // And one that has come to hold the same keeps nothing.
+    document->noteTextOfFile();
     settle();
     QCOMPARE(onDisk(), QStringList());
 }
