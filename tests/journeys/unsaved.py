@@ -20,8 +20,6 @@ def copies(journey):
 
 def open_first(journey):
     """Presses "Open" of the first text that the welcome offers."""
-    # A button under the pointer has another ground.
-    journey.point_at(0, 0)
     x, y = journey.until(lambda: first_open_button(journey), "the unsaved text")
     journey.click(x, y)
 
