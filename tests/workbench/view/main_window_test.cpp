@@ -108,8 +108,9 @@ void MainWindowTest::aFileThatIsNotUtf8OpensNothing()
 void MainWindowTest::eachDocumentKeepsItsEditor()
 {
     WindowFixture fixture;
-    fixture.state.openSnippet(QStringLiteral("{\n  a\n  b\n}\n") + QString(QStringLiteral("line\n")).repeated(300),
-                              Language::swift, std::nullopt);
+    // Not a snippet, which takes the keyboard with the caret at its start a moment later.
+    fixture.state.openFile(
+        fixture.write(QStringLiteral("a.swift"), "{\n  a\n  b\n}\n" + QByteArray("line\n").repeated(300)));
     fixture.turnQueue();
     EditorContainerView* first = fixture.window.editorArea().currentEditor();
     QTest::keyClicks(&fixture.text(), QStringLiteral("x"));
