@@ -18,6 +18,7 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace single_instance_test {
@@ -112,6 +113,15 @@ struct FirstProcess
             }
         }
         return process.readLine() == line + '\n';
+    }
+
+    /// Comes back when all of it stands still.
+    void stop()
+    {
+        const auto number = static_cast<id_t>(process.processId());
+        siginfo_t info{};
+        QCOMPARE(::kill(pid_t(number), SIGSTOP), 0);
+        QCOMPARE(::waitid(P_PID, number, &info, WSTOPPED | WNOWAIT), 0);
     }
 };
 
@@ -223,7 +233,7 @@ void SingleInstanceTest::aStoppedFirstIsNotReplaced()
     Fixture fixture;
     FirstProcess process(fixture);
     QVERIFY(process.says("first"));
-    ::kill(pid_t(process.process.processId()), SIGSTOP);
+    process.stop();
     QCOMPARE(fixture.start({u"asked of the stopped one"_s}, std::chrono::milliseconds(100)), Part::unanswered);
     ::kill(pid_t(process.process.processId()), SIGCONT);
     QCOMPARE(fixture.start({u"asked of the running one"_s}), Part::handedOver);
@@ -234,7 +244,7 @@ void SingleInstanceTest::whoWaitsForAFirstThatEndsTakesItsPlace()
     Fixture fixture;
     FirstProcess process(fixture);
     QVERIFY(process.says("first"));
-    ::kill(pid_t(process.process.processId()), SIGSTOP);
+    process.stop();
     QSemaphore begun;
     Part part = Part::alone;
     const std::unique_ptr<QThread> other(QThread::create([&] {
