@@ -6,9 +6,11 @@
 #include "platform/files/utf8_file.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QPointer>
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace kelm {
@@ -40,9 +42,12 @@ struct RecoveryStore::Kept
     bool isChanged = false;
     /// Whether a snapshot is being copied.
     bool isInHand = false;
-    bool hasFailedSave = false;
+    /// Whether the copy that was taken last could not be written; the worker sets it.
+    std::shared_ptr<std::atomic<bool>> hasFailed = std::make_shared<std::atomic<bool>>(false);
     /// The context of its connections.
     std::unique_ptr<QObject> watching = std::make_unique<QObject>();
+
+    bool isDue() const { return isChanged || *hasFailed; }
 };
 
 RecoveryStore::RecoveryStore(Scheduler& scheduler, const QString& folder)
@@ -96,7 +101,7 @@ void RecoveryStore::setDocuments(const Documents& documents)
             }
         }
         if (!std::exchange(kept->isOpen, true) || kept->id.isEmpty()) {
-            kept->isChanged = isAtRisk(*document);
+            kept->isChanged = document->isModified();
         }
     }
     QList<const Document*> closed;
@@ -124,8 +129,8 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
     connect(key, &Document::explicitLanguageChanged, context, change);
     connect(key, &Document::isModifiedChanged, context, [this, key] {
         // It was saved.
-        if (Kept* const its = keptOf(key); !key->isModified() && !its->hasFailedSave) {
-            setOrigin(*its, *key);
+        if (!key->isModified()) {
+            setOrigin(*keptOf(key), *key);
         }
     });
     connect(key, &Document::textIsOfFile, context, [this, key] {
@@ -154,6 +159,7 @@ void RecoveryStore::setOrigin(Kept& kept, const Document& document)
     auto origin = std::make_shared<Origin>(Origin{document.text(), std::nullopt});
     const std::shared_ptr<Origin> before = std::exchange(kept.origin, origin);
     kept.isChanged = false;
+    kept.hasFailed = std::make_shared<std::atomic<bool>>(false);
     worker_.add([folder = folder_, id = std::exchange(kept.id, {}), url = document.fileURL(), origin, before] {
         if (url) {
             origin->identity = url->isLocalFile() ? identityOf(nativePath(filePath(*url))) : std::nullopt;
@@ -167,34 +173,20 @@ void RecoveryStore::setOrigin(Kept& kept, const Document& document)
 void RecoveryStore::close(const Document* document, Kept& kept)
 {
     kept.isOpen = false;
-    if (!isAtRisk(*document)) {
+    if (!document->isModified()) {
         drop(document);
         return;
     }
-    if (kept.isChanged) {
+    if (kept.isDue()) {
         copy(*document, kept);
     }
     refresh();
 }
 
-bool RecoveryStore::isAtRisk(const Document& document) const
-{
-    const Kept* const kept = keptOf(&document);
-    return document.isModified() || (kept != nullptr && kept->hasFailedSave);
-}
-
 void RecoveryStore::noteSaved(const Document& document)
 {
     if (Kept* const kept = keptOf(&document)) {
-        kept->hasFailedSave = false;
         setOrigin(*kept, document);
-    }
-}
-
-void RecoveryStore::noteFailedSave(const Document& document)
-{
-    if (Kept* const kept = keptOf(&document); kept != nullptr && isAtRisk(document)) {
-        kept->hasFailedSave = true;
     }
 }
 
@@ -235,7 +227,8 @@ void RecoveryStore::copyWhatIsDue()
 void RecoveryStore::copy(const Document& document, Kept& kept)
 {
     kept.isChanged = false;
-    if (!isAtRisk(document)) {
+    kept.hasFailed->store(false);
+    if (!document.isModified()) {
         return;
     }
     const bool isNew = kept.id.isEmpty();
@@ -245,13 +238,15 @@ void RecoveryStore::copy(const Document& document, Kept& kept)
     kept.isInHand = true;
     CopyHeader header{document.fileURL(), QDateTime::currentMSecsSinceEpoch(), document.explicitLanguage()};
     worker_.add([folder = folder_, id = kept.id, origin = kept.origin, text = document.text(), header,
-                 open = isNew ? openIds() : QList<QString>(), key = &document, tell = onMain()]() mutable {
+                 open = isNew ? openIds() : QList<QString>(), key = &document, hasFailed = kept.hasFailed,
+                 tell = onMain()]() mutable {
         std::optional<FileError> error;
         if (origin->text && *origin->text == text) {
             folder->remove(id);
         } else {
             header.identity = origin->identity;
             error = folder->write(id, header, text);
+            hasFailed->store(error.has_value());
         }
         if (!open.isEmpty()) {
             folder->prune(open, header.time);
@@ -272,12 +267,12 @@ void RecoveryStore::finishCopy(const Document* document, const std::optional<Fil
     }
     if (!retry_ && kept != nullptr) {
         retry_ = std::make_unique<QObject>();
-        scheduler_.after(retryDelay, retry_.get(), [this, document] {
+        scheduler_.after(retryDelay, retry_.get(), [this] {
             const std::unique_ptr<QObject> done = std::move(retry_);
-            if (Kept* const again = keptOf(document)) {
-                again->isChanged = true;
-                copyWhatIsDue();
+            for (const auto& [key, each] : kept_) {
+                each->isChanged = each->isDue();
             }
+            copyWhatIsDue();
         });
     }
     if (!std::exchange(hasToldOfFailure_, true)) {
@@ -287,13 +282,19 @@ void RecoveryStore::finishCopy(const Document* document, const std::optional<Fil
 
 bool RecoveryStore::finish(std::chrono::milliseconds longest)
 {
-    for (const auto& [key, kept] : kept_) {
-        const std::shared_ptr<Document> document = kept->document.lock();
-        if (document && kept->isChanged) {
-            copy(*document, *kept);
+    const QDeadlineTimer end(longest);
+    bool isDone = true;
+    // Twice, since what fails once may succeed the next time: there is no later one.
+    for (int turn = 0; turn < 2 && isDone; ++turn) {
+        for (const auto& [key, kept] : kept_) {
+            const std::shared_ptr<Document> document = kept->document.lock();
+            if (document && kept->isDue()) {
+                copy(*document, *kept);
+            }
         }
+        isDone = worker_.waitUntilIdle(std::chrono::milliseconds(end.remainingTime()));
     }
-    return worker_.waitUntilIdle(longest);
+    return isDone;
 }
 
 QString RecoveryStore::keepReplaced(const QUrl& url, const TextTree& text)

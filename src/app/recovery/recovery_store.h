@@ -50,14 +50,9 @@ public:
     /// The documents that are open from now on. The texts of those that were open and are not any more stay in the
     /// store, and are offered.
     void setDocuments(const Documents& documents);
-    /// Whether a document's text may be nowhere but here: it is modified, or could not be written when it was taken for
-    /// saved.
-    bool isAtRisk(const Document& document) const;
 
     /// A document's text is what its file holds.
     void noteSaved(const Document& document);
-    /// It is not, and stays at risk, whatever its flag is set to.
-    void noteFailedSave(const Document& document);
 
     /// Keeps what a save of another text is about to take the place of. Gives the name of its copy.
     QString keepReplaced(const QUrl& url, const TextTree& text);
@@ -79,8 +74,8 @@ public:
     /// Removes a copy that nobody wants.
     void remove(const QString& named);
 
-    /// Begins all copies that are due, and waits for them, but not longer than `longest`. False when some are not
-    /// finished then; the program may end all the same.
+    /// Begins all copies that are due, and those that failed once more, and waits for them, but not longer than
+    /// `longest`. False when some are not finished then; the program may end all the same.
     bool finish(std::chrono::milliseconds longest);
 
 Q_SIGNALS:

@@ -48,7 +48,7 @@ void UnsavedTexts::noteTabs(const Documents& before, const std::shared_ptr<Docum
     for (const std::shared_ptr<Document>& document : before) {
         closed->order.append(document->id());
         const bool isNothing = !document->fileURL() && document->text().isEmpty();
-        if (!now.contains(document) && store_.isAtRisk(*document) && !isNothing && !closedWith(document)) {
+        if (!now.contains(document) && document->isModified() && !isNothing && !closedWith(document)) {
             closed->documents.append(document);
         }
     }
@@ -139,7 +139,7 @@ void UnsavedTexts::put(const std::shared_ptr<Document>& document, const QList<QU
     const auto same = std::find_if(documents.begin(), documents.end(), [&document](const auto& each) {
         return document->fileURL() && each->fileURL() == document->fileURL();
     });
-    if (same != documents.end() && !store_.isAtRisk(**same)) {
+    if (same != documents.end() && !(*same)->isModified()) {
         // The file was opened anew; its own text is on the disk.
         *same = document;
         return;

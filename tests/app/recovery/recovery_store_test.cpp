@@ -3,6 +3,7 @@
 #include "platform/files/native_path.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
+#include "support/unprivileged.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -44,7 +45,6 @@ private Q_SLOTS:
     void whatIsTypedIsCopiedWithinTwoSeconds();
     void whatIsNotTypedIsNotCopied();
     void aSaveRemovesTheCopy();
-    void aSaveThatFailedKeepsIt();
     void undoingEverythingRemovesTheCopy();
     void whatIsReadAnewIsNoUnsavedText();
     void whatTheFileHeldBeforeIsAnUnsavedText();
@@ -57,6 +57,8 @@ private Q_SLOTS:
     void theHeaderNamesTheStateOfTheFile();
     void languageAndPlaceAreCopiedToo();
     void aFailureIsToldOnceAndTriedAgain();
+    void allThatFailedIsTriedAgain();
+    void whatFailedIsTriedAgainAtTheEnd();
     void aStoreWithoutAFolderKeepsNothing();
     void randomLivesOfDocuments();
 
@@ -144,22 +146,6 @@ void RecoveryStoreTest::aSaveRemovesTheCopy()
     document->setContent(u"typed again"_s);
     settle();
     QCOMPARE(onDisk(), QStringList(u"typed again"_s));
-}
-
-void RecoveryStoreTest::aSaveThatFailedKeepsIt()
-{
-    const auto document = untitled();
-    store_->setDocuments({document});
-    document->setContent(u"typed"_s);
-    store_->noteFailedSave(*document);
-    document->setIsModified(false);
-    settle();
-    QVERIFY(store_->isAtRisk(*document));
-    QCOMPARE(onDisk(), QStringList(u"typed"_s));
-    store_->noteSaved(*document);
-    settle();
-    QVERIFY(!store_->isAtRisk(*document));
-    QCOMPARE(onDisk(), QStringList());
 }
 
 void RecoveryStoreTest::undoingEverythingRemovesTheCopy()
@@ -388,6 +374,41 @@ void RecoveryStoreTest::aFailureIsToldOnceAndTriedAgain()
     QCOMPARE(onDisk(), QStringList(u"typed on"_s));
 }
 
+void RecoveryStoreTest::allThatFailedIsTriedAgain()
+{
+    QFile inTheWay(path());
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    const auto one = untitled();
+    const auto other = untitled();
+    store_->setDocuments({one, other});
+    one->setContent(u"one"_s);
+    other->setContent(u"other"_s);
+    settle();
+    QVERIFY(inTheWay.remove());
+    scheduler_->advance(RecoveryStore::retryDelay);
+    QTRY_COMPARE(onDisk(), (QStringList{u"one"_s, u"other"_s}));
+}
+
+void RecoveryStoreTest::whatFailedIsTriedAgainAtTheEnd()
+{
+    const auto document = untitled();
+    store_->setDocuments({document});
+    document->setContent(u"typed"_s);
+    settle();
+    const QFile::Permissions own = QFile::permissions(path());
+    QVERIFY(QFile::setPermissions(path(), {}));
+    document->setContent(u"typed on"_s);
+    {
+        const test::Unprivileged unprivileged;
+        scheduler_->advance(RecoveryStore::delay);
+        QVERIFY(store_->finish(patience));
+    }
+    QVERIFY(QFile::setPermissions(path(), own));
+    QCOMPARE(onDisk(), QStringList(u"typed"_s));
+    finish();
+    QCOMPARE(onDisk(), QStringList(u"typed on"_s));
+}
+
 void RecoveryStoreTest::aStoreWithoutAFolderKeepsNothing()
 {
     RecoveryStore store(*scheduler_, {});
@@ -396,8 +417,6 @@ void RecoveryStoreTest::aStoreWithoutAFolderKeepsNothing()
     document->setContent(u"typed"_s);
     scheduler_->advance(RecoveryStore::delay);
     store.noteSaved(*document);
-    store.noteFailedSave(*document);
-    QVERIFY(store.isAtRisk(*document));
     QCOMPARE(store.keepReplaced(QUrl(), TextTree()), QString());
     store.remove(u"x"_s);
     store.read(u"x"_s, {});
