@@ -11,7 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 std::optional<QString> textOf(const QByteArray& bytes)
 {
     const bool hasMark = bytes.startsWith("\xEF\xBB\xBF");
-    QStringDecoder decoder(QStringDecoder::Utf8);
+    // Not one that waits for the rest of a character that is cut off at the end.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder.decode(hasMark ? bytes.sliced(3) : bytes);
     if (decoder.hasError()) {
         return std::nullopt;
