@@ -45,12 +45,12 @@ AppState::AppState(const Services& services)
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
           *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); })),
-      unsavedTexts_(
-          std::make_unique<UnsavedTexts>(services.scheduler, *notices_, services.recoveryFolder,
-                                         UnsavedTexts::Tabs{[this] { return documents_; },
-                                                            [this](const Documents& documents, qsizetype current) {
-                                                                showDocuments(documents, current);
-                                                            }})),
+      unsavedTexts_(std::make_unique<UnsavedTexts>(
+          services.scheduler, *notices_, services.recoveryFolder,
+          UnsavedTexts::Tabs{
+              [this] { return documents_; },
+              [this](const Documents& documents, qsizetype current) { showDocuments(documents, current); },
+              [this](const QUrl& url, const FileIdentity& read) { watchedFiles_->willShow(url, read); }})),
       watchedFiles_(std::make_unique<WatchedFiles>(*notices_, services.scheduler)),
       ownReplacedFiles_(std::make_unique<ReplacedFilesFolder>(standardPaths::savedState() + u"/unsaved"_s)),
       saving_(std::make_unique<DocumentSaving>(

@@ -121,6 +121,9 @@ void UnsavedTexts::open(const QString& id)
             std::make_shared<Document>(content->text, content->header.url, content->header.language, std::nullopt);
         document->setIsModified(true);
         store_.adopt(document, copy, content->header.identity);
+        if (content->header.url && content->header.identity) {
+            tabs_.willShow(*content->header.url, *content->header.identity);
+        }
         show({document}, {}, document);
     });
 }

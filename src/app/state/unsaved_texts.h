@@ -26,6 +26,8 @@ public:
     {
         std::function<Documents()> documents;
         std::function<void(const Documents& documents, qsizetype current)> show;
+        /// Told before a document is shown whose text was made from its file as it was then.
+        std::function<void(const QUrl& url, const FileIdentity& read)> willShow;
     };
 
     /// How many notices of closed tabs there are at most. The texts of older ones are opened from their copies.

@@ -41,8 +41,13 @@ void WatchedFiles::setDocuments(const QList<std::shared_ptr<Document>>& document
     for (File& file : files_) {
         if (isClosed(file)) {
             forget(file);
+            closed_.append(file);
         }
     }
+    closed_.removeIf([](const File& file) {
+        const std::shared_ptr<Document> document = file.document.lock();
+        return !document || !document->isModified();
+    });
     files_.removeIf(isClosed);
     for (const std::shared_ptr<Document>& document : documents) {
         follow(document);
@@ -56,6 +61,16 @@ void WatchedFiles::follow(const std::shared_ptr<Document>& document)
         return;
     }
     const QUrl url = *document->fileURL();
+    const auto before = std::find_if(closed_.cbegin(), closed_.cend(), [&document, &url](const File& file) {
+        return file.id == document->id() && file.url == url;
+    });
+    if (before != closed_.cend()) {
+        files_.append(*before);
+        files_.last().told.reset();
+        closed_.erase(before);
+        lookAgain();
+        return;
+    }
     const auto read = read_.constFind(url);
     const std::optional<FileIdentity> known =
         read != read_.cend() ? std::optional(*read) : identityOf(nativePath(filePath(url)));
@@ -89,6 +104,17 @@ void WatchedFiles::willRead(const QUrl& url)
     if (const std::optional<FileIdentity> identity = identityOf(nativePath(filePath(url)))) {
         read_[url] = *identity;
     }
+}
+
+void WatchedFiles::willShow(const QUrl& url, const FileIdentity& read)
+{
+    FileIdentity known = read;
+    if (const std::optional<FileIdentity> now = identityOf(nativePath(filePath(url)))) {
+        // A device may have another number since the system was started anew.
+        known.device = now->device;
+    }
+    read_[url] = known;
+    lookDebounce_.restart();
 }
 
 void WatchedFiles::willSave(const Document& document)

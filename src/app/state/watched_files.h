@@ -44,6 +44,9 @@ public:
 
     /// To be called before a file is read for a document: what is changed afterwards is seen.
     void willRead(const QUrl& url);
+    /// To be called before a document is shown whose text was made from the file as it was then: what has changed since
+    /// is seen.
+    void willShow(const QUrl& url, const FileIdentity& read);
     /// The document is about to be saved: that its file has vanished need not be told any longer.
     void willSave(const Document& document);
     /// The document's text is that of its file from now on, as the program itself wrote it.
@@ -95,6 +98,8 @@ private:
 
     Notices& notices_;
     QList<File> files_;
+    /// Those of modified documents that were closed and live on, since they may be opened again.
+    QList<File> closed_;
     QHash<QUrl, FileIdentity> read_;
     FileWatch watch_;
     Debounce lookDebounce_;

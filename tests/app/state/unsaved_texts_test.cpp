@@ -1,6 +1,7 @@
 #include "app/state/app_state.h"
 #include "app/state/notices.h"
 #include "app/state/unsaved_texts.h"
+#include "app/state/watched_files.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
 
@@ -49,6 +50,8 @@ private Q_SLOTS:
     void aFileThatWasOpenedAgainGivesWay();
     void twoUnsavedTextsOfOneFileStayApart();
     void theNextStartOffersWhatWasOpen();
+    void whatChangedOnDiskMeanwhileIsSeen_data();
+    void whatChangedOnDiskMeanwhileIsSeen();
     void aClosedTextThatIsOpenedFromTheStoreIsNotOfferedTwice();
     void aTextThatCannotBeReadIsToldOf();
     void aFullDiskIsToldOnce();
@@ -273,6 +276,44 @@ void UnsavedTextsTest::theNextStartOffersWhatWasOpen()
     start();
     settle();
     QVERIFY(store().texts().isEmpty());
+}
+
+void UnsavedTextsTest::whatChangedOnDiskMeanwhileIsSeen_data()
+{
+    QTest::addColumn<bool>("isAfterAStart");
+    QTest::addColumn<bool>("isChanged");
+    QTest::newRow("reopened") << false << true;
+    QTest::newRow("reopened, the file as it was") << false << false;
+    QTest::newRow("opened by the next start") << true << true;
+    QTest::newRow("opened by the next start, the file as it was") << true << false;
+}
+
+void UnsavedTextsTest::whatChangedOnDiskMeanwhileIsSeen()
+{
+    QFETCH(bool, isAfterAStart);
+    QFETCH(bool, isChanged);
+    const QUrl url = fixture_->write(u"a.txt"_s, "as it was");
+    state().openFile(url);
+    typeInto(0, u"typed"_s);
+    state().closeTab(0);
+    settle();
+    if (isChanged) {
+        fixture_->write(u"a.txt"_s, "by another program");
+    }
+    if (isAfterAStart) {
+        start();
+        settle();
+        state().unsavedTexts().open(store().texts().constFirst().id);
+        settle();
+    } else {
+        notices().accept(0);
+    }
+    QCOMPARE(texts(), QStringList(u"typed"_s));
+    QCOMPARE(state().watchedFiles().hasUnseenChange(*state().currentDocument()), isChanged);
+    // Nobody asks for a look.
+    QTRY_VERIFY((fixture_->scheduler.advance(WatchedFiles::quietTime), state().watchedFiles().isSettled()));
+    QCOMPARE(notice(), isChanged ? u"a.txt has changed on disk, and here too."_s : QString());
+    QCOMPARE(texts(), QStringList(u"typed"_s));
 }
 
 void UnsavedTextsTest::aClosedTextThatIsOpenedFromTheStoreIsNotOfferedTwice()
