@@ -4,6 +4,7 @@
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
+#include "platform/process/orderly_end.h"
 #include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "settings/view/settings_view.h"
@@ -76,7 +77,9 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshLessonPanel();
     refreshTheme();
     keepKeyboardInSight();
-    new Compositions(this);
+    auto* compositions = new Compositions(this);
+    // Before the texts are brought to safety.
+    onOrderlyEnd(this, [compositions](std::chrono::steady_clock::time_point) { compositions->end(); });
     new WindowNotices(appState_, *noticeBar_, *this);
 }
 

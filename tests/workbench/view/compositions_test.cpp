@@ -1,3 +1,4 @@
+#include "platform/process/orderly_end.h"
 #include "support/test_program.h"
 #include "text/view/find_bar.h"
 #include "workbench/view/bottom_panel.h"
@@ -118,6 +119,7 @@ private Q_SLOTS:
     void whatIsComposedElsewhereEndsTheFirst();
     void nothingElseIsDropped();
     void aFieldThatGoesTakesItsCompositionAlong();
+    void theEndOfTheProgramFindsWhatIsComposed();
 };
 
 void CompositionsTest::eachEndsOnceWhereItWasBegun_data()
@@ -279,6 +281,21 @@ void CompositionsTest::aFieldThatGoesTakesItsCompositionAlong()
 }
 
 const kelm::test::Registered<CompositionsTest> registered(kelm::test::Toolkit::widgets);
+
+void CompositionsTest::theEndOfTheProgramFindsWhatIsComposed()
+{
+    Fixture fixture;
+    const std::shared_ptr<Document> document = fixture.state.currentDocument();
+    fixture.text().setFocus();
+    Fixture::compose(&fixture.text(), syllable);
+    QCOMPARE(document->content(), QString());
+    endInOrder();
+    QCOMPARE(document->content(), syllable);
+    QVERIFY(document->isModified());
+    // The end may have been called off.
+    fixture.echo();
+    QCOMPARE(document->content(), syllable);
+}
 
 } // namespace compositions_test
 
