@@ -74,6 +74,9 @@ public:
     /// in milliseconds since 1970.
     void prune(const QList<QString>& kept, qint64 now);
 
+    /// Makes copies of what programs that were killed had kept while they wrote over it in place.
+    void takeReplaced(qint64 now);
+
 private:
     struct Found;
 

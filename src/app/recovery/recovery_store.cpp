@@ -54,7 +54,10 @@ RecoveryStore::RecoveryStore(Scheduler& scheduler, const QString& folder)
     : scheduler_(scheduler), folder_(folder.isEmpty() ? nullptr : std::make_shared<RecoveryFolder>(folder))
 {
     if (isOn()) {
-        worker_.add([folder = folder_] { folder->prune({}, QDateTime::currentMSecsSinceEpoch()); });
+        worker_.add([folder = folder_, now = QDateTime::currentMSecsSinceEpoch()] {
+            folder->takeReplaced(now);
+            folder->prune({}, now);
+        });
         refresh();
     }
 }

@@ -1,5 +1,6 @@
 #include "app/state/replaced_files.h"
 
+#include "app/recovery/replaced_bytes.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/files/open_file.h"
@@ -15,20 +16,22 @@ namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
 
-std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl&, const QByteArray& content)
+std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl& file, const QByteArray& content)
 {
     constexpr int base = 36;
     constexpr mode_t ownersAlone = 0700;
     QDir().mkpath(folder_);
     const QByteArray folder = nativePath(folder_);
     ::chmod(folder.constData(), ownersAlone);
-    const QString path = folder_ + u"/replaced-"_s + QString::number(QRandomGenerator::global()->generate64(), base);
-    OpenFile file(::open(nativePath(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file.isOpen()) {
+    const QString path =
+        folder_ + u'/' + ReplacedBytes::prefix + QString::number(QRandomGenerator::global()->generate64(), base);
+    OpenFile kept(::open(nativePath(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!kept.isOpen()) {
         return std::nullopt;
     }
     const QUrl url = urlOfFile(path);
-    if (!file.writeAll(content.constData(), content.size()) || !file.flushToDisk() || !file.close()) {
+    const QByteArray bytes = ReplacedBytes{file, content}.encoded();
+    if (!kept.writeAll(bytes.constData(), bytes.size()) || !kept.flushToDisk() || !kept.close()) {
         forget(url);
         return std::nullopt;
     }

@@ -23,7 +23,8 @@ public:
     virtual void forget(const QUrl& kept) = 0;
 };
 
-/// Keeps each as a file of its own, which only this user can read, in a folder.
+/// Keeps each as a file of its own, which only this user can read, in a folder: that of the store of unsaved texts,
+/// which offers what a program that was killed has left.
 class ReplacedFilesFolder final : public ReplacedFiles
 {
 public:

@@ -1,0 +1,149 @@
+#include "app/recovery/recovery_folder.h"
+#include "app/recovery/replaced_bytes.h"
+#include "app/state/replaced_files.h"
+#include "platform/files/file_url.h"
+#include "support/test_program.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <optional>
+#include <sys/file.h>
+
+namespace replaced_bytes_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr qint64 minute = 60 * 1000;
+
+qint64 now()
+{
+    return QDateTime::currentMSecsSinceEpoch();
+}
+
+} // namespace
+
+class ReplacedBytesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        home_.emplace();
+        QVERIFY(home_->isValid());
+    }
+    void whatIsEncodedComesBack_data();
+    void whatIsEncodedComesBack();
+    void whatHasNoSuchLineIsContent_data();
+    void whatHasNoSuchLineIsContent();
+    void whatASaveLeftIsOfferedOnce();
+    void aSaveThatMayGoOnIsLeftAlone();
+    void whatAnotherProgramTakesIsLeftToIt();
+    void whatCannotBeKeptStays();
+
+private:
+    QStringList left() const { return QDir(home_->path()).entryList({ReplacedBytes::prefix + u'*'}, QDir::Files); }
+    QUrl keep(const QByteArray& content)
+    {
+        ReplacedFilesFolder files(home_->path());
+        return files.keepReplaced(url_, content).value_or(QUrl());
+    }
+
+    std::optional<QTemporaryDir> home_;
+    const QUrl url_ = urlOfFile(u"/home/a b\n한.txt"_s);
+};
+
+void ReplacedBytesTest::whatIsEncodedComesBack_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("plain") << urlOfFile(u"/a.txt"_s) << QByteArray("one\ntwo\n");
+    QTest::newRow("a line feed in the name") << url_ << QByteArray("x");
+    QTest::newRow("undecodable name") << urlOfFile(u"/caf\xdce9"_s) << QByteArray("x");
+    QTest::newRow("no bytes") << urlOfFile(u"/a"_s) << QByteArray();
+    QTest::newRow("any bytes") << urlOfFile(u"/a"_s) << QByteArray("\0\xff\n\n\x80", 5);
+}
+
+void ReplacedBytesTest::whatIsEncodedComesBack()
+{
+    QFETCH(QUrl, url);
+    QFETCH(QByteArray, content);
+    const ReplacedBytes bytes{url, content};
+    QCOMPARE(ReplacedBytes::decoded(bytes.encoded()), bytes);
+}
+
+void ReplacedBytesTest::whatHasNoSuchLineIsContent_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("one line") << QByteArray("file:///a.txt");
+    QTest::newRow("a line feed first") << QByteArray("\nfile:///a.txt\n");
+    QTest::newRow("another scheme") << QByteArray("https://a.b/\ntext");
+    QTest::newRow("a text") << QByteArray("one\ntwo\n");
+}
+
+void ReplacedBytesTest::whatHasNoSuchLineIsContent()
+{
+    QFETCH(QByteArray, bytes);
+    QCOMPARE(ReplacedBytes::decoded(bytes), (ReplacedBytes{{}, bytes}));
+}
+
+void ReplacedBytesTest::whatASaveLeftIsOfferedOnce()
+{
+    QVERIFY(!keep("the old text\n").isEmpty());
+    RecoveryFolder folder(home_->path());
+    folder.takeReplaced(now() + 2 * minute);
+    QCOMPARE(left(), QStringList());
+    const QList<UnsavedText> texts = folder.texts();
+    QCOMPARE(texts.size(), 1);
+    QCOMPARE(texts[0].header.url, std::optional(url_));
+    QVERIFY(texts[0].header.isReplaced);
+    QCOMPARE(folder.take(texts[0].id, folder.newId())->text.toString(), u"the old text\n"_s);
+    folder.takeReplaced(now() + 2 * minute);
+    QCOMPARE(folder.texts().size(), 1);
+}
+
+void ReplacedBytesTest::aSaveThatMayGoOnIsLeftAlone()
+{
+    QVERIFY(!keep("the old text\n").isEmpty());
+    RecoveryFolder folder(home_->path());
+    folder.takeReplaced(now());
+    QCOMPARE(left().size(), 1);
+    QCOMPARE(folder.texts().size(), 0);
+}
+
+void ReplacedBytesTest::whatAnotherProgramTakesIsLeftToIt()
+{
+    const QUrl kept = keep("the old text\n");
+    QFile file(filePath(kept));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(::flock(file.handle(), LOCK_EX), 0);
+    int taken = 0;
+    const auto take = [&taken](const ReplacedBytes&, qint64) { return ++taken > 0; };
+    takeLeftBytes(home_->path(), now() + 2 * minute, take);
+    QCOMPARE(taken, 0);
+    file.close();
+    takeLeftBytes(home_->path(), now() + 2 * minute, take);
+    QCOMPARE(taken, 1);
+    QCOMPARE(left(), QStringList());
+}
+
+void ReplacedBytesTest::whatCannotBeKeptStays()
+{
+    QVERIFY(!keep("the old text\n").isEmpty());
+    takeLeftBytes(home_->path(), now() + 2 * minute, [](const ReplacedBytes&, qint64) { return false; });
+    QCOMPARE(left().size(), 1);
+}
+
+const kelm::test::Registered<ReplacedBytesTest> registered;
+
+} // namespace replaced_bytes_test
+
+#include "replaced_bytes_test.moc"
