@@ -1,5 +1,7 @@
 #include "platform/files/open_file.h"
 
+#include "platform/files/file_step.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -13,7 +15,7 @@ bool OpenFile::close()
 {
     const int descriptor = std::exchange(descriptor_, -1);
     // The descriptor is gone even when the call is interrupted: a second try could close another thread's file.
-    return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR;
+    return descriptor < 0 || ((::close(descriptor) == 0 || errno == EINTR) && mayTake(FileStep::close));
 }
 
 qsizetype OpenFile::read(char* bytes, qsizetype size) const
@@ -65,8 +67,13 @@ std::optional<QByteArray> OpenFile::readAll() const
 
 bool OpenFile::writeAll(const char* bytes, qsizetype size) const
 {
+    // In parts, so that a disk that becomes full is met with some of them written.
+    constexpr qsizetype part = 1 << 20;
     while (size > 0) {
-        const ssize_t count = ::write(descriptor_, bytes, std::size_t(size));
+        if (!mayTake(FileStep::write)) {
+            return false;
+        }
+        const ssize_t count = ::write(descriptor_, bytes, std::size_t(std::min(size, part)));
         if (count < 0 && errno != EINTR) {
             return false;
         }
@@ -80,6 +87,9 @@ bool OpenFile::writeAll(const char* bytes, qsizetype size) const
 
 bool OpenFile::flushToDisk() const
 {
+    if (!mayTake(FileStep::flush)) {
+        return false;
+    }
 #ifdef F_FULLFSYNC
     if (::fcntl(descriptor_, F_FULLFSYNC) == 0) {
         return true;

@@ -1,5 +1,6 @@
 #include "platform/files/temporary_file.h"
 
+#include "platform/files/file_step.h"
 #include "platform/files/native_path.h"
 
 #include <QRandomGenerator>
@@ -64,6 +65,9 @@ TemporaryFile::TemporaryFile(const QByteArray& folder, mode_t mode)
 bool TemporaryFile::make(const QByteArray& folder, mode_t mode)
 {
     path_ = folder + prefix.toByteArray() + QByteArray::number(QRandomGenerator::global()->generate64(), base);
+    if (!mayTake(FileStep::create)) {
+        return false;
+    }
     file_ = OpenFile(::open(path_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (!file_.isOpen()) {
         return false;
@@ -87,7 +91,7 @@ TemporaryFile::~TemporaryFile()
 
 bool TemporaryFile::renameTo(const QByteArray& target)
 {
-    isLeft_ = std::rename(path_.constData(), target.constData()) != 0;
+    isLeft_ = !mayTake(FileStep::rename) || std::rename(path_.constData(), target.constData()) != 0;
     return !isLeft_;
 }
 

@@ -1,11 +1,14 @@
 #include "app/state/document_saving.h"
 #include "app/state/notices.h"
+#include "platform/files/file_step.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QtTest>
 
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +17,25 @@ namespace document_saving_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct BadDisk
+{
+    FileStep step;
+    /// How often the step is taken before the disk refuses.
+    int taken;
+    int error;
+};
+
+BadDisk badDisk;
+
+int refuse(FileStep step)
+{
+    return step == badDisk.step && badDisk.taken-- == 0 ? badDisk.error : 0;
+}
+
+} // namespace
 
 /// What a person is told of a save, and what is kept by it. How a file is watched is a test of its own.
 class DocumentSavingTest : public QObject
@@ -28,6 +50,8 @@ private Q_SLOTS:
     void savingAllTellsOfAllFailuresAtOnce();
     void whatAKillLeftGoesWithTheNextSaveAndStart();
     void namesOfAnyBytesAreSavedAndOpened();
+    void aDiskThatRefusesLeavesFileAndText_data();
+    void aDiskThatRefusesLeavesFileAndText();
 
 private:
     AppState& state() { return fixture_->state; }
@@ -160,6 +184,56 @@ void DocumentSavingTest::namesOfAnyBytesAreSavedAndOpened()
         QCOMPARE(state().recentFiles().constFirst(), url);
         QCOMPARE(::unlink((base + name).constData()), 0);
     }
+}
+
+void DocumentSavingTest::aDiskThatRefusesLeavesFileAndText_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::addColumn<int>("taken");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char* name, FileStep step, int taken, int error, const QString& reason) {
+        QTest::newRow(name) << int(step) << taken << error << reason;
+    };
+    const QString full = u"the disk is full"_s;
+    const QString quota = u"your share of the disk is used up"_s;
+    const QString broken = u"the disk does not work as it should"_s;
+    row("full, at once", FileStep::create, 0, ENOSPC, full);
+    row("full, before the first part", FileStep::write, 0, ENOSPC, full);
+    row("full, after two parts", FileStep::write, 2, ENOSPC, full);
+    row("full, told at the flush", FileStep::flush, 0, ENOSPC, full);
+    row("quota, in the middle", FileStep::write, 1, EDQUOT, quota);
+    row("quota, told at the end, as networks do", FileStep::close, 0, EDQUOT, quota);
+    row("broken, in the middle", FileStep::write, 2, EIO, broken);
+    row("broken, at the flush", FileStep::flush, 0, EIO, broken);
+    row("broken, at the renaming", FileStep::rename, 0, EIO, broken);
+    row("read-only all of a sudden", FileStep::rename, 0, EROFS, u"nothing can be written to that disk"_s);
+    row("a server that has gone", FileStep::flush, 0, ESTALE, QString::fromLocal8Bit(std::strerror(ESTALE)));
+}
+
+void DocumentSavingTest::aDiskThatRefusesLeavesFileAndText()
+{
+    QFETCH(int, step);
+    QFETCH(int, taken);
+    QFETCH(int, error);
+    QFETCH(QString, reason);
+    const QByteArray old(3'000'000, 'o');
+    const QString typed(3'500'000, u'n');
+    openAndType(fixture_->write(u"a.txt"_s, old), typed);
+    badDisk = {FileStep(step), taken, error};
+    setFileStepCheck(refuse);
+    state().saveCurrentDocument();
+    setFileStepCheck(nullptr);
+    QVERIFY2(badDisk.taken < 0, "the step was not reached");
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), old);
+    QCOMPARE(QDir(fixture_->folder.path()).entryList({u".kelm-*"_s}, QDir::Files | QDir::Hidden), QStringList());
+    QVERIFY(state().currentDocument()->isModified());
+    QCOMPARE(noticeText(), u"a.txt could not be saved: %1."_s.arg(reason));
+    QVERIFY(fixture_->log.printed.constLast().startsWith(u"Error saving: "_s));
+    // And with a disk that works again.
+    state().saveCurrentDocument();
+    QVERIFY(!state().currentDocument()->isModified());
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), typed.toUtf8());
 }
 
 const kelm::test::Registered<DocumentSavingTest> registered;
