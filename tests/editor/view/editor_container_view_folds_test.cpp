@@ -1,6 +1,5 @@
-#include "editor/view/kelm_editor_view.h"
-#include "support/captured_log.h"
 #include "support/random_text.h"
+#include "support/shown_document.h"
 #include "support/test_program.h"
 #include "text/view/find_bar.h"
 
@@ -8,7 +7,6 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace editor_container_view_folds_test {
@@ -20,30 +18,11 @@ namespace {
 const QString functions = QStringLiteral(
     "func f() {\n  one\n  two {\n    deep one\n    more\n  }\n}\nlast one\nfunc g() {\n  one\n  two\n}\n");
 
-struct Fixture
+struct Fixture : test::ShownDocument
 {
-    QTemporaryDir home;
-    UserDefaults defaults{home.filePath(QStringLiteral("defaults.conf"))};
-    CapturedLog log;
-    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
-    ManualScheduler time;
-    NotificationCenter notifications;
-    std::shared_ptr<Document> document;
-    std::unique_ptr<KelmEditorView> binding;
-    std::unique_ptr<EditorContainerView> view;
+    explicit Fixture(const QString& text) : ShownDocument(text, Language::swift, {900, 400}) { text_().setFocus(); }
 
-    explicit Fixture(const QString& text)
-        : document(std::make_shared<Document>(text, std::nullopt, Language::swift, std::nullopt)),
-          binding(std::make_unique<KelmEditorView>(document, themes)),
-          view(binding->makeView(time, notifications, nullptr))
-    {
-        view->resize(900, 400);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowActive(view.get()));
-        text_().setFocus();
-    }
-
-    TextView& text_() { return view->textView(); }
+    TextView& text_() { return textView(); }
     void toggle(qsizetype line) { view->lineNumberView().onFoldToggle(line); }
     QString shown() { return view->text(); }
     bool isFolded() { return view->codeFoldingManager().isTextFolded(); }

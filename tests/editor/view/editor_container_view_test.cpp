@@ -1,6 +1,6 @@
 #include "editor/view/kelm_editor_view.h"
-#include "support/captured_log.h"
 #include "support/random_text.h"
+#include "support/shown_document.h"
 #include "support/test_program.h"
 #include "text/view/find_bar.h"
 
@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace editor_container_view_test {
@@ -24,26 +23,11 @@ namespace {
 const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
 
 /// A document in a container on screen, with time that moves by hand.
-struct Fixture
+struct Fixture : test::ShownDocument
 {
-    QTemporaryDir home;
-    UserDefaults defaults{home.filePath(QStringLiteral("defaults.conf"))};
-    CapturedLog log;
-    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
-    ManualScheduler time;
-    NotificationCenter notifications;
-    std::shared_ptr<Document> document;
-    std::unique_ptr<KelmEditorView> binding;
-    std::unique_ptr<EditorContainerView> view;
-
     explicit Fixture(const QString& text = {}, Language language = Language::swift)
-        : document(std::make_shared<Document>(text, std::nullopt, language, std::nullopt)),
-          binding(std::make_unique<KelmEditorView>(document, themes)),
-          view(binding->makeView(time, notifications, nullptr))
+        : ShownDocument(text, language, {800, 400})
     {
-        view->resize(800, 400);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
         view->textView().setFocus();
     }
 

@@ -1,9 +1,7 @@
-#include "editor/view/kelm_editor_view.h"
-#include "support/captured_log.h"
 #include "support/random_text.h"
+#include "support/shown_document.h"
 #include "support/test_program.h"
 
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -16,30 +14,11 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// A document in a container on screen, whose file another program changes.
-struct Fixture
+struct Fixture : test::ShownDocument
 {
-    QTemporaryDir home;
-    UserDefaults defaults{home.filePath(u"defaults.conf"_s)};
-    CapturedLog log;
-    ThemeManager themes{{defaults, log, home.path(), [](Appearance) {}}};
-    ManualScheduler time;
-    NotificationCenter notifications;
-    std::shared_ptr<Document> document;
-    std::unique_ptr<KelmEditorView> binding;
-    std::unique_ptr<EditorContainerView> view;
+    explicit Fixture(const QString& text) : ShownDocument(text, Language::swift, {800, 400}) {}
 
-    explicit Fixture(const QString& text)
-        : document(std::make_shared<Document>(text, std::nullopt, Language::swift, std::nullopt)),
-          binding(std::make_unique<KelmEditorView>(document, themes)),
-          view(binding->makeView(time, notifications, nullptr))
-    {
-        view->resize(800, 400);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
-    }
-
-    TextView& text() { return view->textView(); }
-    CodeFoldingManager& folds() { return view->codeFoldingManager(); }
+    TextView& text() { return textView(); }
     void changeFile(const QString& newText)
     {
         document->takeFileText(TextTree(newText));

@@ -1,6 +1,7 @@
 #include "platform/files/atomic_file.h"
 #include "platform/files/native_path.h"
 #include "platform/files/temporary_file.h"
+#include "support/file_bytes.h"
 #include "support/roles.h"
 #include "support/test_program.h"
 #include "support/unprivileged.h"
@@ -23,38 +24,13 @@
 namespace atomic_file_saving_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 constexpr int cannotSetUp = 77;
 constexpr uid_t nobody = 65534;
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("cannot set up the file");
-    }
-}
-
-struct stat statusOf(const QString& path)
-{
-    struct stat status = {};
-    ::lstat(nativePath(path).constData(), &status);
-    return status;
-}
-
-QStringList entriesOf(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
-}
 
 QString described(const std::variant<Saved, FileError>& result)
 {

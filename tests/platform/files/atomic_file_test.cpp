@@ -18,12 +18,14 @@
 #include <sys/xattr.h>
 #endif
 
+#include "support/file_bytes.h"
 #include "support/roles.h"
 #include "support/test_program.h"
 
 namespace atomic_file_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -31,35 +33,9 @@ namespace {
 constexpr int cannotSetUp = 77;
 constexpr uid_t nobody = 65534;
 
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("cannot set up the file");
-    }
-}
-
-struct stat statusOf(const QString& path)
-{
-    struct stat status = {};
-    ::lstat(QFile::encodeName(path).constData(), &status);
-    return status;
-}
-
 int modeOf(const QString& path)
 {
     return int(statusOf(path).st_mode & 07777);
-}
-
-QStringList entriesOf(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 /// The content of the `generation`th save of the child that is killed: a size of its own, and one byte all through.
