@@ -6,7 +6,6 @@
 #include "app/state/large_files.h"
 #include "app/state/left_files.h"
 #include "app/state/notices.h"
-#include "app/state/recent_files.h"
 #include "app/state/replaced_files.h"
 #include "app/state/text_file.h"
 #include "app/state/unsaved_texts.h"
@@ -19,7 +18,6 @@
 #include "run/code_runner.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace kelm {
@@ -30,9 +28,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto focusDelay = 50ms;
-constexpr qsizetype mostRecentFiles = 10;
-
-const QString recentFilesKey = u"recentFiles"_s;
 
 } // namespace
 
@@ -359,112 +354,7 @@ void AppState::runCurrentFile()
     services_.notificationCenter.post(notifications::codeOutput, message);
 }
 
-// ---- Recent files ---------------------------------------------------------------------------------------------------
-
-void AppState::setRecentFiles(const QList<QUrl>& recentFiles)
-{
-    if (recentFiles_ == recentFiles) {
-        return;
-    }
-    recentFiles_ = recentFiles;
-    Q_EMIT recentFilesChanged();
-}
-
-void AppState::addToRecentFiles(const QUrl& url)
-{
-    putInRecentFiles({url});
-}
-
-void AppState::putInRecentFiles(const QList<QUrl>& urls)
-{
-    if (urls.isEmpty()) {
-        return;
-    }
-    QList<QUrl> files = recentFiles_;
-    for (const QUrl& url : urls) {
-        files.removeAll(url);
-        files.prepend(url);
-        files.resize(std::min(files.size(), mostRecentFiles));
-    }
-    setRecentFiles(files);
-    saveRecentFiles();
-}
-
-void AppState::loadRecentFiles()
-{
-    const std::optional<QByteArray> data = services_.userDefaults.data(recentFilesKey);
-    setRecentFiles(data ? existingFiles(decodeURLs(*data).value_or(QList<QUrl>())) : QList<QUrl>());
-}
-
-void AppState::saveRecentFiles()
-{
-    services_.userDefaults.setData(recentFilesKey, encodeURLs(recentFiles_));
-}
-
-// ---- Flags ----------------------------------------------------------------------------------------------------------
-
-void AppState::setShowSidebar(bool show)
-{
-    if (std::exchange(showSidebar_, show) != show) {
-        Q_EMIT showSidebarChanged();
-    }
-}
-
-void AppState::setShowBottomPanel(bool show)
-{
-    if (std::exchange(showBottomPanel_, show) != show) {
-        Q_EMIT showBottomPanelChanged();
-    }
-}
-
-void AppState::setShowMinimap(bool show)
-{
-    if (std::exchange(showMinimap_, show) != show) {
-        Q_EMIT showMinimapChanged();
-    }
-}
-
-void AppState::setShowSearch(bool show)
-{
-    if (std::exchange(showSearch_, show) != show) {
-        Q_EMIT showSearchChanged();
-    }
-}
-
-void AppState::setShowQuickOpen(bool show)
-{
-    if (std::exchange(showQuickOpen_, show) != show) {
-        Q_EMIT showQuickOpenChanged();
-    }
-}
-
-void AppState::setShowGoToLine(bool show)
-{
-    if (std::exchange(showGoToLine_, show) != show) {
-        Q_EMIT showGoToLineChanged();
-    }
-}
-
-void AppState::setShowCloneDialog(bool show)
-{
-    if (std::exchange(showCloneDialog_, show) != show) {
-        Q_EMIT showCloneDialogChanged();
-    }
-}
-
-void AppState::setSearchMode(SearchMode mode)
-{
-    if (std::exchange(searchMode_, mode) != mode) {
-        Q_EMIT searchModeChanged();
-    }
-}
-
-void AppState::setBottomPanelTab(BottomPanelTab tab)
-{
-    if (std::exchange(bottomPanelTab_, tab) != tab) {
-        Q_EMIT bottomPanelTabChanged();
-    }
-}
+// ---- The project ----------------------------------------------------------------------------------------------------
 
 void AppState::setCurrentProject(const std::optional<QUrl>& project)
 {
