@@ -1,0 +1,44 @@
+"""What the journeys share that find controls as a screen reader does: by their names, wherever they stand."""
+
+import json
+import os
+import pathlib
+import subprocess
+
+
+def start(journey):
+    """A session bus of the journey's own, on which the program tells what it shows. Before the program is started."""
+    read, write = os.pipe()
+    journey.spawn("dbus-daemon", "--session", "--nofork", f"--print-address={write}", pass_fds=(write,))
+    os.close(write)
+    with os.fdopen(read) as addresses:
+        journey.environment["DBUS_SESSION_BUS_ADDRESS"] = addresses.readline().strip()
+    journey.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+    journey.spawn("/usr/libexec/at-spi-bus-launcher", "--launch-immediately")
+
+
+def nodes(journey):
+    """All that the program shows: dictionaries with role, name, text, states and place (x, y, width, height)."""
+    look = pathlib.Path(__file__).with_name("look_at_accessible.py")
+    result = subprocess.run(("/usr/bin/python3", look), env=journey.environment, capture_output=True, check=False,
+                            timeout=60)
+    return json.loads(result.stdout or b"[]")
+
+
+def find(journey, name, role=None, which=0):
+    """Waits for a control with just this name that is to be seen."""
+    def seen():
+        found = [node for node in nodes(journey)
+                 if node["name"] == name and role in (None, node["role"]) and "showing" in node["states"]]
+        return found[which] if found and which < len(found) else None
+    return journey.until(seen, f"a control named {name!r}")
+
+
+def middle(node):
+    x, y, width, height = node["place"]
+    return x + width // 2, y + height // 2
+
+
+def click(journey, name, role=None, button=1, which=0):
+    """Clicks on a control by its name, with the pointer."""
+    journey.click(*middle(find(journey, name, role, which)), button)

@@ -1,0 +1,131 @@
+"""A day with a repository, by the panel: clone, edit, stage a hunk, commit, push, pull into a conflict, resolve."""
+
+import subprocess
+
+import accessible
+
+LINES = [f"line {number}\n" for number in range(1, 41)]
+
+
+def go(journey):
+    accessible.start(journey)
+    git = Git(journey)
+    (journey.home / ".gitconfig").write_text("[user]\nname = A Person\nemail = a@b.c\n[init]\ndefaultBranch = main\n")
+    there = journey.home / "there.git"
+    git("init", "--bare", there)
+    other = journey.home / "other"
+    git("clone", there, other)
+    (other / "notes.txt").write_text("".join(LINES))
+    git("-C", other, "add", ".")
+    git("-C", other, "commit", "-m", "First")
+    git("-C", other, "push", "origin", "main")
+
+    # Clone.
+    program = journey.start()
+    accessible.click(journey, "Source Control", "radio button")
+    accessible.click(journey, "Clone Repository…", "push button")
+    accessible.click(journey, "Remote URL", "text")
+    journey.type(str(there))
+    here = journey.home / "here"
+    accessible.click(journey, "Choose")
+    accessible.find(journey, "Directory:", "text")
+    journey.type(str(journey.home))
+    journey.key("Return")
+    accessible.click(journey, "Folder name", "text")
+    journey.key("ctrl+a")
+    journey.type("here")
+    accessible.click(journey, "Clone", "push button")
+    journey.until(lambda: (here / "notes.txt").exists(), "the clone")
+    accessible.find(journey, "Push")
+
+    # Edit two places, and commit the first of them alone.
+    edited = LINES.copy()
+    edited[1] = "second line, edited\n"
+    edited[37] = "third line from the end, edited\n"
+    journey.second_start(here / "notes.txt")
+    journey.until(lambda: journey.key("ctrl+a", "ctrl+c") or journey.clipboard() == "".join(LINES), "the file")
+    journey.key("ctrl+Home", "Down", "shift+End")
+    journey.type("second line, edited")
+    journey.key("ctrl+End", "Up", "Up", "Up", "Home", "shift+End")
+    journey.type("third line from the end, edited")
+    journey.key("ctrl+s")
+    journey.until_file(here / "notes.txt", "".join(edited))
+    accessible.click(journey, "Refresh")
+    accessible.click(journey, "notes.txt (modified)")
+    accessible.click(journey, "Stage hunk @@ -1,5 +1,5 @@ of notes.txt")
+    journey.until(lambda: "+second" in git("-C", here, "diff", "--cached"), "the staged hunk")
+    journey.check("+third" not in git("-C", here, "diff", "--cached"), "the other hunk is staged as well")
+    accessible.click(journey, "Close", which=-1)
+    commit(journey, "Edit the second line")
+    journey.until(lambda: said(git, here) == "Edit the second line", "the commit")
+    journey.check("+third" in git("-C", here, "diff"), "the other hunk is not left")
+
+    # The rest, and all of it to where it came from.
+    accessible.click(journey, "Stage All")
+    commit(journey, "Edit the end")
+    journey.until(lambda: said(git, here) == "Edit the end", "the second commit")
+    accessible.click(journey, "Push")
+    journey.until(lambda: said(git, there, "main") == "Edit the end", "the push")
+
+    # Somebody else edits the same line.
+    git("-C", other, "pull")
+    (other / "notes.txt").write_text("".join(edited).replace("second line, edited", "by somebody else"))
+    git("-C", other, "commit", "-am", "Theirs")
+    git("-C", other, "push")
+    journey.click(*TEXT)
+    journey.key("ctrl+Home", "Down", "shift+End")
+    journey.type("mine")
+    journey.key("ctrl+s")
+    journey.until_file(here / "notes.txt", "".join(edited).replace("second line, edited", "mine"))
+    accessible.click(journey, "Refresh")
+    accessible.click(journey, "Stage All")
+    commit(journey, "Mine")
+    journey.until(lambda: said(git, here) == "Mine", "the third commit")
+    accessible.click(journey, "Pull")
+    accessible.find(journey, "notes.txt (conflicted)")
+
+    # Both lines, and on.
+    journey.click(*TEXT)
+    journey.key("ctrl+a")
+    journey.type("of both")
+    journey.key("Return", "ctrl+s")
+    journey.until_file(here / "notes.txt", "of both\n")
+    accessible.click(journey, "Refresh")
+    accessible.click(journey, "Stage All")
+    commit(journey, "Both")
+    journey.until(lambda: said(git, here) == "Both", "the resolving commit")
+    journey.key("ctrl+grave")
+    journey.until(lambda: any("$" in (node["text"] or "") for node in accessible.nodes(journey)), "the prompt")
+    journey.type(f"git -C {here} rebase --continue")
+    journey.key("Return")
+    journey.until(lambda: git("-C", here, "branch", "--show-current").strip() == "main", "the end of the rebase")
+    accessible.click(journey, "Push")
+    journey.until(lambda: said(git, there, "main") == "Both", "the second push")
+    journey.key("ctrl+q")
+    journey.ended(program)
+
+
+# A place in the text, behind what stands there.
+TEXT = (900, 700)
+
+
+def commit(journey, message):
+    accessible.click(journey, "Commit message")
+    journey.type(message)
+    accessible.click(journey, "Commit")
+
+
+def said(git, folder, branch="HEAD"):
+    """The message of the last commit."""
+    return git("-C", folder, "log", "-1", "--format=%s", branch).strip()
+
+
+class Git:
+    def __init__(self, journey):
+        self.journey = journey
+
+    def __call__(self, *words):
+        result = subprocess.run(("git", *map(str, words)), env=self.journey.environment, capture_output=True, text=True,
+                                check=False)
+        self.journey.check(result.returncode == 0, result.stderr)
+        return result.stdout
