@@ -34,6 +34,7 @@ private Q_SLOTS:
     void hooksDoNotRunForWhatIsRead();
     void submoduleRunsNothing_data();
     void submoduleRunsNothing();
+    void signatureIsNotLookedAt();
     void missingObjectIsNotFetchedByAForeignProgram();
     void missingObjectIsFetchedInAnOrdinaryClone();
     void programsOfThePersonGoOnWorking();
@@ -239,6 +240,28 @@ void ForeignProgramsTest::submoduleRunsNothing()
     takeMarker();
     QVERIFY(git_->diff(u"sub \"x\""_s, false).contains(u"+Subproject commit"_s));
     QVERIFY(!takeMarker());
+}
+
+void ForeignProgramsTest::signatureIsNotLookedAt()
+{
+    const QByteArray tree = repository_->git({u"write-tree"_s}).trimmed();
+    const ProcessResult signedCommit = repository_->tryGit(
+        {u"hash-object"_s, u"-t"_s, u"commit"_s, u"-w"_s, u"--stdin"_s},
+        "tree " + tree +
+            "\nauthor A <a@b> 1700000000 +0000\ncommitter A <a@b> 1700000000 +0000\n"
+            "gpgsig -----BEGIN PGP SIGNATURE-----\n \n abc\n -----END PGP SIGNATURE-----\n\nsigned\n");
+    repository_->git({u"reset"_s, u"-q"_s, QString::fromLatin1(signedCommit.standardOutput.trimmed())});
+    for (const QString& key : {u"gpg.program"_s, u"gpg.openpgp.program"_s}) {
+        set(key, program());
+        set(u"log.showSignature"_s, u"true"_s);
+        readEverything();
+        QVERIFY(!takeMarker());
+        QCOMPARE(git_->log(10).size(), 1);
+        set(u"log.showSignature"_s, u"false"_s);
+        set(u"format.pretty"_s, u"%G? %s"_s);
+        readEverything();
+        QVERIFY(!takeMarker());
+    }
 }
 
 void ForeignProgramsTest::missingObjectIsNotFetchedByAForeignProgram()
