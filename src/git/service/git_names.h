@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <QStringView>
 
 #include <optional>
 
@@ -23,10 +22,6 @@ struct GitFileNames
 
     bool operator==(const GitFileNames&) const = default;
 };
-
-/// A name without the quotes that git puts around it where it holds blanks, quotes, control characters or bytes beyond
-/// ASCII. A name that stands without quotes, or whose quoting git would not write, is given as it is.
-QString unquotedName(QStringView name);
 
 /// The names in an entry's path. Only an entry that is renamed or copied has two: "old -> new" is a name like any other
 /// for the rest.
