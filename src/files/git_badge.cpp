@@ -1,5 +1,6 @@
 #include "files/git_badge.h"
 
+#include "git/service/git_names.h"
 #include "platform/files/file_url.h"
 
 #include <algorithm>
@@ -13,16 +14,17 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
     }
     root_ = folderPrefix(*repoURL);
     for (const GitFileStatus& file : status) {
-        const bool isKnown = files_.contains(file.path);
+        const QString path = namesOf(file).current;
+        const bool isKnown = files_.contains(path);
         if (!isKnown && (file.staged || file.unstaged)) {
-            files_.insert(file.path, fileStatusMark(file, false));
+            files_.insert(path, fileStatusMark(file, false));
         }
         const auto is = [&file](GitFileChange change) { return file.staged == change || file.unstaged == change; };
         const FolderState state = is(GitFileChange::conflicted)  ? FolderState::conflicted
                                   : is(GitFileChange::untracked) ? FolderState::untracked
                                                                  : FolderState::modified;
-        for (qsizetype slash = file.path.indexOf(u'/'); slash >= 0; slash = file.path.indexOf(u'/', slash + 1)) {
-            FolderState& folder = folders_[file.path.left(slash)];
+        for (qsizetype slash = path.indexOf(u'/'); slash >= 0; slash = path.indexOf(u'/', slash + 1)) {
+            FolderState& folder = folders_[path.left(slash)];
             folder = std::max(folder, state);
         }
     }
@@ -30,7 +32,7 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
 
 std::optional<FileStatusMark> GitBadges::badge(const FileItem& item) const
 {
-    const QString path = item.url.toLocalFile();
+    const QString path = filePath(item.url);
     if (root_.isEmpty() || !path.startsWith(root_) || path.size() == root_.size()) {
         return std::nullopt;
     }

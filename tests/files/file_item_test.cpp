@@ -73,6 +73,7 @@ private Q_SLOTS:
     void badgesOfFiles();
     void badgesOfFolders_data();
     void badgesOfFolders();
+    void badgesGoByTheRealName();
     void withoutARepositoryNothingHasABadge();
     void rootAndOutsideHaveNone();
 };
@@ -248,6 +249,18 @@ void FileItemTest::badgesOfFolders()
     const GitBadges badges(status, QUrl::fromLocalFile(u"/repo"_s));
     const auto badge = badges.badge(fixture.item(u"dir"_s, true));
     QCOMPARE(badge ? badge->letter : QString(), letter);
+}
+
+void FileItemTest::badgesGoByTheRealName()
+{
+    const Fixture fixture;
+    const GitBadges badges({entry(u"\"d r/a b\""_s, {}, GitFileChange::untracked),
+                            entry(u"old -> \"\\355\\225\\234\""_s, GitFileChange::renamed, {})},
+                           QUrl::fromLocalFile(u"/repo"_s));
+    QCOMPARE(badges.badge(fixture.item(u"d r/a b"_s, false))->letter, u"U"_s);
+    QCOMPARE(badges.badge(fixture.item(u"d r"_s, true))->letter, u"U"_s);
+    QCOMPARE(badges.badge(fixture.item(u"한"_s, false))->letter, u"R"_s);
+    QVERIFY(!badges.badge(fixture.item(u"old"_s, false)));
 }
 
 void FileItemTest::withoutARepositoryNothingHasABadge()

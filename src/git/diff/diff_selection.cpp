@@ -1,14 +1,37 @@
 #include "git/diff/diff_selection.h"
 
+#include "platform/text/quoted_name.h"
+#include "platform/text/shown_name.h"
+
 #include <QStringList>
 
 #include <algorithm>
 
 namespace kelm {
 
+namespace {
+
+/// The new name of a file whose name git has quoted, which the parser does not find; empty where there is none.
+QString quotedPath(const DiffFile& file)
+{
+    constexpr QStringView mark = u" \"b/";
+    for (const DiffLine& line : file.preamble) {
+        const qsizetype start = line.text.indexOf(mark);
+        const bool isNamed = line.text.startsWith(u"diff --git ") || line.text.startsWith(u"+++ ");
+        const QStringView name = isNamed && start >= 0 ? QStringView(line.text).sliced(start + 1) : QStringView();
+        if (!name.isEmpty() && quotedNameLength(name) == name.size()) {
+            return unquotedName(name).sliced(2);
+        }
+    }
+    return {};
+}
+
+} // namespace
+
 QString shownPath(const DiffFile& file)
 {
-    return file.path.isEmpty() ? QStringLiteral("(diff)") : file.path;
+    const QString path = file.path.isEmpty() ? quotedPath(file) : file.path;
+    return path.isEmpty() ? QStringLiteral("(diff)") : shownName(path);
 }
 
 const DiffLine* lineOn(SideBySideHunkLines::Side side, const DiffLayout& layout, qsizetype file, qsizetype hunk,

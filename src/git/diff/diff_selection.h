@@ -39,7 +39,8 @@ struct DiffSelection
     bool isEmpty() const { return anchor == caret; }
 };
 
-/// The path as it is shown.
+/// The path as it is shown: without the quotes of git, with a sign for each character that is not seen, and "(diff)"
+/// for a file that has none.
 QString shownPath(const DiffFile& file);
 
 /// The line that one side of an entry shows; null where it shows none. In the unified form both sides are the same.

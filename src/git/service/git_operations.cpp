@@ -1,5 +1,7 @@
 #include "git/service/git_operations.h"
 
+#include <algorithm>
+
 namespace kelm {
 
 namespace {
@@ -36,6 +38,16 @@ QStringList GitOperation::arguments(const QStringList& given) const
         }
     }
     return result;
+}
+
+std::optional<QString> GitOperation::refusalOf(const QStringList& given) const
+{
+    for (qsizetype at = 0; at < std::min(given.size(), qsizetype(kinds.size())); ++at) {
+        if (auto sentence = refusal(kinds.at(std::size_t(at)), given.at(at))) {
+            return sentence;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace kelm

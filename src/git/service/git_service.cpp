@@ -1,6 +1,8 @@
 #include "git/service/git_service.h"
 
+#include "git/service/foreign_programs.h"
 #include "git/service/git_worker.h"
+#include "git/service/repository_files.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 
@@ -10,7 +12,10 @@
 namespace kelm {
 
 GitService::GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent)
-    : QObject(parent), runner_(std::move(runner)), alive_(std::make_shared<const bool>(true))
+    : QObject(parent),
+      runner_(std::move(runner)),
+      foreignPrograms_(std::make_unique<ForeignProgramFinder>(runner_)),
+      alive_(std::make_shared<const bool>(true))
 {}
 
 GitService::~GitService() = default;
@@ -30,6 +35,11 @@ bool GitService::open(const QUrl& folder)
     QString candidate = QDir::cleanPath(QFileInfo(filePath(folder)).absoluteFilePath());
     for (int tried = 1;; ++tried) {
         if (isThere(QDir(candidate).filePath(QStringLiteral(".git")))) {
+            // Git would read it to its end, which a pipe may not have.
+            if (const auto files = RepositoryFiles::of(candidate); files && !files->hasReadableHead()) {
+                clearState();
+                return false;
+            }
             repoURL_ = urlOfFile(candidate);
             refreshAll();
             return true;

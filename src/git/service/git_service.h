@@ -17,6 +17,7 @@
 
 namespace kelm {
 
+class ForeignProgramFinder;
 struct GitOperation;
 
 /// Keeps a snapshot of the open repository and runs git for the user.
@@ -24,6 +25,9 @@ struct GitOperation;
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
 /// fetch, pull, push and clone run on the global thread pool and come back to the main thread. Nothing watches the file
 /// system: the snapshot changes when a refresh is called. There is no timeout, and no git that runs is ever ended.
+///
+/// A name that git would take for an option or that holds a control character is refused before git is started: the
+/// result is a failure with one sentence, which goes to `lastError`, and no refresh follows.
 ///
 /// Each write of an observable member is signalled, equal values included. `repoURL` is not observable by itself:
 /// whatever sets it writes the other members behind it.
@@ -73,7 +77,9 @@ public:
     /// The first of the usual places where git is executable; "/usr/bin/git" when it is nowhere, so that the failure
     /// comes from the launch. The answer is never kept.
     static QString findGit(const PathTest& isExecutable = {});
-    /// git with `args` in the folder `cwd`, the environment and the standard input being the application's own.
+    /// git with `args` in the folder `cwd`, the standard input being the application's own. Its environment holds what
+    /// keeps names from being patterns, git from asking where nobody answers, and a command that only reads from
+    /// running what the repository brings along (`gitEnvironment`).
     static ProcessCommand makeProcess(const QStringList& args, const QString& cwd);
     /// The standard output of git in the open repository. Absent when none is open, when git cannot be launched, when
     /// it fails without output, and when its output is not UTF-8. A git that fails and prints is present, as a success
@@ -93,7 +99,7 @@ public:
     // The snapshot.
 
     /// Opens the repository that holds `folder`, looking at no more than ten folders upwards, and refreshes everything.
-    /// False, with the state cleared, when there is none.
+    /// False, with the state cleared, when there is none, or one whose HEAD is a pipe or of no sensible length.
     bool open(const QUrl& folder);
     void clearState();
 
@@ -108,6 +114,8 @@ public:
 
     /// The unified diff of one path; empty on any failure.
     QString diff(const QString& file, bool staged);
+    /// The same of several, which shows a rename as one when both of its names are given.
+    QString diff(const QStringList& files, bool staged);
     /// The newest `limit` commits, newest first.
     QList<GitCommit> log(qint64 limit);
     QList<GitCommit> fileLog(const QString& path, qint64 limit);
@@ -115,7 +123,8 @@ public:
     QString showCommit(const QString& sha);
     QList<GitBlameLine> blame(const QString& path);
 
-    // Operations on the working tree and the index.
+    // Operations on the working tree and the index. Paths are the names of files as they are (`git_names.h`), never
+    // patterns.
 
     void stage(const QStringList& paths);
     void unstage(const QStringList& paths);
@@ -139,6 +148,8 @@ public:
     // Branches, remotes, stashes, tags.
 
     GitOpResult createBranch(const QString& name, bool checkout);
+    /// Refused where the name is no branch's, neither here nor of a remote: git would take it for a file, and throw
+    /// its changes away.
     GitOpResult checkoutBranch(const QString& name);
     GitOpResult deleteBranch(const QString& name, bool force);
     GitOpResult renameBranch(const QString& from, const QString& to);
@@ -206,7 +217,14 @@ private:
     /// `run` for an operation of the table, and then its refreshes. Whether git printed anything.
     bool performForOutput(const GitOperation& operation, const QStringList& given);
     void refreshAfter(const GitOperation& operation);
+    /// A failure for which git was not started; its sentence goes to `lastError` as git's words would.
+    GitOpResult refuse(const QString& sentence);
+    void refuseAtOnce(const QString& sentence, const Completion& onDone);
+    bool isNameOfAFile(const QString& name) const;
     Worker worker();
+    /// git with `args` in the open repository. A command that only reads is kept from running programs which the
+    /// repository has named.
+    ProcessCommand makeProcess(const QStringList& args);
     QString repoPath() const;
     /// Trimmed output of `config <key>`; absent when the key has no value.
     std::optional<QString> configValue(const QString& key);
@@ -228,6 +246,7 @@ private:
     std::optional<QUrl> repoURL_;
 
     std::shared_ptr<ProcessRunner> runner_;
+    std::unique_ptr<ForeignProgramFinder> foreignPrograms_;
     /// Tells other threads whether the service is still there.
     std::shared_ptr<const bool> alive_;
 };

@@ -1,4 +1,5 @@
 // Operations that go to other repositories, and new repositories.
+#include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
 #include "git/service/git_worker.h"
 
@@ -16,6 +17,10 @@ namespace kelm {
 
 void GitService::push(const std::optional<QString>& setUpstreamFor, Completion onDone)
 {
+    if (const auto sentence = refusal(GitNameKind::branch, setUpstreamFor.value_or(QString()))) {
+        refuseAtOnce(*sentence, onDone);
+        return;
+    }
     runAsync(branchedArgs({u"push"_s}, setUpstreamFor),
              refreshingFirst(&GitService::refreshAfterTransfer, std::move(onDone)));
 }
@@ -28,6 +33,10 @@ void GitService::pull(bool rebase, Completion onDone)
 
 void GitService::fetch(const std::optional<QString>& remote, bool prune, Completion onDone)
 {
+    if (const auto sentence = refusal(GitNameKind::remote, remote.value_or(QString()))) {
+        refuseAtOnce(*sentence, onDone);
+        return;
+    }
     QStringList args{u"fetch"_s};
     if (prune) {
         args.append(u"--prune"_s);
@@ -36,6 +45,14 @@ void GitService::fetch(const std::optional<QString>& remote, bool prune, Complet
         args.append(*remote);
     }
     runAsync(args, refreshingFirst(&GitService::refreshAfterTransfer, std::move(onDone)));
+}
+
+void GitService::refuseAtOnce(const QString& sentence, const Completion& onDone)
+{
+    const GitOpResult result = refuse(sentence);
+    if (onDone) {
+        onDone(result);
+    }
 }
 
 GitService::Completion GitService::refreshingFirst(void (GitService::*refresh)(), Completion onDone)
@@ -61,11 +78,16 @@ QStringList GitService::branchedArgs(const QStringList& args, const std::optiona
     if (!setUpstreamFor || setUpstreamFor->isEmpty()) {
         return args;
     }
-    return args + QStringList{u"-u"_s, u"origin"_s, *setUpstreamFor};
+    // A push takes "+x" for x by force, and "tag" for the word before a tag's name.
+    const bool isMisread = setUpstreamFor->startsWith(u'+') || *setUpstreamFor == u"tag";
+    return args + QStringList{u"-u"_s, u"origin"_s, (isMisread ? u"refs/heads/"_s : QString()) + *setUpstreamFor};
 }
 
 GitOpResult GitService::initRepo(const QUrl& at, const QString& defaultBranch)
 {
+    if (const auto sentence = refusal(GitNameKind::branch, defaultBranch)) {
+        return refuse(*sentence);
+    }
     const QString folder = at.toLocalFile();
     if (!QFileInfo::exists(folder)) {
         std::error_code error;
@@ -85,6 +107,14 @@ GitOpResult GitService::initRepo(const QUrl& at, const QString& defaultBranch)
 void GitService::cloneRepo(const QString& url, const QUrl& into, Completion onDone)
 {
     const QFileInfo target(QDir::cleanPath(into.toLocalFile()));
+    auto sentence = refusal(GitNameKind::url, url);
+    if (!sentence) {
+        sentence = refusal(GitNameKind::folder, target.fileName());
+    }
+    if (sentence) {
+        refuseAtOnce(*sentence, onDone);
+        return;
+    }
     worker().runInBackground(makeProcess({u"clone"_s, url, target.fileName()}, target.path()),
                              [into, onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
                                  if (result.isSuccess() && service != nullptr) {

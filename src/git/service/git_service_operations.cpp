@@ -1,6 +1,15 @@
 // What the user does to the repository on this machine. Each operation ends with its refreshes, whatever came of it.
+#include "git/service/checkout_target.h"
+#include "git/service/git_names.h"
 #include "git/service/git_operations.h"
 #include "git/service/git_service.h"
+#include "git/service/git_worker.h"
+#include "platform/files/native_path.h"
+#include "platform/text/shown_name.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,9 +26,18 @@ bool isGiven(const std::optional<QString>& text)
 
 GitOpResult GitService::perform(const GitOperation& operation, const QStringList& given)
 {
+    if (const auto sentence = operation.refusalOf(given)) {
+        return refuse(*sentence);
+    }
     GitOpResult result = runOp(operation.arguments(given));
     refreshAfter(operation);
     return result;
+}
+
+GitOpResult GitService::refuse(const QString& sentence)
+{
+    worker().queueLastError(sentence);
+    return GitOpResult::failure(sentence);
 }
 
 bool GitService::performForOutput(const GitOperation& operation, const QStringList& given)
@@ -55,7 +73,15 @@ void GitService::stageAll()
 
 void GitService::discardChanges(const QStringList& paths)
 {
-    performForOutput(gitOperations::discardChanges, paths);
+    const auto untracked = std::find_if(paths.begin(), paths.end(), [this](const QString& path) {
+        return std::any_of(status_.begin(), status_.end(), [&path](const GitFileStatus& file) {
+            return file.unstaged == GitFileChange::untracked && namesOf(file).current == path;
+        });
+    });
+    const QString name = untracked == paths.end() ? QString() : *untracked;
+    if (!performForOutput(gitOperations::discardChanges, paths) && !name.isEmpty()) {
+        worker().queueLastError(u"Git has no version of \"%1\" to go back to."_s.arg(shownName(name)));
+    }
 }
 
 bool GitService::commit(const QString& message)
@@ -79,7 +105,28 @@ GitOpResult GitService::createBranch(const QString& name, bool checkout)
 
 GitOpResult GitService::checkoutBranch(const QString& name)
 {
-    return perform(gitOperations::checkoutBranch, {name});
+    const GitOperation& operation = gitOperations::checkoutBranch;
+    if (!repoURL_ || operation.refusalOf({name})) {
+        return perform(operation, {name});
+    }
+    const CheckoutTarget target(name);
+    const QString references = run(target.question()).value_or(QString());
+    const auto branch = target.nameIn(references);
+    if (branch && (target.isLocalIn(references) || !isNameOfAFile(*branch))) {
+        return perform(operation, {*branch});
+    }
+    // A row that is no longer true goes.
+    refreshAfter(operation);
+    return refuse(branch
+                      ? u"\"%1\" is the name of a branch and of a file, and git would not know which is meant."_s.arg(
+                            shownName(name))
+                      : u"There is no branch \"%1\" any more."_s.arg(shownName(name)));
+}
+
+bool GitService::isNameOfAFile(const QString& name) const
+{
+    const QString path = repoPath() + u'/' + name;
+    return isThere(path) || QFileInfo(path).isSymLink();
 }
 
 GitOpResult GitService::deleteBranch(const QString& name, bool force)

@@ -1,7 +1,10 @@
 // Finding, building and running git.
+#include "git/service/foreign_programs.h"
+#include "git/service/git_environment.h"
 #include "git/service/git_service.h"
 #include "git/service/git_worker.h"
 #include "platform/files/utf8_file.h"
+#include "platform/process/environment.h"
 
 #include <QFileInfo>
 
@@ -30,7 +33,19 @@ QString GitService::findGit(const PathTest& isExecutable)
 
 ProcessCommand GitService::makeProcess(const QStringList& args, const QString& cwd)
 {
-    return {.program = findGit(), .arguments = args, .workingDirectory = cwd};
+    return {.program = findGit(),
+            .arguments = args,
+            .workingDirectory = cwd,
+            .environment = gitEnvironment(args, applicationEnvironment())};
+}
+
+ProcessCommand GitService::makeProcess(const QStringList& args)
+{
+    ProcessCommand process = makeProcess(args, repoPath());
+    if (onlyReads(args)) {
+        replaceForeignPrograms(*process.environment, foreignPrograms_->find(repoPath(), args));
+    }
+    return process;
 }
 
 GitService::Worker GitService::worker()
@@ -43,7 +58,7 @@ std::optional<QString> GitService::run(const QStringList& args)
     if (!repoURL_) {
         return std::nullopt;
     }
-    const ProcessResult result = runner_->run(makeProcess(args, repoPath()));
+    const ProcessResult result = runner_->run(makeProcess(args));
     if (result.launchError) {
         worker().queueLastError(*result.launchError);
         return std::nullopt;
@@ -70,7 +85,7 @@ GitOpResult GitService::runOp(const QStringList& args)
     if (!repoURL_) {
         return GitOpResult::failure(noRepository.toString());
     }
-    return runProcess(makeProcess(args, repoPath()));
+    return runProcess(makeProcess(args));
 }
 
 void GitService::runAsync(const QStringList& args, Completion onDone)
@@ -80,7 +95,7 @@ void GitService::runAsync(const QStringList& args, Completion onDone)
         return;
     }
     assign(isBusy_, true, &GitService::isBusyChanged);
-    worker().runInBackground(makeProcess(args, repoPath()),
+    worker().runInBackground(makeProcess(args),
                              [onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
                                  if (service != nullptr) {
                                      service->assign(service->isBusy_, false, &GitService::isBusyChanged);
@@ -100,7 +115,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
         args.append(QStringLiteral("--reverse"));
     }
     args.append(QStringLiteral("-"));
-    ProcessCommand process = makeProcess(args, repoPath());
+    ProcessCommand process = makeProcess(args);
     // A text that has no UTF-8 form is an empty patch, which git refuses.
     process.standardInput = patch.isValidUtf16() ? encodeUtf8Text(patch) : QByteArray();
 

@@ -2,6 +2,7 @@
 #include "git/service/ahead_behind_parser.h"
 #include "git/service/blame_parser.h"
 #include "git/service/branch_parser.h"
+#include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
 #include "git/service/log_parser.h"
 #include "git/service/remote_parser.h"
@@ -89,8 +90,13 @@ void GitService::refreshTags()
 
 QString GitService::diff(const QString& file, bool staged)
 {
-    return run(staged ? QStringList{u"diff"_s, u"--cached"_s, u"--"_s, file} : QStringList{u"diff"_s, u"--"_s, file})
-        .value_or(QString());
+    return diff(QStringList{file}, staged);
+}
+
+QString GitService::diff(const QStringList& files, bool staged)
+{
+    const QStringList args = staged ? QStringList{u"diff"_s, u"--cached"_s, u"--"_s} : QStringList{u"diff"_s, u"--"_s};
+    return run(args + files).value_or(QString());
 }
 
 QList<GitCommit> GitService::log(qint64 limit)
@@ -105,6 +111,10 @@ QList<GitCommit> GitService::fileLog(const QString& path, qint64 limit)
 
 QString GitService::showCommit(const QString& sha)
 {
+    if (const auto sentence = refusal(GitNameKind::commit, sha)) {
+        refuse(*sentence);
+        return {};
+    }
     return run({u"show"_s, u"--no-color"_s, sha}).value_or(QString());
 }
 
@@ -115,6 +125,10 @@ QList<GitBlameLine> GitService::blame(const QString& path)
 
 QString GitService::stashShow(const QString& stash)
 {
+    if (const auto sentence = refusal(GitNameKind::stash, stash)) {
+        refuse(*sentence);
+        return {};
+    }
     return run({u"stash"_s, u"show"_s, u"-p"_s, stash}).value_or(QString());
 }
 

@@ -3,9 +3,28 @@
 #include "platform/files/native_path.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace kelm {
+
+namespace {
+
+/// An entry of the environment. A variable that the application has as well keeps its bytes, which its text may not
+/// tell.
+QByteArray variable(const QString& name, const QString& value)
+{
+    const QByteArray nativeName = nativePath(name);
+    const char* const own = std::getenv(nativeName.constData());
+    return nativeName + '=' + (own != nullptr && QString::fromUtf8(own) == value ? QByteArray(own) : nativePath(value));
+}
+
+bool isRawText(const QString& text)
+{
+    return holdsRawBytes(text);
+}
+
+} // namespace
 
 RawCommand::Texts::Texts(std::vector<QByteArray> texts) : texts_(std::move(texts))
 {
@@ -18,9 +37,10 @@ RawCommand::Texts::Texts(std::vector<QByteArray> texts) : texts_(std::move(texts
 
 std::optional<RawCommand> RawCommand::of(const ProcessCommand& command)
 {
-    const bool isRaw = holdsRawBytes(command.program) || holdsRawBytes(command.workingDirectory) ||
-                       std::any_of(command.arguments.begin(), command.arguments.end(),
-                                   [](const QString& argument) { return holdsRawBytes(argument); });
+    const bool isRaw =
+        holdsRawBytes(command.program) || holdsRawBytes(command.workingDirectory) ||
+        std::any_of(command.arguments.begin(), command.arguments.end(), isRawText) ||
+        (command.environment && std::any_of(command.environment->begin(), command.environment->end(), isRawText));
     return isRaw ? std::optional(RawCommand(command)) : std::nullopt;
 }
 
@@ -35,7 +55,7 @@ RawCommand::RawCommand(const ProcessCommand& command)
     if (command.environment) {
         std::vector<QByteArray> variables;
         for (auto entry = command.environment->cbegin(); entry != command.environment->cend(); ++entry) {
-            variables.push_back(nativePath(entry.key() + u'=' + entry.value()));
+            variables.push_back(variable(entry.key(), entry.value()));
         }
         environment_ = Texts(std::move(variables));
     }

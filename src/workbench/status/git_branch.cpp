@@ -1,6 +1,7 @@
 #include "workbench/status/git_branch.h"
 
 #include "platform/files/file_url.h"
+#include "platform/files/start_of_file.h"
 #include "platform/files/utf8_file.h"
 #include "platform/text/character_sets.h"
 
@@ -9,9 +10,11 @@ namespace kelm {
 std::optional<QString> gitBranch(const QUrl& project)
 {
     constexpr QStringView prefix = u"ref: refs/heads/";
-    const auto file = readUtf8File(folderPrefix(project) + QStringLiteral(".git/HEAD"));
-    const auto* const head = std::get_if<QString>(&file);
-    if (head == nullptr || !head->startsWith(prefix)) {
+    // No name of a branch is as long: it is one of a file as well.
+    constexpr qsizetype longest = 4096;
+    const auto start = startOfFile(folderPrefix(project) + QStringLiteral(".git/HEAD"), longest + 1);
+    const auto head = start && start->size() <= longest ? decodeUtf8Text(*start) : std::nullopt;
+    if (!head || !head->startsWith(prefix)) {
         return std::nullopt;
     }
     return trimmed(QStringView(*head).sliced(prefix.size()), isWhitespaceOrNewline).toString();

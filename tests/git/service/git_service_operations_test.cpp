@@ -334,20 +334,28 @@ void GitServiceOperationsTest::operationRunsItsCommandAndItsRefreshes()
     QCOMPARE(written.names, signalsOf(refreshes));
 
     openRepository();
+    // The branch that is checked out is looked for first.
+    const bool looksFirst = command == u"[checkout][b/c]";
+    const QStringList expected = (looksFirst ? QStringList{u"for-each-ref refs/remotes/**/b/c"_s} : QStringList()) +
+                                 QStringList{command} + refreshes;
+    const auto isLook = [](const ProcessCommand& each) { return each.arguments.contains(u"refs/heads/b/c"_s); };
+    runner_->setAnswer(
+        [isLook](const ProcessCommand& each) { return ended(0, isLook(each) ? "refs/heads/b/c\n" : ""); });
     QCOMPARE(operation(*service_), onSuccess);
-    const auto commands = runner_->takeCommands();
     QList<QStringList> arguments;
-    for (const ProcessCommand& each : commands) {
+    for (const ProcessCommand& each : runner_->takeCommands()) {
         QCOMPARE(each, GitService::makeProcess(each.arguments, repository_->path()));
         arguments.append(each.arguments);
     }
-    QCOMPARE(shortForms(arguments), QStringList{command} + refreshes);
+    QCOMPARE(shortForms(arguments), expected);
 
-    runner_->setAnswer([command](const ProcessCommand& each) {
-        return shortForm(each.arguments) == command ? ended(128, "", "fatal: no\n") : ended(0, "x\n");
+    runner_->setAnswer([command, isLook](const ProcessCommand& each) {
+        return shortForm(each.arguments) == command ? ended(128, "", "fatal: no\n")
+               : isLook(each)                       ? ended(0, "refs/heads/b/c\n")
+                                                    : ended(0, "x\n");
     });
     QCOMPARE(operation(*service_), onFailure);
-    QCOMPARE(shortForms(runner_->takeArguments()), QStringList{command} + refreshes);
+    QCOMPARE(shortForms(runner_->takeArguments()), expected);
     QTRY_COMPARE(service_->lastError(), u"fatal: no\n"_s);
     QVERIFY(!service_->isBusy());
 }

@@ -1,4 +1,6 @@
+#include "git/service/git_environment.h"
 #include "git/service/git_service.h"
+#include "platform/process/environment.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
@@ -31,7 +33,7 @@ private Q_SLOTS:
 
     void findGitTakesTheFirstExecutable_data();
     void findGitTakesTheFirstExecutable();
-    void processHasArgumentsAndFolderAndNothingElse();
+    void processHasArgumentsFolderAndEnvironment();
     void newServiceIsIdle();
     void withoutARepositoryNothingRuns();
     void runGivesTheOutputOrNothing_data();
@@ -113,13 +115,14 @@ void GitServiceProcessTest::findGitTakesTheFirstExecutable()
     QCOMPARE(tested.size(), 2 * tests);
 }
 
-void GitServiceProcessTest::processHasArgumentsAndFolderAndNothingElse()
+void GitServiceProcessTest::processHasArgumentsFolderAndEnvironment()
 {
-    const ProcessCommand process = GitService::makeProcess({u"log"_s, u"a b"_s, u"'\"$"_s}, u"/some/folder"_s);
+    const QStringList args{u"log"_s, u"a b"_s, u"'\"$"_s};
+    const ProcessCommand process = GitService::makeProcess(args, u"/some/folder"_s);
     QCOMPARE(process, (ProcessCommand{.program = GitService::findGit(),
-                                      .arguments = {u"log"_s, u"a b"_s, u"'\"$"_s},
-                                      .workingDirectory = u"/some/folder"_s}));
-    QVERIFY(!process.environment);
+                                      .arguments = args,
+                                      .workingDirectory = u"/some/folder"_s,
+                                      .environment = gitEnvironment(args, applicationEnvironment())}));
     QVERIFY(!process.standardInput);
     QVERIFY(!process.ownGroup);
 }

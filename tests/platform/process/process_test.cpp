@@ -38,6 +38,7 @@ private Q_SLOTS:
     void environmentIsInheritedUnchanged();
     void givenEnvironmentReplacesTheApplications();
     void bytesThatAreNoTextPassThroughTheEnvironment();
+    void bytesOfAVariableAloneArrive();
     void ofTwoVariablesOfOneNameTheFirstIsSeen();
     void argumentsArriveAsGiven_data();
     void argumentsArriveAsGiven();
@@ -153,6 +154,13 @@ void ProcessTest::namesThatAreNotUtf8Arrive()
     QCOMPARE(result.standardOutput, "a\xe9 b||" + folder + '\n');
     command.environment = {{u"GIVEN"_s, u"값"_s}};
     QCOMPARE(ProcessRunner::system().run(command).standardOutput, "a\xe9 b|값|" + folder + '\n');
+    command.environment = {{u"GIVEN"_s, pathOfNative("\xe9\xff")}};
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, "a\xe9 b|\xe9\xff|" + folder + '\n');
+    // What the application has keeps its bytes.
+    qputenv("GIVEN", "caf\xe9");
+    const auto restore = qScopeGuard([] { qunsetenv("GIVEN"); });
+    command.environment = applicationEnvironment();
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, "a\xe9 b|caf\xe9|" + folder + '\n');
     QCOMPARE(::unlink(program.constData()), 0);
     QVERIFY(ProcessRunner::system().run(command).launchError.has_value());
     QCOMPARE(::rmdir(folder.constData()), 0);
@@ -188,6 +196,13 @@ void ProcessTest::bytesThatAreNoTextPassThroughTheEnvironment()
     command.environment->insert(u"KELM_PROCESS_TEST"_s, u"caf\u00e9"_s);
     QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("caf\xc3\xa9"));
     qunsetenv("KELM_PROCESS_TEST");
+}
+
+void ProcessTest::bytesOfAVariableAloneArrive()
+{
+    ProcessCommand command{.program = u"/bin/sh"_s, .arguments = {u"-c"_s, u"printf %s \"$GIVEN\""_s}};
+    command.environment = {{u"GIVEN"_s, pathOfNative("caf\xe9")}};
+    QCOMPARE(ProcessRunner::system().run(command).standardOutput, QByteArray("caf\xe9"));
 }
 
 void ProcessTest::ofTwoVariablesOfOneNameTheFirstIsSeen()

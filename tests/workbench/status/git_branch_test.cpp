@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 namespace git_branch_test {
 
 using namespace kelm;
@@ -19,6 +21,8 @@ private Q_SLOTS:
     void theBranchComesFromHead_data();
     void theBranchComesFromHead();
     void withoutTheFileThereIsNone();
+    void aHugeFileIsNotRead();
+    void aPipeIsNotRead();
 };
 
 void GitBranchTest::theBranchComesFromHead_data()
@@ -57,6 +61,29 @@ void GitBranchTest::withoutTheFileThereIsNone()
     const QTemporaryDir folder;
     QCOMPARE(gitBranch(QUrl::fromLocalFile(folder.path())), std::nullopt);
     QVERIFY(QDir(folder.path()).mkpath(u".git/HEAD"_s));
+    QCOMPARE(gitBranch(QUrl::fromLocalFile(folder.path())), std::nullopt);
+}
+
+void GitBranchTest::aHugeFileIsNotRead()
+{
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(u".git"_s));
+    QFile file(folder.filePath(u".git/HEAD"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("ref: refs/heads/main\n");
+    // A hole that no memory could take.
+    if (!file.resize(qint64(1) << 40)) {
+        QVERIFY(file.resize(qint64(1) << 32));
+    }
+    file.close();
+    QCOMPARE(gitBranch(QUrl::fromLocalFile(folder.path())), std::nullopt);
+}
+
+void GitBranchTest::aPipeIsNotRead()
+{
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(u".git"_s));
+    QCOMPARE(::mkfifo(QFile::encodeName(folder.filePath(u".git/HEAD"_s)).constData(), 0600), 0);
     QCOMPARE(gitBranch(QUrl::fromLocalFile(folder.path())), std::nullopt);
 }
 

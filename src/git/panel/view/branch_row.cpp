@@ -1,5 +1,7 @@
 #include "git/panel/view/branch_row.h"
 
+#include "platform/text/shown_name.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -10,14 +12,14 @@ Row BranchRow::content() const
     Row row;
     row.symbol = isCurrent ? u"checkmark.circle.fill"_s : u"circle"_s;
     row.symbolTint = isCurrent ? Tint::accent() : Tint::secondary();
-    row.firstLine = {{.text = branch.name, .font = fonts.body, .elideMode = Qt::ElideMiddle}};
-    row.help = branch.name;
+    row.firstLine = {{.text = shownName(branch.name), .font = fonts.body, .elideMode = Qt::ElideMiddle}};
+    row.help = shownName(branch.name);
     if (isCurrent) {
         row.help += u" (current)"_s;
     }
     if (branch.upstream) {
-        row.firstLine.append({.text = *branch.upstream, .font = fonts.caption, .tint = Tint::secondary()});
-        row.help += u", follows "_s + *branch.upstream;
+        row.firstLine.append({.text = shownName(*branch.upstream), .font = fonts.caption, .tint = Tint::secondary()});
+        row.help += u", follows "_s + shownName(*branch.upstream);
     }
     if (!isCurrent) {
         row.actions = {{u"Checkout"_s, u"arrow.right.circle"_s, onCheckout},
@@ -31,8 +33,8 @@ Row RemoteBranchRow::content() const
 {
     Row row;
     row.symbol = u"cloud"_s;
-    row.firstLine = {{.text = branch.name, .font = RowFonts::standard().body, .elideMode = Qt::ElideMiddle}};
-    row.help = branch.name;
+    row.firstLine = {{.text = shownName(branch.name), .font = RowFonts::standard().body, .elideMode = Qt::ElideMiddle}};
+    row.help = shownName(branch.name);
     row.actions = {{u"Checkout (create local tracking branch)"_s, u"arrow.right.circle"_s, onCheckout}};
     return row;
 }

@@ -5,6 +5,7 @@
 #include "git/service/git_service.h"
 #include "git/service/remote_branch_checkout.h"
 #include "platform/text/character_sets.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/confirmation_dialog.h"
 #include "platform/view/panel_controls.h"
 #include "platform/view/row_list.h"
@@ -76,8 +77,9 @@ void BranchesTab::askToMerge(const GitBranch& branch)
 {
     showingMergePicker_ = branch;
     const auto merge = [&git = git_, name = branch.name] { git.mergeBranch(name); };
-    auto* dialog = new ConfirmationDialog(u"Merge "_s + branch.name + u" into "_s + git_.branch() + u'?',
-                                          {{tr("Merge"), inThisRepository(git_, merge)}}, window());
+    auto* dialog =
+        new ConfirmationDialog(u"Merge "_s + shownName(branch.name) + u" into "_s + shownName(git_.branch()) + u'?',
+                               {{tr("Merge"), inThisRepository(git_, merge)}}, window());
     closeWithRepository(*dialog, git_);
     connect(dialog, &QDialog::finished, this, [this] { showingMergePicker_.reset(); });
     dialog->open();
@@ -90,7 +92,7 @@ void BranchesTab::askToDelete(const GitBranch& branch)
         return inThisRepository(git, [&git, name, force] { git.deleteBranch(name, force); });
     };
     auto* dialog = new ConfirmationDialog(
-        u"Delete branch "_s + branch.name + u'?',
+        u"Delete branch "_s + shownName(branch.name) + u'?',
         {{tr("Delete (safe)"), remove(false)}, {tr("Force delete (-D)"), remove(true), true}}, window());
     closeWithRepository(*dialog, git_);
     connect(dialog, &QDialog::finished, this, [this] { showingDeleteConfirm_.reset(); });

@@ -2,6 +2,7 @@
 
 #include "git/panel/view/commit_composer.h"
 #include "git/panel/view/file_status_row.h"
+#include "git/service/git_names.h"
 #include "git/service/git_service.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
@@ -95,13 +96,12 @@ void ChangesTab::refreshState()
 
 Row ChangesTab::rowOf(const GitFileStatus& file, bool staged)
 {
-    const QString& path = file.path;
     return FileStatusRow{.file = file,
                          .staged = staged,
-                         .onClickDiff = [this, path] { onClickDiff_(path); },
-                         .onUnstage = [this, path] { git_.unstage({path}); },
-                         .onStage = [this, path] { git_.stage({path}); },
-                         .onDiscard = [this, path] { git_.discardChanges({path}); }}
+                         .onClickDiff = [this, file] { onClickDiff_(namesOf(file).current); },
+                         .onUnstage = [this, file] { git_.unstage(namesToUnstage(file)); },
+                         .onStage = [this, file] { git_.stage(namesToStage(file)); },
+                         .onDiscard = [this, file] { git_.discardChanges(namesToDiscard(file)); }}
         .content();
 }
 

@@ -1,6 +1,7 @@
 #include "git/panel/view/file_status_row.h"
 
 #include "git/service/file_status_mark.h"
+#include "git/service/git_names.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -13,7 +14,8 @@ QString inWords(const GitFileStatus& file, bool staged)
 {
     const std::optional<GitFileChange>& own = staged ? file.staged : file.unstaged;
     const std::optional<GitFileChange> change = own ? own : staged ? file.unstaged : file.staged;
-    return change ? file.path + u" ("_s + rawValue(*change) + u')' : file.path;
+    const QString names = shownNames(file);
+    return change ? names + u" ("_s + rawValue(*change) + u')' : names;
 }
 
 } // namespace
@@ -26,7 +28,7 @@ Row FileStatusRow::content() const
     Row row;
     row.firstLine = {
         {.text = mark.letter, .font = fonts.mark, .tint = mark.color, .givesWay = false, .leastWidth = letterWidth},
-        {.text = file.path, .font = fonts.monospaced, .elideMode = Qt::ElideMiddle}};
+        {.text = shownNames(file), .font = fonts.monospaced, .elideMode = Qt::ElideMiddle}};
     row.help = inWords(file, staged);
     row.onClick = onClickDiff;
     row.clickName = u"Show Diff"_s;

@@ -1,5 +1,6 @@
 #include "git/panel/view/remote_row.h"
 
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
 
@@ -17,10 +18,12 @@ Row RemoteRow::content() const
     const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.symbol = u"network"_s;
-    row.firstLine = {{.text = remote.name, .font = fonts.body}};
-    row.secondLine = {
-        {.text = remote.url, .font = fonts.smallMonospaced, .tint = Tint::secondary(), .elideMode = Qt::ElideMiddle}};
-    row.help = remote.name + u'\n' + remote.url;
+    row.firstLine = {{.text = shownName(remote.name), .font = fonts.body}};
+    row.secondLine = {{.text = shownName(remote.url),
+                       .font = fonts.smallMonospaced,
+                       .tint = Tint::secondary(),
+                       .elideMode = Qt::ElideMiddle}};
+    row.help = shownName(remote.name) + u'\n' + shownName(remote.url);
     row.actions = {{u"Edit URL"_s, u"pencil"_s, [edit = onEdit, url = remote.url] { edit(url); }},
                    {u"Remove remote"_s, u"trash"_s, onRemove}};
     if (editingURL) {
@@ -46,7 +49,7 @@ RemoteURLEditor::RemoteURLEditor(const RemoteRow& row, QWidget* parent)
     auto* name = new QHBoxLayout;
     name->setSpacing(6);
     name->addWidget(new SymbolLabel(u"network"_s, 13, Tint::secondary(), this));
-    name->addWidget(new TextLabel(row.remote.name, RowFonts::standard().body, Tint::primary(), this), 1);
+    name->addWidget(new TextLabel(shownName(row.remote.name), RowFonts::standard().body, Tint::primary(), this), 1);
     auto* controls = new QHBoxLayout;
     controls->setSpacing(4);
     controls->addWidget(field_, 1);

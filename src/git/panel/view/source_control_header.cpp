@@ -1,6 +1,7 @@
 #include "git/panel/view/source_control_header.h"
 
 #include "git/service/git_service.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
 
@@ -46,7 +47,7 @@ SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
 
 void SourceControlHeader::refreshBranch()
 {
-    branch_->setText(git_.branch().isEmpty() ? u"—"_s : git_.branch());
+    branch_->setText(git_.branch().isEmpty() ? u"—"_s : shownName(git_.branch()));
     aheadBehind_->setText(u"↑"_s + QString::number(git_.ahead()) + u" ↓"_s + QString::number(git_.behind()));
 }
 

@@ -1,5 +1,7 @@
 #include "git/panel/view/stash_row.h"
 
+#include "platform/text/shown_name.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -8,9 +10,9 @@ Row StashRow::content() const
 {
     const RowFonts& fonts = RowFonts::standard();
     Row row;
-    row.firstLine = {{.text = stash.message, .font = fonts.body}};
+    row.firstLine = {{.text = shownName(stash.message), .font = fonts.body}};
     row.secondLine = {{.text = stash.label, .font = fonts.smallMonospaced, .tint = Tint::secondary()}};
-    row.help = stash.label + u": "_s + stash.message;
+    row.help = stash.label + u": "_s + shownName(stash.message);
     row.actions = {{u"Apply (keep stash)"_s, u"arrow.down.right.circle"_s, onApply},
                    {u"Pop (apply + drop)"_s, u"tray.and.arrow.up"_s, onPop},
                    {u"Drop"_s, u"trash"_s, onDrop}};

@@ -1,5 +1,7 @@
 #include "git/panel/view/tag_row.h"
 
+#include "platform/text/shown_name.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -10,8 +12,8 @@ Row TagRow::content() const
     const RowFonts& fonts = RowFonts::standard();
     Row row;
     row.symbol = u"tag.fill"_s;
-    row.firstLine = {{.text = tag.name, .font = fonts.body, .elideMode = Qt::ElideMiddle}};
-    row.help = tag.name;
+    row.firstLine = {{.text = shownName(tag.name), .font = fonts.body, .elideMode = Qt::ElideMiddle}};
+    row.help = shownName(tag.name);
     if (tag.sha) {
         row.firstLine.append({.text = tag.sha->left(shortHash),
                               .font = fonts.smallMonospaced,
@@ -20,8 +22,8 @@ Row TagRow::content() const
         row.help += u", "_s + tag.sha->left(shortHash);
     }
     if (tag.annotation) {
-        row.secondLine = {{.text = *tag.annotation, .font = fonts.caption, .tint = Tint::secondary()}};
-        row.help += u'\n' + *tag.annotation;
+        row.secondLine = {{.text = shownName(*tag.annotation), .font = fonts.caption, .tint = Tint::secondary()}};
+        row.help += u'\n' + shownName(*tag.annotation);
     }
     row.actions = {{u"Push tag"_s, u"arrow.up.circle"_s, onPush}, {u"Delete tag"_s, u"trash"_s, onDelete}};
     return row;

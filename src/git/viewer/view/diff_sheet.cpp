@@ -1,8 +1,10 @@
 #include "git/viewer/view/diff_sheet.h"
 
+#include "git/service/git_names.h"
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
 #include "platform/style/view/style.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/segmented_picker.h"
 #include "platform/view/sheet_frame.h"
@@ -21,7 +23,7 @@ constexpr int pickerWidth = 160;
 DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
     : QWidget(parent), git_(&git), repository_(git.repoURL()), path_(std::move(path))
 {
-    setWindowTitle(path_);
+    setWindowTitle(shownName(path_));
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
@@ -44,7 +46,7 @@ QSize DiffSheetView::minimumSizeHint() const
 QWidget* DiffSheetView::makeHeader()
 {
     auto* header = new QWidget(this);
-    auto* title = new TextLabel(path_, style::headlineFont(), Tint::primary(), header);
+    auto* title = new TextLabel(shownName(path_), style::headlineFont(), Tint::primary(), header);
     title->setElideMode(Qt::ElideMiddle);
     picker_ = new SegmentedPicker({tr("Working"), tr("Staged")}, tr("Which changes are shown"), header);
     picker_->setFixedWidth(pickerWidth);
@@ -91,7 +93,7 @@ bool DiffSheetView::isRepositoryOpen() const
 
 void DiffSheetView::load()
 {
-    diff_ = isRepositoryOpen() ? git_->diff(path_, stagedView_) : QString();
+    diff_ = isRepositoryOpen() ? git_->diff(namesToDiff(git_->status(), path_, stagedView_), stagedView_) : QString();
     viewer_->setDiffText(diff_);
 }
 

@@ -2,6 +2,7 @@
 
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
+#include "platform/text/shown_name.h"
 #include "workbench/status/git_branch.h"
 #include "workbench/status/view/document_status.h"
 #include "workbench/status/view/status_bar_items.h"
@@ -111,7 +112,7 @@ void StatusBarView::refreshBranch()
     const QString project = folderPrefix(*appState_.currentProject());
     const QString repository = project + u".git"_s;
     watchHead(QFileInfo(repository).isDir() ? repository : project);
-    branchPill_->setText(gitBranch(*appState_.currentProject()).value_or(u"main"_s));
+    branchPill_->setText(shownName(gitBranch(*appState_.currentProject()).value_or(u"main"_s)));
     branchPill_->updateGeometry();
 }
 

@@ -114,6 +114,7 @@ private Q_SLOTS:
     void aRowShowsAndOffersItsOwn();
     void aFileOfTheOtherListHasItsOtherChange();
     void aFileWithNothingToDiscardIsOnlyStaged();
+    void whatIsNotSeenHasASign();
     void aRemoteIsEditedFromItsURL();
 
 private:
@@ -279,6 +280,39 @@ void RowContentsTest::aFileWithNothingToDiscardIsOnlyStaged()
     QStringList done;
     QCOMPARE(described(fileRow(done, {}, GitFileChange::untracked, false, false).actions),
              QStringList{u"plus.circle|Stage"_s});
+}
+
+void RowContentsTest::whatIsNotSeenHasASign()
+{
+    FileStatusRow file{};
+    file.file.path = u"\"a\\nb\" -> \"\\351\""_s;
+    file.file.staged = GitFileChange::renamed;
+    file.staged = true;
+    const QString names = u"a\u240ab -> \u27e8E9\u27e9"_s;
+    QCOMPARE(file.content().firstLine.last().text, names);
+    QCOMPARE(file.content().help, names + u" (renamed)"_s);
+
+    const QString name = u"main\u200b"_s;
+    const QString shown = u"main\u27e8U+200B\u27e9"_s;
+    BranchRow branch{};
+    branch.branch.name = name;
+    branch.branch.upstream = name;
+    QCOMPARE(branch.content().firstLine.first().text, shown);
+    QCOMPARE(branch.content().firstLine.last().text, shown);
+    QCOMPARE(branch.content().help, shown + u", follows "_s + shown);
+    RemoteBranchRow remoteBranch{};
+    remoteBranch.branch.name = name;
+    QCOMPARE(remoteBranch.content().firstLine.first().text, shown);
+    TagRow tag{};
+    tag.tag.name = name;
+    QCOMPARE(tag.content().help, shown);
+    RemoteRow remote{};
+    remote.remote.name = name;
+    remote.remote.url = name;
+    QCOMPARE(remote.content().help, shown + u'\n' + shown);
+    StashRow stash{};
+    stash.stash.message = name;
+    QCOMPARE(stash.content().firstLine.first().text, shown);
 }
 
 void RowContentsTest::aRemoteIsEditedFromItsURL()

@@ -3,6 +3,7 @@
 #include "git/panel/view/commit_composer.h"
 #include "git/panel/view/history_tab.h"
 #include "git/panel/view/panel_fixture.h"
+#include "git/service/git_names.h"
 #include "platform/view/confirmation_dialog.h"
 #include "platform/view/labels.h"
 #include "support/test_program.h"
@@ -43,7 +44,7 @@ QStringList freshLines(const TemporaryRepository& repo, SourceControlTab tab)
             QStringList section;
             for (const GitFileStatus& file : git.status()) {
                 if (const auto& change = isStaged ? file.staged : file.unstaged) {
-                    section.append(letter(*change) + u' ' + file.path);
+                    section.append(letter(*change) + u' ' + shownNames(file));
                 }
             }
             if (!section.isEmpty()) {
@@ -225,7 +226,7 @@ void SourceControlViewTabsTest::everyKindOfChangeHasItsRow()
     f.show();
     COMPARE_WITH_FRESH(f, SourceControlTab::changes);
     QVERIFY(f.lines().contains(u"! conflict"_s));
-    QVERIFY(f.lines().contains(u"R renamed -> \"new name\""_s));
+    QVERIFY(f.lines().contains(u"R renamed -> new name"_s));
     // In both lists, as both columns say so.
     QCOMPARE(f.lines().count(u"! conflict"_s), 2);
 }
@@ -419,8 +420,7 @@ void SourceControlViewTabsTest::markupInAPathIsText()
     PanelFixture f;
     f.repo.write(u"<b>bold<b> & co"_s, "x");
     f.show();
-    const QString path = f.git().status().first().path;
-    QCOMPARE(f.lines().last(), u"U "_s + path);
+    QCOMPARE(f.lines().last(), u"U <b>bold<b> & co"_s);
     const QModelIndex row = f.list().model()->index(1, 0);
     QVERIFY(row.data(Qt::ToolTipRole).toString().contains(u"&lt;b&gt;bold&lt;b&gt; &amp; co"));
 }

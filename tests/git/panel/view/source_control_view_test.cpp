@@ -518,7 +518,7 @@ void SourceControlViewTest::theErrorLineShowsGitsWordsWhole()
     f.show();
     auto* line = f.view.findChild<ErrorLine*>();
     QVERIFY(!line->isVisible());
-    f.git().checkoutBranch(u"absent"_s);
+    f.git().mergeBranch(u"absent"_s);
     QTRY_VERIFY(line->isVisible());
     QCOMPARE(line->error(), *f.git().lastError());
     QVERIFY(line->error().endsWith(u'\n'));
