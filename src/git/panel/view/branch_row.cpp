@@ -1,5 +1,7 @@
 #include "git/panel/view/branch_row.h"
 
+#include "git/panel/view/row_menu.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -24,6 +26,7 @@ Row BranchRow::content() const
                        {u"Merge into current"_s, u"arrow.triangle.merge"_s, onMerge},
                        {u"Delete"_s, u"trash"_s, onDelete}};
     }
+    row.menu = {copyAction(u"Copy Name"_s, branch.name)};
     return row;
 }
 
@@ -34,6 +37,7 @@ Row RemoteBranchRow::content() const
     row.firstLine = {{.text = branch.name, .font = RowFonts::standard().body, .elideMode = Qt::ElideMiddle}};
     row.help = branch.name;
     row.actions = {{u"Checkout (create local tracking branch)"_s, u"arrow.right.circle"_s, onCheckout}};
+    row.menu = {copyAction(u"Copy Name"_s, branch.name)};
     return row;
 }
 

@@ -41,6 +41,12 @@ ChangesTab::ChangesTab(GitService& git, std::function<void(const QString& path)>
     connect(&git_, &GitService::statusChanged, this, &ChangesTab::refresh);
 }
 
+void ChangesTab::setFileActions(FileActions actions)
+{
+    fileActions_ = std::move(actions);
+    refresh();
+}
+
 QWidget* ChangesTab::makeConflictBar()
 {
     auto* bar = new QWidget(this);
@@ -96,12 +102,20 @@ void ChangesTab::refreshState()
 Row ChangesTab::rowOf(const GitFileStatus& file, bool staged)
 {
     const QString& path = file.path;
+    const QUrl url = fileOf(file, git_.repoURL().value_or(QUrl()));
+    const bool isThere = (file.unstaged ? file.unstaged : file.staged) != GitFileChange::deleted;
+    std::function<void()> open;
+    if (fileActions_.open && isThere) {
+        open = [openFile = fileActions_.open, url] { openFile(url); };
+    }
     return FileStatusRow{.file = file,
                          .staged = staged,
                          .onClickDiff = [this, path] { onClickDiff_(path); },
                          .onUnstage = [this, path] { git_.unstage({path}); },
                          .onStage = [this, path] { git_.stage({path}); },
-                         .onDiscard = [this, path] { git_.discardChanges({path}); }}
+                         .onDiscard = [this, path] { git_.discardChanges({path}); },
+                         .onOpen = open,
+                         .menu = fileMenu(url, isThere, fileActions_)}
         .content();
 }
 

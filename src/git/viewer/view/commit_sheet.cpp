@@ -1,8 +1,12 @@
 #include "git/viewer/view/commit_sheet.h"
 
+#include "git/viewer/view/commit_details.h"
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
+#include "git/viewer/view/file_sizes.h"
 #include "platform/style/view/style.h"
+#include "platform/text/decimal_integer.h"
+#include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/sheet_frame.h"
 
@@ -10,6 +14,7 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace kelm {
 
@@ -26,7 +31,19 @@ CommitDetailView::CommitDetailView(GitService& git, QString sha, QWidget* parent
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
-    frameSheet(*this, header, viewer_);
+    details_ = new CommitDetails([this](qsizetype file) { viewer_->list().showFile(file); }, this);
+    auto* body = new QWidget(this);
+    auto* column = new QVBoxLayout(body);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(details_);
+    column->addWidget(new Divider(Qt::Horizontal, body));
+    column->addWidget(viewer_, 1);
+    frameSheet(*this, header, body);
+    connect(viewer_, &DiffViewer::shown, this, [this] { details_->setFiles(viewer_->list().diffLayout().files()); });
+    new FileSizes(*viewer_, [this](const DiffFileFacts& facts) {
+        return DiffFileSizes{sizeOfContent(facts.oldContent), sizeOfContent(facts.newContent)};
+    });
 }
 
 CommitDetailView::~CommitDetailView() = default;
@@ -70,10 +87,19 @@ void CommitDetailView::showEvent(QShowEvent* event)
     if (!hasAppeared_) {
         hasAppeared_ = true;
         content_ = git_ ? git_->showCommit(sha_) : QString();
+        details_->setContent(content_);
         viewer_->setDiffText(content_);
         // The arrow keys scroll at once.
         viewer_->list().setFocus();
     }
+}
+
+std::optional<qint64> CommitDetailView::sizeOfContent(const QString& content)
+{
+    const auto size = content.isEmpty() || !git_
+                          ? std::nullopt
+                          : git_->run({QStringLiteral("cat-file"), QStringLiteral("-s"), content});
+    return size ? decimalInteger(size->trimmed()) : std::nullopt;
 }
 
 void CommitDetailView::copySha() const

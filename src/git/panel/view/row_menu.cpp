@@ -1,0 +1,42 @@
+#include "git/panel/view/row_menu.h"
+
+#include "git/service/git_records.h"
+#include "platform/files/file_url.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+RowAction copyAction(const QString& help, const QString& text)
+{
+    return {help, {}, [text] { QGuiApplication::clipboard()->setText(text); }};
+}
+
+QList<RowAction> fileMenu(const QUrl& file, bool isThere, const FileActions& actions)
+{
+    QList<RowAction> menu;
+    if (actions.open && isThere) {
+        menu.append({u"Open File"_s, {}, [open = actions.open, file] { open(file); }});
+    }
+    if (actions.reveal && isThere) {
+        menu.append({u"Reveal in Finder"_s, {}, [reveal = actions.reveal, file] { reveal(file); }});
+    }
+    menu.append(copyAction(u"Copy Path"_s, filePath(file)));
+    return menu;
+}
+
+QUrl fileOf(const GitFileStatus& status, const QUrl& workingTree)
+{
+    QString name = status.path;
+    const bool hasTwoNames = status.staged == GitFileChange::renamed || status.unstaged == GitFileChange::renamed ||
+                             status.staged == GitFileChange::copied || status.unstaged == GitFileChange::copied;
+    if (const qsizetype arrow = hasTwoNames ? name.indexOf(u" -> ") : -1; arrow >= 0) {
+        name = name.sliced(arrow + 4);
+    }
+    return urlOfFile(filePath(workingTree) + u'/' + name);
+}
+
+} // namespace kelm
