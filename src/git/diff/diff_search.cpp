@@ -1,6 +1,7 @@
 #include "git/diff/diff_search.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace kelm {
@@ -18,8 +19,9 @@ DiffSearch::DiffSearch(const DiffLayout& layout, QString text, const DiffTextPla
         from.file < files.size() && (from.hunk < 0 || (from.hunk < files[from.file].hunks.size() &&
                                                        from.entry < layout.entryCount(from.file, from.hunk)));
     if (!isThere) {
-        start_ = direction == Direction::forwards || files.isEmpty() ? firstSpot() : lastSpot();
-        startUnit_ = 0;
+        const bool isForwards = direction == Direction::forwards;
+        start_ = isForwards || files.isEmpty() ? firstSpot() : lastSpot();
+        startUnit_ = isForwards ? 0 : std::numeric_limits<qsizetype>::max();
     }
     spot_ = start_;
 }

@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace kelm {
 
 namespace {
@@ -45,6 +47,15 @@ Tally tallyOf(const DiffHunk& hunk)
     return tally;
 }
 
+/// Whether lines of any hunk stand among those that name the two versions, and so in the patch of each hunk.
+bool namesMoreFiles(const DiffFile& file)
+{
+    constexpr int versions = 2;
+    return std::count_if(file.preamble.begin(), file.preamble.end(), [](const DiffLine& line) {
+               return line.text.startsWith(u"--- ") || line.text.startsWith(u"+++ ");
+           }) > versions;
+}
+
 } // namespace
 
 HunkHindrance HunkHindrance::of(const DiffFile& file, qsizetype hunk, bool isReversed)
@@ -61,8 +72,11 @@ HunkHindrance HunkHindrance::of(const DiffFile& file, qsizetype hunk, bool isRev
         return {tr("The submodule has changes of its own. Commit them in it first."), {}};
     }
     const Tally tally = tallyOf(shown);
-    if (tally.oldLines < shown.oldCount || tally.newLines < shown.newCount) {
-        return {tr("A line of this hunk reads like the header of a file, so the hunk cannot be taken alone."), {}};
+    if (tally.oldLines < shown.oldCount || tally.newLines < shown.newCount || namesMoreFiles(file)) {
+        return {
+            tr("A changed line begins with “-- ” or “++ ” and reads like the header of a file, so the hunk cannot be "
+               "taken alone."),
+            {}};
     }
     const DiffLineKind made = isReversed ? DiffLineKind::removed : DiffLineKind::added;
     if (tally.isMarkedWithin || (tally.unended && *tally.unended != made)) {

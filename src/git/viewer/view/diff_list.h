@@ -52,6 +52,8 @@ public:
     void setDiffLayout(DiffLayout layout);
     /// Tells how large the versions of a file are.
     void setSizes(qsizetype file, const DiffFileSizes& sizes);
+    /// What stands at the right of a file's header, whole.
+    QString fileLabelOf(qsizetype file) const { return fileLabel(layout_.files()[file], sizes_.value(file)); }
     /// To be called when `blockOf` tells something else.
     void updateBlocks();
     void setCollapsed(qsizetype file, qsizetype hunk, bool isCollapsed);
