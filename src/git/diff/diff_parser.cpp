@@ -145,7 +145,7 @@ private:
         }
     }
 
-    /// Gives the hunk a list that is as long as it has to be.
+    /// Gives the hunk its lines.
     void takeLines()
     {
         constexpr qsizetype many = 4096;
@@ -153,8 +153,8 @@ private:
             hunk_.lines = QList<DiffLine>(lines_.cbegin(), lines_.cend());
             lines_.clear();
         } else {
-            // A second copy of a long list would double what a large diff takes.
-            lines_.squeeze();
+            // What a long list has room for beyond its end was never touched and costs nothing; a copy of the right
+            // length would, for a moment, as much as all its lines.
             hunk_.lines = std::exchange(lines_, {});
         }
     }
