@@ -8,12 +8,14 @@
 #include "platform/view/labels.h"
 #include "platform/view/row_list.h"
 
+#include <QFontMetricsF>
 #include <QHBoxLayout>
 #include <QPlainTextEdit>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,7 +27,9 @@ constexpr int rowHeight = 22;
 constexpr qsizetype mostRows = 5;
 constexpr qsizetype mostLines = 7;
 constexpr int margin = 16;
-constexpr int spacing = 4;
+constexpr int spacing = 6;
+/// Of the message, without which its last line would count as cut.
+constexpr int slack = 6;
 
 GitFileStatus statusOf(const DiffFile& file)
 {
@@ -39,7 +43,7 @@ GitFileStatus statusOf(const DiffFile& file)
     return status;
 }
 
-Row rowOf(const DiffFile& file, std::function<void()> onClick)
+Row rowOf(const DiffFile& file, const QString& label, std::function<void()> onClick)
 {
     constexpr int letterWidth = 12;
     const RowFonts& fonts = RowFonts::standard();
@@ -49,8 +53,8 @@ Row rowOf(const DiffFile& file, std::function<void()> onClick)
     row.firstLine = {
         {.text = mark.letter, .font = fonts.mark, .tint = mark.color, .givesWay = false, .leastWidth = letterWidth},
         {.text = shownPath(file), .font = fonts.monospaced, .elideMode = Qt::ElideMiddle},
-        {.text = fileLabel(file), .font = fonts.caption, .tint = Tint::secondary(), .givesWay = false}};
-    row.help = shownPath(file) + u" ("_s + rawValue(*status.staged) + u"), "_s + fileLabel(file);
+        {.text = label, .font = fonts.caption, .tint = Tint::secondary(), .givesWay = false}};
+    row.help = shownPath(file) + u" ("_s + rawValue(*status.staged) + u"), "_s + label;
     row.onClick = std::move(onClick);
     row.clickName = CommitDetails::tr("Show Changes");
     return row;
@@ -95,17 +99,19 @@ void CommitDetails::setContent(const QString& content)
     author_->setText(commit.author);
     date_->setText(commit.merged.isEmpty() ? commit.date : tr("%1 · merges %2").arg(commit.date, commit.merged));
     message_->setPlainText(commit.message);
+    const int lineHeight = static_cast<int>(std::ceil(QFontMetricsF(message_->font()).height()));
     const qsizetype lines = std::clamp<qsizetype>(commit.message.count(u'\n') + 1, 1, mostLines);
-    message_->setFixedHeight(static_cast<int>(lines) * message_->fontMetrics().lineSpacing() + 2);
-    setFiles({});
+    message_->setFixedHeight(static_cast<int>(lines) * lineHeight + slack);
+    setFiles({}, {});
     setVisible(!content.isEmpty());
 }
 
-void CommitDetails::setFiles(const QList<DiffFile>& files)
+void CommitDetails::setFiles(const QList<DiffFile>& files, const std::function<QString(qsizetype)>& labelOf)
 {
     files_->setSections({{.title = {},
                           .count = files.size(),
-                          .row = [this, files](qsizetype i) { return rowOf(files[i], [this, i] { showFile_(i); }); },
+                          .row = [this, files, labelOf](
+                                     qsizetype i) { return rowOf(files[i], labelOf(i), [this, i] { showFile_(i); }); },
                           .key = [files](qsizetype i) { return files[i].path; }}});
     const qsizetype rows = std::min(files.size(), mostRows);
     files_->setFixedHeight(static_cast<int>(rows) * rowHeight);

@@ -26,7 +26,8 @@ public:
 
     /// Takes what git printed. Nothing is shown for an empty text.
     void setContent(const QString& content);
-    void setFiles(const QList<DiffFile>& files);
+    /// `labelOf` tells what is special about a file, and how many hunks it has.
+    void setFiles(const QList<DiffFile>& files, const std::function<QString(qsizetype file)>& labelOf);
 
     QString author() const;
     QString date() const;

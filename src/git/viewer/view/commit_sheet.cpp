@@ -8,6 +8,7 @@
 #include "platform/text/decimal_integer.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
+#include "platform/view/row_list.h"
 #include "platform/view/sheet_frame.h"
 
 #include <QClipboard>
@@ -40,10 +41,14 @@ CommitDetailView::CommitDetailView(GitService& git, QString sha, QWidget* parent
     column->addWidget(new Divider(Qt::Horizontal, body));
     column->addWidget(viewer_, 1);
     frameSheet(*this, header, body);
-    connect(viewer_, &DiffViewer::shown, this, [this] { details_->setFiles(viewer_->list().diffLayout().files()); });
-    new FileSizes(*viewer_, [this](const DiffFileFacts& facts) {
+    connect(viewer_, &DiffViewer::shown, this, [this] {
+        details_->setFiles(viewer_->list().diffLayout().files(),
+                           [this](qsizetype file) { return viewer_->list().fileLabelOf(file); });
+    });
+    auto* sizes = new FileSizes(*viewer_, [this](const DiffFileFacts& facts) {
         return DiffFileSizes{sizeOfContent(facts.oldContent), sizeOfContent(facts.newContent)};
     });
+    connect(sizes, &FileSizes::told, this, [this] { details_->files().viewport()->update(); });
 }
 
 CommitDetailView::~CommitDetailView() = default;

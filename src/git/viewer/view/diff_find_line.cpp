@@ -33,8 +33,8 @@ DiffFindLine::DiffFindLine(DiffList& list, std::function<void(const QUuid&)> tog
 {
     field_->setFixedWidth(fieldWidth);
     connect(field_, &QLineEdit::textEdited, this, [this] { start(true, true); });
-    PlainButton* previous = makeSymbolButton(u"chevron.up"_s, tr("Find previous (Shift+F3)"), this);
-    PlainButton* next = makeSymbolButton(u"chevron.down"_s, tr("Find next (F3)"), this);
+    PlainButton* previous = makeSymbolButton(u"chevron.left"_s, tr("Find previous (Shift+F3)"), this);
+    PlainButton* next = makeSymbolButton(u"chevron.right"_s, tr("Find next (F3)"), this);
     PlainButton* close = makeSymbolButton(u"xmark"_s, tr("Close (Esc)"), this);
     connect(previous, &QAbstractButton::clicked, this, [this] { find(false); });
     connect(next, &QAbstractButton::clicked, this, [this] { find(true); });

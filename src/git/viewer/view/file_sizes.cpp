@@ -38,6 +38,7 @@ void FileSizes::timerEvent(QTimerEvent* event)
     // While git was asked, another text may have come.
     if (file < viewer_.list().diffLayout().files().size()) {
         viewer_.list().setSizes(file, sizes);
+        Q_EMIT told();
     }
 }
 

@@ -25,6 +25,10 @@ public:
     /// The viewer outlives it.
     FileSizes(DiffViewer& viewer, Ask ask);
 
+Q_SIGNALS:
+    /// The sizes of a file have been told to the list.
+    void told();
+
 protected:
     void timerEvent(QTimerEvent* event) override;
 
