@@ -35,8 +35,8 @@ void CommitTextTest::headIsRead_data()
                               << commit(u"Mend it"_s);
     QTest::newRow("without changes") << head + u"\n    Mend it\n"_s << commit(u"Mend it"_s);
     QTest::newRow("several paragraphs, an indented line")
-        << head +
-               u"\n    Mend it\n    \n    Since it was\n        broken.\n    diff --git is no file here\n\ndiff --git a/a b/a\n"_s
+        << head + u"\n    Mend it\n    \n    Since it was\n        broken.\n"
+                  "    diff --git is no file here\n\ndiff --git a/a b/a\n"_s
         << commit(u"Mend it\n\nSince it was\n    broken.\ndiff --git is no file here"_s);
     QTest::newRow("merge") << u"commit 1a2b\nMerge: 1a2b 3c4d\n"_s + head.sliced(12) +
                                   u"\n    Merge it\n\ndiff --cc a\n"_s

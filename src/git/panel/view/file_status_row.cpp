@@ -30,7 +30,9 @@ Row FileStatusRow::content() const
     row.help = inWords(file, staged);
     row.onClick = onClickDiff;
     row.clickName = u"Show Diff"_s;
-    const bool isInConflict = file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted;
+    // Both sides have added only what two branches have added each in its own way.
+    const bool isInConflict = file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted ||
+                              (file.staged == GitFileChange::added && file.unstaged == GitFileChange::added);
     if (isInConflict && onOpen) {
         row.onClick = onOpen;
         row.clickName = u"Open File"_s;

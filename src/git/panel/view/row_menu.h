@@ -16,8 +16,8 @@ struct GitFileStatus;
 /// What is done with a file on this machine; either may be absent.
 struct FileActions
 {
-    std::function<void(const QUrl& file)> open;
-    std::function<void(const QUrl& file)> reveal;
+    std::function<void(const QUrl& file)> open = {};
+    std::function<void(const QUrl& file)> reveal = {};
 };
 
 /// Puts a text on the clipboard.

@@ -40,7 +40,8 @@ public:
         FilePanels& filePanels;
         Scheduler& scheduler;
         SourceControlSheets sheets = SourceControlSheets::standard();
-        Workspace& workspace = Workspace::system();
+        /// Reveals files; null where nothing can.
+        Workspace* workspace = nullptr;
     };
 
     /// The application's state and the services outlive the view.

@@ -91,7 +91,13 @@ void CommitDetailView::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (!hasAppeared_) {
         hasAppeared_ = true;
-        content_ = git_ ? git_->showCommit(sha_) : QString();
+        // While git is asked, events may come through.
+        const QPointer<CommitDetailView> self = this;
+        const QString content = git_ ? git_->showCommit(sha_) : QString();
+        if (!self) {
+            return;
+        }
+        content_ = content;
         details_->setContent(content_);
         viewer_->setDiffText(content_);
         // The arrow keys scroll at once.

@@ -222,6 +222,16 @@ void DiffList::contextMenuEvent(QContextMenuEvent* event)
     copyAction->setShortcut(QKeySequence::Copy);
     copyAction->setEnabled((selection_ && !selection_->isEmpty()) || currentHunk());
     menu->addAction(tr("Select All"), this, &DiffList::selectAll)->setShortcut(QKeySequence::SelectAll);
+    if (const auto hunk = currentHunk()) {
+        menu->addSeparator();
+        menu->addAction(tr("Next Hunk"), this, [this] { goToHunk(true); })->setShortcut(Qt::Key_F7);
+        menu->addAction(tr("Previous Hunk"), this, [this] { goToHunk(false); })->setShortcut(Qt::SHIFT | Qt::Key_F7);
+        if (hasActions()) {
+            QAction* act = menu->addAction(blockOf_(hunk->file).hunkActionLabel, this, &DiffList::actOnHunk);
+            act->setShortcut(Qt::CTRL | Qt::Key_Return);
+            act->setEnabled(canAct(hunk->file, hunk->hunk));
+        }
+    }
     menu->popup(event->globalPos());
 }
 

@@ -131,7 +131,14 @@ void DiffSheetView::addShortcuts()
 
 void DiffSheetView::load()
 {
-    diff_ = isRepositoryOpen() ? git_->diff(path_, stagedView_) : QString();
+    // While git is asked, events may come through.
+    const QPointer<DiffSheetView> self = this;
+    const bool isStaged = stagedView_;
+    const QString diff = isRepositoryOpen() ? git_->diff(path_, isStaged) : QString();
+    if (!self || isStaged != stagedView_) {
+        return;
+    }
+    diff_ = diff;
     (stagedView_ ? workingHunks_ : stagedHunks_).reset();
     showDiff();
     // The other view is counted when this one is on screen.
@@ -203,9 +210,13 @@ void DiffSheetView::countOther()
     if (!hasOther) {
         count = 0;
     } else if (!count && !isUntracked()) {
+        const QPointer<DiffSheetView> self = this;
         const bool other = !stagedView_;
         const QString diff = git_->diff(path_, other);
-        if (other != stagedView_) {
+        if (!self || other == stagedView_) {
+            return;
+        }
+        if (diff.size() <= DiffViewer::longestAtOnce) {
             count = diff.count(QStringLiteral("\n@@ "));
         }
     }

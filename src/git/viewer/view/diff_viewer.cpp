@@ -220,12 +220,26 @@ struct DiffViewer::Reading
     DiffLayout layout;
     QString summary;
 
+    /// Has the lines of long hunks find those that they face, which would hold up the first picture.
+    void prepareLongHunks(qsizetype file) const
+    {
+        constexpr qsizetype many = 10'000;
+        for (qsizetype hunk = 0; hunk < layout.files()[file].hunks.size(); ++hunk) {
+            if (layout.entryCount(file, hunk) > many) {
+                layout.lines(file, hunk, 0);
+            }
+        }
+    }
+
     void read()
     {
         DiffContent content = DiffContent::of(text);
         state = content.state;
         summary = kelm::filesSummary(content.files);
         layout = DiffLayout(std::move(content.files), frame.mode, frame.metrics, frame.columns);
+        for (qsizetype file = 0; file < layout.files().size(); ++file) {
+            prepareLongHunks(file);
+        }
     }
 };
 

@@ -3,6 +3,7 @@
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
 
+#include <QPointer>
 #include <QTimerEvent>
 
 #include <algorithm>
@@ -32,13 +33,23 @@ void FileSizes::timerEvent(QTimerEvent* event)
         timer_.stop();
         return;
     }
+    // While git is asked, events may come through: another text, the end of the viewer, and this timer's own.
+    timer_.stop();
+    const QPointer<FileSizes> self = this;
     const qsizetype file = waiting_.back();
+    const QUuid id = viewer_.list().diffLayout().files()[file].id;
     waiting_.pop_back();
     const DiffFileSizes sizes = ask_(DiffFileFacts::of(viewer_.list().diffLayout().files()[file]));
-    // While git was asked, another text may have come.
-    if (file < viewer_.list().diffLayout().files().size()) {
+    if (!self) {
+        return;
+    }
+    const QList<DiffFile>& files = viewer_.list().diffLayout().files();
+    if (file < files.size() && files[file].id == id) {
         viewer_.list().setSizes(file, sizes);
         Q_EMIT told();
+    }
+    if (!waiting_.empty()) {
+        timer_.start(0, this);
     }
 }
 

@@ -115,7 +115,7 @@ struct PanelFixture
     AppStateFixture app;
     QWidget window;
     FakeWorkspace workspace;
-    SourceControlView view{app.state, {app.filePanels, app.scheduler, fakeSheets(), workspace}, &window};
+    SourceControlView view{app.state, {app.filePanels, app.scheduler, fakeSheets(), &workspace}, &window};
 
     /// With one commit, "first", of "a.txt", unless the repository is to be empty.
     explicit PanelFixture(bool hasCommit = true)

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void everyListOffersWhatCanBeCopied();
     void changedFileIsOpenedRevealedAndCopied();
     void deletedFileIsOnlyCopied();
+    void fileInConflictIsOpened_data();
     void fileInConflictIsOpened();
     void renamedFileHasItsNewPlace();
 };
@@ -127,23 +128,33 @@ void RowMenuTest::deletedFileIsOnlyCopied()
     QCOMPARE(linesOf(*menu), (QStringList{u"Show Diff"_s, u"-"_s, u"Stage"_s, u"Discard"_s, u"-"_s, u"Copy Path"_s}));
 }
 
+void RowMenuTest::fileInConflictIsOpened_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("both changed it") << u"a.txt"_s << u"! a.txt"_s;
+    QTest::newRow("both added it") << u"new.txt"_s << u"A new.txt"_s;
+}
+
 void RowMenuTest::fileInConflictIsOpened()
 {
+    QFETCH(QString, name);
+    QFETCH(QString, line);
     PanelFixture f;
     f.repo.git({u"checkout"_s, u"-q"_s, u"-b"_s, u"other"_s});
-    f.repo.write(u"a.txt"_s, "theirs\n");
+    f.repo.write(name, "theirs\n");
     f.repo.commitAll(u"theirs"_s);
     f.repo.git({u"checkout"_s, u"-q"_s, u"main"_s});
-    f.repo.write(u"a.txt"_s, "ours\n");
+    f.repo.write(name, "ours\n");
     f.repo.commitAll(u"ours"_s);
     f.repo.tryGit({u"merge"_s, u"other"_s});
     f.show();
-    clickRow(f.list(), u"! a.txt"_s);
+    clickRow(f.list(), line);
     QVERIFY(!f.view.diffPath());
     QTRY_VERIFY(f.app.state.currentDocument() && f.app.state.currentDocument()->fileURL());
-    QCOMPARE(f.app.state.currentDocument()->fileURL()->toLocalFile(), f.repo.filePath(u"a.txt"_s));
-    choose(*menuOf(f.list(), u"! a.txt"_s), u"Show Diff"_s);
-    QCOMPARE(f.view.diffPath(), std::optional(u"a.txt"_s));
+    QCOMPARE(f.app.state.currentDocument()->fileURL()->toLocalFile(), f.repo.filePath(name));
+    choose(*menuOf(f.list(), line), u"Show Diff"_s);
+    QCOMPARE(f.view.diffPath(), std::optional(name));
 }
 
 void RowMenuTest::renamedFileHasItsNewPlace()

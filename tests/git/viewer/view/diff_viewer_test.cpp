@@ -9,7 +9,9 @@
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void keysGoFromHunkToHunk();
     void keysGoFromFileToFile();
     void keysActOnTheHunkOnScreen();
+    void menuNamesTheKeys();
     void linesAreSelectedByKey();
     void hunkIsCopiedWhenNothingIsSelected();
     void textIsFound();
@@ -611,6 +614,37 @@ void DiffViewerTest::keysActOnTheHunkOnScreen()
     list.verticalScrollBar()->setValue(int(list.diffLayout().fileTop(30)));
     QTest::keyClick(&list, Qt::Key_S);
     QCOMPARE(acted.last(), u"file30"_s);
+}
+
+void DiffViewerTest::menuNamesTheKeys()
+{
+    ShownViewer shown(manyFiles(3));
+    int acted = 0;
+    shown.viewer.setHunkAction(
+        u"Stage hunk"_s, [&](const DiffFile&, qsizetype) { ++acted; },
+        [](const DiffFile& file, qsizetype) {
+            return HunkHindrance{file.path == u"file1" ? u"No."_s : QString(), {}};
+        });
+    // A row of the second file's hunk, by which it becomes the current one, and then of the first's.
+    for (const qsizetype file : {1, 0}) {
+        const QPoint place = shown.pointOf({file, 0, 1, 1});
+        QTest::mouseClick(shown.list().viewport(), Qt::LeftButton, {}, place);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, shown.list().viewport()->mapToGlobal(place));
+        QApplication::sendEvent(shown.list().viewport(), &event);
+        auto* menu = shown.list().findChild<QMenu*>();
+        QVERIFY(menu != nullptr);
+        QStringList entries;
+        for (const QAction* action : menu->actions()) {
+            entries.append(action->text() + u'|' + action->shortcut().toString());
+        }
+        QCOMPARE(entries, (QStringList{u"Copy|Ctrl+C"_s, u"Select All|Ctrl+A"_s, u"|"_s, u"Next Hunk|F7"_s,
+                                       u"Previous Hunk|Shift+F7"_s, u"Stage hunk|Ctrl+Return"_s}));
+        QCOMPARE(menu->actions().last()->isEnabled(), file == 0);
+        menu->actions().last()->trigger();
+        menu->close();
+        QTRY_VERIFY(shown.list().findChild<QMenu*>() == nullptr);
+    }
+    QCOMPARE(acted, 1);
 }
 
 void DiffViewerTest::linesAreSelectedByKey()
