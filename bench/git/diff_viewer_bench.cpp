@@ -58,6 +58,15 @@ void show(DiffViewer& viewer, DiffViewMode mode)
     QApplication::processEvents();
 }
 
+/// Has the viewer show a text, and waits for it where it is read on another thread.
+void showText(DiffViewer& viewer, const QString& text)
+{
+    viewer.setDiffText(text);
+    while (viewer.isReading()) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
 DiffViewMode modeOf(const benchmark::State& state)
 {
     return allDiffViewModes[static_cast<std::size_t>(state.range(0))];
@@ -69,7 +78,7 @@ void textToFirstPicture(benchmark::State& state)
     DiffViewer viewer;
     show(viewer, modeOf(state));
     for (auto _ : state) {
-        viewer.setDiffText(diff);
+        showText(viewer, diff);
         viewer.repaint();
         state.PauseTiming();
         viewer.setDiffText({});
@@ -83,7 +92,7 @@ void frameOfScrolling(benchmark::State& state)
 {
     DiffViewer viewer;
     show(viewer, modeOf(state));
-    viewer.setDiffText(longDiff());
+    showText(viewer, longDiff());
     QScrollBar& bar = *viewer.list().verticalScrollBar();
     for (auto _ : state) {
         bar.setValue(bar.value() + 48);
@@ -97,7 +106,7 @@ void frameOfDragging(benchmark::State& state)
 {
     DiffViewer viewer;
     show(viewer, modeOf(state));
-    viewer.setDiffText(longDiff());
+    showText(viewer, longDiff());
     QScrollBar& bar = *viewer.list().verticalScrollBar();
     for (auto _ : state) {
         bar.setValue((bar.value() + 9973) % bar.maximum());
@@ -112,7 +121,7 @@ void frameOfLongLines(benchmark::State& state)
     const QString line = QStringLiteral("word, ").repeated(175'000);
     DiffViewer viewer;
     show(viewer, modeOf(state));
-    viewer.setDiffText(QStringLiteral("@@ -1 +1 @@\n-old ") + line + QStringLiteral("\n+new ") + line);
+    showText(viewer, QStringLiteral("@@ -1 +1 @@\n-old ") + line + QStringLiteral("\n+new ") + line);
     QScrollBar& bar = *viewer.list().verticalScrollBar();
     for (auto _ : state) {
         bar.setValue((bar.value() + 48) % bar.maximum());
@@ -125,7 +134,7 @@ void resizeOfALongDiff(benchmark::State& state)
 {
     DiffViewer viewer;
     show(viewer, modeOf(state));
-    viewer.setDiffText(longDiff());
+    showText(viewer, longDiff());
     int width = 1100;
     for (auto _ : state) {
         width = width == 1100 ? 1000 : 1100;

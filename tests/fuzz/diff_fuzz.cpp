@@ -1,5 +1,10 @@
 // Diffs of any text: the parse keeps every line that it takes, numbers run on, and each hunk makes a patch.
+#include "git/diff/combined_hunk.h"
+#include "git/diff/commit_text.h"
+#include "git/diff/diff_content.h"
 #include "git/diff/diff_parser.h"
+#include "git/diff/file_facts.h"
+#include "git/diff/hunk_hindrance.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -16,15 +21,16 @@ void require(bool holds)
 /// What a line of a hunk was in the input.
 bool isLineOf(const QStringList& input, const kelm::DiffLine& line)
 {
+    const QString text = line.text.toString();
     switch (line.kind) {
     case kelm::DiffLineKind::added:
-        return input.contains(u'+' + line.text);
+        return input.contains(u'+' + text);
     case kelm::DiffLineKind::removed:
-        return input.contains(u'-' + line.text);
+        return input.contains(u'-' + text);
     case kelm::DiffLineKind::context:
-        return input.contains(u' ' + line.text) || input.contains(line.text);
+        return input.contains(u' ' + text) || input.contains(text);
     default:
-        return input.contains(line.text);
+        return input.contains(text);
     }
 }
 
@@ -37,10 +43,32 @@ void checkHunk(const kelm::DiffHunk& hunk, const QStringList& input)
     for (const kelm::DiffLine& line : hunk.lines) {
         require(isLineOf(input, line));
         require(!line.text.contains(u'\n'));
-        require(line.oldLineNumber.value_or(lastOld) >= lastOld && line.newLineNumber.value_or(lastNew) >= lastNew);
-        lastOld = line.oldLineNumber.value_or(lastOld);
-        lastNew = line.newLineNumber.value_or(lastNew);
+        require((!line.oldLineNumber || *line.oldLineNumber >= lastOld) &&
+                (!line.newLineNumber || *line.newLineNumber >= lastNew));
+        lastOld = line.oldLineNumber ? *line.oldLineNumber : lastOld;
+        lastNew = line.newLineNumber ? *line.newLineNumber : lastNew;
     }
+}
+
+/// What is shown of the text: every line of it is in the text, and the pieces are the whole.
+void checkContent(const QString& text)
+{
+    QString joined;
+    for (const QStringView piece : kelm::piecesOfCombinedDiff(text)) {
+        joined += piece;
+    }
+    require(joined == text);
+    for (const kelm::DiffFile& file : kelm::DiffContent::of(text).files) {
+        require(!kelm::fileLabel(file).isEmpty());
+        for (qsizetype index = 0; index < file.hunks.size(); ++index) {
+            kelm::HunkHindrance::of(file, index, index % 2 == 0);
+            for (const kelm::DiffLine& line : file.hunks[index].lines) {
+                const QChar* const end = line.text.data() + line.text.size();
+                require(line.text.data() >= text.constData() && end <= text.constData() + text.size());
+            }
+        }
+    }
+    require(kelm::CommitText::of(text).message.size() <= text.size());
 }
 
 } // namespace
@@ -54,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(!file.preamble.isEmpty() || !file.hunks.isEmpty());
         taken += file.preamble.size();
         for (const kelm::DiffLine& line : file.preamble) {
-            require(line.kind == kelm::DiffLineKind::fileHeader && input.contains(line.text));
+            require(line.kind == kelm::DiffLineKind::fileHeader && input.contains(line.text.toString()));
         }
         for (qsizetype index = 0; index < file.hunks.size(); ++index) {
             // The checks search the input for each line: short inputs are enough for them.
@@ -68,5 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(!file.patch(-1) && !file.patch(file.hunks.size()));
     }
     require(taken <= input.size());
+    checkContent(text);
     return 0;
 }

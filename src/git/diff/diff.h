@@ -5,20 +5,44 @@
 #include <QString>
 #include <QUuid>
 
+#include <limits>
 #include <optional>
 
 namespace kelm {
 
 enum class DiffLineKind { context, added, removed, hunkHeader, fileHeader, noNewline };
 
+/// A place in a file, or none. As long as the number alone, which counts where there are millions of them.
+class DiffLineNumber
+{
+public:
+    DiffLineNumber() = default;
+    DiffLineNumber(std::nullopt_t) {}
+    DiffLineNumber(qint64 number) : number_(number) {}
+
+    bool has_value() const { return number_ != none; }
+    explicit operator bool() const { return has_value(); }
+    qint64 operator*() const { return number_; }
+    operator std::optional<qint64>() const { return has_value() ? std::optional(number_) : std::nullopt; }
+
+    bool operator==(const DiffLineNumber&) const = default;
+
+private:
+    /// No header can say it: a sign there means the other file.
+    static constexpr qint64 none = std::numeric_limits<qint64>::min();
+
+    qint64 number_ = none;
+};
+
 struct DiffLine
 {
     DiffLineKind kind = DiffLineKind::context;
-    /// Without the leading sign for context, added and removed lines; the whole line for the others.
-    QString text;
+    /// Without the leading sign for context, added and removed lines; the whole line for the others. It looks into the
+    /// text that was parsed, which the line's hunk and file keep.
+    QStringView text;
     /// 1-based places in the two files, where the line has one.
-    std::optional<qint64> oldLineNumber;
-    std::optional<qint64> newLineNumber;
+    DiffLineNumber oldLineNumber;
+    DiffLineNumber newLineNumber;
 
     bool operator==(const DiffLine&) const = default;
 };
@@ -35,9 +59,25 @@ struct DiffHunk
     qint64 newCount = 0;
     /// Begins with the header line itself.
     QList<DiffLine> lines;
+    /// The whole text that was parsed, shared by all that came of it: the lines are views of it, so that a large diff
+    /// is held once.
+    QString source;
 
-    bool operator==(const DiffHunk&) const = default;
+    /// Field by field, wherever the two come from.
+    friend bool operator==(const DiffHunk& a, const DiffHunk& b)
+    {
+        return a.id == b.id && a.header == b.header && a.oldStart == b.oldStart && a.oldCount == b.oldCount &&
+               a.newStart == b.newStart && a.newCount == b.newCount && a.lines == b.lines;
+    }
 };
+
+/// Whether a line is the empty piece behind the last line feed of the text. The parser counts it as a line of the last
+/// hunk, and it goes into that hunk's patch, but it is no line of the file and has no number there.
+inline bool isBehindTheText(const DiffHunk& hunk, const DiffLine& line)
+{
+    return line.kind == DiffLineKind::context && line.text.isEmpty() && !hunk.source.isEmpty() &&
+           line.text.data() == hunk.source.constData() + hunk.source.size() && hunk.source.back() == u'\n';
+}
 
 struct DiffFile
 {
@@ -48,12 +88,18 @@ struct DiffFile
     /// The lines before the first hunk, all of kind `fileHeader`.
     QList<DiffLine> preamble;
     QList<DiffHunk> hunks;
+    /// As that of a hunk.
+    QString source;
 
     /// A patch that holds the one hunk at `index` and nothing else, ready for `git apply`; absent when there is no such
     /// hunk. The hunk keeps its own header: its numbers are those of the whole diff.
     std::optional<QString> patch(qsizetype index) const;
 
-    bool operator==(const DiffFile&) const = default;
+    /// Field by field, wherever the two come from.
+    friend bool operator==(const DiffFile& a, const DiffFile& b)
+    {
+        return a.id == b.id && a.path == b.path && a.preamble == b.preamble && a.hunks == b.hunks;
+    }
 };
 
 } // namespace kelm

@@ -1,5 +1,6 @@
 #include "git/diff/diff_content.h"
 
+#include "git/diff/combined_hunk.h"
 #include "git/diff/diff_parser.h"
 
 namespace kelm {
@@ -11,6 +12,26 @@ QString counted(qsizetype count, const QString& noun)
     return QString::number(count) + u' ' + noun + (count == 1 ? QString() : QStringLiteral("s"));
 }
 
+/// The files of one piece of `diffText`, in which their lines look.
+QList<DiffFile> parsed(QStringView piece, const QString& diffText)
+{
+    const bool isAll = piece.size() == diffText.size();
+    QList<DiffFile> files = DiffParser::parse(isAll ? diffText : QString::fromRawData(piece.data(), piece.size()));
+    for (DiffFile& file : files) {
+        file.source = diffText;
+        for (DiffHunk& hunk : file.hunks) {
+            hunk.source = diffText;
+            if (isCombined(hunk)) {
+                hunk = readableCombinedHunk(std::move(hunk));
+            }
+        }
+        if (file.path.isEmpty()) {
+            file.path = pathOfCombinedDiff(piece);
+        }
+    }
+    return files;
+}
+
 } // namespace
 
 DiffContent DiffContent::of(const QString& diffText)
@@ -18,7 +39,13 @@ DiffContent DiffContent::of(const QString& diffText)
     if (diffText.isEmpty()) {
         return {};
     }
-    QList<DiffFile> files = DiffParser::parse(diffText);
+    QList<DiffFile> files;
+    const QList<QStringView> pieces = piecesOfCombinedDiff(diffText);
+    for (qsizetype index = 0; index < pieces.size(); ++index) {
+        // Only the last piece has an end that is the text's own.
+        const bool isLast = index == pieces.size() - 1;
+        files += parsed(isLast ? pieces[index] : pieces[index].chopped(1), diffText);
+    }
     return {files.isEmpty() ? State::rawText : State::files, std::move(files)};
 }
 

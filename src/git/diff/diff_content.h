@@ -19,6 +19,7 @@ struct DiffContent
     State state = State::noChanges;
     QList<DiffFile> files;
 
+    /// The hunks of a combined diff come as they are read; every other is as it was parsed.
     static DiffContent of(const QString& diffText);
 };
 

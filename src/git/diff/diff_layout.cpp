@@ -29,6 +29,9 @@ DiffLayout::Hunk DiffLayout::measured(const DiffHunk& hunk) const
     layout.firstLine = !hunk.lines.isEmpty() && hunk.lines.front().kind == DiffLineKind::hunkHeader ? 1 : 0;
     layout.entries =
         mode_ == DiffViewMode::unified ? hunk.lines.size() - layout.firstLine : SideBySideHunkLines(hunk).rowCount();
+    if (!hunk.lines.isEmpty() && isBehindTheText(hunk, hunk.lines.back())) {
+        --layout.entries;
+    }
     for (qsizetype line = layout.firstLine; line < hunk.lines.size(); ++line) {
         layout.widest = std::max(layout.widest, cellCount(hunk.lines[line].text));
     }

@@ -4,10 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <limits>
 #include <tuple>
-#include <vector>
+#include <utility>
 
 namespace kelm {
 
@@ -42,8 +41,11 @@ void advance(qint64& number)
 class DiffParser::Pass
 {
 public:
-    QList<DiffFile> over(QStringView text)
+    explicit Pass(const QString& source) : source_(source) {}
+
+    QList<DiffFile> over()
     {
+        const QStringView text = source_;
         qsizetype start = 0;
         while (start >= 0) {
             const qsizetype end = text.indexOf(u'\n', start);
@@ -102,32 +104,31 @@ private:
     {
         switch (first) {
         case u'\\':
-            lines_.push_back({DiffLineKind::noNewline, line.toString(), {}, {}});
+            lines_.append({DiffLineKind::noNewline, line, {}, {}});
             break;
         case u'+':
-            lines_.push_back({DiffLineKind::added, line.sliced(1).toString(), {}, newLine_});
+            lines_.append({DiffLineKind::added, line.sliced(1), {}, newLine_});
             advance(newLine_);
             break;
         case u'-':
-            lines_.push_back({DiffLineKind::removed, line.sliced(1).toString(), oldLine_, {}});
+            lines_.append({DiffLineKind::removed, line.sliced(1), oldLine_, {}});
             advance(oldLine_);
             break;
         default:
-            lines_.push_back(
-                {DiffLineKind::context, (first == u' ' ? line.sliced(1) : line).toString(), oldLine_, newLine_});
+            lines_.append({DiffLineKind::context, first == u' ' ? line.sliced(1) : line, oldLine_, newLine_});
             advance(oldLine_);
             advance(newLine_);
         }
     }
 
-    void addPreamble(QStringView line) { file_.preamble.append({DiffLineKind::fileHeader, line.toString(), {}, {}}); }
+    void addPreamble(QStringView line) { file_.preamble.append({DiffLineKind::fileHeader, line, {}, {}}); }
 
     void openHunk(QStringView line)
     {
         const Ranges ranges = parseHunkHeader(line);
-        const QString header = line.toString();
-        hunk_ = {QUuid(), header, ranges.oldStart, ranges.oldCount, ranges.newStart, ranges.newCount, {}};
-        lines_.push_back({DiffLineKind::hunkHeader, header, {}, {}});
+        hunk_ = {QUuid(), line.toString(), ranges.oldStart, ranges.oldCount, ranges.newStart, ranges.newCount,
+                 {},      source_};
+        lines_.append({DiffLineKind::hunkHeader, line, {}, {}});
         oldLine_ = ranges.oldStart;
         newLine_ = ranges.newStart;
         isHunkOpen_ = true;
@@ -137,12 +138,24 @@ private:
     {
         if (isHunkOpen_) {
             hunk_.id = QUuid::createUuid();
-            hunk_.lines.reserve(static_cast<qsizetype>(lines_.size()));
-            std::move(lines_.begin(), lines_.end(), std::back_inserter(hunk_.lines));
-            lines_.clear();
+            takeLines();
             file_.hunks.append(std::move(hunk_));
             hunk_ = {};
             isHunkOpen_ = false;
+        }
+    }
+
+    /// Gives the hunk its lines.
+    void takeLines()
+    {
+        constexpr qsizetype many = 4096;
+        if (lines_.size() < many) {
+            hunk_.lines = QList<DiffLine>(lines_.cbegin(), lines_.cend());
+            lines_.clear();
+        } else {
+            // What a long list has room for beyond its end was never touched and costs nothing; a copy of the right
+            // length would, for a moment, as much as all its lines.
+            hunk_.lines = std::exchange(lines_, {});
         }
     }
 
@@ -150,27 +163,29 @@ private:
     {
         if (!file_.preamble.isEmpty() || !file_.hunks.isEmpty()) {
             file_.id = QUuid::createUuid();
+            file_.source = source_;
             files_.append(std::move(file_));
             file_ = {};
         }
     }
 
+    const QString& source_;
     QList<DiffFile> files_;
     DiffFile file_;
     DiffHunk hunk_;
     /// The open hunk's lines, in a buffer that serves one hunk after another.
-    std::vector<DiffLine> lines_;
+    QList<DiffLine> lines_;
     bool isHunkOpen_ = false;
     qint64 oldLine_ = 0;
     qint64 newLine_ = 0;
 };
 
-QList<DiffFile> DiffParser::parse(QStringView text)
+QList<DiffFile> DiffParser::parse(const QString& text)
 {
     if (text.isEmpty()) {
         return {};
     }
-    return Pass().over(text);
+    return Pass(text).over();
 }
 
 DiffParser::Ranges DiffParser::parseHunkHeader(QStringView line)

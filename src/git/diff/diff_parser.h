@@ -18,7 +18,8 @@ class DiffParser
 public:
     DiffParser() = delete;
 
-    static QList<DiffFile> parse(QStringView text);
+    /// The files share `text`, into which their lines look; nothing of it is copied.
+    static QList<DiffFile> parse(const QString& text);
 
 private:
     struct Ranges

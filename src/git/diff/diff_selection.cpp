@@ -61,13 +61,92 @@ std::optional<LineStretch> selectedStretch(const DiffSelection& selection, DiffT
     return LineStretch{from, std::min(last, end).unit - from};
 }
 
+namespace {
+
+/// The units of the text at a place, whatever its own unit.
+qsizetype lengthAt(const DiffLayout& layout, const DiffTextPlace& place, SideBySideHunkLines::Side side)
+{
+    if (place.hunk < 0) {
+        return shownPath(layout.files()[place.file]).size();
+    }
+    const DiffLine* const line = lineOn(side, layout, place.file, place.hunk, place.entry);
+    return line == nullptr ? 0 : line->text.size();
+}
+
+/// One step, to a line that may have nothing on the side that is looked at.
+bool step(const DiffLayout& layout, DiffTextPlace& place, bool isBelow)
+{
+    const QList<DiffFile>& files = layout.files();
+    const auto entries = [&](qsizetype hunk) {
+        return layout.isCollapsed(place.file, hunk) ? 0 : layout.entryCount(place.file, hunk);
+    };
+    place.unit = 0;
+    place.entry += isBelow ? 1 : -1;
+    if (place.hunk >= 0 && place.entry >= 0 && place.entry < entries(place.hunk)) {
+        return true;
+    }
+    place.hunk += isBelow ? 1 : -1;
+    if (!isBelow && place.hunk < -1) {
+        if (--place.file < 0) {
+            return false;
+        }
+        place.hunk = files[place.file].hunks.size() - 1;
+    }
+    for (; place.hunk >= 0 && place.hunk < files[place.file].hunks.size(); place.hunk += isBelow ? 1 : -1) {
+        if (const qsizetype count = entries(place.hunk); count > 0) {
+            place.entry = isBelow ? 0 : count - 1;
+            return true;
+        }
+    }
+    place.entry = 0;
+    if (place.hunk < 0) {
+        return true;
+    }
+    place = {place.file + 1, -1, 0, 0};
+    return place.file < files.size();
+}
+
+} // namespace
+
+std::optional<DiffTextPlace> neighbouringLine(const DiffLayout& layout, const DiffTextPlace& place,
+                                              SideBySideHunkLines::Side side, bool isBelow)
+{
+    DiffTextPlace found = place;
+    while (step(layout, found, isBelow)) {
+        if (found.hunk < 0 || lineOn(side, layout, found.file, found.hunk, found.entry) != nullptr) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+DiffSelection extendedByLine(const DiffLayout& layout, const DiffSelection& selection, bool isBelow)
+{
+    DiffSelection extended = selection;
+    const auto next = neighbouringLine(layout, selection.caret, selection.side, isBelow);
+    if (selection.isEmpty() || !next) {
+        // The line itself first.
+        extended.caret.unit = isBelow ? lengthAt(layout, selection.caret, selection.side) : 0;
+    } else {
+        extended.caret = *next;
+    }
+    const auto key = [](const DiffTextPlace& place) { return std::tuple(place.file, place.hunk, place.entry); };
+    const bool isForwards = key(extended.caret) == key(extended.anchor) ? isBelow || extended.anchor.unit == 0
+                                                                        : key(extended.anchor) < key(extended.caret);
+    DiffTextPlace& end = isForwards ? extended.caret : extended.anchor;
+    DiffTextPlace& start = isForwards ? extended.anchor : extended.caret;
+    start.unit = 0;
+    end.unit = lengthAt(layout, end, selection.side);
+    return extended;
+}
+
 QString selectedText(const DiffLayout& layout, const DiffSelection& selection)
 {
     const auto [first, last] = std::minmax(selection.anchor, selection.caret);
     QStringList lines;
-    const auto take = [&, &selection = selection](const QString& text, DiffTextPlace place) {
+    const auto take = [&, &selection = selection](QStringView text, DiffTextPlace place) {
         if (const auto stretch = selectedStretch(selection, place, text.size())) {
-            lines.append(text.sliced(stretch->start, stretch->length));
+            lines.append(text.sliced(stretch->start, stretch->length).toString());
         }
     };
     const QList<DiffFile>& files = layout.files();

@@ -54,6 +54,14 @@ DiffSelection wholeSelection(const DiffLayout& layout, SideBySideHunkLines::Side
 /// the selection does not touch it.
 std::optional<LineStretch> selectedStretch(const DiffSelection& selection, DiffTextPlace place, qsizetype length);
 
+/// The line below a place, or above it, at its first unit; paths are lines too, and what is collapsed is passed over.
+/// Nothing at an end. `side` is one of those that the form has.
+std::optional<DiffTextPlace> neighbouringLine(const DiffLayout& layout, const DiffTextPlace& place,
+                                              SideBySideHunkLines::Side side, bool isBelow);
+
+/// The selection with its caret a line farther down or up, of whole lines.
+DiffSelection extendedByLine(const DiffLayout& layout, const DiffSelection& selection, bool isBelow);
+
 /// The selected text: whole lines without their signs, with a line feed between two. What is collapsed is left out.
 QString selectedText(const DiffLayout& layout, const DiffSelection& selection);
 

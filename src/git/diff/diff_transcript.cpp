@@ -1,5 +1,7 @@
 #include "git/diff/diff_transcript.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <tuple>
 
@@ -24,6 +26,18 @@ QString diffSign(DiffLineKind kind)
     return QStringLiteral(" ");
 }
 
+QString spokenKind(DiffLineKind kind)
+{
+    switch (kind) {
+    case DiffLineKind::added:
+        return QCoreApplication::translate("DiffTranscript", "added: ");
+    case DiffLineKind::removed:
+        return QCoreApplication::translate("DiffTranscript", "removed: ");
+    default:
+        return {};
+    }
+}
+
 DiffTranscript::DiffTranscript(const DiffLayout& layout)
 {
     const QList<DiffFile>& files = layout.files();
@@ -36,20 +50,22 @@ DiffTranscript::DiffTranscript(const DiffLayout& layout)
                 const DiffLine* const oldLine = lineOn(Side::oldSide, layout, file, hunk, entry);
                 const DiffLine* const newLine = lineOn(Side::newSide, layout, file, hunk, entry);
                 if (oldLine != nullptr) {
-                    append(diffSign(oldLine->kind), oldLine->text, {file, hunk, entry, 0}, Side::oldSide);
+                    append(spokenKind(oldLine->kind), oldLine->text, {file, hunk, entry, 0}, Side::oldSide);
                 }
                 if (newLine != nullptr && newLine != oldLine) {
-                    append(diffSign(newLine->kind), newLine->text, {file, hunk, entry, 0}, Side::newSide);
+                    append(spokenKind(newLine->kind), newLine->text, {file, hunk, entry, 0}, Side::newSide);
                 }
             }
         }
     }
 }
 
-void DiffTranscript::append(const QString& sign, const QString& line, const DiffTextPlace& place, Side side)
+void DiffTranscript::append(const QString& kind, QStringView line, const DiffTextPlace& place, Side side)
 {
-    lines_.push_back({text_.size(), place, side, sign.size()});
-    text_ += sign + line + u'\n';
+    lines_.push_back({text_.size(), place, side, kind.size()});
+    text_ += kind;
+    text_ += line;
+    text_ += u'\n';
 }
 
 const DiffTranscript::Line* DiffTranscript::lineAt(qsizetype offset) const

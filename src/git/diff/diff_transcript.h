@@ -10,9 +10,9 @@
 
 namespace kelm {
 
-/// The paths, the headers of the hunks and the lines with their signs, in the order in which they are read; in the
-/// side-by-side form the two sides of a row one after the other, and once where both are the same. What is collapsed is
-/// left out. Offsets are UTF-16 units. Made in one pass over the diff.
+/// The paths, the headers of the hunks and the lines, each with what it is in words, since readers pass over signs; in
+/// the order in which they are read, and in the side-by-side form the two sides of a row one after the other, and once
+/// where both are the same. What is collapsed is left out. Offsets are UTF-16 units. Made in one pass over the diff.
 class DiffTranscript
 {
 public:
@@ -22,7 +22,7 @@ public:
         /// Where the line's text stands. The header of a hunk stands at its entry -1.
         DiffTextPlace place;
         SideBySideHunkLines::Side side = SideBySideHunkLines::Side::newSide;
-        /// The units before the text: the sign.
+        /// The units before the text: its kind.
         qsizetype prefix = 0;
     };
 
@@ -33,13 +33,13 @@ public:
     const std::vector<Line>& lines() const { return lines_; }
     /// The line that an offset is in. There is none in an empty text.
     const Line* lineAt(qsizetype offset) const;
-    /// The place of an offset, which is at the start of the text for one in the sign.
+    /// The place of an offset, which is at the start of the text for one in the kind.
     DiffTextPlace placeOf(qsizetype offset) const;
     /// The offset of a place; absent where the place is not in the text.
     std::optional<qsizetype> offsetOf(const DiffTextPlace& place, SideBySideHunkLines::Side side) const;
 
 private:
-    void append(const QString& sign, const QString& line, const DiffTextPlace& place, SideBySideHunkLines::Side side);
+    void append(const QString& kind, QStringView line, const DiffTextPlace& place, SideBySideHunkLines::Side side);
 
     QString text_;
     std::vector<Line> lines_;
@@ -47,5 +47,7 @@ private:
 
 /// The sign before a line: a blank for context.
 QString diffSign(DiffLineKind kind);
+/// What is said before a line: nothing for context.
+QString spokenKind(DiffLineKind kind);
 
 } // namespace kelm

@@ -23,7 +23,7 @@ QStringList headerLines(const DiffFile& file)
         const auto start = std::find_if(keptStarts.begin(), keptStarts.end(),
                                         [&line](QStringView text) { return line.text.startsWith(text); });
         if (start != keptStarts.end()) {
-            kept.append(line.text);
+            kept.append(line.text.toString());
             namesFile |= *start == patchedFileStart;
         }
     }
@@ -64,7 +64,9 @@ std::optional<QString> DiffFile::patch(qsizetype index) const
     QString text = headerLines(*this).join(u'\n') + u'\n' + hunk.header + u'\n';
     for (const DiffLine& line : hunk.lines) {
         if (const auto prefix = sign(line.kind)) {
-            text += *prefix + line.text + u'\n';
+            text += *prefix;
+            text += line.text;
+            text += u'\n';
         }
     }
     return text;

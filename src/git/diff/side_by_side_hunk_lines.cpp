@@ -81,7 +81,7 @@ QList<SideBySideHunkLines::Row> SideBySideHunkLines::rows() const
             row.newLine = hunk.lines[pairing.newLine];
         }
         if (pairing.isCompared()) {
-            WordDiff::Result words = WordDiff::diff(row.oldLine->text, row.newLine->text);
+            WordDiff::Result words = WordDiff::diff(row.oldLine->text.toString(), row.newLine->text.toString());
             row.oldWord = std::move(words.oldSegments);
             row.newWord = std::move(words.newSegments);
         }

@@ -8,7 +8,8 @@ QMap<qsizetype, UnifiedHunkLines::LineWords> UnifiedHunkLines::wordDiffMap() con
     for (qsizetype line = 0; line < hunk.lines.size(); ++line) {
         const std::optional<qsizetype> added = partner(line);
         if (added && *added > line) {
-            WordDiff::Result result = WordDiff::diff(hunk.lines[line].text, hunk.lines[*added].text);
+            WordDiff::Result result =
+                WordDiff::diff(hunk.lines[line].text.toString(), hunk.lines[*added].text.toString());
             words.insert(line, {std::move(result.oldSegments), std::nullopt});
             words.insert(*added, {std::nullopt, std::move(result.newSegments)});
         }

@@ -56,8 +56,8 @@ const ChangedWords* WordDiffCache::words(const DiffHunk& hunk, qsizetype oldLine
     if (words_.size() >= mostPairsKept) {
         clear();
     }
-    const QString& oldText = hunk.lines[oldLine].text;
-    const QString& newText = hunk.lines[newLine].text;
+    const QString oldText = hunk.lines[oldLine].text.toString();
+    const QString newText = hunk.lines[newLine].text.toString();
     std::shared_ptr<const ChangedWords>& words = words_[key];
     if (oldText.size() + newText.size() <= longestAtOnce) {
         words = std::make_shared<const ChangedWords>(ChangedWords::of(WordDiff::diff(oldText, newText)));

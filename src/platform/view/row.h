@@ -48,6 +48,8 @@ struct Row
     std::function<void()> onClick = {};
     QString clickName = {};
     QList<RowAction> actions = {};
+    /// What the context menu offers behind those.
+    QList<RowAction> menu = {};
     /// The row's height in points where it is not that of the list.
     int height = 0;
     /// Makes the controls that stand in the row's place while it is edited.

@@ -360,8 +360,14 @@ void RowList::contextMenuEvent(QContextMenuEvent* event)
     if (!isUsable(item)) {
         return;
     }
+    const QRect place = visualRect(model_.index(item));
+    openMenu(item, isByMouse ? event->globalPos() : viewport()->mapToGlobal(place.center()));
+}
+
+void RowList::openMenu(int item, const QPoint& globalPlace)
+{
     const Row row = model_.rowAt(item);
-    if (row.makeEditor || (row.actions.isEmpty() && !row.onClick)) {
+    if (row.makeEditor || (row.actions.isEmpty() && row.menu.isEmpty() && !row.onClick)) {
         return;
     }
     auto* menu = new QMenu(this);
@@ -369,14 +375,15 @@ void RowList::contextMenuEvent(QContextMenuEvent* event)
     if (row.onClick) {
         menu->addAction(row.clickName, this, row.onClick);
     }
-    if (row.onClick && !row.actions.isEmpty()) {
-        menu->addSeparator();
+    for (const QList<RowAction>& actions : {row.actions, row.menu}) {
+        if (!actions.isEmpty() && !menu->isEmpty()) {
+            menu->addSeparator();
+        }
+        for (const RowAction& action : actions) {
+            menu->addAction(action.help, this, action.run);
+        }
     }
-    for (const RowAction& action : row.actions) {
-        menu->addAction(action.help, this, action.run);
-    }
-    const QRect place = visualRect(model_.index(item));
-    menu->popup(isByMouse ? event->globalPos() : viewport()->mapToGlobal(place.center()));
+    menu->popup(globalPlace);
 }
 
 } // namespace kelm

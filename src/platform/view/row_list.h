@@ -15,7 +15,8 @@ class RowActions;
 ///
 /// The row under the mouse shows its actions as buttons. So does the row that the keyboard is on: the up and down keys
 /// go from row to row, Return and Space do what a click does, Right or Tab goes to the row's buttons, and the menu key
-/// offers the same. Rows that can be clicked stand out while the mouse is over them.
+/// and Shift+F10 offer the same and what else a row has. Rows that can be clicked stand out while the mouse is over
+/// them.
 ///
 /// One gesture does one thing. A row that has come under the pointer because the rows were made anew takes no press
 /// until the pointer moves, and a key that is held down presses once.
@@ -49,6 +50,7 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void openMenu(int item, const QPoint& globalPlace);
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     bool focusNextPrevChild(bool next) override;

@@ -27,6 +27,14 @@ void RowList::keyPressEvent(QKeyEvent* event)
         return;
     case Qt::Key_Left:
         return;
+    case Qt::Key_F10:
+        if (event->modifiers() == Qt::ShiftModifier && isUsable(item)) {
+            updateActions();
+            openMenu(item, viewport()->mapToGlobal(visualRect(model_.index(item)).center()));
+            return;
+        }
+        QListView::keyPressEvent(event);
+        return;
     default:
         QListView::keyPressEvent(event);
         updateActions();

@@ -163,7 +163,7 @@ void MainWindow::refreshSidebar()
         return;
     }
     const auto makeContent = [this](SidebarTab tab, QWidget* parent) {
-        return makeSidebarContent(tab, appState_, themeManager_, parent);
+        return makeSidebarContent(tab, appState_, themeManager_, workspace_, parent);
     };
     sidebar_ = new SidebarView(themeManager_, makeContent, columns_);
     columns_->insertWidget(0, sidebar_);

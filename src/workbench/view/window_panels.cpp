@@ -11,12 +11,15 @@
 
 namespace kelm {
 
-QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& themeManager, QWidget* parent)
+QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& themeManager, Workspace& workspace,
+                            QWidget* parent)
 {
     Q_UNUSED(themeManager)
     switch (tab) {
     case SidebarTab::sourceControl:
-        return new SourceControlView(appState, {appState.filePanels(), appState.scheduler()}, parent);
+        return new SourceControlView(
+            appState, {.filePanels = appState.filePanels(), .scheduler = appState.scheduler(), .workspace = &workspace},
+            parent);
     case SidebarTab::search:
         return new ProjectSearchView(appState, parent);
     case SidebarTab::files:

@@ -8,9 +8,11 @@ namespace kelm {
 
 class AppState;
 class ThemeManager;
+class Workspace;
 
 /// Makes the content of a tab of the sidebar.
-QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& themeManager, QWidget* parent);
+QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& themeManager, Workspace& workspace,
+                            QWidget* parent);
 
 /// What the tabs of the bottom panel show. The terminal lives on while others are shown, with what runs in it.
 BottomPanel::Pages bottomPanelPages(AppState& appState, ThemeManager& themeManager);

@@ -43,18 +43,23 @@ void DiffTranscriptTest::everyKindHasItsSign()
     QCOMPARE(diffSign(DiffLineKind::added), u"+"_s);
     QCOMPARE(diffSign(DiffLineKind::removed), u"-"_s);
     QCOMPARE(diffSign(DiffLineKind::noNewline), u"\\"_s);
+    QCOMPARE(spokenKind(DiffLineKind::context), QString());
+    QCOMPARE(spokenKind(DiffLineKind::added), u"added: "_s);
+    QCOMPARE(spokenKind(DiffLineKind::removed), u"removed: "_s);
 }
 
 void DiffTranscriptTest::everythingIsToldInOrder()
 {
     QCOMPARE(DiffTranscript(layoutOf(DiffViewMode::unified)).text(),
-             u"a.txt\n@@ -1,9 +1,9 @@ section 0\n one\n-two\n-zwei\n+TWO\n@@ -101,9 +101,9 @@ section 1\n+three\n"_s);
+             u"a.txt\n@@ -1,9 +1,9 @@ section 0\none\nremoved: two\nremoved: zwei\nadded: TWO\n@@ -101,9 +101,9 @@ "
+             "section 1\nadded: three\n"_s);
 }
 
 void DiffTranscriptTest::sidesAreToldOneAfterTheOther()
 {
     QCOMPARE(DiffTranscript(layoutOf(DiffViewMode::sideBySide)).text(),
-             u"a.txt\n@@ -1,9 +1,9 @@ section 0\n one\n-two\n+TWO\n-zwei\n@@ -101,9 +101,9 @@ section 1\n+three\n"_s);
+             u"a.txt\n@@ -1,9 +1,9 @@ section 0\none\nremoved: two\nadded: TWO\nremoved: zwei\n@@ -101,9 +101,9 @@ "
+             "section 1\nadded: three\n"_s);
 }
 
 void DiffTranscriptTest::collapsedLinesAreLeftOut()
@@ -62,7 +67,7 @@ void DiffTranscriptTest::collapsedLinesAreLeftOut()
     DiffLayout layout = layoutOf(DiffViewMode::unified);
     layout.setCollapsed(0, 0, true);
     const DiffTranscript transcript(layout);
-    QCOMPARE(transcript.text(), u"a.txt\n@@ -1,9 +1,9 @@ section 0\n@@ -101,9 +101,9 @@ section 1\n+three\n"_s);
+    QCOMPARE(transcript.text(), u"a.txt\n@@ -1,9 +1,9 @@ section 0\n@@ -101,9 +101,9 @@ section 1\nadded: three\n"_s);
     QCOMPARE(transcript.offsetOf({0, 0, 1, 0}, Side::newSide), std::nullopt);
 }
 

@@ -16,7 +16,7 @@ namespace {
 QStringList described(const QList<SideBySideHunkLines::Row>& rows)
 {
     QStringList lines;
-    const auto text = [](const std::optional<DiffLine>& line) { return line ? line->text : u"."_s; };
+    const auto text = [](const std::optional<DiffLine>& line) { return line ? line->text.toString() : u"."_s; };
     for (const auto& row : rows) {
         lines.append(text(row.oldLine) + u'|' + text(row.newLine) + (row.oldWord && row.newWord ? u"*"_s : QString()));
     }

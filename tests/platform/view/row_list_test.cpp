@@ -98,6 +98,7 @@ private Q_SLOTS:
     void theKeyboardMovesOnWhenItsSectionGoes();
     void actionsHideWhenTheKeyboardLeaves();
     void aMenuOffersTheSame();
+    void furtherEntriesStandInTheMenu();
     void everythingHasItsNames();
     void theScrollPositionStays();
     void rowsAreMadeWhenTheyAreSeen();
@@ -317,6 +318,39 @@ void RowListTest::aMenuOffersTheSame()
     QVERIFY(menu() != nullptr);
     choose(*menu(), u"Open"_s);
     QCOMPARE(f.takeDone(), QStringList{u"click a"_s});
+}
+
+void RowListTest::furtherEntriesStandInTheMenu()
+{
+    ListFixture f;
+    const auto menu = [&] { return f.list.findChild<QMenu*>(); };
+    f.list.setSections({{.title = {},
+                         .count = 2,
+                         .row =
+                             [&f](qsizetype i) {
+                                 Row row;
+                                 row.menu = {{u"Copy"_s, {}, [&f, i] { f.done.append(u"copy %1"_s.arg(i)); }}};
+                                 if (i == 1) {
+                                     row.actions = {{u"Take"_s, u"plus"_s, [] {}}};
+                                 }
+                                 return row;
+                             },
+                         .key = [](qsizetype i) { return QString::number(i); }}});
+    f.list.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&f.list, Qt::Key_F10, Qt::ShiftModifier);
+    QVERIFY(menu() != nullptr);
+    QCOMPARE(linesOf(*menu()), QStringList{u"Copy"_s});
+    choose(*menu(), u"Copy"_s);
+    QCOMPARE(f.takeDone(), QStringList{u"copy 0"_s});
+    QTRY_VERIFY(menu() == nullptr);
+    QTest::keyClick(&f.list, Qt::Key_Down);
+    QTest::keyClick(&f.list, Qt::Key_F10, Qt::ShiftModifier);
+    QCOMPARE(linesOf(*menu()), (QStringList{u"Take"_s, u"-"_s, u"Copy"_s}));
+    choose(*menu(), u"Copy"_s);
+    QCOMPARE(f.takeDone(), QStringList{u"copy 1"_s});
+    // The key alone is none of the list's.
+    QTest::keyClick(&f.list, Qt::Key_F10);
+    QTRY_VERIFY(menu() == nullptr);
 }
 
 void RowListTest::everythingHasItsNames()

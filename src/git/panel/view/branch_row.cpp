@@ -1,5 +1,6 @@
 #include "git/panel/view/branch_row.h"
 
+#include "git/panel/view/row_menu.h"
 #include "platform/text/shown_name.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +27,7 @@ Row BranchRow::content() const
                        {u"Merge into current"_s, u"arrow.triangle.merge"_s, onMerge},
                        {u"Delete"_s, u"trash"_s, onDelete}};
     }
+    row.menu = {copyAction(u"Copy Name"_s, branch.name)};
     return row;
 }
 
@@ -36,6 +38,7 @@ Row RemoteBranchRow::content() const
     row.firstLine = {{.text = shownName(branch.name), .font = RowFonts::standard().body, .elideMode = Qt::ElideMiddle}};
     row.help = shownName(branch.name);
     row.actions = {{u"Checkout (create local tracking branch)"_s, u"arrow.right.circle"_s, onCheckout}};
+    row.menu = {copyAction(u"Copy Name"_s, branch.name)};
     return row;
 }
 

@@ -42,6 +42,12 @@ ChangesTab::ChangesTab(GitService& git, std::function<void(const QString& path)>
     connect(&git_, &GitService::statusChanged, this, &ChangesTab::refresh);
 }
 
+void ChangesTab::setFileActions(FileActions actions)
+{
+    fileActions_ = std::move(actions);
+    refresh();
+}
+
 QWidget* ChangesTab::makeConflictBar()
 {
     auto* bar = new QWidget(this);
@@ -96,12 +102,20 @@ void ChangesTab::refreshState()
 
 Row ChangesTab::rowOf(const GitFileStatus& file, bool staged)
 {
+    const QUrl url = fileOf(file, git_.repoURL().value_or(QUrl()));
+    const bool isThere = (file.unstaged ? file.unstaged : file.staged) != GitFileChange::deleted;
+    std::function<void()> open;
+    if (fileActions_.open && isThere) {
+        open = [openFile = fileActions_.open, url] { openFile(url); };
+    }
     return FileStatusRow{.file = file,
                          .staged = staged,
                          .onClickDiff = [this, file] { onClickDiff_(namesOf(file).current); },
                          .onUnstage = [this, file] { git_.unstage(namesToUnstage(file)); },
                          .onStage = [this, file] { git_.stage(namesToStage(file)); },
-                         .onDiscard = [this, file] { git_.discardChanges(namesToDiscard(file)); }}
+                         .onDiscard = [this, file] { git_.discardChanges(namesToDiscard(file)); },
+                         .onOpen = open,
+                         .menu = fileMenu(url, isThere, fileActions_)}
         .content();
 }
 

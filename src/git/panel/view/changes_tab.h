@@ -2,6 +2,7 @@
 #pragma once
 
 #include "git/panel/view/panel_tab.h"
+#include "git/panel/view/row_menu.h"
 
 #include <functional>
 
@@ -22,6 +23,9 @@ class ChangesTab final : public PanelTab
 public:
     ChangesTab(GitService& git, std::function<void(const QString& path)> onClickDiff, QWidget* parent = nullptr);
 
+    /// What the rows' menus do with files.
+    void setFileActions(FileActions actions);
+
     CommitComposer& composer() { return *composer_; }
     RowList& list() { return *list_; }
 
@@ -34,6 +38,7 @@ private:
 
     GitService& git_;
     std::function<void(const QString& path)> onClickDiff_;
+    FileActions fileActions_;
     TextLabel* conflictCount_ = nullptr;
     QWidget* conflictBar_;
     CommitComposer* composer_;

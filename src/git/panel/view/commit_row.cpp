@@ -1,5 +1,7 @@
 #include "git/panel/view/commit_row.h"
 
+#include "git/panel/view/row_menu.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -19,6 +21,7 @@ Row CommitRow::content() const
     row.help = commit.summary + u'\n' + commit.author + u", "_s + commit.date + u'\n' + commit.id;
     row.onClick = onClick;
     row.clickName = u"Show Commit"_s;
+    row.menu = {copyAction(u"Copy SHA"_s, commit.id), copyAction(u"Copy Summary"_s, commit.summary)};
     return row;
 }
 

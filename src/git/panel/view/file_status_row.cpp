@@ -32,12 +32,25 @@ Row FileStatusRow::content() const
     row.help = inWords(file, staged);
     row.onClick = onClickDiff;
     row.clickName = u"Show Diff"_s;
+    // Both sides have added only what two branches have added each in its own way.
+    const bool isInConflict = file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted ||
+                              (file.staged == GitFileChange::added && file.unstaged == GitFileChange::added);
+    if (isInConflict && onOpen) {
+        row.onClick = onOpen;
+        row.clickName = u"Open File"_s;
+        row.menu.append({u"Show Diff"_s, {}, onClickDiff});
+    }
     if (staged) {
         row.actions.append({u"Unstage"_s, u"minus.circle"_s, onUnstage});
     } else {
         row.actions.append({u"Stage"_s, u"plus.circle"_s, onStage});
         if (onDiscard) {
             row.actions.append({u"Discard"_s, u"arrow.uturn.backward.circle"_s, onDiscard});
+        }
+    }
+    for (const RowAction& action : menu) {
+        if (action.help != row.clickName) {
+            row.menu.append(action);
         }
     }
     return row;

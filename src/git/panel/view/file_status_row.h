@@ -16,6 +16,9 @@ struct FileStatusRow
     std::function<void()> onStage;
     /// Absent where there is nothing to discard.
     std::function<void()> onDiscard = {};
+    /// Of a file in conflict, which a click opens: there the conflict is resolved.
+    std::function<void()> onOpen = {};
+    QList<RowAction> menu = {};
 
     Row content() const;
 };

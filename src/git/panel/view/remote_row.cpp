@@ -1,5 +1,6 @@
 #include "git/panel/view/remote_row.h"
 
+#include "git/panel/view/row_menu.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
@@ -26,6 +27,7 @@ Row RemoteRow::content() const
     row.help = shownName(remote.name) + u'\n' + shownName(remote.url);
     row.actions = {{u"Edit URL"_s, u"pencil"_s, [edit = onEdit, url = remote.url] { edit(url); }},
                    {u"Remove remote"_s, u"trash"_s, onRemove}};
+    row.menu = {copyAction(u"Copy Name"_s, remote.name), copyAction(u"Copy URL"_s, remote.url)};
     if (editingURL) {
         row.height = editorHeight;
         row.makeEditor = [remoteRow = *this](QWidget* parent) { return new RemoteURLEditor(remoteRow, parent); };

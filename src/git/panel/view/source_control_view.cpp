@@ -90,6 +90,11 @@ void SourceControlView::addTabs()
 {
     changesTab_ = new ChangesTab(
         git_, [this](const QString& path) { setDiffPath(path); }, tabs_);
+    FileActions actions{.open = [this](const QUrl& file) { appState_.openFile(file); }};
+    if (services_.workspace != nullptr) {
+        actions.reveal = [this](const QUrl& file) { services_.workspace->reveal(file); };
+    }
+    changesTab_->setFileActions(std::move(actions));
     historyTab_ = new HistoryTab(
         git_, [this](const QString& sha) { setHistorySha(sha); }, tabs_);
     tabs_->addWidget(changesTab_);

@@ -4,6 +4,7 @@
 #include "git/panel/source_control_tab.h"
 #include "git/panel/view/source_control_sheets.h"
 #include "platform/desktop/file_panels.h"
+#include "platform/desktop/workspace.h"
 #include "platform/events/scheduler.h"
 
 #include <QPointer>
@@ -39,6 +40,8 @@ public:
         FilePanels& filePanels;
         Scheduler& scheduler;
         SourceControlSheets sheets = SourceControlSheets::standard();
+        /// Reveals files; null where nothing can.
+        Workspace* workspace = nullptr;
     };
 
     /// The application's state and the services outlive the view.

@@ -1,5 +1,6 @@
 #include "git/panel/view/tag_row.h"
 
+#include "git/panel/view/row_menu.h"
 #include "platform/text/shown_name.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +27,10 @@ Row TagRow::content() const
         row.help += u'\n' + shownName(*tag.annotation);
     }
     row.actions = {{u"Push tag"_s, u"arrow.up.circle"_s, onPush}, {u"Delete tag"_s, u"trash"_s, onDelete}};
+    row.menu = {copyAction(u"Copy Name"_s, tag.name)};
+    if (tag.sha) {
+        row.menu.append(copyAction(u"Copy SHA"_s, *tag.sha));
+    }
     return row;
 }
 

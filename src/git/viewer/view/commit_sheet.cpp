@@ -1,15 +1,21 @@
 #include "git/viewer/view/commit_sheet.h"
 
+#include "git/viewer/view/commit_details.h"
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
+#include "git/viewer/view/file_sizes.h"
 #include "platform/style/view/style.h"
+#include "platform/text/decimal_integer.h"
+#include "platform/view/divider.h"
 #include "platform/view/labels.h"
+#include "platform/view/row_list.h"
 #include "platform/view/sheet_frame.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace kelm {
 
@@ -26,7 +32,23 @@ CommitDetailView::CommitDetailView(GitService& git, QString sha, QWidget* parent
     // In the order in which Tab reaches them.
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
-    frameSheet(*this, header, viewer_);
+    details_ = new CommitDetails([this](qsizetype file) { viewer_->list().showFile(file); }, this);
+    auto* body = new QWidget(this);
+    auto* column = new QVBoxLayout(body);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(details_);
+    column->addWidget(new Divider(Qt::Horizontal, body));
+    column->addWidget(viewer_, 1);
+    frameSheet(*this, header, body);
+    connect(viewer_, &DiffViewer::shown, this, [this] {
+        details_->setFiles(viewer_->list().diffLayout().files(),
+                           [this](qsizetype file) { return viewer_->list().fileLabelOf(file); });
+    });
+    auto* sizes = new FileSizes(*viewer_, [this](const DiffFileFacts& facts) {
+        return DiffFileSizes{sizeOfContent(facts.oldContent), sizeOfContent(facts.newContent)};
+    });
+    connect(sizes, &FileSizes::told, this, [this] { details_->files().viewport()->update(); });
 }
 
 CommitDetailView::~CommitDetailView() = default;
@@ -69,11 +91,26 @@ void CommitDetailView::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (!hasAppeared_) {
         hasAppeared_ = true;
-        content_ = git_ ? git_->showCommit(sha_) : QString();
+        // While git is asked, events may come through.
+        const QPointer<CommitDetailView> self = this;
+        const QString content = git_ ? git_->showCommit(sha_) : QString();
+        if (!self) {
+            return;
+        }
+        content_ = content;
+        details_->setContent(content_);
         viewer_->setDiffText(content_);
         // The arrow keys scroll at once.
         viewer_->list().setFocus();
     }
+}
+
+std::optional<qint64> CommitDetailView::sizeOfContent(const QString& content)
+{
+    const auto size = content.isEmpty() || !git_
+                          ? std::nullopt
+                          : git_->run({QStringLiteral("cat-file"), QStringLiteral("-s"), content});
+    return size ? decimalInteger(size->trimmed()) : std::nullopt;
 }
 
 void CommitDetailView::copySha() const

@@ -7,12 +7,14 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 namespace kelm {
 
+class CommitDetails;
 class DiffViewer;
 
-/// What a sheet with one commit holds; its changes are only shown. git is asked when it appears.
+/// What a sheet with one commit holds: its head, and its changes, which are only shown. git is asked when it appears.
 class CommitDetailView final : public QWidget
 {
     Q_OBJECT
@@ -29,6 +31,7 @@ public:
     const QString& content() const { return content_; }
 
     DiffViewer& viewer() { return *viewer_; }
+    CommitDetails& details() { return *details_; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -39,11 +42,13 @@ protected:
 private:
     QWidget* makeHeader();
     void copySha() const;
+    std::optional<qint64> sizeOfContent(const QString& content);
 
     QPointer<GitService> git_;
     QString sha_;
     QString content_;
     bool hasAppeared_ = false;
+    CommitDetails* details_ = nullptr;
     DiffViewer* viewer_ = nullptr;
 };
 

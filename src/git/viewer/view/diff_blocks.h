@@ -3,6 +3,7 @@
 
 #include "git/diff/diff.h"
 #include "git/diff/diff_view_mode.h"
+#include "git/diff/hunk_hindrance.h"
 
 #include <QSet>
 
@@ -19,6 +20,8 @@ struct HunkBlock
     std::function<void()> onToggle;
     std::function<void()> onAction;
     QString actionLabel;
+    /// Why the action cannot be done, or what it does beside what is said.
+    HunkHindrance hindrance;
 };
 
 /// One file. `onHunkAction` may be absent; it gets the index of the hunk.
@@ -30,6 +33,8 @@ struct FileBlock
     std::function<void(const QUuid& hunk)> onToggleHunk;
     std::function<void(qsizetype hunk)> onHunkAction;
     QString hunkActionLabel;
+    /// Tells what stands in the way of the action on a hunk; absent when nothing does.
+    std::function<HunkHindrance(qsizetype hunk)> hindranceOf;
 
     HunkBlock hunkBlock(qsizetype index) const;
 };

@@ -114,8 +114,12 @@ void HunkControls::assign(Row& row, const PlacedHunk& hunk, const std::pair<Hunk
     row.toggle->setAccessibleName(
         (block.collapsed ? QObject::tr("Expand hunk %1") : QObject::tr("Collapse hunk %1")).arg(place));
     row.action->setText(block.actionLabel);
-    row.action->setHelp(QObject::tr("Apply just this hunk to the index"));
+    const auto& [reason, caution] = block.hindrance;
+    const QString help = QObject::tr("Apply just this hunk to the index");
+    row.action->setEnabled(reason.isEmpty());
+    row.action->setHelp(!reason.isEmpty() ? reason : caution.isEmpty() ? help : help + u'\n' + caution);
     row.action->setAccessibleName(block.actionLabel + u' ' + place);
+    row.action->setAccessibleDescription(reason.isEmpty() ? caution : reason);
     row.action->resize(row.action->sizeHint());
     row.toggle->resize(row.toggle->sizeHint());
     row.toggle->show();

@@ -60,7 +60,12 @@ DiffList::DiffList(std::function<FileBlock(qsizetype)> blockOf, QWidget* parent)
 
 DiffList::~DiffList() = default;
 
-void DiffList::setFiles(QList<DiffFile> files, DiffViewMode mode)
+DiffList::Frame DiffList::frameOf(DiffViewMode mode) const
+{
+    return {mode, metrics_, texts_.columns(columnsOf(mode).front().bodyWidth())};
+}
+
+void DiffList::setDiffLayout(DiffLayout layout)
 {
     const std::optional<HunkControl> focused = controls_.focused();
     if (focused) {
@@ -68,16 +73,29 @@ void DiffList::setFiles(QList<DiffFile> files, DiffViewMode mode)
     }
     isDragging_ = false;
     selection_.reset();
+    sizes_.clear();
     transcript_.reset();
     texts_.clear();
     words_.clear();
-    columns_ = columnsOf(mode);
-    layout_ = DiffLayout(std::move(files), mode, metrics_, texts_.columns(columns_.front().bodyWidth()));
+    columns_ = columnsOf(layout.mode());
+    layout_ = std::move(layout);
+    layout_.setColumns(texts_.columns(columns_.front().bodyWidth()));
+    if (current_ && current_->file < layout_.files().size()) {
+        current_->hunk = std::min(current_->hunk, layout_.files()[current_->file].hunks.size() - 1);
+    } else {
+        current_.reset();
+    }
     updateScrollBar();
     updateBlocks();
     if (focused) {
         restoreFocus(*focused);
     }
+}
+
+void DiffList::setSizes(qsizetype file, const DiffFileSizes& sizes)
+{
+    sizes_.insert(file, sizes);
+    viewport()->update();
 }
 
 void DiffList::updateBlocks()
@@ -107,7 +125,7 @@ int DiffList::blockWidth() const
 
 DiffScene DiffList::scene()
 {
-    return {layout_, fonts_, texts_, words_, columns_, selection_, blockWidth() - actionWidth_};
+    return {layout_, fonts_, texts_, words_, columns_, selection_, sizes_, markedHunk(), blockWidth() - actionWidth_};
 }
 
 void DiffList::paintEvent(QPaintEvent* event)

@@ -3,6 +3,7 @@
 
 #include "git/diff/diff_selection.h"
 #include "git/diff/diff_transcript.h"
+#include "git/diff/file_facts.h"
 #include "git/viewer/view/diff_columns.h"
 #include "git/viewer/view/diff_fonts.h"
 #include "git/viewer/view/diff_hunk_controls.h"
@@ -10,6 +11,7 @@
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
+#include <QHash>
 
 #include <functional>
 #include <optional>
@@ -37,8 +39,21 @@ public:
     explicit DiffList(std::function<FileBlock(qsizetype file)> blockOf, QWidget* parent = nullptr);
     ~DiffList() override;
 
-    /// Shows other files, scrolled to where the ones before were. Nothing is selected or collapsed in them.
-    void setFiles(QList<DiffFile> files, DiffViewMode mode);
+    /// What the files are to be laid out by.
+    struct Frame
+    {
+        DiffViewMode mode = DiffViewMode::unified;
+        DiffMetrics metrics;
+        qsizetype columns = 1;
+    };
+    Frame frameOf(DiffViewMode mode) const;
+    /// Shows other files, scrolled to where the ones before were. Nothing is selected or collapsed in them. They may
+    /// have been laid out elsewhere, by a frame of this list; a width that has changed since is made up for.
+    void setDiffLayout(DiffLayout layout);
+    /// Tells how large the versions of a file are.
+    void setSizes(qsizetype file, const DiffFileSizes& sizes);
+    /// What stands at the right of a file's header, whole.
+    QString fileLabelOf(qsizetype file) const { return fileLabel(layout_.files()[file], sizes_.value(file)); }
     /// To be called when `blockOf` tells something else.
     void updateBlocks();
     void setCollapsed(qsizetype file, qsizetype hunk, bool isCollapsed);
@@ -54,10 +69,24 @@ public:
     /// The number of pairs of lines that have been compared word by word.
     qsizetype comparedPairs() const { return words_.size(); }
 
+    // Hunks by keyboard.
+    /// The hunk that was gone to last, by key or by click; failing that the first whose header is on screen, or the one
+    /// that fills it. Nothing where there is no hunk.
+    std::optional<HunkControl> currentHunk() const;
+    void goToHunk(bool next);
+    void goToFile(bool next);
+    /// Scrolls to a file, whose first hunk is the current one then.
+    void showFile(qsizetype file);
+    /// Does the action of the current hunk, or says why it cannot be done.
+    void actOnHunk();
+    /// Selects a line more, from the current hunk's first.
+    void selectLine(bool below);
+
     const std::optional<DiffSelection>& selection() const { return selection_; }
     void select(const DiffSelection& selection);
     void clearSelection();
     QString selectedText() const;
+    /// The selection, or without one the lines of the current hunk.
     void copy() const;
     void selectAll();
 
@@ -78,6 +107,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -97,8 +128,14 @@ private:
     qint64 topOf(const DiffPlace& place) const;
     // Keyboard.
     bool hasActions() const;
+    bool handlesHunkKey(const QKeyEvent& event);
     std::optional<HunkControl> firstControl() const;
     std::optional<HunkControl> neighbour(const HunkControl& control, bool next) const;
+    std::optional<std::pair<qsizetype, qsizetype>> markedHunk() const;
+    bool isOnScreen(const HunkControl& hunk) const;
+    qint64 bottomOf(const HunkControl& hunk) const;
+    bool canAct(qsizetype file, qsizetype hunk) const;
+    void setCurrentHunk(const HunkControl& hunk);
     void focusControl(const HunkControl& control, Qt::FocusReason reason);
     void restoreFocus(const HunkControl& control);
     void scrollToHunk(qsizetype file, qsizetype hunk);
@@ -122,6 +159,10 @@ private:
     /// The room at the right of a hunk's header that its text stays clear of.
     int actionWidth_ = 0;
     std::optional<DiffSelection> selection_;
+    /// The hunk that was gone to.
+    std::optional<HunkControl> current_;
+    /// Of the files whose sizes are known, by their place.
+    QHash<qsizetype, DiffFileSizes> sizes_;
     mutable std::optional<DiffTranscript> transcript_;
     bool isDragging_ = false;
     QPointF dragPoint_;

@@ -20,8 +20,53 @@ bool DiffList::event(QEvent* event)
     return QAbstractScrollArea::event(event);
 }
 
+/// The keys that are for hunks and lines; the others scroll.
+bool DiffList::handlesHunkKey(const QKeyEvent& event)
+{
+    const bool isShifted = event.modifiers() == Qt::ShiftModifier;
+    if (event.modifiers() != Qt::NoModifier && !isShifted) {
+        return false;
+    }
+    switch (event.key()) {
+    case Qt::Key_N:
+    case Qt::Key_P: {
+        const bool isNext = event.key() == Qt::Key_N;
+        isShifted ? goToFile(isNext) : goToHunk(isNext);
+        return true;
+    }
+    case Qt::Key_S:
+        if (!isShifted && !event.isAutoRepeat()) {
+            actOnHunk();
+        }
+        return !isShifted;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        if (isShifted) {
+            selectLine(event.key() == Qt::Key_Down);
+        }
+        return isShifted;
+    default:
+        return false;
+    }
+}
+
+void DiffList::focusInEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
+}
+
+void DiffList::focusOutEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    viewport()->update();
+}
+
 void DiffList::keyPressEvent(QKeyEvent* event)
 {
+    if (handlesHunkKey(*event)) {
+        return;
+    }
     if (event->matches(QKeySequence::Copy)) {
         copy();
     } else if (event->matches(QKeySequence::SelectAll)) {
@@ -63,8 +108,10 @@ std::optional<HunkControl> DiffList::neighbour(const HunkControl& control, bool 
 {
     using Role = HunkControl::Role;
     const QList<DiffFile>& files = layout_.files();
-    const Role last = hasActions() ? Role::action : Role::toggle;
-    if (next && control.role != last) {
+    const auto lastOf = [this](qsizetype file, qsizetype hunk) {
+        return canAct(file, hunk) ? Role::action : Role::toggle;
+    };
+    if (next && control.role != lastOf(control.file, control.hunk)) {
         return HunkControl{control.file, control.hunk, Role::action};
     }
     if (!next && control.role == Role::action) {
@@ -74,12 +121,12 @@ std::optional<HunkControl> DiffList::neighbour(const HunkControl& control, bool 
         return HunkControl{control.file, control.hunk + 1, Role::toggle};
     }
     if (!next && control.hunk > 0) {
-        return HunkControl{control.file, control.hunk - 1, last};
+        return HunkControl{control.file, control.hunk - 1, lastOf(control.file, control.hunk - 1)};
     }
     const qsizetype step = next ? 1 : -1;
     for (qsizetype file = control.file + step; file >= 0 && file < files.size(); file += step) {
         if (const qsizetype hunks = files[file].hunks.size(); hunks > 0) {
-            return next ? HunkControl{file, 0, Role::toggle} : HunkControl{file, hunks - 1, last};
+            return next ? HunkControl{file, 0, Role::toggle} : HunkControl{file, hunks - 1, lastOf(file, hunks - 1)};
         }
     }
     return std::nullopt;
@@ -126,7 +173,7 @@ void DiffList::restoreFocus(const HunkControl& control)
         target.hunk = first->hunk;
     }
     target.hunk = std::min(target.hunk, files[target.file].hunks.size() - 1);
-    if (!hasActions()) {
+    if (!canAct(target.file, target.hunk)) {
         target.role = HunkControl::Role::toggle;
     }
     focusControl(target, Qt::OtherFocusReason);

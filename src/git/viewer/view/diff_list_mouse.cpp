@@ -122,6 +122,10 @@ void DiffList::mousePressEvent(QMouseEvent* event)
         select({place, place, column.side});
     }
     isDragging_ = isOverText(event->position());
+    const DiffPlace place = layout_.placeAt(static_cast<qint64>(event->position().y()) + scrolledTo());
+    if (place.part == Part::hunkHeader || place.part == Part::entry) {
+        current_ = HunkControl{place.file, place.hunk, HunkControl::Role::toggle};
+    }
 }
 
 void DiffList::mouseMoveEvent(QMouseEvent* event)
@@ -174,7 +178,7 @@ void DiffList::mouseDoubleClickEvent(QMouseEvent* event)
     const DiffTextPlace place = textPlaceAt(event->position(), column);
     const DiffLine* line = place.hunk < 0 ? nullptr : lineOn(column.side, layout_, place.file, place.hunk, place.entry);
     const QString text =
-        place.hunk < 0 ? shownPath(layout_.files()[place.file]) : (line == nullptr ? QString() : line->text);
+        place.hunk < 0 ? shownPath(layout_.files()[place.file]) : (line == nullptr ? QString() : line->text.toString());
     const TextRange word = wordAt(text, place.unit);
     DiffSelection selection{place, place, column.side};
     selection.anchor.unit = word.location;
@@ -191,6 +195,16 @@ void DiffList::copy() const
 {
     if (selection_ && !selection_->isEmpty()) {
         QGuiApplication::clipboard()->setText(selectedText());
+        return;
+    }
+    const auto hunk = currentHunk();
+    if (const qsizetype entries = hunk ? layout_.entryCount(hunk->file, hunk->hunk) : 0; entries > 0) {
+        const auto side = SideBySideHunkLines::Side::newSide;
+        const DiffLine* const last = lineOn(side, layout_, hunk->file, hunk->hunk, entries - 1);
+        const DiffSelection whole{{hunk->file, hunk->hunk, 0, 0},
+                                  {hunk->file, hunk->hunk, entries - 1, last == nullptr ? 0 : last->text.size()},
+                                  side};
+        QGuiApplication::clipboard()->setText(kelm::selectedText(layout_, whole));
     }
 }
 
@@ -206,8 +220,18 @@ void DiffList::contextMenuEvent(QContextMenuEvent* event)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction* copyAction = menu->addAction(tr("Copy"), this, &DiffList::copy);
     copyAction->setShortcut(QKeySequence::Copy);
-    copyAction->setEnabled(selection_ && !selection_->isEmpty());
+    copyAction->setEnabled((selection_ && !selection_->isEmpty()) || currentHunk());
     menu->addAction(tr("Select All"), this, &DiffList::selectAll)->setShortcut(QKeySequence::SelectAll);
+    if (const auto hunk = currentHunk()) {
+        menu->addSeparator();
+        menu->addAction(tr("Next Hunk"), this, [this] { goToHunk(true); })->setShortcut(Qt::Key_F7);
+        menu->addAction(tr("Previous Hunk"), this, [this] { goToHunk(false); })->setShortcut(Qt::SHIFT | Qt::Key_F7);
+        if (hasActions()) {
+            QAction* act = menu->addAction(blockOf_(hunk->file).hunkActionLabel, this, &DiffList::actOnHunk);
+            act->setShortcut(Qt::CTRL | Qt::Key_Return);
+            act->setEnabled(canAct(hunk->file, hunk->hunk));
+        }
+    }
     menu->popup(event->globalPos());
 }
 
@@ -228,9 +252,19 @@ QString DiffList::helpAt(const QPoint& point)
     const DiffPlace place = layout_.placeAt(point.y() + scrolledTo());
     const DiffScene shown = scene();
     if (place.part == Part::fileHeader) {
-        const QString path = shownPath(layout_.files()[place.file]);
-        const QRectF room = pathRect(shown, place.file, 0, columns_.front().left, columns_.back().right);
-        return QFontMetricsF(fonts_.path).horizontalAdvance(path) > room.width() + 1 ? path : QString();
+        const auto [left, right] = std::pair(columns_.front().left, columns_.back().right);
+        const DiffFile& file = layout_.files()[place.file];
+        const QString path = shownPath(file);
+        const QRectF room = pathRect(shown, place.file, 0, left, right);
+        QStringList cut;
+        if (QFontMetricsF(fonts_.path).horizontalAdvance(path) > room.width() + 1) {
+            cut.append(path);
+        }
+        if (const QString label = fileLabel(file, sizes_.value(place.file));
+            shownFileLabel(shown, place.file, left, right).size() < label.size()) {
+            cut.append(label);
+        }
+        return cut.join(u'\n');
     }
     if (place.part == Part::hunkHeader) {
         const QString header = layout_.files()[place.file].hunks[place.hunk].header.left(longest);

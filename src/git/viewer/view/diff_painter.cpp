@@ -1,10 +1,11 @@
 #include "git/viewer/view/diff_painter.h"
 
-#include "git/diff/diff_content.h"
+#include "git/diff/combined_hunk.h"
 #include "git/diff/diff_transcript.h"
 #include "git/diff/unified_hunk_lines.h"
 #include "git/viewer/view/selective_rounded_shape.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 
 #include <QFontMetricsF>
@@ -70,10 +71,16 @@ Tint sideText(DiffLineKind kind, Side side)
 
 } // namespace
 
+QString shownFileLabel(const DiffScene& scene, qsizetype file, qreal left, qreal right)
+{
+    const QString label = drawnText(fileLabel(scene.layout.files()[file], scene.sizes.value(file))).text;
+    return QFontMetricsF(scene.fonts.hunkCount).elidedText(label, Qt::ElideMiddle, (right - left) / 2);
+}
+
 QRectF pathRect(const DiffScene& scene, qsizetype file, qint64 headerTop, qreal left, qreal right)
 {
-    const QString count = hunkCountLabel(scene.layout.files()[file].hunks.size());
-    const qreal countWidth = QFontMetricsF(scene.fonts.hunkCount).horizontalAdvance(count);
+    const QString label = shownFileLabel(scene, file, left, right);
+    const qreal countWidth = QFontMetricsF(scene.fonts.hunkCount).horizontalAdvance(label);
     const qreal start = left + fileHeaderHorizontal + fileSymbol + headerSpacing;
     const qreal end = right - fileHeaderHorizontal - countWidth - headerSpacing;
     return {start, qreal(headerTop), std::max(0.0, end - start), qreal(scene.layout.metrics().fileHeader)};
@@ -185,7 +192,10 @@ void DiffPainter::paintFileHeader(qsizetype file)
     painter_.setFont(scene_.fonts.hunkCount);
     painter_.setPen(color(Tint::secondary()));
     painter_.drawText(header.adjusted(0, 0, -fileHeaderHorizontal, 0), Qt::AlignRight | Qt::AlignVCenter,
-                      hunkCountLabel(shown.hunks.size()));
+                      shownFileLabel(scene_, file, left_, right_));
+    if (scene_.marked == std::pair(file, qsizetype(-1))) {
+        style::drawFocusRing(painter_, header.adjusted(1, 1, -1, -1), style::radius::chip, widget_);
+    }
 }
 
 void DiffPainter::paintHunkHeader(qsizetype file, qsizetype hunk)
@@ -205,6 +215,9 @@ void DiffPainter::paintHunkHeader(qsizetype file, qsizetype hunk)
     const QString text = drawnText(QStringView(shown.hunks[hunk].header).left(longest)).text;
     painter_.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                       QFontMetricsF(scene_.fonts.hunkHeader).elidedText(text, Qt::ElideRight, place.width() + 1));
+    if (scene_.marked == std::pair(file, hunk)) {
+        style::drawFocusRing(painter_, header.adjusted(1, 1, -1, -1), style::radius::chip, widget_);
+    }
 }
 
 void DiffPainter::paintEntries(qsizetype file, qsizetype hunk, qsizetype firstEntry)
@@ -290,7 +303,8 @@ void DiffPainter::paintNumber(const std::optional<qint64>& number, qreal left, q
 
 void DiffPainter::paintSign(const Line& line)
 {
-    const QString text = diffSign(line.line.kind);
+    // The lines of a combined diff hold their own signs, one for each old file.
+    const QString text = isCombined(line.hunk) ? QStringLiteral(" ") : diffSign(line.line.kind);
     if (text == u' ') {
         return;
     }
@@ -305,7 +319,7 @@ void DiffPainter::paintSign(const Line& line)
 void DiffPainter::paintBody(const Line& line, qint32 oldLine, qint32 newLine)
 {
     const DiffColumn& column = line.column;
-    const QString& text = line.line.text;
+    const QStringView text = line.line.text;
     const int rowHeight = scene_.layout.metrics().row;
     const bool isOld = line.line.kind == DiffLineKind::removed;
     const bool isCompared = oldLine >= 0 && newLine >= 0 && oldLine != newLine;

@@ -2,11 +2,16 @@
 #pragma once
 
 #include "git/diff/diff_selection.h"
+#include "git/diff/file_facts.h"
 #include "git/viewer/view/diff_columns.h"
 #include "git/viewer/view/diff_fonts.h"
 #include "git/viewer/view/diff_row_texts.h"
 
+#include <QHash>
 #include <QPainter>
+
+#include <optional>
+#include <utility>
 
 namespace kelm {
 
@@ -19,11 +24,18 @@ struct DiffScene
     WordDiffCache& words;
     const std::vector<DiffColumn>& columns;
     const std::optional<DiffSelection>& selection;
+    /// The sizes of files that are known.
+    const QHash<qsizetype, DiffFileSizes>& sizes;
+    /// The hunk that keys act on, when it is to be marked.
+    std::optional<std::pair<qsizetype, qsizetype>> marked;
     /// Where a hunk header's text ends, from the block's left edge, so that it stays clear of the buttons.
     int hunkHeaderTextEnd = 0;
 };
 
-/// The place of a path in its header: from the symbol's right to the count's left.
+/// What stands at the right of a file's header, in no more than half of it.
+QString shownFileLabel(const DiffScene& scene, qsizetype file, qreal left, qreal right);
+
+/// The place of a path in its header: from the symbol's right to the label's left.
 QRectF pathRect(const DiffScene& scene, qsizetype file, qint64 headerTop, qreal left, qreal right);
 
 /// Draws one frame.

@@ -75,25 +75,25 @@ qsizetype DiffRowTexts::columns(qreal width) const
     return std::max<qsizetype>(1, static_cast<qsizetype>(width / cellWidth_ + tolerance));
 }
 
-const LineRows& DiffRowTexts::rows(const QString& line, qsizetype columns)
+const LineRows& DiffRowTexts::rows(QStringView line, qsizetype columns)
 {
-    const auto known = lines_.find(&line);
-    return known != lines_.end() ? known->second : lines_.emplace(&line, LineRows(line, columns)).first->second;
+    const auto known = lines_.find(line.data());
+    return known != lines_.end() ? known->second : lines_.emplace(line.data(), LineRows(line, columns)).first->second;
 }
 
-const DiffRowText& DiffRowTexts::row(const QString& line, qsizetype row, qsizetype columns, qreal width)
+const DiffRowText& DiffRowTexts::row(QStringView line, qsizetype row, qsizetype columns, qreal width)
 {
     if (texts_.size() >= mostKept || lines_.size() >= mostKept) {
         clear();
     }
-    const Key key{&line, row};
+    const Key key{line.data(), row};
     const auto known = texts_.find(key);
     if (known != texts_.end()) {
         return *known->second;
     }
     const LineRows& cut = rows(line, columns);
     const qsizetype start = cut.start(row);
-    auto made = std::make_unique<DiffRowText>(QStringView(line).sliced(start, cut.end(row) - start), font_, width);
+    auto made = std::make_unique<DiffRowText>(line.sliced(start, cut.end(row) - start), font_, width);
     return *texts_.emplace(key, std::move(made)).first->second;
 }
 

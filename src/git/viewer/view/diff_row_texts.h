@@ -31,8 +31,8 @@ private:
     qreal scale_ = 1;
 };
 
-/// Makes rows when they are asked for and keeps those of some screens. Each is named by the line's text, which has to
-/// live and stay as long as it is in here.
+/// Makes rows when they are asked for and keeps those of some screens. Each is named by where the line's text begins,
+/// which has to live and stay as long as it is in here.
 class DiffRowTexts
 {
 public:
@@ -42,16 +42,16 @@ public:
     qreal cellWidth() const { return cellWidth_; }
     qsizetype columns(qreal width) const;
 
-    const LineRows& rows(const QString& line, qsizetype columns);
+    const LineRows& rows(QStringView line, qsizetype columns);
     /// A row of a line that is cut at so many columns.
-    const DiffRowText& row(const QString& line, qsizetype row, qsizetype columns, qreal width);
+    const DiffRowText& row(QStringView line, qsizetype row, qsizetype columns, qreal width);
     /// To be called when a line or a width changes.
     void clear();
 
 private:
     struct Key
     {
-        const QString* line = nullptr;
+        const QChar* line = nullptr;
         qsizetype row = 0;
         bool operator==(const Key&) const = default;
     };
@@ -62,7 +62,7 @@ private:
 
     QFont font_;
     qreal cellWidth_ = 1;
-    std::unordered_map<const QString*, LineRows> lines_;
+    std::unordered_map<const QChar*, LineRows> lines_;
     std::unordered_map<Key, std::unique_ptr<DiffRowText>, Hash> texts_;
 };
 

@@ -1,7 +1,7 @@
 // The sheet with the changes of one file.
 #pragma once
 
-#include "git/diff/diff.h"
+#include "git/diff/file_facts.h"
 #include "git/service/git_service.h"
 
 #include <QPointer>
@@ -15,12 +15,13 @@ namespace kelm {
 
 class DiffViewer;
 class SegmentedPicker;
+class TextLabel;
 
 /// What a sheet with the changes of one file holds: the working tree's or the index's, of which single hunks are staged
 /// or unstaged.
 ///
 /// git is asked when it appears, when the other view is chosen, and after a hunk has gone; a failure's words are in the
-/// service's `lastError`.
+/// service's `lastError`. Where git prints no diff since it does not know the file, the file itself is shown.
 class DiffSheetView final : public QWidget
 {
     Q_OBJECT
@@ -40,6 +41,8 @@ public:
     void setStagedView(bool staged);
 
     DiffViewer& viewer() { return *viewer_; }
+    /// What is said of the two views beside the picker, such as "Working: 2 hunks · Staged: none".
+    QString counts() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -54,6 +57,16 @@ private:
     void applyHunk(const DiffFile& file, qsizetype hunk);
 
     bool isRepositoryOpen() const;
+    void addShortcuts();
+    void showDiff();
+    /// The file's entry of the status; null where there is none.
+    const GitFileStatus* entry() const;
+    QString pathOnDisk() const;
+    DiffFileSizes sizesOf(const DiffFileFacts& facts);
+    bool isUntracked() const;
+    std::optional<qint64> sizeOfContent(const QString& content);
+    void updateCounts();
+    void countOther();
 
     QPointer<GitService> git_;
     /// The one that the path belongs to. While another is open, nothing is read or done.
@@ -62,6 +75,10 @@ private:
     QString diff_;
     bool stagedView_ = false;
     bool hasAppeared_ = false;
+    /// The hunks of each view, as far as they are known.
+    std::optional<qsizetype> workingHunks_;
+    std::optional<qsizetype> stagedHunks_;
+    TextLabel* counts_ = nullptr;
     SegmentedPicker* picker_ = nullptr;
     DiffViewer* viewer_ = nullptr;
 };

@@ -7,6 +7,7 @@
 #include "platform/view/plain_button.h"
 #include "platform/view/row_list.h"
 #include "support/app_state_fixture.h"
+#include "support/fake_workspace.h"
 #include "support/temporary_repository.h"
 #include "workbench/view/controls.h"
 
@@ -113,7 +114,8 @@ struct PanelFixture
     TemporaryRepository repo;
     AppStateFixture app;
     QWidget window;
-    SourceControlView view{app.state, {app.filePanels, app.scheduler, fakeSheets()}, &window};
+    FakeWorkspace workspace;
+    SourceControlView view{app.state, {app.filePanels, app.scheduler, fakeSheets(), &workspace}, &window};
 
     /// With one commit, "first", of "a.txt", unless the repository is to be empty.
     explicit PanelFixture(bool hasCommit = true)

@@ -149,7 +149,7 @@ void DiffPainterTest::textOfASideHasTheColourOfItsKind()
 
 void DiffPainterTest::unifiedGutterHasTheOldNumberBeforeTheNew()
 {
-    ShownViewer shown(diffWith({u" x"_s, u"-x"_s, u"+x"_s, u"\\ No newline"_s, u" x"_s}));
+    ShownViewer shown(diffWith({u" x"_s, u"-x"_s, u"+x"_s, u"\\ No newline"_s, u" x"_s, u" x"_s}));
     const Rows rows(shown);
     const DiffColumn& column = shown.list().columns().front();
     const auto hasGutter = [&](qsizetype entry, const QString& oldNumber, const QString& newNumber,
@@ -167,7 +167,8 @@ void DiffPainterTest::unifiedGutterHasTheOldNumberBeforeTheNew()
 
 void DiffPainterTest::eachSideHasItsOwnNumbers()
 {
-    ShownViewer shown(diffWith({u" x"_s, u"-x"_s, u"+y"_s, u"+z"_s, u"\\ No newline"_s}), DiffViewMode::sideBySide);
+    ShownViewer shown(diffWith({u" x"_s, u"-x"_s, u"+y"_s, u"+z"_s, u"\\ No newline"_s, u" x"_s}),
+                      DiffViewMode::sideBySide);
     // Both columns start at a whole pixel.
     shown.viewer.resize(801, 500);
     const Rows rows(shown);

@@ -1,4 +1,5 @@
 #include "git/panel/view/panel_fixture.h"
+#include "git/viewer/view/commit_details.h"
 #include "git/viewer/view/commit_sheet.h"
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_sheet.h"
@@ -99,11 +100,19 @@ private Q_SLOTS:
     void oneHunkIsStagedAndUnstaged();
     void hunkOfANewFileIsUnstaged();
     void refusedHunkLeavesItsWordsInTheService();
-    void untrackedFileShowsNoChanges();
+    void untrackedFileShowsItsText_data();
+    void untrackedFileShowsItsText();
+    void eachViewIsCounted();
+    void viewsAreChosenByKey();
+    void hunkIsStagedByKey();
+    void binaryFileTellsItsSizes();
+    void conflictIsShownWithoutAction();
+    void hunkThatCannotBeTakenSaysWhy();
     void closeButtonTellsTheOwner();
     void escapeIsLeftToTheDialogAround();
     void sheetOutlivesTheService();
     void commitIsShownReadOnly();
+    void commitTellsItsHeadAndFiles();
     void commitsHashIsCopiedWhole();
     void unknownCommitIsEmpty();
     void panelOpensTheSheets();
@@ -195,16 +204,167 @@ void DiffSheetTest::refusedHunkLeavesItsWordsInTheService()
     QCOMPARE(changed.repository.staged(u"a.txt"_s), index);
 }
 
-void DiffSheetTest::untrackedFileShowsNoChanges()
+void DiffSheetTest::untrackedFileShowsItsText_data()
 {
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("summary");
+    QTest::addColumn<QString>("words");
+    const QString none = u"0 files   +0 \u22120"_s;
+    QTest::newRow("text") << QByteArray("a\n\nb\n") << u"1 file   +3 \u22120"_s << QString();
+    QTest::newRow("no newline at the end") << QByteArray("a") << u"1 file   +1 \u22120"_s << QString();
+    QTest::newRow("empty") << QByteArray() << none << u"Untracked empty file"_s;
+    QTest::newRow("binary") << QByteArray("a\0b", 3) << none << u"Untracked binary file, 3 bytes"_s;
+    QTest::newRow("no UTF-8") << QByteArray("\xff\xfe") << none << u"Untracked binary file, 2 bytes"_s;
+    QTest::newRow("long") << QByteArray("0123456789abcde\n").repeated(300'000) << u"1 file   +250000 \u22120"_s
+                          << QString();
+}
+
+void DiffSheetTest::untrackedFileShowsItsText()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, words);
     TemporaryRepository repository;
-    repository.write(u"new.txt"_s, "a\n");
+    repository.write(u"new.txt"_s, content);
     GitService git{ProcessRunner::sharedSystem()};
     git.open(repository.url());
     DiffSheetView sheet(git, u"new.txt"_s, nullptr);
     open(sheet);
     QVERIFY(sheet.diff().isEmpty());
-    QCOMPARE(sheet.viewer().filesSummary(), u"0 files   +0 \u22120"_s);
+    QTRY_VERIFY(!sheet.viewer().isReading());
+    QTEST(sheet.viewer().filesSummary(), "summary");
+    const auto labels = sheet.viewer().findChildren<TextLabel*>();
+    QCOMPARE(std::any_of(labels.begin(), labels.end(),
+                         [&](TextLabel* label) { return label->isVisible() && label->text() == words; }),
+             !words.isEmpty());
+    if (words.isEmpty()) {
+        // It can only be staged as a whole.
+        PlainButton* action = sheet.viewer().list().button({0, 0, Role::action});
+        QVERIFY(!action->isEnabled());
+        QVERIFY(action->toolTip().contains(u"as a whole"));
+        QTest::keyClick(&sheet.viewer().list(), Qt::Key_S);
+        QVERIFY(repository.git({u"ls-files"_s}).isEmpty());
+    }
+}
+
+void DiffSheetTest::eachViewIsCounted()
+{
+    ChangedFile changed;
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
+    open(sheet);
+    QTRY_COMPARE(sheet.counts(), u"Working: 2 hunks · Staged: none"_s);
+    QTest::mouseClick(sheet.viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
+    QTRY_COMPARE(sheet.counts(), u"Working: 1 hunk · Staged: 1 hunk"_s);
+    sheet.setStagedView(true);
+    QTRY_COMPARE(sheet.counts(), u"Working: 1 hunk · Staged: 1 hunk"_s);
+    QTest::mouseClick(sheet.viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
+    QTRY_COMPARE(sheet.counts(), u"Working: 2 hunks · Staged: none"_s);
+}
+
+void DiffSheetTest::viewsAreChosenByKey()
+{
+    ChangedFile changed;
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
+    open(sheet);
+    sheet.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&sheet));
+    QTest::keyClick(&sheet.viewer().list(), Qt::Key_2, Qt::ControlModifier);
+    QVERIFY(sheet.stagedView());
+    QTest::keyClick(&sheet.viewer().list(), Qt::Key_1, Qt::ControlModifier);
+    QVERIFY(!sheet.stagedView());
+}
+
+void DiffSheetTest::hunkIsStagedByKey()
+{
+    ChangedFile changed;
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
+    open(sheet);
+    DiffList& list = sheet.viewer().list();
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_S);
+    QCOMPARE(changed.repository.staged(u"a.txt"_s), linesUpTo(60, {{50, "fifty"}}));
+    QCOMPARE(list.diffLayout().files()[0].hunks.size(), 1);
+    // The key goes on with the hunk that is left.
+    QTest::keyClick(&list, Qt::Key_S);
+    QCOMPARE(changed.repository.staged(u"a.txt"_s), linesUpTo(60, {{5, "five"}, {50, "fifty"}}));
+    QVERIFY(!changed.git.lastError());
+}
+
+void DiffSheetTest::binaryFileTellsItsSizes()
+{
+    TemporaryRepository repository;
+    repository.write(u"b"_s, QByteArray(12 * 1024, '\0'));
+    repository.commitAll(u"first"_s);
+    repository.write(u"b"_s, QByteArray(15 * 1024, '\0'));
+    GitService git{ProcessRunner::sharedSystem()};
+    git.open(repository.url());
+    QCoreApplication::processEvents();
+    git.setLastError(std::nullopt);
+    const auto label = [](DiffViewer& viewer) {
+        const QString text = viewer.list().fileLabelOf(0);
+        return text;
+    };
+    DiffSheetView sheet(git, u"b"_s, nullptr);
+    open(sheet);
+    QTRY_COMPARE(label(sheet.viewer()), u"Binary file, 12 KB → 15 KB"_s);
+    git.stage({u"b"_s});
+    sheet.setStagedView(true);
+    QTRY_COMPARE(label(sheet.viewer()), u"Binary file, 12 KB → 15 KB"_s);
+    repository.commitAll(u"second"_s);
+    CommitDetailView commit(git, u"HEAD"_s, nullptr);
+    open(commit);
+    QTRY_COMPARE(label(commit.viewer()), u"Binary file, 12 KB → 15 KB"_s);
+    QVERIFY(!git.lastError());
+}
+
+void DiffSheetTest::conflictIsShownWithoutAction()
+{
+    TemporaryRepository repository;
+    const auto write = [&](const QByteArray& text) { repository.write(u"a"_s, text); };
+    write("old\n");
+    repository.commitAll(u"base"_s);
+    repository.git({u"checkout"_s, u"-q"_s, u"-b"_s, u"other"_s});
+    write("theirs\n");
+    repository.commitAll(u"theirs"_s);
+    repository.git({u"checkout"_s, u"-q"_s, u"main"_s});
+    write("ours\n");
+    repository.commitAll(u"ours"_s);
+    repository.tryGit({u"merge"_s, u"other"_s});
+    GitService git{ProcessRunner::sharedSystem()};
+    git.open(repository.url());
+    DiffSheetView sheet(git, u"a"_s, nullptr);
+    open(sheet);
+    QCOMPARE(sheet.viewer().filesSummary(), u"1 file   +5 \u22120"_s);
+    QVERIFY(!sheet.viewer().list().button({0, 0, Role::action})->isEnabled());
+    const QByteArray before = repository.git({u"ls-files"_s, u"-s"_s});
+    QTest::keyClick(&sheet.viewer().list(), Qt::Key_S);
+    QCOMPARE(repository.git({u"ls-files"_s, u"-s"_s}), before);
+    // What git says of the index is no diff.
+    sheet.setStagedView(true);
+    QCOMPARE(sheet.diff(), u"* Unmerged path a\n"_s);
+}
+
+void DiffSheetTest::hunkThatCannotBeTakenSaysWhy()
+{
+    TemporaryRepository repository;
+    repository.write(u"a"_s, "one\n" + linesUpTo(20) + "last");
+    repository.commitAll(u"base"_s);
+    repository.write(u"a"_s, "ONE\n" + linesUpTo(20) + "LAST");
+    GitService git{ProcessRunner::sharedSystem()};
+    git.open(repository.url());
+    DiffSheetView sheet(git, u"a"_s, nullptr);
+    open(sheet);
+    DiffList& list = sheet.viewer().list();
+    QVERIFY(list.button({0, 0, Role::action})->isEnabled());
+    PlainButton* second = list.button({0, 1, Role::action});
+    QVERIFY(!second->isEnabled());
+    QVERIFY(second->toolTip().contains(u"newline"));
+    QCOMPARE(second->accessibleName().isEmpty(), false);
+    // Tab passes it over.
+    list.button({0, 1, Role::toggle})->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QVERIFY(!second->hasFocus());
+    QVERIFY(!list.button({0, 1, Role::toggle})->hasFocus());
 }
 
 void DiffSheetTest::closeButtonTellsTheOwner()
@@ -273,6 +433,28 @@ void DiffSheetTest::commitIsShownReadOnly()
     QVERIFY(sheet.viewer().list().button({0, 0, Role::action}) == nullptr);
     QTest::mouseClick(named<QPushButton>(sheet, u"Close"_s), Qt::LeftButton);
     QCOMPARE(closed, 1);
+}
+
+void DiffSheetTest::commitTellsItsHeadAndFiles()
+{
+    ChangedFile changed;
+    changed.repository.write(u"new.txt"_s, "x\n");
+    changed.repository.commitAll(u"Mend it\n\nSince it was broken."_s);
+    CommitDetailView sheet(changed.git, u"HEAD"_s, nullptr);
+    open(sheet);
+    const CommitDetails& details = sheet.details();
+    QVERIFY(details.isVisible());
+    QCOMPARE(details.author(), u"Test Author <test@example.org>"_s);
+    QCOMPARE(details.date(), u"Sat Feb 3 04:05:06 2024 +0000"_s);
+    QCOMPARE(details.message(), u"Mend it\n\nSince it was broken."_s);
+    QCOMPARE(linesOf(sheet.details().files()), (QStringList{u"M a.txt 2 hunks"_s, u"A new.txt 1 hunk"_s}));
+    // A click goes to the file.
+    clickRow(sheet.details().files(), u"A new.txt 1 hunk"_s);
+    QCOMPARE(sheet.viewer().list().currentHunk(), std::optional(HunkControl{1, 0, Role::toggle}));
+
+    CommitDetailView unknown(changed.git, u"0123456789abcdef"_s, nullptr);
+    open(unknown);
+    QVERIFY(!unknown.details().isVisible());
 }
 
 void DiffSheetTest::commitsHashIsCopiedWhole()

@@ -1,3 +1,4 @@
+#include "git/viewer/view/diff_find_line.h"
 #include "git/viewer/view/shown_viewer.h"
 #include "platform/style/view/style.h"
 #include "platform/view/labels.h"
@@ -8,9 +9,13 @@
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 namespace diff_viewer_test {
 
@@ -68,6 +73,18 @@ private Q_SLOTS:
     void veryLongLinesAreComparedInTheBackground();
     void scrollPositionStaysWhenTheTextOrTheWidthChanges();
     void rawTextIsCopiedAsItStands();
+    void keysGoFromHunkToHunk();
+    void keysGoFromFileToFile();
+    void keysActOnTheHunkOnScreen();
+    void menuNamesTheKeys();
+    void linesAreSelectedByKey();
+    void hunkIsCopiedWhenNothingIsSelected();
+    void textIsFound();
+    void foundTextOpensItsHunk();
+    void findLineLeavesTheSheet();
+    void longTextIsReadElsewhere();
+    void staleHunksOfferNothing();
+    void pieceBehindTheLastLineFeedIsNoLine();
 };
 
 void DiffViewerTest::contentIsShownInOneOfThreeWays()
@@ -257,7 +274,8 @@ void DiffViewerTest::textIsToldToScreenReaders()
         QAccessibleTextInterface* text = accessible->textInterface();
         QVERIFY(text != nullptr);
         const QString whole = text->text(0, text->characterCount());
-        QVERIFY(whole.startsWith(u"file0\n@@ -1,9 +1,9 @@ section 0\n a\n-old word\n+new word\nfile1\n"_s));
+        QVERIFY(
+            whole.startsWith(u"file0\n@@ -1,9 +1,9 @@ section 0\na\nremoved: old word\nadded: new word\nfile1\n"_s));
 
         const int word = static_cast<int>(whole.indexOf(u"word\nfile1"));
         const QRect letter = text->characterRect(word);
@@ -345,7 +363,8 @@ void DiffViewerTest::keyboardStaysNextToAHunkThatIsGone()
 
 void DiffViewerTest::unifiedRowsHaveTheirColours()
 {
-    ShownViewer shown(diffOf(u"a"_s, {{u" same"_s, u"-let x = 1"_s, u"+let y = 1"_s, u"+more"_s, u"\\ No newline"_s}}));
+    ShownViewer shown(
+        diffOf(u"a"_s, {{u" same"_s, u"-let x = 1"_s, u"+let y = 1"_s, u"+more"_s, u"\\ No newline"_s, u" last"_s}}));
     const QColor base = shown.list().palette().color(QPalette::Base);
     const QColor removed = over(base, Tint(SystemColor::red).at(0.1));
     const QColor added = over(base, Tint(SystemColor::green).at(0.1));
@@ -376,7 +395,8 @@ void DiffViewerTest::unifiedRowsHaveTheirColours()
 
 void DiffViewerTest::sidesHaveTheirColours()
 {
-    ShownViewer shown(diffOf(u"a"_s, {{u"-let x = 1"_s, u"-gone"_s, u"+let y = 1"_s}}), DiffViewMode::sideBySide);
+    ShownViewer shown(diffOf(u"a"_s, {{u"-let x = 1"_s, u"-gone"_s, u"+let y = 1"_s, u" last"_s}}),
+                      DiffViewMode::sideBySide);
     const QColor base = shown.list().palette().color(QPalette::Base);
     const auto colorAt = [&](qsizetype entry, qsizetype unit, Side side) {
         return shown.colorAt(shown.pointOf({0, 0, entry, unit}, side) + QPoint(1, 7));
@@ -452,7 +472,7 @@ void DiffViewerTest::everythingIsSelectedAndCopied()
     shown.list().setFocus();
     QTest::keyClick(&shown.list(), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(&shown.list(), Qt::Key_C, Qt::ControlModifier);
-    QCOMPARE(QGuiApplication::clipboard()->text(), u"a.txt\none\ntwo\n"_s);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"a.txt\none\ntwo"_s);
 }
 
 void DiffViewerTest::longLinesGoOnInTheNextRow()
@@ -526,6 +546,249 @@ void DiffViewerTest::rawTextIsCopiedAsItStands()
     raw->selectAll();
     raw->copy();
     QCOMPARE(QGuiApplication::clipboard()->text(), u"no\u00a0break\nnext"_s);
+}
+
+void DiffViewerTest::keysGoFromHunkToHunk()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"-x"_s}, {u"+y"_s}}) + manyFiles(60));
+    DiffList& list = shown.list();
+    list.setFocus();
+    const auto current = [&] { return list.currentHunk().value_or(HunkControl{-1, -1, Role::toggle}); };
+    const auto at = [](qsizetype file, qsizetype hunk) { return HunkControl{file, hunk, Role::toggle}; };
+    QTest::keyClick(&list, Qt::Key_N);
+    QCOMPARE(current(), at(0, 0));
+    QTest::keyClick(&list, Qt::Key_F7);
+    QCOMPARE(current(), at(0, 1));
+    QTest::keyClick(&list, Qt::Key_N);
+    QCOMPARE(current(), at(1, 0));
+    QTest::keyClick(&list, Qt::Key_P);
+    QCOMPARE(current(), at(0, 1));
+    QTest::keyClick(&list, Qt::Key_F7, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_P);
+    QCOMPARE(current(), at(0, 0));
+    for (int hunk = 0; hunk < 80; ++hunk) {
+        QTest::keyClick(&list, Qt::Key_N);
+    }
+    QCOMPARE(current(), at(60, 0));
+    QVERIFY(shown.button(60, 0, Role::toggle) != nullptr);
+    // Somebody who scrolls away has left it.
+    list.verticalScrollBar()->setValue(0);
+    QCOMPARE(current(), at(0, 0));
+}
+
+void DiffViewerTest::keysGoFromFileToFile()
+{
+    ShownViewer shown(manyFiles(60));
+    DiffList& list = shown.list();
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_N, Qt::ShiftModifier);
+    QCOMPARE(list.currentHunk()->file, 1);
+    QTest::keyClick(&list, Qt::Key_PageDown, Qt::ControlModifier);
+    QCOMPARE(list.currentHunk()->file, 2);
+    QCOMPARE(list.scrolledTo(), list.diffLayout().fileTop(2) - 6);
+    QTest::keyClick(&list, Qt::Key_PageUp, Qt::ControlModifier);
+    QTest::keyClick(&list, Qt::Key_P, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_P, Qt::ShiftModifier);
+    QCOMPARE(list.currentHunk()->file, 0);
+}
+
+void DiffViewerTest::keysActOnTheHunkOnScreen()
+{
+    ShownViewer shown(manyFiles(60));
+    QList<QString> acted;
+    shown.viewer.setHunkAction(
+        u"Stage hunk"_s, [&](const DiffFile& file, qsizetype) { acted.append(file.path); },
+        [](const DiffFile& file, qsizetype) {
+            return HunkHindrance{file.path == u"file1" ? u"No."_s : QString(), {}};
+        });
+    DiffList& list = shown.list();
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_S);
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_S);
+    QVERIFY(!shown.button(1, 0, Role::action)->isEnabled());
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_Return, Qt::ControlModifier);
+    QCOMPARE(acted, (QList<QString>{u"file0"_s, u"file2"_s}));
+    list.verticalScrollBar()->setValue(int(list.diffLayout().fileTop(30)));
+    QTest::keyClick(&list, Qt::Key_S);
+    QCOMPARE(acted.last(), u"file30"_s);
+}
+
+void DiffViewerTest::menuNamesTheKeys()
+{
+    ShownViewer shown(manyFiles(3));
+    int acted = 0;
+    shown.viewer.setHunkAction(
+        u"Stage hunk"_s, [&](const DiffFile&, qsizetype) { ++acted; },
+        [](const DiffFile& file, qsizetype) {
+            return HunkHindrance{file.path == u"file1" ? u"No."_s : QString(), {}};
+        });
+    // A row of the second file's hunk, by which it becomes the current one, and then of the first's.
+    for (const qsizetype file : {1, 0}) {
+        const QPoint place = shown.pointOf({file, 0, 1, 1});
+        QTest::mouseClick(shown.list().viewport(), Qt::LeftButton, {}, place);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, shown.list().viewport()->mapToGlobal(place));
+        QApplication::sendEvent(shown.list().viewport(), &event);
+        auto* menu = shown.list().findChild<QMenu*>();
+        QVERIFY(menu != nullptr);
+        QStringList entries;
+        for (const QAction* action : menu->actions()) {
+            entries.append(action->text() + u'|' + action->shortcut().toString());
+        }
+        QCOMPARE(entries, (QStringList{u"Copy|Ctrl+C"_s, u"Select All|Ctrl+A"_s, u"|"_s, u"Next Hunk|F7"_s,
+                                       u"Previous Hunk|Shift+F7"_s, u"Stage hunk|Ctrl+Return"_s}));
+        QCOMPARE(menu->actions().last()->isEnabled(), file == 0);
+        menu->actions().last()->trigger();
+        menu->close();
+        QTRY_VERIFY(shown.list().findChild<QMenu*>() == nullptr);
+    }
+    QCOMPARE(acted, 1);
+}
+
+void DiffViewerTest::linesAreSelectedByKey()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u" one"_s, u"-two"_s, u"+three"_s}, {u" four"_s}}));
+    DiffList& list = shown.list();
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"one"_s);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"one\ntwo\nthree\nfour"_s);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"one\ntwo\nthree\nfour"_s);
+    QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"one"_s);
+    QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"a\none"_s);
+    QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"a\none"_s);
+}
+
+void DiffViewerTest::hunkIsCopiedWhenNothingIsSelected()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u" one"_s}, {u"-two"_s, u"+three"_s}}));
+    shown.list().setFocus();
+    QTest::keyClick(&shown.list(), Qt::Key_N);
+    QTest::keyClick(&shown.list(), Qt::Key_N);
+    QTest::keyClick(&shown.list(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"two\nthree"_s);
+}
+
+void DiffViewerTest::textIsFound()
+{
+    ShownViewer shown(manyFiles(60));
+    DiffList& list = shown.list();
+    list.setFocus();
+    DiffFindLine& line = shown.viewer.findLine();
+    QVERIFY(!line.isVisible());
+    QTest::keyClick(&list, Qt::Key_F, Qt::ControlModifier);
+    QVERIFY(line.isVisible());
+    QVERIFY(line.field().hasFocus());
+    QTest::keyClicks(&line.field(), u"NEW"_s);
+    QCOMPARE(list.selection()->anchor, (DiffTextPlace{0, 0, 2, 0}));
+    QCOMPARE(list.selectedText(), u"new"_s);
+    QTest::keyClick(&line.field(), Qt::Key_Return);
+    QCOMPARE(list.selection()->anchor.file, 1);
+    QTest::keyClick(&line.field(), Qt::Key_F3);
+    QCOMPARE(list.selection()->anchor.file, 2);
+    QTest::keyClick(&line.field(), Qt::Key_F3, Qt::ShiftModifier);
+    QTest::keyClick(&line.field(), Qt::Key_Return, Qt::ShiftModifier);
+    QTest::keyClick(&line.field(), Qt::Key_Return, Qt::ShiftModifier);
+    QCOMPARE(list.selection()->anchor.file, 59);
+    QVERIFY(list.scrolledTo() > list.diffLayout().fileTop(40));
+    QCOMPARE(line.told(), u"Went on at the other end"_s);
+    QTest::keyClicks(&line.field(), u"x"_s);
+    QCOMPARE(line.told(), u"Not found"_s);
+    QVERIFY(!list.selection());
+}
+
+void DiffViewerTest::foundTextOpensItsHunk()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"-x"_s}, {u"+there"_s}}));
+    QTest::mouseClick(shown.button(0, 1, Role::toggle), Qt::LeftButton);
+    QVERIFY(shown.list().diffLayout().isCollapsed(0, 1));
+    shown.viewer.showFindLine();
+    QTest::keyClicks(&shown.viewer.findLine().field(), u"there"_s);
+    QVERIFY(!shown.list().diffLayout().isCollapsed(0, 1));
+    QCOMPARE(shown.list().selectedText(), u"there"_s);
+}
+
+void DiffViewerTest::findLineLeavesTheSheet()
+{
+    ShownViewer shown(manyFiles(3));
+    shown.viewer.showFindLine();
+    QTest::keyClick(&shown.viewer.findLine().field(), Qt::Key_Escape);
+    QVERIFY(!shown.viewer.findLine().isVisible());
+    QVERIFY(shown.viewer.isVisible());
+    QVERIFY(shown.list().hasFocus());
+}
+
+void DiffViewerTest::longTextIsReadElsewhere()
+{
+    QStringList lines(50'000, u"+some words in a line of a long text"_s);
+    ShownViewer shown;
+    QSignalSpy isShown(&shown.viewer, &DiffViewer::shown);
+    shown.viewer.setDiffText(diffOf(u"a"_s, {lines}));
+    QVERIFY(shown.viewer.diffText().size() > DiffViewer::longestAtOnce);
+    QVERIFY(shown.viewer.isReading());
+    QCOMPARE(qobject_cast<TextLabel*>(shown.page())->text(), u"Reading the diff…"_s);
+    // What comes of a text that is shown no more is dropped.
+    shown.viewer.setDiffText(diffOf(u"b"_s, {lines}));
+    // The window may change meanwhile.
+    shown.viewer.resize(400, 400);
+    QVERIFY(isShown.wait());
+    QVERIFY(!shown.viewer.isReading());
+    QCOMPARE(isShown.count(), 1);
+    QCOMPARE(shown.page(), &shown.list());
+    QCOMPARE(shown.viewer.filesSummary(), u"1 file   +50000 \u22120"_s);
+    QCOMPARE(shown.list().diffLayout().files()[0].path, u"b"_s);
+    ShownViewer small(diffOf(u"b"_s, {lines.first(10)}));
+    small.viewer.resize(400, 400);
+    QCOMPARE(shown.list().diffLayout().columns(), small.list().diffLayout().columns());
+    // And a short one is there at once.
+    shown.viewer.setDiffText(diffOf(u"c"_s, {{u"+x"_s}}));
+    QVERIFY(!shown.viewer.isReading());
+    QCOMPARE(shown.list().diffLayout().files()[0].path, u"c"_s);
+}
+
+void DiffViewerTest::staleHunksOfferNothing()
+{
+    int acted = 0;
+    ShownViewer shown(diffOf(u"a"_s, {{u"+x"_s}}));
+    shown.viewer.setHunkAction(u"Stage hunk"_s, [&](const DiffFile&, qsizetype) { ++acted; });
+    QSignalSpy isShown(&shown.viewer, &DiffViewer::shown);
+    shown.viewer.setDiffText(diffOf(u"b"_s, {QStringList(50'000, u"+some words in a line of a long text"_s)}));
+    QVERIFY(shown.viewer.isReading());
+    QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
+    QCOMPARE(acted, 0);
+    QVERIFY(isShown.wait());
+    QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
+    QCOMPARE(acted, 1);
+}
+
+void DiffViewerTest::pieceBehindTheLastLineFeedIsNoLine()
+{
+    for (const DiffViewMode mode : allDiffViewModes) {
+        ShownViewer shown(diffOf(u"a"_s, {{u" x"_s, u" "_s}}), mode);
+        const DiffLayout& layout = shown.list().diffLayout();
+        // The parser counts it, and the hunk's patch holds it.
+        QCOMPARE(layout.files()[0].hunks[0].lines.size(), 4);
+        QCOMPARE(layout.entryCount(0, 0), 2);
+        // Of a text that ends without a line feed nothing is taken.
+        QString text = diffOf(u"a"_s, {{u" x"_s, u" "_s}});
+        text.chop(1);
+        shown.viewer.setDiffText(text);
+        QCOMPARE(layout.entryCount(0, 0), 2);
+        text.chop(1);
+        shown.viewer.setDiffText(text);
+        QCOMPARE(layout.entryCount(0, 0), 1);
+    }
 }
 
 const kelm::test::Registered<DiffViewerTest> registered(kelm::test::Toolkit::widgets);

@@ -21,7 +21,8 @@ public:
         viewer.setDiffText(text);
         viewer.show();
         viewer.activateWindow();
-        isShown = QTest::qWaitForWindowActive(&viewer);
+        // A long text is read on another thread.
+        isShown = QTest::qWaitForWindowActive(&viewer) && QTest::qWaitFor([this] { return !viewer.isReading(); });
     }
 
     DiffList& list() { return viewer.list(); }

@@ -1,0 +1,89 @@
+#include "git/viewer/untracked_file.h"
+
+#include "git/diff/file_facts.h"
+#include "platform/files/file_identity.h"
+#include "platform/files/native_path.h"
+#include "platform/files/open_file.h"
+#include "platform/files/utf8_file.h"
+#include "platform/text/shown_name.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace kelm {
+
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("UntrackedFile", text);
+}
+
+/// The first bytes of a file; absent when it cannot be read.
+std::optional<QByteArray> firstBytes(const QString& path, qsizetype most)
+{
+    const OpenFile file = OpenFile::openForReading(nativePath(path));
+    QByteArray bytes(most, Qt::Uninitialized);
+    qsizetype length = 0;
+    while (file.isOpen() && length < most) {
+        const qsizetype read = file.read(bytes.data() + length, most - length);
+        if (read < 0) {
+            return std::nullopt;
+        }
+        if (read == 0) {
+            break;
+        }
+        length += read;
+    }
+    bytes.truncate(length);
+    return file.isOpen() ? std::optional(bytes) : std::nullopt;
+}
+
+QString addedText(const QString& text, const QString& name)
+{
+    const bool isEnded = text.endsWith(u'\n');
+    const qsizetype lines = text.count(u'\n') + (isEnded ? 0 : 1);
+    QString diff = u"diff --git a/%1 b/%1\nnew file mode 100644\n--- /dev/null\n+++ b/%1\n@@ -0,0 +1"_s.arg(name);
+    diff += lines == 1 ? u" @@"_s : u",%1 @@"_s.arg(lines);
+    diff.reserve(diff.size() + text.size() + 2 * lines + 40);
+    for (const QStringView line : QStringView(text).chopped(isEnded ? 1 : 0).tokenize(u'\n')) {
+        diff += u"\n+"_s;
+        diff += line;
+    }
+    return diff + (isEnded ? u"\n"_s : u"\n\\ No newline at end of file\n"_s);
+}
+
+} // namespace
+
+UntrackedFile UntrackedFile::read(const QString& path, const QString& shownName)
+{
+    const QFileInfo info(path);
+    if (info.isSymLink()) {
+        return {{}, tr("Untracked link to %1").arg(kelm::shownName(info.symLinkTarget()))};
+    }
+    if (info.isDir()) {
+        return {{}, tr("Untracked folder")};
+    }
+    const auto bytes = firstBytes(path, most);
+    if (!bytes) {
+        return {{}, tr("Untracked file, which cannot be read")};
+    }
+    if (bytes->isEmpty()) {
+        return {{}, tr("Untracked empty file")};
+    }
+    // A cut in the middle of a character, or of a line, would show what is not in the file.
+    const std::optional<FileIdentity> there = identityOf(nativePath(path));
+    const qint64 size = there ? there->size : bytes->size();
+    const bool isCut = bytes->size() == most && size > most;
+    const qsizetype end = isCut ? bytes->lastIndexOf('\n') + 1 : bytes->size();
+    const auto text = decodeUtf8Text(QByteArrayView(*bytes).first(end));
+    if (!text || text->isEmpty() || text->contains(QChar(u'\0'))) {
+        return {{}, tr("Untracked binary file, %1").arg(sizeInWords(size))};
+    }
+    // A line feed in the name would begin another line of the diff.
+    return {addedText(*text, QString(shownName).replace(u'\n', QChar(0x2424))), {}};
+}
+
+} // namespace kelm
