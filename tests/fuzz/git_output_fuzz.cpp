@@ -2,6 +2,7 @@
 #include "git/service/ahead_behind_parser.h"
 #include "git/service/blame_parser.h"
 #include "git/service/branch_parser.h"
+#include "git/service/git_names.h"
 #include "git/service/log_parser.h"
 #include "git/service/remote_parser.h"
 #include "git/service/stash_parser.h"
@@ -35,6 +36,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(status.size() <= lines);
     for (const GitFileStatus& file : status) {
         require(!file.path.isEmpty() && text.contains(file.path) && !file.path.contains(u'\n'));
+        const GitFileNames names = namesOf(file);
+        require(names.current.size() <= file.path.size() && shownNames(file).size() >= names.current.size());
+        require(!names.previous || file.path.contains(QStringLiteral(" -> ")));
         require(file.staged != GitFileChange::untracked || file.unstaged != GitFileChange::untracked);
     }
     if (const auto counts = parseAheadBehind(text)) {

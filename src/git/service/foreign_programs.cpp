@@ -5,6 +5,7 @@
 #include "platform/files/native_path.h"
 #include "platform/files/start_of_file.h"
 
+#include <QDir>
 #include <QHash>
 #include <QSet>
 
@@ -56,6 +57,21 @@ std::optional<QByteArray> settingsText(const RepositoryFiles& files)
 std::optional<QByteArray> indexOf(const RepositoryFiles& files)
 {
     return startOfFile(files.index(), std::numeric_limits<int>::max());
+}
+
+/// Whether a program for comparing may be set for all files, by the repository or for all of a person's. The plain diff
+/// in its place costs a process more, so that it is put there only then.
+bool mayCompareByAProgram(const std::optional<QByteArray>& own)
+{
+    const QString home = QDir::homePath();
+    const QString configuration = qEnvironmentVariable("XDG_CONFIG_HOME", home + u"/.config"_s);
+    QByteArray text = own.value_or(QByteArrayLiteral("external"));
+    for (const QString& path : {qEnvironmentVariable("GIT_CONFIG_GLOBAL", home + u"/.gitconfig"_s),
+                                configuration + u"/git/config"_s, u"/etc/gitconfig"_s}) {
+        text += startOfFile(path, longestSettings).value_or(QByteArray()).toLower();
+    }
+    return speaksOf(text, std::array{"external", "include"}) || qEnvironmentVariableIsSet("GIT_CONFIG_COUNT") ||
+           qEnvironmentVariableIsSet("GIT_CONFIG_PARAMETERS") || qEnvironmentVariableIsSet("GIT_CONFIG_SYSTEM");
 }
 
 bool mayNameSubmodules(const QByteArray& index)
@@ -136,6 +152,9 @@ public:
                 true);
         }
         ForeignPrograms found{.mayFetch = text && !speaksOf(*text, fetchingPrograms)};
+        if (mayCompareByAProgram(text)) {
+            found.settings.append({u"diff.external"_s, QString()});
+        }
         if (hasForeignSubmodule()) {
             found.settings.append({u"diff.ignoreSubmodules"_s, u"dirty"_s});
             askForSubmodules();
@@ -262,7 +281,7 @@ ForeignPrograms ForeignProgramFinder::find(const QString& folder, const QStringL
     }
     ForeignPrograms foreign = found_;
     for (auto& [key, value] : foreign.settings) {
-        if (key.startsWith(u"diff.") && key.endsWith(u".command")) {
+        if (key == u"diff.external" || (key.startsWith(u"diff.") && key.endsWith(u".command"))) {
             value = plainDiffCommand(arguments);
         }
     }

@@ -69,7 +69,7 @@ void askNowhere(EnvironmentVariables& variables)
     }
 }
 
-void runNothingForeign(EnvironmentVariables& variables, const QStringList& arguments)
+void runNothingForeign(EnvironmentVariables& variables)
 {
     variables.insert(u"GIT_OPTIONAL_LOCKS"_s, u"0"_s);
     variables.remove(u"GIT_EXTERNAL_DIFF"_s);
@@ -80,9 +80,6 @@ void runNothingForeign(EnvironmentVariables& variables, const QStringList& argum
     GitSettings settings;
     for (const auto& [key, value] : readingSettings) {
         settings.append({key.toString(), value.toString()});
-    }
-    if (const QString plain = plainDiffCommand(arguments); !plain.isEmpty()) {
-        settings.append({u"diff.external"_s, plain});
     }
     append(variables, settings);
 }
@@ -108,7 +105,7 @@ EnvironmentVariables gitEnvironment(const QStringList& arguments, EnvironmentVar
     }
     askNowhere(variables);
     if (onlyReads(arguments)) {
-        runNothingForeign(variables, arguments);
+        runNothingForeign(variables);
     }
     return variables;
 }

@@ -7,10 +7,6 @@ namespace kelm {
 
 namespace {
 
-constexpr char32_t firstPicture = 0x2400;
-constexpr char32_t lastPicture = 0x2426;
-constexpr char32_t pictureOfBlank = 0x2420;
-constexpr char32_t pictureOfDelete = 0x2421;
 constexpr char32_t openingBracket = 0x27e8;
 constexpr char32_t firstRawByte = 0xdc80;
 constexpr char32_t lastRawByte = 0xdcff;
@@ -22,21 +18,13 @@ struct Range
 };
 
 /// Marks and letters that are drawn as nothing. Those of the category of formats are known by it.
-constexpr std::array unseen{Range{0x34f, 0x34f},
-                            Range{0x115f, 0x1160},
-                            Range{0x17b4, 0x17b5},
-                            Range{0x180b, 0x180f},
-                            Range{0x2065, 0x2065},
-                            Range{0x2800, 0x2800},
-                            Range{0x3164, 0x3164},
-                            Range{0xfe00, 0xfe0f},
-                            Range{0xffa0, 0xffa0},
-                            Range{0xfff0, 0xfff8},
-                            Range{0x1d159, 0x1d159},
-                            Range{0x1d173, 0x1d17a},
-                            Range{0xe0000, 0xe0fff},
-                            Range{firstPicture, lastPicture},
-                            Range{openingBracket, openingBracket}};
+constexpr std::array unseen{Range{0x34f, 0x34f},     Range{0x115f, 0x1160},
+                            Range{0x17b4, 0x17b5},   Range{0x180b, 0x180f},
+                            Range{0x2065, 0x2065},   Range{0x2800, 0x2800},
+                            Range{0x3164, 0x3164},   Range{0xfe00, 0xfe0f},
+                            Range{0xffa0, 0xffa0},   Range{0xfff0, 0xfff8},
+                            Range{0x1d159, 0x1d159}, Range{0x1d173, 0x1d17a},
+                            Range{0xe0000, 0xe0fff}, Range{openingBracket, openingBracket}};
 
 bool isUnseen(char32_t character)
 {
@@ -64,12 +52,6 @@ QString hexadecimal(char32_t number, int digits)
 
 QString sign(char32_t character)
 {
-    if (character < U' ') {
-        return QString(QChar(char16_t(firstPicture + character)));
-    }
-    if (character == 0x7f) {
-        return QString(QChar(char16_t(pictureOfDelete)));
-    }
     if (character >= firstRawByte && character <= lastRawByte) {
         return u'\u27e8' + hexadecimal(character - 0xdc00, 2) + u'\u27e9';
     }
@@ -91,9 +73,7 @@ QString shownName(QStringView name)
     for (qsizetype at = 0; at < name.size(); ++at) {
         const bool isPair = name[at].isHighSurrogate() && at + 1 < name.size() && name[at + 1].isLowSurrogate();
         const char32_t character = isPair ? QChar::surrogateToUcs4(name[at], name[at + 1]) : name[at].unicode();
-        if (character == U' ' && (at < start || at >= end)) {
-            shown += QChar(char16_t(pictureOfBlank));
-        } else if (isUnseen(character)) {
+        if (isUnseen(character) || (character == U' ' && (at < start || at >= end))) {
             shown += sign(character);
         } else {
             shown += name.sliced(at, isPair ? 2 : 1);

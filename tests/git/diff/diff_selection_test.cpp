@@ -97,7 +97,7 @@ void DiffSelectionTest::fileWithoutAPathIsNamed()
     const auto shown = [](const QString& header) { return shownPath(DiffParser::parse(header).front()); };
     QCOMPARE(shown(u"diff --git \"a/\\355\\225\\234\" \"b/\\355\\225\\234\"\n"_s), u"한"_s);
     QCOMPARE(shown(u"diff --git a/x \"b/\\\"q\\\" b\"\n"_s), u"\"q\" b"_s);
-    QCOMPARE(shown(u"--- \"a/a\\nb\"\n+++ \"b/a\\nb\"\n"_s), u"a\u240ab"_s);
+    QCOMPARE(shown(u"--- \"a/a\\nb\"\n+++ \"b/a\\nb\"\n"_s), u"a\u27e8U+000A\u27e9b"_s);
     QCOMPARE(shown(u"diff --git a/a b b/a b\n"_s), u"a b"_s);
 }
 

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void missingObjectIsNotFetchedByAForeignProgram();
     void missingObjectIsFetchedInAnOrdinaryClone();
     void programsOfThePersonGoOnWorking();
+    void comparisonOfThePersonIsPlainToo();
     void textWithAConversionIsShownAsItIs();
     void whatIsAskedForRunsHooksAndFilters();
     void plainRepositoryStartsNothingMore();
@@ -317,6 +318,15 @@ void ForeignProgramsTest::programsOfThePersonGoOnWorking()
     // The repository's own of that name is not taken in its place.
     set(u"filter.evil.clean"_s, u"tr a-z x"_s);
     QVERIFY(git_->diff(u"a.txt"_s, false).contains(u"+OTHER"_s));
+}
+
+void ForeignProgramsTest::comparisonOfThePersonIsPlainToo()
+{
+    const QString global = QString::fromLocal8Bit(qgetenv("GIT_CONFIG_GLOBAL"));
+    repository_->git({u"config"_s, u"--file"_s, global, u"diff.external"_s, command(u"true"_s)});
+    open();
+    verifyTheChangeIsThere();
+    QVERIFY(!takeMarker());
 }
 
 void ForeignProgramsTest::textWithAConversionIsShownAsItIs()

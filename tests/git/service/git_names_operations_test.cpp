@@ -33,8 +33,8 @@ const QList<Name>& oddNames()
         {"arrow", u"a -> b"_s, u"a -> b"_s},
         {"Korean", u"한국어.txt"_s, u"한국어.txt"_s},
         {"quotes", u"\"q\".txt"_s, u"\"q\".txt"_s},
-        {"line feed", u"a\nb.txt"_s, u"a\u240ab.txt"_s},
-        {"tab", u"a\tb.txt"_s, u"a\u2409b.txt"_s},
+        {"line feed", u"a\nb.txt"_s, u"a\u27e8U+000A\u27e9b.txt"_s},
+        {"tab", u"a\tb.txt"_s, u"a\u27e8U+0009\u27e9b.txt"_s},
         {"back slash", u"a\\b\\n.txt"_s, u"a\\b\\n.txt"_s},
         {"hyphen", u"-f"_s, u"-f"_s},
         {"star", u"*"_s, u"*"_s},
@@ -47,8 +47,8 @@ const QList<Name>& oddNames()
          "95\u27e9\u27e8"
          "C3\u27e9 x"_s},
         {"direction", u"a\u202etxt.exe"_s, u"a\u27e8U+202E\u27e9txt.exe"_s},
-        {"folder", u"한 글/\"x\"\n/ y"_s, u"한 글/\"x\"\u240a/ y"_s},
-        {"blanks at the ends", u" x "_s, u"\u2420x\u2420"_s},
+        {"folder", u"한 글/\"x\"\n/ y"_s, u"한 글/\"x\"\u27e8U+000A\u27e9/ y"_s},
+        {"blanks at the ends", u" x "_s, u"\u27e8U+0020\u27e9x\u27e8U+0020\u27e9"_s},
     };
     return names;
 }

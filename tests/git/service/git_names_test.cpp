@@ -103,7 +103,7 @@ void GitNamesTest::sheetFindsBothNamesOfARename()
 void GitNamesTest::namesAreShownWithSigns()
 {
     const QList<GitFileStatus> status = parseStatus(u"R  \"a\\nb\" -> \"\\342\\200\\256c\"\n?? \"\\351 d\"\n");
-    QCOMPARE(shownNames(status[0]), u"a\u240ab -> \u27e8U+202E\u27e9c"_s);
+    QCOMPARE(shownNames(status[0]), u"a\u27e8U+000A\u27e9b -> \u27e8U+202E\u27e9c"_s);
     QCOMPARE(shownNames(status[1]), u"\u27e8E9\u27e9 d"_s);
 }
 

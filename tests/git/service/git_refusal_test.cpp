@@ -40,8 +40,10 @@ void GitRefusalTest::nameIsRefusedInOneSentence_data()
         "option."_s);
     row("a colon in a URL", GitNameKind::url, u"git@host:owner/repo.git"_s);
     row("blanks around a URL", GitNameKind::url, u" https://h/r "_s);
-    row("line feed", GitNameKind::remote, u"a\nb"_s, u"The remote's name \"a\u240ab\" holds a control character."_s);
-    row("null", GitNameKind::folder, u"a"_s + QChar(0), u"The folder name \"a\u2400\" holds a control character."_s);
+    row("line feed", GitNameKind::remote, u"a\nb"_s,
+        u"The remote's name \"a\u27e8U+000A\u27e9b\" holds a control character."_s);
+    row("null", GitNameKind::folder, u"a"_s + QChar(0),
+        u"The folder name \"a\u27e8U+0000\u27e9\" holds a control character."_s);
     row("C1", GitNameKind::stash, u"a\u0085"_s, u"The stash name \"a\u27e8U+0085\u27e9\" holds a control character."_s);
     row("line separator", GitNameKind::userName, u"a\u2028"_s,
         u"The user name \"a\u27e8U+2028\u27e9\" holds a control character."_s);

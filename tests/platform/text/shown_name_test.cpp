@@ -34,13 +34,13 @@ void ShownNameTest::unseenIsSeen_data()
     row("Korean in pieces", u"\u1112\u1161\u11ab"_s, u"\u1112\u1161\u11ab"_s);
     row("accents", u"e\u0301"_s, u"e\u0301"_s);
     row("beyond 16 bits", u"a\U0001f600b"_s, u"a\U0001f600b"_s);
-    row("line feed", u"a\nb"_s, u"a\u240ab"_s);
-    row("tab and return", u"a\t\rb"_s, u"a\u2409\u240db"_s);
-    row("null and escape", QString(u"a\0\x1b"_s), u"a\u2400\u241b"_s);
-    row("delete", u"a\x7f"_s, u"a\u2421"_s);
+    row("line feed", u"a\nb"_s, u"a\u27e8U+000A\u27e9b"_s);
+    row("tab and return", u"a\t\rb"_s, u"a\u27e8U+0009\u27e9\u27e8U+000D\u27e9b"_s);
+    row("null and escape", QString(u"a\0\x1b"_s), u"a\u27e8U+0000\u27e9\u27e8U+001B\u27e9"_s);
+    row("delete", u"a\x7f"_s, u"a\u27e8U+007F\u27e9"_s);
     row("C1", u"a\u0085"_s, u"a\u27e8U+0085\u27e9"_s);
-    row("blanks at the ends", u" a b  "_s, u"\u2420a b\u2420\u2420"_s);
-    row("nothing but blanks", u"  "_s, u"\u2420\u2420"_s);
+    row("blanks at the ends", u" a b  "_s, u"\u27e8U+0020\u27e9a b\u27e8U+0020\u27e9\u27e8U+0020\u27e9"_s);
+    row("nothing but blanks", u"  "_s, u"\u27e8U+0020\u27e9\u27e8U+0020\u27e9"_s);
     row("a blank that is none", u"a\u00a0b\u3000"_s, u"a\u27e8U+00A0\u27e9b\u27e8U+3000\u27e9"_s);
     row("direction", u"a\u202etxt.exe"_s, u"a\u27e8U+202E\u27e9txt.exe"_s);
     row("isolates", u"\u2066a\u2069"_s, u"\u27e8U+2066\u27e9a\u27e8U+2069\u27e9"_s);
@@ -51,7 +51,7 @@ void ShownNameTest::unseenIsSeen_data()
     row("line separator", u"a\u2028"_s, u"a\u27e8U+2028\u27e9"_s);
     row("bytes", u"caf"_s + QChar(0xdce9) + u".txt"_s, u"caf\u27e8E9\u27e9.txt"_s);
     row("lone surrogate", u"a"_s + QChar(0xd800), u"a\u27e8U+D800\u27e9"_s);
-    row("a sign", u"a\u240a\u27e8U+202E\u27e9"_s, u"a\u27e8U+240A\u27e9\u27e8U+27E8\u27e9U+202E\u27e9"_s);
+    row("a sign", u"a\u27e8U+202E\u27e9"_s, u"a\u27e8U+27E8\u27e9U+202E\u27e9"_s);
 }
 
 void ShownNameTest::unseenIsSeen()
@@ -63,7 +63,7 @@ void ShownNameTest::unseenIsSeen()
 void ShownNameTest::noNamePosesAsAnother()
 {
     // All names of up to four pieces, of pieces that are signs or are shown by one.
-    const QStringList pieces{u"a"_s,      u" "_s,      u"\n"_s,     u"\u240a"_s, u"\u2420"_s,           u"\u200b"_s,
+    const QStringList pieces{u"a"_s,      u" "_s,      u"\n"_s,     u"U+000A"_s, u"U+0020"_s,           u"\u200b"_s,
                              u"\u27e8"_s, u"U+200B"_s, u"\u27e9"_s, u"E9"_s,     QString(QChar(0xdce9))};
     QStringList names{QString()};
     QSet<QString> all{QString()};

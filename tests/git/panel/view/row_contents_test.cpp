@@ -288,7 +288,7 @@ void RowContentsTest::whatIsNotSeenHasASign()
     file.file.path = u"\"a\\nb\" -> \"\\351\""_s;
     file.file.staged = GitFileChange::renamed;
     file.staged = true;
-    const QString names = u"a\u240ab -> \u27e8E9\u27e9"_s;
+    const QString names = u"a\u27e8U+000A\u27e9b -> \u27e8E9\u27e9"_s;
     QCOMPARE(file.content().firstLine.last().text, names);
     QCOMPARE(file.content().help, names + u" (renamed)"_s);
 
