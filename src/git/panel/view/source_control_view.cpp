@@ -1,6 +1,7 @@
 #include "git/panel/view/source_control_view.h"
 
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "git/panel/view/branches_tab.h"
 #include "git/panel/view/changes_tab.h"
 #include "git/panel/view/clone_dialog.h"
@@ -15,6 +16,8 @@
 #include "git/panel/view/stashes_tab.h"
 #include "git/panel/view/tags_tab.h"
 #include "git/service/git_service.h"
+#include "git/service/repository_follower.h"
+#include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/view/divider.h"
 
@@ -72,7 +75,7 @@ SourceControlView::SourceControlView(AppState& appState, Services services, QWid
     connect(&git_, &GitService::branchChanged, this, &SourceControlView::refreshRepository);
     for (const auto changed : {&GitService::statusChanged, &GitService::branchesChanged, &GitService::stashesChanged,
                                &GitService::tagsChanged, &GitService::remotesChanged}) {
-        connect(&git_, changed, this, &SourceControlView::refreshBadges);
+        connect(&git_, changed, this, &SourceControlView::refreshBadgesSoon);
     }
     refreshRepository();
     refreshBadges();
@@ -92,6 +95,9 @@ void SourceControlView::addTabs()
         git_, [this](const QString& path) { setDiffPath(path); }, tabs_);
     historyTab_ = new HistoryTab(
         git_, [this](const QString& sha) { setHistorySha(sha); }, tabs_);
+    changesTab_->composer().onRefused = [this](const QString& refusal, const std::function<void()>& putBack) {
+        offerToPutBack(refusal, putBack);
+    };
     tabs_->addWidget(changesTab_);
     tabs_->addWidget(historyTab_);
     tabs_->addWidget(new BranchesTab(git_, tabs_));
@@ -137,7 +143,24 @@ void SourceControlView::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (!event->spontaneous()) {
         syncRepo();
+        appState_.repositoryFollower().setIsShownBy(*this, true);
     }
+}
+
+void SourceControlView::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        appState_.repositoryFollower().setIsShownBy(*this, false);
+    }
+}
+
+void SourceControlView::offerToPutBack(const QString& refusal, const std::function<void()>& putBack)
+{
+    // Of two refusals the first has been answered by then.
+    Notices& notices = appState_.notices();
+    notices.remove(std::exchange(refusalNotice_, 0));
+    refusalNotice_ = notices.report(refusal, {{tr("Put back"), putBack}});
 }
 
 void SourceControlView::refreshRepository()
@@ -152,8 +175,16 @@ void SourceControlView::refreshRepository()
     emptyState_->setVisible(!shownRepository_.has_value());
 }
 
+void SourceControlView::refreshBadgesSoon()
+{
+    if (!std::exchange(areBadgesStale_, true)) {
+        onMainQueue(this, [this] { refreshBadges(); });
+    }
+}
+
 void SourceControlView::refreshBadges()
 {
+    areBadgesStale_ = false;
     for (const SourceControlTab tab : allSourceControlTabs) {
         tabBar_->setBadge(tab, badgeCount(tab, git_));
     }
