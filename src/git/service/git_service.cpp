@@ -26,9 +26,9 @@ void GitService::setLastError(const std::optional<QString>& text)
 void GitService::takeError(const GitFailure& failure)
 {
     // What a refresh learns is told only while nothing that was asked for has failed: it may well come of that.
-    const bool isTold = failure.kind == GitErrorKind::operation ||
-                        (failure.kind == GitErrorKind::reading &&
-                         (!lastFailure_ || lastFailure_->kind == GitErrorKind::reading));
+    const bool isTold =
+        failure.kind == GitErrorKind::operation ||
+        (failure.kind == GitErrorKind::reading && (!lastFailure_ || lastFailure_->kind == GitErrorKind::reading));
     if (isTold) {
         setLastFailure(failure);
     }
@@ -37,7 +37,8 @@ void GitService::takeError(const GitFailure& failure)
 
 void GitService::setLastFailure(const std::optional<GitFailure>& failure)
 {
-    if (lastFailure_ != failure) {
+    // The same once more is told once more.
+    if (failure || lastFailure_) {
         assign(lastFailure_, failure, &GitService::lastFailureChanged);
     }
 }
@@ -49,8 +50,7 @@ void GitService::forgetSolvedConflicts()
                               (file.staged == GitFileChange::added || file.staged == GitFileChange::deleted);
         return isOfBoth || file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted;
     };
-    if (lastFailure_ && lastFailure_->isAboutConflicts() &&
-        std::none_of(status_.begin(), status_.end(), isUnmerged)) {
+    if (lastFailure_ && lastFailure_->isAboutConflicts() && std::none_of(status_.begin(), status_.end(), isUnmerged)) {
         setLastFailure(std::nullopt);
     }
 }

@@ -17,7 +17,6 @@
 #include "git/panel/view/tags_tab.h"
 #include "git/service/git_service.h"
 #include "git/service/repository_follower.h"
-#include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/view/divider.h"
 
@@ -73,12 +72,18 @@ SourceControlView::SourceControlView(AppState& appState, Services services, QWid
     });
     // The branch is the first thing that is written when a repository is opened or closed.
     connect(&git_, &GitService::branchChanged, this, &SourceControlView::refreshRepository);
-    for (const auto changed : {&GitService::statusChanged, &GitService::branchesChanged, &GitService::stashesChanged,
-                               &GitService::tagsChanged, &GitService::remotesChanged}) {
-        connect(&git_, changed, this, &SourceControlView::refreshBadgesSoon);
+    // Each list is counted when it is another one: all of them once after an operation that reads everything.
+    for (const auto& [changed, tab] : {std::pair(&GitService::statusChanged, SourceControlTab::changes),
+                                       std::pair(&GitService::branchesChanged, SourceControlTab::branches),
+                                       std::pair(&GitService::stashesChanged, SourceControlTab::stashes),
+                                       std::pair(&GitService::tagsChanged, SourceControlTab::tags),
+                                       std::pair(&GitService::remotesChanged, SourceControlTab::remotes)}) {
+        connect(&git_, changed, this, [this, shown = tab] { refreshBadge(shown); });
     }
     refreshRepository();
-    refreshBadges();
+    for (const SourceControlTab tab : allSourceControlTabs) {
+        refreshBadge(tab);
+    }
 }
 
 SourceControlView::~SourceControlView()
@@ -175,19 +180,9 @@ void SourceControlView::refreshRepository()
     emptyState_->setVisible(!shownRepository_.has_value());
 }
 
-void SourceControlView::refreshBadgesSoon()
+void SourceControlView::refreshBadge(SourceControlTab tab)
 {
-    if (!std::exchange(areBadgesStale_, true)) {
-        onMainQueue(this, [this] { refreshBadges(); });
-    }
-}
-
-void SourceControlView::refreshBadges()
-{
-    areBadgesStale_ = false;
-    for (const SourceControlTab tab : allSourceControlTabs) {
-        tabBar_->setBadge(tab, badgeCount(tab, git_));
-    }
+    tabBar_->setBadge(tab, badgeCount(tab, git_));
 }
 
 void SourceControlView::setDiffPath(const std::optional<QString>& path)

@@ -71,9 +71,7 @@ protected:
 private:
     void addTabs();
     void refreshRepository();
-    void refreshBadges();
-    /// Has them counted anew, once for all that changes in one turn of the event loop.
-    void refreshBadgesSoon();
+    void refreshBadge(SourceControlTab tab);
     void offerToPutBack(const QString& refusal, const std::function<void()>& putBack);
     /// What a sheet calls when it is closed; nothing once the view has gone.
     std::function<void()> onSheetClosed(void (SourceControlView::*set)(const std::optional<QString>&));
@@ -94,7 +92,6 @@ private:
     QStackedWidget* tabs_;
     ChangesTab* changesTab_ = nullptr;
     HistoryTab* historyTab_ = nullptr;
-    bool areBadgesStale_ = false;
     /// Of the last commit that was refused.
     quint64 refusalNotice_ = 0;
     /// The repository that the history was read from.

@@ -2,12 +2,14 @@
 
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
+#include "git/viewer/view/sheet_failure_line.h"
 #include "platform/style/view/style.h"
 #include "platform/view/labels.h"
 #include "platform/view/segmented_picker.h"
 #include "platform/view/sheet_frame.h"
 
 #include <QHBoxLayout>
+#include <QLayout>
 #include <QPushButton>
 
 namespace kelm {
@@ -26,6 +28,8 @@ DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
+    failure_ = new SheetFailureLine(git, {QStringLiteral("diff"), QStringLiteral("apply")}, this);
+    layout()->addWidget(failure_);
     updateAction();
 }
 
@@ -91,6 +95,7 @@ bool DiffSheetView::isRepositoryOpen() const
 
 void DiffSheetView::load()
 {
+    failure_->clear();
     diff_ = isRepositoryOpen() ? git_->diff(path_, stagedView_) : QString();
     viewer_->setDiffText(diff_);
 }

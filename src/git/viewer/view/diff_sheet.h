@@ -15,12 +15,13 @@ namespace kelm {
 
 class DiffViewer;
 class SegmentedPicker;
+class SheetFailureLine;
 
 /// What a sheet with the changes of one file holds: the working tree's or the index's, of which single hunks are staged
 /// or unstaged.
 ///
 /// git is asked when it appears, when the other view is chosen, and after a hunk has gone; a failure's words are in the
-/// service's `lastError`.
+/// service's `lastError`, and said in the sheet.
 class DiffSheetView final : public QWidget
 {
     Q_OBJECT
@@ -64,6 +65,7 @@ private:
     bool hasAppeared_ = false;
     SegmentedPicker* picker_ = nullptr;
     DiffViewer* viewer_ = nullptr;
+    SheetFailureLine* failure_ = nullptr;
 };
 
 } // namespace kelm
