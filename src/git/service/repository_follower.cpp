@@ -92,7 +92,9 @@ void RepositoryFollower::setIsShownBy(const QObject& viewer, bool isShown)
         viewers_.insert(&viewer);
         connect(&viewer, &QObject::destroyed, this, [this, gone = &viewer] { viewers_.remove(gone); });
     }
-    if (isStale_ || isProjectNew_) {
+    if (isProjectNew_) {
+        readNow();
+    } else if (isStale_) {
         readSoon();
     }
 }
@@ -132,11 +134,16 @@ void RepositoryFollower::openProject(const std::optional<QUrl>& folder)
 {
     project_ = folder && folder->isLocalFile() ? folder : std::nullopt;
     isProjectNew_ = project_.has_value();
-    // Whoever else has heard of the folder opens it first.
-    onMainQueue(this, [this] { read(); });
+    readNow();
 }
 
 // ---- Reading --------------------------------------------------------------------------------------------------------
+
+void RepositoryFollower::readNow()
+{
+    // Whoever else opens the repository now does so first.
+    onMainQueue(this, [this] { read(); });
+}
 
 void RepositoryFollower::readSoon()
 {

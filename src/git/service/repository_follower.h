@@ -55,6 +55,7 @@ private:
     void watchRepository();
     void watch(const QUrl& repository, const QList<QByteArray>& files);
     bool mayRead() const { return !viewers_.isEmpty() && !git_.isBusy(); }
+    void readNow();
     void readSoon();
     void read();
     /// Takes what was read; false when it is too old.
