@@ -55,10 +55,9 @@ constexpr std::array reasons{
 };
 
 /// What git and its helpers begin such lines with, in English and in Korean.
-constexpr std::array<QStringView, 6> errorSigns{u"error: ", u"fatal: ", u"ERROR: ",
+constexpr std::array<QStringView, 6> errorSigns{u"error: ", u"fatal: ",  u"ERROR: ",
                                                 u"오류: ",  u"치명적: ", u"remote: error: "};
-constexpr std::array<QStringView, 6> asideSigns{u"hint: ",   u"hint:",     u"warning: ",
-                                                u"Warning: ", u"힌트: ", u"경고: "};
+constexpr std::array<QStringView, 6> asideSigns{u"hint: ", u"hint:", u"warning: ", u"Warning: ", u"힌트: ", u"경고: "};
 constexpr QStringView rejectionSign = u" ! [";
 
 constexpr qsizetype mostReadUnits = 1 << 16;

@@ -26,8 +26,8 @@ struct GitOperation;
 ///
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
 /// fetch, pull, push and clone run on the global thread pool and come back to the main thread. The service watches
-/// nothing: the snapshot changes when a refresh is called, or when a `RepositoryFollower` has read another one. There is
-/// no timeout, and no git that runs is ever ended.
+/// nothing: the snapshot changes when a refresh is called, or when a `RepositoryFollower` has read another one. There
+/// is no timeout, and no git that runs is ever ended.
 ///
 /// Each write of an observable member is signalled, equal values included. `repoURL` is not observable by itself:
 /// whatever sets it writes the other members behind it.

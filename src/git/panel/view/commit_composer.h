@@ -48,8 +48,8 @@ public:
 
     QString message() const { return field_->message(); }
     void setMessage(const QString& message) { field_->setMessage(message); }
-    /// Called when git has refused a commit and its message has gone from the field all the same: with git's reason, and
-    /// what puts message and "Amend last" back, before what has been typed since.
+    /// Called when git has refused a commit and its message has gone from the field all the same: with git's reason,
+    /// and what puts message and "Amend last" back, before what has been typed since.
     std::function<void(const QString& refusal, const std::function<void()>& putBack)> onRefused;
     bool amend() const;
     /// The next commit is a new one. The message stays.
