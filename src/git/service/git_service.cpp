@@ -110,6 +110,7 @@ void GitService::take(const QUrl& folder, const RepositorySnapshot& now)
     takeList(remotes_, now.remotes, &GitService::remotesChanged);
     takeList(stashes_, now.stashes, &GitService::stashesChanged);
     takeList(tags_, now.tags, &GitService::tagsChanged);
+    Q_EMIT taken();
 }
 
 void GitService::clearState()

@@ -213,6 +213,8 @@ Q_SIGNALS:
     void isBusyChanged();
     void lastErrorChanged();
     void lastFailureChanged();
+    /// A snapshot that was read elsewhere has been taken, whether or not anything in it is another.
+    void taken();
     /// A clone has been made and opened; `folder` is its working tree.
     void cloned(const QUrl& folder);
     void branchesChanged();

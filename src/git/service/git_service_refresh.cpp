@@ -14,15 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
 
-namespace {
-
-QStringList logArgs(qint64 limit)
-{
-    return {u"log"_s, u"-n"_s, QString::number(limit), u"--date=short"_s, u"--pretty=format:%H%x1f%an%x1f%ad%x1f%s"_s};
-}
-
-} // namespace
-
 void GitService::refreshAll()
 {
     refreshBranch();
@@ -92,12 +83,12 @@ QString GitService::diff(const QString& file, bool staged)
 
 QList<GitCommit> GitService::log(qint64 limit)
 {
-    return parseLog(read(logArgs(limit), GitErrorKind::state).value_or(QString()));
+    return parseLog(read(refreshCommands::log(limit), GitErrorKind::state).value_or(QString()));
 }
 
 QList<GitCommit> GitService::fileLog(const QString& path, qint64 limit)
 {
-    return parseLog(read(logArgs(limit) + QStringList{u"--"_s, path}).value_or(QString()));
+    return parseLog(read(refreshCommands::log(limit) + QStringList{u"--"_s, path}).value_or(QString()));
 }
 
 QString GitService::showCommit(const QString& sha)

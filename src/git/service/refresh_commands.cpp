@@ -46,4 +46,9 @@ QStringList tags()
             u"refs/tags"_s};
 }
 
+QStringList log(qint64 limit)
+{
+    return {u"log"_s, u"-n"_s, QString::number(limit), u"--date=short"_s, u"--pretty=format:%H%x1f%an%x1f%ad%x1f%s"_s};
+}
+
 } // namespace kelm::refreshCommands

@@ -13,5 +13,7 @@ QStringList remoteBranches();
 QStringList remotes();
 QStringList stashes();
 QStringList tags();
+/// Of the newest `limit` commits.
+QStringList log(qint64 limit);
 
 } // namespace kelm::refreshCommands

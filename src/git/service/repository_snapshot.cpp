@@ -2,6 +2,7 @@
 
 #include "git/service/branch_parser.h"
 #include "git/service/git_service.h"
+#include "git/service/log_parser.h"
 #include "git/service/refresh_commands.h"
 #include "git/service/remote_parser.h"
 #include "git/service/stash_parser.h"
@@ -24,11 +25,8 @@ class Reader
 {
 public:
     Reader(ProcessRunner& runner, const QString& folder, const std::atomic<bool>& stop)
-        : runner_(runner), folder_(folder), stop_(stop), environment_(applicationEnvironment())
-    {
-        // A reading that writes the index would be the next change to be read.
-        environment_[u"GIT_OPTIONAL_LOCKS"_s] = u"0"_s;
-    }
+        : runner_(runner), folder_(folder), stop_(stop)
+    {}
 
     bool isStopped() const { return stop_; }
 
@@ -38,9 +36,7 @@ public:
         if (isStopped()) {
             return std::nullopt;
         }
-        ProcessCommand command = GitService::makeProcess(arguments, folder_);
-        command.environment = environment_;
-        const ProcessResult result = runner_.run(command);
+        const ProcessResult result = runner_.run(commandFor(arguments));
         if (result.launchError) {
             return std::nullopt;
         }
@@ -49,10 +45,20 @@ public:
     }
 
 private:
+    ProcessCommand commandFor(const QStringList& arguments) const
+    {
+        ProcessCommand command = GitService::makeProcess(arguments, folder_);
+        if (!command.environment) {
+            command.environment = applicationEnvironment();
+        }
+        // A reading that writes the index would be the next change to be read.
+        command.environment->insert(u"GIT_OPTIONAL_LOCKS"_s, u"0"_s);
+        return command;
+    }
+
     ProcessRunner& runner_;
     const QString& folder_;
     const std::atomic<bool>& stop_;
-    QMap<QString, QString> environment_;
 };
 
 // All that a record says, but for its identity, which is another in each reading.
@@ -116,6 +122,13 @@ std::optional<RepositorySnapshot> readSnapshot(ProcessRunner& runner, const QStr
     now.stashes = oldIfSame(before.stashes, parseStashes(textOf(refreshCommands::stashes())));
     now.tags = oldIfSame(before.tags, parseTags(textOf(refreshCommands::tags())));
     return git.isStopped() ? std::nullopt : std::optional(now);
+}
+
+std::optional<QList<GitCommit>> readLog(ProcessRunner& runner, const QString& folder, qint64 limit,
+                                        const std::atomic<bool>& stop)
+{
+    const std::optional<QString> output = Reader(runner, folder, stop).output(refreshCommands::log(limit));
+    return output ? std::optional(parseLog(*output)) : std::nullopt;
 }
 
 } // namespace kelm

@@ -33,6 +33,11 @@ struct RepositorySnapshot
 std::optional<RepositorySnapshot> readSnapshot(ProcessRunner& runner, const QString& folder,
                                                const RepositorySnapshot& before, const std::atomic<bool>& stop);
 
+/// The newest `limit` commits of the repository in `folder`, as `GitService::log` reads them. Absent where they cannot
+/// be read, also since there are none. Any thread.
+std::optional<QList<GitCommit>> readLog(ProcessRunner& runner, const QString& folder, qint64 limit,
+                                        const std::atomic<bool>& stop);
+
 /// Whether two lists are one and the same, which takes no look at what they hold.
 template <typename Record>
 bool isSameList(const QList<Record>& a, const QList<Record>& b)

@@ -8,6 +8,7 @@
 #include <QDropEvent>
 #include <QListView>
 #include <QMimeData>
+#include <QSignalSpy>
 #include <QtTest>
 
 namespace file_tree_view_test {

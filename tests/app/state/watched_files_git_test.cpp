@@ -6,11 +6,12 @@
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
 
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <functional>
 
-namespace git_documents_test {
+namespace watched_files_git_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -92,7 +93,7 @@ const QList<Operation>& operations()
 } // namespace
 
 /// Open documents while git changes their files.
-class GitDocumentsTest : public QObject
+class WatchedFilesGitTest : public QObject
 {
     Q_OBJECT
 
@@ -104,6 +105,7 @@ private Q_SLOTS:
     void aModifiedOneStaysAndIsToldOf_data() { addOperations(); }
     void aModifiedOneStaysAndIsToldOf();
     void aSaveIsReadByTheFollower();
+    void aCloneBecomesTheProject();
 
 private:
     static void addOperations()
@@ -133,7 +135,7 @@ private:
     }
 };
 
-void GitDocumentsTest::anUnmodifiedOneFollows()
+void WatchedFilesGitTest::anUnmodifiedOneFollows()
 {
     QFETCH(qsizetype, operation);
     const TemporaryRepository repository;
@@ -148,7 +150,7 @@ void GitDocumentsTest::anUnmodifiedOneFollows()
     QVERIFY(f.state.notices().current() == nullptr);
 }
 
-void GitDocumentsTest::aModifiedOneStaysAndIsToldOf()
+void WatchedFilesGitTest::aModifiedOneStaysAndIsToldOf()
 {
     QFETCH(qsizetype, operation);
     const TemporaryRepository repository;
@@ -173,7 +175,7 @@ void GitDocumentsTest::aModifiedOneStaysAndIsToldOf()
     QCOMPARE(document.content().toUtf8(), operations()[operation].result);
 }
 
-void GitDocumentsTest::aSaveIsReadByTheFollower()
+void WatchedFilesGitTest::aSaveIsReadByTheFollower()
 {
     const TemporaryRepository repository;
     AppStateFixture f;
@@ -186,8 +188,25 @@ void GitDocumentsTest::aSaveIsReadByTheFollower()
     QCOMPARE(f.state.git().status().first().path, u"a.txt"_s);
 }
 
-const kelm::test::Registered<GitDocumentsTest> registered;
+void WatchedFilesGitTest::aCloneBecomesTheProject()
+{
+    const TemporaryRepository source;
+    source.write(u"a.txt"_s, "one\n");
+    source.commitAll(u"first"_s);
+    AppStateFixture f;
+    f.state.setCurrentProject(source.url());
+    QSignalSpy cloned(&f.state, &AppState::projectCloned);
+    bool isOpenInTime = false;
+    f.state.git().cloneRepo(source.path(), f.url(u"clone"_s), [&](const GitOpResult& result) {
+        isOpenInTime = result.isSuccess() && f.state.currentProject() == f.url(u"clone"_s);
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(cloned.count() == 1, 20000);
+    QVERIFY(isOpenInTime);
+    QVERIFY(f.state.git().repoURL() == f.url(u"clone"_s));
+}
 
-} // namespace git_documents_test
+const kelm::test::Registered<WatchedFilesGitTest> registered;
 
-#include "git_documents_test.moc"
+} // namespace watched_files_git_test
+
+#include "watched_files_git_test.moc"

@@ -14,7 +14,7 @@
 
 #include <algorithm>
 
-namespace source_control_truth_test {
+namespace source_control_view_truth_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -73,7 +73,7 @@ struct TruthFixture : PanelFixture
 
 } // namespace
 
-class SourceControlTruthTest : public QObject
+class SourceControlViewTruthTest : public QObject
 {
     Q_OBJECT
 
@@ -92,19 +92,20 @@ private Q_SLOTS:
     void theSecondRefusalTakesThePlaceOfTheFirst();
     void aMadeCommitOffersNothing();
     void whatOthersDoIsShownWithoutAButton();
+    void commitsOfOthersAreInTheHistory();
     void whatOthersDoMovesNothing();
     void aHiddenPanelReadsNothing();
     void aCloneBecomesTheProject();
     void aCloneThatFailsLeavesTheProject();
 };
 
-void SourceControlTruthTest::initTestCase()
+void SourceControlViewTruthTest::initTestCase()
 {
     useFixedGitEnvironment();
     style::installOn(*qApp);
 }
 
-void SourceControlTruthTest::statesAreNotRed_data()
+void SourceControlViewTruthTest::statesAreNotRed_data()
 {
     QTest::addColumn<bool>("hasCommit");
     QTest::addColumn<bool>("isDetached");
@@ -113,7 +114,7 @@ void SourceControlTruthTest::statesAreNotRed_data()
     QTest::newRow("detached") << true << true;
 }
 
-void SourceControlTruthTest::statesAreNotRed()
+void SourceControlViewTruthTest::statesAreNotRed()
 {
     QFETCH(bool, hasCommit);
     QFETCH(bool, isDetached);
@@ -131,7 +132,7 @@ void SourceControlTruthTest::statesAreNotRed()
     QCOMPARE(f.red(), QString());
 }
 
-void SourceControlTruthTest::aFailureIsOneSentenceWithDetails()
+void SourceControlViewTruthTest::aFailureIsOneSentenceWithDetails()
 {
     TruthFixture f;
     const TemporaryRepository origin({u"init"_s, u"-q"_s, u"--bare"_s});
@@ -153,7 +154,7 @@ void SourceControlTruthTest::aFailureIsOneSentenceWithDetails()
     QVERIFY(!f.isDetailsShown());
 }
 
-void SourceControlTruthTest::detailsAreCopiedWhole()
+void SourceControlViewTruthTest::detailsAreCopiedWhole()
 {
     TruthFixture f;
     f.showWithoutDismissing();
@@ -170,7 +171,7 @@ void SourceControlTruthTest::detailsAreCopiedWhole()
     QTRY_VERIFY(f.window.findChild<DetailsSheet*>() == nullptr);
 }
 
-void SourceControlTruthTest::conflictWordsLeaveWithTheConflict()
+void SourceControlViewTruthTest::conflictWordsLeaveWithTheConflict()
 {
     TruthFixture f;
     f.makeConflict();
@@ -181,7 +182,7 @@ void SourceControlTruthTest::conflictWordsLeaveWithTheConflict()
     QCOMPARE(f.red(), QString());
 }
 
-void SourceControlTruthTest::aNewFileIsNotDiscarded()
+void SourceControlViewTruthTest::aNewFileIsNotDiscarded()
 {
     TruthFixture f;
     f.repo.write(u"new.txt"_s, "mine\n");
@@ -191,7 +192,7 @@ void SourceControlTruthTest::aNewFileIsNotDiscarded()
     QCOMPARE(f.repo.read(u"new.txt"_s), QByteArray("mine\n"));
 }
 
-void SourceControlTruthTest::aMessageOfNothingStagedIsPutBack()
+void SourceControlViewTruthTest::aMessageOfNothingStagedIsPutBack()
 {
     TruthFixture f;
     f.repo.write(u"a.txt"_s, "two\n");
@@ -208,7 +209,7 @@ void SourceControlTruthTest::aMessageOfNothingStagedIsPutBack()
     QCOMPARE(f.output({u"log"_s, u"-1"_s, u"--format=%B"_s}), QByteArray("what I wrote\n\nat length"));
 }
 
-void SourceControlTruthTest::whatWasTypedSinceStaysBehindIt()
+void SourceControlViewTruthTest::whatWasTypedSinceStaysBehindIt()
 {
     TruthFixture f;
     f.showWithoutDismissing();
@@ -218,7 +219,7 @@ void SourceControlTruthTest::whatWasTypedSinceStaysBehindIt()
     QCOMPARE(f.view.commitMessage(), u"first try\n\ntyped since"_s);
 }
 
-void SourceControlTruthTest::anAmendmentIsPutBackAsOne()
+void SourceControlViewTruthTest::anAmendmentIsPutBackAsOne()
 {
     TruthFixture f;
     f.repo.write(u"a.txt"_s, "two\n");
@@ -237,7 +238,7 @@ void SourceControlTruthTest::anAmendmentIsPutBackAsOne()
     QCOMPARE(f.view.commitMessage(), u"other words"_s);
 }
 
-void SourceControlTruthTest::theSecondRefusalTakesThePlaceOfTheFirst()
+void SourceControlViewTruthTest::theSecondRefusalTakesThePlaceOfTheFirst()
 {
     TruthFixture f;
     f.showWithoutDismissing();
@@ -248,7 +249,7 @@ void SourceControlTruthTest::theSecondRefusalTakesThePlaceOfTheFirst()
     QCOMPARE(f.noticeText(), QString());
 }
 
-void SourceControlTruthTest::aMadeCommitOffersNothing()
+void SourceControlViewTruthTest::aMadeCommitOffersNothing()
 {
     TruthFixture f;
     f.repo.write(u"a.txt"_s, "two\n");
@@ -259,11 +260,11 @@ void SourceControlTruthTest::aMadeCommitOffersNothing()
     QCOMPARE(f.noticeText(), QString());
 }
 
-void SourceControlTruthTest::whatOthersDoIsShownWithoutAButton()
+void SourceControlViewTruthTest::whatOthersDoIsShownWithoutAButton()
 {
     TruthFixture f;
     f.showWithoutDismissing();
-    QTRY_VERIFY(f.app.state.repositoryFollower().isSettled());
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
     f.repo.write(u"b.txt"_s, "");
     f.repo.git({u"add"_s, u"-A"_s});
     QTRY_VERIFY((f.passTime(), f.lines() == QStringList{u"# Staged"_s, u"A b.txt"_s}));
@@ -273,14 +274,26 @@ void SourceControlTruthTest::whatOthersDoIsShownWithoutAButton()
     QCOMPARE(f.red(), QString());
 }
 
-void SourceControlTruthTest::whatOthersDoMovesNothing()
+void SourceControlViewTruthTest::commitsOfOthersAreInTheHistory()
+{
+    TruthFixture f;
+    f.showWithoutDismissing();
+    f.view.setTab(SourceControlTab::history);
+    QCOMPARE(f.lines().size(), 1);
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
+    f.repo.commitAll(u"by somebody else"_s);
+    QTRY_VERIFY((f.passTime(), f.lines().size() == 2));
+    QVERIFY(f.lines().first().contains(u"by somebody else"_s));
+}
+
+void SourceControlViewTruthTest::whatOthersDoMovesNothing()
 {
     TruthFixture f;
     for (int i = 100; i < 200; ++i) {
         f.repo.write(u"%1"_s.arg(i), "");
     }
     f.showWithoutDismissing();
-    QTRY_VERIFY(f.app.state.repositoryFollower().isSettled());
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
     RowList& list = f.list();
     list.setFocus();
     list.setCurrentIndex(list.model()->index(itemOf(list, u"U 150"_s), 0));
@@ -292,7 +305,7 @@ void SourceControlTruthTest::whatOthersDoMovesNothing()
     // Nothing new, and then something far below.
     f.app.state.repositoryFollower().noteChange();
     f.passTime();
-    QTRY_VERIFY(f.app.state.repositoryFollower().isSettled());
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
     QCOMPARE(f.git().status(), before);
     f.repo.write(u"zzz"_s, "");
     f.app.state.repositoryFollower().noteChange();
@@ -301,11 +314,11 @@ void SourceControlTruthTest::whatOthersDoMovesNothing()
     QCOMPARE(list.currentIndex().row(), itemOf(list, u"U 150"_s));
 }
 
-void SourceControlTruthTest::aHiddenPanelReadsNothing()
+void SourceControlViewTruthTest::aHiddenPanelReadsNothing()
 {
     TruthFixture f;
     f.showWithoutDismissing();
-    QTRY_VERIFY(f.app.state.repositoryFollower().isSettled());
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
     f.view.hide();
     const quint64 age = f.git().age();
     f.repo.write(u"b.txt"_s, "");
@@ -319,7 +332,7 @@ void SourceControlTruthTest::aHiddenPanelReadsNothing()
     QCOMPARE(f.git().status().size(), 1);
 }
 
-void SourceControlTruthTest::aCloneBecomesTheProject()
+void SourceControlViewTruthTest::aCloneBecomesTheProject()
 {
     TruthFixture f;
     const TemporaryRepository source;
@@ -355,7 +368,7 @@ void SourceControlTruthTest::aCloneBecomesTheProject()
     QCOMPARE(f.output({u"rev-parse"_s, u"HEAD"_s}), before);
 }
 
-void SourceControlTruthTest::aCloneThatFailsLeavesTheProject()
+void SourceControlViewTruthTest::aCloneThatFailsLeavesTheProject()
 {
     TruthFixture f;
     f.showWithoutDismissing();
@@ -366,8 +379,8 @@ void SourceControlTruthTest::aCloneThatFailsLeavesTheProject()
     QVERIFY(f.git().repoURL() == f.repo.url());
 }
 
-const kelm::test::Registered<SourceControlTruthTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<SourceControlViewTruthTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace source_control_truth_test
+} // namespace source_control_view_truth_test
 
-#include "source_control_truth_test.moc"
+#include "source_control_view_truth_test.moc"
