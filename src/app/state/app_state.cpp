@@ -12,6 +12,7 @@
 #include "app/state/watched_files.h"
 #include "editor/transforms/text_transformer.h"
 #include "git/service/git_service.h"
+#include "git/service/repository_follower.h"
 #include "platform/files/file_url.h"
 #include "platform/files/standard_paths.h"
 #include "platform/files/utf8_file.h"
@@ -35,6 +36,7 @@ AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
       git_(std::make_unique<GitService>(services.processRunner)),
+      repositoryFollower_(std::make_unique<RepositoryFollower>(*git_, services.scheduler)),
       notices_(std::make_unique<Notices>(services.scheduler)),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
@@ -54,12 +56,23 @@ AppState::AppState(const Services& services)
 {
     connect(this, &AppState::documentsChanged, watchedFiles_.get(),
             [this] { watchedFiles_->setDocuments(documents_); });
+    connectGit();
+    loadRecentFiles();
+    tidyBeside(recentFiles_);
+}
+
+void AppState::connectGit()
+{
     for (const auto gitHasEnded :
          {&GitService::statusChanged, &GitService::branchChanged, &GitService::stashesChanged}) {
         connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
     }
-    loadRecentFiles();
-    tidyBeside(recentFiles_);
+    connect(this, &AppState::currentProjectChanged, repositoryFollower_.get(),
+            [this] { repositoryFollower_->openProject(currentProject_); });
+    connect(git_.get(), &GitService::cloned, this, [this](const QUrl& folder) {
+        setCurrentProject(folder);
+        Q_EMIT projectCloned();
+    });
 }
 
 AppState::~AppState() = default;
@@ -307,6 +320,7 @@ std::optional<FileError> AppState::write(const std::shared_ptr<Document>& docume
     std::optional<FileError> error = saving_->save(document, url);
     if (!error) {
         unsavedTexts_->store().noteSaved(*document);
+        repositoryFollower_->noteChange();
     }
     return error;
 }

@@ -28,6 +28,7 @@ class GitService;
 class LargeFiles;
 class Notices;
 class ReplacedFiles;
+class RepositoryFollower;
 class UnsavedTexts;
 class WatchedFiles;
 struct FileFailure;
@@ -137,6 +138,9 @@ public:
     /// The one git service, the same for the whole run. No repository is open at first.
     GitService& git() const { return *git_; }
 
+    /// Keeps what the git service knows true; whoever shows that says so to it.
+    RepositoryFollower& repositoryFollower() const { return *repositoryFollower_; }
+
     /// What goes on and takes its time.
     Notices& notices() const { return *notices_; }
     /// The files that are read while the window goes on.
@@ -214,8 +218,11 @@ Q_SIGNALS:
     void searchModeChanged();
     void bottomPanelTabChanged();
     void currentProjectChanged();
+    /// A clone has become the project.
+    void projectCloned();
 
 private:
+    void connectGit();
     /// Sets tabs and index together, so that no observer sees the one without the other.
     void showDocuments(Documents documents, qsizetype currentIndex);
     /// A document with what was read; null, with the reason logged and added to `failures`, for what could not be.
@@ -238,6 +245,7 @@ private:
     Services services_;
     const std::unique_ptr<CodeRunner> codeRunner_;
     const std::unique_ptr<GitService> git_;
+    const std::unique_ptr<RepositoryFollower> repositoryFollower_;
     const std::unique_ptr<Notices> notices_;
     const std::unique_ptr<LargeFiles> largeFiles_;
     const std::unique_ptr<DocumentRewriter> rewriter_;

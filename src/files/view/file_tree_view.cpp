@@ -3,6 +3,8 @@
 #include "app/state/app_state.h"
 #include "files/view/file_item_row.h"
 #include "git/service/git_service.h"
+#include "git/service/repository_follower.h"
+#include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/view/divider.h"
@@ -16,6 +18,8 @@
 #include <QListView>
 #include <QMimeData>
 #include <QStackedWidget>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -42,7 +46,13 @@ FileTreeView::FileTreeView(AppState& appState, FilePanels& filePanels, QWidget* 
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(pages_);
     connect(&appState_, &AppState::currentProjectChanged, this, &FileTreeView::refreshProject);
-    connect(&appState_.git(), &GitService::statusChanged, this, &FileTreeView::refreshStatus);
+    connect(&appState_.git(), &GitService::statusChanged, this, &FileTreeView::refreshStatusSoon);
+    connect(&appState_, &AppState::projectCloned, this, [this] {
+        // What was listed is of the project before.
+        if (isVisible()) {
+            loadFiles();
+        }
+    });
     refreshProject();
     refreshStatus();
 }
@@ -121,8 +131,16 @@ void FileTreeView::refreshProject()
     }
 }
 
+void FileTreeView::refreshStatusSoon()
+{
+    if (!std::exchange(isStatusStale_, true)) {
+        onMainQueue(this, [this] { refreshStatus(); });
+    }
+}
+
 void FileTreeView::refreshStatus()
 {
+    isStatusStale_ = false;
     model_->setBadges(GitBadges(appState_.git().status(), appState_.git().repoURL()));
 }
 
@@ -133,6 +151,16 @@ void FileTreeView::showEvent(QShowEvent* event)
     if (!event->spontaneous()) {
         model_->collapseAll();
         loadFiles();
+        appState_.repositoryFollower().setIsShownBy(*this, true);
+        appState_.repositoryFollower().noteChange();
+    }
+}
+
+void FileTreeView::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        appState_.repositoryFollower().setIsShownBy(*this, false);
     }
 }
 

@@ -33,6 +33,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -43,6 +44,8 @@ private:
     QWidget* makeEmptyState();
     void refreshProject();
     void refreshStatus();
+    /// Has the badges found anew, once for all that changes in one turn of the event loop.
+    void refreshStatusSoon();
     void openFolder();
     void select(int row);
     bool handleKey(int key);
@@ -55,6 +58,7 @@ private:
     TextLabel* title_ = nullptr;
     QListView* list_ = nullptr;
     FileItemRow* rowLook_ = nullptr;
+    bool isStatusStale_ = false;
 };
 
 } // namespace kelm

@@ -2,12 +2,11 @@
 
 #include "git/service/foreign_programs.h"
 #include "git/service/git_worker.h"
-#include "git/service/repository_files.h"
+#include "git/service/repository_places.h"
 #include "platform/files/file_url.h"
-#include "platform/files/native_path.h"
 
-#include <QDir>
-#include <QFileInfo>
+#include <algorithm>
+#include <iterator>
 
 namespace kelm {
 
@@ -16,46 +15,113 @@ GitService::GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent)
       runner_(std::move(runner)),
       foreignPrograms_(std::make_unique<ForeignProgramFinder>(runner_)),
       alive_(std::make_shared<const bool>(true))
-{}
+{
+    connect(this, &GitService::statusChanged, this, &GitService::forgetSolvedConflicts);
+}
 
 GitService::~GitService() = default;
 
 void GitService::setLastError(const std::optional<QString>& text)
 {
+    setLastFailure(text ? std::optional(GitFailure{.text = *text}) : std::nullopt);
     assign(lastError_, text, &GitService::lastErrorChanged);
+}
+
+void GitService::takeError(const GitFailure& failure)
+{
+    // What a refresh learns is told only while nothing that was asked for has failed: it may well come of that.
+    const bool isTold =
+        failure.kind == GitErrorKind::operation ||
+        (failure.kind == GitErrorKind::reading && (!lastFailure_ || lastFailure_->kind == GitErrorKind::reading));
+    if (isTold) {
+        setLastFailure(failure);
+    }
+    assign(lastError_, std::optional(failure.text), &GitService::lastErrorChanged);
+}
+
+void GitService::setLastFailure(const std::optional<GitFailure>& failure)
+{
+    // The same once more is told once more.
+    if (failure || lastFailure_) {
+        assign(lastFailure_, failure, &GitService::lastFailureChanged);
+    }
+}
+
+void GitService::forgetSolvedConflicts()
+{
+    const auto isUnmerged = [](const GitFileStatus& file) {
+        const bool isOfBoth = file.staged == file.unstaged &&
+                              (file.staged == GitFileChange::added || file.staged == GitFileChange::deleted);
+        return isOfBoth || file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted;
+    };
+    if (lastFailure_ && lastFailure_->isAboutConflicts() && std::none_of(status_.begin(), status_.end(), isUnmerged)) {
+        setLastFailure(std::nullopt);
+    }
 }
 
 bool GitService::open(const QUrl& folder)
 {
-    constexpr int candidateLimit = 10;
-    if (!folder.isLocalFile() || filePath(folder).isEmpty()) {
+    const bool isFolder = folder.isLocalFile() && !filePath(folder).isEmpty();
+    const std::optional<QString> found = isFolder ? findRepository(filePath(folder)) : std::nullopt;
+    if (!found) {
         clearState();
         return false;
     }
-    QString candidate = QDir::cleanPath(QFileInfo(filePath(folder)).absoluteFilePath());
-    for (int tried = 1;; ++tried) {
-        if (isThere(QDir(candidate).filePath(QStringLiteral(".git")))) {
-            // Git would read it to its end, which a pipe may not have.
-            if (const auto files = RepositoryFiles::of(candidate); files && !files->hasReadableHead()) {
-                clearState();
-                return false;
-            }
-            repoURL_ = urlOfFile(candidate);
-            refreshAll();
-            return true;
-        }
-        const QString parent = QFileInfo(candidate).path();
-        if (parent == candidate || tried == candidateLimit) {
-            clearState();
-            return false;
-        }
-        candidate = parent;
+    ++age_;
+    repoURL_ = urlOfFile(*found);
+    refreshAll();
+    return true;
+}
+
+RepositorySnapshot GitService::snapshot() const
+{
+    return {.branch = branch_,
+            .head = head_,
+            .status = status_,
+            .counts = {.behind = behind_, .ahead = ahead_},
+            .branches = branches_,
+            .remotes = remotes_,
+            .stashes = stashes_,
+            .tags = tags_};
+}
+
+void GitService::take(const QUrl& folder, const RepositorySnapshot& now)
+{
+    const bool isAnother = repoURL_ != folder;
+    if (isAnother) {
+        ++age_;
+        repoURL_ = folder;
     }
+    const bool isHeadAnother = head_ != now.head;
+    head_ = now.head;
+    if (isAnother || isHeadAnother || branch_ != now.branch) {
+        assign(branch_, now.branch, &GitService::branchChanged);
+    }
+    const auto takeList = [this, isAnother](auto& member, const auto& list, void (GitService::*changed)()) {
+        if (isAnother || !isSameList(member, list)) {
+            assign(member, list, changed);
+        }
+    };
+    const auto takeCount = [this, isAnother](qint64& member, qint64 count, void (GitService::*changed)()) {
+        if (isAnother || member != count) {
+            assign(member, count, changed);
+        }
+    };
+    takeList(status_, now.status, &GitService::statusChanged);
+    takeCount(ahead_, now.counts.ahead, &GitService::aheadChanged);
+    takeCount(behind_, now.counts.behind, &GitService::behindChanged);
+    takeList(branches_, now.branches, &GitService::branchesChanged);
+    takeList(remotes_, now.remotes, &GitService::remotesChanged);
+    takeList(stashes_, now.stashes, &GitService::stashesChanged);
+    takeList(tags_, now.tags, &GitService::tagsChanged);
+    Q_EMIT taken();
 }
 
 void GitService::clearState()
 {
+    ++age_;
     repoURL_.reset();
+    head_ = {};
     assign(branch_, QString(), &GitService::branchChanged);
     assign(status_, {}, &GitService::statusChanged);
     assign(ahead_, qint64(0), &GitService::aheadChanged);

@@ -1,8 +1,11 @@
 // A repository as the program shows it, and everything the user does to it, by way of the git command line.
 #pragma once
 
+#include "git/service/git_failure.h"
+#include "git/service/git_head.h"
 #include "git/service/git_records.h"
 #include "git/service/git_result.h"
+#include "git/service/repository_snapshot.h"
 #include "platform/process/process.h"
 
 #include <QList>
@@ -23,8 +26,9 @@ struct GitOperation;
 /// Keeps a snapshot of the open repository and runs git for the user.
 ///
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
-/// fetch, pull, push and clone run on the global thread pool and come back to the main thread. Nothing watches the file
-/// system: the snapshot changes when a refresh is called. There is no timeout, and no git that runs is ever ended.
+/// fetch, pull, push and clone run on the global thread pool and come back to the main thread. The service watches
+/// nothing: the snapshot changes when a refresh is called, or when a `RepositoryFollower` has read another one. There
+/// is no timeout, and no git that runs is ever ended.
 ///
 /// A name that git would take for an option or that holds a control character is refused before git is started: the
 /// result is a failure with one sentence, which goes to `lastError`, and no refresh follows.
@@ -63,7 +67,15 @@ public:
     bool isBusy() const { return isBusy_; }
     /// The last failure's words, untrimmed; they stay until somebody takes them away or another failure comes.
     const std::optional<QString>& lastError() const { return lastError_; }
+    /// Sets or takes away `lastFailure` as well.
     void setLastError(const std::optional<QString>& text);
+    /// The last command that somebody asked for and that failed: unlike `lastError` no refresh behind it takes its
+    /// place, it tells of no mere state, such as a branch without an upstream, and it goes with the conflicts that it
+    /// is about. Where nothing asked for has failed, a refresh that could not read.
+    const std::optional<GitFailure>& lastFailure() const { return lastFailure_; }
+    /// What git said when it refused the last commit or amendment and that counted as made, since git printed; absent
+    /// where that was made, or counted as failed.
+    const std::optional<GitFailure>& commitRefusal() const { return commitRefusal_; }
     /// Local branches, then remote ones.
     const QList<GitBranch>& branches() const { return branches_; }
     const QList<GitRemote>& remotes() const { return remotes_; }
@@ -71,6 +83,18 @@ public:
     const QList<GitTag>& tags() const { return tags_; }
     /// The working tree's folder; absent when no repository is open.
     const std::optional<QUrl>& repoURL() const { return repoURL_; }
+    /// What HEAD names: of a HEAD without a commit the branch, of a detached one the commit. Signalled with `branch`.
+    const GitHead& head() const { return head_; }
+    /// Grows with each command that is run, and when another repository is opened: what was read meanwhile by others
+    /// may be older than the snapshot.
+    quint64 age() const { return age_; }
+    /// All of the snapshot at once, which copies no records.
+    RepositorySnapshot snapshot() const;
+    /// Takes a snapshot of the repository in `folder` that was read elsewhere, with `snapshot()` as it was before, and
+    /// opens that repository if it is not. What is no other than it was is not signalled.
+    void take(const QUrl& folder, const RepositorySnapshot& now);
+    /// What starts the children; any thread.
+    const std::shared_ptr<ProcessRunner>& runner() const { return runner_; }
 
     // Running git.
 
@@ -199,6 +223,11 @@ Q_SIGNALS:
     void behindChanged();
     void isBusyChanged();
     void lastErrorChanged();
+    void lastFailureChanged();
+    /// A snapshot that was read elsewhere has been taken, whether or not anything in it is another.
+    void taken();
+    /// A clone has been made and opened; `folder` is its working tree.
+    void cloned(const QUrl& folder);
     void branchesChanged();
     void remotesChanged();
     void stashesChanged();
@@ -213,6 +242,28 @@ private:
         member = std::move(value);
         Q_EMIT(this->*changed)();
     }
+
+    /// What came of a command.
+    struct Answer
+    {
+        /// As `run` gives it.
+        std::optional<QString> output = std::nullopt;
+        bool isFailed = false;
+        /// A failure's words, from the one stream or the other.
+        QString words = {};
+    };
+    /// `run`; what a failure means to the person depends on why git was asked.
+    Answer ask(const QStringList& args, GitErrorKind kind);
+    std::optional<QString> read(const QStringList& args, GitErrorKind kind = GitErrorKind::reading)
+    {
+        return ask(args, kind).output;
+    }
+    /// Takes a failure's words.
+    void takeError(const GitFailure& failure);
+    void setLastFailure(const std::optional<GitFailure>& failure);
+    /// Drops a failure that was about conflicts once there are none.
+    void forgetSolvedConflicts();
+    bool performCommit(const GitOperation& operation, const QStringList& given);
 
     /// `run` for an operation of the table, and then its refreshes. Whether git printed anything.
     bool performForOutput(const GitOperation& operation, const QStringList& given);
@@ -244,6 +295,10 @@ private:
     QList<GitStash> stashes_;
     QList<GitTag> tags_;
     std::optional<QUrl> repoURL_;
+    GitHead head_;
+    std::optional<GitFailure> lastFailure_;
+    std::optional<GitFailure> commitRefusal_;
+    quint64 age_ = 0;
 
     std::shared_ptr<ProcessRunner> runner_;
     std::unique_ptr<ForeignProgramFinder> foreignPrograms_;

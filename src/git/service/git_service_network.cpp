@@ -119,6 +119,7 @@ void GitService::cloneRepo(const QString& url, const QUrl& into, Completion onDo
                              [into, onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
                                  if (result.isSuccess() && service != nullptr) {
                                      service->open(into);
+                                     Q_EMIT service->cloned(into);
                                  }
                                  if (onDone) {
                                      onDone(result);

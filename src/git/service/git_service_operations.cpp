@@ -84,15 +84,25 @@ void GitService::discardChanges(const QStringList& paths)
     }
 }
 
+bool GitService::performCommit(const GitOperation& operation, const QStringList& given)
+{
+    const QStringList args = operation.arguments(given);
+    const Answer answer = ask(args, GitErrorKind::operation);
+    const bool isRefusal = answer.isFailed && answer.output;
+    commitRefusal_ = isRefusal ? std::optional(GitFailure{args, answer.words}) : std::nullopt;
+    refreshAfter(operation);
+    return answer.output.has_value();
+}
+
 bool GitService::commit(const QString& message)
 {
-    return !message.isEmpty() && performForOutput(gitOperations::commit, {message});
+    return !message.isEmpty() && performCommit(gitOperations::commit, {message});
 }
 
 bool GitService::amendCommit(const std::optional<QString>& message)
 {
-    return isGiven(message) ? performForOutput(gitOperations::amend, {*message})
-                            : performForOutput(gitOperations::amendKeepingMessage, {});
+    return isGiven(message) ? performCommit(gitOperations::amend, {*message})
+                            : performCommit(gitOperations::amendKeepingMessage, {});
 }
 
 GitOpResult GitService::createBranch(const QString& name, bool checkout)

@@ -55,28 +55,40 @@ GitService::Worker GitService::worker()
 
 std::optional<QString> GitService::run(const QStringList& args)
 {
+    return ask(args, GitErrorKind::operation).output;
+}
+
+GitService::Answer GitService::ask(const QStringList& args, GitErrorKind kind)
+{
     if (!repoURL_) {
-        return std::nullopt;
+        return {};
     }
+    ++age_;
     const ProcessResult result = runner_->run(makeProcess(args));
     if (result.launchError) {
-        worker().queueLastError(*result.launchError);
-        return std::nullopt;
+        // No state of the repository keeps git from being started.
+        const bool isState = kind == GitErrorKind::state;
+        worker().queueError({args, *result.launchError, isState ? GitErrorKind::reading : kind});
+        return {.isFailed = true};
     }
+    auto output = decodeUtf8Text(result.standardOutput);
     if (result.exit.isSuccess()) {
-        return decodeUtf8Text(result.standardOutput);
+        return {.output = output};
     }
-    if (const auto error = decodeUtf8Text(result.standardError); error && !error->isEmpty()) {
-        worker().queueLastError(*error);
+    Answer answer{.isFailed = true, .words = decodeUtf8Text(result.standardError).value_or(QString())};
+    if (!answer.words.isEmpty()) {
+        worker().queueError({args, answer.words, kind});
     }
-    if (auto output = decodeUtf8Text(result.standardOutput); output && !output->isEmpty()) {
-        return output;
+    if (output && !output->isEmpty()) {
+        answer.output = output;
+        answer.words = answer.words.isEmpty() ? *output : answer.words;
     }
-    return std::nullopt;
+    return answer;
 }
 
 GitOpResult GitService::runProcess(const ProcessCommand& process)
 {
+    ++age_;
     return worker().runProcess(process);
 }
 
@@ -94,10 +106,12 @@ void GitService::runAsync(const QStringList& args, Completion onDone)
         onDone(GitOpResult::failure(noRepository.toString()));
         return;
     }
+    ++age_;
     assign(isBusy_, true, &GitService::isBusyChanged);
     worker().runInBackground(makeProcess(args),
                              [onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
                                  if (service != nullptr) {
+                                     ++service->age_;
                                      service->assign(service->isBusy_, false, &GitService::isBusyChanged);
                                  }
                                  onDone(result);
@@ -119,6 +133,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
     // A text that has no UTF-8 form is an empty patch, which git refuses.
     process.standardInput = patch.isValidUtf16() ? encodeUtf8Text(patch) : QByteArray();
 
+    ++age_;
     const ProcessResult result = runner_->run(process);
     if (result.launchError || result.inputError) {
         return GitOpResult::failure(result.launchError ? *result.launchError : *result.inputError);
@@ -131,7 +146,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
     if (message.isEmpty()) {
         message = QStringLiteral("git apply failed (exit %1)").arg(result.exit.status);
     }
-    worker().queueLastError(message);
+    worker().queueError({args, message});
     return GitOpResult::failure(message);
 }
 

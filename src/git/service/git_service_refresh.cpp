@@ -5,6 +5,7 @@
 #include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
 #include "git/service/log_parser.h"
+#include "git/service/refresh_commands.h"
 #include "git/service/remote_parser.h"
 #include "git/service/stash_parser.h"
 #include "git/service/status_parser.h"
@@ -13,15 +14,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
-
-namespace {
-
-QStringList logArgs(qint64 limit)
-{
-    return {u"log"_s, u"-n"_s, QString::number(limit), u"--date=short"_s, u"--pretty=format:%H%x1f%an%x1f%ad%x1f%s"_s};
-}
-
-} // namespace
 
 void GitService::refreshAll()
 {
@@ -36,19 +28,20 @@ void GitService::refreshAll()
 
 void GitService::refreshBranch()
 {
-    const auto output = run({u"rev-parse"_s, u"--abbrev-ref"_s, u"HEAD"_s});
+    const auto output = read(refreshCommands::branch(), GitErrorKind::state);
+    head_ = repoURL_ ? readHead(repoPath()) : GitHead{};
     assign(branch_, output.value_or(QString()).trimmed(), &GitService::branchChanged);
 }
 
 void GitService::refreshStatus()
 {
-    const auto output = run({u"status"_s, u"--porcelain=v1"_s});
+    const auto output = read(refreshCommands::status());
     assign(status_, parseStatus(output.value_or(QString())), &GitService::statusChanged);
 }
 
 void GitService::refreshAheadBehind()
 {
-    const auto output = run({u"rev-list"_s, u"--left-right"_s, u"--count"_s, u"@{u}...HEAD"_s});
+    const auto output = read(refreshCommands::aheadBehind(), GitErrorKind::state);
     if (const auto counts = parseAheadBehind(output.value_or(QString()))) {
         assign(ahead_, counts->ahead, &GitService::aheadChanged);
         assign(behind_, counts->behind, &GitService::behindChanged);
@@ -58,10 +51,8 @@ void GitService::refreshAheadBehind()
 void GitService::refreshBranches()
 {
     QList<GitBranch> branches;
-    const auto local =
-        run({u"for-each-ref"_s, u"--format=%(refname:short)%00%(HEAD)%00%(upstream:short)"_s, u"refs/heads"_s});
-    if (local) {
-        const auto remote = run({u"for-each-ref"_s, u"--format=%(refname:short)"_s, u"refs/remotes"_s});
+    if (const auto local = read(refreshCommands::localBranches())) {
+        const auto remote = read(refreshCommands::remoteBranches());
         branches = parseLocalBranches(*local) + parseRemoteBranches(remote.value_or(QString()));
     }
     assign(branches_, branches, &GitService::branchesChanged);
@@ -69,22 +60,19 @@ void GitService::refreshBranches()
 
 void GitService::refreshRemotes()
 {
-    const auto output = run({u"remote"_s, u"-v"_s});
+    const auto output = read(refreshCommands::remotes());
     assign(remotes_, parseRemotes(output.value_or(QString())), &GitService::remotesChanged);
 }
 
 void GitService::refreshStashes()
 {
-    const auto output = run({u"stash"_s, u"list"_s, u"--pretty=format:%gd%x1f%s"_s});
+    const auto output = read(refreshCommands::stashes());
     assign(stashes_, parseStashes(output.value_or(QString())), &GitService::stashesChanged);
 }
 
 void GitService::refreshTags()
 {
-    const auto output = run({u"for-each-ref"_s,
-                             u"--format=%(refname:short)%00%(objecttype)%00%(*objectname)%00%(objectname)%00"
-                             "%(contents:subject)"_s,
-                             u"refs/tags"_s});
+    const auto output = read(refreshCommands::tags());
     assign(tags_, parseTags(output.value_or(QString())), &GitService::tagsChanged);
 }
 
@@ -96,17 +84,17 @@ QString GitService::diff(const QString& file, bool staged)
 QString GitService::diff(const QStringList& files, bool staged)
 {
     const QStringList args = staged ? QStringList{u"diff"_s, u"--cached"_s, u"--"_s} : QStringList{u"diff"_s, u"--"_s};
-    return run(args + files).value_or(QString());
+    return read(args + files).value_or(QString());
 }
 
 QList<GitCommit> GitService::log(qint64 limit)
 {
-    return parseLog(run(logArgs(limit)).value_or(QString()));
+    return parseLog(read(refreshCommands::log(limit), GitErrorKind::state).value_or(QString()));
 }
 
 QList<GitCommit> GitService::fileLog(const QString& path, qint64 limit)
 {
-    return parseLog(run(logArgs(limit) + QStringList{u"--"_s, path}).value_or(QString()));
+    return parseLog(read(refreshCommands::log(limit) + QStringList{u"--"_s, path}).value_or(QString()));
 }
 
 QString GitService::showCommit(const QString& sha)
@@ -115,12 +103,12 @@ QString GitService::showCommit(const QString& sha)
         refuse(*sentence);
         return {};
     }
-    return run({u"show"_s, u"--no-color"_s, sha}).value_or(QString());
+    return read({u"show"_s, u"--no-color"_s, sha}).value_or(QString());
 }
 
 QList<GitBlameLine> GitService::blame(const QString& path)
 {
-    return parseBlame(run({u"blame"_s, u"--porcelain"_s, u"--"_s, path}).value_or(QString()));
+    return parseBlame(read({u"blame"_s, u"--porcelain"_s, u"--"_s, path}).value_or(QString()));
 }
 
 QString GitService::stashShow(const QString& stash)
@@ -129,7 +117,7 @@ QString GitService::stashShow(const QString& stash)
         refuse(*sentence);
         return {};
     }
-    return run({u"stash"_s, u"show"_s, u"-p"_s, stash}).value_or(QString());
+    return read({u"stash"_s, u"show"_s, u"-p"_s, stash}).value_or(QString());
 }
 
 std::optional<QString> GitService::userName()
@@ -144,7 +132,7 @@ std::optional<QString> GitService::userEmail()
 
 std::optional<QString> GitService::configValue(const QString& key)
 {
-    auto value = run({u"config"_s, key});
+    auto value = read({u"config"_s, key}, GitErrorKind::state);
     if (value) {
         value = value->trimmed();
     }

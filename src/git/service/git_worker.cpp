@@ -26,15 +26,15 @@ GitOpResult GitService::Worker::runProcess(const ProcessCommand& process) const
     if (message.isEmpty()) {
         message = QStringLiteral("git exited %1").arg(result.exit.status);
     }
-    queueLastError(message);
+    queueError({process.arguments, message});
     return GitOpResult::failure(message);
 }
 
-void GitService::Worker::queueLastError(const QString& text) const
+void GitService::Worker::queueError(const GitFailure& failure) const
 {
-    onMainQueue([service = service_, text] {
+    onMainQueue([service = service_, failure] {
         if (service) {
-            service->setLastError(text);
+            service->takeError(failure);
         }
     });
 }

@@ -22,7 +22,7 @@ public:
     GitOpResult runProcess(const ProcessCommand& process) const;
 
     /// Queues the write of a failure's words.
-    void queueLastError(const QString& text) const;
+    void queueError(const GitFailure& failure) const;
 
     /// Runs the process on the global thread pool, or does not when the service has gone by then, and calls `done` with
     /// the service, null if it has gone, and the result on the main thread.

@@ -6,6 +6,7 @@
 #include "app/state/unsaved_texts.h"
 #include "app/state/watched_files.h"
 #include "editor/themes/theme_manager.h"
+#include "git/service/repository_follower.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
 #include "platform/desktop/view/alert_dialogs.h"
@@ -88,6 +89,7 @@ KelmPaneApp::KelmPaneApp()
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) {
             appState_.watchedFiles().lookAgain();
+            appState_.repositoryFollower().noteChange();
         }
     });
     appDelegate_.setActivate([this] { bringToFront(); });

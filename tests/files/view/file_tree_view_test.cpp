@@ -8,6 +8,7 @@
 #include <QDropEvent>
 #include <QListView>
 #include <QMimeData>
+#include <QSignalSpy>
 #include <QtTest>
 
 namespace file_tree_view_test {
@@ -110,6 +111,9 @@ private Q_SLOTS:
     void aDroppedFolderBecomesTheProject();
     void aDroppedFileIsCopied();
     void badgesComeFromTheRepository();
+    void badgesComeWithTheProject();
+    void signalsOfOneTurnAreCountedOnce();
+    void aCloneIsListed();
     void aProjectNamedWithASlashIsTheSame();
     void aWindowThatComesBackKeepsTheTree();
     void theTreeThatAppearsAgainIsCollapsed();
@@ -302,6 +306,44 @@ void FileTreeViewTest::badgesComeFromTheRepository()
     fixture.state.git().open(QUrl::fromLocalFile(fixture.project.path()));
     QTRY_COMPARE(badge(2), u"U"_s);
     QCOMPARE(badge(1), u"U"_s);
+}
+
+void FileTreeViewTest::badgesComeWithTheProject()
+{
+    Fixture fixture;
+    QVERIFY(QProcess::execute(u"git"_s, {u"init"_s, u"-q"_s, fixture.project.path()}) == 0);
+    fixture.show();
+    const auto badge = [&](int row) {
+        return fixture.view->model().index(row).data(FileTreeModel::badgeRole).toString();
+    };
+    // Nobody has asked git for anything.
+    QTRY_COMPARE(badge(2), u"U"_s);
+    QVERIFY(fixture.state.git().repoURL() == QUrl::fromLocalFile(fixture.project.path()));
+}
+
+void FileTreeViewTest::signalsOfOneTurnAreCountedOnce()
+{
+    Fixture fixture;
+    fixture.show();
+    QCoreApplication::processEvents();
+    QSignalSpy counted(&fixture.view->model(), &FileTreeModel::dataChanged);
+    for (int i = 0; i < 5; ++i) {
+        Q_EMIT fixture.state.git().statusChanged();
+    }
+    QVERIFY(counted.isEmpty());
+    QCoreApplication::processEvents();
+    QCOMPARE(counted.count(), 1);
+}
+
+void FileTreeViewTest::aCloneIsListed()
+{
+    Fixture fixture;
+    fixture.show();
+    const QTemporaryDir clone;
+    QVERIFY(QDir(clone.path()).mkdir(u"only this"_s));
+    Q_EMIT fixture.state.git().cloned(QUrl::fromLocalFile(clone.path()));
+    QCOMPARE(fixture.rows(), QStringList{u"> only this"_s});
+    QVERIFY(fixture.state.currentProject() == QUrl::fromLocalFile(clone.path()));
 }
 
 void FileTreeViewTest::aProjectNamedWithASlashIsTheSame()

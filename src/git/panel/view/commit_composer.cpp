@@ -6,10 +6,13 @@
 #include "platform/view/wrapping_row.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 #include <QTextBlock>
 #include <QVBoxLayout>
 
 #include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
 
@@ -129,16 +132,33 @@ void CommitComposer::refreshState()
 void CommitComposer::commit()
 {
     const QString text = message();
-    if (!amend()) {
-        if (git_.commit(text)) {
-            field_->clearMessage();
-        }
-        return;
-    }
-    if (git_.amendCommit(text.isEmpty() ? std::nullopt : std::optional(text))) {
+    const bool amends = amend();
+    const bool isMade =
+        amends ? git_.amendCommit(text.isEmpty() ? std::nullopt : std::optional(text)) : git_.commit(text);
+    if (isMade) {
         field_->clearMessage();
         amendBox_->setChecked(false);
+        tellOfRefusal(text, amends);
     }
+}
+
+void CommitComposer::tellOfRefusal(const QString& message, bool amends)
+{
+    if (const std::optional<GitFailure>& refusal = git_.commitRefusal(); refusal && onRefused) {
+        onRefused(refusal->sentence(), [composer = QPointer<CommitComposer>(this), message, amends] {
+            if (composer) {
+                composer->putBack(message, amends);
+            }
+        });
+    }
+}
+
+void CommitComposer::putBack(const QString& message, bool amends)
+{
+    const QString since = field_->message();
+    field_->setMessage(since.isEmpty() || message.isEmpty() ? message + since : message + u"\n\n"_s + since);
+    amendBox_->setChecked(amends || amend());
+    field_->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace kelm

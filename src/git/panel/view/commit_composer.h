@@ -4,6 +4,8 @@
 #include <QPlainTextEdit>
 #include <QWidget>
 
+#include <functional>
+
 class QCheckBox;
 
 namespace kelm {
@@ -46,6 +48,9 @@ public:
 
     QString message() const { return field_->message(); }
     void setMessage(const QString& message) { field_->setMessage(message); }
+    /// Called when git has refused a commit and its message has gone from the field all the same: with git's reason,
+    /// and what puts message and "Amend last" back, before what has been typed since.
+    std::function<void(const QString& refusal, const std::function<void()>& putBack)> onRefused;
     bool amend() const;
     /// The next commit is a new one. The message stays.
     void forgetAmend();
@@ -53,6 +58,9 @@ public:
 private:
     void refreshState();
     void commit();
+    /// Tells of a refusal that emptied the field.
+    void tellOfRefusal(const QString& message, bool amends);
+    void putBack(const QString& message, bool amends);
 
     GitService& git_;
     CommitMessageField* field_;

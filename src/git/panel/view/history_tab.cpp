@@ -2,6 +2,8 @@
 
 #include "git/panel/view/commit_row.h"
 #include "git/service/git_service.h"
+#include "git/service/repository_snapshot.h"
+#include "platform/files/file_url.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
@@ -43,6 +45,7 @@ HistoryTab::HistoryTab(GitService& git, std::function<void(const QString& sha)> 
     });
     PlainButton* reloadButton = makeSymbolButton(u"arrow.clockwise"_s, tr("Reload"), this);
     connect(reloadButton, &QAbstractButton::clicked, this, &HistoryTab::reload);
+    connect(&git_, &GitService::taken, this, &HistoryTab::follow);
     list_->setAccessibleName(tr("Recent commits"));
     list_->setPlaceholder(tr("No commits yet"));
 
@@ -85,9 +88,32 @@ void HistoryTab::setLimit(int limit)
     reload();
 }
 
+void HistoryTab::follow()
+{
+    if (!isVisible() || !git_.repoURL()) {
+        return;
+    }
+    following_.start([this, runner = git_.runner(), folder = filePath(*git_.repoURL()), limit = limit_,
+                      age = git_.age()](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        return [this, age, commits = readLog(*runner, folder, limit, stop)] {
+            // What the tab itself has read since is newer.
+            if (commits && *commits != commits_ && age == git_.age()) {
+                commits_ = *commits;
+                showCommits();
+            }
+        };
+    });
+}
+
 void HistoryTab::reload()
 {
+    following_.stop();
     commits_ = git_.log(limit_);
+    showCommits();
+}
+
+void HistoryTab::showCommits()
+{
     list_->setSections(
         {{.title = {},
           .count = commits_.size(),

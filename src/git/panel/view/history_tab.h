@@ -3,6 +3,7 @@
 
 #include "git/panel/view/panel_tab.h"
 #include "git/service/git_records.h"
+#include "platform/events/background_task.h"
 
 #include <functional>
 
@@ -13,7 +14,8 @@ class PlainButton;
 class RowList;
 
 /// The newest commits of the current branch. They are read when the tab appears, when another limit is chosen, on
-/// "Reload", and when another repository is opened; nothing else makes them anew.
+/// "Reload", and when another repository is opened; and on a worker when the repository has been read by itself, so
+/// that commits which others make are seen.
 class HistoryTab final : public PanelTab
 {
     Q_OBJECT
@@ -32,6 +34,8 @@ protected:
 
 private:
     void setLimit(int limit);
+    void follow();
+    void showCommits();
 
     GitService& git_;
     std::function<void(const QString& sha)> onSelectCommit_;
@@ -39,6 +43,7 @@ private:
     int limit_ = 50;
     PlainButton* limitButton_;
     RowList* list_;
+    BackgroundTask following_;
 };
 
 } // namespace kelm

@@ -1,6 +1,7 @@
 #include "git/panel/view/source_control_bottom_bar.h"
 
 #include "git/service/git_service.h"
+#include "platform/view/details_sheet.h"
 #include "platform/view/panel_controls.h"
 #include "platform/view/plain_help.h"
 
@@ -14,8 +15,8 @@ namespace kelm {
 namespace {
 
 constexpr int leastErrorWidth = 150;
-/// What comes behind is in the help text only.
-constexpr qsizetype mostShownUnits = 500;
+/// What comes behind is in the sheet only.
+constexpr qsizetype mostHelpUnits = 4000;
 
 } // namespace
 
@@ -25,25 +26,25 @@ ErrorLine::ErrorLine(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-void ErrorLine::setError(const QString& error)
+void ErrorLine::setError(const QString& sentence, const QString& error)
 {
     error_ = error;
-    setText(error.left(mostShownUnits).simplified());
-    setAccessibleName(error);
-    setToolTip(plainHelp(error_));
+    setText(sentence);
+    setAccessibleName(sentence);
+    setToolTip(plainHelp(error_.left(mostHelpUnits)));
 }
 
 void ErrorLine::resizeEvent(QResizeEvent* event)
 {
     TextLabel::resizeEvent(event);
-    setToolTip(plainHelp(error_));
+    setToolTip(plainHelp(error_.left(mostHelpUnits)));
 }
 
 void ErrorLine::changeEvent(QEvent* event)
 {
     TextLabel::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        setToolTip(plainHelp(error_));
+        setToolTip(plainHelp(error_.left(mostHelpUnits)));
     }
 }
 
@@ -52,7 +53,8 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
       git_(git),
       column_(new QBoxLayout(QBoxLayout::TopToBottom, this)),
       errorRow_(new QWidget(this)),
-      errorLine_(new ErrorLine(errorRow_))
+      errorLine_(new ErrorLine(errorRow_)),
+      details_(makePanelButton(tr("Details"), errorRow_))
 {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(2);
@@ -67,12 +69,15 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     connect(pullButton, &QAbstractButton::clicked, this, [this] { git_.pull(true); });
     connect(pushButton, &QAbstractButton::clicked, this, &SourceControlBottomBar::push);
 
+    details_->setHelp(tr("All that git said"));
+    connect(details_, &QAbstractButton::clicked, this, &SourceControlBottomBar::showDetails);
     PlainButton* dismiss = makeSymbolButton(u"xmark.circle.fill"_s, tr("Dismiss"), errorRow_, 12);
     connect(dismiss, &QAbstractButton::clicked, this, [this] { git_.setLastError(std::nullopt); });
     auto* error = new QHBoxLayout(errorRow_);
     error->setContentsMargins(4, 0, 0, 0);
     error->setSpacing(2);
     error->addWidget(errorLine_, 1);
+    error->addWidget(details_);
     error->addWidget(dismiss);
 
     column_->setContentsMargins(6, 4, 6, 4);
@@ -80,7 +85,7 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     column_->addLayout(buttons);
     column_->addWidget(errorRow_, 1);
     connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::refreshBusy);
-    connect(&git_, &GitService::lastErrorChanged, this, &SourceControlBottomBar::refreshError);
+    connect(&git_, &GitService::lastFailureChanged, this, &SourceControlBottomBar::refreshError);
     refreshBusy();
     refreshError();
 }
@@ -108,8 +113,17 @@ void SourceControlBottomBar::refreshBusy()
 
 void SourceControlBottomBar::refreshError()
 {
-    errorRow_->setVisible(git_.lastError().has_value());
-    errorLine_->setError(git_.lastError().value_or(QString()));
+    const std::optional<GitFailure>& failure = git_.lastFailure();
+    errorRow_->setVisible(failure.has_value());
+    errorLine_->setError(failure ? failure->sentence() : QString(), failure ? failure->text : QString());
+    details_->setVisible(failure && failure->hasMore());
+}
+
+void SourceControlBottomBar::showDetails()
+{
+    if (const std::optional<GitFailure>& failure = git_.lastFailure()) {
+        (new DetailsSheet(failure->sentence(), failure->text, window()))->open();
+    }
 }
 
 void SourceControlBottomBar::resizeEvent(QResizeEvent* event)

@@ -12,7 +12,7 @@ namespace kelm {
 class GitService;
 class PlainButton;
 
-/// The last failure on one line; git's words as they stand are its help text.
+/// The last failure in one sentence on one line; git's words as they stand are its help text.
 class ErrorLine final : public TextLabel
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ class ErrorLine final : public TextLabel
 public:
     explicit ErrorLine(QWidget* parent = nullptr);
 
-    void setError(const QString& error);
+    void setError(const QString& sentence, const QString& error);
     const QString& error() const { return error_; }
 
 protected:
@@ -31,8 +31,8 @@ private:
     QString error_;
 };
 
-/// "Fetch", "Pull" and "Push", which rest while one of them runs, and the last failure with a button that takes it
-/// away. In a narrow panel the failure stands below the buttons.
+/// "Fetch", "Pull" and "Push", which rest while one of them runs, and what was asked for and failed last, with buttons
+/// that show all of git's words and take it away. In a narrow panel the failure stands below the buttons.
 class SourceControlBottomBar final : public QWidget
 {
     Q_OBJECT
@@ -47,6 +47,7 @@ private:
     PlainButton* makeTransferButton(const QString& symbol, const QString& label);
     void refreshBusy();
     void refreshError();
+    void showDetails();
     void push();
 
     GitService& git_;
@@ -54,6 +55,7 @@ private:
     QBoxLayout* column_;
     QWidget* errorRow_;
     ErrorLine* errorLine_;
+    PlainButton* details_;
 };
 
 } // namespace kelm

@@ -11,6 +11,26 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
 
+namespace {
+
+constexpr qsizetype shownHashLength = 7;
+
+/// git says "HEAD" of one that names a commit, and of one whose branch has none yet.
+QString shownBranch(const GitService& git)
+{
+    const GitHead& head = git.head();
+    const bool isNamed = !git.branch().isEmpty() && git.branch() != u"HEAD"_s;
+    if (!isNamed && !head.commit.isEmpty()) {
+        return SourceControlHeader::tr("detached at %1").arg(head.commit.left(shownHashLength));
+    }
+    if (!isNamed && !head.branch.isEmpty()) {
+        return shownName(head.branch);
+    }
+    return git.branch().isEmpty() ? u"—"_s : shownName(git.branch());
+}
+
+} // namespace
+
 SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
     : QWidget(parent),
       git_(git),
@@ -47,7 +67,7 @@ SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
 
 void SourceControlHeader::refreshBranch()
 {
-    branch_->setText(git_.branch().isEmpty() ? u"—"_s : shownName(git_.branch()));
+    branch_->setText(shownBranch(git_));
     aheadBehind_->setText(u"↑"_s + QString::number(git_.ahead()) + u" ↓"_s + QString::number(git_.behind()));
 }
 

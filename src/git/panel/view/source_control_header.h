@@ -9,7 +9,8 @@ class GitService;
 class SymbolLabel;
 class TextLabel;
 
-/// The branch, how far it is from its upstream, whether there are conflicts, and a button that reads everything anew.
+/// The branch, or the commit of a HEAD that is on none, how far it is from its upstream, whether there are conflicts,
+/// and a button that reads everything anew.
 class SourceControlHeader final : public QWidget
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "git/panel/view/source_control_view.h"
 
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "git/panel/view/branches_tab.h"
 #include "git/panel/view/changes_tab.h"
 #include "git/panel/view/clone_dialog.h"
@@ -15,6 +16,7 @@
 #include "git/panel/view/stashes_tab.h"
 #include "git/panel/view/tags_tab.h"
 #include "git/service/git_service.h"
+#include "git/service/repository_follower.h"
 #include "platform/files/file_url.h"
 #include "platform/view/divider.h"
 
@@ -70,12 +72,18 @@ SourceControlView::SourceControlView(AppState& appState, Services services, QWid
     });
     // The branch is the first thing that is written when a repository is opened or closed.
     connect(&git_, &GitService::branchChanged, this, &SourceControlView::refreshRepository);
-    for (const auto changed : {&GitService::statusChanged, &GitService::branchesChanged, &GitService::stashesChanged,
-                               &GitService::tagsChanged, &GitService::remotesChanged}) {
-        connect(&git_, changed, this, &SourceControlView::refreshBadges);
+    // Each list is counted when it is another one: all of them once after an operation that reads everything.
+    for (const auto& [changed, tab] : {std::pair(&GitService::statusChanged, SourceControlTab::changes),
+                                       std::pair(&GitService::branchesChanged, SourceControlTab::branches),
+                                       std::pair(&GitService::stashesChanged, SourceControlTab::stashes),
+                                       std::pair(&GitService::tagsChanged, SourceControlTab::tags),
+                                       std::pair(&GitService::remotesChanged, SourceControlTab::remotes)}) {
+        connect(&git_, changed, this, [this, shown = tab] { refreshBadge(shown); });
     }
     refreshRepository();
-    refreshBadges();
+    for (const SourceControlTab tab : allSourceControlTabs) {
+        refreshBadge(tab);
+    }
 }
 
 SourceControlView::~SourceControlView()
@@ -97,6 +105,9 @@ void SourceControlView::addTabs()
     changesTab_->setFileActions(std::move(actions));
     historyTab_ = new HistoryTab(
         git_, [this](const QString& sha) { setHistorySha(sha); }, tabs_);
+    changesTab_->composer().onRefused = [this](const QString& refusal, const std::function<void()>& putBack) {
+        offerToPutBack(refusal, putBack);
+    };
     tabs_->addWidget(changesTab_);
     tabs_->addWidget(historyTab_);
     tabs_->addWidget(new BranchesTab(git_, tabs_));
@@ -142,7 +153,24 @@ void SourceControlView::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (!event->spontaneous()) {
         syncRepo();
+        appState_.repositoryFollower().setIsShownBy(*this, true);
     }
+}
+
+void SourceControlView::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        appState_.repositoryFollower().setIsShownBy(*this, false);
+    }
+}
+
+void SourceControlView::offerToPutBack(const QString& refusal, const std::function<void()>& putBack)
+{
+    // Of two refusals the first has been answered by then.
+    Notices& notices = appState_.notices();
+    notices.remove(std::exchange(refusalNotice_, 0));
+    refusalNotice_ = notices.report(refusal, {{tr("Put back"), putBack}});
 }
 
 void SourceControlView::refreshRepository()
@@ -157,11 +185,9 @@ void SourceControlView::refreshRepository()
     emptyState_->setVisible(!shownRepository_.has_value());
 }
 
-void SourceControlView::refreshBadges()
+void SourceControlView::refreshBadge(SourceControlTab tab)
 {
-    for (const SourceControlTab tab : allSourceControlTabs) {
-        tabBar_->setBadge(tab, badgeCount(tab, git_));
-    }
+    tabBar_->setBadge(tab, badgeCount(tab, git_));
 }
 
 void SourceControlView::setDiffPath(const std::optional<QString>& path)

@@ -29,7 +29,8 @@ class SourceControlTabBar;
 
 /// Shows the repository of the open project, or of the current document's folder, in six tabs, and drives git. It holds
 /// only what is typed and what is shown; everything else is `GitService`'s, and nothing polls: the repository is read
-/// when the panel appears, when the project changes, by the header's button and by the operations themselves.
+/// when the panel appears, when the project changes, by the header's button and by the operations themselves, and
+/// while the panel is on screen by the `RepositoryFollower`.
 class SourceControlView final : public QWidget
 {
     Q_OBJECT
@@ -68,11 +69,13 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void addTabs();
     void refreshRepository();
-    void refreshBadges();
+    void refreshBadge(SourceControlTab tab);
+    void offerToPutBack(const QString& refusal, const std::function<void()>& putBack);
     /// What a sheet calls when it is closed; nothing once the view has gone.
     std::function<void()> onSheetClosed(void (SourceControlView::*set)(const std::optional<QString>&));
     void closeSheet(QPointer<QDialog>& sheet);
@@ -92,6 +95,8 @@ private:
     QStackedWidget* tabs_;
     ChangesTab* changesTab_ = nullptr;
     HistoryTab* historyTab_ = nullptr;
+    /// Of the last commit that was refused.
+    quint64 refusalNotice_ = 0;
     /// The repository that the history was read from.
     std::optional<QUrl> shownRepository_;
 };

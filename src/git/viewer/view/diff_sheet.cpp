@@ -6,6 +6,7 @@
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
 #include "git/viewer/view/file_sizes.h"
+#include "git/viewer/view/sheet_failure_line.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
@@ -17,6 +18,7 @@
 #include "platform/view/sheet_frame.h"
 
 #include <QHBoxLayout>
+#include <QLayout>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTimer>
@@ -48,6 +50,8 @@ DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
+    failure_ = new SheetFailureLine(git, {QStringLiteral("diff"), QStringLiteral("apply")}, this);
+    layout()->addWidget(failure_);
     updateAction();
     addShortcuts();
     new FileSizes(*viewer_, [this](const DiffFileFacts& facts) { return sizesOf(facts); });
@@ -134,6 +138,7 @@ void DiffSheetView::addShortcuts()
 
 void DiffSheetView::load()
 {
+    failure_->clear();
     // While git is asked, events may come through.
     const QPointer<DiffSheetView> self = this;
     const bool isStaged = stagedView_;

@@ -15,13 +15,15 @@ namespace kelm {
 
 class DiffViewer;
 class SegmentedPicker;
+class SheetFailureLine;
 class TextLabel;
 
 /// What a sheet with the changes of one file holds: the working tree's or the index's, of which single hunks are staged
 /// or unstaged.
 ///
 /// git is asked when it appears, when the other view is chosen, and after a hunk has gone; a failure's words are in the
-/// service's `lastError`. Where git prints no diff since it does not know the file, the file itself is shown.
+/// service's `lastError`, and said in the sheet. Where git prints no diff since it does not know the file, the file
+/// itself is shown.
 class DiffSheetView final : public QWidget
 {
     Q_OBJECT
@@ -81,6 +83,7 @@ private:
     TextLabel* counts_ = nullptr;
     SegmentedPicker* picker_ = nullptr;
     DiffViewer* viewer_ = nullptr;
+    SheetFailureLine* failure_ = nullptr;
 };
 
 } // namespace kelm

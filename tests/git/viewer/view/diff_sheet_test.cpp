@@ -4,6 +4,7 @@
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_sheet.h"
 #include "git/viewer/view/diff_viewer.h"
+#include "git/viewer/view/sheet_failure_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "support/temporary_repository.h"
@@ -100,6 +101,7 @@ private Q_SLOTS:
     void oneHunkIsStagedAndUnstaged();
     void hunkOfANewFileIsUnstaged();
     void refusedHunkLeavesItsWordsInTheService();
+    void aRefusalIsSaidInTheSheet();
     void untrackedFileShowsItsText_data();
     void untrackedFileShowsItsText();
     void eachViewIsCounted();
@@ -202,6 +204,28 @@ void DiffSheetTest::refusedHunkLeavesItsWordsInTheService()
     QVERIFY(changed.git.lastError()->contains(u"a.txt"));
     QCOMPARE(sheet.diff(), shown);
     QCOMPARE(changed.repository.staged(u"a.txt"_s), index);
+}
+
+void DiffSheetTest::aRefusalIsSaidInTheSheet()
+{
+    ChangedFile changed;
+    DiffSheetView sheet(changed.git, u"a.txt"_s, nullptr);
+    open(sheet);
+    const auto* line = sheet.findChild<SheetFailureLine*>();
+    QCOMPARE(line->sentence(), QString());
+    // What fails elsewhere is no matter of the sheet.
+    changed.git.checkoutBranch(u"gone"_s);
+    QTRY_VERIFY(changed.git.lastFailure().has_value());
+    QCOMPARE(line->sentence(), QString());
+    changed.repository.write(u"a.txt"_s, "something else\n");
+    changed.repository.git({u"add"_s, u"-A"_s});
+    QTest::mouseClick(sheet.viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
+    QTRY_COMPARE(line->sentence(), u"The hunk does not fit what is there now."_s);
+    QVERIFY(line->isVisible());
+    // It goes when the person goes on.
+    sheet.setStagedView(true);
+    QCOMPARE(line->sentence(), QString());
+    QVERIFY(!line->isVisible());
 }
 
 void DiffSheetTest::untrackedFileShowsItsText_data()
