@@ -3,6 +3,7 @@
 #include "app/state/document_rewriter.h"
 #include "app/state/document_saving.h"
 #include "app/state/file_failures.h"
+#include "app/state/git_notices.h"
 #include "app/state/large_files.h"
 #include "app/state/left_files.h"
 #include "app/state/notices.h"
@@ -39,8 +40,9 @@ const QString recentFilesKey = u"recentFiles"_s;
 AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
-      git_(std::make_unique<GitService>(services.processRunner)),
       notices_(std::make_unique<Notices>(services.scheduler)),
+      gitNotices_(std::make_unique<GitNotices>(*notices_, services.scheduler)),
+      git_(std::make_unique<GitService>(std::make_shared<PatientRunner>(services.processRunner, gitNotices_->signs()))),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
@@ -63,6 +65,7 @@ AppState::AppState(const Services& services)
          {&GitService::statusChanged, &GitService::branchChanged, &GitService::stashesChanged}) {
         connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
     }
+    gitNotices_->follow(git_->transfers());
     loadRecentFiles();
     tidyBeside(recentFiles_);
 }

@@ -1,5 +1,6 @@
 #include "git/service/git_service.h"
 
+#include "git/service/git_transfers.h"
 #include "git/service/git_worker.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
@@ -10,7 +11,10 @@
 namespace kelm {
 
 GitService::GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent)
-    : QObject(parent), runner_(std::move(runner)), alive_(std::make_shared<const bool>(true))
+    : QObject(parent),
+      runner_(std::move(runner)),
+      transfers_(std::make_unique<GitTransfers>()),
+      alive_(std::make_shared<const bool>(true))
 {}
 
 GitService::~GitService() = default;

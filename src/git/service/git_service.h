@@ -17,13 +17,15 @@
 
 namespace kelm {
 
+class GitTransfers;
 struct GitOperation;
 
 /// Keeps a snapshot of the open repository and runs git for the user.
 ///
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
 /// fetch, pull, push and clone run on the global thread pool and come back to the main thread. Nothing watches the file
-/// system: the snapshot changes when a refresh is called. There is no timeout, and no git that runs is ever ended.
+/// system: the snapshot changes when a refresh is called. There is no timeout: a git that runs ends by itself, or when
+/// it is stopped (see `PatientRunner` and `GitTransfers`), and has failed then.
 ///
 /// Each write of an observable member is signalled, equal values included. `repoURL` is not observable by itself:
 /// whatever sets it writes the other members behind it.
@@ -131,6 +133,9 @@ public:
 
     // The network.
 
+    /// Fetches, pulls, pushes and clones that run now.
+    GitTransfers& transfers() const { return *transfers_; }
+
     /// `setUpstreamFor` names the branch that is to follow "origin".
     void push(const std::optional<QString>& setUpstreamFor, Completion onDone = {});
     void pull(bool rebase, Completion onDone = {});
@@ -228,6 +233,7 @@ private:
     std::optional<QUrl> repoURL_;
 
     std::shared_ptr<ProcessRunner> runner_;
+    const std::unique_ptr<GitTransfers> transfers_;
     /// Tells other threads whether the service is still there.
     std::shared_ptr<const bool> alive_;
 };

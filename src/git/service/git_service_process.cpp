@@ -43,7 +43,7 @@ std::optional<QString> GitService::run(const QStringList& args)
     if (!repoURL_) {
         return std::nullopt;
     }
-    const ProcessResult result = runner_->run(makeProcess(args, repoPath()));
+    const ProcessResult result = worker().run(makeProcess(args, repoPath()));
     if (result.launchError) {
         worker().queueLastError(*result.launchError);
         return std::nullopt;
@@ -62,7 +62,7 @@ std::optional<QString> GitService::run(const QStringList& args)
 
 GitOpResult GitService::runProcess(const ProcessCommand& process)
 {
-    return worker().runProcess(process);
+    return worker().resultOf(worker().run(process));
 }
 
 GitOpResult GitService::runOp(const QStringList& args)
@@ -104,7 +104,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
     // A text that has no UTF-8 form is an empty patch, which git refuses.
     process.standardInput = patch.isValidUtf16() ? encodeUtf8Text(patch) : QByteArray();
 
-    const ProcessResult result = runner_->run(process);
+    const ProcessResult result = worker().run(process);
     if (result.launchError || result.inputError) {
         return GitOpResult::failure(result.launchError ? *result.launchError : *result.inputError);
     }

@@ -87,7 +87,8 @@ KelmPaneApp::KelmPaneApp()
     qApp->installEventFilter(&appDelegate_);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) {
-            appState_.watchedFiles().lookAgain();
+            // Not from inside a wait for git.
+            onMainQueue(this, [this] { appState_.watchedFiles().lookAgain(); });
         }
     });
     appDelegate_.setActivate([this] { bringToFront(); });

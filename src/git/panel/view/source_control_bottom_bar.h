@@ -31,8 +31,8 @@ private:
     QString error_;
 };
 
-/// "Fetch", "Pull" and "Push", which rest while one of them runs, and the last failure with a button that takes it
-/// away. In a narrow panel the failure stands below the buttons.
+/// "Fetch", "Pull" and "Push", which rest while one of them runs; what runs, with a button that stops it; and the last
+/// failure with a button that takes it away. In a narrow panel these stand below each other.
 class SourceControlBottomBar final : public QWidget
 {
     Q_OBJECT
