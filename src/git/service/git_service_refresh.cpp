@@ -42,7 +42,9 @@ void GitService::refreshBranch()
 void GitService::refreshStatus()
 {
     const auto output = run({u"status"_s, u"--porcelain=v1"_s});
-    assign(status_, parseStatus(output.value_or(QString())), &GitService::statusChanged);
+    QList<GitFileStatus> files;
+    worker().parse(output.value_or(QString()), [&files](const QString& text) { files = parseStatus(text); });
+    assign(status_, files, &GitService::statusChanged);
 }
 
 void GitService::refreshAheadBehind()

@@ -10,6 +10,13 @@
 
 namespace kelm {
 
+namespace {
+
+/// Shorter outputs are read before another thread would begin with them. In UTF-16 units.
+constexpr qsizetype longOutput = qsizetype(16) * 1024;
+
+} // namespace
+
 GitService::Worker::Worker(GitService& service) : runner_(service.runner_), alive_(service.alive_), service_(&service)
 {}
 
@@ -23,6 +30,15 @@ ProcessResult GitService::Worker::run(const ProcessCommand& process) const
 {
     ProcessStop stop;
     return run(process, stop);
+}
+
+void GitService::Worker::parse(const QString& output, const std::function<void(const QString&)>& read) const
+{
+    if (output.size() < longOutput) {
+        read(output);
+    } else {
+        runner_->compute([&] { read(output); });
+    }
 }
 
 GitOpResult GitService::Worker::resultOf(const ProcessResult& result) const

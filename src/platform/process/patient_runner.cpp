@@ -22,7 +22,8 @@ namespace kelm {
 
 namespace {
 
-/// Most commands have ended by then, and the window has lost no picture.
+/// How long the main thread waits without a look at the window, for one command or several in a row. Most have ended by
+/// then, and the window has lost no picture.
 constexpr std::chrono::milliseconds plainWait{8};
 
 bool isMainThread()
@@ -81,23 +82,24 @@ private:
 
 } // namespace
 
-/// One child, between the thread that runs it and the one that waits.
+/// What can be told of a wait.
+struct PatientRunner::Child
+{
+    const ProcessCommand& command;
+    ProcessStop& stop;
+};
+
+/// What is waited for, between the thread that does it and the one that waits.
 class PatientRunner::Job
 {
 public:
-    Job(ProcessRunner& runner, const ProcessCommand& command, ProcessStop& stop)
-        : command(command), stop(stop), runner_(runner)
-    {}
-
-    const ProcessCommand& command;
-    ProcessStop& stop;
+    explicit Job(const std::function<void()>& work) : work_(work) {}
 
     /// On the worker.
-    void runToEnd()
+    void doWork()
     {
-        ProcessResult result = runner_.runStoppable(command, stop);
+        work_();
         const std::lock_guard lock(mutex_);
-        result_ = std::move(result);
         isDone_ = true;
         if (loop_ != nullptr) {
             loop_->quit();
@@ -123,13 +125,7 @@ public:
         return done_.wait_for(lock, time, [this] { return isDone_; });
     }
 
-    ProcessResult takeResult()
-    {
-        const std::lock_guard lock(mutex_);
-        return std::move(result_);
-    }
-
-    /// The loop ends when the child does; null for none. False when the child has ended.
+    /// The loop ends when the work does; null for none. False when it has ended.
     bool setLoop(QEventLoop* loop)
     {
         const std::lock_guard lock(mutex_);
@@ -138,11 +134,11 @@ public:
     }
 
 private:
-    ProcessRunner& runner_;
+    /// The waiting thread's own, which does not go on before it is done.
+    const std::function<void()>& work_;
     mutable std::mutex mutex_;
     std::condition_variable done_;
     bool isDone_ = false;
-    ProcessResult result_;
     QEventLoop* loop_ = nullptr;
 };
 
@@ -160,17 +156,43 @@ ProcessResult PatientRunner::run(const ProcessCommand& command)
 
 ProcessResult PatientRunner::runStoppable(const ProcessCommand& command, ProcessStop& stop)
 {
+    ProcessResult result;
+    const Child child{command, stop};
+    wait([&] { result = runner_->runStoppable(command, stop); }, &child);
+    return result;
+}
+
+void PatientRunner::compute(const std::function<void()>& work)
+{
+    wait(work, nullptr);
+}
+
+void PatientRunner::wait(const std::function<void()>& work, const Child* child)
+{
     if (!isMainThread() || isWaiting_) {
-        return runner_->runStoppable(command, stop);
+        work();
+        return;
     }
     const QScopedValueRollback waiting(isWaiting_, true);
     // The worker may still be leaving it when the wait is over.
-    const auto job = std::make_shared<Job>(*runner_, command, stop);
-    worker_.add([job] { job->runToEnd(); });
-    if (!job->waitFor(plainWait)) {
-        waitAndPaint(*job);
+    const auto job = std::make_shared<Job>(work);
+    worker_.add([job] { job->doWork(); });
+    if (!job->waitFor(plainTimeLeft())) {
+        waitAndPaint(*job, child);
+        plainSince_->reset();
     }
-    return job->takeResult();
+}
+
+std::chrono::milliseconds PatientRunner::plainTimeLeft()
+{
+    if (!*plainSince_) {
+        *plainSince_ = Clock::now();
+        // The caller's own work counts, and what comes behind it does not.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [since = plainSince_] { since->reset(); }, Qt::QueuedConnection);
+    }
+    const auto spent = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - **plainSince_);
+    return std::max(plainWait - spent, std::chrono::milliseconds(0));
 }
 
 PatientRunner::Turn PatientRunner::turnUntil(Job& job, Clock::time_point time, bool takesInput)
@@ -187,12 +209,12 @@ PatientRunner::Turn PatientRunner::turnUntil(Job& job, Clock::time_point time, b
     }
     job.setLoop(nullptr);
     if (job.isDone()) {
-        return Turn::childHasEnded;
+        return Turn::workIsDone;
     }
     return timer.isActive() ? Turn::programEnds : Turn::timeHasCome;
 }
 
-void PatientRunner::waitAndPaint(Job& job)
+void PatientRunner::waitAndPaint(Job& job, const Child* child)
 {
     const HeldWork held;
     const KeptOff keptOff;
@@ -202,18 +224,24 @@ void PatientRunner::waitAndPaint(Job& job)
     for (;;) {
         const Turn turn = turnUntil(job, next, isTold && signs_.began);
         if (turn == Turn::programEnds) {
-            job.stop.stop();
+            if (child != nullptr) {
+                child->stop.stop();
+            }
             job.wait();
         }
         if (turn != Turn::timeHasCome) {
             break;
         }
         auto time = std::chrono::seconds(0);
+        if (child == nullptr) {
+            next += silentTime;
+            continue;
+        }
         if (isTold) {
             time = std::chrono::round<std::chrono::seconds>(Clock::now() - begin);
             call(signs_.lasted, time);
         } else {
-            call(signs_.began, job.command, [&job] { job.stop.stop(); });
+            call(signs_.began, child->command, [child] { child->stop.stop(); });
         }
         isTold = true;
         next = begin + time + std::chrono::seconds(1);

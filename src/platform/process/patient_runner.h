@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace kelm {
 
@@ -41,23 +42,32 @@ public:
 
     ProcessResult run(const ProcessCommand& command) override;
     ProcessResult runStoppable(const ProcessCommand& command, ProcessStop& stop) override;
+    void compute(const std::function<void()>& work) override;
 
 private:
     using Clock = std::chrono::steady_clock;
 
     class Job;
+    struct Child;
     /// Why the event loop has been left.
-    enum class Turn { timeHasCome, childHasEnded, programEnds };
+    enum class Turn { timeHasCome, workIsDone, programEnds };
 
-    /// Paints until the child has ended, but not beyond `time`.
+    /// Has work done on the worker and waits for it; null for work that is no child.
+    void wait(const std::function<void()>& work, const Child* child);
+    /// Paints until the work is done, but not beyond `time`.
     static Turn turnUntil(Job& job, Clock::time_point time, bool takesInput);
-    /// Waits with an event loop until the child has ended.
-    void waitAndPaint(Job& job);
+    /// How long the main thread may wait without an event loop now.
+    std::chrono::milliseconds plainTimeLeft();
+    /// Waits with an event loop until the work is done.
+    void waitAndPaint(Job& job, const Child* child);
 
     const std::shared_ptr<ProcessRunner> runner_;
     const Signs signs_;
     SerialWorker worker_;
     bool isWaiting_ = false;
+    /// When the first of the waits in this turn of the main thread's loop began. The loop shares it.
+    const std::shared_ptr<std::optional<Clock::time_point>> plainSince_ =
+        std::make_shared<std::optional<Clock::time_point>>();
 };
 
 } // namespace kelm

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -76,6 +77,10 @@ public:
     /// The same for a child that leads a group of its own and reads from no terminal, until it ends or `stop` ends it.
     /// A runner that starts no real process need not heed it.
     virtual ProcessResult runStoppable(const ProcessCommand& command, ProcessStop& stop);
+
+    /// Does work for a caller that waits for it, such as reading a long output: on the caller's thread, or beside it
+    /// for a runner whose callers paint meanwhile. The work is done when this comes back.
+    virtual void compute(const std::function<void()>& work) { work(); }
 
     /// The runner that starts real processes.
     static ProcessRunner& system();

@@ -2,6 +2,7 @@
 #include "platform/events/scheduler.h"
 #include "platform/process/patient_runner.h"
 #include "platform/process/process_stop.h"
+#include "support/process_roles.h"
 #include "support/test_program.h"
 
 #include <QSemaphore>
@@ -18,6 +19,7 @@ namespace patient_runner_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
+using namespace kelm::test;
 using namespace std::chrono_literals;
 
 namespace {
@@ -87,6 +89,7 @@ class PatientRunnerTest : public QObject
 private Q_SLOTS:
     void aShortChildIsWaitedForWithoutTheLoop();
     void theLoopTurnsWhileALongChildRuns();
+    void theLoopTurnsWhileManyShortChildrenRun();
     void workOfTheProgramWaits();
     void pipesAreNotReadMeanwhile();
     void aChildInsideAWaitIsWaitedForPlainly();
@@ -96,6 +99,7 @@ private Q_SLOTS:
     void aShortWaitIsNotToldOf();
     void theEndOfTheProgramStopsTheChild();
     void aCallersOwnStopHolds();
+    void workIsDoneBeside();
 };
 
 void PatientRunnerTest::aShortChildIsWaitedForWithoutTheLoop()
@@ -123,6 +127,19 @@ void PatientRunnerTest::theLoopTurnsWhileALongChildRuns()
     const ProcessResult result = fixture.runWhile([&] { hasTurned = true; });
     QVERIFY(hasTurned);
     QCOMPARE(result.standardOutput, QByteArray("status"));
+}
+
+void PatientRunnerTest::theLoopTurnsWhileManyShortChildrenRun()
+{
+    PatientRunner runner(ProcessRunner::sharedSystem(), {});
+    bool hasTurned = false;
+    QMetaObject::invokeMethod(
+        this, [&] { hasTurned = true; }, Qt::QueuedConnection);
+    // A hundred take longer together than a window may stand still, and none of them does.
+    for (int child = 0; child < 100 && !hasTurned; ++child) {
+        QVERIFY(runner.run(roleCommand({u"say"_s, u""_s, u""_s, u"0"_s})).exit.isSuccess());
+    }
+    QVERIFY(hasTurned);
 }
 
 void PatientRunnerTest::workOfTheProgramWaits()
@@ -233,6 +250,26 @@ void PatientRunnerTest::aCallersOwnStopHolds()
     ProcessStop stop;
     QTimer::singleShot(0, this, [&] { stop.stop(); });
     QVERIFY(fixture.runner.runStoppable({.program = u"/git"_s}, stop).isStopped);
+}
+
+void PatientRunnerTest::workIsDoneBeside()
+{
+    Fixture fixture;
+    QThread* thread = nullptr;
+    bool hasTurned = false;
+    QTimer::singleShot(0, this, [&] {
+        hasTurned = true;
+        fixture.children->end.release();
+    });
+    fixture.runner.compute([&] {
+        thread = QThread::currentThread();
+        fixture.children->end.acquire();
+    });
+    QVERIFY(hasTurned);
+    QVERIFY(thread != nullptr && thread != QThread::currentThread());
+    // A runner that waits for nobody does it at once.
+    ProcessRunner::system().compute([&] { thread = QThread::currentThread(); });
+    QCOMPARE(thread, QThread::currentThread());
 }
 
 const kelm::test::Registered<PatientRunnerTest> registered;
