@@ -20,8 +20,9 @@ struct Entry
 struct Kept
 {
     int holds = 0;
-    /// A turn of the event loop is on its way that runs the first of them.
-    bool isRunNext = false;
+    /// How many turns of the event loop are on their way, each of which runs the first of the entries. While nothing is
+    /// held there is one for each, so that whoever turns the queue once has run them all.
+    std::size_t turns = 0;
     std::deque<Entry> entries;
 };
 
@@ -32,28 +33,24 @@ Kept& kept()
     return all;
 }
 
-void runFirst();
-
-void runFirstLater()
-{
-    if (!kept().isRunNext && !kept().entries.empty() && QCoreApplication::instance() != nullptr) {
-        kept().isRunNext = true;
-        QMetaObject::invokeMethod(QCoreApplication::instance(), runFirst, Qt::QueuedConnection);
-    }
-}
-
 void runFirst()
 {
-    kept().isRunNext = false;
+    --kept().turns;
     if (kept().holds > 0 || kept().entries.empty()) {
         return;
     }
     const Entry first = std::move(kept().entries.front());
     kept().entries.pop_front();
-    // The work may run an event loop of its own, in which the others have their turn.
-    runFirstLater();
     if (first.context) {
         first.work();
+    }
+}
+
+void orderTurns()
+{
+    while (kept().turns < kept().entries.size() && QCoreApplication::instance() != nullptr) {
+        ++kept().turns;
+        QMetaObject::invokeMethod(QCoreApplication::instance(), runFirst, Qt::QueuedConnection);
     }
 }
 
@@ -67,7 +64,7 @@ HeldWork::HeldWork()
 HeldWork::~HeldWork()
 {
     if (--kept().holds == 0) {
-        runFirstLater();
+        orderTurns();
     }
 }
 
@@ -79,11 +76,14 @@ bool HeldWork::isHolding()
 void HeldWork::runOrKeep(QObject* context, std::function<void()> work)
 {
     // What is kept goes first.
-    if (isHolding() || !kept().entries.empty()) {
-        kept().entries.push_back({context, std::move(work)});
+    if (!isHolding() && kept().entries.empty()) {
+        work();
         return;
     }
-    work();
+    kept().entries.push_back({context, std::move(work)});
+    if (!isHolding()) {
+        orderTurns();
+    }
 }
 
 } // namespace kelm

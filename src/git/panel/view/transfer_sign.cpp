@@ -30,7 +30,8 @@ TransferSign::TransferSign(GitTransfers& transfers, Kind kind, QWidget* parent)
       stop_(makePanelButton(tr("Stop"), this))
 {
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(4, 4, 0, 2);
+    // In the panel it stands below buttons whose own edges are not seen.
+    row->setContentsMargins(kind == Kind::others ? 4 : 0, 4, 0, 2);
     row->setSpacing(6);
     row->addWidget(label_, 1);
     row->addWidget(stop_);
