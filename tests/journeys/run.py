@@ -13,7 +13,7 @@ import time
 import traceback
 
 FOLDER = pathlib.Path(__file__).resolve().parent
-HELPERS = {"accessible", "journey", "look_at_accessible", "notice_line", "run", "terminal", "unsaved"}
+HELPERS = {"accessible", "journey", "look_at_accessible", "notice_line", "repository", "run", "terminal", "unsaved"}
 
 
 def go(name, program):

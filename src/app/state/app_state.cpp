@@ -3,6 +3,7 @@
 #include "app/state/document_rewriter.h"
 #include "app/state/document_saving.h"
 #include "app/state/file_failures.h"
+#include "app/state/git_notices.h"
 #include "app/state/large_files.h"
 #include "app/state/left_files.h"
 #include "app/state/notices.h"
@@ -35,9 +36,10 @@ constexpr auto focusDelay = 50ms;
 AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
-      git_(std::make_unique<GitService>(services.processRunner)),
-      repositoryFollower_(std::make_unique<RepositoryFollower>(*git_, services.scheduler)),
       notices_(std::make_unique<Notices>(services.scheduler)),
+      gitNotices_(std::make_unique<GitNotices>(*notices_, services.scheduler)),
+      git_(std::make_unique<GitService>(std::make_shared<PatientRunner>(services.processRunner, gitNotices_->signs()))),
+      repositoryFollower_(std::make_unique<RepositoryFollower>(*git_, services.scheduler)),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
@@ -73,6 +75,7 @@ void AppState::connectGit()
         setCurrentProject(folder);
         Q_EMIT projectCloned();
     });
+    gitNotices_->follow(git_->transfers());
 }
 
 AppState::~AppState() = default;

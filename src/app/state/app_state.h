@@ -24,6 +24,7 @@ namespace kelm {
 class CodeRunner;
 class DocumentRewriter;
 class DocumentSaving;
+class GitNotices;
 class GitService;
 class LargeFiles;
 class Notices;
@@ -244,9 +245,10 @@ private:
 
     Services services_;
     const std::unique_ptr<CodeRunner> codeRunner_;
+    const std::unique_ptr<Notices> notices_;
+    const std::unique_ptr<GitNotices> gitNotices_;
     const std::unique_ptr<GitService> git_;
     const std::unique_ptr<RepositoryFollower> repositoryFollower_;
-    const std::unique_ptr<Notices> notices_;
     const std::unique_ptr<LargeFiles> largeFiles_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
     const std::unique_ptr<UnsavedTexts> unsavedTexts_;

@@ -27,14 +27,32 @@ Notices::Id Notices::report(const QString& text, std::vector<NoticeOffer> offers
     return add({.text = text, .isNews = true, .offers = std::move(offers)});
 }
 
-void Notices::setProgress(Id id, double progress)
+Notice* Notices::find(Id id)
 {
     const auto entry =
         std::find_if(entries_.begin(), entries_.end(), [id](const Entry& each) { return each.id == id; });
-    if (entry == entries_.end() || entry->notice.progress == progress) {
+    return entry != entries_.end() ? &entry->notice : nullptr;
+}
+
+void Notices::setProgress(Id id, double progress)
+{
+    Notice* const notice = find(id);
+    if (notice == nullptr || notice->progress == progress) {
         return;
     }
-    entry->notice.progress = progress;
+    notice->progress = progress;
+    if (shown() == id) {
+        Q_EMIT progressChanged();
+    }
+}
+
+void Notices::setTime(Id id, std::chrono::seconds time)
+{
+    Notice* const notice = find(id);
+    if (notice == nullptr || notice->time == time) {
+        return;
+    }
+    notice->time = time;
     if (shown() == id) {
         Q_EMIT progressChanged();
     }

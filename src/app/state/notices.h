@@ -34,6 +34,11 @@ struct Notice
     std::function<void()> stop = {};
     /// Whether keys and pointer have to wait for its end.
     bool holdsInput = false;
+    /// Whether the main thread itself waits for its end: no window of the program goes on, and it is shown at once,
+    /// since it has been waited for already.
+    bool stopsAll = false;
+    /// How long it has lasted, where that is told.
+    std::optional<std::chrono::seconds> time = std::nullopt;
     /// Whether it tells of what has happened, and can be put away.
     bool isNews = false;
     /// What can be done about that.
@@ -63,12 +68,15 @@ public:
     Id report(const QString& text, std::vector<NoticeOffer> offers = {});
     /// Does nothing for a notice that has gone, since who tells of it may be late.
     void setProgress(Id id, double progress);
+    void setTime(Id id, std::chrono::seconds time);
     void remove(Id id);
 
     /// The notice that is to be shown; null when there is none. Good until the next change.
     const Notice* current() const;
     /// Whether the window's input has to wait.
     bool holdsInput() const { return current() != nullptr && current()->holdsInput; }
+    /// Whether the input of every window has to wait.
+    bool stopsAll() const { return holdsInput() && current()->stopsAll; }
     /// Whether what is shown can be ended.
     bool canStop() const { return current() != nullptr && current()->stop; }
     /// Ends what is shown, if that can be.
@@ -81,7 +89,7 @@ public:
 Q_SIGNALS:
     /// Another notice is shown, or none.
     void currentChanged();
-    /// The notice that is shown has come further.
+    /// The notice that is shown has come further, or lasts longer.
     void progressChanged();
     void holdsInputChanged();
 
@@ -93,6 +101,8 @@ private:
     };
 
     const Entry* currentEntry() const;
+    /// Null for one that has gone.
+    Notice* find(Id id);
     /// Tells of what is another than it was.
     void tell(Id shownBefore, bool heldBefore);
     Id shown() const { return currentEntry() != nullptr ? currentEntry()->id : 0; }

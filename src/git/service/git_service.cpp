@@ -1,6 +1,7 @@
 #include "git/service/git_service.h"
 
 #include "git/service/foreign_programs.h"
+#include "git/service/git_transfers.h"
 #include "git/service/git_worker.h"
 #include "git/service/repository_places.h"
 #include "platform/files/file_url.h"
@@ -14,6 +15,7 @@ GitService::GitService(std::shared_ptr<ProcessRunner> runner, QObject* parent)
     : QObject(parent),
       runner_(std::move(runner)),
       foreignPrograms_(std::make_unique<ForeignProgramFinder>(runner_)),
+      transfers_(std::make_unique<GitTransfers>()),
       alive_(std::make_shared<const bool>(true))
 {
     connect(this, &GitService::statusChanged, this, &GitService::forgetSolvedConflicts);

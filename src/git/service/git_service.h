@@ -21,6 +21,7 @@
 namespace kelm {
 
 class ForeignProgramFinder;
+class GitTransfers;
 struct GitOperation;
 
 /// Keeps a snapshot of the open repository and runs git for the user.
@@ -28,7 +29,8 @@ struct GitOperation;
 /// Main thread only, but for `findGit` and `makeProcess`. Refreshes and short operations block until git has ended;
 /// fetch, pull, push and clone run on the global thread pool and come back to the main thread. The service watches
 /// nothing: the snapshot changes when a refresh is called, or when a `RepositoryFollower` has read another one. There
-/// is no timeout, and no git that runs is ever ended.
+/// is no timeout: a git that runs ends by itself, or when it is stopped (see `PatientRunner` and `GitTransfers`), and
+/// has failed then.
 ///
 /// A name that git would take for an option or that holds a control character is refused before git is started: the
 /// result is a failure with one sentence, which goes to `lastError`, and no refresh follows.
@@ -163,6 +165,9 @@ public:
     bool amendCommit(const std::optional<QString>& message);
 
     // The network.
+
+    /// Fetches, pulls, pushes and clones that run now.
+    GitTransfers& transfers() const { return *transfers_; }
 
     /// `setUpstreamFor` names the branch that is to follow "origin".
     void push(const std::optional<QString>& setUpstreamFor, Completion onDone = {});
@@ -302,6 +307,7 @@ private:
 
     std::shared_ptr<ProcessRunner> runner_;
     std::unique_ptr<ForeignProgramFinder> foreignPrograms_;
+    const std::unique_ptr<GitTransfers> transfers_;
     /// Tells other threads whether the service is still there.
     std::shared_ptr<const bool> alive_;
 };

@@ -36,7 +36,7 @@ GitOpResult GitService::perform(const GitOperation& operation, const QStringList
 
 GitOpResult GitService::refuse(const QString& sentence)
 {
-    worker().queueLastError(sentence);
+    worker().queueError({.text = sentence});
     return GitOpResult::failure(sentence);
 }
 
@@ -73,15 +73,7 @@ void GitService::stageAll()
 
 void GitService::discardChanges(const QStringList& paths)
 {
-    const auto untracked = std::find_if(paths.begin(), paths.end(), [this](const QString& path) {
-        return std::any_of(status_.begin(), status_.end(), [&path](const GitFileStatus& file) {
-            return file.unstaged == GitFileChange::untracked && namesOf(file).current == path;
-        });
-    });
-    const QString name = untracked == paths.end() ? QString() : *untracked;
-    if (!performForOutput(gitOperations::discardChanges, paths) && !name.isEmpty()) {
-        worker().queueLastError(u"Git has no version of \"%1\" to go back to."_s.arg(shownName(name)));
-    }
+    performForOutput(gitOperations::discardChanges, paths);
 }
 
 bool GitService::performCommit(const GitOperation& operation, const QStringList& given)

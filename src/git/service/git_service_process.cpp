@@ -64,7 +64,7 @@ GitService::Answer GitService::ask(const QStringList& args, GitErrorKind kind)
         return {};
     }
     ++age_;
-    const ProcessResult result = runner_->run(makeProcess(args));
+    const ProcessResult result = worker().run(makeProcess(args));
     if (result.launchError) {
         // No state of the repository keeps git from being started.
         const bool isState = kind == GitErrorKind::state;
@@ -89,7 +89,7 @@ GitService::Answer GitService::ask(const QStringList& args, GitErrorKind kind)
 GitOpResult GitService::runProcess(const ProcessCommand& process)
 {
     ++age_;
-    return worker().runProcess(process);
+    return worker().resultOf(worker().run(process), process.arguments);
 }
 
 GitOpResult GitService::runOp(const QStringList& args)
@@ -134,7 +134,7 @@ GitOpResult GitService::applyPartialPatch(const QString& patch, bool reverse)
     process.standardInput = patch.isValidUtf16() ? encodeUtf8Text(patch) : QByteArray();
 
     ++age_;
-    const ProcessResult result = runner_->run(process);
+    const ProcessResult result = worker().run(process);
     if (result.launchError || result.inputError) {
         return GitOpResult::failure(result.launchError ? *result.launchError : *result.inputError);
     }

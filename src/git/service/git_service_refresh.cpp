@@ -36,7 +36,9 @@ void GitService::refreshBranch()
 void GitService::refreshStatus()
 {
     const auto output = read(refreshCommands::status());
-    assign(status_, parseStatus(output.value_or(QString())), &GitService::statusChanged);
+    QList<GitFileStatus> files;
+    worker().parse(output.value_or(QString()), [&files](const QString& text) { files = parseStatus(text); });
+    assign(status_, files, &GitService::statusChanged);
 }
 
 void GitService::refreshAheadBehind()

@@ -1,18 +1,48 @@
 #include "git/service/git_worker.h"
 
+#include "git/service/git_stop.h"
+#include "git/service/git_transfers.h"
 #include "platform/events/main_queue.h"
 #include "platform/files/utf8_file.h"
+#include "platform/process/process_stop.h"
 
 #include <QThreadPool>
 
 namespace kelm {
 
+namespace {
+
+/// Shorter outputs are read before another thread would begin with them. In UTF-16 units.
+constexpr qsizetype longOutput = qsizetype(16) * 1024;
+
+} // namespace
+
 GitService::Worker::Worker(GitService& service) : runner_(service.runner_), alive_(service.alive_), service_(&service)
 {}
 
-GitOpResult GitService::Worker::runProcess(const ProcessCommand& process) const
+ProcessResult GitService::Worker::run(const ProcessCommand& process, ProcessStop& stop) const
 {
-    const ProcessResult result = runner_->run(process);
+    const auto begin = std::chrono::system_clock::now();
+    return wordedStop(runner_->runStoppable(process, stop), process, begin);
+}
+
+ProcessResult GitService::Worker::run(const ProcessCommand& process) const
+{
+    ProcessStop stop;
+    return run(process, stop);
+}
+
+void GitService::Worker::parse(const QString& output, const std::function<void(const QString&)>& read) const
+{
+    if (output.size() < longOutput) {
+        read(output);
+    } else {
+        runner_->compute([&] { read(output); });
+    }
+}
+
+GitOpResult GitService::Worker::resultOf(const ProcessResult& result, const QStringList& arguments) const
+{
     if (result.launchError) {
         return GitOpResult::failure(*result.launchError);
     }
@@ -26,7 +56,7 @@ GitOpResult GitService::Worker::runProcess(const ProcessCommand& process) const
     if (message.isEmpty()) {
         message = QStringLiteral("git exited %1").arg(result.exit.status);
     }
-    queueError({process.arguments, message});
+    queueError({arguments, message});
     return GitOpResult::failure(message);
 }
 
@@ -43,15 +73,22 @@ void GitService::Worker::runInBackground(const ProcessCommand& process,
                                          std::function<void(GitService*, const GitOpResult&)> done) const
 {
     QThreadPool* const pool = QThreadPool::globalInstance();
-    pool->start([worker = *this, process, done = std::move(done), pool] {
+    const auto stop = std::make_shared<ProcessStop>();
+    const quint64 transfer = service_->transfers().add(gitCommandName(process), stop);
+    pool->start([worker = *this, process, done = std::move(done), pool, stop, transfer] {
         GitOpResult result = GitOpResult::failure(QStringLiteral("service deallocated"));
         if (!worker.alive_.expired()) {
             // A git that waits for the network must not take a place from those who compute.
             pool->releaseThread();
-            result = worker.runProcess(process);
+            result = worker.resultOf(worker.run(process, *stop), process.arguments);
             pool->reserveThread();
         }
-        onMainQueue([service = worker.service_, done, result] { done(service, result); });
+        onMainQueue([service = worker.service_, done, result, transfer] {
+            if (service) {
+                service->transfers().remove(transfer);
+            }
+            done(service, result);
+        });
     });
 }
 

@@ -1,5 +1,7 @@
 #include "platform/events/main_queue.h"
 
+#include "platform/events/held_work.h"
+
 #include <QCoreApplication>
 
 namespace kelm {
@@ -13,7 +15,15 @@ void onMainQueue(std::function<void()> work)
 
 void onMainQueue(QObject* context, std::function<void()> work)
 {
-    QMetaObject::invokeMethod(context, std::move(work), Qt::QueuedConnection);
+    auto run = [context, work = std::move(work)]() mutable { HeldWork::runOrKeep(context, std::move(work)); };
+    QMetaObject::invokeMethod(context, std::move(run), Qt::QueuedConnection);
+}
+
+void onMainQueueInAnyCase(std::function<void()> work)
+{
+    if (QCoreApplication::instance() != nullptr) {
+        QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(work), Qt::QueuedConnection);
+    }
 }
 
 } // namespace kelm

@@ -1,5 +1,7 @@
 #include "platform/events/scheduler.h"
 
+#include "platform/events/held_work.h"
+
 #include <QTimer>
 
 #include <algorithm>
@@ -14,7 +16,8 @@ class SystemScheduler final : public Scheduler
 public:
     void after(std::chrono::milliseconds delay, QObject* context, std::function<void()> work) override
     {
-        QTimer::singleShot(delay, Qt::PreciseTimer, context, std::move(work));
+        auto run = [context, work = std::move(work)]() mutable { HeldWork::runOrKeep(context, std::move(work)); };
+        QTimer::singleShot(delay, Qt::PreciseTimer, context, std::move(run));
     }
 };
 

@@ -20,7 +20,8 @@ public:
     /// Runs `work` once, `delay` from now, unless `context` is gone by then.
     virtual void after(std::chrono::milliseconds delay, QObject* context, std::function<void()> work) = 0;
 
-    /// The scheduler on the event loop's own timers.
+    /// The scheduler on the event loop's own timers. What falls due while the main thread waits for a child runs after
+    /// that (see `HeldWork`).
     static Scheduler& system();
 };
 

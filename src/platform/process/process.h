@@ -6,10 +6,13 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
 namespace kelm {
+
+class ProcessStop;
 
 /// A child process to be started. A plain value, so that a test can compare what would run.
 struct ProcessCommand
@@ -26,6 +29,9 @@ struct ProcessCommand
     std::optional<QByteArray> standardInput = std::nullopt;
     /// Whether the child leads a process group of its own, so that it can be ended with all that it started.
     bool ownGroup = false;
+    /// Whether reading from a terminal fails for the child and all that it starts. Otherwise the system stops a group
+    /// that reads there from the background, and nobody sees that it waits.
+    bool readsNoTerminal = false;
 
     bool operator==(const ProcessCommand&) const = default;
 };
@@ -49,6 +55,8 @@ struct ProcessResult
     /// Present when the child did not take all of its standard input; it was not waited for then.
     std::optional<QString> inputError = std::nullopt;
     ProcessExit exit = {};
+    /// Whether it failed because somebody stopped it.
+    bool isStopped = false;
     QByteArray standardOutput = {};
     QByteArray standardError = {};
 
@@ -65,6 +73,14 @@ public:
     /// never waits on a full pipe; what it wrote before it ended is in the result. A process that the child leaves
     /// behind with the pipes in its hands is not waited for.
     virtual ProcessResult run(const ProcessCommand& command) = 0;
+
+    /// The same for a child that leads a group of its own and reads from no terminal, until it ends or `stop` ends it.
+    /// A runner that starts no real process need not heed it.
+    virtual ProcessResult runStoppable(const ProcessCommand& command, ProcessStop& stop);
+
+    /// Does work for a caller that waits for it, such as reading a long output: on the caller's thread, or beside it
+    /// for a runner whose callers paint meanwhile. The work is done when this comes back.
+    virtual void compute(const std::function<void()>& work) { work(); }
 
     /// The runner that starts real processes.
     static ProcessRunner& system();

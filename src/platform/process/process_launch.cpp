@@ -85,8 +85,13 @@ QProcessEnvironment environmentOf(const QMap<QString, QString>& variables)
 /// Runs in the child before its program does, and calls nothing but the system. The child has no signal blocked.
 /// Whoever started the application may have had signals ignored, those of the keyboard in the background or the end of
 /// the terminal: they would pass a child by that leads a group and is told by them to end.
-void prepareChild(bool ownGroup, const ChildOutputs& outputs)
+void prepareChild(bool ownGroup, bool readsNoTerminal, const ChildOutputs& outputs)
 {
+    if (readsNoTerminal) {
+        // A read from the background then fails, and a change of the terminal's state is let be.
+        ::signal(SIGTTIN, SIG_IGN);
+        ::signal(SIGTTOU, SIG_IGN);
+    }
     if (ownGroup) {
         ::setpgid(0, 0);
         for (const int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) {
@@ -133,8 +138,8 @@ std::optional<QString> launch(QProcess& process, const ProcessCommand& command, 
     if (outputs.standardOutput >= 0) {
         process.setProcessChannelMode(QProcess::ForwardedChannels);
     }
-    process.setChildProcessModifier([ownGroup = command.ownGroup, outputs, raw] {
-        prepareChild(ownGroup, outputs);
+    process.setChildProcessModifier([ownGroup = command.ownGroup, noTerminal = command.readsNoTerminal, outputs, raw] {
+        prepareChild(ownGroup, noTerminal, outputs);
         if (raw) {
             raw->execute();
         }

@@ -100,7 +100,7 @@ void watchSignals(int readEnd)
             firstSignal = note.number;
             end = note.time + timeToComeBack;
             if (!isLeaving) {
-                onMainQueue([number = note.number] { endLoop(number); });
+                onMainQueueInAnyCase([number = note.number] { endLoop(number); });
             }
         }
     }

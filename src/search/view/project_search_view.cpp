@@ -2,9 +2,9 @@
 
 #include "app/state/app_state.h"
 #include "platform/style/view/style.h"
+#include "platform/view/activity_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_help.h"
-#include "search/view/activity_line.h"
 #include "search/view/project_search_model.h"
 
 #include <QLineEdit>

@@ -21,6 +21,31 @@ QT_END_NAMESPACE
 
 namespace kelm {
 
+namespace {
+
+/// Whether a place of a window or a widget is in a text that takes keys.
+bool isInText(const QObject& receiver, QPoint place)
+{
+    const auto* under = qobject_cast<const QWidget*>(&receiver);
+    for (const QWidget* const top : QApplication::topLevelWidgets()) {
+        if (top->windowHandle() == &receiver) {
+            under = top;
+        }
+    }
+    if (under == nullptr) {
+        return false;
+    }
+    if (const QWidget* const child = under->childAt(place)) {
+        under = child;
+    }
+    // A text's viewport is its child.
+    const QWidget* const around = under->parentWidget();
+    return under->testAttribute(Qt::WA_InputMethodEnabled) ||
+           (around != nullptr && around->testAttribute(Qt::WA_InputMethodEnabled));
+}
+
+} // namespace
+
 HeldInput::HeldInput(Notices& notices, QWidget& window, std::function<bool()> escapeIsTaken)
     : QObject(&window), notices_(notices), window_(window), escapeIsTaken_(std::move(escapeIsTaken))
 {
@@ -52,11 +77,14 @@ bool HeldInput::eventFilter(QObject* watched, QEvent* event)
     if (isKey && takeEscape(*static_cast<QKeyEvent*>(event))) {
         return true;
     }
-    return isHolding() && hold(*event);
+    return isHolding() && hold(*watched, *event);
 }
 
 bool HeldInput::isOfWindow(const QObject* watched) const
 {
+    if (notices_.stopsAll()) {
+        return watched->isWindowType() || watched->isWidgetType();
+    }
     if (watched->isWindowType()) {
         return watched == window_.windowHandle();
     }
@@ -77,7 +105,7 @@ bool HeldInput::takeEscape(QKeyEvent& event)
     return true;
 }
 
-bool HeldInput::hold(QEvent& event)
+bool HeldInput::hold(QObject& watched, QEvent& event)
 {
     switch (event.type()) {
     case QEvent::ShortcutOverride:
@@ -88,13 +116,13 @@ bool HeldInput::hold(QEvent& event)
     case QEvent::KeyRelease:
     case QEvent::InputMethod:
         event.accept();
-        waiting_.emplace_back(event.clone());
+        keep(watched, event);
         return true;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
-        return holdButton(static_cast<const QMouseEvent&>(event));
     case QEvent::MouseMove:
+        return holdPointer(watched, static_cast<const QMouseEvent&>(event));
     case QEvent::Wheel:
     case QEvent::ContextMenu:
     case QEvent::TouchBegin:
@@ -111,21 +139,56 @@ bool HeldInput::hold(QEvent& event)
     case QEvent::Drop:
         event.ignore();
         return true;
+    case QEvent::Close:
+        return holdClosing(watched, event);
     default:
         return false;
     }
 }
 
-bool HeldInput::holdButton(const QMouseEvent& event)
+bool HeldInput::holdPointer(QObject& watched, const QMouseEvent& event)
 {
-    if (event.type() != QEvent::MouseButtonRelease) {
+    const bool isPress = event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
+    if (isPress && notices_.stopsAll() && isInText(watched, event.position().toPoint())) {
+        keptButtons_ |= event.button();
+        keep(watched, event);
+        return true;
+    }
+    if (isPress) {
         heldButtons_ |= event.button();
+        return true;
+    }
+    if (event.type() == QEvent::MouseMove) {
+        if (keptButtons_) {
+            keep(watched, event);
+        }
+        return true;
+    }
+    if (keptButtons_.testFlag(event.button())) {
+        keptButtons_.setFlag(event.button(), false);
+        keep(watched, event);
         return true;
     }
     // Who was given the press waits for its release.
     const bool isHeld = heldButtons_.testFlag(event.button());
     heldButtons_.setFlag(event.button(), false);
     return isHeld;
+}
+
+bool HeldInput::holdClosing(QObject& watched, QEvent& event)
+{
+    // A widget's own is what comes of its window's.
+    if (!notices_.stopsAll() || !watched.isWindowType()) {
+        return false;
+    }
+    event.ignore();
+    keep(watched, event);
+    return true;
+}
+
+void HeldInput::keep(QObject& receiver, const QEvent& event)
+{
+    waiting_.push_back({&receiver, std::unique_ptr<QEvent>(event.clone())});
 }
 
 void HeldInput::giveBack()
@@ -135,30 +198,37 @@ void HeldInput::giveBack()
     }
     // A key may begin the next thing that holds the input.
     while (!waiting_.empty() && !notices_.holdsInput()) {
-        const std::unique_ptr<QEvent> event = std::move(waiting_.front());
+        const Waiting next = std::move(waiting_.front());
         waiting_.pop_front();
         const QScopedValueRollback giving(isGivingBack_, true);
-        give(*event);
+        if (next.receiver) {
+            give(*next.receiver, *next.event);
+        }
     }
     if (!isHolding()) {
         heldButtons_ = {};
+        keptButtons_ = {};
     }
     if (!isHolding() && notices_.current() == nullptr) {
         qApp->removeEventFilter(this);
     }
 }
 
-void HeldInput::give(QEvent& event)
+void HeldInput::give(QObject& receiver, QEvent& event)
 {
-    if (event.type() == QEvent::InputMethod) {
-        if (QWidget* const focus = window_.focusWidget()) {
-            QCoreApplication::sendEvent(focus, &event);
-        }
-        return;
+    const auto* const widget = qobject_cast<QWidget*>(&receiver);
+    QWindow* const window = widget != nullptr ? widget->window()->windowHandle() : qobject_cast<QWindow*>(&receiver);
+    if (event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease) {
+        const auto& key = static_cast<const QKeyEvent&>(event);
+        qt_handleKeyEvent(window, key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat(),
+                          ushort(key.count()));
+    } else if (event.type() == QEvent::Close) {
+        window->close();
+    } else if (event.type() != QEvent::InputMethod || widget == nullptr) {
+        QCoreApplication::sendEvent(&receiver, &event);
+    } else if (QWidget* const focus = widget->window()->focusWidget()) {
+        QCoreApplication::sendEvent(focus, &event);
     }
-    const auto& key = static_cast<const QKeyEvent&>(event);
-    qt_handleKeyEvent(window_.windowHandle(), key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat(),
-                      ushort(key.count()));
 }
 
 } // namespace kelm

@@ -4,6 +4,7 @@
 #include "app/state/notices.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <deque>
 #include <functional>
@@ -18,9 +19,12 @@ namespace kelm {
 
 /// Keeps a window's input waiting while a notice holds it. Keys, and what input methods compose, are kept and given to
 /// the window in their order once it goes on, so that no typed character is lost; what the pointer does is dropped,
-/// since by then other things may be under it. Escape ends what the notice tells of, whether it holds the input or not.
+/// since by then other things may be under it. A button that is pressed in a text is kept, with all up to its release:
+/// keys that come after it are meant for that place. Escape ends what the notice tells of, whether it holds the input
+/// or not.
 ///
-/// Other windows, and menus and dialogs above this one, have their input as ever. Main thread only.
+/// Other windows, and menus and dialogs above this one, have their input as ever, unless the main thread itself waits:
+/// then all windows are held in this way, and one that is closed goes afterwards. Main thread only.
 class HeldInput final : public QObject
 {
     Q_OBJECT
@@ -41,17 +45,27 @@ private:
     /// Whether the key is Escape, and it was for the notice.
     bool takeEscape(QKeyEvent& event);
     /// Whether the event has to wait, or is dropped.
-    bool hold(QEvent& event);
-    bool holdButton(const QMouseEvent& event);
+    bool hold(QObject& watched, QEvent& event);
+    bool holdPointer(QObject& watched, const QMouseEvent& event);
+    bool holdClosing(QObject& watched, QEvent& event);
+    void keep(QObject& receiver, const QEvent& event);
     void giveBack();
-    void give(QEvent& event);
+    static void give(QObject& receiver, QEvent& event);
 
     Notices& notices_;
     QWidget& window_;
     const std::function<bool()> escapeIsTaken_;
-    std::deque<std::unique_ptr<QEvent>> waiting_;
+    struct Waiting
+    {
+        QPointer<QObject> receiver;
+        std::unique_ptr<QEvent> event;
+    };
+
+    std::deque<Waiting> waiting_;
     /// The buttons whose press was dropped, and whose release is to be.
     Qt::MouseButtons heldButtons_;
+    /// The buttons whose press was kept.
+    Qt::MouseButtons keptButtons_;
     bool isGivingBack_ = false;
 };
 

@@ -88,8 +88,11 @@ KelmPaneApp::KelmPaneApp()
     qApp->installEventFilter(&appDelegate_);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) {
-            appState_.watchedFiles().lookAgain();
-            appState_.repositoryFollower().noteChange();
+            // Not from inside a wait for git.
+            onMainQueue(this, [this] {
+                appState_.watchedFiles().lookAgain();
+                appState_.repositoryFollower().noteChange();
+            });
         }
     });
     appDelegate_.setActivate([this] { bringToFront(); });

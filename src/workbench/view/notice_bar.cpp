@@ -2,9 +2,9 @@
 
 #include "platform/style/view/style.h"
 #include "platform/view/accessible_role.h"
+#include "platform/view/activity_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
-#include "search/view/activity_line.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
@@ -64,6 +64,7 @@ void NoticeBar::show(const Notice& notice)
     notice_ = notice.text;
     isNews_ = notice.isNews;
     progress_ = notice.progress;
+    time_ = notice.time;
     stopHint_->setVisible(bool(notice.stop));
     showOffers(notice.offers);
     putAway_->setVisible(notice.isNews);
@@ -94,9 +95,10 @@ void NoticeBar::showOffers(const std::vector<NoticeOffer>& offers)
     }
 }
 
-void NoticeBar::setProgress(std::optional<double> progress)
+void NoticeBar::setProgress(std::optional<double> progress, std::optional<std::chrono::seconds> time)
 {
     progress_ = progress;
+    time_ = time;
     refresh();
 }
 
@@ -113,8 +115,9 @@ bool NoticeBar::offersStop() const
 void NoticeBar::refresh()
 {
     const int percents = progress_ ? int(*progress_ * whole) : 0;
-    label_->setText(progress_ ? withPercents(notice_, percents) : notice_);
-    // Each percent, read out, would be talked over by the next.
+    const QString lasting = time_ ? tr("%1, %2 s").arg(notice_, QString::number(time_->count())) : notice_;
+    label_->setText(progress_ ? withPercents(lasting, percents) : lasting);
+    // Each second or percent, read out, would be talked over by the next.
     const QString spoken = progress_ ? withPercents(notice_, percents / step * step) : notice_;
     setAccessibleName(offersStop() ? spoken + u" "_s + stopHint_->text() : spoken);
     activity_->setActive(!isNews_ && !progress_ && isVisible());

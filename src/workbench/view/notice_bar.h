@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -18,7 +19,7 @@ class PlainButton;
 class TextLabel;
 
 /// A quiet row of one text, with a line along its upper edge that grows with the progress, or runs where nobody knows
-/// it; news have a button for each of their offers, and one that puts them away. It never takes the keyboard by itself.
+/// it. There is a button for each offer, and news have one that puts them away. It never takes the keyboard by itself.
 /// Screen readers are told when a text appears, and then of each tenth of its progress.
 class NoticeBar final : public QWidget
 {
@@ -30,10 +31,10 @@ public:
     /// Shows a text such as "Opening notes.txt…", and beside it how to end what it tells of, if that can be, or what
     /// can be done about it.
     void show(const Notice& notice);
-    /// From 0 to 1; absent where nobody knows.
-    void setProgress(std::optional<double> progress);
+    /// From 0 to 1, and how long it has lasted; absent where nobody knows, or wants to.
+    void setProgress(std::optional<double> progress, std::optional<std::chrono::seconds> time = std::nullopt);
 
-    /// The text as it stands there, with its percents.
+    /// The text as it stands there, with its percents and its time.
     QString text() const;
     bool offersStop() const;
     /// The buttons of its offers, and the one that puts it away; the latter is hidden for what goes on.
@@ -59,6 +60,7 @@ private:
     QString notice_;
     bool isNews_ = false;
     std::optional<double> progress_;
+    std::optional<std::chrono::seconds> time_;
     ActivityLine* activity_;
     TextLabel* label_;
     TextLabel* stopHint_;

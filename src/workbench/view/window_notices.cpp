@@ -27,7 +27,8 @@ WindowNotices::WindowNotices(AppState& appState, NoticeBar& bar, QWidget& window
     connect(&appState_.notices(), &Notices::currentChanged, this, &WindowNotices::follow);
     connect(&appState_.notices(), &Notices::progressChanged, this, [this] {
         if (!bar_.isHidden()) {
-            bar_.setProgress(appState_.notices().current()->progress);
+            const Notice& notice = *appState_.notices().current();
+            bar_.setProgress(notice.progress, notice.time);
         }
     });
     connect(&bar_, &NoticeBar::accepted, &appState_.notices(), &Notices::accept);
@@ -41,7 +42,7 @@ void WindowNotices::follow()
     if (appState_.notices().current() == nullptr) {
         appearance_.cancel();
         bar_.setVisible(false);
-    } else if (bar_.isHidden()) {
+    } else if (bar_.isHidden() && !appState_.notices().stopsAll()) {
         appearance_.restart();
     } else {
         show();

@@ -392,7 +392,7 @@ void GitServiceRepositoryTest::stageUnstageDiscard()
     // An untracked file is nothing that git can check out.
     git_->unstage({u"b"_s});
     git_->discardChanges({u"b"_s});
-    QCOMPARE(takeError(), u"Git has no version of \"b\" to go back to."_s);
+    QVERIFY(takeError().contains(u"did not match"_s));
     QCOMPARE(repository_->read(u"b"_s), QByteArray("1\n"));
 }
 

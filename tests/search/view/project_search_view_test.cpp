@@ -1,4 +1,4 @@
-#include "search/view/activity_line.h"
+#include "platform/view/activity_line.h"
 #include "search/view/project_search_view.h"
 #include "search/view/search_view_fixture.h"
 #include "support/test_program.h"

@@ -1,7 +1,7 @@
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/view/activity_line.h"
 #include "platform/view/plain_button.h"
-#include "search/view/activity_line.h"
 #include "support/captured_log.h"
 #include "support/painted.h"
 #include "support/test_program.h"

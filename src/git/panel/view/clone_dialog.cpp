@@ -1,6 +1,7 @@
 #include "git/panel/view/clone_dialog.h"
 
 #include "git/panel/view/credential_status_row.h"
+#include "git/panel/view/transfer_sign.h"
 #include "platform/view/breaking_label.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
@@ -45,14 +46,14 @@ CloneDialog::CloneDialog(GitService& git, FilePanels& filePanels, Scheduler& sch
     setWindowModality(Qt::WindowModal);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Clone Repository"));
-    buildRows();
+    buildRows(git);
     connect(&form_, &CloneForm::changed, this, &CloneDialog::refreshForm);
     connect(&form_, &CloneForm::dismissed, this, [this] { done(form_.didSucceed() ? Accepted : Rejected); });
     refreshForm();
     remoteURL_->setFocus(Qt::OtherFocusReason);
 }
 
-void CloneDialog::buildRows()
+void CloneDialog::buildRows(GitService& git)
 {
     auto* title = new QHBoxLayout;
     title->setSpacing(8);
@@ -64,6 +65,8 @@ void CloneDialog::buildRows()
     remoteURL_->setAccessibleName(u"Remote URL"_s);
     connect(remoteURL_, &QLineEdit::textChanged, &form_, &CloneForm::setRemoteURL);
     credentials_ = new CredentialStatusRow(this);
+    auto* sign = new TransferSign(git.transfers(), TransferSign::Kind::clones, this);
+    sign->setFixedWidth(contentWidth);
     success_ =
         new TextLabel(u"✓ Cloned. Repository opened."_s, style::interfaceFont(smallText), SystemColor::green, this);
 
@@ -80,6 +83,7 @@ void CloneDialog::buildRows()
     column->addWidget(makeDestinationRow());
     column->addWidget(makeNameRow());
     column->addWidget(makeErrorBox());
+    column->addWidget(sign);
     column->addWidget(success_);
     column->addSpacing(8);
     column->addWidget(makeButtonRow());

@@ -35,7 +35,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void buildRows();
+    void buildRows(GitService& git);
     QWidget* makeDestinationRow();
     QWidget* makeNameRow();
     QWidget* makeErrorBox();

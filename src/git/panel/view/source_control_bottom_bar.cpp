@@ -1,5 +1,6 @@
 #include "git/panel/view/source_control_bottom_bar.h"
 
+#include "git/panel/view/transfer_sign.h"
 #include "git/service/git_service.h"
 #include "platform/view/details_sheet.h"
 #include "platform/view/panel_controls.h"
@@ -83,6 +84,7 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     column_->setContentsMargins(6, 4, 6, 4);
     column_->setSpacing(2);
     column_->addLayout(buttons);
+    column_->addWidget(new TransferSign(git_.transfers(), TransferSign::Kind::others, this));
     column_->addWidget(errorRow_, 1);
     connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::refreshBusy);
     connect(&git_, &GitService::lastFailureChanged, this, &SourceControlBottomBar::refreshError);

@@ -31,8 +31,9 @@ private:
     QString error_;
 };
 
-/// "Fetch", "Pull" and "Push", which rest while one of them runs, and what was asked for and failed last, with buttons
-/// that show all of git's words and take it away. In a narrow panel the failure stands below the buttons.
+/// "Fetch", "Pull" and "Push", which rest while one of them runs; what runs, with a button that stops it; and what was
+/// asked for and failed last, with buttons that show all of git's words and take it away. In a narrow panel these stand
+/// below each other.
 class SourceControlBottomBar final : public QWidget
 {
     Q_OBJECT

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void aCloneThatFailsTellsItsWords();
     void aFullTargetIsRefused();
     void nothingClosesTheDialogWhileItClones();
+    void aCloneIsStoppedAndLeavesNothing();
     void cancelAndEscapeClose();
     void eachPresentationStartsEmpty();
     void theChipsTellWhatIsThere();
@@ -267,6 +268,34 @@ void CloneDialogTest::nothingClosesTheDialogWhileItClones()
     QTRY_VERIFY_WITH_TIMEOUT(f.dialog->form().didSucceed(), 20000);
     QTest::keyClick(f.dialog, Qt::Key_Escape);
     QTRY_VERIFY(f.dialog.isNull());
+}
+
+void CloneDialogTest::aCloneIsStoppedAndLeavesNothing()
+{
+    DialogFixture f;
+    // It asks for its credentials from a program that never answers.
+    const QString asking = f.folder.filePath(u"ssh"_s);
+    QFile script(asking);
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\nexec sleep 60\n");
+    script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    script.close();
+    qputenv("GIT_SSH", asking.toLocal8Bit());
+    f.paste(u"somebody@example.org:repository"_s);
+    f.choose();
+    f.field(u"Folder name"_s).setText(u"clone"_s);
+    QVERIFY(visibleButton(*f.dialog, u"Stop"_s) == nullptr);
+    clickOn(*f.dialog, u"Clone"_s);
+    QVERIFY(f.shows(u"git clone, 0 s"_s));
+    const QString target = f.folder.filePath(u"clone"_s);
+    QTRY_VERIFY(QFileInfo::exists(target));
+    clickOn(*f.dialog, u"Stop"_s);
+    QTRY_COMPARE(f.error(), u"git clone was stopped."_s);
+    qunsetenv("GIT_SSH");
+    QVERIFY(!QFileInfo::exists(target));
+    // It can be tried again.
+    QVERIFY(visibleButton(*f.dialog, u"Stop"_s) == nullptr);
+    QVERIFY(f.button(u"Clone"_s).isEnabled() && f.button(u"Cancel"_s).isEnabled());
 }
 
 void CloneDialogTest::cancelAndEscapeClose()

@@ -1,4 +1,4 @@
-#include "search/view/activity_line.h"
+#include "platform/view/activity_line.h"
 
 #include "platform/style/view/tint.h"
 
