@@ -27,7 +27,7 @@ QString pathIn(QByteArray line, const QString& folder)
 std::optional<RepositoryFiles> RepositoryFiles::of(const QString& folder)
 {
     constexpr QByteArrayView prefix = "gitdir: ";
-    RepositoryFiles files{.folder = folder, .gitFolder = folder + u"/.git"_s, .commonFolder = {}};
+    RepositoryFiles files{.folder = folder, .gitFolder = QDir(folder).filePath(u".git"_s), .commonFolder = {}};
     if (!isFolder(files.gitFolder)) {
         const auto link = startOfFile(files.gitFolder, longestPath);
         if (!link || !link->startsWith(prefix)) {

@@ -524,8 +524,8 @@ void SourceControlViewTest::theErrorLineShowsGitsWordsWhole()
     QVERIFY(!line->isVisible());
     f.git().mergeBranch(u"absent"_s);
     QTRY_VERIFY(line->isVisible());
-    QCOMPARE(line->text(), u"There is no branch absent."_s);
-    QCOMPARE(line->error(), u"error: pathspec 'absent' did not match any file(s) known to git\n"_s);
+    QCOMPARE(line->text(), u"merge: absent - not something we can merge"_s);
+    QCOMPARE(line->error(), u"merge: absent - not something we can merge\n"_s);
     QCOMPARE(line->toolTip(), line->error());
     QVERIFY(!line->text().contains(u'\n'));
     QVERIFY(line->height() < 2 * line->fontMetrics().height());
