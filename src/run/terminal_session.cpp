@@ -4,9 +4,9 @@
 #include "platform/files/file_url.h"
 #include "platform/process/environment.h"
 #include "platform/text/character_sets.h"
-#include "run/ansi_parser.h"
 #include "run/path_completion.h"
 #include "run/path_names.h"
+#include "run/terminal_output.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -231,9 +231,11 @@ void TerminalSession::changeDirectory(const QString& path)
 void TerminalSession::executeExternalCommand(const QString& line)
 {
     process_ = std::make_unique<ChildProcess>();
-    connect(process_.get(), &ChildProcess::outputRead, this, &TerminalSession::appendWithANSIColors);
+    const auto output = std::make_shared<TerminalOutput>();
+    connect(process_.get(), &ChildProcess::outputRead, this,
+            [this, output](const QString& text) { append(output->output(text)); });
     connect(process_.get(), &ChildProcess::errorRead, this,
-            [this](const QString& text) { write(u'\n' + text, plainColors::red); });
+            [this, output](const QString& text) { append(output->error(text)); });
     const auto error = process_->start({.program = firstExecutable(services_.shells),
                                         .arguments = {u"-c"_s, line},
                                         .workingDirectory = currentDirectory_,
@@ -367,10 +369,10 @@ void TerminalSession::writeBanner()
     writePrompt();
 }
 
-void TerminalSession::appendWithANSIColors(const QString& output)
+void TerminalSession::append(const AttributedText& output)
 {
     if (TerminalScreen* view = textView()) {
-        view->appendOutput(ANSIParser::parse(output));
+        view->appendOutput(output);
     }
 }
 

@@ -157,7 +157,7 @@ private:
     static std::optional<QString> lineToRun(const QUrl& file);
 
     void writeBanner();
-    void appendWithANSIColors(const QString& output);
+    void append(const AttributedText& output);
     void write(const QString& text, const QColor& color);
     void writePrompt();
 

@@ -3,6 +3,7 @@
 #include "platform/style/view/style.h"
 #include "platform/text/character_sets.h"
 #include "run/ansi_parser.h"
+#include "run/view/terminal_colors.h"
 #include "text/view/text_view_keys.h"
 
 #include <QInputMethodEvent>
@@ -21,7 +22,7 @@ namespace {
 
 constexpr QSizeF terminalInset(4, 6);
 
-TextViewColors terminalColors()
+TextViewColors colorsOnBlack()
 {
     TextViewColors colors;
     colors.background = plainColors::black;
@@ -50,7 +51,7 @@ TerminalTextView::TerminalTextView(QWidget* parent)
 {
     setTextFont(style::monospaced(ANSIParser::fontSize));
     setTextInset(terminalInset);
-    setColors(terminalColors());
+    setColors(colorsOnBlack());
     setAccessibleName(tr("Terminal"));
     connect(&storage(), &TextStorage::willReplace, this, [this] { isTyping_ = editor().isEditing(); });
     connect(&storage(), &TextStorage::edited, this, &TerminalTextView::textEdited);
@@ -82,12 +83,7 @@ void TerminalTextView::appendText(const QString& text, const QColor& color)
 
 void TerminalTextView::appendOutput(const AttributedText& text)
 {
-    std::vector<ColorRun> colors;
-    colors.reserve(text.runs.size());
-    for (const AttributedRun& run : text.runs) {
-        colors.push_back({{run.start, run.length}, resolved(run.color, appearance_)});
-    }
-    append(text.text, std::move(colors));
+    append(text.text, terminalColors(text, appearance_));
 }
 
 void TerminalTextView::appendPrompt()

@@ -1,5 +1,7 @@
 #include "text/layout/laid_out_piece.h"
 
+#include "text/layout/shown_units.h"
+
 #include <QPainter>
 
 #include <cmath>
@@ -46,7 +48,7 @@ bool mayRunLeft(QStringView text)
 
 LaidOutPiece::LaidOutPiece(const QString& text, const std::vector<ColorRun>& colors, const Preedit* preedit,
                            const RowMetrics& metrics)
-    : layout_(text, metrics.font)
+    : layout_(shownUnits(text, colors), metrics.font), hasUnshown_(kelm::hasUnshown(colors))
 {
     layout_.setCacheEnabled(true);
     if (preedit != nullptr) {

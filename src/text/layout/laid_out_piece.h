@@ -75,6 +75,8 @@ public:
     std::pair<qreal, int> preeditCaret() const;
 
     void rewrap(const RowMetrics& metrics);
+    /// Whether some of it is not drawn.
+    bool hasUnshown() const { return hasUnshown_; }
     bool hasColors(const std::vector<ColorRun>& colors) const { return formatsOf(colors) == layout_.formats(); }
     void setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics);
     /// Paints one row, with the piece's top left at `origin`.
@@ -92,6 +94,7 @@ private:
     qsizetype fromLayout(int position) const;
 
     QTextLayout layout_;
+    bool hasUnshown_ = false;
     int shownRows_ = std::numeric_limits<int>::max();
     int preeditStart_ = -1;
     int preeditLength_ = 0;
