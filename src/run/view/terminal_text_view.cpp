@@ -6,12 +6,12 @@
 #include "run/view/terminal_colors.h"
 #include "text/view/text_view_keys.h"
 
-#include <QInputMethodEvent>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScopedValueRollback>
+#include <QMimeData>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace kelm {
@@ -65,6 +65,8 @@ void TerminalTextView::setSession(TerminalSession* session)
         disconnect(session_, nullptr, this, nullptr);
     }
     session_ = session;
+    typedAhead_.setSession(session);
+    typedAhead_.clear();
     editor().setReadOnly(session != nullptr && session->isBusy());
     if (session != nullptr) {
         connect(session, &TerminalSession::isBusyChanged, this,
@@ -224,8 +226,7 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
         return false;
     }
     if (event->key() == Qt::Key_Escape) {
-        follower_->resume();
-        session_->sendInterrupt();
+        escape(*event);
         return true;
     }
     const auto& keys = commandKeys();
@@ -234,19 +235,7 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     // A look waits only behind what waits already, so that keys act in the order in which they were pressed.
     const bool mayPass = command == keys.end() && onlyLooks(*event) && !session_->hasWaiting();
     if (!isInTurn && !session_->isIdle() && !mayPass) {
-        const std::shared_ptr<QKeyEvent> waiting(event->clone());
-        session_->whenIdle(
-            [view = QPointer(this), waiting] {
-                if (view) {
-                    view->keyInTurn_ = waiting.get();
-                    view->keyPressEvent(waiting.get());
-                }
-            },
-            [view = QPointer(this), waiting] {
-                if (view) {
-                    view->throwAwayKey(*waiting);
-                }
-            });
+        keepForLater(*event);
         return true;
     }
     if (command != keys.end()) {
@@ -261,25 +250,15 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     return false;
 }
 
-/// What was typed ahead is put together once more, since only its keys are known, and its lines go into the history in
-/// the place of being run. All of that is between two paintings.
-void TerminalTextView::throwAwayKey(QKeyEvent& event)
+void TerminalTextView::escape(const QKeyEvent& event)
 {
-    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
-        return;
+    follower_->resume();
+    // A key that is held down says it once.
+    if (session_->isInterrupted() && !event.isAutoRepeat()) {
+        session_->endCommand();
     }
-    if (isAnySelectionAtPrompt() && currentCommand().isEmpty()) {
-        setSelectedRange({storage().length(), 0});
-    }
-    const QScopedValueRollback throwing(isThrowingAway_, true);
-    keyInTurn_ = &event;
-    keyPressEvent(&event);
-}
-
-void TerminalTextView::throwAwayLine()
-{
-    replaceCurrentCommand(QString());
-    editor().forgetUndo();
+    session_->sendInterrupt();
+    typedAhead_.clear();
 }
 
 void TerminalTextView::runCommand()
@@ -296,6 +275,45 @@ void TerminalTextView::runCommand()
     session_->executeCommand(line);
     if (self) {
         appendPrompt();
+    }
+}
+
+void TerminalTextView::paste()
+{
+    const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
+    if (session_ && !session_->isBusy() && !isThrowingAway_ && isAtPrompt() && contents != nullptr) {
+        if (const auto pasted = pastedLines(contents->text())) {
+            commitComposition();
+            runPasted(*pasted);
+            return;
+        }
+    }
+    TextView::paste();
+}
+
+bool TerminalTextView::isAtPrompt() const
+{
+    return editor().selections().isSingle() && selectedRange().location >= commandStartLocation_;
+}
+
+void TerminalTextView::runPasted(const PastedLines& pasted)
+{
+    const QPointer<TerminalTextView> self = this;
+    const quint64 stops = session_->stops();
+    for (const QString& command : pasted.commands) {
+        if (session_->stops() != stops) {
+            // As with lines that were typed ahead.
+            session_->remember(command);
+            continue;
+        }
+        editor().insertText(command, EditKind::other);
+        runCommand();
+        if (!self || !session_) {
+            return;
+        }
+    }
+    if (session_->stops() == stops) {
+        editor().insertText(pasted.rest, EditKind::other);
     }
 }
 
@@ -317,25 +335,6 @@ void TerminalTextView::showPreviousCommand()
     if (index >= 0) {
         session_->setHistoryIndex(index);
         replaceCurrentCommand(session_->commandHistory().at(index));
-    }
-}
-
-void TerminalTextView::inputMethodEvent(QInputMethodEvent* event)
-{
-    if (!session_ || session_->isIdle()) {
-        TextView::inputMethodEvent(event);
-        return;
-    }
-    event->accept();
-    if (!event->commitString().isEmpty()) {
-        const auto put = [view = QPointer(this), text = event->commitString()] {
-            if (view) {
-                QInputMethodEvent committed;
-                committed.setCommitString(text);
-                view->TextView::inputMethodEvent(&committed);
-            }
-        };
-        session_->whenIdle(put, put);
     }
 }
 
