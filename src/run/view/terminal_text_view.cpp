@@ -52,6 +52,8 @@ TerminalTextView::TerminalTextView(QWidget* parent)
     setTextFont(style::monospaced(ANSIParser::fontSize));
     setTextInset(terminalInset);
     setColors(colorsOnBlack());
+    // What was pasted is seen before it runs.
+    textLayout().setShowsControlCharacters(true);
     setAccessibleName(tr("Terminal"));
     connect(&storage(), &TextStorage::willReplace, this, [this] { isTyping_ = editor().isEditing(); });
     connect(&storage(), &TextStorage::edited, this, &TerminalTextView::textEdited);

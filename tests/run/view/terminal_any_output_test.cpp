@@ -60,6 +60,7 @@ class TerminalAnyOutputTest final : public QObject
 private Q_SLOTS:
     void theNextCommandRuns();
     void piecesOfAnyLengthAreHarmless();
+    void whatIsNoTextLeavesNoTrace();
     void aFolderThatVanishesIsLeft();
 };
 
@@ -111,6 +112,29 @@ void TerminalAnyOutputTest::piecesOfAnyLengthAreHarmless()
         page.run(u"echo ok"_s);
         QVERIFY2(page.text().text().endsWith(page.prompt() + u"echo okok\n"_s + page.prompt()),
                  qPrintable(u"seed %1: %2"_s.arg(seed).arg(page.text().text().right(100))));
+    }
+}
+
+void TerminalAnyOutputTest::whatIsNoTextLeavesNoTrace()
+{
+    // As a program writes it that wants a screen.
+    const QString output =
+        u"\x1b[?1049h\x1b[22;0;0t\x1b[1;24r\x1b(B\x1b[m\x1b[4l\x1b]0;title\x07\x1b[H\x1b[2Jfirst\x1b[K\r\n"
+        "\x1b[7msecond\x1b[0m 한글\x1b[24;1H"_s;
+    const auto picture = [](const QStringList& pieces) {
+        TerminalTextView view;
+        view.resize(400, 120);
+        TerminalOutput command;
+        for (const QString& piece : pieces) {
+            view.appendOutput(command.output(piece));
+        }
+        return view.grab().toImage();
+    };
+    const QImage plain = picture({u"first\r\nsecond 한글"_s});
+    QVERIFY(plain != picture({u"first\r\nsecond"_s}));
+    QCOMPARE(picture({output}), plain);
+    for (qsizetype cut = 1; cut < output.size(); ++cut) {
+        QVERIFY2(picture({output.first(cut), output.sliced(cut)}) == plain, qPrintable(u"cut at %1"_s.arg(cut)));
     }
 }
 

@@ -85,6 +85,9 @@ void TerminalPasteTest::signsWaitForReturn()
     QCOMPARE(page.written(), line + u'\n');
     QVERIFY(page.session().commandHistory().isEmpty());
     QVERIFY(!QFileInfo::exists(page.path(u"ran"_s)));
+    // The sign is seen.
+    const qsizetype sign = page.text().text().indexOf(u'\x01');
+    QVERIFY(page.text().caretRect({sign + 1, false}).x() > page.text().caretRect({sign, false}).x());
     page.press(Qt::Key_Return);
     QCOMPARE(page.session().commandHistory(), QStringList{line});
     QVERIFY(QFileInfo::exists(page.path(u"ran"_s)));
