@@ -1,5 +1,5 @@
-"""A program in the terminal that ignores the interrupt is ended by a second Escape, which a line below the text says two
-seconds after the first; the prompt works afterwards."""
+"""A program in the terminal that ignores the interrupt is ended by a second Escape, as a line below the text says two
+seconds after the first one; the prompt works afterwards."""
 
 from Xlib import X
 

@@ -5,14 +5,14 @@
 #include <QLineEdit>
 #include <QScrollBar>
 
-namespace terminal_long_output_test {
+namespace terminal_view_long_output_test {
 
 using namespace kelm;
 using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 /// Three million lines, and looking for one of them.
-class TerminalLongOutputTest final : public QObject
+class TerminalViewLongOutputTest final : public QObject
 {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private Q_SLOTS:
     void theReaderStaysWhereTheyAre();
 };
 
-void TerminalLongOutputTest::aLineIsFound()
+void TerminalViewLongOutputTest::aLineIsFound()
 {
     TerminalPage page;
     page.showBanner();
@@ -46,7 +46,7 @@ void TerminalLongOutputTest::aLineIsFound()
     QVERIFY(text.text().endsWith(u"echo okok\n"_s + page.prompt()));
 }
 
-void TerminalLongOutputTest::theReaderStaysWhereTheyAre()
+void TerminalViewLongOutputTest::theReaderStaysWhereTheyAre()
 {
     TerminalPage page;
     page.showBanner();
@@ -63,8 +63,8 @@ void TerminalLongOutputTest::theReaderStaysWhereTheyAre()
     QVERIFY(page.text().verticalScrollBar()->value() < page.text().verticalScrollBar()->maximum());
 }
 
-const kelm::test::Registered<TerminalLongOutputTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalViewLongOutputTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_long_output_test
+} // namespace terminal_view_long_output_test
 
-#include "terminal_long_output_test.moc"
+#include "terminal_view_long_output_test.moc"

@@ -6,7 +6,7 @@
 
 #include <QStandardPaths>
 
-namespace terminal_stubborn_program_test {
+namespace terminal_view_stubborn_program_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -40,7 +40,7 @@ bool lives(qint64 process)
 
 } // namespace
 
-class TerminalStubbornProgramTest final : public QObject
+class TerminalViewStubbornProgramTest final : public QObject
 {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ private Q_SLOTS:
     void programsThatWantAScreenEnd();
 };
 
-void TerminalStubbornProgramTest::aSecondEscapeEndsIt_data()
+void TerminalViewStubbornProgramTest::aSecondEscapeEndsIt_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("ignores the interrupt") << ignoring;
@@ -64,7 +64,7 @@ void TerminalStubbornProgramTest::aSecondEscapeEndsIt_data()
     QTest::newRow("its child ignores both") << ignoringBelow;
 }
 
-void TerminalStubbornProgramTest::aSecondEscapeEndsIt()
+void TerminalViewStubbornProgramTest::aSecondEscapeEndsIt()
 {
     QFETCH(QString, line);
     TerminalPage page;
@@ -89,7 +89,7 @@ void TerminalStubbornProgramTest::aSecondEscapeEndsIt()
     QVERIFY(page.written().endsWith(u"echo okok\n"_s + page.prompt()));
 }
 
-void TerminalStubbornProgramTest::theHintComesWhenItGoesOn()
+void TerminalViewStubbornProgramTest::theHintComesWhenItGoesOn()
 {
     TerminalPage page;
     page.showBanner();
@@ -114,7 +114,7 @@ void TerminalStubbornProgramTest::theHintComesWhenItGoesOn()
     QCOMPARE(page.view->strip().hint(), QString());
 }
 
-void TerminalStubbornProgramTest::theButtonEndsIt()
+void TerminalViewStubbornProgramTest::theButtonEndsIt()
 {
     TerminalPage page;
     page.showBanner();
@@ -131,7 +131,7 @@ void TerminalStubbornProgramTest::theButtonEndsIt()
     QVERIFY(page.text().hasFocus());
 }
 
-void TerminalStubbornProgramTest::aKeyThatIsHeldDownAsksOnce()
+void TerminalViewStubbornProgramTest::aKeyThatIsHeldDownAsksOnce()
 {
     TerminalPage page;
     page.showBanner();
@@ -150,7 +150,7 @@ void TerminalStubbornProgramTest::aKeyThatIsHeldDownAsksOnce()
     page.run(ignoring);
 }
 
-void TerminalStubbornProgramTest::noHintForWhoEnds()
+void TerminalViewStubbornProgramTest::noHintForWhoEnds()
 {
     TerminalPage page;
     page.showBanner();
@@ -164,7 +164,7 @@ void TerminalStubbornProgramTest::noHintForWhoEnds()
     QVERIFY(!page.session().isInterrupted() && page.view->strip().isHidden());
 }
 
-void TerminalStubbornProgramTest::theNextCommandIsAskedAnew()
+void TerminalViewStubbornProgramTest::theNextCommandIsAskedAnew()
 {
     TerminalPage page;
     page.showBanner();
@@ -176,7 +176,7 @@ void TerminalStubbornProgramTest::theNextCommandIsAskedAnew()
     }
 }
 
-void TerminalStubbornProgramTest::programsThatWantAScreenEnd_data()
+void TerminalViewStubbornProgramTest::programsThatWantAScreenEnd_data()
 {
     QTest::addColumn<QString>("program");
     for (const QString& program : {u"vim"_s, u"top -b"_s, u"less"_s, u"python3 -i"_s, u"cat"_s, u"vi -"_s}) {
@@ -184,7 +184,7 @@ void TerminalStubbornProgramTest::programsThatWantAScreenEnd_data()
     }
 }
 
-void TerminalStubbornProgramTest::programsThatWantAScreenEnd()
+void TerminalViewStubbornProgramTest::programsThatWantAScreenEnd()
 {
     QFETCH(QString, program);
     if (QStandardPaths::findExecutable(program.section(u' ', 0, 0)).isEmpty()) {
@@ -207,8 +207,8 @@ void TerminalStubbornProgramTest::programsThatWantAScreenEnd()
     QVERIFY(page.written().endsWith(u"echo okok\n"_s + page.prompt()));
 }
 
-const kelm::test::Registered<TerminalStubbornProgramTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalViewStubbornProgramTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_stubborn_program_test
+} // namespace terminal_view_stubborn_program_test
 
-#include "terminal_stubborn_program_test.moc"
+#include "terminal_view_stubborn_program_test.moc"

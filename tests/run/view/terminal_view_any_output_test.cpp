@@ -4,7 +4,7 @@
 
 #include <QRandomGenerator>
 
-namespace terminal_any_output_test {
+namespace terminal_view_any_output_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -53,7 +53,7 @@ QByteArray randomBytes(QRandomGenerator& random)
 } // namespace
 
 /// In a terminal a command is what was typed behind the prompt, whatever was written before.
-class TerminalAnyOutputTest final : public QObject
+class TerminalViewAnyOutputTest final : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private Q_SLOTS:
     void aFolderThatVanishesIsLeft();
 };
 
-void TerminalAnyOutputTest::theNextCommandRuns()
+void TerminalViewAnyOutputTest::theNextCommandRuns()
 {
     TerminalPage page;
     page.showBanner();
@@ -91,7 +91,7 @@ void TerminalAnyOutputTest::theNextCommandRuns()
     }
 }
 
-void TerminalAnyOutputTest::piecesOfAnyLengthAreHarmless()
+void TerminalViewAnyOutputTest::piecesOfAnyLengthAreHarmless()
 {
     TerminalPage page;
     page.showBanner();
@@ -115,7 +115,7 @@ void TerminalAnyOutputTest::piecesOfAnyLengthAreHarmless()
     }
 }
 
-void TerminalAnyOutputTest::whatIsNoTextLeavesNoTrace()
+void TerminalViewAnyOutputTest::whatIsNoTextLeavesNoTrace()
 {
     // As a program writes it that wants a screen.
     const QString output =
@@ -138,7 +138,7 @@ void TerminalAnyOutputTest::whatIsNoTextLeavesNoTrace()
     }
 }
 
-void TerminalAnyOutputTest::aFolderThatVanishesIsLeft()
+void TerminalViewAnyOutputTest::aFolderThatVanishesIsLeft()
 {
     TerminalPage page;
     page.showBanner();
@@ -156,8 +156,8 @@ void TerminalAnyOutputTest::aFolderThatVanishesIsLeft()
     QVERIFY(page.written().endsWith(u"echo okok\n"_s + page.prompt()));
 }
 
-const kelm::test::Registered<TerminalAnyOutputTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalViewAnyOutputTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_any_output_test
+} // namespace terminal_view_any_output_test
 
-#include "terminal_any_output_test.moc"
+#include "terminal_view_any_output_test.moc"

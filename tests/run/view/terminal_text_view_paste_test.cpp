@@ -4,7 +4,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
-namespace terminal_paste_test {
+namespace terminal_text_view_paste_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -20,7 +20,7 @@ void paste(TerminalPage& page, const QString& text)
 
 } // namespace
 
-class TerminalPasteTest final : public QObject
+class TerminalTextViewPasteTest final : public QObject
 {
     Q_OBJECT
 
@@ -35,7 +35,7 @@ private Q_SLOTS:
     void theTextAboveIsNoCommandLine();
 };
 
-void TerminalPasteTest::linesRunInTheirOrder()
+void TerminalTextViewPasteTest::linesRunInTheirOrder()
 {
     TerminalPage page;
     page.showBanner();
@@ -56,7 +56,7 @@ void TerminalPasteTest::linesRunInTheirOrder()
     QCOMPARE(page.text().currentCommand(), u"echo ha"_s);
 }
 
-void TerminalPasteTest::whatIsTypedBeforeBelongsToTheFirst()
+void TerminalTextViewPasteTest::whatIsTypedBeforeBelongsToTheFirst()
 {
     TerminalPage page;
     page.showBanner();
@@ -66,7 +66,7 @@ void TerminalPasteTest::whatIsTypedBeforeBelongsToTheFirst()
     QCOMPARE(page.session().commandHistory(), (QStringList{u"echo one!"_s, u"pwd"_s}));
 }
 
-void TerminalPasteTest::linesThatBelongTogetherAreOneCommand()
+void TerminalTextViewPasteTest::linesThatBelongTogetherAreOneCommand()
 {
     TerminalPage page;
     page.showBanner();
@@ -76,7 +76,7 @@ void TerminalPasteTest::linesThatBelongTogetherAreOneCommand()
     QCOMPARE(page.session().commandHistory(), QStringList{loop});
 }
 
-void TerminalPasteTest::signsWaitForReturn()
+void TerminalTextViewPasteTest::signsWaitForReturn()
 {
     TerminalPage page;
     page.showBanner();
@@ -93,7 +93,7 @@ void TerminalPasteTest::signsWaitForReturn()
     QVERIFY(QFileInfo::exists(page.path(u"ran"_s)));
 }
 
-void TerminalPasteTest::escapeKeepsTheRestFromRunning()
+void TerminalTextViewPasteTest::escapeKeepsTheRestFromRunning()
 {
     TerminalPage page;
     page.showBanner();
@@ -108,7 +108,7 @@ void TerminalPasteTest::escapeKeepsTheRestFromRunning()
     QVERIFY(page.written().endsWith(u"echo okok\n"_s + page.prompt()));
 }
 
-void TerminalPasteTest::keysTypedMeanwhileComeBehind()
+void TerminalTextViewPasteTest::keysTypedMeanwhileComeBehind()
 {
     TerminalPage page;
     page.showBanner();
@@ -123,7 +123,7 @@ void TerminalPasteTest::keysTypedMeanwhileComeBehind()
     QTRY_VERIFY(page.written().endsWith(u"echo fourfour\n"_s + page.prompt()));
 }
 
-void TerminalPasteTest::aPasteThatWaitsKeepsItsPlace()
+void TerminalTextViewPasteTest::aPasteThatWaitsKeepsItsPlace()
 {
     TerminalPage page;
     page.showBanner();
@@ -140,7 +140,7 @@ void TerminalPasteTest::aPasteThatWaitsKeepsItsPlace()
     QTRY_VERIFY(page.written().endsWith(u"echo fourfour\n"_s + page.prompt()));
 }
 
-void TerminalPasteTest::theTextAboveIsNoCommandLine()
+void TerminalTextViewPasteTest::theTextAboveIsNoCommandLine()
 {
     TerminalPage page;
     page.showBanner();
@@ -150,8 +150,8 @@ void TerminalPasteTest::theTextAboveIsNoCommandLine()
     QVERIFY(page.session().commandHistory().isEmpty());
 }
 
-const kelm::test::Registered<TerminalPasteTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<TerminalTextViewPasteTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace terminal_paste_test
+} // namespace terminal_text_view_paste_test
 
-#include "terminal_paste_test.moc"
+#include "terminal_text_view_paste_test.moc"
