@@ -96,7 +96,7 @@ void TerminalStrip::showHint()
 {
     const bool isOutlasted = session_ && session_->isInterruptOutlasted();
     if (isOutlasted) {
-        hint_->setText(tr("%1 still runs").arg(session_->commandHistory().last().simplified()));
+        hint_->setText(tr("“%1” still runs").arg(session_->commandHistory().last().simplified()));
     }
     hintRow_->setVisible(isOutlasted);
     follow();

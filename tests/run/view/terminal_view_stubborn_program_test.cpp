@@ -103,7 +103,7 @@ void TerminalViewStubbornProgramTest::theHintComesWhenItGoesOn()
             QVERIFY(page.view->strip().isHidden());
             page.app.scheduler.advance(std::chrono::milliseconds(1));
             QVERIFY(page.view->strip().isVisible());
-            QCOMPARE(page.view->strip().hint(), ignoring + u" still runs Escape again ends it"_s);
+            QCOMPARE(page.view->strip().hint(), u"“%1” still runs Escape again ends it"_s.arg(ignoring));
             QCOMPARE(page.view->strip().accessibleName(), page.view->strip().hint());
             QVERIFY(page.text().hasFocus());
             page.press(Qt::Key_Escape);
