@@ -111,7 +111,8 @@ void TerminalStrip::showWaiting()
 {
     QStringList lines = typedAhead_.lines();
     if (!typedAhead_.begun().isEmpty()) {
-        lines.append(typedAhead_.begun() + caret);
+        // Several, where some were pasted.
+        lines += (typedAhead_.begun() + caret).split(u'\n');
     }
     if (lines.size() > mostLines) {
         const qsizetype more = lines.size() - mostLines + 1;

@@ -118,6 +118,16 @@ void TerminalStripTest::linesAreEditedAsTheyWillBe()
         QCOMPARE(page.view->strip().waitingLines(), QStringList{u"echo abdpasted▏"_s});
     });
     QCOMPARE(page.text().currentCommand(), u"echo abdpasted"_s);
+    page.press(Qt::Key_Escape);
+    QFile::remove(page.path(u"gate"_s));
+    QGuiApplication::clipboard()->setText(u"echo one\necho two\n"_s);
+    whileRunning(page, [&] {
+        page.press(Qt::Key_V, Qt::ControlModifier);
+        page.type(u"echo"_s);
+        QCOMPARE(page.view->strip().waitingLines(), (QStringList{u"echo one"_s, u"echo two"_s, u"echo▏"_s}));
+    });
+    QTRY_COMPARE(page.text().currentCommand(), u"echo"_s);
+    QVERIFY(page.view->strip().isHidden());
 }
 
 void TerminalStripTest::theHistoryIsWalkedThrough()
