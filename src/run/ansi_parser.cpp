@@ -131,25 +131,29 @@ TextColor ANSIParser::defaultColor()
     return plainColors::green.rgba();
 }
 
+std::optional<Stretch> ANSIParser::nextSequence(QStringView text, qsizetype from)
+{
+    for (qsizetype at = text.indexOf(escape, from); at >= 0; at = text.indexOf(escape, at + 1)) {
+        if (const auto codes = codesAt(text, at)) {
+            return Stretch{at, codes->size() + 3};
+        }
+    }
+    return std::nullopt;
+}
+
 AttributedText ANSIParser::parse(const QString& output)
 {
     AttributedText result;
     TextColor color = defaultColor();
     const QStringView text = output;
     qsizetype last = 0;
-    for (qsizetype at = text.indexOf(escape); at >= 0; at = text.indexOf(escape, at)) {
-        const auto codes = codesAt(text, at);
-        if (!codes) {
-            ++at;
-            continue;
-        }
+    while (const auto sequence = nextSequence(text, last)) {
         if (result.text.isNull()) {
             result.text.reserve(text.size());
         }
-        result.append(text.sliced(last, at - last), color);
-        applyAll(*codes, color);
-        at += codes->size() + 3;
-        last = at;
+        result.append(text.sliced(last, sequence->start - last), color);
+        applyAll(text.sliced(sequence->start + 2, sequence->length - 3), color);
+        last = sequence->start + sequence->length;
     }
     if (last == 0 && !text.isEmpty()) {
         return {output, {{0, text.size(), color}}};

@@ -4,6 +4,7 @@
 #include "run/attributed_text.h"
 
 #include <array>
+#include <optional>
 
 namespace kelm {
 
@@ -11,7 +12,7 @@ namespace kelm {
 /// nothing is kept between calls: each piece of output begins in the default colour.
 ///
 /// A sequence is ESC "[", one or more decimal numbers separated by ";", and "m". Everything else, other escape
-/// sequences and "ESC[m" included, is text and stays. A decimal number is made of digits of any script, as in ICU's
+/// sequences and "ESC[m" included, stays in the text. A decimal number is made of digits of any script, as in ICU's
 /// `\d`; only ASCII digits have a meaning, and any other number is passed over like an unknown code.
 ///
 /// Any thread.
@@ -34,6 +35,9 @@ public:
 
     /// The size in points of the monospaced font, of regular weight, in which all of the text is shown.
     static constexpr int fontSize = 13;
+
+    /// The first sequence at or behind an offset.
+    static std::optional<Stretch> nextSequence(QStringView text, qsizetype from);
 
     /// The text without its sequences, and the colours that they set. Linear in the length of `output`, whose string is
     /// shared when it holds no sequence.

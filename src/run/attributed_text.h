@@ -27,12 +27,23 @@ struct AttributedRun
     friend bool operator==(const AttributedRun&, const AttributedRun&) = default;
 };
 
+/// A stretch of text, in UTF-16 units.
+struct Stretch
+{
+    qsizetype start = 0;
+    qsizetype length = 0;
+
+    friend bool operator==(const Stretch&, const Stretch&) = default;
+};
+
 /// A text and its runs, which cover it from its start to its end without a gap. No run is empty, and neighbours differ
 /// in colour.
 struct AttributedText
 {
     QString text;
     std::vector<AttributedRun> runs;
+    /// What belongs to the text and is not drawn, in order.
+    std::vector<Stretch> unshown = {};
 
     bool isEmpty() const { return text.isEmpty(); }
     /// Appends `piece` in `color`; goes on with the last run when that has the same colour.

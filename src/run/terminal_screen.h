@@ -16,7 +16,7 @@ public:
     virtual ~TerminalScreen() = default;
 
     virtual void appendText(const QString& text, const QColor& color) = 0;
-    /// Appends a piece of a command's output, of at most 64 KiB.
+    /// Appends a piece of what a command writes, of at most 64 KiB.
     virtual void appendOutput(const AttributedText& text) = 0;
     /// Appends the prompt: `TerminalSession::promptText` of the session's folder, in cyan.
     virtual void appendPrompt() = 0;

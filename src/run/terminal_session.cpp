@@ -4,9 +4,10 @@
 #include "platform/files/file_url.h"
 #include "platform/process/environment.h"
 #include "platform/text/character_sets.h"
-#include "run/ansi_parser.h"
+#include "run/file_commands.h"
 #include "run/path_completion.h"
 #include "run/path_names.h"
+#include "run/terminal_output.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -30,24 +31,6 @@ const QString helpText =
     "  help          - Show this help\n\nTab completion is available for file paths.\n"
     "Any other command will be executed in the shell.\n"_s;
 
-/// How a file is run: the line is the head, the file's path and the tail.
-struct FileCommand
-{
-    QStringView extension;
-    QStringView head;
-    QStringView tail;
-};
-
-constexpr FileCommand fileCommands[] = {
-    {u"py", u"python3 \"", u"\""},
-    {u"js", u"node \"", u"\""},
-    {u"sh", u"bash \"", u"\""},
-    {u"rb", u"ruby \"", u"\""},
-    {u"swift", u"swift \"", u"\""},
-    {u"go", u"go run \"", u"\""},
-    {u"rs", u"rustc \"", u"\" -o /tmp/rust_out && /tmp/rust_out"},
-};
-
 const QString& firstExecutable(const QStringList& paths)
 {
     const auto isExecutable = [](const QString& path) {
@@ -65,8 +48,10 @@ TerminalSession::TerminalSession(Services services, QObject* parent)
       services_(std::move(services)),
       title_(u"Terminal"_s),
       environment_(applicationEnvironment()),
-      currentDirectory_(QDir::homePath())
+      currentDirectory_(QDir::homePath()),
+      interrupt_(services_.scheduler)
 {
+    connect(&interrupt_, &CommandInterrupt::isOutlastedChanged, this, &TerminalSession::isInterruptOutlastedChanged);
     services_.notifications.addObserver(this, notifications::runFile,
                                         [this](const Notification& notification) { handleRunFile(notification); });
     services_.scheduler.after(bannerDelay, this, [this] { writeBanner(); });
@@ -217,7 +202,11 @@ void TerminalSession::exit(const QStringList& /*arguments*/)
 void TerminalSession::changeDirectory(const QString& path)
 {
     const QString expanded = expandingTilde(path);
-    const QString target = expanded.startsWith(u'/') ? expanded : appendingPathComponent(currentDirectory_, expanded);
+    QString target = expanded.startsWith(u'/') ? expanded : appendingPathComponent(currentDirectory_, expanded);
+    if (!QFileInfo(currentDirectory_).isDir()) {
+        // Nothing is below a folder that has gone, ".." neither, and yet that is where a person would go.
+        target = standardizedPath(target);
+    }
     if (!QFileInfo(target).isDir()) {
         write(u"\ncd: no such directory: "_s + path, plainColors::red);
         return;
@@ -231,9 +220,11 @@ void TerminalSession::changeDirectory(const QString& path)
 void TerminalSession::executeExternalCommand(const QString& line)
 {
     process_ = std::make_unique<ChildProcess>();
-    connect(process_.get(), &ChildProcess::outputRead, this, &TerminalSession::appendWithANSIColors);
+    const auto output = std::make_shared<TerminalOutput>();
+    connect(process_.get(), &ChildProcess::outputRead, this,
+            [this, output](const QString& text) { append(output->output(text)); });
     connect(process_.get(), &ChildProcess::errorRead, this,
-            [this](const QString& text) { write(u'\n' + text, plainColors::red); });
+            [this, output](const QString& text) { append(output->error(text)); });
     const auto error = process_->start({.program = firstExecutable(services_.shells),
                                         .arguments = {u"-c"_s, line},
                                         .workingDirectory = currentDirectory_,
@@ -263,6 +254,7 @@ void TerminalSession::waitUntilExit()
 void TerminalSession::setIsBusy(bool isBusy)
 {
     isBusy_ = isBusy;
+    interrupt_.reset();
     Q_EMIT isBusyChanged();
 }
 
@@ -292,12 +284,21 @@ void TerminalSession::runWhatWaits()
 
 void TerminalSession::sendInterrupt()
 {
+    ++stops_;
     if (process_) {
-        process_->interrupt();
+        interrupt_.interrupt(*process_);
     }
     thrownAwayCount_ = waiting_.size();
     write(u"^C"_s, plainColors::red);
     writePrompt();
+}
+
+void TerminalSession::endCommand()
+{
+    ++stops_;
+    if (isBusy_ && process_) {
+        interrupt_.end(*process_);
+    }
 }
 
 // ---- What the keys ask for ------------------------------------------------------------------------------------------
@@ -334,23 +335,12 @@ void TerminalSession::handleRunFile(const Notification& notification)
         return;
     }
     const QUrl file = notification.object.toUrl();
-    whenIdle([this, file] { runFile(file); }, [this, file] { remember(lineToRun(file).value_or(QString())); });
-}
-
-std::optional<QString> TerminalSession::lineToRun(const QUrl& file)
-{
-    const QString extension = pathExtension(file).toLower();
-    for (const FileCommand& command : fileCommands) {
-        if (command.extension == extension) {
-            return command.head.toString() + filePath(file) + command.tail.toString();
-        }
-    }
-    return std::nullopt;
+    whenIdle([this, file] { runFile(file); }, [this, file] { remember(shellLineFor(file).value_or(QString())); });
 }
 
 void TerminalSession::runFile(const QUrl& file)
 {
-    if (const auto line = lineToRun(file)) {
+    if (const auto line = shellLineFor(file)) {
         executeInTurn(*line);
         return;
     }
@@ -367,10 +357,10 @@ void TerminalSession::writeBanner()
     writePrompt();
 }
 
-void TerminalSession::appendWithANSIColors(const QString& output)
+void TerminalSession::append(const AttributedText& output)
 {
     if (TerminalScreen* view = textView()) {
-        view->appendOutput(ANSIParser::parse(output));
+        view->appendOutput(output);
     }
 }
 

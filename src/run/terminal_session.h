@@ -4,6 +4,7 @@
 #include "platform/events/notification_center.h"
 #include "platform/events/scheduler.h"
 #include "platform/process/child_process.h"
+#include "run/command_interrupt.h"
 #include "run/terminal_screen.h"
 
 #include <QColor>
@@ -106,6 +107,14 @@ public:
     /// Interrupts the command that is running, if one is, and writes "^C" and a prompt in any case. Lines that wait for
     /// their turn are not run any more; they stay in the history.
     void sendInterrupt();
+    /// Whether the command that is being waited for has been interrupted.
+    bool isInterrupted() const { return interrupt_.isAsked(); }
+    /// Whether it goes on two seconds later.
+    bool isInterruptOutlasted() const { return interrupt_.isOutlasted(); }
+    /// Ends the command that is being waited for with all that it has started, as `CommandInterrupt::end` does.
+    void endCommand();
+    /// How often a command was told to stop, in one way or the other.
+    quint64 stops() const { return stops_; }
 
     /// Puts a line into the history and does nothing else with it.
     void remember(const QString& line);
@@ -124,6 +133,7 @@ public:
 Q_SIGNALS:
     void titleChanged();
     void isBusyChanged();
+    void isInterruptOutlastedChanged();
     /// All that waited when the person interrupted has been thrown away.
     void waitingThrownAway();
     /// The person has asked to put the terminal away. The session stays as it is.
@@ -154,10 +164,9 @@ private:
     void setIsBusy(bool isBusy);
     void runWhatWaits();
     void runFile(const QUrl& file);
-    static std::optional<QString> lineToRun(const QUrl& file);
 
     void writeBanner();
-    void appendWithANSIColors(const QString& output);
+    void append(const AttributedText& output);
     void write(const QString& text, const QColor& color);
     void writePrompt();
 
@@ -172,6 +181,8 @@ private:
     Environment environment_;
     QString currentDirectory_;
     bool isBusy_ = false;
+    CommandInterrupt interrupt_;
+    quint64 stops_ = 0;
     struct Waiting
     {
         std::function<void()> work;

@@ -107,10 +107,19 @@ bool draw(const Shot& shot, Stage stage, const QDir& folder)
             shot.prepare(stage);
             settle();
         }
-        // The tabs' colours come by and by.
-        settleUntil([deadline = QDeadlineTimer(250)] { return deadline.hasExpired(); });
-        const QString name = QString::fromLatin1(shot.name) + u'-' + suffix + QStringLiteral(".png");
-        if (!picture(stage.window).save(folder.filePath(name), "PNG", 0)) {
+        bool isDrawn = false;
+        const auto takePicture = [&, ending = suffix] {
+            // The tabs' colours come by and by.
+            settleUntil([deadline = QDeadlineTimer(250)] { return deadline.hasExpired(); });
+            const QString name = QString::fromLatin1(shot.name) + u'-' + ending + QStringLiteral(".png");
+            isDrawn = picture(stage.window).save(folder.filePath(name), "PNG", 0);
+        };
+        if (shot.prepareAround) {
+            shot.prepareAround(stage, takePicture);
+        } else {
+            takePicture();
+        }
+        if (!isDrawn) {
             return false;
         }
     }

@@ -5,8 +5,8 @@
 #include "editor/view/editor_container_view.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
-#include "run/view/terminal_text_view.h"
 #include "screenshots/panel_shots.h"
+#include "screenshots/terminal_shots.h"
 #include "text/view/find_bar.h"
 #include "text/view/text_view.h"
 #include "workbench/status/view/document_status.h"
@@ -20,8 +20,6 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QInputMethodEvent>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QTimer>
@@ -84,38 +82,6 @@ void tell(Stage& stage, const QString& text, std::optional<double> progress)
     const auto id = std::make_shared<Notices::Id>(0);
     *id = notices.add({text, progress, [&notices, id] { notices.remove(*id); }});
     settleUntil([&stage] { return stage.window.noticeBar().isVisible(); });
-}
-
-void press(TerminalTextView& terminal, Qt::Key key)
-{
-    QKeyEvent event(QEvent::KeyPress, key, {});
-    QCoreApplication::sendEvent(&terminal, &event);
-}
-
-void type(TerminalTextView& terminal, const QString& text)
-{
-    QInputMethodEvent event;
-    event.setCommitString(text);
-    QCoreApplication::sendEvent(&terminal, &event);
-}
-
-void useTerminal(Stage& stage)
-{
-    qputenv("HOME", stage.project.toLocal8Bit());
-    stage.state.setBottomPanelTab(BottomPanelTab::terminal);
-    stage.state.setShowBottomPanel(true);
-    auto& terminal = *stage.window.findChild<TerminalTextView*>();
-    settleUntil([&terminal] { return terminal.text().endsWith(u"$ "); });
-    terminal.setFocus();
-    // What the last picture left on the line counts as output now.
-    press(terminal, Qt::Key_Escape);
-    for (const QString& line :
-         {u"clear"_s, u"cd"_s, u"ls --color"_s, u"export SEASON=가을"_s, u"echo $SEASON"_s, u"cd Sources"_s}) {
-        type(terminal, line);
-        press(terminal, Qt::Key_Return);
-    }
-    type(terminal, u"python3 ba"_s);
-    press(terminal, Qt::Key_Tab);
 }
 
 /// A picture of each menu of the status bar.
@@ -191,6 +157,7 @@ std::vector<Shot> shots()
         {"sorting", {basket}, [](Stage& stage) { tell(stage, u"Sorting lines…"_s, std::nullopt); }},
         {"output", {basket}, runFile},
         {"terminal", {basket}, useTerminal},
+        {.name = "terminal-interrupted", .files = {basket}, .prepareAround = interruptInVain},
         {.name = "korean", .files = {korean}, .showsProject = false},
         {.name = "korean-2x", .files = {korean}, .scale = 2, .showsProject = false},
         {.name = "editor-2x", .files = {orchard, basket}, .scale = 2},

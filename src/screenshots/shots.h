@@ -30,6 +30,8 @@ struct Shot
     /// The files that are opened, the first of which is seen; relative ones are those of the project.
     QStringList files;
     std::function<void(Stage&)> prepare = {};
+    /// The same for what only lasts as long as it is being done: it is given what takes the picture.
+    std::function<void(Stage&, const std::function<void()>& takePicture)> prepareAround = {};
     /// Pixels to a point. The toolkit takes it once, at its start.
     int scale = 1;
     /// The themes' names with the suffixes of the pictures.

@@ -3,9 +3,14 @@
 #include "run/view/terminal_text_view.h"
 #include "run/view/terminal_view.h"
 #include "soak/action.h"
+#include "soak/files_on_disk.h"
+#include "soak/invariants.h"
 #include "soak/project_files.h"
 #include "soak/world.h"
 
+#include <QFile>
+#include <QKeyEvent>
+#include <QPointer>
 #include <QTimer>
 
 namespace kelm::soak {
@@ -111,6 +116,76 @@ void interrupt(World& world)
     world.expect(text.text().contains(u"^C"_s), u"an interrupt does not show"_s);
 }
 
+/// What can be done beside a command that runs in the terminal.
+const std::vector<Action>& otherActions()
+{
+    static const std::vector<Action> others = [] {
+        std::vector<Action> all;
+        for (const auto& some : {typingActions(), selectingActions(), foldingActions(), findingActions(),
+                                 commandActions(), tabActions(), fileActions(), sourceControlActions()}) {
+            all.insert(all.end(), some.begin(), some.end());
+        }
+        return all;
+    }();
+    return others;
+}
+
+void useAllElse(World& world)
+{
+    constexpr int steps = 12;
+    for (int step = 0; step < steps && !world.failure; ++step) {
+        std::vector<const Action*> possible;
+        for (const Action& action : otherActions()) {
+            if (action.isPossible == nullptr || action.isPossible(world)) {
+                possible.push_back(&action);
+            }
+        }
+        const Action& action = *world.chance.pick(possible);
+        world.note(u"%1, %2"_s.arg(world.noted, QLatin1String(action.name)));
+        const QString before = world.noted;
+        world.bringToFront();
+        const quint64 diskBefore = world.disk.revision();
+        action.run(world);
+        world.note(before);
+        if (world.disk.revision() != diskBefore) {
+            followDisk(world);
+        }
+        world.settle();
+        checkInvariants(world);
+    }
+}
+
+/// A command that goes on until all else has been used for a while.
+void useAllElseWhileACommandRuns(World& world)
+{
+    const QPointer<TerminalView> view = terminal(world);
+    const QString gate = world.store.filePath(u"gate"_s);
+    const qsizetype written = view->textView().text().size();
+    view->textView().replaceCurrentCommand(
+        u"n=0; while [ ! -e '%1' ] && [ $n -lt 3000 ]; do sleep 0.02; n=$((n+1)); done; echo through"_s.arg(gate));
+    QObject context;
+    bool wasUsed = false;
+    QObject::connect(&view->session(), &TerminalSession::isBusyChanged, &context, [&] {
+        if (view && view->session().isBusy()) {
+            QTimer::singleShot(0, &context, [&] {
+                useAllElse(world);
+                wasUsed = true;
+                world.expect(view && view->session().isBusy(), u"the command did not go on meanwhile"_s);
+                world.expect(QFile(gate).open(QIODevice::WriteOnly), u"the gate does not open"_s);
+            });
+        }
+    });
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {});
+    QCoreApplication::sendEvent(&view->textView(), &press);
+    QFile::remove(gate);
+    world.expect(wasUsed, u"the command was not waited for"_s);
+    if (world.expect(view, u"the terminal has gone"_s)) {
+        const QString shown = view->textView().text().mid(written);
+        world.expect(shown.contains(u"throughthrough\n"_s), u"the command did not end: "_s + shown.right(200));
+        world.expect(shown.endsWith(u" $ "_s), u"no prompt follows: "_s + shown.right(60));
+    }
+}
+
 } // namespace
 
 std::vector<Action> runningActions()
@@ -120,6 +195,7 @@ std::vector<Action> runningActions()
         {"run the script", 6, canRun, run},
         {"type into the terminal", 3, nullptr, useTerminal},
         {"interrupt the terminal", 1, nullptr, interrupt},
+        {"use all else while a command runs", 2, nullptr, useAllElseWhileACommandRuns},
     };
 }
 

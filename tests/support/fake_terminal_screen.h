@@ -23,6 +23,10 @@ public:
 
     void appendOutput(const AttributedText& output) override
     {
+        if (output.runs.size() == 1 && output.runs.front().color == TextColor(plainColors::red.rgba())) {
+            appendText(output.text, plainColors::red);
+            return;
+        }
         QString line = QStringLiteral("output:");
         for (const AttributedRun& run : output.runs) {
             const QString piece = output.text.sliced(run.start, run.length);

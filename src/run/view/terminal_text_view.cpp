@@ -3,14 +3,15 @@
 #include "platform/style/view/style.h"
 #include "platform/text/character_sets.h"
 #include "run/ansi_parser.h"
+#include "run/view/terminal_colors.h"
 #include "text/view/text_view_keys.h"
 
-#include <QInputMethodEvent>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScopedValueRollback>
+#include <QMimeData>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace kelm {
@@ -21,7 +22,7 @@ namespace {
 
 constexpr QSizeF terminalInset(4, 6);
 
-TextViewColors terminalColors()
+TextViewColors colorsOnBlack()
 {
     TextViewColors colors;
     colors.background = plainColors::black;
@@ -50,7 +51,9 @@ TerminalTextView::TerminalTextView(QWidget* parent)
 {
     setTextFont(style::monospaced(ANSIParser::fontSize));
     setTextInset(terminalInset);
-    setColors(terminalColors());
+    setColors(colorsOnBlack());
+    // What was pasted is seen before it runs.
+    textLayout().setShowsControlCharacters(true);
     setAccessibleName(tr("Terminal"));
     connect(&storage(), &TextStorage::willReplace, this, [this] { isTyping_ = editor().isEditing(); });
     connect(&storage(), &TextStorage::edited, this, &TerminalTextView::textEdited);
@@ -64,6 +67,8 @@ void TerminalTextView::setSession(TerminalSession* session)
         disconnect(session_, nullptr, this, nullptr);
     }
     session_ = session;
+    typedAhead_.setSession(session);
+    typedAhead_.clear();
     editor().setReadOnly(session != nullptr && session->isBusy());
     if (session != nullptr) {
         connect(session, &TerminalSession::isBusyChanged, this,
@@ -82,12 +87,7 @@ void TerminalTextView::appendText(const QString& text, const QColor& color)
 
 void TerminalTextView::appendOutput(const AttributedText& text)
 {
-    std::vector<ColorRun> colors;
-    colors.reserve(text.runs.size());
-    for (const AttributedRun& run : text.runs) {
-        colors.push_back({{run.start, run.length}, resolved(run.color, appearance_)});
-    }
-    append(text.text, std::move(colors));
+    append(text.text, terminalColors(text, appearance_));
 }
 
 void TerminalTextView::appendPrompt()
@@ -228,8 +228,7 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
         return false;
     }
     if (event->key() == Qt::Key_Escape) {
-        follower_->resume();
-        session_->sendInterrupt();
+        escape(*event);
         return true;
     }
     const auto& keys = commandKeys();
@@ -238,19 +237,7 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     // A look waits only behind what waits already, so that keys act in the order in which they were pressed.
     const bool mayPass = command == keys.end() && onlyLooks(*event) && !session_->hasWaiting();
     if (!isInTurn && !session_->isIdle() && !mayPass) {
-        const std::shared_ptr<QKeyEvent> waiting(event->clone());
-        session_->whenIdle(
-            [view = QPointer(this), waiting] {
-                if (view) {
-                    view->keyInTurn_ = waiting.get();
-                    view->keyPressEvent(waiting.get());
-                }
-            },
-            [view = QPointer(this), waiting] {
-                if (view) {
-                    view->throwAwayKey(*waiting);
-                }
-            });
+        keepForLater(*event);
         return true;
     }
     if (command != keys.end()) {
@@ -265,25 +252,15 @@ bool TerminalTextView::keyDown(QKeyEvent* event)
     return false;
 }
 
-/// What was typed ahead is put together once more, since only its keys are known, and its lines go into the history in
-/// the place of being run. All of that is between two paintings.
-void TerminalTextView::throwAwayKey(QKeyEvent& event)
+void TerminalTextView::escape(const QKeyEvent& event)
 {
-    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
-        return;
+    follower_->resume();
+    // A key that is held down says it once.
+    if (session_->isInterrupted() && !event.isAutoRepeat()) {
+        session_->endCommand();
     }
-    if (isAnySelectionAtPrompt() && currentCommand().isEmpty()) {
-        setSelectedRange({storage().length(), 0});
-    }
-    const QScopedValueRollback throwing(isThrowingAway_, true);
-    keyInTurn_ = &event;
-    keyPressEvent(&event);
-}
-
-void TerminalTextView::throwAwayLine()
-{
-    replaceCurrentCommand(QString());
-    editor().forgetUndo();
+    session_->sendInterrupt();
+    typedAhead_.clear();
 }
 
 void TerminalTextView::runCommand()
@@ -300,6 +277,45 @@ void TerminalTextView::runCommand()
     session_->executeCommand(line);
     if (self) {
         appendPrompt();
+    }
+}
+
+void TerminalTextView::paste()
+{
+    const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
+    if (session_ && !session_->isBusy() && !isThrowingAway_ && isAtPrompt() && contents != nullptr) {
+        if (const auto pasted = pastedLines(contents->text())) {
+            commitComposition();
+            runPasted(*pasted);
+            return;
+        }
+    }
+    TextView::paste();
+}
+
+bool TerminalTextView::isAtPrompt() const
+{
+    return editor().selections().isSingle() && selectedRange().location >= commandStartLocation_;
+}
+
+void TerminalTextView::runPasted(const PastedLines& pasted)
+{
+    const QPointer<TerminalTextView> self = this;
+    const quint64 stops = session_->stops();
+    for (const QString& command : pasted.commands) {
+        if (session_->stops() != stops) {
+            // As with lines that were typed ahead.
+            session_->remember(command);
+            continue;
+        }
+        editor().insertText(command, EditKind::other);
+        runCommand();
+        if (!self || !session_) {
+            return;
+        }
+    }
+    if (session_->stops() == stops) {
+        editor().insertText(pasted.rest, EditKind::other);
     }
 }
 
@@ -321,25 +337,6 @@ void TerminalTextView::showPreviousCommand()
     if (index >= 0) {
         session_->setHistoryIndex(index);
         replaceCurrentCommand(session_->commandHistory().at(index));
-    }
-}
-
-void TerminalTextView::inputMethodEvent(QInputMethodEvent* event)
-{
-    if (!session_ || session_->isIdle()) {
-        TextView::inputMethodEvent(event);
-        return;
-    }
-    event->accept();
-    if (!event->commitString().isEmpty()) {
-        const auto put = [view = QPointer(this), text = event->commitString()] {
-            if (view) {
-                QInputMethodEvent committed;
-                committed.setCommitString(text);
-                view->TextView::inputMethodEvent(&committed);
-            }
-        };
-        session_->whenIdle(put, put);
     }
 }
 

@@ -1,10 +1,12 @@
 // The text surface of a terminal session.
 #pragma once
 
+#include "run/pasted_lines.h"
 #include "run/terminal_screen.h"
 #include "run/terminal_session.h"
 #include "run/view/end_follower.h"
 #include "run/view/front_trimmer.h"
+#include "run/view/typed_ahead.h"
 #include "text/view/text_view.h"
 
 #include <QPointer>
@@ -19,7 +21,8 @@ namespace kelm {
 ///
 /// While the session waits for a command, nobody can edit: what is typed is kept, and takes effect when the prompt is
 /// there. Keys that move the caret, scroll and copy work at once, and so does Escape, which throws away what was typed
-/// ahead: its lines enter the history and are not run.
+/// ahead: its lines enter the history and are not run. What waits is told by `typedAhead`. A second Escape ends a
+/// command that goes on. Lines that are pasted at the prompt are run, as `pastedLines` has it.
 ///
 /// The last `mostKeptUnits` are kept, in whole lines; the first line says how much was let go. Main thread only.
 class TerminalTextView final : public TextView, public TerminalScreen
@@ -41,10 +44,15 @@ public:
     /// Puts `text` in the place of what stands from `commandStartLocation` to the end.
     void replaceCurrentCommand(const QString& text);
 
+    const TypedAhead& typedAhead() const { return typedAhead_; }
+
     void appendText(const QString& text, const QColor& color) override;
     void appendOutput(const AttributedText& text) override;
     void appendPrompt() override;
     void clear() override;
+
+public Q_SLOTS:
+    void paste() override;
 
 protected:
     bool event(QEvent* event) override;
@@ -62,6 +70,8 @@ private:
     static const std::vector<CommandKey>& commandKeys();
 
     void runCommand();
+    bool isAtPrompt() const;
+    void runPasted(const PastedLines& pasted);
     void completeCommand();
     void showNextCommand();
     void showPreviousCommand();
@@ -73,12 +83,15 @@ private:
     void textEdited(const TextEdit& edit);
     void recolor();
     void letFrontGo();
+    void escape(const QKeyEvent& event);
+    void keepForLater(const QKeyEvent& event);
     void throwAwayKey(QKeyEvent& event);
     void throwAwayLine();
 
     QPointer<TerminalSession> session_;
     EndFollower* follower_;
     FrontTrimmer trimmer_{storage()};
+    TypedAhead typedAhead_;
     qsizetype commandStartLocation_ = 0;
     Appearance appearance_;
     /// Whether the edit in hand is the person's.

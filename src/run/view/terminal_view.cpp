@@ -2,6 +2,7 @@
 
 #include "app/state/app_state.h"
 #include "platform/desktop/named_colors.h"
+#include "run/view/terminal_strip.h"
 #include "run/view/terminal_text_view.h"
 
 #include <QVBoxLayout>
@@ -26,7 +27,10 @@ TerminalView::TerminalView(AppState& appState, TerminalSession::Services service
     textView_ = TerminalViewRepresentable(*session_).makeView(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
-    layout->addWidget(textView_);
+    layout->setSpacing(0);
+    layout->addWidget(textView_, 1);
+    strip_ = new TerminalStrip(*session_, textView_->typedAhead(), this);
+    layout->addWidget(strip_);
     setFocusProxy(textView_);
     connect(session_.get(), &TerminalSession::exitRequested, &appState,
             [&appState] { appState.setShowBottomPanel(false); });

@@ -11,6 +11,7 @@
 namespace kelm {
 
 class AppState;
+class TerminalStrip;
 class TerminalTextView;
 
 /// Makes the text surface of a session and ties the two together; neither keeps the other alive.
@@ -40,10 +41,12 @@ public:
 
     TerminalSession& session() { return *session_; }
     TerminalTextView& textView() { return *textView_; }
+    TerminalStrip& strip() { return *strip_; }
 
 private:
     std::unique_ptr<TerminalSession> session_;
     TerminalTextView* textView_;
+    TerminalStrip* strip_;
 };
 
 } // namespace kelm

@@ -42,6 +42,8 @@ struct RowMetrics
     /// From the top of a row to the base line of its letters.
     qreal baseline = 0;
     qreal tabStop = 0;
+    /// Whether control characters are shown by signs.
+    bool showsControls = false;
 };
 
 /// The layout of one piece of text without a line terminator. Offsets count from the piece's start and leave a
@@ -75,6 +77,8 @@ public:
     std::pair<qreal, int> preeditCaret() const;
 
     void rewrap(const RowMetrics& metrics);
+    /// Whether some of it is not drawn.
+    bool hasUnshown() const { return hasUnshown_; }
     bool hasColors(const std::vector<ColorRun>& colors) const { return formatsOf(colors) == layout_.formats(); }
     void setColors(const std::vector<ColorRun>& colors, const RowMetrics& metrics);
     /// Paints one row, with the piece's top left at `origin`.
@@ -92,10 +96,12 @@ private:
     qsizetype fromLayout(int position) const;
 
     QTextLayout layout_;
+    bool hasUnshown_ = false;
     int shownRows_ = std::numeric_limits<int>::max();
     int preeditStart_ = -1;
     int preeditLength_ = 0;
     int preeditCursor_ = 0;
+    QList<QTextLayout::FormatRange> signFormats_;
     QList<QTextLayout::FormatRange> preeditFormats_;
 };
 

@@ -1,4 +1,5 @@
 // How a layout lays pieces out, and how it brings the pieces of long lines to where rows end.
+#include "text/layout/shown_units.h"
 #include "text/layout/text_layout.h"
 
 #include <algorithm>
@@ -27,7 +28,8 @@ TextLayout::PlacedPiece TextLayout::ensure(PieceKey key)
     if (piece->colorsAreStale) {
         // Letters of two colours are not drawn into one another; that can make a row longer.
         const std::vector<ColorRun> colors = colorsOf({pieceRange(key).location, piece->length()});
-        if (goesOn && !piece->hasColors(colors)) {
+        const bool changesUnits = piece->hasUnshown() || hasUnshown(colors);
+        if ((goesOn || changesUnits) && !piece->hasColors(colors)) {
             piece = layOut(key);
         } else {
             piece->setColors(colors, metrics_);

@@ -28,6 +28,8 @@ public:
     using Color = std::optional<QRgb>;
     /// Stands for a colour that is still to be found. Clear black, which no text is drawn in.
     static constexpr QRgb pending = 0;
+    /// Stands for what is not drawn at all and takes no width. Clear as well.
+    static constexpr QRgb unshown = 1;
 
     Color colorAt(qsizetype offset) const;
     /// The coloured runs that meet `range`, cut to it, in order and each as long as its colour goes; what has no colour

@@ -133,7 +133,7 @@ public Q_SLOTS:
     void redo();
     void cut();
     void copy();
-    void paste();
+    virtual void paste();
     void deleteSelection();
     void selectAll();
     void showFindBar();
