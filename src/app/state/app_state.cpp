@@ -5,6 +5,7 @@
 #include "app/state/file_failures.h"
 #include "app/state/large_files.h"
 #include "app/state/left_files.h"
+#include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
 #include "app/state/replaced_files.h"
@@ -43,6 +44,9 @@ AppState::AppState(const Services& services)
       notices_(std::make_unique<Notices>(services.scheduler)),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
+      linkRuns_(std::make_unique<LinkRuns>(
+          services.userDefaults, services.scheduler, [this] { return currentDocument(); },
+          [this] { runCurrentFile(); })),
       rewriter_(std::make_unique<DocumentRewriter>(
           *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); })),
       unsavedTexts_(std::make_unique<UnsavedTexts>(
@@ -59,6 +63,7 @@ AppState::AppState(const Services& services)
 {
     connect(this, &AppState::documentsChanged, watchedFiles_.get(),
             [this] { watchedFiles_->setDocuments(documents_); });
+    connect(this, &AppState::documentsChanged, linkRuns_.get(), [this] { linkRuns_->keepOnly(documents_); });
     for (const auto gitHasEnded :
          {&GitService::statusChanged, &GitService::branchChanged, &GitService::stashesChanged}) {
         connect(git_.get(), gitHasEnded, watchedFiles_.get(), &WatchedFiles::lookAgain);
@@ -342,6 +347,7 @@ void AppState::runCurrentFile()
     if (!document) {
         return;
     }
+    linkRuns_->putAway(document);
     setShowBottomPanel(true);
     setBottomPanelTab(BottomPanelTab::output);
     services_.notificationCenter.post(notifications::clearOutput);

@@ -26,6 +26,7 @@ class DocumentRewriter;
 class DocumentSaving;
 class GitService;
 class LargeFiles;
+class LinkRuns;
 class Notices;
 class ReplacedFiles;
 class UnsavedTexts;
@@ -143,6 +144,8 @@ public:
     LargeFiles& largeFiles() const { return *largeFiles_; }
     /// The open files, which other programs may change.
     WatchedFiles& watchedFiles() const { return *watchedFiles_; }
+    /// The code that links ask to run.
+    LinkRuns& linkRuns() const { return *linkRuns_; }
     /// Makes the texts of documents anew.
     DocumentRewriter& rewriter() const { return *rewriter_; }
     /// The copies of what is not saved, and what was closed so.
@@ -240,6 +243,7 @@ private:
     const std::unique_ptr<GitService> git_;
     const std::unique_ptr<Notices> notices_;
     const std::unique_ptr<LargeFiles> largeFiles_;
+    const std::unique_ptr<LinkRuns> linkRuns_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
     const std::unique_ptr<UnsavedTexts> unsavedTexts_;
     const std::unique_ptr<WatchedFiles> watchedFiles_;
