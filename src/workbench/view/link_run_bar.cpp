@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QShortcut>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,6 +39,7 @@ LinkRunBar::LinkRunBar(bool isKo, ThemeManager& themeManager, Scheduler& schedul
                                  Tint::primary(), this),
                    1);
     addButtons(isKo, *row);
+    addKey(isKo);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
 }
 
@@ -58,6 +60,15 @@ void LinkRunBar::addButtons(bool isKo, QHBoxLayout& row)
         row.addWidget(button);
     }
     setHears(false);
+}
+
+void LinkRunBar::addKey(bool isKo)
+{
+    auto* key = new QShortcut(Qt::Key_F6, this);
+    connect(key, &QShortcut::activated, this, [this] { runButton()->setFocus(Qt::ShortcutFocusReason); });
+    setAccessibleDescription(lessonTexts::linkKey.in(isKo));
+    runButton()->setHelp(lessonTexts::linkKey.in(isKo));
+    alwaysButton()->setHelp(lessonTexts::linkRunAlwaysHelp.in(isKo));
 }
 
 void LinkRunBar::setHears(bool hears)

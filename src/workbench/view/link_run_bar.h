@@ -15,8 +15,9 @@ namespace kelm {
 class PlainButton;
 
 /// A row that says that a link asks to run this code on this computer, with the answers. It takes no keyboard by
-/// itself, and its words are the program's own. Its buttons take no press for half a second after it came up, so that a
-/// click or a key that was meant for what stood there before is no answer. One bar is one question.
+/// itself; F6 gives it that, since the Tab key is typed in the text below. Its words are the program's own. Its buttons
+/// take no press for half a second after it came up, so that a click or a key that was meant for what stood there
+/// before is no answer. One bar is one question.
 class LinkRunBar final : public QWidget
 {
     Q_OBJECT
@@ -42,6 +43,7 @@ protected:
 
 private:
     void addButtons(bool isKo, QHBoxLayout& row);
+    void addKey(bool isKo);
     void setHears(bool hears);
 
     ThemeManager& themeManager_;

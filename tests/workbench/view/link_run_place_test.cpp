@@ -60,6 +60,7 @@ private Q_SLOTS:
     void typingPutsTheBarAway();
     void closingPutsTheBarAway();
     void theTabKeyReachesTheAnswers();
+    void aKeyBringsTheKeyboardFromTheText();
     void atFirstTheBarIsDeaf();
     void aHeldKeyPressesNothing_data();
     void aHeldKeyPressesNothing();
@@ -192,6 +193,23 @@ void LinkRunPlaceTest::theTabKeyReachesTheAnswers()
     fixture.bar()->runButton()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(fixture.bar()->runButton(), Qt::Key_Return);
     fixture.waitForRun(u"a"_s);
+}
+
+void LinkRunPlaceTest::aKeyBringsTheKeyboardFromTheText()
+{
+    Fixture fixture;
+    fixture.ask(u"a"_s);
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_F6);
+    QVERIFY(fixture.text().hasFocus());
+    fixture.waitForButtons();
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_F6);
+    QVERIFY(fixture.bar()->runButton()->hasFocus());
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_Tab);
+    QVERIFY(fixture.bar()->alwaysButton()->hasFocus());
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_Space);
+    fixture.waitForRun(u"a"_s);
+    QVERIFY(linkPermission::isGiven(fixture.defaults));
+    QVERIFY(fixture.text().hasFocus());
 }
 
 void LinkRunPlaceTest::atFirstTheBarIsDeaf()
