@@ -36,23 +36,15 @@ QStringList latinFamilies()
 }
 
 /// The families for Korean, those first whose strokes are as wide as the Latin ones beside them. In thousandths of the
-/// size, Latin has 85 where it is regular, 130 semibold and 150 bold; of these families the first has 86 and 124, the
-/// second 83 and 133, and the last, which is made for print, 69 and 115.
-QStringList koreanFamilies(QFont::Weight weight)
+/// size, Latin has 85 where it is regular and 130 semibold; of these families the first has 83 and 133, the second 86
+/// and 124, and the last, which is made for print, 69 and 115. The first is also of the one format, as Latin is, in
+/// which small letters are drawn stronger than their outlines.
+const QStringList& interfaceFamilies()
 {
-    const QString even = QStringLiteral("NanumBarunGothic");
-    const QString strong = QStringLiteral("Noto Sans CJK KR");
-    const QString fine = QStringLiteral("NanumGothic");
-    return weight >= QFont::Bold ? QStringList{strong, even, fine} : QStringList{even, strong, fine};
-}
-
-const QStringList& interfaceFamilies(QFont::Weight weight)
-{
-    static const QStringList latin = latinFamilies();
-    static const QStringList emoji{QStringLiteral("Noto Color Emoji")};
-    static const QStringList lighter = latin + koreanFamilies(QFont::Normal) + emoji;
-    static const QStringList bold = latin + koreanFamilies(QFont::Bold) + emoji;
-    return weight >= QFont::Bold ? bold : lighter;
+    static const QStringList families =
+        latinFamilies() + QStringList{QStringLiteral("Noto Sans CJK KR"), QStringLiteral("NanumBarunGothic"),
+                                      QStringLiteral("NanumGothic"), QStringLiteral("Noto Color Emoji")};
+    return families;
 }
 
 } // namespace
@@ -72,7 +64,7 @@ QFont monospaced(int pixelSize)
 
 QFont interfaceFont(int pixelSize, QFont::Weight weight)
 {
-    QFont font(interfaceFamilies(weight));
+    QFont font(interfaceFamilies());
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     return font;
