@@ -103,6 +103,7 @@ private Q_SLOTS:
     void longWordsStayInThePanel();
     void theLessonOpens_data();
     void theLessonOpens();
+    void theSystemIsAskedOnAWorker();
     void withoutAnAddressThereIsNoLink();
     void aFailedRunIsDiagnosedAndANewOneForgotten();
     void theFixIsCopied();
@@ -259,6 +260,15 @@ void LearningModeSidePanelTest::theLessonOpens()
     QTRY_COMPARE(fixture.workspace.opened.size(), 1);
     QCOMPARE(fixture.workspace.opened.first().scheme(), scheme);
     QVERIFY(fixture.workspace.opened.first().toString().endsWith(u"/intro?lang=en"_s));
+}
+
+void LearningModeSidePanelTest::theSystemIsAskedOnAWorker()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"intro"_s});
+    QVERIFY(fixture.button(u"Open lesson"_s) != nullptr);
+    QTRY_VERIFY(fixture.workspace.askedFrom != nullptr);
+    QVERIFY(fixture.workspace.askedFrom != QThread::currentThread());
 }
 
 void LearningModeSidePanelTest::withoutAnAddressThereIsNoLink()
