@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelm {
 
@@ -154,32 +155,41 @@ QSize WrappedLabel::minimumSizeHint() const
     return {0, isLong() ? fontMetrics().lineSpacing() : heightForWidth(sizeHint().width())};
 }
 
+bool WrappedLabel::isLaidOut(const std::unique_ptr<Lines>& lines, int width) const
+{
+    return lines != nullptr && lines->width == width && lines->text == text() && lines->font == font() &&
+           lines->alignment == alignment();
+}
+
 const WrappedLabel::Lines& WrappedLabel::layOut(int width) const
 {
-    if (lines_ != nullptr && lines_->width == width && lines_->text == text() && lines_->font == font() &&
-        lines_->alignment == alignment()) {
-        return *lines_;
+    if (isLaidOut(lines_[0], width)) {
+        return *lines_[0];
     }
-    lines_ = std::make_unique<Lines>();
-    lines_->text = text();
-    lines_->font = font();
-    lines_->alignment = alignment();
-    lines_->width = width;
-    QTextLayout& layout = lines_->layout;
+    std::swap(lines_[0], lines_[1]);
+    if (isLaidOut(lines_[0], width)) {
+        return *lines_[0];
+    }
+    lines_[0] = std::make_unique<Lines>();
+    Lines& lines = *lines_[0];
+    lines.text = text();
+    lines.font = font();
+    lines.alignment = alignment();
+    lines.width = width;
     QTextOption option(alignment());
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setText(text().replace(u'\n', QChar::LineSeparator));
-    layout.setFont(font());
-    layout.setTextOption(option);
-    layout.setCacheEnabled(true);
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    lines.layout.setText(text().replace(u'\n', QChar::LineSeparator));
+    lines.layout.setFont(font());
+    lines.layout.setTextOption(option);
+    lines.layout.setCacheEnabled(true);
+    lines.layout.beginLayout();
+    for (QTextLine line = lines.layout.createLine(); line.isValid(); line = lines.layout.createLine()) {
         line.setLineWidth(std::max(1, width));
-        line.setPosition({0, lines_->height});
-        lines_->height += line.height();
+        line.setPosition({0, lines.height});
+        lines.height += line.height();
     }
-    layout.endLayout();
-    return *lines_;
+    lines.layout.endLayout();
+    return lines;
 }
 
 int WrappedLabel::heightForWidth(int width) const

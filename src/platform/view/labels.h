@@ -5,6 +5,7 @@
 
 #include <QLabel>
 
+#include <array>
 #include <memory>
 
 namespace kelm {
@@ -71,11 +72,13 @@ private:
     void refreshTint();
     /// Whether each laying out counts.
     bool isLong() const;
-    /// Breaks the text into lines of a width, unless they are those of the last time.
+    /// Breaks the text into lines of a width, unless they are among those of the last times.
     const Lines& layOut(int width) const;
+    bool isLaidOut(const std::unique_ptr<Lines>& lines, int width) const;
 
     Tint tint_;
-    mutable std::unique_ptr<Lines> lines_;
+    /// The latest first. A column is tried with a scroll bar and without one, again and again.
+    mutable std::array<std::unique_ptr<Lines>, 2> lines_;
 };
 
 /// A symbol in a tint, centred in its place.
