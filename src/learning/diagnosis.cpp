@@ -97,7 +97,8 @@ bool applies(const Rule& rule, const QString& standardError)
 
 bool isKorean(const LessonInfo& lessonInfo)
 {
-    return lessonInfo.lang && lessonInfo.lang->toLower().startsWith(u"ko");
+    // What follows, of any length, plays no part.
+    return lessonInfo.lang && lessonInfo.lang->left(2).toLower() == u"ko";
 }
 
 std::optional<Diagnosis> diagnose(const QString& standardError, bool isKo)

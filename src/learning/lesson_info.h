@@ -22,6 +22,8 @@ struct LessonInfo
     QStringList requires_ = {};
     /// The learner's language code in lower case; "ko" is Korean.
     std::optional<QString> lang = {};
+    /// Whether the link named any line at all. Where it did not, the two lines above tell nothing.
+    bool namesRegion = true;
 
     friend bool operator==(const LessonInfo&, const LessonInfo&) = default;
 };

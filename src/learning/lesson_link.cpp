@@ -23,11 +23,11 @@ struct QueryItem
 /// The authority's host as it is written: a parsed URL has it in lower case.
 QStringView hostOf(QStringView urlText)
 {
-    const qsizetype start = urlText.indexOf(u"://");
-    if (start < 0) {
+    const qsizetype colon = urlText.indexOf(u':');
+    if (colon < 0 || !urlText.sliced(colon + 1).startsWith(u"//")) {
         return {};
     }
-    QStringView authority = urlText.sliced(start + 3);
+    QStringView authority = urlText.sliced(colon + 3);
     const auto end = std::find_if(authority.begin(), authority.end(),
                                   [](QChar sign) { return sign == u'/' || sign == u'?' || sign == u'#'; });
     authority.truncate(end - authority.begin());
@@ -92,20 +92,24 @@ bool isPaddedBase64(QStringView text)
            std::all_of(body.begin(), body.end(), isBase64Sign);
 }
 
-std::optional<QString> decodedCode(QString code)
+std::variant<QString, LessonLinkFailure> decodedCode(QString code)
 {
     code.replace(u'-', u'+').replace(u'_', u'/');
     code.append(QString((4 - code.size() % 4) % 4, u'='));
     if (!isPaddedBase64(code)) {
-        return std::nullopt;
+        return LessonLinkFailure::noBase64;
     }
-    return decodeUtf8Text(QByteArray::fromBase64(code.toLatin1()));
+    if (std::optional<QString> text = decodeUtf8Text(QByteArray::fromBase64(code.toLatin1()))) {
+        return *std::move(text);
+    }
+    return LessonLinkFailure::noUtf8;
 }
 
 struct Region
 {
     qint64 start = 1;
     qint64 end = 1;
+    bool isNamed = false;
 };
 
 Region parseRegion(const QString& text)
@@ -119,7 +123,7 @@ Region parseRegion(const QString& text)
     if (numbers.isEmpty()) {
         return {};
     }
-    return {numbers.first(), numbers.size() > 1 ? numbers.at(1) : numbers.first()};
+    return {numbers.first(), numbers.size() > 1 ? numbers.at(1) : numbers.first(), true};
 }
 
 std::optional<LessonInfo> lessonInfoOf(const QList<QueryItem>& items)
@@ -139,7 +143,8 @@ std::optional<LessonInfo> lessonInfoOf(const QList<QueryItem>& items)
                       .regionEnd = region.end,
                       .requires_ =
                           firstValue(items, u"learnRequires").value_or(QString()).split(u',', Qt::SkipEmptyParts),
-                      .lang = lang};
+                      .lang = lang,
+                      .namesRegion = region.isNamed};
 }
 
 /// Whether `text` holds nothing but the characters of a URI (RFC 3986, appendix A), with whole percent-encodings.
@@ -172,20 +177,23 @@ bool isLessonLink(QStringView urlText)
 
 std::variant<LessonLink, LessonLinkFailure> decodeLessonLink(const QString& urlText)
 {
-    if (!QUrl(urlText, QUrl::StrictMode).isValid() || hostOf(urlText) != u"open") {
-        return LessonLinkFailure::invalidURL;
+    if (!QUrl(urlText, QUrl::StrictMode).isValid()) {
+        return LessonLinkFailure::noURL;
+    }
+    if (hostOf(urlText) != u"open") {
+        return LessonLinkFailure::anotherHost;
     }
     const auto items = queryItems(urlText);
     const auto encoded = items ? firstValue(*items, u"code") : std::nullopt;
     if (!encoded) {
-        return LessonLinkFailure::invalidURL;
+        return LessonLinkFailure::noCode;
     }
-    const std::optional<QString> code = decodedCode(*encoded);
-    if (!code) {
-        return LessonLinkFailure::undecodableCode;
+    const auto decoded = decodedCode(*encoded);
+    if (const auto* failure = std::get_if<LessonLinkFailure>(&decoded)) {
+        return *failure;
     }
     const QString run = firstValue(*items, u"run").value_or(QString());
-    return LessonLink{.code = *code,
+    return LessonLink{.code = std::get<QString>(decoded),
                       .language = Language::from(firstValue(*items, u"lang").value_or(u"txt"_s)),
                       .run = run == u"1" || run.toLower() == u"true",
                       .lessonInfo = lessonInfoOf(*items)};

@@ -3,6 +3,7 @@
 
 #include "app/language/language.h"
 #include "learning/lesson_info.h"
+#include "learning/lesson_link_failure.h"
 
 #include <QString>
 
@@ -20,14 +21,6 @@ struct LessonLink
     std::optional<LessonInfo> lessonInfo;
 
     friend bool operator==(const LessonLink&, const LessonLink&) = default;
-};
-
-/// Why a link asks for nothing.
-enum class LessonLinkFailure {
-    /// It is no URL with the host "open" and a value for "code".
-    invalidURL,
-    /// Its code is no base64, or not that of UTF-8.
-    undecodableCode,
 };
 
 /// Whether the text of a URL names the scheme of lesson links, "kelmpane", in these letters.

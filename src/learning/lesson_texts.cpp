@@ -25,6 +25,19 @@ const std::array<LessonText, 3> tips{
 };
 const LessonText copyExport{u"Copy export"_s, u"export 복사"_s};
 const LessonText copied{u"Copied!"_s, u"복사됨!"_s};
+const LessonText copyFix{u"Copy"_s, u"복사"_s};
+const LessonText linkAsks{u"A link asks to run this code on this computer."_s,
+                          u"링크가 이 코드를 이 컴퓨터에서 실행하려고 합니다."_s};
+const LessonText linkRun{u"Run"_s, u"실행"_s};
+const LessonText linkRunAlways{u"Always run lesson links"_s, u"레슨 링크는 항상 실행"_s};
+const LessonText linkRunAlwaysHelp{u"Run the code of every link without asking"_s,
+                                   u"모든 링크의 코드를 묻지 않고 실행"_s};
+const LessonText linkPutAway{u"Dismiss"_s, u"닫기"_s};
+const LessonText linkKey{u"F6 brings the keyboard here"_s, u"F6 키로 이동"_s};
+const LessonText linksHeading{u"LESSON LINKS"_s, u"레슨 링크"_s};
+const LessonText linksRun{u"Lesson links run their code without asking."_s,
+                          u"레슨 링크의 코드가 묻지 않고 실행됩니다."_s};
+const LessonText askAgain{u"Ask again"_s, u"다시 묻기"_s};
 
 QString regionLines(qint64 start, qint64 end, bool isKo)
 {

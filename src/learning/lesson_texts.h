@@ -30,6 +30,16 @@ extern const LessonText tipsHeading;
 extern const std::array<LessonText, 3> tips;
 extern const LessonText copyExport;
 extern const LessonText copied;
+extern const LessonText copyFix;
+extern const LessonText linkAsks;
+extern const LessonText linkRun;
+extern const LessonText linkRunAlways;
+extern const LessonText linkRunAlwaysHelp;
+extern const LessonText linkPutAway;
+extern const LessonText linkKey;
+extern const LessonText linksHeading;
+extern const LessonText linksRun;
+extern const LessonText askAgain;
 
 /// The lines that the textbook shows, such as "Lines 3–7".
 QString regionLines(qint64 start, qint64 end, bool isKo);

@@ -1,6 +1,7 @@
 #include "screenshots/panel_shots.h"
 
 #include "app/state/app_state.h"
+#include "app/state/link_runs.h"
 #include "app/state/unsaved_texts.h"
 #include "files/view/file_tree_view.h"
 #include "git/panel/view/source_control_view.h"
@@ -153,6 +154,19 @@ void openLesson(Stage& stage, bool isKo)
     settleUntil([deadline = QDeadlineTimer(200)] { return deadline.hasExpired(); });
 }
 
+/// A link has brought code that it asks to run, which waits for a word.
+void askToRun(Stage& stage)
+{
+    const LessonInfo lesson{
+        .slug = u"loops"_s, .title = u"A first loop"_s, .regionStart = 3, .regionEnd = 4, .lang = u"en"_s};
+    stage.state.openSnippet(u"names = [\"Ada\", \"Grace\", \"Katherine\"]\n\n"
+                            "for name in names:\n    print(f\"Hello, {name}!\")\n"_s,
+                            Language::python, lesson);
+    stage.state.linkRuns().request(stage.state.currentDocument());
+    settle();
+    settleUntil([deadline = QDeadlineTimer(700)] { return deadline.hasExpired(); });
+}
+
 } // namespace
 
 std::vector<Shot> panelShots()
@@ -189,10 +203,13 @@ std::vector<Shot> panelShots()
         {"settings-editor", sources, [](Stage& stage) { showSettings(stage, SettingsView::editor); }},
         {"settings-themes", sources, [](Stage& stage) { showSettings(stage, SettingsView::themes); }},
         {"settings-keys", sources, [](Stage& stage) { showSettings(stage, SettingsView::keybindings); }},
-        {.name = "lesson-korean",
+        {"lesson-korean", {}, [](Stage& stage) { openLesson(stage, true); }},
+        {.name = "lesson-korean-2x",
          .files = {},
          .prepare = [](Stage& stage) { openLesson(stage, true); },
+         .scale = 2,
          .themes = darkOnly},
+        {"lesson-link", {}, askToRun},
         {.name = "lesson-english",
          .files = {},
          .prepare = [](Stage& stage) { openLesson(stage, false); },

@@ -1,9 +1,8 @@
-#include "app/state/lesson_links.h"
 #include "learning/diagnosis.h"
 #include "learning/lesson_link.h"
-#include "support/app_state_fixture.h"
 #include "support/test_program.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -58,11 +57,6 @@ private Q_SLOTS:
     void theWayBack_data();
     void theWayBack();
     void theLinksOfTheSamplePageDecode();
-    void aLinkOpensATabAndRunsItLater();
-    void theRunTakesTheDocumentThatIsCurrentByThen();
-    void aRunWithoutAnyDocumentIsNone();
-    void aLinkWithoutRunRunsNothing();
-    void badLinksAreLoggedAndDoNothing();
     void diagnoses_data();
     void diagnoses();
     void koreanIsChosenByTheLanguage_data();
@@ -93,28 +87,31 @@ void LessonLinkTest::codeDecodes()
 
 void LessonLinkTest::badLinksFail_data()
 {
+    using enum LessonLinkFailure;
     QTest::addColumn<QString>("urlText");
     QTest::addColumn<LessonLinkFailure>("failure");
-    constexpr auto invalid = LessonLinkFailure::invalidURL;
-    constexpr auto undecodable = LessonLinkFailure::undecodableCode;
-    QTest::newRow("another host") << u"kelmpane://run?code=YQ=="_s << invalid;
-    QTest::newRow("another case of the host") << u"kelmpane://Open?code=YQ=="_s << invalid;
-    QTest::newRow("no host") << u"kelmpane:open?code=YQ=="_s << invalid;
-    QTest::newRow("no query") << u"kelmpane://open"_s << invalid;
-    QTest::newRow("no code") << link(u"lang=py"_s) << invalid;
-    QTest::newRow("code without a value") << link(u"code&lang=py"_s) << invalid;
-    QTest::newRow("the first code has no value") << link(u"code&code=YQ=="_s) << invalid;
-    QTest::newRow("names are compared exactly") << link(u"Code=YQ=="_s) << invalid;
-    QTest::newRow("code in the fragment") << u"kelmpane://open?x=1#code=YQ=="_s << invalid;
-    QTest::newRow("broken percent-encoding") << link(u"code=YQ%3"_s) << invalid;
-    QTest::newRow("one more than a multiple of four") << link(u"code=YWJjZ"_s) << undecodable;
-    QTest::newRow("a foreign letter") << link(u"code=YQ*="_s) << undecodable;
-    QTest::newRow("a blank") << link(u"code=YW%20Jj"_s) << undecodable;
-    QTest::newRow("a line feed") << link(u"code=YWJj%0A"_s) << undecodable;
-    QTest::newRow("padding in the middle") << link(u"code=YQ==YQ=="_s) << undecodable;
-    QTest::newRow("padding alone") << link(u"code===="_s) << undecodable;
-    QTest::newRow("no UTF-8") << link(u"code=/w=="_s) << undecodable;
-    QTest::newRow("an encoded surrogate") << link(u"code=7aCA"_s) << undecodable;
+    QTest::newRow("another host") << u"kelmpane://run?code=YQ=="_s << anotherHost;
+    QTest::newRow("another case of the host") << u"kelmpane://Open?code=YQ=="_s << anotherHost;
+    QTest::newRow("no host") << u"kelmpane:open?code=YQ=="_s << anotherHost;
+    QTest::newRow("a colon before the slashes") << u"kelmpane:://open?code=YQ=="_s << anotherHost;
+    QTest::newRow("a path before the slashes") << u"kelmpane:x://open?code=YQ=="_s << anotherHost;
+    QTest::newRow("slashes in the path alone") << u"kelmpane:/x//open?code=YQ=="_s << anotherHost;
+    QTest::newRow("an empty host") << u"kelmpane:////open?code=YQ=="_s << anotherHost;
+    QTest::newRow("no query") << u"kelmpane://open"_s << noCode;
+    QTest::newRow("no code") << link(u"lang=py"_s) << noCode;
+    QTest::newRow("code without a value") << link(u"code&lang=py"_s) << noCode;
+    QTest::newRow("the first code has no value") << link(u"code&code=YQ=="_s) << noCode;
+    QTest::newRow("names are compared exactly") << link(u"Code=YQ=="_s) << noCode;
+    QTest::newRow("code in the fragment") << u"kelmpane://open?x=1#code=YQ=="_s << noCode;
+    QTest::newRow("broken percent-encoding") << link(u"code=YQ%3"_s) << noURL;
+    QTest::newRow("one more than a multiple of four") << link(u"code=YWJjZ"_s) << noBase64;
+    QTest::newRow("a foreign letter") << link(u"code=YQ*="_s) << noBase64;
+    QTest::newRow("a blank") << link(u"code=YW%20Jj"_s) << noBase64;
+    QTest::newRow("a line feed") << link(u"code=YWJj%0A"_s) << noBase64;
+    QTest::newRow("padding in the middle") << link(u"code=YQ==YQ=="_s) << noBase64;
+    QTest::newRow("padding alone") << link(u"code===="_s) << noBase64;
+    QTest::newRow("no UTF-8") << link(u"code=/w=="_s) << noUtf8;
+    QTest::newRow("an encoded surrogate") << link(u"code=7aCA"_s) << noUtf8;
 }
 
 void LessonLinkTest::badLinksFail()
@@ -175,6 +172,7 @@ void LessonLinkTest::regionsAreTakenAsTheyStand()
     const LessonInfo info = *decoded(link(u"code=&learnSlug=s&learnRegion="_s + value)).lessonInfo;
     QCOMPARE(info.regionStart, start);
     QCOMPARE(info.regionEnd, end);
+    QCOMPARE(info.namesRegion, value.contains(QRegularExpression(u"[0-9]"_s)));
 }
 
 void LessonLinkTest::requirementsAreSplitAndNotTrimmed_data()
@@ -211,6 +209,7 @@ void LessonLinkTest::theLessonTakesItsFields()
     const LessonInfo bare = *decoded(link(u"code=&learnSlug=s&learnTitle="_s)).lessonInfo;
     QCOMPARE(bare.title, std::optional(QString(u""_s)));
     QCOMPARE(bare.lang, std::nullopt);
+    QVERIFY(!bare.namesRegion);
 }
 
 void LessonLinkTest::namesAreDecodedAndTheFirstCounts()
@@ -265,88 +264,6 @@ void LessonLinkTest::theLinksOfTheSamplePageDecode()
         titles.append(*link.lessonInfo->title);
     }
     QCOMPARE(titles, (QStringList{u"A first loop"_s, u"첫 번째 반복문"_s, u"When a module is missing"_s}));
-}
-
-void LessonLinkTest::aLinkOpensATabAndRunsItLater()
-{
-    AppStateFixture fixture;
-    QStringList steps;
-    const QString text = link(u"code="_s + encoded(u"select"_s) + u"&lang=sql&run=1&learnSlug=intro"_s);
-    connect(&fixture.state, &AppState::documentsChanged, this, [&steps] { steps.append(u"tab"_s); });
-    handleKelmPaneURL(text, fixture.state, fixture.scheduler, fixture.log, [&steps] { steps.append(u"front"_s); });
-    QVERIFY(steps.isEmpty());
-    QCoreApplication::processEvents();
-    QCOMPARE(steps.first(), u"front"_s);
-    const auto document = fixture.state.currentDocument();
-    QCOMPARE(document->content(), u"select"_s);
-    QCOMPARE(document->language(), Language(Language::sql));
-    QCOMPARE(document->lessonInfo()->slug, u"intro"_s);
-    fixture.scheduler.advance(std::chrono::milliseconds(149));
-    QVERIFY(!fixture.state.showBottomPanel());
-    fixture.scheduler.advance(std::chrono::milliseconds(1));
-    QVERIFY(fixture.state.showBottomPanel());
-    handleKelmPaneURL(text, fixture.state, fixture.scheduler, fixture.log, [] {});
-    QCoreApplication::processEvents();
-    QCOMPARE(fixture.state.documents().size(), 2);
-}
-
-void LessonLinkTest::theRunTakesTheDocumentThatIsCurrentByThen()
-{
-    AppStateFixture fixture;
-    QStringList outputs;
-    fixture.notificationCenter.addObserver(
-        this, notifications::codeOutput,
-        [&outputs](const Notification& notification) { outputs.append(notification.object.toString()); });
-    fixture.openTabs({u"prose"_s});
-    handleKelmPaneURL(link(u"code="_s + encoded(u"select"_s) + u"&lang=sql&run=1"_s), fixture.state, fixture.scheduler,
-                      fixture.log, [] {});
-    QCoreApplication::processEvents();
-    QCOMPARE(fixture.state.currentDocument()->content(), u"select"_s);
-    fixture.scheduler.advance(std::chrono::milliseconds(100));
-    fixture.state.setCurrentDocumentIndex(0);
-    fixture.scheduler.advance(std::chrono::milliseconds(50));
-    // Neither language runs, and the message names the one.
-    QCOMPARE(outputs, QStringList{u"Error: language 'Plain Text' is not runnable."_s});
-}
-
-void LessonLinkTest::aRunWithoutAnyDocumentIsNone()
-{
-    AppStateFixture fixture;
-    handleKelmPaneURL(link(u"code="_s + encoded(u"select"_s) + u"&lang=sql&run=1"_s), fixture.state, fixture.scheduler,
-                      fixture.log, [] {});
-    QCoreApplication::processEvents();
-    fixture.state.setDocuments({});
-    fixture.state.setCurrentDocumentIndex(0);
-    QVERIFY(fixture.scheduler.pending() > 0);
-    fixture.scheduler.advance(std::chrono::milliseconds(150));
-    QCOMPARE(fixture.scheduler.pending(), std::size_t(0));
-    QVERIFY(!fixture.state.showBottomPanel());
-}
-
-void LessonLinkTest::aLinkWithoutRunRunsNothing()
-{
-    AppStateFixture fixture;
-    handleKelmPaneURL(link(u"code="_s), fixture.state, fixture.scheduler, fixture.log, [] {});
-    QCoreApplication::processEvents();
-    fixture.scheduler.advance(std::chrono::seconds(5));
-    QCOMPARE(fixture.state.documents().size(), 1);
-    QVERIFY(!fixture.state.showBottomPanel());
-}
-
-void LessonLinkTest::badLinksAreLoggedAndDoNothing()
-{
-    AppStateFixture fixture;
-    int fronts = 0;
-    const auto handle = [&](const QString& text) {
-        handleKelmPaneURL(text, fixture.state, fixture.scheduler, fixture.log, [&fronts] { ++fronts; });
-    };
-    handle(u"kelmpane://close?code=YQ=="_s);
-    handle(link(u"code=!!!!"_s));
-    QCoreApplication::processEvents();
-    QCOMPARE(fixture.log.written.last(2), (QStringList{u"kelmpane:// invalid URL: kelmpane://close?code=YQ=="_s,
-                                                       u"kelmpane:// failed to decode code"_s}));
-    QVERIFY(fixture.state.documents().isEmpty());
-    QCOMPARE(fronts, 0);
 }
 
 void LessonLinkTest::diagnoses_data()

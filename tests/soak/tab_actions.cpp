@@ -1,5 +1,6 @@
 // Opening, choosing and closing tabs.
 #include "app/state/lesson_links.h"
+#include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "app/state/open_events.h"
 #include "files/view/file_tree_view.h"
@@ -127,8 +128,7 @@ void openByResult(World& world)
     }
 }
 
-/// A lesson link of a shell snippet, which may run at once: then the end of the run is waited for, since what runs is
-/// whatever is current.
+/// A lesson link of a shell snippet, which may ask to run: then it may, and the end of the run is waited for.
 void openByLink(World& world)
 {
     const bool runs = world.chance.oneIn(3);
@@ -141,15 +141,16 @@ void openByLink(World& world)
     bool isFocusAsked = false;
     NotificationCenter::shared().addObserver(&context, notifications::focusEditor,
                                              [&isFocusAsked](const Notification&) { isFocusAsked = true; });
-    openURLs({link}, world.state, [&world](const QString& text) {
-        handleKelmPaneURL(text, world.state, Scheduler::system(), world.log, [] {});
-    });
+    LessonLinks links(world.state, [] {});
+    openURLs({link}, world.state, [&links](const QString& text) { links.handleKelmPaneURL(text); });
     world.settle();
     world.tabs.open(ShadowDocument(code, std::nullopt));
     if (runs) {
         CodeRunner& runner = world.state.codeRunner();
         bool hasRun = false;
         QObject::connect(&runner, &CodeRunner::isRunningChanged, &context, [&] { hasRun |= !runner.isRunning(); });
+        world.expect(world.state.linkRuns().asksAbout(world.state.currentDocument()), u"the lesson's code asks"_s);
+        world.state.linkRuns().run(world.state.currentDocument());
         world.waitFor([&hasRun] { return hasRun; }, u"the lesson's code has run"_s);
         world.expect(runner.output().contains(u"a lesson\n1\n2\n"_s),
                      u"the lesson's code printed: "_s + runner.output());

@@ -5,6 +5,9 @@
 
 #include <QHash>
 #include <QList>
+#include <QThread>
+
+#include <atomic>
 
 namespace kelm {
 
@@ -24,13 +27,16 @@ public:
     }
     std::optional<QString> applicationForScheme(const QString& scheme) override
     {
-        const auto found = applications.find(scheme);
-        return found == applications.end() ? std::nullopt : std::optional(*found);
+        askedFrom = QThread::currentThread();
+        const auto found = applications.constFind(scheme);
+        return found == applications.cend() ? std::nullopt : std::optional(*found);
     }
 
     std::optional<FileError> trashError;
     bool opensUrls = true;
     QHash<QString, QString> applications;
+    /// The thread that asked last for an application.
+    std::atomic<QThread*> askedFrom = nullptr;
 
     QList<QUrl> trashed;
     QList<QUrl> revealed;

@@ -6,6 +6,7 @@
 #include "app/state/git_notices.h"
 #include "app/state/large_files.h"
 #include "app/state/left_files.h"
+#include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "app/state/replaced_files.h"
 #include "app/state/text_file.h"
@@ -42,6 +43,9 @@ AppState::AppState(const Services& services)
       repositoryFollower_(std::make_unique<RepositoryFollower>(*git_, services.scheduler)),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
+      linkRuns_(std::make_unique<LinkRuns>(
+          services.userDefaults, services.scheduler, [this] { return currentDocument(); },
+          [this] { runCurrentFile(); })),
       rewriter_(std::make_unique<DocumentRewriter>(
           *notices_, [this](const std::shared_ptr<Document>& document) { return documents_.contains(document); })),
       unsavedTexts_(std::make_unique<UnsavedTexts>(
@@ -58,6 +62,7 @@ AppState::AppState(const Services& services)
 {
     connect(this, &AppState::documentsChanged, watchedFiles_.get(),
             [this] { watchedFiles_->setDocuments(documents_); });
+    connect(this, &AppState::documentsChanged, linkRuns_.get(), [this] { linkRuns_->keepOnly(documents_); });
     connectGit();
     loadRecentFiles();
     tidyBeside(recentFiles_);
@@ -354,6 +359,7 @@ void AppState::runCurrentFile()
     if (!document) {
         return;
     }
+    linkRuns_->putAway(document);
     setShowBottomPanel(true);
     setBottomPanelTab(BottomPanelTab::output);
     services_.notificationCenter.post(notifications::clearOutput);

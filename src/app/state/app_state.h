@@ -27,6 +27,7 @@ class DocumentSaving;
 class GitNotices;
 class GitService;
 class LargeFiles;
+class LinkRuns;
 class Notices;
 class ReplacedFiles;
 class RepositoryFollower;
@@ -148,6 +149,8 @@ public:
     LargeFiles& largeFiles() const { return *largeFiles_; }
     /// The open files, which other programs may change.
     WatchedFiles& watchedFiles() const { return *watchedFiles_; }
+    /// The code that links ask to run.
+    LinkRuns& linkRuns() const { return *linkRuns_; }
     /// Makes the texts of documents anew.
     DocumentRewriter& rewriter() const { return *rewriter_; }
     /// The copies of what is not saved, and what was closed so.
@@ -250,6 +253,7 @@ private:
     const std::unique_ptr<GitService> git_;
     const std::unique_ptr<RepositoryFollower> repositoryFollower_;
     const std::unique_ptr<LargeFiles> largeFiles_;
+    const std::unique_ptr<LinkRuns> linkRuns_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
     const std::unique_ptr<UnsavedTexts> unsavedTexts_;
     const std::unique_ptr<WatchedFiles> watchedFiles_;

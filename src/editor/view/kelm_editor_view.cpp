@@ -138,7 +138,8 @@ void KelmEditorView::updateText()
 std::optional<LineRegion> KelmEditorView::lessonRegion() const
 {
     const std::optional<LessonInfo>& lesson = document_->lessonInfo();
-    return lesson ? std::optional(LineRegion{lesson->regionStart, lesson->regionEnd}) : std::nullopt;
+    const bool namesRegion = lesson && lesson->namesRegion;
+    return namesRegion ? std::optional(LineRegion{lesson->regionStart, lesson->regionEnd}) : std::nullopt;
 }
 
 } // namespace kelm

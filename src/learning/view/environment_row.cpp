@@ -1,6 +1,8 @@
 #include "learning/view/environment_row.h"
 
+#include "learning/export_line.h"
 #include "learning/lesson_texts.h"
+#include "learning/view/lesson_section.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
@@ -17,11 +19,14 @@ namespace {
 constexpr std::chrono::milliseconds copiedTime(1500);
 constexpr int symbolSize = 12;
 constexpr int smallSize = 10;
+constexpr qsizetype mostShown = 200;
 
 } // namespace
 
 EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent)
-    : QWidget(parent), key_(key), isSet_(isSet), isKo_(isKo), scheduler_(scheduler)
+    : QWidget(parent), key_(key), isSet_(isSet), isKo_(isKo), copiedEnd_(scheduler, copiedTime, [this] {
+          setCopied(false);
+      })
 {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -30,7 +35,7 @@ EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, 
     first->setSpacing(6);
     first->addWidget(new SymbolLabel(isSet ? u"checkmark.circle.fill"_s : u"xmark.circle.fill"_s, symbolSize,
                                      isSet ? SystemColor::green : SystemColor::red, this));
-    auto* name = new TextLabel(key, style::monospaced(11), Tint::primary(), this);
+    auto* name = new TextLabel(shownPart(key, mostShown), style::monospaced(11), Tint::primary(), this);
     name->setElideMode(Qt::ElideMiddle);
     first->addWidget(name, 1);
     column->addLayout(first);
@@ -53,9 +58,9 @@ EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, 
 
 void EnvRow::copyExport()
 {
-    QGuiApplication::clipboard()->setText(u"export "_s + key_ + u"=..."_s);
+    QGuiApplication::clipboard()->setText(exportLine(key_));
     setCopied(true);
-    scheduler_.after(copiedTime, this, [this] { setCopied(false); });
+    copiedEnd_.restart();
 }
 
 void EnvRow::setCopied(bool copied)

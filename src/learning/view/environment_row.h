@@ -22,6 +22,8 @@ public:
     bool isSet() const { return isSet_; }
     /// Whether the line was copied within the last 1.5 seconds.
     bool copied() const { return copied_; }
+    /// Null in a row that says that the variable is set.
+    PlainButton* copyButton() const { return copyButton_; }
 
 private:
     /// Puts the line on the clipboard and says so for 1.5 seconds.
@@ -32,7 +34,7 @@ private:
     bool isSet_;
     bool isKo_;
     bool copied_ = false;
-    Scheduler& scheduler_;
+    Debounce copiedEnd_;
     PlainButton* copyButton_ = nullptr;
 };
 

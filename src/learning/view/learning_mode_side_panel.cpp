@@ -1,18 +1,18 @@
 #include "learning/view/learning_mode_side_panel.h"
 
-#include "learning/lesson_link.h"
 #include "learning/lesson_texts.h"
-#include "learning/view/environment_row.h"
-#include "platform/view/divider.h"
-#include "platform/view/labels.h"
+#include "learning/link_permission.h"
+#include "learning/view/diagnosis_section.h"
+#include "learning/view/lesson_way_back.h"
+#include "learning/view/requirement_list.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 
-#include <QClipboard>
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QPainter>
+#include <QProcessEnvironment>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,81 +23,53 @@ namespace {
 
 constexpr int panelWidth = 280;
 constexpr double groundOpacity = 0.04;
-constexpr int padding = 14;
-constexpr int spacing = 8;
-constexpr int headingSize = 10;
-constexpr int textSize = 12;
-constexpr int noteSize = 11;
-
-/// The line that a fix stands on.
-class FixBox final : public QWidget
-{
-public:
-    FixBox(const QString& fix, QWidget* parent) : QWidget(parent)
-    {
-        auto* row = new QHBoxLayout(this);
-        row->setContentsMargins(8, 5, 8, 5);
-        row->addWidget(new WrappedLabel(fix, style::monospaced(noteSize), Tint::primary(), this));
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Tint::secondary().at(0.15).on(*this));
-        painter.drawRoundedRect(rect(), style::radius::chip, style::radius::chip);
-    }
-};
-
-WrappedLabel* makeText(const QString& text, int size, const Tint& tint, QWidget* parent)
-{
-    return new WrappedLabel(text, style::interfaceFont(size), tint, parent);
-}
+constexpr int titleSize = 15;
+/// More of a title is not laid out: that costs milliseconds for each thousand letters.
+constexpr qsizetype mostOfTitle = 3000;
 
 } // namespace
 
-LearningModeSidePanel::LearningModeSidePanel(LessonInfo lessonInfo, CodeRunner& runner, Workspace& workspace,
-                                             Scheduler& scheduler, QWidget* parent)
+LearningModeSidePanel::LearningModeSidePanel(const Services& services, QWidget* parent)
     : QWidget(parent),
-      lessonInfo_(std::move(lessonInfo)),
-      runner_(runner),
-      workspace_(workspace),
-      scheduler_(scheduler),
-      isKo_(isKorean(lessonInfo_))
+      runner_(services.runner),
+      scheduler_(services.scheduler),
+      userDefaults_(services.userDefaults),
+      wayBack_(new LessonWayBack(services.workspace, this)),
+      area_(new QScrollArea(this))
 {
     setFixedWidth(panelWidth);
-    setAccessibleName(lessonTexts::learningMode.in(isKo_));
     auto* sections = new QWidget;
     column_ = new QVBoxLayout(sections);
     column_->setContentsMargins(0, 0, 0, 0);
     column_->setSpacing(0);
-    for (QWidget* section :
-         std::initializer_list<QWidget*>{makeHeader(), makeRequirements(), makeRegion(), makeTips()}) {
-        if (column_->count() > 0) {
-            column_->addWidget(new Divider(Qt::Horizontal, this));
-        }
-        column_->addWidget(section);
-    }
-    column_->addStretch(1);
-
     // As wide as the panel, whatever stands in them.
     sections->setMinimumWidth(1);
-    auto* area = new QScrollArea(this);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(sections);
-    area->viewport()->setAutoFillBackground(false);
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setWidgetResizable(true);
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setFocusPolicy(Qt::NoFocus);
+    area_->setWidget(sections);
+    area_->viewport()->setAutoFillBackground(false);
     sections->setAutoFillBackground(false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
+    layout->addWidget(area_);
+    makeSections();
+    followRunner();
+    connect(&userDefaults_, &UserDefaults::valueChanged, this, [this](const QString& key) {
+        if (key == linkPermission::key) {
+            fillPermission();
+        }
+    });
+}
 
+LearningModeSidePanel::~LearningModeSidePanel() = default;
+
+void LearningModeSidePanel::followRunner()
+{
     diagnosisTimer_.setSingleShot(true);
     connect(&diagnosisTimer_, &QTimer::timeout, this, &LearningModeSidePanel::updateDiagnosis);
+    connect(&runner_, &CodeRunner::isRunningChanged, this, [this] { runsBegun_ += runner_.isRunning() ? 1 : 0; });
     connect(&runner_, &CodeRunner::stderrBufferChanged, this, [this] {
         if (runner_.isStderrEmpty()) {
             diagnosisTimer_.stop();
@@ -106,167 +78,166 @@ LearningModeSidePanel::LearningModeSidePanel(LessonInfo lessonInfo, CodeRunner& 
             diagnosisTimer_.start();
         }
     });
+}
+
+// ---- What there is --------------------------------------------------------------------------------------------------
+
+void LearningModeSidePanel::makeSections()
+{
+    using enum LessonSection::Place;
+    header_ = new LessonSection(first, Tint::secondary(), this);
+    requirements_ = new LessonSection(behindAnother, Tint::secondary(), this);
+    diagnosisSection_ = new DiagnosisSection(scheduler_, this);
+    region_ = new LessonSection(behindAnother, Tint::secondary(), this);
+    tips_ = new LessonSection(behindAnother, Tint::secondary(), this);
+    permission_ = new LessonSection(behindAnother, Tint::secondary(), this);
+    makeHeader();
+    makeRequirements();
+    makeRegion();
+    for (WrappedLabel*& line : tipLines_) {
+        line = tips_->addText(lessonSizes::note, Tint::secondary());
+    }
+    makePermission();
+    for (QWidget* section :
+         std::initializer_list<QWidget*>{header_, requirements_, diagnosisSection_, region_, tips_, permission_}) {
+        column_->addWidget(section);
+    }
+    column_->addStretch(1);
+    diagnosisSection_->setVisible(false);
+}
+
+PlainButton* LearningModeSidePanel::addButton(LessonSection& section, const QString& symbol, int symbolSize)
+{
+    auto* button = new PlainButton(
+        {.symbol = symbol, .symbolSize = symbolSize, .textSize = lessonSizes::note, .padding = {4, 3, 6, 3}}, &section);
+    section.column().addWidget(button, 0, Qt::AlignLeft);
+    return button;
+}
+
+void LearningModeSidePanel::makeHeader()
+{
+    learningMode_ = header_->addSymbolLine(u"graduationcap.fill"_s, 16, Tint::accent(),
+                                           style::interfaceFont(lessonSizes::text, QFont::DemiBold), Tint::accent());
+    title_ = header_->addText(titleSize, Tint::primary(), QFont::DemiBold);
+    openLesson_ = addButton(*header_, u"arrow.up.right.square"_s, 12);
+    ButtonLook look = openLesson_->look();
+    look.textSize = lessonSizes::text;
+    look.tint = Tint::accent();
+    openLesson_->setLook(look);
+    connect(openLesson_, &PlainButton::clicked, wayBack_, &LessonWayBack::open);
+    connect(wayBack_, &LessonWayBack::found, openLesson_, &PlainButton::setHelp);
+}
+
+void LearningModeSidePanel::makeRequirements()
+{
+    noKeys_ = requirements_->addText(lessonSizes::text, Tint::secondary());
+    keys_ = new RequirementList(*area_, scheduler_, requirements_);
+    requirements_->column().addWidget(keys_);
+    recheck_ = addButton(*requirements_, u"arrow.clockwise"_s, 11);
+    connect(recheck_, &PlainButton::clicked, this, &LearningModeSidePanel::recheckEnv);
+}
+
+void LearningModeSidePanel::makeRegion()
+{
+    regionLines_ =
+        region_->addSymbolLine(u"book"_s, 13, Tint::accent(), style::interfaceFont(lessonSizes::text), Tint::primary());
+    regionNote_ = region_->addText(lessonSizes::note, Tint::secondary());
+}
+
+void LearningModeSidePanel::makePermission()
+{
+    linksRun_ = permission_->addText(lessonSizes::note, Tint::secondary());
+    askAgain_ = addButton(*permission_, u"arrow.uturn.backward"_s, 11);
+    connect(askAgain_, &PlainButton::clicked, this, [this] { linkPermission::takeBack(userDefaults_); });
+}
+
+// ---- What it says ---------------------------------------------------------------------------------------------------
+
+void LearningModeSidePanel::setLesson(const LessonInfo& lessonInfo, quint64 runsBefore)
+{
+    lessonInfo_ = lessonInfo;
+    runsBefore_ = runsBefore;
+    isKo_ = isKorean(lessonInfo_);
+    setAccessibleName(lessonTexts::learningMode.in(isKo_));
+    fillHeader();
+    fillRegion();
+    fillTips();
+    fillPermission();
     recheckEnv();
+    // In the words of this lesson, whatever was said in those of another.
+    diagnosis_.reset();
+    diagnosisSection_->setVisible(false);
     updateDiagnosis();
+    area_->verticalScrollBar()->setValue(0);
 }
 
-QWidget* LearningModeSidePanel::makeSection(const QString& heading, const Tint& tint)
+void LearningModeSidePanel::fillHeader()
 {
-    auto* section = new QWidget(this);
-    auto* column = new QVBoxLayout(section);
-    column->setContentsMargins(padding, padding - 2, padding, padding - 2);
-    column->setSpacing(spacing);
-    if (!heading.isEmpty()) {
-        column->addWidget(new TextLabel(heading, style::interfaceFont(headingSize, QFont::DemiBold), tint, section));
-    }
-    return section;
-}
-
-QWidget* LearningModeSidePanel::makeHeader()
-{
-    QWidget* section = makeSection({}, Tint::secondary());
-    auto* label = new QHBoxLayout;
-    label->setSpacing(6);
-    label->addWidget(new SymbolLabel(u"graduationcap.fill"_s, 16, Tint::accent(), section));
-    label->addWidget(new TextLabel(lessonTexts::learningMode.in(isKo_), style::interfaceFont(textSize, QFont::DemiBold),
-                                   Tint::accent(), section),
-                     1);
-    auto* column = static_cast<QVBoxLayout*>(section->layout());
-    column->addLayout(label);
-    column->addWidget(new WrappedLabel(lessonInfo_.title.value_or(lessonInfo_.slug),
-                                       style::interfaceFont(15, QFont::DemiBold), Tint::primary(), section));
-    const bool hasCompanion = workspace_.applicationForScheme(u"tutorbay"_s).has_value();
-    if (const auto url = lessonURL(lessonInfo_, hasCompanion, QStringLiteral(KELM_LESSON_SITE))) {
-        auto* link = new PlainButton({.symbol = u"arrow.up.right.square"_s,
-                                      .symbolSize = 12,
-                                      .textSize = textSize,
-                                      .tint = Tint::accent(),
-                                      .padding = {4, 3, 6, 3}},
-                                     section);
-        link->setText(lessonTexts::openLesson.in(isKo_));
-        link->setHelp(*url);
-        connect(link, &PlainButton::clicked, this, [this, url] { workspace_.openURL(QUrl(*url)); });
-        column->addWidget(link, 0, Qt::AlignLeft);
-    }
-    return section;
-}
-
-QWidget* LearningModeSidePanel::makeRequirements()
-{
-    QWidget* section = makeSection(lessonTexts::keysNeeded.in(isKo_), Tint::secondary());
-    auto* column = static_cast<QVBoxLayout*>(section->layout());
-    if (lessonInfo_.requires_.isEmpty()) {
-        column->addWidget(makeText(lessonTexts::noKeysNeeded.in(isKo_), textSize, Tint::secondary(), section));
-        return section;
-    }
-    requirements_ = new QVBoxLayout;
-    requirements_->setSpacing(spacing);
-    column->addLayout(requirements_);
-    auto* recheck = new PlainButton(
-        {.symbol = u"arrow.clockwise"_s, .symbolSize = 11, .textSize = noteSize, .padding = {4, 3, 6, 3}}, section);
-    recheck->setText(lessonTexts::recheck.in(isKo_));
-    connect(recheck, &PlainButton::clicked, this, &LearningModeSidePanel::recheckEnv);
-    column->addWidget(recheck, 0, Qt::AlignLeft);
-    return section;
+    learningMode_->setText(lessonTexts::learningMode.in(isKo_));
+    title_->setText(shownPart(lessonInfo_.title.value_or(lessonInfo_.slug), mostOfTitle));
+    openLesson_->setText(lessonTexts::openLesson.in(isKo_));
+    openLesson_->setHelp({});
+    openLesson_->updateGeometry();
+    wayBack_->setLesson(lessonInfo_);
+    openLesson_->setVisible(wayBack_->exists());
 }
 
 void LearningModeSidePanel::recheckEnv()
 {
-    QHash<QString, bool> environment;
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QHash<QString, bool> areSet;
+    areSet.reserve(lessonInfo_.requires_.size());
     for (const QString& key : std::as_const(lessonInfo_.requires_)) {
-        environment.insert(key, !qEnvironmentVariableIsEmpty(key.toLocal8Bit().constData()));
+        areSet.insert(key, !environment.value(key).isEmpty());
     }
-    envCache_ = environment;
+    envCache_ = areSet;
     ++refreshTick_;
     fillRequirements();
 }
 
 void LearningModeSidePanel::fillRequirements()
 {
-    if (requirements_ == nullptr) {
-        return;
-    }
-    for (int index = 0; index < lessonInfo_.requires_.size(); ++index) {
-        const QString& key = lessonInfo_.requires_[index];
-        const bool isSet = envCache_.value(key, false);
-        QLayoutItem* const item = requirements_->itemAt(index);
-        auto* const row = item != nullptr ? static_cast<EnvRow*>(item->widget()) : nullptr;
-        // A row that tells the same stays, with what it says of its copy.
-        if (row != nullptr && row->isSet() == isSet) {
-            continue;
-        }
-        auto* const made = new EnvRow(key, isSet, isKo_, scheduler_, this);
-        if (row == nullptr) {
-            requirements_->addWidget(made);
-        } else {
-            delete requirements_->replaceWidget(row, made);
-            row->hide();
-            row->deleteLater();
-        }
+    requirements_->setHeading(lessonTexts::keysNeeded.in(isKo_));
+    const bool isEmpty = lessonInfo_.requires_.isEmpty();
+    noKeys_->setText(lessonTexts::noKeysNeeded.in(isKo_));
+    noKeys_->setVisible(isEmpty);
+    recheck_->setText(lessonTexts::recheck.in(isKo_));
+    recheck_->updateGeometry();
+    recheck_->setVisible(!isEmpty);
+    keys_->show(lessonInfo_.requires_, envCache_, isKo_);
+}
+
+void LearningModeSidePanel::fillRegion()
+{
+    region_->setVisible(lessonInfo_.namesRegion);
+    region_->setHeading(lessonTexts::region.in(isKo_));
+    regionLines_->setText(lessonTexts::regionLines(lessonInfo_.regionStart, lessonInfo_.regionEnd, isKo_));
+    regionNote_->setText(lessonTexts::regionNote.in(isKo_));
+}
+
+void LearningModeSidePanel::fillTips()
+{
+    tips_->setHeading(lessonTexts::tipsHeading.in(isKo_));
+    for (std::size_t index = 0; index < tipLines_.size(); ++index) {
+        tipLines_[index]->setText(lessonTexts::tips[index].in(isKo_));
     }
 }
 
-QWidget* LearningModeSidePanel::makeRegion()
+void LearningModeSidePanel::fillPermission()
 {
-    QWidget* section = makeSection(lessonTexts::region.in(isKo_), Tint::secondary());
-    auto* lines = new QHBoxLayout;
-    lines->setSpacing(6);
-    lines->addWidget(new SymbolLabel(u"book"_s, 13, Tint::accent(), section));
-    lines->addWidget(new TextLabel(lessonTexts::regionLines(lessonInfo_.regionStart, lessonInfo_.regionEnd, isKo_),
-                                   style::interfaceFont(textSize), Tint::primary(), section),
-                     1);
-    auto* column = static_cast<QVBoxLayout*>(section->layout());
-    column->addLayout(lines);
-    column->addWidget(makeText(lessonTexts::regionNote.in(isKo_), noteSize, Tint::secondary(), section));
-    return section;
-}
-
-QWidget* LearningModeSidePanel::makeTips()
-{
-    QWidget* section = makeSection(lessonTexts::tipsHeading.in(isKo_), Tint::secondary());
-    for (const LessonText& tip : lessonTexts::tips) {
-        section->layout()->addWidget(makeText(tip.in(isKo_), noteSize, Tint::secondary(), section));
-    }
-    return section;
-}
-
-QWidget* LearningModeSidePanel::makeDiagnosis(const Diagnosis& diagnosis)
-{
-    QWidget* section = makeSection(lessonTexts::diagnosis.in(isKo_), SystemColor::orange);
-    auto* column = static_cast<QVBoxLayout*>(section->layout());
-    auto* title = new QHBoxLayout;
-    title->setSpacing(6);
-    title->addWidget(new SymbolLabel(u"exclamationmark.triangle.fill"_s, 11, SystemColor::orange, section));
-    title->addWidget(
-        new TextLabel(diagnosis.title, style::interfaceFont(textSize, QFont::DemiBold), Tint::primary(), section), 1);
-    column->addLayout(title);
-    column->addWidget(makeText(diagnosis.message, noteSize, Tint::secondary(), section));
-    if (diagnosis.fix) {
-        auto* copy = new PlainButton(
-            {.symbol = u"doc.on.doc"_s, .symbolSize = 13, .tint = Tint::accent(), .fixedSize = {26, 26}}, section);
-        copy->setHelp(tr("Copy"));
-        connect(copy, &PlainButton::clicked, this,
-                [fix = *diagnosis.fix] { QGuiApplication::clipboard()->setText(fix); });
-        auto* row = new QHBoxLayout;
-        row->addWidget(new FixBox(*diagnosis.fix, section), 1);
-        row->addWidget(copy);
-        column->addLayout(row);
-    }
-    // A divider of its own comes and goes with it.
-    auto* framed = new QWidget(this);
-    auto* frame = new QVBoxLayout(framed);
-    frame->setContentsMargins(0, 0, 0, 0);
-    frame->setSpacing(0);
-    frame->addWidget(new Divider(Qt::Horizontal, framed));
-    frame->addWidget(section);
-    return framed;
+    permission_->setHeading(lessonTexts::linksHeading.in(isKo_));
+    linksRun_->setText(lessonTexts::linksRun.in(isKo_));
+    askAgain_->setText(lessonTexts::askAgain.in(isKo_));
+    askAgain_->updateGeometry();
+    permission_->setVisible(linkPermission::isGiven(userDefaults_));
 }
 
 void LearningModeSidePanel::updateDiagnosis()
 {
     QElapsedTimer clock;
     clock.start();
-    const auto found = diagnose(runner_.stderrBuffer(), isKo_);
+    const bool isOwn = runsBegun_ > runsBefore_;
+    const auto found = isOwn ? diagnose(runner_.stderrBuffer(), isKo_) : std::nullopt;
     // A run that writes without end is looked at ever more rarely.
     constexpr int least = 16;
     diagnosisTimer_.setInterval(std::max(least, static_cast<int>(clock.elapsed()) * 10));
@@ -274,13 +245,10 @@ void LearningModeSidePanel::updateDiagnosis()
         return;
     }
     diagnosis_ = found;
-    delete diagnosisSection_;
-    diagnosisSection_ = nullptr;
     if (diagnosis_) {
-        constexpr int behindRequirements = 3;
-        diagnosisSection_ = makeDiagnosis(*diagnosis_);
-        column_->insertWidget(behindRequirements, diagnosisSection_);
+        diagnosisSection_->show(*diagnosis_, isKo_);
     }
+    diagnosisSection_->setVisible(diagnosis_.has_value());
 }
 
 void LearningModeSidePanel::paintEvent(QPaintEvent*)

@@ -26,7 +26,7 @@ public:
     virtual bool openURL(const QUrl& url) = 0;
 
     /// The application that opens URLs of `scheme` (such as "tutorbay"), under the name that the system has for it;
-    /// absent when none is registered.
+    /// absent when none is registered. From any thread, and better from a worker: the system may take seconds for it.
     virtual std::optional<QString> applicationForScheme(const QString& scheme) = 0;
 
     /// The desktop that the program runs on.

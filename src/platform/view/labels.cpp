@@ -5,11 +5,13 @@
 #include "platform/view/plain_help.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelm {
 
@@ -104,6 +106,16 @@ void TextLabel::updateHelp()
     setToolTip(isCut ? plainHelp(text_) : QString());
 }
 
+struct WrappedLabel::Lines
+{
+    QString text;
+    QFont font;
+    Qt::Alignment alignment;
+    int width = 0;
+    QTextLayout layout;
+    qreal height = 0;
+};
+
 WrappedLabel::WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent)
     : QLabel(text, parent), tint_(tint)
 {
@@ -113,52 +125,89 @@ WrappedLabel::WrappedLabel(const QString& text, const QFont& font, const Tint& t
     refreshTint();
 }
 
+WrappedLabel::~WrappedLabel() = default;
+
 void WrappedLabel::setTint(const Tint& tint)
 {
     tint_ = tint;
     refreshTint();
 }
 
-QSize WrappedLabel::minimumSizeHint() const
+bool WrappedLabel::isLong() const
 {
-    return {0, heightForWidth(sizeHint().width())};
+    constexpr qsizetype longText = 1000;
+    return text().size() > longText;
 }
 
-qreal WrappedLabel::layOut(QTextLayout& lines, int width) const
+QSize WrappedLabel::sizeHint() const
 {
+    if (!isLong()) {
+        return QLabel::sizeHint();
+    }
+    // The toolkit would try several widths. The height follows from the width that the label gets.
+    constexpr int letters = 40;
+    const qsizetype rows = text().size() / letters + 1;
+    return {fontMetrics().averageCharWidth() * letters, static_cast<int>(rows) * fontMetrics().lineSpacing()};
+}
+
+QSize WrappedLabel::minimumSizeHint() const
+{
+    return {0, isLong() ? fontMetrics().lineSpacing() : heightForWidth(sizeHint().width())};
+}
+
+bool WrappedLabel::isLaidOut(const std::unique_ptr<Lines>& lines, int width) const
+{
+    return lines != nullptr && lines->width == width && lines->text == text() && lines->font == font() &&
+           lines->alignment == alignment();
+}
+
+const WrappedLabel::Lines& WrappedLabel::layOut(int width) const
+{
+    if (isLaidOut(lines_[0], width)) {
+        return *lines_[0];
+    }
+    std::swap(lines_[0], lines_[1]);
+    if (isLaidOut(lines_[0], width)) {
+        return *lines_[0];
+    }
+    lines_[0] = std::make_unique<Lines>();
+    Lines& lines = *lines_[0];
+    lines.text = text();
+    lines.font = font();
+    lines.alignment = alignment();
+    lines.width = width;
     QTextOption option(alignment());
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    lines.setText(text().replace(u'\n', QChar::LineSeparator));
-    lines.setFont(font());
-    lines.setTextOption(option);
-    qreal height = 0;
-    lines.beginLayout();
-    for (QTextLine line = lines.createLine(); line.isValid(); line = lines.createLine()) {
+    lines.layout.setText(text().replace(u'\n', QChar::LineSeparator));
+    lines.layout.setFont(font());
+    lines.layout.setTextOption(option);
+    lines.layout.setCacheEnabled(true);
+    lines.layout.beginLayout();
+    for (QTextLine line = lines.layout.createLine(); line.isValid(); line = lines.layout.createLine()) {
         line.setLineWidth(std::max(1, width));
-        line.setPosition({0, height});
-        height += line.height();
+        line.setPosition({0, lines.height});
+        lines.height += line.height();
     }
-    lines.endLayout();
-    return height;
+    lines.layout.endLayout();
+    return lines;
 }
 
 int WrappedLabel::heightForWidth(int width) const
 {
     const QMargins margins = contentsMargins();
-    QTextLayout lines;
-    const qreal height = layOut(lines, width - margins.left() - margins.right());
-    return static_cast<int>(std::ceil(height)) + margins.top() + margins.bottom();
+    const Lines& lines = layOut(width - margins.left() - margins.right());
+    return static_cast<int>(std::ceil(lines.height)) + margins.top() + margins.bottom();
 }
 
-void WrappedLabel::paintEvent(QPaintEvent* /*event*/)
+void WrappedLabel::paintEvent(QPaintEvent* event)
 {
     const QRect box = contentsRect();
-    QTextLayout lines;
-    const qreal height = layOut(lines, box.width());
+    const Lines& lines = layOut(box.width());
     const bool isCentred = alignment().testFlag(Qt::AlignVCenter);
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    lines.draw(&painter, QPointF(box.left(), box.top() + (isCentred ? (box.height() - height) / 2 : 0)));
+    const QPointF top(box.left(), box.top() + (isCentred ? (box.height() - lines.height) / 2 : 0));
+    lines.layout.draw(&painter, top, {}, event->rect());
 }
 
 void WrappedLabel::changeEvent(QEvent* event)

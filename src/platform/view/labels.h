@@ -5,7 +5,8 @@
 
 #include <QLabel>
 
-class QTextLayout;
+#include <array>
+#include <memory>
 
 namespace kelm {
 
@@ -45,15 +46,18 @@ private:
     bool givesWay_ = true;
 };
 
-/// Several lines of plain text in a tint, wrapped at words, and within a word that is wider than the label.
+/// Several lines of plain text in a tint, wrapped at words, and within a word that is wider than the label. A text is
+/// laid out once for a width: that costs about a millisecond for a thousand letters.
 class WrappedLabel : public QLabel
 {
     Q_OBJECT
 
 public:
     WrappedLabel(const QString& text, const QFont& font, const Tint& tint, QWidget* parent = nullptr);
+    ~WrappedLabel() override;
 
     void setTint(const Tint& tint);
+    QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
     int heightForWidth(int width) const override;
 
@@ -62,11 +66,19 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// The text in lines of a width.
+    struct Lines;
+
     void refreshTint();
-    /// Breaks the text into lines of a width, and tells their height.
-    qreal layOut(QTextLayout& lines, int width) const;
+    /// Whether each laying out counts.
+    bool isLong() const;
+    /// Breaks the text into lines of a width, unless they are among those of the last times.
+    const Lines& layOut(int width) const;
+    bool isLaidOut(const std::unique_ptr<Lines>& lines, int width) const;
 
     Tint tint_;
+    /// The latest first. A column is tried with a scroll bar and without one, again and again.
+    mutable std::array<std::unique_ptr<Lines>, 2> lines_;
 };
 
 /// A symbol in a tint, centred in its place.

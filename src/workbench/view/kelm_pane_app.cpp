@@ -39,6 +39,10 @@ AppState& sharedStateWithPanels()
 
 } // namespace
 
+AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
+
+AppDelegate::~AppDelegate() = default;
+
 void AppDelegate::applicationDidFinishLaunching()
 {
     ThemeManager::shared().applyAppearance();
@@ -56,9 +60,10 @@ void AppDelegate::open(const QStringList& urlTexts)
 void AppDelegate::openNext()
 {
     const QStringList urlTexts = waiting_.first(std::min(waiting_.size(), mostAtOnce));
-    const auto handleLink = [this](const QString& urlText) {
-        handleKelmPaneURL(urlText, AppState::shared(), Scheduler::system(), Log::system(), activate_);
-    };
+    if (!links_) {
+        links_ = std::make_unique<LessonLinks>(AppState::shared(), [this] { activate_(); });
+    }
+    const auto handleLink = [this](const QString& urlText) { links_->handleKelmPaneURL(urlText); };
     openURLs(urlTexts, AppState::shared(), handleLink);
     waiting_.remove(0, urlTexts.size());
     if (!waiting_.isEmpty()) {

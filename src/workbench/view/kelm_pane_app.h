@@ -13,6 +13,7 @@ namespace kelm {
 
 class AppState;
 class AutoUpdateService;
+class LessonLinks;
 class MainWindow;
 class ThemeManager;
 
@@ -22,7 +23,8 @@ class AppDelegate final : public QObject
     Q_OBJECT
 
 public:
-    explicit AppDelegate(QObject* parent = nullptr) : QObject(parent) {}
+    explicit AppDelegate(QObject* parent = nullptr);
+    ~AppDelegate() override;
 
     void applicationDidFinishLaunching();
     /// Opens what the texts of absolute URLs name, in their order. Of very many, those behind the first come in turns,
@@ -41,6 +43,8 @@ private:
     /// What is still to be opened, that of the turn that goes on among it.
     QStringList waiting_;
     std::function<void()> activate_ = [] {};
+    /// Made when the first thing is opened, since the state is made by then.
+    std::unique_ptr<LessonLinks> links_;
 };
 
 /// Puts state, themes and the one window together.

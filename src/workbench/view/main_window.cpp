@@ -1,11 +1,9 @@
 #include "workbench/view/main_window.h"
 
-#include "learning/view/learning_mode_side_panel.h"
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/process/orderly_end.h"
-#include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "settings/view/settings_view.h"
 #include "workbench/status/view/status_bar_view.h"
@@ -13,6 +11,8 @@
 #include "workbench/view/editor_area.h"
 #include "workbench/view/focus_order.h"
 #include "workbench/view/keyboard_place.h"
+#include "workbench/view/lesson_place.h"
+#include "workbench/view/link_run_place.h"
 #include "workbench/view/menu_bar.h"
 #include "workbench/view/notice_bar.h"
 #include "workbench/view/overlay_layer.h"
@@ -74,7 +74,6 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     connectState();
     refreshSidebar();
     refreshBottomPanel();
-    refreshLessonPanel();
     refreshTheme();
     keepKeyboardInSight();
     auto* compositions = new Compositions(this);
@@ -123,10 +122,14 @@ void MainWindow::buildStack()
     noticeBar_ = new NoticeBar(themeManager_, stack);
     statusBar_ = new StatusBarView(appState_, themeManager_, stack);
 
-    editorRow_ = makeTightLayout<QHBoxLayout>(editors);
-    editorRow_->addWidget(editorArea_, 1);
+    lessonPlace_ = new LessonPlace(appState_, workspace_, userDefaults_, editors);
+    linkRunPlace_ = new LinkRunPlace(appState_, themeManager_, upper);
+    auto* editorRow = makeTightLayout<QHBoxLayout>(editors);
+    editorRow->addWidget(editorArea_, 1);
+    editorRow->addWidget(lessonPlace_);
     auto* upperColumn = makeTightLayout<QVBoxLayout>(upper);
     upperColumn->addWidget(tabBar_);
+    upperColumn->addWidget(linkRunPlace_);
     upperColumn->addWidget(editors, 1);
     rows_->addWidget(upper);
     rows_->setStretchFactor(0, 1);
@@ -145,7 +148,6 @@ void MainWindow::connectState()
 {
     connect(&appState_, &AppState::showSidebarChanged, this, &MainWindow::refreshSidebar);
     connect(&appState_, &AppState::showBottomPanelChanged, this, &MainWindow::refreshBottomPanel);
-    connect(&appState_, &AppState::currentDocumentChanged, this, &MainWindow::refreshLessonPanel);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &MainWindow::refreshTheme);
 }
 
@@ -195,21 +197,9 @@ void MainWindow::refreshBottomPanel()
     }
 }
 
-void MainWindow::refreshLessonPanel()
+QWidget* MainWindow::lessonPanel() const
 {
-    // The panel and its divider come and go with the tab.
-    delete lessonPanel_;
-    lessonPanel_ = nullptr;
-    const std::shared_ptr<Document> document = appState_.currentDocument();
-    if (!document || !document->lessonInfo()) {
-        return;
-    }
-    lessonPanel_ = new QWidget(editorArea_->parentWidget());
-    auto* row = makeTightLayout<QHBoxLayout>(lessonPanel_);
-    row->addWidget(new Divider(Qt::Vertical, lessonPanel_));
-    row->addWidget(new LearningModeSidePanel(*document->lessonInfo(), appState_.codeRunner(), workspace_,
-                                             appState_.scheduler(), lessonPanel_));
-    editorRow_->addWidget(lessonPanel_);
+    return lessonPlace_->isHidden() ? nullptr : lessonPlace_;
 }
 
 void MainWindow::refreshTheme()
@@ -223,7 +213,7 @@ void MainWindow::refreshTheme()
 
 QList<QWidget*> MainWindow::regions() const
 {
-    return {toolbar_, sidebar_, tabBar_, editorArea_, lessonPanel_, bottomPanel_, statusBar_};
+    return {toolbar_, sidebar_, tabBar_, linkRunPlace_, editorArea_, lessonPlace_, bottomPanel_, statusBar_};
 }
 
 bool MainWindow::focusNextPrevChild(bool next)

@@ -10,7 +10,6 @@
 
 #include <memory>
 
-class QBoxLayout;
 class QSplitter;
 
 namespace kelm {
@@ -18,6 +17,8 @@ namespace kelm {
 class BottomPanel;
 class EditorArea;
 class KeyboardPlace;
+class LessonPlace;
+class LinkRunPlace;
 class NoticeBar;
 class OverlayLayer;
 class AutoUpdateService;
@@ -64,8 +65,10 @@ public:
     SidebarView* sidebar() const { return sidebar_; }
     /// Null until it is first shown.
     BottomPanel* bottomPanel() const { return bottomPanel_; }
-    /// The panel beside the editor, or null.
-    QWidget* lessonPanel() const { return lessonPanel_; }
+    /// The panel beside the editor; null while it is not shown.
+    QWidget* lessonPanel() const;
+    /// Where a link asks to run its code.
+    LinkRunPlace& linkRunPlace() { return *linkRunPlace_; }
 
 protected:
     bool focusNextPrevChild(bool next) override;
@@ -77,7 +80,6 @@ private:
     void buildStack();
     void refreshSidebar();
     void refreshBottomPanel();
-    void refreshLessonPanel();
     void refreshTheme();
     void connectState();
     void keepKeyboardInSight();
@@ -93,14 +95,14 @@ private:
     ToolbarView* toolbar_ = nullptr;
     QSplitter* columns_ = nullptr;
     QSplitter* rows_ = nullptr;
-    QBoxLayout* editorRow_ = nullptr;
     TabBarView* tabBar_ = nullptr;
     EditorArea* editorArea_ = nullptr;
     NoticeBar* noticeBar_ = nullptr;
     StatusBarView* statusBar_ = nullptr;
     SidebarView* sidebar_ = nullptr;
     BottomPanel* bottomPanel_ = nullptr;
-    QWidget* lessonPanel_ = nullptr;
+    LessonPlace* lessonPlace_ = nullptr;
+    LinkRunPlace* linkRunPlace_ = nullptr;
     KeyboardPlace* keyboardPlace_ = nullptr;
     std::unique_ptr<SettingsView> settings_;
 };

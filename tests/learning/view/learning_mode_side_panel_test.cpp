@@ -1,3 +1,5 @@
+#include "learning/link_permission.h"
+#include "learning/view/environment_row.h"
 #include "learning/view/learning_mode_side_panel.h"
 #include "platform/events/notification_center.h"
 #include "platform/view/plain_button.h"
@@ -7,6 +9,8 @@
 
 #include <QClipboard>
 #include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -24,11 +28,14 @@ struct Fixture
     CodeRunner runner{notifications, ExecutableSearch(ProcessRunner::system())};
     FakeWorkspace workspace;
     ManualScheduler scheduler;
+    UserDefaults userDefaults{folder.filePath(u"store.conf"_s)};
     std::unique_ptr<LearningModeSidePanel> panel;
 
     void show(const LessonInfo& info)
     {
-        panel = std::make_unique<LearningModeSidePanel>(info, runner, workspace, scheduler);
+        panel = std::make_unique<LearningModeSidePanel>(
+            LearningModeSidePanel::Services{runner, workspace, scheduler, userDefaults});
+        panel->setLesson(info);
         panel->resize(280, 800);
         panel->show();
         if (!QTest::qWaitForWindowActive(panel.get())) {
@@ -65,6 +72,9 @@ struct Fixture
         }
         return nullptr;
     }
+    /// The rows of variables that there are, whether they are seen or not.
+    QList<EnvRow*> rows() const { return panel->findChildren<EnvRow*>(); }
+    QScrollBar& scrollBar() const { return *panel->findChild<QScrollArea*>()->verticalScrollBar(); }
     /// Runs a shell line to its end.
     void run(const QString& line)
     {
@@ -93,9 +103,22 @@ private Q_SLOTS:
     void longWordsStayInThePanel();
     void theLessonOpens_data();
     void theLessonOpens();
+    void theSystemIsAskedOnAWorker();
     void withoutAnAddressThereIsNoLink();
     void aFailedRunIsDiagnosedAndANewOneForgotten();
     void theFixIsCopied();
+    void aCopiedFixSaysSo();
+    void runsBeforeTheLessonAreNotDiagnosed();
+    void theButtonThatSaysSoMovesNothing();
+    void withoutARegionNoneIsNamed();
+    void anotherLessonTakesThePlace();
+    void thousandsOfLettersOfATitleScroll();
+    void aTitleWithoutEndIsShownByItsBeginning();
+    void hundredsOfKeysScroll();
+    void thousandsOfKeysMakeNoMoreRowsThanAreSeen();
+    void keysAreNoShellCode();
+    void thePermissionIsSaidAndTakenBack();
+    void longNamesOfModulesAreShownByTheirBeginning();
     void titlesAreNoMarkup();
 };
 
@@ -206,6 +229,9 @@ void LearningModeSidePanelTest::longWordsStayInThePanel()
     QTRY_VERIFY(fixture.button(u"Copy"_s)->mapTo(fixture.panel.get(), QPoint(26, 0)).x() <= 280);
     const QRect panel = fixture.panel->rect();
     for (const auto* label : fixture.panel->findChildren<QLabel*>()) {
+        if (!label->isVisible()) {
+            continue;
+        }
         const QRect place(label->mapTo(fixture.panel.get(), QPoint()), label->size());
         QVERIFY(place.left() >= 0 && place.right() <= panel.right());
         QVERIFY(label->height() >= label->heightForWidth(label->width()));
@@ -229,10 +255,20 @@ void LearningModeSidePanelTest::theLessonOpens()
         fixture.workspace.applications.insert(u"tutorbay"_s, u"tutorbay.desktop"_s);
     }
     fixture.show({.slug = u"intro"_s, .lang = u"en"_s});
+    // The system may not have answered yet which application there is.
     QTest::mouseClick(fixture.button(u"Open lesson"_s), Qt::LeftButton);
-    QCOMPARE(fixture.workspace.opened.size(), 1);
+    QTRY_COMPARE(fixture.workspace.opened.size(), 1);
     QCOMPARE(fixture.workspace.opened.first().scheme(), scheme);
     QVERIFY(fixture.workspace.opened.first().toString().endsWith(u"/intro?lang=en"_s));
+}
+
+void LearningModeSidePanelTest::theSystemIsAskedOnAWorker()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"intro"_s});
+    QVERIFY(fixture.button(u"Open lesson"_s) != nullptr);
+    QTRY_VERIFY(fixture.workspace.askedFrom != nullptr);
+    QVERIFY(fixture.workspace.askedFrom != QThread::currentThread());
 }
 
 void LearningModeSidePanelTest::withoutAnAddressThereIsNoLink()
@@ -264,11 +300,185 @@ void LearningModeSidePanelTest::theFixIsCopied()
     Fixture fixture;
     fixture.show({.slug = u"s"_s, .lang = u"ko"_s});
     fixture.run(u"echo \"No module named 'foo.bar'\" >&2"_s);
-    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
-    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    QTRY_VERIFY(fixture.button(u"복사"_s) != nullptr);
+    QTest::mouseClick(fixture.button(u"복사"_s), Qt::LeftButton);
     QCOMPARE(QGuiApplication::clipboard()->text(), u"pip install foo.bar"_s);
     QVERIFY(fixture.texts().contains(u"문제 진단"_s));
     QVERIFY(fixture.texts().contains(u"'foo.bar' 를 찾을 수 없습니다."_s));
+}
+
+void LearningModeSidePanelTest::aCopiedFixSaysSo()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    fixture.run(u"echo \"No module named 'foo.bar'\" >&2"_s);
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1499));
+    QVERIFY(fixture.button(u"Copied!"_s) != nullptr);
+    fixture.scheduler.advance(std::chrono::milliseconds(1));
+    QVERIFY(fixture.button(u"Copied!"_s) == nullptr);
+    QVERIFY(fixture.button(u"Copy"_s) != nullptr);
+    // Of another lesson nothing was copied.
+    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    fixture.panel->setLesson({.slug = u"t"_s, .lang = u"ko"_s});
+    QVERIFY(fixture.button(u"Copied!"_s) == nullptr && fixture.button(u"복사됨!"_s) == nullptr);
+    QVERIFY(fixture.button(u"복사"_s) != nullptr);
+}
+
+void LearningModeSidePanelTest::runsBeforeTheLessonAreNotDiagnosed()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    fixture.run(u"echo 'HTTP 401' >&2"_s);
+    QTRY_VERIFY(fixture.panel->diagnosis().has_value());
+    fixture.panel->setLesson({.slug = u"t"_s}, fixture.panel->runsBegun());
+    QVERIFY(!fixture.panel->diagnosis().has_value());
+    QVERIFY(!fixture.texts().contains(u"DIAGNOSIS"_s));
+    fixture.run(u"echo 'HTTP 429' >&2"_s);
+    QTRY_VERIFY(fixture.panel->diagnosis().has_value());
+    QVERIFY(fixture.texts().contains(u"API rate limit"_s));
+}
+
+void LearningModeSidePanelTest::theButtonThatSaysSoMovesNothing()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    fixture.run(u"echo \"No module named 'foo.bar'\" >&2"_s);
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    QCoreApplication::processEvents();
+    const PlainButton* const button = fixture.button(u"Copy"_s);
+    const QRect before = button->geometry();
+    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    QCOMPARE(button->geometry(), before);
+}
+
+void LearningModeSidePanelTest::withoutARegionNoneIsNamed()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .namesRegion = false});
+    const QStringList texts = fixture.texts();
+    QVERIFY(!texts.contains(u"FROM TEXTBOOK"_s));
+    QVERIFY(!texts.contains(u"Lines 1–1"_s));
+    QVERIFY(texts.contains(u"TIPS"_s));
+}
+
+void LearningModeSidePanelTest::anotherLessonTakesThePlace()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"one"_s, .requires_ = {u"KELM_TEST_A"_s, u"KELM_TEST_B"_s}, .namesRegion = false});
+    fixture.panel->setLesson(
+        {.slug = u"zwei"_s, .regionStart = 4, .regionEnd = 5, .requires_ = {u"KELM_TEST_C"_s}, .lang = u"ko"_s});
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.texts().mid(0, 8),
+             (QStringList{u"학습 모드"_s, u"zwei"_s, u"레슨 열기"_s, u"필요한 API 키"_s, u"KELM_TEST_C"_s,
+                          u"export 복사"_s, u"키 받기: 벤더 콘솔"_s, u"다시 확인"_s}));
+    fixture.panel->setLesson({.slug = u"three"_s});
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.texts().mid(0, 6),
+             (QStringList{u"Learning Mode"_s, u"three"_s, u"Open lesson"_s, u"API KEYS NEEDED"_s,
+                          u"This snippet doesn't require any API keys."_s, u"FROM TEXTBOOK"_s}));
+}
+
+void LearningModeSidePanelTest::thousandsOfLettersOfATitleScroll()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .title = u"가나다 abc "_s.repeated(375)});
+    QVERIFY(fixture.texts().contains(u"가나다 abc "_s.repeated(375)));
+    QVERIFY(fixture.scrollBar().maximum() > 0);
+    QCOMPARE(fixture.panel->width(), 280);
+    QCOMPARE(fixture.panel->height(), 800);
+}
+
+void LearningModeSidePanelTest::aTitleWithoutEndIsShownByItsBeginning()
+{
+    Fixture fixture;
+    const QString title = u"😀"_s.repeated(500'000);
+    fixture.show({.slug = u"s"_s, .title = title});
+    const QStringList texts = fixture.texts();
+    const auto shown = std::find_if(texts.begin(), texts.end(), [](const QString& text) { return text.size() > 100; });
+    QVERIFY(shown != texts.end());
+    QCOMPARE(*shown, u"😀"_s.repeated(1500) + u'…');
+}
+
+void LearningModeSidePanelTest::hundredsOfKeysScroll()
+{
+    Fixture fixture;
+    QStringList keys;
+    for (int number = 0; number < 200; ++number) {
+        keys << u"KELM_TEST_%1"_s.arg(number);
+    }
+    fixture.show({.slug = u"s"_s, .requires_ = keys});
+    QVERIFY(fixture.texts().contains(keys.first()));
+    QVERIFY(!fixture.texts().contains(keys.last()));
+    QStringList seen;
+    QScrollBar& bar = fixture.scrollBar();
+    for (int value = 0;; value += 300) {
+        bar.setValue(value);
+        for (const QString& text : fixture.texts()) {
+            if (text.startsWith(u"KELM_TEST_") && !seen.contains(text)) {
+                seen << text;
+            }
+        }
+        if (value > bar.maximum()) {
+            break;
+        }
+    }
+    QCOMPARE(seen, keys);
+    QVERIFY(fixture.texts().contains(u"TIPS"_s));
+}
+
+void LearningModeSidePanelTest::thousandsOfKeysMakeNoMoreRowsThanAreSeen()
+{
+    Fixture fixture;
+    QStringList keys;
+    for (int number = 0; number < 10'000; ++number) {
+        keys << u"KELM_TEST_%1"_s.arg(number);
+    }
+    fixture.show({.slug = u"s"_s, .requires_ = keys});
+    for (const int value : {0, fixture.scrollBar().maximum() / 2, fixture.scrollBar().maximum()}) {
+        fixture.scrollBar().setValue(value);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!fixture.rows().isEmpty());
+        QVERIFY(fixture.rows().size() < 60);
+    }
+    QVERIFY(fixture.texts().contains(keys.last()));
+}
+
+void LearningModeSidePanelTest::keysAreNoShellCode()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s, .requires_ = {u"A; touch x #"_s}});
+    QTest::mouseClick(fixture.button(u"Copy export"_s), Qt::LeftButton);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"export 'A; touch x #=...'"_s);
+}
+
+void LearningModeSidePanelTest::thePermissionIsSaidAndTakenBack()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    QVERIFY(fixture.button(u"Ask again"_s) == nullptr);
+    linkPermission::give(fixture.userDefaults);
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.texts().contains(u"Lesson links run their code without asking."_s));
+    QTest::mouseClick(fixture.button(u"Ask again"_s), Qt::LeftButton);
+    QVERIFY(!linkPermission::isGiven(fixture.userDefaults));
+    QVERIFY(fixture.button(u"Ask again"_s) == nullptr);
+}
+
+void LearningModeSidePanelTest::longNamesOfModulesAreShownByTheirBeginning()
+{
+    Fixture fixture;
+    fixture.show({.slug = u"s"_s});
+    fixture.run(u"printf \"No module named '%0500000d'\" 7 >&2"_s);
+    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    for (const QString& text : fixture.texts()) {
+        QVERIFY(text.size() < 1100);
+    }
+    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
+    QCOMPARE(QGuiApplication::clipboard()->text().size(), u"pip install "_s.size() + 500'000);
 }
 
 void LearningModeSidePanelTest::titlesAreNoMarkup()

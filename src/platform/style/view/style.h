@@ -15,7 +15,7 @@ namespace kelm::style {
 /// The monospaced system font at a pixel size, with families behind it that cover Korean and emoji.
 QFont monospaced(int pixelSize);
 
-/// The interface's font at a pixel size.
+/// The interface's font at a pixel size. Korean beside Latin has its weight, as far as what is installed allows.
 QFont interfaceFont(int pixelSize, QFont::Weight weight = QFont::Normal);
 
 /// The sizes of the interface's type, in points.

@@ -1,0 +1,91 @@
+#include "platform/style/view/style.h"
+#include "support/test_program.h"
+
+#include <QFontDatabase>
+#include <QImage>
+#include <QPainter>
+#include <QPainterPath>
+#include <QtTest>
+
+#include <cmath>
+#include <numeric>
+
+namespace style_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// How wide the only stroke of a letter in a row is as it is drawn, in pixels; the row is a part of its height.
+double stroke(const QString& letter, const QFont& font, double part)
+{
+    const int size = font.pixelSize();
+    QPainterPath path;
+    path.addText(size, 2 * size, font, letter);
+    const QRectF box = path.boundingRect();
+    QImage image(4 * size, 4 * size, QImage::Format_Grayscale8);
+    image.fill(0);
+    QPainter painter(&image);
+    painter.setPen(Qt::white);
+    painter.setFont(font);
+    painter.drawText(size, 2 * size, letter);
+    painter.end();
+    const uchar* const row = image.constScanLine(static_cast<int>(box.top() + box.height() * part));
+    return std::accumulate(row, row + image.width(), 0.0) / 255;
+}
+
+} // namespace
+
+class StyleTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void koreanIsAsStrongAsLatin_data();
+    void koreanIsAsStrongAsLatin();
+    void koreanIsAsLargeAsLatin();
+};
+
+void StyleTest::koreanIsAsStrongAsLatin_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QFont::Weight>("weight");
+    for (const int size : {11, 12, 17, 24}) {
+        QTest::addRow("regular %d", size) << size << QFont::Normal;
+        QTest::addRow("semibold %d", size) << size << QFont::DemiBold;
+    }
+}
+
+void StyleTest::koreanIsAsStrongAsLatin()
+{
+    QFETCH(int, size);
+    QFETCH(QFont::Weight, weight);
+    const QStringList installed = QFontDatabase::families();
+    if (!installed.contains(u"Inter"_s) || !installed.contains(u"Noto Sans CJK KR"_s)) {
+        QSKIP("the faces of the interface are not installed");
+    }
+    const QFont font = style::interfaceFont(size, weight);
+    const double latin = stroke(u"l"_s, font, 0.5);
+    const double korean = stroke(u"이"_s, font, 0.9);
+    QVERIFY(latin > 0.5);
+    QVERIFY2(std::abs(korean - latin) <= latin * 0.2, qPrintable(u"%1 beside %2"_s.arg(korean).arg(latin)));
+}
+
+void StyleTest::koreanIsAsLargeAsLatin()
+{
+    QFont font = style::interfaceFont(12);
+    font.setPixelSize(1000);
+    QPainterPath korean;
+    korean.addText(0, 0, font, u"한"_s);
+    QPainterPath latin;
+    latin.addText(0, 0, font, u"Hg"_s);
+    const double ratio = korean.boundingRect().height() / latin.boundingRect().height();
+    QVERIFY2(ratio > 0.8 && ratio < 1.1, qPrintable(QString::number(ratio)));
+}
+
+const kelm::test::Registered<StyleTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace style_test
+
+#include "style_test.moc"
