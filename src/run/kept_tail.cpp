@@ -50,6 +50,15 @@ QString KeptTail::text() const
     return all;
 }
 
+QString KeptTail::end(qsizetype units) const
+{
+    QString last;
+    for (auto piece = pieces_.rbegin(); piece != pieces_.rend() && last.size() < units; ++piece) {
+        last.prepend(QStringView(*piece).last(std::min(piece->size(), units - last.size())));
+    }
+    return last;
+}
+
 /// Lets at most so many units go, from one piece: all of it, or up to a line's start where there is one.
 void KeptTail::dropFront(qsizetype units)
 {

@@ -8,6 +8,7 @@
 #include "app/state/notices.h"
 #include "app/state/recent_files.h"
 #include "app/state/replaced_files.h"
+#include "app/state/run_requests.h"
 #include "app/state/text_file.h"
 #include "app/state/unsaved_texts.h"
 #include "app/state/watched_files.h"
@@ -41,6 +42,8 @@ AppState::AppState(const Services& services)
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
       git_(std::make_unique<GitService>(services.processRunner)),
       notices_(std::make_unique<Notices>(services.scheduler)),
+      runRequests_(std::make_unique<RunRequests>(*codeRunner_, *notices_, services.notificationCenter,
+                                                 [this] { showOutputPage(); })),
       largeFiles_(std::make_unique<LargeFiles>(
           *notices_, [this](const QUrl& url, const auto& text) { showLargeFile(url, text); })),
       rewriter_(std::make_unique<DocumentRewriter>(
@@ -342,21 +345,14 @@ void AppState::runCurrentFile()
     if (!document) {
         return;
     }
+    showOutputPage();
+    runRequests_->request(document);
+}
+
+void AppState::showOutputPage()
+{
     setShowBottomPanel(true);
     setBottomPanelTab(BottomPanelTab::output);
-    services_.notificationCenter.post(notifications::clearOutput);
-    if (document->fileURL()) {
-        codeRunner_->run(*document->fileURL());
-        return;
-    }
-    const Language language = document->language();
-    if (language.runsWithoutFile()) {
-        codeRunner_->runCode(document->content(), language);
-        return;
-    }
-    const QString message = u"Error: language '"_s + language.rawValue() + u"' is not runnable."_s;
-    codeRunner_->setOutput(message);
-    services_.notificationCenter.post(notifications::codeOutput, message);
 }
 
 // ---- Recent files ---------------------------------------------------------------------------------------------------

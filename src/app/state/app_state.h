@@ -28,6 +28,7 @@ class GitService;
 class LargeFiles;
 class Notices;
 class ReplacedFiles;
+class RunRequests;
 class UnsavedTexts;
 class WatchedFiles;
 struct FileFailure;
@@ -189,7 +190,7 @@ public:
 
     /// Shows the output page and runs the current document: its file as it stands on disk, without unsaved edits, or,
     /// when it has none, its text. A text in a language that cannot be run so is told in the runner's output and on the
-    /// page.
+    /// page. While another run is on, a notice says so and offers to end it (see `RunRequests`).
     void runCurrentFile();
 
     /// Puts `url` at the front of the recent files, cuts them to ten and stores them.
@@ -232,6 +233,7 @@ private:
     /// Takes what was read of it; nothing when that was ended.
     void showLargeFile(const QUrl& url, const std::optional<std::variant<TextTree, FileError>>& text);
     void appendAndShow(std::shared_ptr<Document> document);
+    void showOutputPage();
     /// Puts each at the front of the recent files, and stores them once.
     void putInRecentFiles(const QList<QUrl>& urls);
 
@@ -239,6 +241,7 @@ private:
     const std::unique_ptr<CodeRunner> codeRunner_;
     const std::unique_ptr<GitService> git_;
     const std::unique_ptr<Notices> notices_;
+    const std::unique_ptr<RunRequests> runRequests_;
     const std::unique_ptr<LargeFiles> largeFiles_;
     const std::unique_ptr<DocumentRewriter> rewriter_;
     const std::unique_ptr<UnsavedTexts> unsavedTexts_;
