@@ -1,5 +1,7 @@
 #include "text/layout/laid_out_piece.h"
 
+#include "text/layout/control_signs.h"
+
 #include <QPainter>
 
 #include <cmath>
@@ -46,8 +48,11 @@ bool mayRunLeft(QStringView text)
 
 LaidOutPiece::LaidOutPiece(const QString& text, const std::vector<ColorRun>& colors, const Preedit* preedit,
                            const RowMetrics& metrics)
-    : layout_(text, metrics.font)
+    : layout_(metrics.showsControls ? withControlSigns(text) : text, metrics.font)
 {
+    if (metrics.showsControls) {
+        signFormats_ = controlSignFormats(text);
+    }
     layout_.setCacheEnabled(true);
     if (preedit != nullptr) {
         preeditStart_ = static_cast<int>(preedit->offset);
@@ -156,7 +161,7 @@ void LaidOutPiece::rewrap(const RowMetrics& metrics)
 
 QList<QTextLayout::FormatRange> LaidOutPiece::formatsOf(const std::vector<ColorRun>& colors) const
 {
-    QList<QTextLayout::FormatRange> formats = formatsFor(colors);
+    QList<QTextLayout::FormatRange> formats = formatsFor(colors) + signFormats_;
     if (preeditLength_ > 0) {
         // Formats count over the text with the composition in it: what stands behind moves on, what goes across is
         // split.

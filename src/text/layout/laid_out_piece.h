@@ -42,6 +42,8 @@ struct RowMetrics
     /// From the top of a row to the base line of its letters.
     qreal baseline = 0;
     qreal tabStop = 0;
+    /// Whether control characters are shown by signs.
+    bool showsControls = false;
 };
 
 /// The layout of one piece of text without a line terminator. Offsets count from the piece's start and leave a
@@ -96,6 +98,7 @@ private:
     int preeditStart_ = -1;
     int preeditLength_ = 0;
     int preeditCursor_ = 0;
+    QList<QTextLayout::FormatRange> signFormats_;
     QList<QTextLayout::FormatRange> preeditFormats_;
 };
 

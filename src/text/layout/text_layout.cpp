@@ -35,6 +35,13 @@ void TextLayout::setFont(const QFont& font, std::optional<qreal> rowHeight)
     estimateAll();
 }
 
+void TextLayout::setShowsControlCharacters(bool shows)
+{
+    metrics_.showsControls = shows;
+    pieces_.clear();
+    estimateAll();
+}
+
 void TextLayout::setWidth(qreal width)
 {
     const qreal wanted = std::max(width, advance_);

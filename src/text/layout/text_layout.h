@@ -82,6 +82,10 @@ public:
     qreal width() const { return metrics_.width; }
     void setWidth(qreal width);
 
+    /// Whether control characters are shown by signs that have a width; not so at first. The text stays as it is.
+    bool showsControlCharacters() const { return metrics_.showsControls; }
+    void setShowsControlCharacters(bool shows);
+
     qreal height() const { return static_cast<qreal>(table_.rowCount()) * metrics_.rowHeight; }
     /// The top of a line's first row.
     qreal topOfLine(qsizetype line) const { return static_cast<qreal>(table_.firstRow(line)) * metrics_.rowHeight; }

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void theEndOfALongOutputIsKept();
     void itHearsNothingWhenItIsGone();
     void textCanBeSelectedAndCopiedButNotChanged();
+    void controlCharactersAreSeenAndCopiedAsTheyCame();
     void itFollowsTheTheme();
     void theTextIsMonospacedAndRegular();
     void scrollingToTheEndTakesATenthOfASecondAtOnePace();
@@ -183,6 +184,24 @@ void OutputViewTest::textCanBeSelectedAndCopiedButNotChanged()
     QCOMPARE(QGuiApplication::clipboard()->text(), u"some text"_s);
     fixture.post(u" more"_s);
     QCOMPARE(fixture.text().selectedRange(), (TextRange{0, 9}));
+}
+
+void OutputViewTest::controlCharactersAreSeenAndCopiedAsTheyCame()
+{
+    Fixture fixture;
+    const QString text = u"\x1b[31mred\x1b[0m \a\b\u009b2J\u007f end"_s + QChar(0) + u"\v"_s;
+    fixture.post(text);
+    QCOMPARE(fixture.view->output(), text);
+    TextLayout& layout = fixture.text().textLayout();
+    for (qsizetype offset = 0; offset < text.size(); ++offset) {
+        // Each takes its place of one letter, and none covers what follows.
+        const qreal width = layout.caretRect({offset + 1, true}).x() - layout.caretRect({offset, true}).x();
+        QVERIFY2(std::abs(width - layout.advance()) < 0.5, qPrintable(QString::number(offset)));
+    }
+    fixture.text().setFocus();
+    QTest::keyClick(&fixture.text(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&fixture.text(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), text);
 }
 
 void OutputViewTest::itFollowsTheTheme()
