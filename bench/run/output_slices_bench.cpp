@@ -1,6 +1,6 @@
-// The output page below programs that write much: the longest time that the main thread was busy without a look at what
-// a person does, by the clock and by what it had of a core, from the first text on. KELM_BENCH_SECONDS (10) of those
-// that go on for a time.
+// The output page, and a terminal in colours, below programs that write much: the longest time that the main thread was
+// busy without a look at what a person does, by the clock and by what it had of a core, from the first text on.
+// KELM_BENCH_SECONDS (10) of those that go on for a time.
 #include "editor/themes/theme_manager.h"
 #include "platform/events/notification_center.h"
 #include "platform/files/user_defaults.h"
@@ -8,6 +8,7 @@
 #include "run/code_runner.h"
 #include "run/view/output_page.h"
 #include "run/view/output_view.h"
+#include "run/view/terminal_text_view.h"
 #include "text/view/text_view.h"
 #include "workbench/main_slices.h"
 
@@ -77,6 +78,28 @@ void run(benchmark::State& state, QByteArray script)
         loop.exec();
         const bench::Slice clear = application().takeLongest();
         state.counters["clear ms"] = clear.wall;
+        state.counters["of core "] = clear.cpu;
+    }
+}
+
+/// A terminal below a command that paints its text in colours that change every few letters.
+void colors(benchmark::State& state)
+{
+    for (auto _ : state) {
+        TerminalSession session({Scheduler::system(), NotificationCenter::shared()});
+        TerminalTextView view;
+        view.resize(900, 300);
+        view.setSession(&session);
+        session.setTextView(&view);
+        view.show();
+        QTimer::singleShot(200, &view, [&] { view.appendPrompt(); });
+        QTimer::singleShot(300, &view, [] { application().takeLongest(); });
+        QTimer::singleShot(seconds().toInt() * 1000, &view, [&] { session.sendInterrupt(); });
+        session.executeCommand(u"yes \"$(printf '\\033[31mred++\\033[32mgreen\\033[34mblue+\\033[35mpink+')\""_s);
+        const bench::Slice flood = application().takeLongest();
+        state.counters["longest ms"] = flood.wall;
+        state.counters["of core"] = flood.cpu;
+        state.counters["MiB kept"] = double(view.storage().length()) / (1 << 20);
     }
 }
 
@@ -108,6 +131,10 @@ int main(int argc, char** argv)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
     }
+    benchmark::RegisterBenchmark("terminal: colours", colors)
+        ->Iterations(1)
+        ->UseRealTime()
+        ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }
