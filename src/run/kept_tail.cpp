@@ -1,6 +1,11 @@
 #include "run/kept_tail.h"
 
+#include "platform/events/background_task.h"
+
+#include <QThreadPool>
+
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -32,6 +37,10 @@ void KeptTail::append(const QString& text)
 
 void KeptTail::clear()
 {
+    if (units_ > slack_) {
+        // A worker gives the memory back: that can take longer than a frame.
+        backgroundWorkers().start([last = std::exchange(pieces_, {})] { Q_UNUSED(last) });
+    }
     pieces_.clear();
     units_ = 0;
     letGo_ = 0;
