@@ -7,7 +7,8 @@ from Xlib import X
 
 from notice_line import take_last_offer, until_another
 
-# From the window's lower left corner, beside the sidebar: where the row above the output tells how long a run has lasted.
+# From the window's lower left corner: where the row above the output tells how long a run has lasted, beside the
+# sidebar.
 LEFT, UP, WIDTH, HEIGHT = 270, 276, 200, 18
 
 LOOP = """\
