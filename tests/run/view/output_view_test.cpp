@@ -198,6 +198,16 @@ void OutputViewTest::controlCharactersAreSeenAndCopiedAsTheyCame()
         const qreal width = layout.caretRect({offset + 1, true}).x() - layout.caretRect({offset, true}).x();
         QVERIFY2(std::abs(width - layout.advance()) < 0.5, qPrintable(QString::number(offset)));
     }
+    // The first one stands on a ground of its own, which fills its place as no box would.
+    const QImage picture = fixture.text().viewport()->grab().toImage();
+    const QRect cell(12, 9, int(layout.advance()), int(layout.rowHeight()) - 2);
+    int changed = 0;
+    for (int y = cell.top(); y <= cell.bottom(); ++y) {
+        for (int x = cell.left(); x <= cell.right(); ++x) {
+            changed += picture.pixelColor(x, y).rgb() != fixture.text().colors().background.rgb() ? 1 : 0;
+        }
+    }
+    QVERIFY2(changed * 10 > cell.width() * cell.height() * 9, qPrintable(QString::number(changed)));
     fixture.text().setFocus();
     QTest::keyClick(&fixture.text(), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(&fixture.text(), Qt::Key_C, Qt::ControlModifier);
