@@ -59,6 +59,7 @@ set(KELM_ICONS
   sidebar.left.svg
   square.and.arrow.down.on.square.svg
   square.and.arrow.down.svg
+  stop.fill.svg
   swift.svg
   tag.fill.svg
   tag.svg

@@ -6,6 +6,8 @@
 #include "platform/process/child_process.h"
 #include "run/executable_search.h"
 #include "run/kept_tail.h"
+#include "run/run_failure.h"
+#include "run/run_record.h"
 #include "run/runner_table.h"
 
 #include <QObject>
@@ -19,8 +21,7 @@
 namespace kelm {
 
 /// Runs one source file, or one unsaved text through a temporary file, as a child process, and publishes what the child
-/// writes. There is one run at a time, and nothing stops a run but its own end: a request that comes meanwhile is
-/// refused.
+/// writes. There is one run at a time: a request that comes meanwhile is refused.
 ///
 /// The child inherits the application's environment and its standard input, and works in the folder of the file. What
 /// it writes comes in chunks as it is read, at most 64 KiB each, and each chunk is posted as `codeOutput` too. A chunk
@@ -49,6 +50,7 @@ public:
     /// What the user sees of the latest run: a header line, the child's output and, with a prefix, its errors, and the
     /// exit line; or why nothing could be run. Linear in the text, and not for each chunk.
     QString output() const { return output_.textBehindLetGoLine(); }
+    /// Puts another text there, which is not that of a run.
     void setOutput(const QString& output);
     /// The standard error of the latest run alone, without prefixes.
     QString stderrBuffer() const { return stderrBuffer_.text(); }
@@ -56,6 +58,8 @@ public:
     bool isStderrEmpty() const { return stderrBuffer_.isEmpty(); }
     /// The exit status of the latest run, or the number of the signal that ended it; absent until it has ended.
     std::optional<qint32> lastExitCode() const { return lastExitCode_; }
+    /// The run whose output is `output`; absent when that is not the output of a run.
+    const std::optional<RunRecord>& record() const { return record_; }
     /// The child of the latest run with its pipes, kept when the run has ended; null before the first run.
     const ChildProcess* process() const { return process_; }
 
@@ -66,8 +70,12 @@ public:
 
     /// Runs `code` as a file in `language`, by way of a `makeSnippetCopy`, which is removed when the run has ended,
     /// before the completion is called. While another run is on, and when the file cannot be written, which is told in
-    /// `output`, the completion is not called.
-    void runCode(const QString& code, Language language, Completion completion = {});
+    /// `output`, the completion is not called. `name` is that of the run's record; the file's where it is empty.
+    void runCode(const QString& code, Language language, Completion completion = {}, const QString& name = {});
+
+    /// Ends the run with all that it has started (`endTree`). It goes on until its end has been reported as that of any
+    /// run. Does nothing when nothing runs.
+    void stop();
 
     /// The path of a program by its name, such as "python3"; blocks for a moment when it is in none of the usual
     /// folders.
@@ -78,11 +86,18 @@ Q_SIGNALS:
     void outputChanged();
     void stderrBufferChanged();
     void lastExitCodeChanged();
+    void recordChanged();
+    /// A run that was asked for does not begin; not sent for one that is refused because another is on.
+    void failed(const kelm::RunFailure& failure);
 
 private:
     std::optional<RunnerConfig> getRunner(const QString& extension) const;
-    void beginRun(const QString& fileName);
-    void endRun(int status);
+    void runAs(const QString& name, const QUrl& file, const Completion& completion);
+    void beginRun(const QString& name, const QString& fileName);
+    void endRun(const ProcessExit& exit);
+    /// Puts a text in the place of the output.
+    void replaceOutput(const QString& output);
+    void setRecord(std::optional<RunRecord> record);
     ChildProcess* makeProcess(Completion completion);
 
     void setIsRunning(bool isRunning);
@@ -96,6 +111,7 @@ private:
     KeptTail output_;
     KeptTail stderrBuffer_;
     std::optional<qint32> lastExitCode_;
+    std::optional<RunRecord> record_;
     QPointer<ChildProcess> process_;
 };
 

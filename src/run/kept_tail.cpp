@@ -1,6 +1,11 @@
 #include "run/kept_tail.h"
 
+#include "platform/events/background_task.h"
+
+#include <QThreadPool>
+
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -32,6 +37,10 @@ void KeptTail::append(const QString& text)
 
 void KeptTail::clear()
 {
+    if (units_ > slack_) {
+        // A worker gives the memory back: that can take longer than a frame.
+        backgroundWorkers().start([last = std::exchange(pieces_, {})] { Q_UNUSED(last) });
+    }
     pieces_.clear();
     units_ = 0;
     letGo_ = 0;
@@ -48,6 +57,15 @@ QString KeptTail::text() const
         all += piece;
     }
     return all;
+}
+
+QString KeptTail::end(qsizetype units) const
+{
+    QString last;
+    for (auto piece = pieces_.rbegin(); piece != pieces_.rend() && last.size() < units; ++piece) {
+        last.prepend(QStringView(*piece).last(std::min(piece->size(), units - last.size())));
+    }
+    return last;
 }
 
 /// Lets at most so many units go, from one piece: all of it, or up to a line's start where there is one.

@@ -33,6 +33,8 @@ public:
     QString text() const;
     /// The same behind the line that says how much was let go, if something was.
     QString textBehindLetGoLine() const { return letGo_ > 0 ? letGoText(letGo_) + u'\n' + text() : text(); }
+    /// Its last units, `units` or all where there are fewer; linear in those.
+    QString end(qsizetype units) const;
 
 private:
     void dropFront(qsizetype units);

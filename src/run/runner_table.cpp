@@ -1,10 +1,25 @@
 #include "run/runner_table.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Null for an extension that the table lacks.
+const RunnerRow* rowOf(QStringView extension)
+{
+    const auto& table = runnerTable();
+    const auto row = std::find_if(table.begin(), table.end(),
+                                  [extension](const RunnerRow& each) { return each.extensions.contains(extension); });
+    return row != table.end() ? &*row : nullptr;
+}
+
+} // namespace
 
 const std::vector<RunnerRow>& runnerTable()
 {
@@ -28,10 +43,8 @@ const std::vector<RunnerRow>& runnerTable()
 
 std::optional<RunnerConfig> runnerFor(QStringView extension, const ExecutableSearch& search)
 {
-    const auto& table = runnerTable();
-    const auto row = std::find_if(table.begin(), table.end(),
-                                  [extension](const RunnerRow& each) { return each.extensions.contains(extension); });
-    if (row == table.end()) {
+    const RunnerRow* const row = rowOf(extension);
+    if (row == nullptr) {
         return std::nullopt;
     }
     for (const RunnerRow::Searched& program : row->searched) {
@@ -40,6 +53,15 @@ std::optional<RunnerConfig> runnerFor(QStringView extension, const ExecutableSea
         }
     }
     return row->fallback;
+}
+
+QString programName(QStringView extension, const std::optional<RunnerConfig>& runner)
+{
+    if (runner) {
+        return QFileInfo(runner->executable).fileName();
+    }
+    const RunnerRow* const row = rowOf(extension);
+    return row != nullptr && !row->searched.empty() ? row->searched.front().name : QString();
 }
 
 } // namespace kelm

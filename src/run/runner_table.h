@@ -46,4 +46,8 @@ const std::vector<RunnerRow>& runnerTable();
 /// when what it needs is not found.
 std::optional<RunnerConfig> runnerFor(QStringView extension, const ExecutableSearch& search);
 
+/// The name of the program that runs files of `extension`, where `runner` is what `runnerFor` gave; empty for an
+/// extension that the table lacks.
+QString programName(QStringView extension, const std::optional<RunnerConfig>& runner);
+
 } // namespace kelm

@@ -76,6 +76,28 @@ void runFile(Stage& stage)
     settleUntil([&hasScrolled] { return hasScrolled; });
 }
 
+/// A run that goes on; it ends by itself when its picture is taken.
+void runForAWhile(Stage& stage)
+{
+    const QString code = u"import time\n\nprint(\"Picking \\033[32mapples\\033[0m\", flush=True)\ntime.sleep(8)\n"_s;
+    stage.state.openSnippet(code, Language::python, std::nullopt);
+    settle();
+    stage.state.runCurrentFile();
+    settleUntil([&stage] { return stage.state.codeRunner().output().contains(u"Picking"_s); });
+    bool hasLasted = false;
+    QTimer::singleShot(2200, &stage.window, [&hasLasted] { hasLasted = true; });
+    settleUntil([&hasLasted] { return hasLasted; });
+    QTimer::singleShot(1000, &stage.window, [&stage] { stage.state.codeRunner().stop(); });
+}
+
+/// A run that wanted to read.
+void runWithoutInput(Stage& stage)
+{
+    stage.state.openSnippet(u"name = input(\"Which apple? \")\nprint(name)\n"_s, Language::python, std::nullopt);
+    settle();
+    runFile(stage);
+}
+
 void tell(Stage& stage, const QString& text, std::optional<double> progress)
 {
     Notices& notices = stage.state.notices();
@@ -156,6 +178,8 @@ std::vector<Shot> shots()
         {"opening", {orchard, basket}, [](Stage& stage) { tell(stage, u"Opening harvest.log…"_s, 0.43); }},
         {"sorting", {basket}, [](Stage& stage) { tell(stage, u"Sorting lines…"_s, std::nullopt); }},
         {"output", {basket}, runFile},
+        {"output-running", {basket}, runForAWhile},
+        {"output-no-input", {basket}, runWithoutInput},
         {"terminal", {basket}, useTerminal},
         {.name = "terminal-interrupted", .files = {basket}, .prepareAround = interruptInVain},
         {.name = "korean", .files = {korean}, .showsProject = false},

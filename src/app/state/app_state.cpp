@@ -9,6 +9,7 @@
 #include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "app/state/replaced_files.h"
+#include "app/state/run_requests.h"
 #include "app/state/text_file.h"
 #include "app/state/unsaved_texts.h"
 #include "app/state/watched_files.h"
@@ -38,6 +39,8 @@ AppState::AppState(const Services& services)
     : services_(services),
       codeRunner_(std::make_unique<CodeRunner>(services.notificationCenter, services.executableSearch)),
       notices_(std::make_unique<Notices>(services.scheduler)),
+      runRequests_(std::make_unique<RunRequests>(*codeRunner_, *notices_, services.notificationCenter,
+                                                 [this] { showOutputPage(); })),
       gitNotices_(std::make_unique<GitNotices>(*notices_, services.scheduler)),
       git_(std::make_unique<GitService>(std::make_shared<PatientRunner>(services.processRunner, gitNotices_->signs()))),
       repositoryFollower_(std::make_unique<RepositoryFollower>(*git_, services.scheduler)),
@@ -360,21 +363,14 @@ void AppState::runCurrentFile()
         return;
     }
     linkRuns_->putAway(document);
+    showOutputPage();
+    runRequests_->request(document);
+}
+
+void AppState::showOutputPage()
+{
     setShowBottomPanel(true);
     setBottomPanelTab(BottomPanelTab::output);
-    services_.notificationCenter.post(notifications::clearOutput);
-    if (document->fileURL()) {
-        codeRunner_->run(*document->fileURL());
-        return;
-    }
-    const Language language = document->language();
-    if (language.runsWithoutFile()) {
-        codeRunner_->runCode(document->content(), language);
-        return;
-    }
-    const QString message = u"Error: language '"_s + language.rawValue() + u"' is not runnable."_s;
-    codeRunner_->setOutput(message);
-    services_.notificationCenter.post(notifications::codeOutput, message);
 }
 
 // ---- The project ----------------------------------------------------------------------------------------------------

@@ -31,6 +31,7 @@ class LinkRuns;
 class Notices;
 class ReplacedFiles;
 class RepositoryFollower;
+class RunRequests;
 class UnsavedTexts;
 class WatchedFiles;
 struct FileFailure;
@@ -197,7 +198,7 @@ public:
 
     /// Shows the output page and runs the current document: its file as it stands on disk, without unsaved edits, or,
     /// when it has none, its text. A text in a language that cannot be run so is told in the runner's output and on the
-    /// page.
+    /// page. While another run is on, a notice says so and offers to end it (see `RunRequests`).
     void runCurrentFile();
 
     /// Puts `url` at the front of the recent files, cuts them to ten and stores them.
@@ -243,12 +244,14 @@ private:
     /// Takes what was read of it; nothing when that was ended.
     void showLargeFile(const QUrl& url, const std::optional<std::variant<TextTree, FileError>>& text);
     void appendAndShow(std::shared_ptr<Document> document);
+    void showOutputPage();
     /// Puts each at the front of the recent files, and stores them once.
     void putInRecentFiles(const QList<QUrl>& urls);
 
     Services services_;
     const std::unique_ptr<CodeRunner> codeRunner_;
     const std::unique_ptr<Notices> notices_;
+    const std::unique_ptr<RunRequests> runRequests_;
     const std::unique_ptr<GitNotices> gitNotices_;
     const std::unique_ptr<GitService> git_;
     const std::unique_ptr<RepositoryFollower> repositoryFollower_;

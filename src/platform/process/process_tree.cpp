@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds lookInterval{10};
+constexpr std::chrono::milliseconds treeLookInterval{10};
 /// How long those that were killed are waited for; one that waits for a dead disk does not go at all.
 constexpr std::chrono::milliseconds killTime{200};
 
@@ -61,7 +61,7 @@ private:
 /// False when some are still there at the end of the time.
 bool isGoneWithin(ProcessTree& tree, std::chrono::milliseconds time, bool kills)
 {
-    for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(lookInterval)) {
+    for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(treeLookInterval)) {
         tree.look();
         if (tree.isGone()) {
             return true;

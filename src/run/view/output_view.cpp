@@ -38,6 +38,7 @@ OutputView::OutputView(NotificationCenter& notifications, ThemeManager& themeMan
     textView_->setReadOnly(true);
     textView_->setTextFont(style::monospaced(fontSize), rowHeight);
     textView_->setTextInset(outputInset);
+    textView_->textLayout().setShowsControlCharacters(true);
     textView_->setAccessibleName(tr("Output"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});

@@ -15,8 +15,9 @@ class TextView;
 class ThemeManager;
 
 /// Shows what runs post as `codeOutput`, from the moment it is made, and begins anew at `clearOutput`. The text can be
-/// selected and copied; the last `mostKeptUnits` of it are kept, and the first line says how much was let go. Each text
-/// that comes scrolls the page to its end in 0.1 seconds, unless the person has scrolled back. Main thread only.
+/// selected and copied; control characters are shown by signs, and copied as they came. The last `mostKeptUnits` of it
+/// are kept, and the first line says how much was let go. Each text that comes scrolls the page to its end in 0.1
+/// seconds, unless the person has scrolled back. Main thread only.
 class OutputView final : public QWidget
 {
     Q_OBJECT

@@ -130,18 +130,16 @@ void RowTable::replaceLines(qsizetype first, qsizetype removed, const std::vecto
         replaceWithUnmeasured(first, removed, static_cast<qsizetype>(added.size()));
         return;
     }
-    // The touched blocks are put together, changed and cut into blocks again.
+    // What is left of the first and the last touched block is put together with what is new, and cut into blocks again.
     std::vector<int> rows;
-    for (std::size_t block = from; block < end; ++block) {
-        rows.insert(rows.end(), blocks_[block].rows.begin(), blocks_[block].rows.end());
+    if (from < end) {
+        const std::vector<int>& head = blocks_[from].rows;
+        rows.assign(head.begin(), head.begin() + (first - linesBefore_[from]));
     }
-    const auto at = rows.begin() + (first - linesBefore_[from]);
-    const qsizetype common = std::min<qsizetype>(removed, static_cast<qsizetype>(added.size()));
-    std::copy_n(added.begin(), common, at);
-    if (removed > common) {
-        rows.erase(at + common, at + removed);
-    } else {
-        rows.insert(at + common, added.begin() + common, added.end());
+    rows.insert(rows.end(), added.begin(), added.end());
+    if (from < end) {
+        const std::vector<int>& tail = blocks_[end - 1].rows;
+        rows.insert(rows.end(), tail.begin() + (first + removed - linesBefore_[end - 1]), tail.end());
     }
     std::vector<Block> rebuilt;
     appendBlocks(rebuilt, rows);

@@ -156,6 +156,7 @@ private:
 
     void textEdited(const TextEdit& edit);
     void longLineEdited(const TextEdit& edit);
+    void keepCuts(const TextEdit& edit, const LinePieces& before);
     void movePreedit(const TextEdit& edit);
     void colorsChanged(TextRange range);
     // RowMeasure

@@ -43,13 +43,54 @@ void TextLayout::textEdited(const TextEdit& edit)
         rekeyPieces({edit.firstLine, 0}, {storage_.lines().lineCount() + edit.linesRemoved, 0},
                     [shift](PieceKey& key) { key.line += shift; });
     }
+    const LinePieces* const pieces = longLines_.find(edit.firstLine);
+    const LinePieces firstBefore = pieces != nullptr ? *pieces : LinePieces();
     longLines_.linesReplaced(edit);
+    keepCuts(edit, firstBefore);
     const qsizetype units = storage_.lines().end(edit.firstLine) - storage_.lines().start(edit.firstLine);
     if (wasLaidOut && edit.linesRemoved == 1 && edit.linesAdded == 1 && units <= longestPiece) {
         // The rows that the line had are a better guess than any, and keep the page from jumping at each key.
         return;
     }
     reestimate(edit.firstLine, edit.linesRemoved, edit.linesAdded);
+}
+
+/// A long line into which a line end comes keeps its cuts on both sides of that: to find them anew takes as long as the
+/// line is.
+void TextLayout::keepCuts(const TextEdit& edit, const LinePieces& before)
+{
+    if (before.starts.empty()) {
+        return;
+    }
+    const TextRange head = lineContent(edit.firstLine);
+    const qsizetype editStart = edit.range.location - head.location;
+    if (head.length > longestPiece) {
+        std::size_t kept = before.firstThatSees(std::max<qsizetype>(0, editStart - 1));
+        while (kept > 0 && head.length - before.starts[kept] < shortestPiece) {
+            --kept;
+        }
+        const qsizetype from = before.starts[kept];
+        LinePieces pieces = before;
+        pieces.replace(kept, before.starts.size() - kept, cutEdited({head.location + from, head.length - from}), 0);
+        longLines_.insert(edit.firstLine, std::move(pieces));
+    }
+    const qsizetype lastLine = edit.firstLine + edit.linesAdded - 1;
+    const TextRange tail = lineContent(lastLine);
+    if (edit.linesRemoved != 1 || edit.linesAdded == 1 || tail.length <= longestPiece) {
+        return;
+    }
+    const qsizetype editEnd = editStart + edit.range.length;
+    const qsizetype shift = edit.range.location + edit.newLength - tail.location - editEnd;
+    std::size_t firstBehind = before.pieceAt(editEnd) + 1;
+    while (firstBehind < before.starts.size() && before.starts[firstBehind] + shift < shortestPiece) {
+        ++firstBehind;
+    }
+    if (firstBehind == before.starts.size()) {
+        return;
+    }
+    LinePieces pieces = before;
+    pieces.replace(0, firstBehind, cutEdited({tail.location, before.starts[firstBehind] + shift}), shift);
+    longLines_.insert(lastLine, std::move(pieces));
 }
 
 void TextLayout::movePreedit(const TextEdit& edit)

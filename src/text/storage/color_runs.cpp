@@ -78,10 +78,8 @@ void ColorRuns::setSideBySide(TextRange whole, std::vector<qsizetype> starts, co
 
 TextRange ColorRuns::assign(const std::vector<ColorRun>& runs)
 {
-    std::vector<qsizetype> starts;
-    std::vector<Color> colors;
-    starts.reserve(runs.size() + 1);
-    colors.reserve(runs.size() + 1);
+    std::deque<qsizetype> starts;
+    std::deque<Color> colors;
     const auto append = [&](qsizetype start, Color color) {
         if (!colors.empty() && colors.back() == color) {
             return;

@@ -6,6 +6,7 @@
 
 #include <QRgb>
 
+#include <deque>
 #include <optional>
 #include <vector>
 
@@ -60,8 +61,8 @@ private:
                      const std::vector<Color>& colors);
 
     // Run i goes from starts_[i] to the next start or the end of the text. An empty text has no run.
-    ShiftedOffsets starts_;
-    std::vector<Color> colors_;
+    QueuedOffsets starts_;
+    std::deque<Color> colors_;
     qsizetype length_ = 0;
 };
 

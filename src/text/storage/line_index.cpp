@@ -40,22 +40,38 @@ void LineIndex::forget()
     lastLine_ = -1;
 }
 
-void forEachLine(const TextTree& text, qsizetype first, qsizetype count, const std::function<void(TextRange)>& look)
+namespace {
+
+/// Where a walk from line to line has come to.
+struct LineWalk
 {
-    const qsizetype from = text.lineStart(first);
-    qsizetype offset = from;
-    qsizetype start = from;
-    bool endsInReturn = false;
-    const auto lineEnds = [&](qsizetype end) {
+    const std::function<void(TextRange)>& look;
+    /// How many lines are still to be looked at, and where the first of them begins.
+    qsizetype left = 0;
+    qsizetype start = 0;
+
+    /// False when that was the last one.
+    bool lineEnds(qsizetype end)
+    {
         look(TextRange::between(start, end));
         start = end;
-        return --count > 0;
-    };
-    const bool hasMore = count > 0 && text.forEachPiece({from, text.length() - from}, [&](QStringView piece) {
+        return --left > 0;
+    }
+};
+
+enum class Walked { toTheLast, toTheEnd, intoALongLine };
+
+/// Looks at the text unit by unit, until a piece of it has no line end.
+Walked walkUnits(const TextTree& text, LineWalk& walk)
+{
+    qsizetype offset = walk.start;
+    bool endsInReturn = false;
+    bool isLong = false;
+    const bool hasMore = text.forEachPiece({offset, text.length() - offset}, [&](QStringView piece) {
         qsizetype at = 0;
         if (std::exchange(endsInReturn, false)) {
             at = piece.front() == u'\n' ? 1 : 0;
-            if (!lineEnds(offset + at)) {
+            if (!walk.lineEnds(offset + at)) {
                 return false;
             }
         }
@@ -64,19 +80,37 @@ void forEachLine(const TextTree& text, qsizetype first, qsizetype count, const s
             at += std::max(length, qsizetype(1));
             if (length == 1 && at == piece.size() && piece.back() == u'\r') {
                 endsInReturn = true;
-            } else if (length > 0 && !lineEnds(offset + at)) {
+            } else if (length > 0 && !walk.lineEnds(offset + at)) {
                 return false;
             }
         }
+        isLong = walk.start <= offset && !endsInReturn;
         offset += piece.size();
-        return true;
+        return !isLong;
     });
-    if (hasMore && endsInReturn && !lineEnds(text.length())) {
-        return;
+    if (isLong) {
+        return Walked::intoALongLine;
     }
-    // The last line has no end.
-    if (hasMore) {
-        look(TextRange::between(start, text.length()));
+    return hasMore && (!endsInReturn || walk.lineEnds(text.length())) ? Walked::toTheEnd : Walked::toTheLast;
+}
+
+} // namespace
+
+void forEachLine(const TextTree& text, qsizetype first, qsizetype count, const std::function<void(TextRange)>& look)
+{
+    LineWalk walk{look, count, text.lineStart(first)};
+    while (walk.left > 0) {
+        const Walked walked = walkUnits(text, walk);
+        if (walked == Walked::toTheLast) {
+            return;
+        }
+        // The tree knows where a line ends, without a look at each of its units. The last line has no end.
+        const qsizetype next = first + count - walk.left + 1;
+        if (walked == Walked::toTheEnd || next >= text.lineCount()) {
+            look(TextRange::between(walk.start, text.length()));
+            return;
+        }
+        walk.lineEnds(text.lineStart(next));
     }
 }
 

@@ -24,24 +24,28 @@ qsizetype partitionPoint(qsizetype size, Predicate isBefore)
 
 } // namespace
 
-qsizetype ShiftedOffsets::upperBound(qsizetype offset) const
+template <typename List>
+qsizetype ShiftedOffsetsIn<List>::upperBound(qsizetype offset) const
 {
     return partitionPoint(size(), [&](qsizetype index) { return at(index) <= offset; });
 }
 
-qsizetype ShiftedOffsets::lowerBound(qsizetype offset) const
+template <typename List>
+qsizetype ShiftedOffsetsIn<List>::lowerBound(qsizetype offset) const
 {
     return partitionPoint(size(), [&](qsizetype index) { return at(index) < offset; });
 }
 
-void ShiftedOffsets::reset(std::vector<qsizetype> offsets)
+template <typename List>
+void ShiftedOffsetsIn<List>::reset(List offsets)
 {
     offsets_ = std::move(offsets);
     shiftFrom_ = size();
     shift_ = 0;
 }
 
-void ShiftedOffsets::shift(qsizetype index, qsizetype distance)
+template <typename List>
+void ShiftedOffsetsIn<List>::shift(qsizetype index, qsizetype distance)
 {
     if (distance == 0 || index >= size()) {
         return;
@@ -50,12 +54,14 @@ void ShiftedOffsets::shift(qsizetype index, qsizetype distance)
     shift_ += distance;
 }
 
-void ShiftedOffsets::set(qsizetype index, qsizetype offset)
+template <typename List>
+void ShiftedOffsetsIn<List>::set(qsizetype index, qsizetype offset)
 {
     offsets_[static_cast<std::size_t>(index)] = index >= shiftFrom_ ? offset - shift_ : offset;
 }
 
-void ShiftedOffsets::replace(qsizetype index, qsizetype count, const std::vector<qsizetype>& added)
+template <typename List>
+void ShiftedOffsetsIn<List>::replace(qsizetype index, qsizetype count, const std::vector<qsizetype>& added)
 {
     // The pending distance stays where it begins, unless that is among what goes: a text of which the front is cut off
     // while it grows at its end would have it carried from one end to the other all the time.
@@ -81,7 +87,8 @@ void ShiftedOffsets::replace(qsizetype index, qsizetype count, const std::vector
     }
 }
 
-void ShiftedOffsets::moveShiftTo(qsizetype index)
+template <typename List>
+void ShiftedOffsetsIn<List>::moveShiftTo(qsizetype index)
 {
     if (shift_ != 0) {
         for (qsizetype i = shiftFrom_; i < index; ++i) {
@@ -93,5 +100,8 @@ void ShiftedOffsets::moveShiftTo(qsizetype index)
     }
     shiftFrom_ = index;
 }
+
+template class ShiftedOffsetsIn<std::vector<qsizetype>>;
+template class ShiftedOffsetsIn<std::deque<qsizetype>>;
 
 } // namespace kelm

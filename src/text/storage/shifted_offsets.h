@@ -3,14 +3,16 @@
 
 #include <QtGlobal>
 
+#include <deque>
 #include <vector>
 
 namespace kelm {
 
 /// Sorted offsets. Moving all offsets from one on costs nothing now: the move is remembered as one pending distance
 /// that holds for everything behind one index, and only the entries between the last edit and the next are ever
-/// touched. Typing at one place of a text of three million lines therefore touches none of them.
-class ShiftedOffsets
+/// touched. Typing at one place of a text of three million lines therefore touches none of them. `List` holds them.
+template <typename List>
+class ShiftedOffsetsIn
 {
 public:
     qsizetype size() const { return static_cast<qsizetype>(offsets_.size()); }
@@ -25,7 +27,7 @@ public:
     /// The first index whose offset is at least `offset`, or `size()`.
     qsizetype lowerBound(qsizetype offset) const;
 
-    void reset(std::vector<qsizetype> offsets);
+    void reset(List offsets);
     /// Adds `distance` to every offset from `index` on. The order must hold afterwards.
     void shift(qsizetype index, qsizetype distance);
     void set(qsizetype index, qsizetype offset);
@@ -36,9 +38,16 @@ private:
     /// Lets the pending distance hold from `index` on.
     void moveShiftTo(qsizetype index);
 
-    std::vector<qsizetype> offsets_;
+    List offsets_;
     qsizetype shiftFrom_ = 0;
     qsizetype shift_ = 0;
 };
+
+extern template class ShiftedOffsetsIn<std::vector<qsizetype>>;
+extern template class ShiftedOffsetsIn<std::deque<qsizetype>>;
+
+using ShiftedOffsets = ShiftedOffsetsIn<std::vector<qsizetype>>;
+/// For what grows at its end by the million while its front goes: neither moves what stands between.
+using QueuedOffsets = ShiftedOffsetsIn<std::deque<qsizetype>>;
 
 } // namespace kelm

@@ -5,6 +5,7 @@
 #include "platform/files/native_path.h"
 #include "platform/process/orderly_end.h"
 #include "platform/view/file_drop.h"
+#include "run/view/stop_run_key.h"
 #include "settings/view/settings_view.h"
 #include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/compositions.h"
@@ -80,6 +81,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     // Before the texts are brought to safety.
     onOrderlyEnd(this, [compositions](std::chrono::steady_clock::time_point) { compositions->end(); });
     new WindowNotices(appState_, *noticeBar_, *this);
+    installStopRunKey(appState_.codeRunner(), *this);
 }
 
 MainWindow::~MainWindow()

@@ -3,7 +3,7 @@
 #include "app/state/app_state.h"
 #include "files/view/file_tree_view.h"
 #include "git/panel/view/source_control_view.h"
-#include "run/view/output_view.h"
+#include "run/view/output_page.h"
 #include "run/view/problems_view.h"
 #include "run/view/terminal_view.h"
 #include "search/view/project_search_view.h"
@@ -36,7 +36,7 @@ BottomPanel::Pages bottomPanelPages(AppState& appState, ThemeManager& themeManag
         return new TerminalView(appState, {appState.scheduler(), appState.notificationCenter()}, parent);
     };
     const auto output = [&](QWidget* parent) {
-        return new OutputView(appState.notificationCenter(), themeManager, parent);
+        return new OutputPage(appState.codeRunner(), appState.notificationCenter(), themeManager, parent);
     };
     const auto problems = [&](QWidget* parent) { return new ProblemsView(themeManager, parent); };
     return {BottomPanel::Page{terminal, true}, BottomPanel::Page{output}, BottomPanel::Page{problems}};

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void theEndOfALongOutputIsKept();
     void itHearsNothingWhenItIsGone();
     void textCanBeSelectedAndCopiedButNotChanged();
+    void controlCharactersAreSeenAndCopiedAsTheyCame();
     void itFollowsTheTheme();
     void theTextIsMonospacedAndRegular();
     void scrollingToTheEndTakesATenthOfASecondAtOnePace();
@@ -183,6 +184,34 @@ void OutputViewTest::textCanBeSelectedAndCopiedButNotChanged()
     QCOMPARE(QGuiApplication::clipboard()->text(), u"some text"_s);
     fixture.post(u" more"_s);
     QCOMPARE(fixture.text().selectedRange(), (TextRange{0, 9}));
+}
+
+void OutputViewTest::controlCharactersAreSeenAndCopiedAsTheyCame()
+{
+    Fixture fixture;
+    const QString text = u"\x1b[31mred\x1b[0m \a\b\u009b2J\u007f end"_s + QChar(0) + u"\v"_s;
+    fixture.post(text);
+    QCOMPARE(fixture.view->output(), text);
+    TextLayout& layout = fixture.text().textLayout();
+    for (qsizetype offset = 0; offset < text.size(); ++offset) {
+        // Each takes its place of one letter, and none covers what follows.
+        const qreal width = layout.caretRect({offset + 1, true}).x() - layout.caretRect({offset, true}).x();
+        QVERIFY2(std::abs(width - layout.advance()) < 0.5, qPrintable(QString::number(offset)));
+    }
+    // The first one stands on a ground of its own, which fills its place as no box would.
+    const QImage picture = fixture.text().viewport()->grab().toImage();
+    const QRect cell(12, 9, int(layout.advance()), int(layout.rowHeight()) - 2);
+    int changed = 0;
+    for (int y = cell.top(); y <= cell.bottom(); ++y) {
+        for (int x = cell.left(); x <= cell.right(); ++x) {
+            changed += picture.pixelColor(x, y).rgb() != fixture.text().colors().background.rgb() ? 1 : 0;
+        }
+    }
+    QVERIFY2(changed * 10 > cell.width() * cell.height() * 9, qPrintable(QString::number(changed)));
+    fixture.text().setFocus();
+    QTest::keyClick(&fixture.text(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&fixture.text(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), text);
 }
 
 void OutputViewTest::itFollowsTheTheme()

@@ -179,6 +179,8 @@ private Q_SLOTS:
     void anotherFontBreaksAnew();
     void editsBreakAnew_data();
     void editsBreakAnew();
+    void lineEndsPartALongLine();
+    void lineEndsLeaveTheCutsAlone();
     void aWordThatFitsAboveNowGoesUp();
     void aPlaceIsFoundInItsRowAtOnce();
     void compositionsAreCounted();
@@ -331,6 +333,60 @@ void TextLayoutPiecesTest::editsBreakAnew()
             page.storage.replace({0, 0}, wordsOf(longestPiece * 4));
         }
     }
+}
+
+void TextLayoutPiecesTest::lineEndsPartALongLine()
+{
+    test::RandomText random;
+    Page page(wordsOf(longestPiece * 8), 70);
+    for (int round = 0; round < 150; ++round) {
+        const qsizetype at = random.below(4) == 0 ? page.storage.length() : random.below(page.storage.length() + 1);
+        const QStringList breaks{QStringLiteral("\n"), QStringLiteral("\n\n"), QStringLiteral("one\r\ntwo "),
+                                 QStringLiteral(" \r")};
+        const qsizetype gone = std::min(random.below(3) * random.below(longestPiece), page.storage.length() - at);
+        page.storage.replace({at, gone}, breaks[random.below(breaks.size())]);
+        if (random.below(2) == 0) {
+            const qreal top = page.layout.height() * static_cast<qreal>(random.below(10)) / 10;
+            page.layout.rowsBetween(top, top + 300);
+        }
+        // The first line or the last is left.
+        const LineIndex& lines = page.storage.lines();
+        const TextRange kept = lines.content(random.below(2) == 0 ? 0 : lines.lineCount() - 1);
+        if (kept.location > 0) {
+            page.storage.replace({0, kept.location}, QStringView());
+        } else {
+            page.storage.replace({kept.end(), page.storage.length() - kept.end()}, QStringView());
+        }
+        compareWithWalk(page);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        if (page.storage.length() < longestPiece * 2) {
+            page.storage.replace({0, 0}, wordsOf(longestPiece * 8));
+        }
+    }
+}
+
+void TextLayoutPiecesTest::lineEndsLeaveTheCutsAlone()
+{
+    Page page(QString(longestPiece * 6, u'a'), 64);
+    // Pieces that were typed into are longer than those of a line that is cut anew.
+    for (const int piece : {0, 3}) {
+        page.storage.replace({piece * longestPiece + 10, 0}, QString(256, u'b'));
+    }
+    const auto pieceOf = [&](qsizetype offset) { return page.layout.rowOf({offset, false}).piece; };
+    const qsizetype inFirst = longestPiece + 128;
+    const qsizetype inFourth = longestPiece * 4 + 256 + 128;
+    QCOMPARE(pieceOf(inFirst), std::size_t(0));
+    QCOMPARE(pieceOf(inFourth), std::size_t(3));
+    page.storage.replace({page.storage.length(), 0}, QStringLiteral("\nend"));
+    QCOMPARE(pieceOf(inFirst), std::size_t(0));
+    QCOMPARE(pieceOf(inFourth), std::size_t(3));
+    // In the third piece: what stands behind begins with another number, and is cut where it was.
+    page.storage.replace({longestPiece * 2 + 1000, 0}, QStringLiteral("\n"));
+    QCOMPARE(pieceOf(inFirst), std::size_t(0));
+    QCOMPARE(pieceOf(inFourth + 1), std::size_t(1));
+    QCOMPARE(pieceOf(longestPiece * 4 + 256 + 257), std::size_t(2));
 }
 
 void TextLayoutPiecesTest::aWordThatFitsAboveNowGoesUp()

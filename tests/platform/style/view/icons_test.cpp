@@ -218,6 +218,7 @@ void IconsTest::thereIsASymbolForEachNameInUse_data()
                              "sidebar.left",
                              "square.and.arrow.down",
                              "square.and.arrow.down.on.square",
+                             "stop.fill",
                              "swift",
                              "tag",
                              "tag.fill",

@@ -1,0 +1,141 @@
+#include "platform/process/child_process.h"
+#include "platform/process/process_table.h"
+#include "platform/process/process_tree.h"
+#include "support/test_program.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace process_tree_test {
+
+using namespace kelm;
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A shell that runs a line, heard until it says the word "ready".
+struct Shell
+{
+    Shell(const QString& line, bool ownGroup)
+    {
+        QObject::connect(&child, &ChildProcess::outputRead, &child, [this](const QString& text) { output += text; });
+        QObject::connect(&child, &ChildProcess::finished, &child, [this](const ProcessExit& how) { exit = how; });
+        const auto error = child.start({.program = u"/bin/bash"_s,
+                                        .arguments = {u"-c"_s, line},
+                                        .standardInput = QByteArray(),
+                                        .ownGroup = ownGroup});
+        isReady = !error && QTest::qWaitFor([this] { return output.contains(u"ready\n"_s) && told() > 0; });
+    }
+
+    /// The number that it has said on a line of its own; 0 before.
+    qint64 told() const
+    {
+        const QStringList lines = output.split(u'\n').filter(QRegularExpression(u"^\\d+$"_s));
+        return lines.isEmpty() ? 0 : lines.front().toLongLong();
+    }
+
+    ChildProcess child;
+    QString output;
+    std::optional<ProcessExit> exit;
+    bool isReady = false;
+};
+
+bool lives(qint64 process)
+{
+    const std::vector<ProcessEntry> table = processTable();
+    return std::any_of(table.begin(), table.end(),
+                       [process](const ProcessEntry& entry) { return entry.id == process && !entry.hasEnded; });
+}
+
+} // namespace
+
+class ProcessTreeTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void allOfItEnds_data();
+    void allOfItEnds();
+    void aSessionOfItsOwnGoesOn();
+    void whatIsNoChildIsLeftAlone();
+    void whoHasLostItsParentIsStillKnown();
+};
+
+void ProcessTreeTest::allOfItEnds_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("signal");
+    const QString waits = u"echo ready; wait"_s;
+    QTest::newRow("a child") << u"sleep 60 & echo $!; "_s + waits << SIGTERM;
+    QTest::newRow("one that ignores it") << u"trap '' TERM; sleep 60 & echo $!; "_s + waits << SIGKILL;
+    QTest::newRow("only its child ignores it")
+        << u"bash -c \"trap '' TERM; echo ready; exec sleep 60\" & echo $!; wait"_s << SIGTERM;
+    QTest::newRow("stopped") << u"sleep 60 & echo $!; echo ready; kill -STOP $$; wait"_s << SIGTERM;
+    QTest::newRow("a group within") << u"set -m; sleep 60 & echo $!; "_s + waits << SIGTERM;
+    QTest::newRow("detached from hang-ups") << u"nohup sleep 60 >/dev/null & echo $!; "_s + waits << SIGTERM;
+}
+
+void ProcessTreeTest::allOfItEnds()
+{
+    QFETCH(QString, line);
+    QFETCH(int, signal);
+    for (const bool ownGroup : {true, false}) {
+        Shell shell(line, ownGroup);
+        QVERIFY(shell.isReady);
+        const qint64 inner = shell.told();
+        QVERIFY(inner > 0 && lives(inner));
+        endTree(shell.child.processId(), 300ms);
+        QTRY_VERIFY(shell.exit.has_value());
+        QCOMPARE(*shell.exit, (ProcessExit{signal, true}));
+        QTRY_VERIFY(!lives(inner));
+    }
+}
+
+void ProcessTreeTest::aSessionOfItsOwnGoesOn()
+{
+    Shell shell(u"setsid bash -c 'echo ready; exec sleep 60' & echo $!; wait"_s, true);
+    QVERIFY(shell.isReady);
+    endTree(shell.child.processId(), 100ms);
+    QTRY_VERIFY(shell.exit.has_value());
+    QVERIFY(lives(shell.told()));
+    ::kill(static_cast<pid_t>(shell.told()), SIGKILL);
+}
+
+void ProcessTreeTest::whatIsNoChildIsLeftAlone()
+{
+    Shell shell(u"sleep 60 & echo $!; echo ready; wait"_s, true);
+    QVERIFY(shell.isReady);
+    // The shell's child is no child of this program, and this program is none of its own.
+    QVERIFY(ProcessTree(shell.told()).isGone());
+    QVERIFY(ProcessTree(::getpid()).isGone());
+    QVERIFY(ProcessTree(0).isGone());
+    shell.child.kill();
+    QTRY_VERIFY(shell.exit.has_value());
+}
+
+void ProcessTreeTest::whoHasLostItsParentIsStillKnown()
+{
+    for (const bool ownGroup : {true, false}) {
+        Shell shell(u"sleep 60 & echo $!; echo ready; wait"_s, ownGroup);
+        QVERIFY(shell.isReady);
+        ProcessTree tree(shell.child.processId());
+        ::kill(static_cast<pid_t>(shell.child.processId()), SIGKILL);
+        QTRY_VERIFY(shell.exit.has_value());
+        tree.look();
+        QVERIFY(!tree.isGone());
+        tree.signal(SIGTERM);
+        QTRY_VERIFY(!lives(shell.told()));
+        tree.look();
+        QVERIFY(tree.isGone());
+    }
+}
+
+const kelm::test::Registered<ProcessTreeTest> registered(kelm::test::Toolkit::core);
+
+} // namespace process_tree_test
+
+#include "process_tree_test.moc"
