@@ -106,8 +106,6 @@ void GitServiceFailuresTest::theCommandsWordsOutlastTheRefresh_data()
     QTest::addColumn<QString>("told");
     QTest::newRow("commit that cannot be signed") << Run([](GitService& git) { git.commit(u"second"_s); })
                                                   << u"cannot run /nowhere/gpg: No such file or directory"_s;
-    QTest::newRow("checkout") << Run([](GitService& git) { git.checkoutBranch(u"gone"_s); })
-                              << u"There is no branch \"gone\" any more."_s;
     QTest::newRow("merge") << Run([](GitService& git) { git.mergeBranch(u"gone"_s); })
                            << u"merge: gone - not something we can merge"_s;
     QTest::newRow("fetch") << Run([](GitService& git) {
