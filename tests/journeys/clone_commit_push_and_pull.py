@@ -1,24 +1,23 @@
 """A day with a repository, by the panel: clone, edit, stage a hunk, commit, push, pull into a conflict, resolve."""
 
-import subprocess
-
 import accessible
+import repository
+from repository import git
 
 LINES = [f"line {number}\n" for number in range(1, 41)]
 
 
 def go(journey):
     accessible.start(journey)
-    git = Git(journey)
-    (journey.home / ".gitconfig").write_text("[user]\nname = A Person\nemail = a@b.c\n[init]\ndefaultBranch = main\n")
+    repository.name_person(journey)
     there = journey.home / "there.git"
-    git("init", "--bare", there)
+    git(journey, journey.home, "init", "--bare", there)
     other = journey.home / "other"
-    git("clone", there, other)
+    git(journey, journey.home, "clone", there, other)
     (other / "notes.txt").write_text("".join(LINES))
-    git("-C", other, "add", ".")
-    git("-C", other, "commit", "-m", "First")
-    git("-C", other, "push", "origin", "main")
+    git(journey, other, "add", ".")
+    git(journey, other, "commit", "-m", "First")
+    git(journey, other, "push", "origin", "main")
 
     # Clone.
     program = journey.start()
@@ -53,25 +52,25 @@ def go(journey):
     accessible.click(journey, "Refresh")
     accessible.click(journey, "notes.txt (modified)")
     accessible.click(journey, "Stage hunk @@ -1,5 +1,5 @@ of notes.txt")
-    journey.until(lambda: "+second" in git("-C", here, "diff", "--cached"), "the staged hunk")
-    journey.check("+third" not in git("-C", here, "diff", "--cached"), "the other hunk is staged as well")
+    journey.until(lambda: "+second" in git(journey, here, "diff", "--cached"), "the staged hunk")
+    journey.check("+third" not in git(journey, here, "diff", "--cached"), "the other hunk is staged as well")
     accessible.click(journey, "Close", which=-1)
     commit(journey, "Edit the second line")
-    journey.until(lambda: said(git, here) == "Edit the second line", "the commit")
-    journey.check("+third" in git("-C", here, "diff"), "the other hunk is not left")
+    journey.until(lambda: said(journey, here) == "Edit the second line", "the commit")
+    journey.check("+third" in git(journey, here, "diff"), "the other hunk is not left")
 
     # The rest, and all of it to where it came from.
     accessible.click(journey, "Stage All")
     commit(journey, "Edit the end")
-    journey.until(lambda: said(git, here) == "Edit the end", "the second commit")
+    journey.until(lambda: said(journey, here) == "Edit the end", "the second commit")
     accessible.click(journey, "Push")
-    journey.until(lambda: said(git, there, "main") == "Edit the end", "the push")
+    journey.until(lambda: said(journey, there, "main") == "Edit the end", "the push")
 
     # Somebody else edits the same line.
-    git("-C", other, "pull")
+    git(journey, other, "pull")
     (other / "notes.txt").write_text("".join(edited).replace("second line, edited", "by somebody else"))
-    git("-C", other, "commit", "-am", "Theirs")
-    git("-C", other, "push")
+    git(journey, other, "commit", "-am", "Theirs")
+    git(journey, other, "push")
     journey.click(*TEXT)
     journey.key("ctrl+Home", "Down", "shift+End")
     journey.type("mine")
@@ -80,7 +79,7 @@ def go(journey):
     accessible.click(journey, "Refresh")
     accessible.click(journey, "Stage All")
     commit(journey, "Mine")
-    journey.until(lambda: said(git, here) == "Mine", "the third commit")
+    journey.until(lambda: said(journey, here) == "Mine", "the third commit")
     accessible.click(journey, "Pull")
     accessible.find(journey, "notes.txt (conflicted)")
 
@@ -93,14 +92,14 @@ def go(journey):
     accessible.click(journey, "Refresh")
     accessible.click(journey, "Stage All")
     commit(journey, "Both")
-    journey.until(lambda: said(git, here) == "Both", "the resolving commit")
+    journey.until(lambda: said(journey, here) == "Both", "the resolving commit")
     journey.key("ctrl+grave")
     journey.until(lambda: any("$" in (node["text"] or "") for node in accessible.nodes(journey)), "the prompt")
     journey.type(f"git -C {here} rebase --continue")
     journey.key("Return")
-    journey.until(lambda: git("-C", here, "branch", "--show-current").strip() == "main", "the end of the rebase")
+    journey.until(lambda: git(journey, here, "branch", "--show-current") == "main", "the end of the rebase")
     accessible.click(journey, "Push")
-    journey.until(lambda: said(git, there, "main") == "Both", "the second push")
+    journey.until(lambda: said(journey, there, "main") == "Both", "the second push")
     journey.key("ctrl+q")
     journey.ended(program)
 
@@ -115,17 +114,6 @@ def commit(journey, message):
     accessible.click(journey, "Commit")
 
 
-def said(git, folder, branch="HEAD"):
+def said(journey, folder, branch="HEAD"):
     """The message of the last commit."""
-    return git("-C", folder, "log", "-1", "--format=%s", branch).strip()
-
-
-class Git:
-    def __init__(self, journey):
-        self.journey = journey
-
-    def __call__(self, *words):
-        result = subprocess.run(("git", *map(str, words)), env=self.journey.environment, capture_output=True, text=True,
-                                check=False)
-        self.journey.check(result.returncode == 0, result.stderr)
-        return result.stdout
+    return git(journey, folder, "log", "-1", "--format=%s", branch).strip()

@@ -173,7 +173,7 @@ class Journey:
         self._xdotool("key", "--delay", "20", *keys)
 
     def type(self, text):
-        self._xdotool("type", "--delay", "5", text)
+        self._xdotool("type", "--delay", "5", "--", text)
 
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
