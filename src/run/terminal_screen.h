@@ -22,6 +22,11 @@ public:
     virtual void appendPrompt() = 0;
     /// Takes all text away.
     virtual void clear() = 0;
+
+    /// Takes away what is being typed, and gives it.
+    virtual QString takeTyped() { return {}; }
+    /// Puts it behind what was written since.
+    virtual void putTyped(const QString&) {}
 };
 
 } // namespace kelm

@@ -352,9 +352,15 @@ void TerminalSession::runFile(const QUrl& file)
 
 void TerminalSession::writeBanner()
 {
+    // Whoever types as soon as there is something to type in means the command behind the prompt.
+    TerminalScreen* const screen = isBusy_ ? nullptr : textView();
+    const QString typed = screen != nullptr ? screen->takeTyped() : QString();
     write(u"KelmWright Terminal v2.0\n"_s, plainColors::cyan);
     write(u"Type 'help' for available commands\n"_s, plainColors::gray);
     writePrompt();
+    if (!typed.isEmpty()) {
+        screen->putTyped(typed);
+    }
 }
 
 void TerminalSession::append(const AttributedText& output)

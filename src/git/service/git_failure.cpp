@@ -38,6 +38,8 @@ struct Reason
 constexpr std::array reasons{
     Reason{u"checkout --", u"did not match any file", Part::quoted, u"git has no version of %1 to go back to."},
     Reason{u"checkout", u"did not match any file", Part::quoted, u"There is no branch %1."},
+    Reason{u"merge --abort", u"There is no merge to abort", Part::line,
+           u"No merge goes on here. A rebase is ended in the terminal: git rebase --continue, or --abort."},
     Reason{u"apply", u"patch does not apply", Part::line, u"The hunk does not fit what is there now."},
     Reason{u"commit", u"no changes added to commit", Part::line, u"Nothing is staged: %1."},
     Reason{u"commit", u"nothing added to commit", Part::line, u"Nothing is staged: %1."},

@@ -104,6 +104,21 @@ void TerminalTextView::clear()
     commandStartLocation_ = 0;
 }
 
+QString TerminalTextView::takeTyped()
+{
+    commitComposition();
+    const qsizetype start = std::min(commandStartLocation_, storage().length());
+    const TextRange range = TextRange::between(start, storage().length());
+    const QString typed = storage().substring(range);
+    storage().replace(range, QString());
+    return typed;
+}
+
+void TerminalTextView::putTyped(const QString& text)
+{
+    replaceCurrentCommand(text);
+}
+
 void TerminalTextView::append(const QString& text, std::vector<ColorRun> colors)
 {
     // What was typed before has become a part of what was written.

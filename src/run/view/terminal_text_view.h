@@ -50,6 +50,8 @@ public:
     void appendOutput(const AttributedText& text) override;
     void appendPrompt() override;
     void clear() override;
+    QString takeTyped() override;
+    void putTyped(const QString& text) override;
 
 public Q_SLOTS:
     void paste() override;

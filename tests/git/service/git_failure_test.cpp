@@ -55,6 +55,8 @@ void GitFailureTest::sentence_data()
         "From /srv/x\n   1a2b3c4..5d6e7f8  main       -> origin/main\nhint: You have divergent branches\n"
         "fatal: Need to specify how to reconcile divergent branches.\n",
         "Need to specify how to reconcile divergent branches.");
+    row("nothing to abort", "merge --abort", "fatal: There is no merge to abort (MERGE_HEAD missing).\n",
+        "No merge goes on here. A rebase is ended in the terminal: git rebase --continue, or --abort.");
     row("a checkout over changes", "checkout side",
         "error: Your local changes to the following files would be overwritten by checkout:\n\ta.txt\n\tb.txt\n"
         "Please commit your changes or stash them before you switch branches.\nAborting\n",

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void theCaretInTheHistoryTextIsLeftAlone();
     void aFileThatWaitsIsNotRun();
     void linesGivenToTheSessionAreNotRun();
+    void whatIsTypedBeforeTheFirstPromptIsTheFirstCommand();
 };
 
 void TerminalTextViewTypedAheadTest::escapeThrowsAwayLinesThatWait()
@@ -150,6 +151,18 @@ void TerminalTextViewTypedAheadTest::linesGivenToTheSessionAreNotRun()
     interrupted(page, [&] { page.session().executeCommand(u"touch given"_s); });
     QCOMPARE(page.session().commandHistory().mid(1), QStringList{u"touch given"_s});
     QVERIFY(!QFileInfo::exists(page.path(u"given"_s)));
+}
+
+void TerminalTextViewTypedAheadTest::whatIsTypedBeforeTheFirstPromptIsTheFirstCommand()
+{
+    TerminalPage page;
+    page.type(u"echo o"_s);
+    page.showBanner();
+    QVERIFY(page.text().text().endsWith(page.prompt() + u"echo o"_s));
+    QCOMPARE(page.text().currentCommand(), u"echo o"_s);
+    page.type(u"k > one"_s);
+    page.press(Qt::Key_Return);
+    QVERIFY(QFileInfo::exists(page.path(u"one"_s)));
 }
 
 const kelm::test::Registered<TerminalTextViewTypedAheadTest> registered(kelm::test::Toolkit::widgets);
