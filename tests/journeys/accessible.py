@@ -28,8 +28,8 @@ def nodes(journey):
 def find(journey, name, role=None, which=0):
     """Waits for a control that is to be seen and whose name has just this first line."""
     def seen():
-        found = [node for node in nodes(journey)
-                 if node["name"].split("\n")[0] == name and role in (None, node["role"]) and "showing" in node["states"]]
+        named = [node for node in nodes(journey) if node["name"].split("\n")[0] == name]
+        found = [node for node in named if role in (None, node["role"]) and "showing" in node["states"]]
         return found[which] if found and which < len(found) else None
     return journey.until(seen, f"a control named {name!r}")
 

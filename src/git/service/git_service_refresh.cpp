@@ -4,6 +4,7 @@
 #include "git/service/branch_parser.h"
 #include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
+#include "git/service/git_worker.h"
 #include "git/service/log_parser.h"
 #include "git/service/refresh_commands.h"
 #include "git/service/remote_parser.h"
