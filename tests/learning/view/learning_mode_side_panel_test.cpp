@@ -8,6 +8,7 @@
 #include "support/test_program.h"
 
 #include <QClipboard>
+#include <QFile>
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -472,7 +473,15 @@ void LearningModeSidePanelTest::longNamesOfModulesAreShownByTheirBeginning()
 {
     Fixture fixture;
     fixture.show({.slug = u"s"_s});
-    fixture.run(u"printf \"No module named '%0500000d'\" 7 >&2"_s);
+    // What a program has written when it ends is given up where nobody has read it yet.
+    QTemporaryDir folder;
+    QFile isRead(folder.filePath(u"read"_s));
+    fixture.runner.runCode(u"printf \"No module named '%0500000d'\" 7 >&2; until test -e '"_s + isRead.fileName() +
+                               u"'; do :; done"_s,
+                           Language::shell);
+    QTRY_COMPARE(fixture.runner.stderrBuffer().size(), u"No module named ''"_s.size() + 500'000);
+    QVERIFY(isRead.open(QIODevice::WriteOnly));
+    QTRY_VERIFY(!fixture.runner.isRunning());
     QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
     for (const QString& text : fixture.texts()) {
         QVERIFY(text.size() < 1100);

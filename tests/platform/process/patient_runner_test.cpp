@@ -72,9 +72,9 @@ struct Fixture
     /// Does something from inside the wait, behind which the child ends.
     ProcessResult runWhile(const std::function<void()>& during)
     {
-        QTimer::singleShot(0, qApp, [this, during] {
+        QTimer::singleShot(0, QCoreApplication::instance(), [this, during] {
             during();
-            QTimer::singleShot(30ms, qApp, [this] { children->end.release(); });
+            QTimer::singleShot(30ms, QCoreApplication::instance(), [this] { children->end.release(); });
         });
         return runner.run({.program = u"/git"_s, .arguments = {u"status"_s}});
     }
