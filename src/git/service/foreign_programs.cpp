@@ -2,6 +2,7 @@
 
 #include "git/service/git_service.h"
 #include "git/service/repository_files.h"
+#include "platform/files/file_identity.h"
 #include "platform/files/native_path.h"
 #include "platform/files/start_of_file.h"
 
@@ -25,6 +26,9 @@ constexpr qsizetype longestSettings = 1 << 20;
 
 /// An index of more than this is not gone through for submodules; they are not looked into then.
 constexpr qsizetype longestIndex = 8 << 20;
+
+/// An index of more than this is gone through beside the main thread.
+constexpr qint64 longIndex = 1 << 18;
 
 /// How an index marks the entry of a submodule, and one whose entries stand in another file.
 constexpr QByteArrayView submoduleMode("\0\0\xe0\0", 4);
@@ -268,16 +272,12 @@ ForeignPrograms ForeignProgramFinder::find(const QString& folder, const QStringL
         return {};
     }
     if (statesOf(folder, sources_) != states_) {
-        // What is included stands in files that are not looked at.
-        const auto text = settingsText(*files);
-        const bool isWhole = text && !text->contains("include");
-        const QByteArrayList before = statesOf(folder, sources(*files));
-        Search search(*runner_, *files);
-        found_ = search.run(text);
-        sources_ = search.sourcesOfTheAnswer();
-        const QByteArrayList now = statesOf(folder, sources_);
-        // A file that changed meanwhile is looked at again.
-        states_ = isWhole && now.first(before.size()) == before ? now : QByteArrayList();
+        const std::optional<FileIdentity> index = identityOf(nativePath(files->index()));
+        if (index && index->size > longIndex) {
+            runner_->compute([&] { look(*files); });
+        } else {
+            look(*files);
+        }
     }
     ForeignPrograms foreign = found_;
     for (auto& [key, value] : foreign.settings) {
@@ -286,6 +286,20 @@ ForeignPrograms ForeignProgramFinder::find(const QString& folder, const QStringL
         }
     }
     return foreign;
+}
+
+void ForeignProgramFinder::look(const RepositoryFiles& files)
+{
+    // What is included stands in files that are not looked at.
+    const auto text = settingsText(files);
+    const bool isWhole = text && !text->contains("include");
+    const QByteArrayList before = statesOf(files.folder, sources(files));
+    Search search(*runner_, files);
+    found_ = search.run(text);
+    sources_ = search.sourcesOfTheAnswer();
+    const QByteArrayList now = statesOf(files.folder, sources_);
+    // A file that changed meanwhile is looked at again.
+    states_ = isWhole && now.first(before.size()) == before ? now : QByteArrayList();
 }
 
 } // namespace kelm

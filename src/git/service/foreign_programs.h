@@ -12,6 +12,8 @@
 
 namespace kelm {
 
+struct RepositoryFiles;
+
 /// Finds what a repository has git run by names of its own choice: filters of contents and programs for comparing.
 /// Those that a person has set up for all repositories go on working. Nothing is started for a repository whose
 /// settings do not speak of such things, and an answer is kept until one of the files that it comes from changes. One
@@ -27,6 +29,8 @@ public:
 
 private:
     class Search;
+
+    void look(const RepositoryFiles& files);
 
     std::shared_ptr<ProcessRunner> runner_;
     /// What the last answer was made from.
