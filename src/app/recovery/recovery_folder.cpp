@@ -15,6 +15,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kelm {
 
@@ -65,8 +66,8 @@ struct RecoveryFolder::Found
     CopySummary summary;
 };
 
-RecoveryFolder::RecoveryFolder(const QString& path, const Bounds& bounds)
-    : path_(path), bounds_(bounds), session_(randomNumber())
+RecoveryFolder::RecoveryFolder(QString path, const Bounds& bounds)
+    : path_(std::move(path)), bounds_(bounds), session_(randomNumber())
 {}
 
 RecoveryFolder::~RecoveryFolder()

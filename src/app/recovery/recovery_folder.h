@@ -48,7 +48,7 @@ public:
 
     /// The folder need not exist: it is made for the first copy.
     explicit RecoveryFolder(const QString& path) : RecoveryFolder(path, Bounds()) {}
-    RecoveryFolder(const QString& path, const Bounds& bounds);
+    RecoveryFolder(QString path, const Bounds& bounds);
     /// Leaves the copies where they are.
     ~RecoveryFolder();
     RecoveryFolder(const RecoveryFolder&) = delete;

@@ -305,7 +305,7 @@ QString RecoveryStore::keepReplaced(const QUrl& url, const TextTree& text)
     if (!isOn()) {
         return {};
     }
-    const QString id = folder_->newId();
+    QString id = folder_->newId();
     CopyHeader header{url, QDateTime::currentMSecsSinceEpoch()};
     header.isReplaced = true;
     worker_.add([folder = folder_, id, header, text, tell = onMain()] {
@@ -370,16 +370,14 @@ std::shared_ptr<Document> RecoveryStore::closedDocument(const QString& id) const
     return nullptr;
 }
 
-void RecoveryStore::read(const QString& named, const Deliver& deliver)
+void RecoveryStore::read(QString id, const Deliver& deliver)
 {
-    if (!isOn() || taken_.contains(named)) {
+    if (!isOn() || taken_.contains(id)) {
         return;
     }
-    // It may be one of those that are offered anew.
-    const QString id = named;
     taken_.insert(id);
     offer();
-    worker_.add([folder = folder_, id, newId = folder_->newId(), deliver, tell = onMain()] {
+    worker_.add([folder = folder_, id = std::move(id), newId = folder_->newId(), deliver, tell = onMain()] {
         tell([id, newId, deliver, content = folder->take(id, newId)](RecoveryStore& store) {
             if (!content) {
                 store.taken_.remove(id);
@@ -398,13 +396,11 @@ void RecoveryStore::adopt(const std::shared_ptr<Document>& document, const QStri
     kept.origin->identity = identity;
 }
 
-void RecoveryStore::remove(const QString& named)
+void RecoveryStore::remove(QString id)
 {
     if (!isOn()) {
         return;
     }
-    // It may be one of those that are offered anew.
-    const QString id = named;
     for (const auto& [document, kept] : kept_) {
         if (kept->id == id) {
             kept->id.clear();
@@ -412,7 +408,7 @@ void RecoveryStore::remove(const QString& named)
     }
     taken_.insert(id);
     offer();
-    worker_.add([folder = folder_, id] { folder->remove(id); });
+    worker_.add([folder = folder_, id = std::move(id)] { folder->remove(id); });
 }
 
 } // namespace kelm

@@ -66,13 +66,13 @@ public:
     /// The document of a copy, while it still lives; null for others.
     std::shared_ptr<Document> closedDocument(const QString& id) const;
     /// Reads a copy, once for each. A document that is made of it is to be given to `adopt`, before it is shown.
-    void read(const QString& named, const Deliver& deliver);
+    void read(QString id, const Deliver& deliver);
     /// The text of a document is that of a copy that was read, which is the document's from now on. `identity` is that
     /// of the copy's header.
     void adopt(const std::shared_ptr<Document>& document, const QString& id,
                const std::optional<FileIdentity>& identity);
     /// Removes a copy that nobody wants.
-    void remove(const QString& named);
+    void remove(QString id);
 
     /// Begins all copies that are due, and those that failed once more, and waits for them, but not longer than
     /// `longest`. False when some are not finished then; the program may end all the same.

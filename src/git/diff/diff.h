@@ -20,10 +20,9 @@ public:
     DiffLineNumber(std::nullopt_t) {}
     DiffLineNumber(qint64 number) : number_(number) {}
 
-    bool has_value() const { return number_ != none; }
-    explicit operator bool() const { return has_value(); }
+    explicit operator bool() const { return number_ != none; }
     qint64 operator*() const { return number_; }
-    operator std::optional<qint64>() const { return has_value() ? std::optional(number_) : std::nullopt; }
+    operator std::optional<qint64>() const { return number_ != none ? std::optional(number_) : std::nullopt; }
 
     bool operator==(const DiffLineNumber&) const = default;
 

@@ -154,7 +154,7 @@ QString sizeInWords(qint64 bytes)
 {
     constexpr std::array units{"bytes", "KB", "MB", "GB", "TB"};
     constexpr double step = 1024;
-    double amount = double(bytes);
+    auto amount = double(bytes);
     std::size_t unit = 0;
     while (amount >= step && unit + 1 < units.size()) {
         amount /= step;

@@ -1,6 +1,7 @@
 #include "git/service/git_head.h"
 
-#include "git/service/repository_places.h"
+#include "git/service/repository_files.h"
+#include "platform/files/start_of_file.h"
 
 #include <algorithm>
 
@@ -14,7 +15,11 @@ GitHead readHead(const QString& folder)
     // Where the references are kept in tables, this stands in the place of a name.
     constexpr QByteArrayView noBranch = "ref: refs/heads/.invalid";
     constexpr qsizetype shortestHash = 40;
-    const QByteArray text = smallFileIn(repositoryPlaces(folder).gitFolder, "HEAD");
+    constexpr qsizetype longestHead = 4096;
+    const auto files = RepositoryFiles::of(folder);
+    const auto start = files ? startOfFile(files->head(), longestHead) : std::nullopt;
+    // What is cut off is no name.
+    const QByteArray text = start && start->size() < longestHead ? start->trimmed() : QByteArray();
     if (text.startsWith(branchSign) && text != noBranch) {
         return {.branch = QString::fromUtf8(text.sliced(branchSign.size()))};
     }

@@ -1,10 +1,7 @@
 #include "git/service/git_stop.h"
 
+#include "git/service/repository_files.h"
 #include "platform/files/native_path.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include <optional>
 #include <sys/stat.h>
@@ -15,31 +12,13 @@ namespace kelm {
 
 namespace {
 
-/// A worktree's ".git" is a file of this size at most that says where the folder is.
-constexpr qint64 longestPointer = 4096;
-constexpr QByteArrayView pointerMark = "gitdir: ";
-
-/// The folder in which git keeps the index of the working tree at `folder`.
-QString gitFolder(const QString& folder)
-{
-    const QString inside = folder + u"/.git"_s;
-    if (!QFileInfo(inside).isFile()) {
-        return inside;
-    }
-    QFile file(inside);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return inside;
-    }
-    const QByteArray pointer = file.read(longestPointer).trimmed();
-    if (!pointer.startsWith(pointerMark)) {
-        return inside;
-    }
-    return QFileInfo(QDir(folder), QFile::decodeName(pointer.mid(pointerMark.size()))).absoluteFilePath();
-}
-
 std::optional<QString> lockSince(const QString& folder, std::chrono::system_clock::time_point begin)
 {
-    const QString lock = gitFolder(folder) + u"/index.lock"_s;
+    const auto files = RepositoryFiles::of(folder);
+    if (!files) {
+        return std::nullopt;
+    }
+    QString lock = files->index() + u".lock"_s;
     struct stat seen = {};
     // Files are dated by the second on some disks.
     if (::stat(nativePath(lock).constData(), &seen) != 0 ||

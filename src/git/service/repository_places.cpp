@@ -2,12 +2,10 @@
 
 #include "git/service/repository_files.h"
 #include "platform/files/native_path.h"
-#include "platform/files/open_file.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <array>
 #include <dirent.h>
 #include <memory>
 #include <sys/stat.h>
@@ -19,7 +17,6 @@ namespace kelm {
 namespace {
 
 constexpr int mostCandidates = 10;
-constexpr qsizetype mostBytes = 4096;
 /// What a hostile repository may have the system watch.
 constexpr qsizetype mostFolders = 1000;
 
@@ -99,14 +96,6 @@ QList<QByteArray> filesOfState(const RepositoryPlaces& places)
         folders += foldersIn(folders[at]);
     }
     return files + folders.first(std::min(folders.size(), mostFolders));
-}
-
-QByteArray smallFileIn(const QByteArray& folder, const QByteArray& name)
-{
-    const OpenFile file = OpenFile::openForReading(folder + name);
-    std::array<char, mostBytes> bytes{};
-    const qsizetype size = file.isOpen() ? file.read(bytes.data(), mostBytes) : 0;
-    return size > 0 && size < mostBytes ? QByteArray(bytes.data(), size).trimmed() : QByteArray();
 }
 
 } // namespace kelm

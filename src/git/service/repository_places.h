@@ -32,8 +32,4 @@ RepositoryPlaces repositoryPlaces(const QString& folder);
 /// each folder of references, with a slash at its end. Any thread; walks the folders of references.
 QList<QByteArray> filesOfState(const RepositoryPlaces& places);
 
-/// The beginning of a small regular file, trimmed; empty for what is none, cannot be read, or is longer than such files
-/// are. Any thread.
-QByteArray smallFileIn(const QByteArray& folder, const QByteArray& name);
-
 } // namespace kelm

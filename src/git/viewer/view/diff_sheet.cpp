@@ -7,6 +7,7 @@
 #include "git/viewer/view/diff_viewer.h"
 #include "git/viewer/view/file_sizes.h"
 #include "git/viewer/view/sheet_failure_line.h"
+#include "platform/events/main_queue.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
@@ -21,7 +22,6 @@
 #include <QLayout>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -151,7 +151,7 @@ void DiffSheetView::load()
     (stagedView_ ? workingHunks_ : stagedHunks_).reset();
     showDiff();
     // The other view is counted when this one is on screen.
-    QTimer::singleShot(0, this, &DiffSheetView::countOther);
+    onMainQueue(this, [this] { countOther(); });
 }
 
 void DiffSheetView::showDiff()
