@@ -51,6 +51,20 @@ bool lives(qint64 process)
                        [process](const ProcessEntry& entry) { return entry.id == process && !entry.hasEnded; });
 }
 
+/// The processes of the table, a line each, to be said where one is there that should not be.
+QString thoseThere()
+{
+    QString lines;
+    for (const ProcessEntry& entry : processTable()) {
+        lines += u"\n%1 of %2, group %3, session %4%5"_s.arg(entry.id)
+                     .arg(entry.parent)
+                     .arg(entry.group)
+                     .arg(entry.session)
+                     .arg(entry.hasEnded ? u", ended"_s : QString());
+    }
+    return lines;
+}
+
 } // namespace
 
 class ProcessTreeTest final : public QObject
@@ -129,8 +143,11 @@ void ProcessTreeTest::whoHasLostItsParentIsStillKnown()
         QVERIFY(!tree.isGone());
         tree.signal(SIGTERM);
         QTRY_VERIFY(!lives(shell.told()));
-        tree.look();
-        QVERIFY(tree.isGone());
+        const auto isGone = [&tree] {
+            tree.look();
+            return tree.isGone();
+        };
+        QVERIFY2(QTest::qWaitFor(isGone), qPrintable(thoseThere()));
     }
 }
 
