@@ -83,7 +83,7 @@ ProcessTree::ProcessTree(qint64 root) : root_(root), hasGroup_(::getpgid(static_
 void ProcessTree::look()
 {
     const Processes processes;
-    if (session_ == 0) {
+    if (!session_) {
         const ProcessEntry* const root = processes.find(root_);
         if (root == nullptr || root->parent != ::getpid()) {
             return;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 
 namespace kelm {
 
@@ -28,7 +29,8 @@ public:
 
 private:
     qint64 root_ = 0;
-    qint64 session_ = 0;
+    /// Absent before the root was found. It is 0 where whoever leads it is out of sight, as in a container.
+    std::optional<qint64> session_;
     bool hasGroup_ = false;
     /// When each was started, by its number.
     std::map<qint64, quint64> known_;

@@ -3,6 +3,7 @@
 #include "platform/process/process_tree.h"
 #include "support/test_program.h"
 
+#include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -77,6 +78,7 @@ private Q_SLOTS:
     void aSessionOfItsOwnGoesOn();
     void whatIsNoChildIsLeftAlone();
     void whoHasLostItsParentIsStillKnown();
+    void theLeaderOfTheSessionMayBeOutOfSight();
 };
 
 void ProcessTreeTest::allOfItEnds_data()
@@ -149,6 +151,19 @@ void ProcessTreeTest::whoHasLostItsParentIsStillKnown()
         };
         QVERIFY2(QTest::qWaitFor(isGone), qPrintable(thoseThere()));
     }
+}
+
+void ProcessTreeTest::theLeaderOfTheSessionMayBeOutOfSight()
+{
+    // Where a program has numbers of processes of its own, as in a container, its session may have none.
+    const QStringList apart{u"--user"_s, u"--map-root-user"_s, u"--pid"_s, u"--fork"_s, u"--mount-proc"_s};
+    if (QProcess::execute(u"unshare"_s, apart + QStringList{u"true"_s}) != 0) {
+        QSKIP("this system lets nobody have numbers of processes of its own");
+    }
+    QCOMPARE(QProcess::execute(u"unshare"_s,
+                               apart + QStringList{QCoreApplication::applicationFilePath(), u"process_tree_test"_s,
+                                                   u"whoHasLostItsParentIsStillKnown"_s}),
+             0);
 }
 
 const kelm::test::Registered<ProcessTreeTest> registered(kelm::test::Toolkit::core);
