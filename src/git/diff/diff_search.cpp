@@ -38,11 +38,11 @@ DiffSearch::Spot DiffSearch::lastSpot() const
     return spot;
 }
 
-std::optional<QStringView> DiffSearch::textAt(const Spot& spot) const
+std::optional<QStringView> DiffSearch::textAt(const Spot& spot)
 {
     if (spot.hunk < 0) {
-        const QString& path = layout_.files()[spot.file].path;
-        return QStringView(path);
+        path_ = shownPath(layout_.files()[spot.file]);
+        return QStringView(path_);
     }
     const DiffLine* const line = lineOn(spot.side, layout_, spot.file, spot.hunk, spot.entry);
     if (line == nullptr) {

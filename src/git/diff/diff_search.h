@@ -41,8 +41,9 @@ private:
         bool operator==(const Spot&) const = default;
     };
 
-    /// The text there; absent where that side shows nothing, or the same as the other.
-    std::optional<QStringView> textAt(const Spot& spot) const;
+    /// The text there, as long as no other is asked for; absent where that side shows nothing, or the same as the
+    /// other.
+    std::optional<QStringView> textAt(const Spot& spot);
     /// False at the end.
     bool step(Spot& spot) const;
     bool stepForwards(Spot& spot) const;
@@ -55,6 +56,8 @@ private:
     QString text_;
     Direction direction_;
     Spot spot_;
+    /// The path of the file that was looked at last, as it is shown.
+    QString path_;
     Spot start_;
     qsizetype startUnit_;
     std::optional<DiffSelection> match_;

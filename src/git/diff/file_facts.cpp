@@ -1,6 +1,8 @@
 #include "git/diff/file_facts.h"
 
 #include "git/diff/diff_content.h"
+#include "platform/text/quoted_name.h"
+#include "platform/text/shown_name.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -54,10 +56,10 @@ void takeHeader(DiffFileFacts& facts, QStringView line)
         facts.similarity = share->toString();
     } else if (const auto path = rest(u"rename from ")) {
         facts.origin = DiffFileFacts::Origin::rename;
-        facts.oldPath = path->toString();
+        facts.oldPath = unquotedName(*path);
     } else if (const auto original = rest(u"copy from ")) {
         facts.origin = DiffFileFacts::Origin::copy;
-        facts.oldPath = original->toString();
+        facts.oldPath = unquotedName(*original);
     } else {
         facts.isNew |= line.startsWith(u"new file mode");
         facts.isDeleted |= line.startsWith(u"deleted file mode");
@@ -125,7 +127,8 @@ QString DiffFileFacts::inWords(const DiffFileSizes& sizes) const
         words.append(binaryInWords(*this, sizes));
     }
     if (origin != Origin::itself) {
-        QString text = (origin == Origin::rename ? tr("Renamed from %1") : tr("Copied from %1")).arg(oldPath);
+        QString text =
+            (origin == Origin::rename ? tr("Renamed from %1") : tr("Copied from %1")).arg(shownName(oldPath));
         if (similarity.endsWith(u'%')) {
             text += tr(", %1 % alike").arg(similarity.chopped(1));
         }

@@ -89,7 +89,9 @@ bool isForeign(const RepositoryFiles& submodule)
 {
     const auto text = settingsText(submodule);
     const auto index = indexOf(submodule);
-    return !text || speaksOf(*text, lookingPrograms) || (index && mayNameSubmodules(*index));
+    // What it lacks would be fetched there, by its own means.
+    return !text || speaksOf(*text, lookingPrograms) || speaksOf(*text, fetchingPrograms) ||
+           (index && mayNameSubmodules(*index));
 }
 
 /// A text as it is; for any other file its hash, so that a change of it is still seen.
@@ -178,11 +180,13 @@ private:
         QString value;
     };
 
-    QByteArray outputOf(const QStringList& arguments)
+    /// What is missing is not fetched for it: nothing is known yet of the means.
+    ProcessResult answerTo(const QStringList& arguments)
     {
         ProcessCommand command = GitService::makeProcess(arguments, files_.folder);
         command.standardInput = QByteArray();
-        return runner_.run(command).standardOutput;
+        replaceForeignPrograms(*command.environment, {.mayFetch = false});
+        return runner_.run(command);
     }
 
     bool hasForeignSubmodule()
@@ -194,8 +198,9 @@ private:
         if (index->size() > longestIndex) {
             return true;
         }
-        bool isFound = false;
-        for (const QByteArray& entry : outputOf({u"ls-files"_s, u"--stage"_s, u"-z"_s}).split('\0')) {
+        const ProcessResult listing = answerTo({u"ls-files"_s, u"--stage"_s, u"-z"_s});
+        bool isFound = !listing.exit.isSuccess();
+        for (const QByteArray& entry : listing.standardOutput.split('\0')) {
             if (!entry.startsWith("160000 ")) {
                 continue;
             }
@@ -226,7 +231,8 @@ private:
     /// Takes down what `git config` answers. An answer without a scope comes from the repository.
     void ask(const QStringList& question, bool hasScope)
     {
-        const QList<QByteArray> pieces = outputOf(QStringList{u"config"_s, u"--null"_s} + question).split('\0');
+        const QList<QByteArray> pieces =
+            answerTo(QStringList{u"config"_s, u"--null"_s} + question).standardOutput.split('\0');
         const qsizetype step = hasScope ? 2 : 1;
         for (qsizetype at = 0; at + step < pieces.size(); at += step) {
             const QByteArray& entry = pieces[at + step - 1];

@@ -88,8 +88,8 @@ void runNothingForeign(EnvironmentVariables& variables)
 
 bool onlyReads(const QStringList& arguments)
 {
-    static const QStringList readers{u"blame"_s, u"diff"_s,     u"for-each-ref"_s, u"log"_s,   u"ls-files"_s,
-                                     u"show"_s,  u"rev-list"_s, u"rev-parse"_s,    u"status"_s};
+    static const QStringList readers{u"blame"_s,    u"cat-file"_s, u"diff"_s,     u"for-each-ref"_s, u"log"_s,
+                                     u"ls-files"_s, u"show"_s,     u"rev-list"_s, u"rev-parse"_s,    u"status"_s};
     const QString first = arguments.value(0);
     const QString second = arguments.value(1);
     return readers.contains(first) || (first == u"remote" && second == u"-v") ||

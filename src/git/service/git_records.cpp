@@ -39,4 +39,11 @@ std::optional<GitFileChange> changeFrom(QStringView letter)
     return std::nullopt;
 }
 
+bool isUnmerged(const GitFileStatus& file)
+{
+    const bool isOfBoth =
+        file.staged == file.unstaged && (file.staged == GitFileChange::added || file.staged == GitFileChange::deleted);
+    return isOfBoth || file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted;
+}
+
 } // namespace kelm

@@ -30,6 +30,9 @@ struct GitFileStatus
     bool operator==(const GitFileStatus&) const = default;
 };
 
+/// Whether a merge has left both sides of a file: one of them says so, or both have added it, or both taken it away.
+bool isUnmerged(const GitFileStatus& file);
+
 struct GitBranch
 {
     QUuid id;

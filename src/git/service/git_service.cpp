@@ -51,11 +51,6 @@ void GitService::setLastFailure(const std::optional<GitFailure>& failure)
 
 void GitService::forgetSolvedConflicts()
 {
-    const auto isUnmerged = [](const GitFileStatus& file) {
-        const bool isOfBoth = file.staged == file.unstaged &&
-                              (file.staged == GitFileChange::added || file.staged == GitFileChange::deleted);
-        return isOfBoth || file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted;
-    };
     if (lastFailure_ && lastFailure_->isAboutConflicts() && std::none_of(status_.begin(), status_.end(), isUnmerged)) {
         setLastFailure(std::nullopt);
     }

@@ -148,6 +148,8 @@ public:
     /// The commit's header and diff; empty on any failure.
     QString showCommit(const QString& sha);
     QList<GitBlameLine> blame(const QString& path);
+    /// The bytes of a content by its hash; absent when it is not there. A failure is nothing that was asked for.
+    std::optional<qint64> contentSize(const QString& hash);
 
     // Operations on the working tree and the index. Paths are the names of files as they are (`git_names.h`), never
     // patterns.

@@ -71,7 +71,7 @@ GitService::Answer GitService::ask(const QStringList& args, GitErrorKind kind)
         worker().queueError({args, *result.launchError, isState ? GitErrorKind::reading : kind});
         return {.isFailed = true};
     }
-    auto output = decodeUtf8Text(result.standardOutput);
+    auto output = worker().text(result.standardOutput);
     if (result.exit.isSuccess()) {
         return {.output = output};
     }

@@ -11,6 +11,7 @@
 #include "git/service/stash_parser.h"
 #include "git/service/status_parser.h"
 #include "git/service/tag_parser.h"
+#include "platform/text/decimal_integer.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -112,6 +113,12 @@ QString GitService::showCommit(const QString& sha)
 QList<GitBlameLine> GitService::blame(const QString& path)
 {
     return parseBlame(read({u"blame"_s, u"--porcelain"_s, u"--"_s, path}).value_or(QString()));
+}
+
+std::optional<qint64> GitService::contentSize(const QString& hash)
+{
+    const auto size = hash.isEmpty() ? std::nullopt : read({u"cat-file"_s, u"-s"_s, hash}, GitErrorKind::state);
+    return size ? decimalInteger(size->trimmed()) : std::nullopt;
 }
 
 QString GitService::stashShow(const QString& stash)

@@ -15,13 +15,6 @@ void GitTransfers::stop(quint64 id)
     }
 }
 
-void GitTransfers::stopAll()
-{
-    for (const GitTransfer& transfer : all_) {
-        transfer.stop->stop();
-    }
-}
-
 quint64 GitTransfers::add(const QString& name, std::shared_ptr<ProcessStop> stop)
 {
     const quint64 id = ++lastId_;

@@ -36,7 +36,6 @@ public:
     /// Ends one with all that it has started; it then fails, and says that it was stopped. Nothing for one that has
     /// ended.
     void stop(quint64 id);
-    void stopAll();
 
     /// Notes that a command begins, and gives what tells it from others.
     quint64 add(const QString& name, std::shared_ptr<ProcessStop> stop);

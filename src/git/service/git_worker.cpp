@@ -32,6 +32,16 @@ ProcessResult GitService::Worker::run(const ProcessCommand& process) const
     return run(process, stop);
 }
 
+std::optional<QString> GitService::Worker::text(const QByteArray& output) const
+{
+    if (output.size() < longOutput) {
+        return decodeUtf8Text(output);
+    }
+    std::optional<QString> text;
+    runner_->compute([&] { text = decodeUtf8Text(output); });
+    return text;
+}
+
 void GitService::Worker::parse(const QString& output, const std::function<void(const QString&)>& read) const
 {
     if (output.size() < longOutput) {

@@ -23,6 +23,8 @@ public:
     /// Runs the process to its end, or until `stop` ends it, in which case its words say so.
     ProcessResult run(const ProcessCommand& process, ProcessStop& stop) const;
     ProcessResult run(const ProcessCommand& process) const;
+    /// The text of an output, absent where it is not UTF-8; for a long one the window is painted meanwhile.
+    std::optional<QString> text(const QByteArray& output) const;
     /// Has an output read, a long one in such a way that the window is painted meanwhile.
     void parse(const QString& output, const std::function<void(const QString&)>& read) const;
     /// Turns what came of git with these arguments into a result.

@@ -134,6 +134,11 @@ void RepositoryFollower::openProject(const std::optional<QUrl>& folder)
 {
     project_ = folder && folder->isLocalFile() ? folder : std::nullopt;
     isProjectNew_ = project_.has_value();
+    if (task_.isRunning()) {
+        // What is read of the project that was left is for nobody.
+        isStale_ = true;
+        task_.stop();
+    }
     readNow();
 }
 

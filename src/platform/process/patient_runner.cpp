@@ -102,7 +102,8 @@ public:
         const std::lock_guard lock(mutex_);
         isDone_ = true;
         if (loop_ != nullptr) {
-            loop_->quit();
+            // Not at once: a loop that has not begun yet would forget it.
+            QMetaObject::invokeMethod(loop_, &QEventLoop::quit, Qt::QueuedConnection);
         }
         done_.notify_all();
     }

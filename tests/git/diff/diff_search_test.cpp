@@ -39,7 +39,7 @@ std::vector<Found> allMatches(const DiffLayout& layout, const QString& text)
         }
     };
     for (qsizetype file = 0; file < layout.files().size(); ++file) {
-        take(layout.files()[file].path, {file, -1, 0, 0}, Side::newSide);
+        take(shownPath(layout.files()[file]), {file, -1, 0, 0}, Side::newSide);
         for (qsizetype hunk = 0; hunk < layout.files()[file].hunks.size(); ++hunk) {
             for (qsizetype entry = 0; entry < layout.entryCount(file, hunk); ++entry) {
                 const DiffLine* oldLine = lineOn(Side::oldSide, layout, file, hunk, entry);
@@ -70,7 +70,12 @@ QString randomDiff(std::mt19937& random)
             }
             hunks.append(lines);
         }
-        text += diffOf(below(2) == 0 ? u"ab.txt"_s : u"c"_s, hunks);
+        QString piece = diffOf(below(2) == 0 ? u"ab.txt"_s : u"c"_s, hunks);
+        if (below(3) == 0) {
+            // As git writes a name beyond ASCII.
+            piece.replace(u"a/c"_s, uR"("a/\303\244ab")"_s).replace(u"b/c"_s, uR"("b/\303\244ab")"_s);
+        }
+        text += piece;
     }
     return text;
 }

@@ -47,6 +47,10 @@ void FileFactsTest::labelTellsWhatTheHunksDoNot_data()
                                 << u"Mode 100644 → 100755"_s;
     QTest::newRow("rename alone") << u"diff --git a/o b/n\nsimilarity index 100%\nrename from o\nrename to n\n"_s
                                   << none << u"Renamed from o, 100 % alike"_s;
+    QTest::newRow("rename of a quoted name")
+        << u"diff --git \"a/\\355\\225\\234 \\342\\200\\256\" b/n\nsimilarity index 100%\n"
+           "rename from \"\\355\\225\\234 \\342\\200\\256\"\nrename to n\n"_s
+        << none << u"Renamed from 한 ⟨U+202E⟩, 100 % alike"_s;
     QTest::newRow("rename with a hunk")
         << u"diff --git a/o b/n\nsimilarity index 90%\nrename from o\nrename to n\n@@ -1 +1 @@\n-a\n+b\n"_s << none
         << u"Renamed from o, 90 % alike · 1 hunk"_s;

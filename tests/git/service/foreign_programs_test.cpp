@@ -34,6 +34,7 @@ private Q_SLOTS:
     void hooksDoNotRunForWhatIsRead();
     void submoduleRunsNothing_data();
     void submoduleRunsNothing();
+    void submoduleFetchesNothing();
     void signatureIsNotLookedAt();
     void missingObjectIsNotFetchedByAForeignProgram();
     void missingObjectIsFetchedInAnOrdinaryClone();
@@ -243,6 +244,35 @@ void ForeignProgramsTest::submoduleRunsNothing()
     QVERIFY(!takeMarker());
 }
 
+void ForeignProgramsTest::submoduleFetchesNothing()
+{
+    TemporaryRepository inner;
+    inner.write(u"a"_s, "1\n");
+    inner.commitAll(u"inner"_s);
+    repository_->git({u"submodule"_s, u"--quiet"_s, u"add"_s, inner.path(), u"sub"_s});
+    repository_->git({u"commit"_s, u"-q"_s, u"-m"_s, u"with"_s});
+    const QStringList inSub{u"-C"_s, u"sub"_s};
+    const auto setInSub = [&](const QString& key, const QString& value) {
+        repository_->git(inSub + QStringList{u"config"_s, key, value});
+    };
+    setInSub(u"core.repositoryFormatVersion"_s, u"1"_s);
+    setInSub(u"extensions.partialClone"_s, u"origin"_s);
+    setInSub(u"remote.origin.promisor"_s, u"true"_s);
+    setInSub(u"remote.origin.url"_s, u"ssh://host/x"_s);
+    setInSub(u"core.sshCommand"_s, program());
+    const QByteArray tree = repository_->git(inSub + QStringList{u"rev-parse"_s, u"HEAD^{tree}"_s}).trimmed();
+    const QString object = u"/"_s + QLatin1String(tree.first(2)) + u'/' + QLatin1String(tree.sliced(2));
+    const QString objects = repository_->filePath(u".git/modules/sub/objects"_s);
+    QVERIFY(QFile::remove(objects + object));
+    takeMarker();
+    readEverything();
+    git_->diff(u"sub"_s, false);
+    QVERIFY(!takeMarker());
+    // Such a folder does have git fetch, where nothing keeps it from that.
+    repository_->tryGit({u"status"_s, u"--porcelain"_s}, {});
+    QVERIFY(takeMarker());
+}
+
 void ForeignProgramsTest::signatureIsNotLookedAt()
 {
     const QByteArray tree = repository_->git({u"write-tree"_s}).trimmed();
@@ -280,6 +310,7 @@ void ForeignProgramsTest::missingObjectIsNotFetchedByAForeignProgram()
         set(u"remote.origin.url"_s, url);
         set(key, key == u"protocol.ext.allow" ? u"always"_s : program());
         readEverything();
+        QCOMPARE(git_->contentSize(QString::fromLatin1(blob)), std::nullopt);
         QVERIFY2(!takeMarker(), qPrintable(key));
     }
 }

@@ -253,7 +253,7 @@ void GitStopTest::aStoppedCloneLeavesNothing()
     git.cloneRepo(server.url(), QUrl::fromLocalFile(target), [&result](const GitOpResult& given) { result = given; });
     QTRY_VERIFY(server.isCalled());
     QVERIFY(QDir(target).exists());
-    git.transfers().stopAll();
+    git.transfers().stop(git.transfers().all().front().id);
     QTRY_VERIFY(result);
     QCOMPARE(*result, GitOpResult::failure(u"git clone was stopped."_s));
     QVERIFY(!QDir(target).exists());
@@ -279,7 +279,7 @@ void GitStopTest::transfersAreToldOf()
     transfers.stop(second);
     QCOMPARE(ended.size(), 1);
     QCOMPARE(transfers.all().size(), std::size_t(1));
-    transfers.stopAll();
+    transfers.stop(first);
     QVERIFY(stop->isAsked());
 }
 

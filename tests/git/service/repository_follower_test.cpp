@@ -100,6 +100,7 @@ private Q_SLOTS:
     void aProjectIsOpened();
     void aProjectWithoutARepositoryClosesIt();
     void aProjectThatBecomesARepositoryIsOpened();
+    void aProjectThatWasLeftIsNotOpened();
     void aProjectThatIsOpenedElsewhereIsNotReadAgain();
     void anotherRepositoryIsWatchedFromThenOn();
 };
@@ -290,6 +291,24 @@ void RepositoryFollowerTest::aProjectThatBecomesARepositoryIsOpened()
     f.repository.git({u"init"_s, u"-q"_s, folder.path()});
     f.follower.noteChange();
     UNTIL(f, f.git.repoURL() == QUrl::fromLocalFile(folder.path()));
+}
+
+void RepositoryFollowerTest::aProjectThatWasLeftIsNotOpened()
+{
+    TemporaryRepository other;
+    for (const auto& next : {std::optional(other.url()), std::optional<QUrl>()}) {
+        Followed f(false);
+        QList<std::optional<QUrl>> opened;
+        connect(&f.git, &GitService::branchChanged, this, [&] { opened.append(f.git.repoURL()); });
+        f.follower.openProject(f.repository.url());
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(!f.follower.isSettled());
+        // While that is read.
+        f.follower.openProject(next);
+        f.settle();
+        QCOMPARE(f.git.repoURL(), next);
+        QVERIFY(!opened.contains(std::optional(f.repository.url())));
+    }
 }
 
 void RepositoryFollowerTest::aProjectThatIsOpenedElsewhereIsNotReadAgain()

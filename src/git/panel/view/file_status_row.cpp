@@ -32,10 +32,8 @@ Row FileStatusRow::content() const
     row.help = inWords(file, staged);
     row.onClick = onClickDiff;
     row.clickName = u"Show Diff"_s;
-    // Both sides have added only what two branches have added each in its own way.
-    const bool isInConflict = file.staged == GitFileChange::conflicted || file.unstaged == GitFileChange::conflicted ||
-                              (file.staged == GitFileChange::added && file.unstaged == GitFileChange::added);
-    if (isInConflict && onOpen) {
+    const bool isThere = file.staged != GitFileChange::deleted || file.unstaged != GitFileChange::deleted;
+    if (isUnmerged(file) && isThere && onOpen) {
         row.onClick = onOpen;
         row.clickName = u"Open File"_s;
         row.menu.append({u"Show Diff"_s, {}, onClickDiff});

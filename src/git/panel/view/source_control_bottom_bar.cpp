@@ -16,8 +16,8 @@ namespace kelm {
 namespace {
 
 constexpr int leastErrorWidth = 150;
-/// What comes behind is in the sheet only.
-constexpr qsizetype mostHelpUnits = 4000;
+/// What comes behind is in the sheet only: a text of this length fills every screen, and is laid out each time.
+constexpr qsizetype mostHelpUnits = 100'000;
 
 } // namespace
 

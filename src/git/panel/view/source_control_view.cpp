@@ -167,10 +167,8 @@ void SourceControlView::hideEvent(QHideEvent* event)
 
 void SourceControlView::offerToPutBack(const QString& refusal, const std::function<void()>& putBack)
 {
-    // Of two refusals the first has been answered by then.
-    Notices& notices = appState_.notices();
-    notices.remove(std::exchange(refusalNotice_, 0));
-    refusalNotice_ = notices.report(refusal, {{tr("Put back"), putBack}});
+    // An earlier one stays behind it: its message stands nowhere else.
+    appState_.notices().report(refusal, {{tr("Put back"), putBack}});
 }
 
 void SourceControlView::refreshRepository()

@@ -96,7 +96,6 @@ private:
     ChangesTab* changesTab_ = nullptr;
     HistoryTab* historyTab_ = nullptr;
     /// Of the last commit that was refused.
-    quint64 refusalNotice_ = 0;
     /// The repository that the history was read from.
     std::optional<QUrl> shownRepository_;
 };

@@ -5,7 +5,6 @@
 #include "git/viewer/view/diff_viewer.h"
 #include "git/viewer/view/file_sizes.h"
 #include "platform/style/view/style.h"
-#include "platform/text/decimal_integer.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/row_list.h"
@@ -46,7 +45,8 @@ CommitDetailView::CommitDetailView(GitService& git, QString sha, QWidget* parent
                            [this](qsizetype file) { return viewer_->list().fileLabelOf(file); });
     });
     auto* sizes = new FileSizes(*viewer_, [this](const DiffFileFacts& facts) {
-        return DiffFileSizes{sizeOfContent(facts.oldContent), sizeOfContent(facts.newContent)};
+        return git_ ? DiffFileSizes{git_->contentSize(facts.oldContent), git_->contentSize(facts.newContent)}
+                    : DiffFileSizes{};
     });
     connect(sizes, &FileSizes::told, this, [this] { details_->files().viewport()->update(); });
 }
@@ -103,14 +103,6 @@ void CommitDetailView::showEvent(QShowEvent* event)
         // The arrow keys scroll at once.
         viewer_->list().setFocus();
     }
-}
-
-std::optional<qint64> CommitDetailView::sizeOfContent(const QString& content)
-{
-    const auto size = content.isEmpty() || !git_
-                          ? std::nullopt
-                          : git_->run({QStringLiteral("cat-file"), QStringLiteral("-s"), content});
-    return size ? decimalInteger(size->trimmed()) : std::nullopt;
 }
 
 void CommitDetailView::copySha() const

@@ -42,7 +42,6 @@ protected:
 private:
     QWidget* makeHeader();
     void copySha() const;
-    std::optional<qint64> sizeOfContent(const QString& content);
 
     QPointer<GitService> git_;
     QString sha_;

@@ -12,7 +12,6 @@
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/style/view/style.h"
-#include "platform/text/decimal_integer.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/segmented_picker.h"
@@ -191,19 +190,14 @@ QString DiffSheetView::pathOnDisk() const
     return filePath(*repository_) + u'/' + path_;
 }
 
-std::optional<qint64> DiffSheetView::sizeOfContent(const QString& content)
-{
-    const auto size = content.isEmpty() || !isRepositoryOpen()
-                          ? std::nullopt
-                          : git_->run({QStringLiteral("cat-file"), QStringLiteral("-s"), content});
-    return size ? decimalInteger(size->trimmed()) : std::nullopt;
-}
-
 DiffFileSizes DiffSheetView::sizesOf(const DiffFileFacts& facts)
 {
-    DiffFileSizes sizes{sizeOfContent(facts.oldContent), {}};
+    if (!isRepositoryOpen()) {
+        return {};
+    }
+    DiffFileSizes sizes{git_->contentSize(facts.oldContent), {}};
     if (stagedView_) {
-        sizes.newSize = sizeOfContent(facts.newContent);
+        sizes.newSize = git_->contentSize(facts.newContent);
     } else if (!facts.isDeleted) {
         // What stands in the folder has a name in the diff, but git does not hold it.
         const std::optional<FileIdentity> there = identityOf(nativePath(pathOnDisk()));

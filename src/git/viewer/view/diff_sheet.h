@@ -66,7 +66,6 @@ private:
     QString pathOnDisk() const;
     DiffFileSizes sizesOf(const DiffFileFacts& facts);
     bool isUntracked() const;
-    std::optional<qint64> sizeOfContent(const QString& content);
     void updateCounts();
     void countOther();
 

@@ -2,9 +2,9 @@
 
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
+#include "platform/events/main_queue.h"
 
 #include <QPointer>
-#include <QTimerEvent>
 
 #include <algorithm>
 
@@ -24,17 +24,25 @@ void FileSizes::begin()
             waiting_.push_back(file);
         }
     }
-    waiting_.empty() ? timer_.stop() : timer_.start(0, this);
+    askSoon();
 }
 
-void FileSizes::timerEvent(QTimerEvent* event)
+void FileSizes::askSoon()
 {
-    if (event->timerId() != timer_.timerId() || waiting_.empty()) {
-        timer_.stop();
+    if (!waiting_.empty() && !isQueued_) {
+        isQueued_ = true;
+        // Not from inside the wait for another command.
+        onMainQueue(this, [this] { askNext(); });
+    }
+}
+
+void FileSizes::askNext()
+{
+    isQueued_ = false;
+    if (waiting_.empty()) {
         return;
     }
-    // While git is asked, events may come through: another text, the end of the viewer, and this timer's own.
-    timer_.stop();
+    // While git is asked, events may come through: another text, and the end of the viewer.
     const QPointer<FileSizes> self = this;
     const qsizetype file = waiting_.back();
     const QUuid id = viewer_.list().diffLayout().files()[file].id;
@@ -48,9 +56,7 @@ void FileSizes::timerEvent(QTimerEvent* event)
         viewer_.list().setSizes(file, sizes);
         Q_EMIT told();
     }
-    if (!waiting_.empty()) {
-        timer_.start(0, this);
-    }
+    askSoon();
 }
 
 } // namespace kelm

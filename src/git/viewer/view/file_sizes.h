@@ -3,7 +3,6 @@
 
 #include "git/diff/file_facts.h"
 
-#include <QBasicTimer>
 #include <QObject>
 
 #include <functional>
@@ -29,17 +28,17 @@ Q_SIGNALS:
     /// The sizes of a file have been told to the list.
     void told();
 
-protected:
-    void timerEvent(QTimerEvent* event) override;
-
 private:
     void begin();
+    void askSoon();
+    void askNext();
 
     DiffViewer& viewer_;
     Ask ask_;
     /// The files still to be asked about, the first one last.
     std::vector<qsizetype> waiting_;
-    QBasicTimer timer_;
+    /// The next look is queued.
+    bool isQueued_ = false;
 };
 
 } // namespace kelm

@@ -89,7 +89,7 @@ private Q_SLOTS:
     void aMessageOfNothingStagedIsPutBack();
     void whatWasTypedSinceStaysBehindIt();
     void anAmendmentIsPutBackAsOne();
-    void theSecondRefusalTakesThePlaceOfTheFirst();
+    void theSecondRefusalLeavesTheMessageOfTheFirst();
     void aMadeCommitOffersNothing();
     void whatOthersDoIsShownWithoutAButton();
     void commitsOfOthersAreInTheHistory();
@@ -238,7 +238,7 @@ void SourceControlViewTruthTest::anAmendmentIsPutBackAsOne()
     QCOMPARE(f.view.commitMessage(), u"other words"_s);
 }
 
-void SourceControlViewTruthTest::theSecondRefusalTakesThePlaceOfTheFirst()
+void SourceControlViewTruthTest::theSecondRefusalLeavesTheMessageOfTheFirst()
 {
     TruthFixture f;
     f.showWithoutDismissing();
@@ -246,6 +246,10 @@ void SourceControlViewTruthTest::theSecondRefusalTakesThePlaceOfTheFirst()
     f.commit(u"second try"_s);
     f.notices().accept(0);
     QCOMPARE(f.view.commitMessage(), u"second try"_s);
+    QVERIFY(!f.noticeText().isEmpty());
+    f.view.setCommitMessage({});
+    f.notices().accept(0);
+    QCOMPARE(f.view.commitMessage(), u"first try"_s);
     QCOMPARE(f.noticeText(), QString());
 }
 
