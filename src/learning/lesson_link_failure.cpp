@@ -9,6 +9,7 @@ namespace kelm {
 
 namespace {
 
+/// Of a link that is refused for its size.
 constexpr qsizetype mostLogged = 4096;
 
 struct Reason
@@ -47,7 +48,8 @@ QString logLineFor(LessonLinkFailure failure, const QString& urlText)
     if (reasonOf(failure).isOfCode) {
         return u"kelmpane:// failed to decode code"_s;
     }
-    const QString link = urlText.size() > mostLogged ? urlText.first(mostLogged) + u'…' : urlText;
+    const bool isCut = failure == LessonLinkFailure::tooLong || failure == LessonLinkFailure::tooManyKeys;
+    const QString link = isCut && urlText.size() > mostLogged ? urlText.first(mostLogged) + u'…' : urlText;
     return u"kelmpane:// invalid URL: "_s + link;
 }
 

@@ -54,6 +54,8 @@ public:
     void setOutput(const QString& output);
     /// The standard error of the latest run alone, without prefixes.
     QString stderrBuffer() const { return stderrBuffer_.text(); }
+    /// The same in the pieces that it came in, which a copy shares.
+    const KeptTail& standardError() const { return stderrBuffer_; }
     /// Whether that is empty, whatever its length.
     bool isStderrEmpty() const { return stderrBuffer_.isEmpty(); }
     /// The exit status of the latest run, or the number of the signal that ended it; absent until it has ended.

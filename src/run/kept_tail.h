@@ -26,6 +26,8 @@ public:
     void append(const QString& text);
     void clear();
     bool isEmpty() const { return units_ == 0; }
+    /// How much is kept.
+    qsizetype units() const { return units_; }
     /// How many units were let go since the last `clear`.
     qsizetype letGo() const { return letGo_; }
 

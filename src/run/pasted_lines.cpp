@@ -52,7 +52,7 @@ bool belongsToOthers(QStringView line)
                                             u"function", u"do",    u"then",  u"else", u"elif", u"done",
                                             u"fi",       u"esac",  u"}",     u")"};
     const QStringView command = trimmed(line, isWhitespace);
-    if (command.isEmpty()) {
+    if (command.isEmpty() || command.startsWith(u'#')) {
         return false;
     }
     const QStringView first = split(command, [](char16_t unit) { return isWhitespace(unit) || unit == u';'; }).front();
@@ -60,6 +60,24 @@ bool belongsToOthers(QStringView line)
            line.count(u'"') % 2 != 0 || std::find(std::begin(words), std::end(words), first) != std::end(words) ||
            std::any_of(std::begin(openEnds), std::end(openEnds),
                        [command](QStringView end) { return command.endsWith(end); });
+}
+
+/// How far all lines are indented alike that hold anything.
+qsizetype sharedIndentation(const QStringList& lines)
+{
+    std::optional<QStringView> shared;
+    for (const QStringView line : lines) {
+        const auto end =
+            std::find_if_not(line.begin(), line.end(), [](QChar unit) { return isWhitespace(unit.unicode()); });
+        if (end == line.end()) {
+            continue;
+        }
+        const QStringView own = line.first(end - line.begin());
+        const qsizetype most = shared ? std::min(shared->size(), own.size()) : own.size();
+        const QStringView other = shared.value_or(own);
+        shared = own.first(std::mismatch(own.begin(), own.begin() + most, other.begin()).first - own.begin());
+    }
+    return shared ? shared->size() : 0;
 }
 
 } // namespace
@@ -74,6 +92,10 @@ std::optional<PastedLines> pastedLines(QStringView text)
     QStringList lines = linesOf(text);
     if (lines.size() < 2 || holdsSigns(text)) {
         return std::nullopt;
+    }
+    const qsizetype indentation = sharedIndentation(lines);
+    for (QString& line : lines) {
+        line.remove(0, indentation);
     }
     const auto open = std::find_if(lines.begin(), lines.end(), belongsToOthers);
     const QString rest = lines.last();

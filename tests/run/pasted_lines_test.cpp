@@ -36,6 +36,10 @@ void PastedLinesTest::linesAreCommands_data()
     row("line ends of a carriage return", u"pwd\rls\r"_s, {u"pwd"_s, u"ls"_s});
     row("an empty line between", u"pwd\n\nls\n"_s, {u"pwd"_s, u""_s, u"ls"_s});
     row("a comment and a tab", u"# first\nls\t-l\n"_s, {u"# first"_s, u"ls\t-l"_s});
+    row("indented alike", u"  cd src\n\n    ls\n"_s, {u"cd src"_s, u""_s, u"  ls"_s});
+    row("indented alike and not further", u"  cd src\n\n  export A=1\n  ls -"_s, {u"cd src"_s, u""_s, u"export A=1"_s},
+        u"ls -"_s);
+    row("a comment with an apostrophe", u"# it's first\ncd src\nmake\n"_s, {u"# it's first"_s, u"cd src"_s, u"make"_s});
     row("other scripts", u"echo 한글 😀\necho b\n"_s, {u"echo 한글 😀"_s, u"echo b"_s});
     row("words that only begin so", u"format x\nifconfig\ndonegal\n"_s, {u"format x"_s, u"ifconfig"_s, u"donegal"_s});
     row("whole quotes", u"echo 'a' \"b\"\nls\n"_s, {u"echo 'a' \"b\""_s, u"ls"_s});

@@ -359,7 +359,7 @@ void AppState::sortLines(bool ascending)
 void AppState::runCurrentFile()
 {
     const std::shared_ptr<Document> document = currentDocument();
-    if (!document) {
+    if (!document || linkRuns_->hasJustAskedAbout(document)) {
         return;
     }
     linkRuns_->putAway(document);

@@ -35,6 +35,8 @@ void LinkRuns::request(const DocumentPointer& document)
         return;
     }
     asked_.append(document);
+    new_.append(document);
+    scheduler_.after(deafTime, this, [this, weak = std::weak_ptr(document)] { new_.removeOne(weak.lock()); });
     // What would run is what the question was about, or there is no question.
     const auto putItAway = [this, weak = std::weak_ptr(document)] { putAway(weak.lock()); };
     connect(document.get(), &Document::contentChanged, this, putItAway);
@@ -46,6 +48,11 @@ void LinkRuns::request(const DocumentPointer& document)
 bool LinkRuns::asksAbout(const DocumentPointer& document) const
 {
     return document && asked_.contains(document);
+}
+
+bool LinkRuns::hasJustAskedAbout(const DocumentPointer& document) const
+{
+    return asksAbout(document) && new_.contains(document);
 }
 
 bool LinkRuns::isAnswerable(const DocumentPointer& document) const

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -24,6 +25,9 @@ class LinkRuns final : public QObject
 public:
     using DocumentPointer = std::shared_ptr<Document>;
 
+    /// How long nothing answers a question that has come up: who clicks or presses a key by then meant something else.
+    static constexpr std::chrono::milliseconds deafTime{500};
+
     /// `current` gives the current document and `runCurrent` runs it. Defaults and scheduler outlive the object.
     LinkRuns(UserDefaults& userDefaults, Scheduler& scheduler, std::function<DocumentPointer()> current,
              std::function<void()> runCurrent);
@@ -32,6 +36,8 @@ public:
     void request(const DocumentPointer& document);
     /// Whether the question stands with `document`, which may be null.
     bool asksAbout(const DocumentPointer& document) const;
+    /// Whether it has come so lately that what is done now was meant for what stood there before.
+    bool hasJustAskedAbout(const DocumentPointer& document) const;
 
     /// The answers. Each does nothing unless the question stands with `document` and that is the current one, so that
     /// no other code runs than what the question was about.
@@ -55,6 +61,7 @@ private:
     const std::function<DocumentPointer()> current_;
     const std::function<void()> runCurrent_;
     QList<DocumentPointer> asked_;
+    QList<DocumentPointer> new_;
 };
 
 } // namespace kelm

@@ -39,12 +39,15 @@ RunRequests::~RunRequests() = default;
 
 void RunRequests::request(const std::shared_ptr<Document>& document)
 {
-    next_.reset();
     notifications_.post(notifications::clearOutput);
-    if (runner_.isRunning() && isForRunner(*document)) {
-        refuse(document);
-    } else {
+    if (!runner_.isRunning() || !isForRunner(*document)) {
+        next_.reset();
         begin(*document);
+    } else if (next_) {
+        // What is in the way has been told to end.
+        next_ = document;
+    } else {
+        refuse(document);
     }
 }
 

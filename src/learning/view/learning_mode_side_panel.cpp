@@ -24,6 +24,8 @@ namespace {
 constexpr int panelWidth = 280;
 constexpr double groundOpacity = 0.04;
 constexpr int titleSize = 15;
+/// From one look at what a run writes to the next, in milliseconds.
+constexpr int leastLookInterval = 16;
 /// More of a title is not laid out: that costs milliseconds for each thousand letters.
 constexpr qsizetype mostOfTitle = 3000;
 
@@ -68,11 +70,10 @@ LearningModeSidePanel::~LearningModeSidePanel() = default;
 void LearningModeSidePanel::followRunner()
 {
     diagnosisTimer_.setSingleShot(true);
-    connect(&diagnosisTimer_, &QTimer::timeout, this, &LearningModeSidePanel::updateDiagnosis);
+    connect(&diagnosisTimer_, &QTimer::timeout, this, &LearningModeSidePanel::lookAgain);
     connect(&runner_, &CodeRunner::isRunningChanged, this, [this] { runsBegun_ += runner_.isRunning() ? 1 : 0; });
     connect(&runner_, &CodeRunner::stderrBufferChanged, this, [this] {
         if (runner_.isStderrEmpty()) {
-            diagnosisTimer_.stop();
             updateDiagnosis();
         } else if (!diagnosisTimer_.isActive()) {
             diagnosisTimer_.start();
@@ -234,17 +235,50 @@ void LearningModeSidePanel::fillPermission()
 
 void LearningModeSidePanel::updateDiagnosis()
 {
-    QElapsedTimer clock;
-    clock.start();
-    const bool isOwn = runsBegun_ > runsBefore_;
-    const auto found = isOwn ? diagnose(runner_.stderrBuffer(), isKo_) : std::nullopt;
-    // A run that writes without end is looked at ever more rarely.
-    constexpr int least = 16;
-    diagnosisTimer_.setInterval(std::max(least, static_cast<int>(clock.elapsed()) * 10));
-    if (found == diagnosis_) {
+    // Long ones are joined and gone through beside the main thread.
+    constexpr qsizetype longErrors = qsizetype(64) << 10;
+    diagnosisTimer_.stop();
+    diagnosisTask_.stop();
+    isDiagnosisStale_ = false;
+    if (runsBegun_ == runsBefore_ || runner_.isStderrEmpty()) {
+        showDiagnosis(std::nullopt);
         return;
     }
-    diagnosis_ = found;
+    if (runner_.standardError().units() <= longErrors) {
+        diagnosisTimer_.setInterval(leastLookInterval);
+        showDiagnosis(diagnose(runner_.stderrBuffer(), isKo_));
+        return;
+    }
+    diagnosisTask_.start([this, errors = runner_.standardError(),
+                          isKo = isKo_](const BackgroundTask::StopFlag&) -> BackgroundTask::Delivery {
+        QElapsedTimer clock;
+        clock.start();
+        return [this, found = diagnose(errors.text(), isKo), clock] {
+            // A run that writes without end is looked at ever more rarely.
+            diagnosisTimer_.setInterval(std::max(leastLookInterval, static_cast<int>(clock.elapsed()) * 10));
+            showDiagnosis(found);
+            if (std::exchange(isDiagnosisStale_, false)) {
+                diagnosisTimer_.start();
+            }
+        };
+    });
+}
+
+void LearningModeSidePanel::lookAgain()
+{
+    if (diagnosisTask_.isRunning()) {
+        isDiagnosisStale_ = true;
+    } else {
+        updateDiagnosis();
+    }
+}
+
+void LearningModeSidePanel::showDiagnosis(const std::optional<Diagnosis>& diagnosis)
+{
+    if (diagnosis == diagnosis_) {
+        return;
+    }
+    diagnosis_ = diagnosis;
     if (diagnosis_) {
         diagnosisSection_->show(*diagnosis_, isKo_);
     }

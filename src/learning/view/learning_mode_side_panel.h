@@ -4,6 +4,7 @@
 #include "learning/diagnosis.h"
 #include "learning/lesson_info.h"
 #include "platform/desktop/workspace.h"
+#include "platform/events/background_task.h"
 #include "platform/events/scheduler.h"
 #include "platform/files/user_defaults.h"
 
@@ -76,7 +77,10 @@ private:
     void fillRegion();
     void fillTips();
     void fillPermission();
+    /// Looks anew at what the run has written, or soon again where that is being done.
     void updateDiagnosis();
+    void lookAgain();
+    void showDiagnosis(const std::optional<Diagnosis>& diagnosis);
 
     LessonInfo lessonInfo_;
     CodeRunner& runner_;
@@ -90,6 +94,8 @@ private:
     quint64 runsBegun_ = 0;
     quint64 runsBefore_ = 0;
     QTimer diagnosisTimer_;
+    BackgroundTask diagnosisTask_;
+    bool isDiagnosisStale_ = false;
 
     QScrollArea* area_;
     QVBoxLayout* column_ = nullptr;

@@ -73,6 +73,25 @@ bool isGoneWithin(ProcessTree& tree, std::chrono::milliseconds time, bool kills)
     return false;
 }
 
+/// Ends a child where nothing can be read of processes, with the group that it leads or alone.
+void endUnseen(qint64 root, std::chrono::milliseconds grace)
+{
+    const auto process = static_cast<pid_t>(root);
+    const pid_t group = ::getpgid(process);
+    if (root <= 1 || group < 0) {
+        return;
+    }
+    const pid_t target = group == process ? -process : process;
+    ::kill(target, SIGTERM);
+    ::kill(target, SIGCONT);
+    for (const auto end = Clock::now() + grace; Clock::now() < end; std::this_thread::sleep_for(treeLookInterval)) {
+        if (::kill(target, 0) != 0) {
+            return;
+        }
+    }
+    ::kill(target, SIGKILL);
+}
+
 } // namespace
 
 ProcessTree::ProcessTree(qint64 root) : root_(root), hasGroup_(::getpgid(static_cast<pid_t>(root)) == root)
@@ -127,6 +146,10 @@ void endTree(qint64 root, std::chrono::milliseconds grace)
 {
     auto thread = startQuietThread([root, grace] {
         ProcessTree tree(root);
+        if (tree.isGone() && processTable().empty()) {
+            endUnseen(root, grace);
+            return;
+        }
         tree.signal(SIGTERM);
         // One that was stopped takes the signal when it goes on.
         tree.signal(SIGCONT);

@@ -160,12 +160,22 @@ void PlainButton::keyPressEvent(QKeyEvent* event)
     if (fillMenu_ && opens) {
         openMenu();
     } else if (isReturn) {
-        // A key that is held down presses once.
         if (!event->isAutoRepeat()) {
-            click();
+            setDown(true);
         }
     } else {
         QAbstractButton::keyPressEvent(event);
+    }
+}
+
+void PlainButton::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QAbstractButton::keyReleaseEvent(event);
+    } else if (!event->isAutoRepeat() && isDown()) {
+        // As with the space bar: what has the keyboard afterwards is not to have the rest of a key that is held down.
+        setDown(false);
+        click();
     }
 }
 

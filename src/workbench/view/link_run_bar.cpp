@@ -1,5 +1,6 @@
 #include "workbench/view/link_run_bar.h"
 
+#include "app/state/link_runs.h"
 #include "learning/lesson_texts.h"
 #include "platform/style/view/style.h"
 #include "platform/view/accessible_role.h"
@@ -26,7 +27,7 @@ constexpr double edgeOpacity = 0.1;
 } // namespace
 
 LinkRunBar::LinkRunBar(bool isKo, ThemeManager& themeManager, Scheduler& scheduler, QWidget* parent)
-    : QWidget(parent), themeManager_(themeManager), hearing_(scheduler, deafTime, [this] { setHears(true); })
+    : QWidget(parent), themeManager_(themeManager), hearing_(scheduler, LinkRuns::deafTime, [this] { setHears(true); })
 {
     setFixedHeight(barHeight);
     setAccessibleRole(*this, QAccessible::AlertMessage);

@@ -16,15 +16,13 @@ class PlainButton;
 
 /// A row that says that a link asks to run this code on this computer, with the answers. It takes no keyboard by
 /// itself; F6 gives it that, since the Tab key is typed in the text below. Its words are the program's own. Its buttons
-/// take no press for half a second after it came up, so that a click or a key that was meant for what stood there
-/// before is no answer. One bar is one question.
+/// take no press for `LinkRuns::deafTime` after it came up, so that a click or a key that was meant for what stood
+/// there before is no answer. One bar is one question.
 class LinkRunBar final : public QWidget
 {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::milliseconds deafTime{500};
-
     /// Both services outlive the bar.
     LinkRunBar(bool isKo, ThemeManager& themeManager, Scheduler& scheduler, QWidget* parent = nullptr);
 

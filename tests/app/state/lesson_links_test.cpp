@@ -182,6 +182,8 @@ void LessonLinksTest::badLinksAreLoggedAndTold_data()
     };
     const QString close = u"kelmpane://close?code=YQ=="_s;
     row("another host", close, invalid(close), u"The lesson link does not begin with kelmpane://open."_s);
+    const QString longOne = close + QString(5000, u'A');
+    row("a long one", longOne, invalid(longOne), u"The lesson link does not begin with kelmpane://open."_s);
     const QString colon = u"kelmpane:://open?code=YQ=="_s;
     row("no host", colon, invalid(colon), u"The lesson link does not begin with kelmpane://open."_s);
     row("no code", link(u"lang=py"_s), invalid(link(u"lang=py"_s)), u"The lesson link holds no code."_s);

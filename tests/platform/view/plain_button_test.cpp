@@ -60,6 +60,8 @@ private Q_SLOTS:
     void aClickLeavesTheKeyboardWhereItIs();
     void theKeyboardPressesIt_data();
     void theKeyboardPressesIt();
+    void aHeldKeyPressesItOnce_data() { theKeyboardPressesIt_data(); }
+    void aHeldKeyPressesItOnce();
     void screenReadersGetARoleAndAName();
     void aTextIsTheNameAndTheHelpDescribes();
     void itsExtentFollowsFromWhatItHolds();
@@ -98,6 +100,28 @@ void PlainButtonTest::theKeyboardPressesIt()
     QTest::keyClick(&fixture.field, Qt::Key_Tab);
     QVERIFY(fixture.button.hasFocus());
     QTest::keyClick(&fixture.button, key);
+    QCOMPARE(clicks.count(), 1);
+}
+
+void PlainButtonTest::aHeldKeyPressesItOnce()
+{
+    QFETCH(Qt::Key, key);
+    Fixture fixture;
+    const QSignalSpy clicks(&fixture.button, &PlainButton::clicked);
+    QTest::keyClick(&fixture.field, Qt::Key_Tab);
+    // What was pressed elsewhere is none of its own.
+    QTest::keyRelease(&fixture.button, key);
+    QCOMPARE(clicks.count(), 0);
+    QTest::keyPress(&fixture.button, key);
+    for (int repeat = 0; repeat < 3; ++repeat) {
+        QKeyEvent up(QEvent::KeyRelease, key, {}, {}, true);
+        QKeyEvent down(QEvent::KeyPress, key, {}, {}, true);
+        QCoreApplication::sendEvent(&fixture.button, &up);
+        QCoreApplication::sendEvent(&fixture.button, &down);
+    }
+    // Where it goes on would be heard by whoever has the keyboard after the click.
+    QCOMPARE(clicks.count(), 0);
+    QTest::keyRelease(&fixture.button, key);
     QCOMPARE(clicks.count(), 1);
 }
 
