@@ -2,6 +2,7 @@
 #include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
 #include "git/service/git_worker.h"
+#include "platform/files/native_path.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +11,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -115,16 +117,22 @@ void GitService::cloneRepo(const QString& url, const QUrl& into, Completion onDo
         refuseAtOnce(*sentence, onDone);
         return;
     }
-    worker().runInBackground(makeProcess({u"clone"_s, url, target.fileName()}, target.path()),
-                             [into, onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
-                                 if (result.isSuccess() && service != nullptr) {
-                                     service->open(into);
-                                     Q_EMIT service->cloned(into);
-                                 }
-                                 if (onDone) {
-                                     onDone(result);
-                                 }
-                             });
+    const bool wasThere = target.exists() || target.isSymLink();
+    worker().runInBackground(
+        makeProcess({u"clone"_s, url, target.fileName()}, target.path()),
+        [into, target, wasThere, onDone = std::move(onDone)](GitService* service, const GitOpResult& result) {
+            if (!result.isSuccess() && !wasThere) {
+                // Git takes away what it has made, but for an empty folder when it was stopped right behind that.
+                ::rmdir(nativePath(target.filePath()).constData());
+            }
+            if (result.isSuccess() && service != nullptr) {
+                service->open(into);
+                Q_EMIT service->cloned(into);
+            }
+            if (onDone) {
+                onDone(result);
+            }
+        });
 }
 
 } // namespace kelm

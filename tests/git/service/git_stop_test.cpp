@@ -118,6 +118,7 @@ private Q_SLOTS:
     void aSilentServerIsLeft_data();
     void aSilentServerIsLeft();
     void aStoppedCloneLeavesNothing();
+    void aStoppedCloneLeavesNoEmptyFolder();
     void transfersAreToldOf();
 };
 
@@ -258,6 +259,31 @@ void GitStopTest::aStoppedCloneLeavesNothing()
     QCOMPARE(*result, GitOpResult::failure(u"git clone was stopped."_s));
     QVERIFY(!QDir(target).exists());
     QVERIFY(!git.repoURL());
+}
+
+void GitStopTest::aStoppedCloneLeavesNoEmptyFolder()
+{
+    // As git does when it is stopped right behind the making of the folder.
+    class EmptyClone final : public ProcessRunner
+    {
+    public:
+        ProcessResult run(const ProcessCommand& command) override
+        {
+            QDir(command.workingDirectory).mkdir(command.arguments.last());
+            return {.exit = {SIGTERM, true}, .isStopped = true};
+        }
+    };
+    for (const bool wasThere : {false, true}) {
+        const QTemporaryDir folder;
+        const QString target = folder.filePath(u"clone"_s);
+        QVERIFY(!wasThere || QDir().mkdir(target));
+        GitService git(std::make_shared<EmptyClone>());
+        std::optional<GitOpResult> result;
+        git.cloneRepo(u"https://host/x"_s, QUrl::fromLocalFile(target),
+                      [&result](const GitOpResult& given) { result = given; });
+        QTRY_VERIFY(result);
+        QCOMPARE(QDir(target).exists(), wasThere);
+    }
 }
 
 void GitStopTest::transfersAreToldOf()
