@@ -55,17 +55,14 @@ public:
     /// Looks again. What has lost its parent since the last look is still known.
     void look()
     {
-        const std::vector<ProcessEntry> table = processTable();
-        std::map<qint64, const ProcessEntry*> byNumber;
-        for (const ProcessEntry& process : table) {
-            byNumber.emplace(process.id, &process);
-        }
+        const ProcessLook processes;
+        const auto isSelf = [this](qint64 number) { return number == self_; };
         std::map<qint64, Known> found;
-        for (const ProcessEntry& process : table) {
+        for (const ProcessEntry& process : processes.all()) {
             const auto before = known_.find(process.id);
             const bool wasKnown = before != known_.end() && before->second.start == process.start;
             if (!process.hasEnded && process.session == session_ && process.id != self_ &&
-                (wasKnown || groups_.contains(process.group) || descends(process, byNumber))) {
+                (wasKnown || groups_.contains(process.group) || processes.descends(process, isSelf))) {
                 // What it does about the signal while it ends is nothing to go by.
                 const bool isDetached = wasKnown ? before->second.isDetached : ignoresSignal(process.id, SIGHUP);
                 found.emplace(process.id, Known{process.start, isDetached});
@@ -103,20 +100,6 @@ private:
         /// Whether it ignored SIGHUP when it was first seen.
         bool isDetached = false;
     };
-
-    bool descends(const ProcessEntry& process, const std::map<qint64, const ProcessEntry*>& byNumber) const
-    {
-        // Not for ever, should the table have changed into a circle while it was read.
-        qint64 parent = process.parent;
-        for (std::size_t steps = 0; parent > 1 && steps <= byNumber.size(); ++steps) {
-            if (parent == self_) {
-                return true;
-            }
-            const auto next = byNumber.find(parent);
-            parent = next != byNumber.end() ? next->second->parent : 0;
-        }
-        return false;
-    }
 
     void signalAll(int signal) const
     {

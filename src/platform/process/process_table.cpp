@@ -8,6 +8,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 
 namespace kelm {
 
@@ -49,6 +50,32 @@ std::vector<ProcessEntry> processTable()
         }
     }
     return table;
+}
+
+ProcessLook::ProcessLook()
+{
+    for (const ProcessEntry& process : all_) {
+        byNumber_.emplace(process.id, &process);
+    }
+}
+
+const ProcessEntry* ProcessLook::find(qint64 number) const
+{
+    const auto found = byNumber_.find(number);
+    return found != byNumber_.end() ? found->second : nullptr;
+}
+
+bool ProcessLook::descends(const ProcessEntry& process, const std::function<bool(qint64)>& isMeant) const
+{
+    // Not for ever, should the table have changed into a circle while it was read.
+    const ProcessEntry* next = &process;
+    for (std::size_t steps = 0; next != nullptr && steps <= all_.size(); ++steps) {
+        if (isMeant(next->id)) {
+            return true;
+        }
+        next = find(next->parent);
+    }
+    return false;
 }
 
 bool ignoresSignal(qint64 process, int signal)

@@ -3,7 +3,8 @@
 
 #include <QtGlobal>
 
-#include <optional>
+#include <functional>
+#include <map>
 #include <vector>
 
 namespace kelm {
@@ -23,6 +24,25 @@ struct ProcessEntry
 
 /// All processes that are to be seen; none where the system has no `/proc`. Any thread.
 std::vector<ProcessEntry> processTable();
+
+/// The processes of one look, by their numbers.
+class ProcessLook
+{
+public:
+    ProcessLook();
+    ProcessLook(const ProcessLook&) = delete;
+    ProcessLook& operator=(const ProcessLook&) = delete;
+
+    const std::vector<ProcessEntry>& all() const { return all_; }
+    /// Null for one that is not to be seen.
+    const ProcessEntry* find(qint64 number) const;
+    /// Whether `isMeant` holds for the number of a process or of one that it descends from.
+    bool descends(const ProcessEntry& process, const std::function<bool(qint64)>& isMeant) const;
+
+private:
+    std::vector<ProcessEntry> all_ = processTable();
+    std::map<qint64, const ProcessEntry*> byNumber_;
+};
 
 /// Whether a process ignores a signal; not so where nothing is known of it.
 bool ignoresSignal(qint64 process, int signal);

@@ -8,7 +8,6 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 namespace kelm {
 
@@ -19,44 +18,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds treeLookInterval{10};
 /// How long those that were killed are waited for; one that waits for a dead disk does not go at all.
 constexpr std::chrono::milliseconds killTime{200};
-
-/// The processes of one look, by their numbers.
-class Processes
-{
-public:
-    Processes()
-    {
-        for (const ProcessEntry& process : all_) {
-            byNumber_.emplace(process.id, &process);
-        }
-    }
-
-    const std::vector<ProcessEntry>& all() const { return all_; }
-    const ProcessEntry* find(qint64 number) const
-    {
-        const auto found = byNumber_.find(number);
-        return found != byNumber_.end() ? found->second : nullptr;
-    }
-
-    /// Whether a process or one that it descends from is known.
-    template <typename IsKnown>
-    bool descends(const ProcessEntry& process, const IsKnown& isKnown) const
-    {
-        // Not for ever, should the table have changed into a circle while it was read.
-        const ProcessEntry* next = &process;
-        for (std::size_t steps = 0; next != nullptr && steps <= all_.size(); ++steps) {
-            if (isKnown(next->id)) {
-                return true;
-            }
-            next = find(next->parent);
-        }
-        return false;
-    }
-
-private:
-    std::vector<ProcessEntry> all_ = processTable();
-    std::map<qint64, const ProcessEntry*> byNumber_;
-};
 
 /// False when some are still there at the end of the time.
 bool isGoneWithin(ProcessTree& tree, std::chrono::milliseconds time, bool kills)
@@ -101,7 +62,7 @@ ProcessTree::ProcessTree(qint64 root) : root_(root), hasGroup_(::getpgid(static_
 
 void ProcessTree::look()
 {
-    const Processes processes;
+    const ProcessLook processes;
     if (!session_) {
         const ProcessEntry* const root = processes.find(root_);
         if (root == nullptr || root->parent != ::getpid()) {
