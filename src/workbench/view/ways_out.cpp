@@ -40,7 +40,7 @@ WaysOut::WaysOut(AppState& appState, UserDefaults& settings, EditorArea& editors
 void WaysOut::serve(SearchOverlay& panel)
 {
     // It begins with empty fields.
-    appState_.notices().remove(findNotice_);
+    takeFindOfferBack();
     connect(&panel, &SearchOverlay::searchAskedFor, this, [this, request = panel.request()] { offerFindBar(request); });
     connect(&panel, &SearchOverlay::findBarAskedFor, this, [this, request = panel.request()] { openFindBar(request); });
 }
@@ -53,11 +53,14 @@ void WaysOut::serve(GoToLineView& panel)
 void WaysOut::offerFindBar(const Request& request)
 {
     const QString words = findWords(appState_.searchMode());
-    appState_.notices().remove(findNotice_);
-    if (editors_.currentEditor() == nullptr) {
+    takeFindOfferBack();
+    EditorContainerView* const editor = editors_.currentEditor();
+    if (editor == nullptr) {
         findNotice_ = appState_.notices().report(words + u" No text is open."_s);
         return;
     }
+    // Opened in another way, it needs no offer.
+    editor->textView().findBar().installEventFilter(this);
     offered_ = request;
     findNotice_ = appState_.notices().report(words, {{u"Find in text"_s, [this, request] { openFindBar(request); }}});
 }
@@ -69,10 +72,15 @@ void WaysOut::openFindBar(const Request& request)
         offerFindBar(request);
         return;
     }
-    appState_.notices().remove(findNotice_);
-    offered_.reset();
+    takeFindOfferBack();
     appState_.setShowSearch(false);
     editor->textView().findBar().open(*request);
+}
+
+void WaysOut::takeFindOfferBack()
+{
+    offered_.reset();
+    appState_.notices().remove(findNotice_);
 }
 
 bool WaysOut::offersFindBar() const
@@ -84,6 +92,9 @@ bool WaysOut::offersFindBar() const
 
 bool WaysOut::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::Show) {
+        takeFindOfferBack();
+    }
     if (watched != findNext_ || event->type() != QEvent::Shortcut || !offersFindBar()) {
         return QObject::eventFilter(watched, event);
     }

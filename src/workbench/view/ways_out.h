@@ -20,12 +20,13 @@ class GoToLineView;
 class SearchOverlay;
 
 /// Some panels take what a person types and do nothing with it. Each time a notice says so, and offers what does it:
-/// the search panel's text in the find bar, the line of "Go to Line" in the text. A setting that nothing reads yet says
-/// that it is only stored, when it is first changed. The panels themselves stay as they are. Main thread only.
+/// the search panel's text in the find bar, until that is open, and the line of "Go to Line" in the text. A setting
+/// that nothing reads yet says that it is only stored, when it is first changed. The panels themselves stay as they
+/// are. Main thread only.
 class WaysOut final : public QObject
 {
 public:
-    /// All of it outlives this. While the find bar is offered and is not open, `findNext` takes that offer.
+    /// All of it outlives this. While the find bar is offered, `findNext` takes that offer.
     WaysOut(AppState& appState, UserDefaults& settings, EditorArea& editors, QAction* findNext, QObject* parent);
 
     void serve(SearchOverlay& panel);
@@ -39,6 +40,7 @@ private:
 
     void offerFindBar(const Request& request);
     void openFindBar(const Request& request);
+    void takeFindOfferBack();
     /// Whether the find bar is offered in the notice that is to be seen.
     bool offersFindBar() const;
     void offerLine(qint64 line);

@@ -106,6 +106,7 @@ private Q_SLOTS:
     void initTestCase() { style::installOn(*qApp); }
 
     void keysHaveTheWordsOfTheirPlatform();
+    void oneSignSaysThatMoreFollows();
     void noNameTurnsItsDirection();
     void whatWorksWithANameHasTheNameItself();
 };
@@ -129,6 +130,21 @@ void MainWindowTextsTest::keysHaveTheWordsOfTheirPlatform()
          {u"Undo (Ctrl+Z)"_s, u"Redo (Ctrl+Shift+Z)"_s, u"Toggle Bottom Panel (Ctrl+`)"_s, u"Show in File Manager"_s,
           u"Go to file…  (Esc / Ctrl+W to close)"_s, u"Format JSON (Ctrl+Shift+J)"_s, u"Ctrl+Shift+X"_s, u"Ctrl+."_s}) {
         QVERIFY2(texts.contains(known), qPrintable(known));
+    }
+}
+
+void MainWindowTextsTest::oneSignSaysThatMoreFollows()
+{
+    // Commands that have had three stops from the start keep them.
+    const QStringList old{
+        u"Open..."_s,       u"Save As..."_s,    u"Find..."_s,         u"Find and Replace..."_s, u"Find in Project..."_s,
+        u"Go to File..."_s, u"Go to Line..."_s, u"Import Theme..."_s, u"Coming soon..."_s};
+    Fixture fixture;
+    fixture.state.createNewTab();
+    const QStringList texts = fixture.everythingSaid();
+    QVERIFY(texts.contains(u"Find in Text…"_s));
+    for (const QString& text : texts) {
+        QVERIFY2(!text.contains(u"..."_s) || old.contains(text), qPrintable(text));
     }
 }
 
