@@ -4,6 +4,7 @@
 #include "platform/events/main_queue.h"
 #include "platform/files/standard_paths.h"
 #include "platform/files/user_defaults.h"
+#include "platform/text/shown_name.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -68,7 +69,7 @@ QString UninstallService::itemsList(const Plan& plan)
     QStringList lines;
     for (const PlanField& field : planFields) {
         if (const auto& url = plan.*field.url; exists(url)) {
-            lines.append(u"  • "_s + QString::fromLatin1(field.label) + u": "_s + url->toLocalFile());
+            lines.append(u"  • "_s + QString::fromLatin1(field.label) + u": "_s + shownName(url->toLocalFile()));
         }
     }
     return lines.join(u'\n');

@@ -1,5 +1,7 @@
 #include "run/run_failure.h"
 
+#include "platform/text/shown_name.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -38,20 +40,21 @@ QString packageOf(QStringView program)
 
 QString failureText(const RunFailure& failure)
 {
+    const QString name = shownName(failure.name);
     switch (failure.reason) {
     case RunFailure::Reason::unknownExtension:
         return failure.detail.isEmpty()
-                   ? failure.name + u" cannot be run: its name has no extension that says how."_s
-                   : failure.name + u" cannot be run: nothing here runs .%1 files."_s.arg(failure.detail);
+                   ? name + u" cannot be run: its name has no extension that says how."_s
+                   : name + u" cannot be run: nothing here runs .%1 files."_s.arg(shownName(failure.detail));
     case RunFailure::Reason::missingProgram: {
         const QString package = packageOf(failure.detail);
-        const QString text = failure.name + u" needs %1, which was not found."_s.arg(failure.detail);
+        const QString text = name + u" needs %1, which was not found."_s.arg(failure.detail);
         return package.isEmpty() ? text : text + u" It usually comes with the package %1."_s.arg(package);
     }
     case RunFailure::Reason::notStarted:
         break;
     }
-    return failure.name + u" could not be run: "_s + failure.detail;
+    return name + u" could not be run: "_s + failure.detail;
 }
 
 } // namespace kelm

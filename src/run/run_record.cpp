@@ -1,5 +1,7 @@
 #include "run/run_record.h"
 
+#include "platform/text/shown_name.h"
+
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -60,7 +62,7 @@ QString durationText(std::chrono::seconds duration)
 
 QString runningText(const RunRecord& run, std::chrono::seconds duration)
 {
-    return u"Running "_s + run.name + u" … "_s + durationText(duration);
+    return u"Running "_s + shownName(run.name) + u" … "_s + durationText(duration);
 }
 
 QString endedText(const RunRecord& run)
@@ -68,7 +70,7 @@ QString endedText(const RunRecord& run)
     const ProcessExit exit = run.exit.value_or(ProcessExit());
     const QString how = exit.bySignal ? u" was ended by "_s + signalName(exit.status)
                                       : u" ended with "_s + QString::number(exit.status);
-    return run.name + how + u" after "_s + lastedText(run.lasted);
+    return shownName(run.name) + how + u" after "_s + lastedText(run.lasted);
 }
 
 } // namespace kelm

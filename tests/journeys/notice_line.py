@@ -8,9 +8,10 @@ LEFT, UP, WIDTH, HEIGHT = 14, 45, 200, 12
 LAST_OFFER, MIDDLE = 110, 39
 
 
-def shown(journey):
-    """The picture of the notice's first words; nothing while there is none."""
-    x, y, _, height = journey.place_of(journey.window())
+def shown(journey, window=None):
+    """The picture of the notice's first words; nothing while there is none. In the window that has the keyboard, where
+    none is given."""
+    x, y, _, height = journey.place_of(window or journey.window())
     data = journey.root.get_image(x + LEFT, y + height - UP, WIDTH, HEIGHT, X.ZPixmap, 0xFFFFFFFF).data
     return data if len({data[at:at + 4] for at in range(0, len(data), 4)}) > 1 else None
 

@@ -29,6 +29,9 @@ void RunFailureTest::theReasonIsTold_data()
                                << u"a %1.sql cannot be run: nothing here runs .sql files."_s;
     QTest::newRow("no extension") << RunFailure{Reason::unknownExtension, u"Makefile"_s, {}}
                                   << u"Makefile cannot be run: its name has no extension that says how."_s;
+    QTest::newRow("direction")
+        << RunFailure{Reason::unknownExtension, u"a.\u202eyp"_s, u"\u202eyp"_s}
+        << u"a.\u27e8U+202E\u27e9yp cannot be run: nothing here runs .\u27e8U+202E\u27e9yp files."_s;
     QTest::newRow("program") << RunFailure{Reason::missingProgram, u"a.js"_s, u"node"_s}
                              << u"a.js needs node, which was not found. It usually comes with the package nodejs."_s;
     QTest::newRow("unknown program") << RunFailure{Reason::missingProgram, u"a.x"_s, u"xrun"_s}

@@ -45,6 +45,7 @@ void RunRecordTest::durationsAreShort()
 void RunRecordTest::aRunThatGoesOnTellsForHowLong()
 {
     QCOMPARE(runningText({.name = u"100%1 한글.py"_s}, 12s), u"Running 100%1 한글.py … 12 s"_s);
+    QCOMPARE(runningText({.name = u"a\u202eyp.txt"_s}, 1s), u"Running a\u27e8U+202E\u27e9yp.txt … 1 s"_s);
 }
 
 void RunRecordTest::theEndTellsHowAndAfterWhatTime_data()

@@ -7,6 +7,7 @@
 #include "editor/transforms/xml_formatter.h"
 #include "maintenance/auto_update_service.h"
 #include "platform/files/file_url.h"
+#include "platform/text/shown_name.h"
 
 #include <utility>
 
@@ -238,7 +239,8 @@ std::vector<MenuItem> makeOpenRecentItems(const AppState& appState)
 {
     std::vector<MenuItem> items;
     for (const QUrl& url : appState.recentFiles()) {
-        items.push_back(passingItem(lastPathComponent(url), [url](AppState& state) { state.openFile(url); }));
+        items.push_back(
+            passingItem(shownName(lastPathComponent(url)), [url](AppState& state) { state.openFile(url); }));
     }
     if (!items.empty()) {
         items.push_back(separator());

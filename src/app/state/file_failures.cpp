@@ -3,6 +3,7 @@
 #include "app/state/notices.h"
 #include "app/state/text_file.h"
 #include "platform/files/file_url.h"
+#include "platform/text/shown_name.h"
 
 #include <algorithm>
 
@@ -25,15 +26,16 @@ QString reasonOf(const FileFailure& failure)
 QString shownName(const QUrl& url)
 {
     const QString last = url.isLocalFile() ? lastPathComponent(url) : descriptionOf(url);
-    QString name = last.isEmpty() ? u"What has no name"_s : last;
-    for (QChar& unit : name) {
-        // Whatever would break the line, or end it.
-        if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
-            unit == QChar::ParagraphSeparator) {
-            unit = QChar::ReplacementCharacter;
-        }
+    if (last.isEmpty()) {
+        return u"What has no name"_s;
     }
-    return name.size() > longestName ? name.first(longestName / 2) + u'…' + name.last(longestName / 2) : name;
+    if (last.size() <= longestName) {
+        return shownName(QStringView(last));
+    }
+    // No half of a pair.
+    const qsizetype head = longestName / 2 - (last[longestName / 2 - 1].isHighSurrogate() ? 1 : 0);
+    const qsizetype tail = longestName / 2 - (last[last.size() - longestName / 2].isLowSurrogate() ? 1 : 0);
+    return shownName(QStringView(last.first(head) + u'…' + last.last(tail)));
 }
 
 void reportFailures(Notices& notices, const QList<FileFailure>& failures, const QString& done)

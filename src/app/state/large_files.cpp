@@ -76,7 +76,7 @@ void LargeFiles::readNext()
     }
     const QUrl url = waiting_.takeFirst();
     reading_ = url;
-    notice_ = notices_.add({u"Opening %1…"_s.arg(lastPathComponent(url)), 0.0, [this] { stop(); }});
+    notice_ = notices_.add({u"Opening %1…"_s.arg(shownName(url)), 0.0, [this] { stop(); }});
     const auto teller = std::make_shared<ProgressTeller>(notices_, notice_);
     task_.start([this, url, teller](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
         Result result = readTextFile(url, [&](double share) {

@@ -3,6 +3,7 @@
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
+#include "platform/text/shown_name.h"
 #include "run/code_runner.h"
 
 #include <utility>
@@ -16,7 +17,7 @@ namespace {
 /// Without the sign of unsaved edits.
 QString nameOf(const Document& document)
 {
-    return document.fileURL() ? shownPath(lastPathComponent(*document.fileURL())) : u"Untitled"_s;
+    return document.fileURL() ? shownName(lastPathComponent(*document.fileURL())) : u"Untitled"_s;
 }
 
 /// Whether the runner is what answers a request for it.

@@ -86,6 +86,9 @@ public:
 
     /// Scrolls a line, counted from 1, to the middle of the view. Lines are reckoned as one row each.
     void scrollToLine(qsizetype line);
+    /// Puts the caret at the start of a line of the document, counted from 1, and scrolls there; folds that hide it are
+    /// undone. For a number without a line, that of the nearest one.
+    void goToLine(qint64 line);
 
     // TextViewDelegate
     void textDidChange() override;

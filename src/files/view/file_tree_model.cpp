@@ -1,24 +1,11 @@
 #include "files/view/file_tree_model.h"
 
+#include "platform/text/shown_name.h"
 #include "platform/view/plain_help.h"
 
 #include <algorithm>
 
 namespace kelm {
-
-namespace {
-
-QString oneLine(QString name)
-{
-    for (QChar& character : name) {
-        if (character.unicode() < u' ') {
-            character = u' ';
-        }
-    }
-    return name;
-}
-
-} // namespace
 
 void FileTreeModel::setFiles(const QList<FileItem>& files)
 {
@@ -121,13 +108,13 @@ QVariant FileTreeModel::data(const QModelIndex& index, int role) const
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-        return oneLine(row.item.name());
+        return shownName(row.item.name());
     case Qt::ToolTipRole:
-        return plainHelp(row.item.url.toLocalFile());
+        return plainHelp(shownName(row.item.url.toLocalFile()));
     case Qt::AccessibleTextRole: {
         const auto badge = badges_.badge(row.item);
         const QString kind = row.item.isDirectory ? tr("folder") : tr("file");
-        return QString(oneLine(row.item.name()) + QStringLiteral(", ") + kind +
+        return QString(shownName(row.item.name()) + QStringLiteral(", ") + kind +
                        (badge ? QStringLiteral(", ") + badge->letter : QString()));
     }
     case depthRole:

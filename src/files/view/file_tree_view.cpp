@@ -7,6 +7,7 @@
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "platform/view/labels.h"
@@ -124,7 +125,7 @@ void FileTreeView::refreshProject()
     const bool appears = project && pages_->currentIndex() == 0;
     pages_->setCurrentIndex(project ? 1 : 0);
     if (project) {
-        title_->setText(lastPathComponent(*project));
+        title_->setText(shownName(lastPathComponent(*project)));
     }
     if (appears && isVisible()) {
         loadFiles();

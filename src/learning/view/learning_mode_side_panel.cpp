@@ -5,6 +5,8 @@
 #include "learning/view/diagnosis_section.h"
 #include "learning/view/lesson_way_back.h"
 #include "learning/view/requirement_list.h"
+#include "platform/text/platform_words.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 
@@ -175,7 +177,9 @@ void LearningModeSidePanel::setLesson(const LessonInfo& lessonInfo, quint64 runs
 void LearningModeSidePanel::fillHeader()
 {
     learningMode_->setText(lessonTexts::learningMode.in(isKo_));
-    title_->setText(shownPart(lessonInfo_.title.value_or(lessonInfo_.slug), mostOfTitle));
+    // Blanks at its ends are nobody's name.
+    const QString title = lessonInfo_.title.value_or(lessonInfo_.slug).trimmed();
+    title_->setText(shownName(shownPart(title, mostOfTitle)));
     openLesson_->setText(lessonTexts::openLesson.in(isKo_));
     openLesson_->setHelp({});
     openLesson_->updateGeometry();
@@ -220,7 +224,7 @@ void LearningModeSidePanel::fillTips()
 {
     tips_->setHeading(lessonTexts::tipsHeading.in(isKo_));
     for (std::size_t index = 0; index < tipLines_.size(); ++index) {
-        tipLines_[index]->setText(lessonTexts::tips[index].in(isKo_));
+        tipLines_[index]->setText(inPlatformWords(lessonTexts::tips[index].in(isKo_)));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "platform/text/shown_name.h"
 
+#include "platform/text/script_joiners.h"
+
 #include <algorithm>
 #include <array>
 
@@ -73,7 +75,8 @@ QString shownName(QStringView name)
     for (qsizetype at = 0; at < name.size(); ++at) {
         const bool isPair = name[at].isHighSurrogate() && at + 1 < name.size() && name[at + 1].isLowSurrogate();
         const char32_t character = isPair ? QChar::surrogateToUcs4(name[at], name[at + 1]) : name[at].unicode();
-        if (isUnseen(character) || (character == U' ' && (at < start || at >= end))) {
+        const bool isBlankAtEnd = character == U' ' && (at < start || at >= end);
+        if (isBlankAtEnd || (isUnseen(character) && !isScriptJoiner(name, at))) {
             shown += sign(character);
         } else {
             shown += name.sliced(at, isPair ? 2 : 1);

@@ -1,6 +1,7 @@
 #include "run/view/terminal_strip.h"
 
 #include "platform/style/view/style.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "run/ansi_parser.h"
@@ -96,7 +97,7 @@ void TerminalStrip::showHint()
 {
     const bool isOutlasted = session_ && session_->isInterruptOutlasted();
     if (isOutlasted) {
-        hint_->setText(tr("“%1” still runs").arg(session_->commandHistory().last().simplified()));
+        hint_->setText(tr("“%1” still runs").arg(shownName(session_->commandHistory().last().simplified())));
     }
     hintRow_->setVisible(isOutlasted);
     follow();

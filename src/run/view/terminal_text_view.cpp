@@ -2,6 +2,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/text/character_sets.h"
+#include "platform/text/shown_name.h"
 #include "run/ansi_parser.h"
 #include "run/view/terminal_colors.h"
 #include "text/view/text_view_keys.h"
@@ -92,8 +93,8 @@ void TerminalTextView::appendOutput(const AttributedText& text)
 
 void TerminalTextView::appendPrompt()
 {
-    appendText(TerminalSession::promptText(session_ ? QStringView(session_->currentDirectory()) : u"~"),
-               plainColors::cyan);
+    const QString directory = session_ ? shownName(session_->currentDirectory()) : QStringLiteral("~");
+    appendText(TerminalSession::promptText(directory), plainColors::cyan);
 }
 
 void TerminalTextView::clear()

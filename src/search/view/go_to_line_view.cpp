@@ -40,6 +40,7 @@ void GoToLineView::submit()
 {
     if (const auto number = decimalInteger(lineNumber_->text())) {
         log_.print(u"Go to line: "_s + QString::number(*number));
+        Q_EMIT submitted(*number);
     }
     appState_.setShowGoToLine(false);
 }

@@ -2,6 +2,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/plain_help.h"
 
 #include <QPainter>
@@ -52,13 +53,13 @@ QVariant ProjectSearchModel::data(const QModelIndex& index, int role) const
     const SearchResult& result = search_.results().at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return oneLine(result.fileName);
+        return shownName(result.fileName);
     case lineRole:
         return oneLine(result.matchLine.left(shownLength));
     case Qt::ToolTipRole:
-        return plainHelp(result.fileURL.toLocalFile());
+        return plainHelp(shownName(result.fileURL.toLocalFile()));
     case Qt::AccessibleTextRole:
-        return QString(oneLine(result.fileName) + QStringLiteral(", ") + oneLine(result.matchLine.left(shownLength)));
+        return QString(shownName(result.fileName) + QStringLiteral(", ") + oneLine(result.matchLine.left(shownLength)));
     default:
         return {};
     }

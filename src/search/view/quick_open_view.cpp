@@ -3,7 +3,10 @@
 #include "app/state/app_state.h"
 #include "platform/files/file_url.h"
 #include "platform/style/view/icons.h"
+#include "platform/text/platform_words.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/divider.h"
+#include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
 #include "search/quick_open.h"
@@ -26,6 +29,8 @@ constexpr int panelWidth = 600;
 constexpr int shadowRadius = 20;
 constexpr int rowHeight = 30;
 constexpr int largestListHeight = 300;
+/// From the panel's edge to a row's symbol.
+constexpr int rowPadding = 16;
 constexpr double selectionOpacity = 0.3;
 
 } // namespace
@@ -69,9 +74,11 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     : OverlayCard(panelWidth, shadowRadius, parent),
       appState_(appState),
       searchText_(new QLineEdit(this)),
-      list_(new QListWidget(this))
+      list_(new QListWidget(this)),
+      noMatch_(
+          new TextLabel(tr("No matching files"), style::interfaceFont(style::typeSize::body), Tint::secondary(), this))
 {
-    searchText_->setPlaceholderText(u"Go to file…  (Esc / ⌘W to close)"_s);
+    searchText_->setPlaceholderText(inPlatformWords(u"Go to file…  (Esc / ⌘W to close)"_s));
     searchText_->setAccessibleName(tr("Go to file"));
     searchText_->setFrame(false);
     searchText_->setFont(style::interfaceFont(16));
@@ -80,7 +87,7 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     auto* closeButton = new PlainButton(
         {.symbol = u"xmark.circle.fill"_s, .symbolSize = 16, .hoveredTint = Tint::primary(), .fixedSize = {24, 24}},
         this);
-    closeButton->setHelp(u"Close (Esc / ⌘W)"_s);
+    closeButton->setHelp(inPlatformWords(u"Close (Esc / ⌘W)"_s));
     connect(closeButton, &PlainButton::clicked, this, &QuickOpenView::close);
     auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
     connect(shortcut, &QShortcut::activated, this, &QuickOpenView::close);
@@ -105,7 +112,15 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     column->addWidget(new Divider(Qt::Horizontal, this));
     column->addSpacing(8);
     column->addWidget(list_);
+    auto* told = new QHBoxLayout;
+    told->setContentsMargins(rowPadding, 0, rowPadding, 0);
+    told->addWidget(noMatch_);
+    column->addLayout(told);
 
+    noMatch_->setFixedHeight(rowHeight);
+    noMatch_->hide();
+    list_->setFixedHeight(largestListHeight);
+    setMaximumHeight(sizeHint().height());
     connect(searchText_, &QLineEdit::textChanged, this, &QuickOpenView::fillList);
     connect(&appState_, &AppState::recentFilesChanged, this, &QuickOpenView::fillList);
     fillList();
@@ -120,13 +135,11 @@ void QuickOpenView::fillList()
 {
     list_->clear();
     for (const QUrl& url : filteredFiles()) {
-        QString name = lastPathComponent(url);
-        // A name may hold a line feed, and a row has one line.
-        name.replace(u'\n', u' ');
-        auto* item = new QListWidgetItem(name, list_);
-        item->setToolTip(plainHelp(url.toLocalFile()));
+        auto* item = new QListWidgetItem(shownName(lastPathComponent(url)), list_);
+        item->setToolTip(plainHelp(shownName(url.toLocalFile())));
     }
     list_->setFixedHeight(std::min(list_->count() * rowHeight, largestListHeight));
+    noMatch_->setVisible(list_->count() == 0 && !searchText_->text().isEmpty());
     showSelection();
 }
 

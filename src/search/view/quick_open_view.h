@@ -13,9 +13,11 @@ class QListWidgetItem;
 namespace kelm {
 
 class AppState;
+class TextLabel;
 
 /// Lists the recent files whose names hold what is typed. The selection is a place in the list and stays where it is
-/// while the list changes: behind its end no file is selected, and Return only closes the panel.
+/// while the list changes: behind its end no file is selected, and Return only closes the panel. The panel's greatest
+/// height is that with the longest list that is seen at once.
 class QuickOpenView final : public OverlayCard
 {
     Q_OBJECT
@@ -41,6 +43,7 @@ private:
     AppState& appState_;
     QLineEdit* searchText_;
     QListWidget* list_;
+    TextLabel* noMatch_;
     qsizetype selectedIndex_ = 0;
 };
 

@@ -28,6 +28,11 @@ QHBoxLayout* makeRow(QWidget* row)
     return layout;
 }
 
+bool isReturn(const QKeyEvent& key)
+{
+    return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
+
 QLineEdit* makeField(const QString& prompt, QWidget* parent)
 {
     auto* field = new QLineEdit(parent);
@@ -65,6 +70,13 @@ SearchOverlay::SearchOverlay(AppState& appState, QWidget* parent)
     column->addWidget(buttons_);
     setFocusProxy(searchText_);
     searchText_->installEventFilter(this);
+    replaceText_->installEventFilter(this);
+    for (const QLineEdit* field : {searchText_, replaceText_}) {
+        connect(field, &QLineEdit::textChanged, this, &SearchOverlay::refreshRequest);
+    }
+    for (const PlainButton* toggle : {caseToggle_, patternToggle_}) {
+        connect(toggle, &PlainButton::toggled, this, &SearchOverlay::refreshRequest);
+    }
     connect(&appState_, &AppState::searchModeChanged, this, &SearchOverlay::refreshMode);
     refreshMode();
 }
@@ -92,8 +104,10 @@ QWidget* SearchOverlay::makeFindRow()
     searchText_ = makeField(u"Find"_s, row);
     layout->addWidget(new SymbolLabel(u"magnifyingglass"_s, symbolSize, Tint::secondary(), row));
     layout->addWidget(searchText_, 1);
-    layout->addWidget(makeToggle(u"textformat"_s, u"Case Sensitive"_s, row));
-    layout->addWidget(makeToggle(u"number"_s, u"Use Regular Expression"_s, row));
+    caseToggle_ = makeToggle(u"textformat"_s, u"Case Sensitive"_s, row);
+    patternToggle_ = makeToggle(u"number"_s, u"Use Regular Expression"_s, row);
+    layout->addWidget(caseToggle_);
+    layout->addWidget(patternToggle_);
     return row;
 }
 
@@ -112,10 +126,11 @@ QWidget* SearchOverlay::makeButtons()
     auto* row = new QWidget(this);
     QHBoxLayout* layout = makeRow(row);
     layout->addStretch(1);
-    // Neither has an action: the panel changes no text.
+    // Neither changes a text.
     for (const QString& text : {u"Replace"_s, u"Replace All"_s}) {
         auto* button = new PlainButton(borderedLook(), row);
         button->setText(text);
+        connect(button, &PlainButton::clicked, this, &SearchOverlay::searchAskedFor);
         layout->addWidget(button);
     }
     return row;
@@ -127,13 +142,30 @@ void SearchOverlay::refreshMode()
     title_->setText(replaces ? u"Find and Replace"_s : u"Find"_s);
     replaceRow_->setVisible(replaces);
     buttons_->setVisible(replaces);
+    refreshRequest();
+}
+
+void SearchOverlay::refreshRequest()
+{
+    *request_ = {.text = searchText_->text(),
+                 .replaces = appState_.searchMode() == SearchMode::replace,
+                 .replacement = replaceText_->text(),
+                 .isCaseSensitive = caseToggle_->isChecked(),
+                 .isPattern = patternToggle_->isChecked()};
 }
 
 bool SearchOverlay::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == searchText_ && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    if (event->type() != QEvent::KeyPress) {
+        return OverlayCard::eventFilter(watched, event);
+    }
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (watched == searchText_ && key.key() == Qt::Key_Escape) {
         appState_.setShowSearch(false);
+        return true;
+    }
+    if (isReturn(key)) {
+        Q_EMIT searchAskedFor();
         return true;
     }
     return OverlayCard::eventFilter(watched, event);

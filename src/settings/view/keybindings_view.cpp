@@ -1,6 +1,7 @@
 #include "settings/view/keybindings_view.h"
 
 #include "platform/style/view/style.h"
+#include "platform/text/platform_words.h"
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
@@ -53,7 +54,8 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
             line->addWidget(
                 new TextLabel(row.action, style::interfaceFont(style::typeSize::body), Tint::primary(), list));
             line->addStretch(1);
-            line->addWidget(new TextLabel(row.shortcut, style::monospaced(keySize), Tint::secondary(), list));
+            line->addWidget(
+                new TextLabel(inPlatformWords(row.shortcut), style::monospaced(keySize), Tint::secondary(), list));
             column->addLayout(line);
         }
     }

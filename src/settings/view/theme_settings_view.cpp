@@ -1,6 +1,7 @@
 #include "settings/view/theme_settings_view.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/theme_preview.h"
@@ -116,7 +117,7 @@ void ThemeSettingsView::fillList()
     const QSignalBlocker quiet(list_);
     list_->clear();
     for (const EditorTheme& theme : themeManager_.availableThemes()) {
-        auto* item = new QListWidgetItem(theme.name, list_);
+        auto* item = new QListWidgetItem(shownName(theme.name), list_);
         item->setData(swatchRole, theme.backgroundColor.toColor());
         item->setData(currentRole, theme.name == themeManager_.currentTheme().name);
         if (selectedTheme_ && selectedTheme_->name == theme.name) {

@@ -137,6 +137,30 @@ void FindBar::useSelection()
     }
 }
 
+void FindBar::open(const FindRequest& request)
+{
+    open(request.replaces);
+    {
+        // One search, once all is as it was asked for.
+        const QSignalBlocker findIsQuiet(findField_);
+        const QSignalBlocker caseIsQuiet(caseToggle_);
+        const QSignalBlocker wordIsQuiet(wordToggle_);
+        const QSignalBlocker patternIsQuiet(patternToggle_);
+        if (!request.text.isEmpty()) {
+            findField_->setText(request.text);
+            engine_.setSearchText(request.text);
+        }
+        caseToggle_->setChecked(request.isCaseSensitive);
+        wordToggle_->setChecked(false);
+        patternToggle_->setChecked(request.isPattern);
+    }
+    if (request.replaces) {
+        replaceField_->setText(request.replacement);
+    }
+    findField_->selectAll();
+    restart();
+}
+
 bool FindBar::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == &view_ && event->type() == QEvent::Resize) {

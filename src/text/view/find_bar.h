@@ -1,6 +1,7 @@
 // The find bar of a text view.
 #pragma once
 
+#include "text/find/find_request.h"
 #include "text/find/find_session.h"
 #include "text/find/search_engine.h"
 #include "text/view/searched_text.h"
@@ -32,6 +33,8 @@ public:
 
     /// Shows the bar with the selected text, if it is within a line, as the text looked for.
     void open(bool withReplace);
+    /// Shows the bar with what was typed and chosen elsewhere.
+    void open(const FindRequest& request);
     void close();
     /// Steps to a match and selects it, also when the bar is not shown.
     void findNext();

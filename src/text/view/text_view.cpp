@@ -113,7 +113,7 @@ QMenu* TextView::makeContextMenu()
     menu->addSeparator();
     add(tr("Select All"), QKeySequence::SelectAll, &TextView::selectAll, storage_.length() > 0);
     menu->addSeparator();
-    menu->addAction(tr("Find in Text..."), this, &TextView::showFindBar);
+    menu->addAction(tr("Find in Text…"), this, &TextView::showFindBar);
     menu->addAction(tr("Use Selection for Find"), this, &TextView::useSelectionForFind)->setEnabled(hasText);
     return menu;
 }

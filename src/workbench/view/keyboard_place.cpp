@@ -9,8 +9,9 @@
 
 namespace kelm {
 
-KeyboardPlace::KeyboardPlace(QWidget& window, std::function<void()> home, std::function<QWidget*()> cover)
-    : QObject(&window), window_(window), home_(std::move(home)), cover_(std::move(cover))
+KeyboardPlace::KeyboardPlace(QWidget& window, std::function<void()> home, std::function<QWidget*()> cover,
+                             const QWidget* leftFree)
+    : QObject(&window), window_(window), home_(std::move(home)), cover_(std::move(cover)), leftFree_(leftFree)
 {
     window_.installEventFilter(this);
     connect(qApp, &QApplication::focusChanged, this, &KeyboardPlace::follow);
@@ -32,7 +33,7 @@ bool KeyboardPlace::eventFilter(QObject* watched, QEvent* event)
         const QWidget* const focused = window_.focusWidget();
         const QWidget* const cover = cover_();
         // Else the first button of the window would get it.
-        if (focused == nullptr || !focused->isVisible() || (cover != nullptr && !cover->isAncestorOf(focused))) {
+        if (focused == nullptr || !focused->isVisible() || isBehind(cover, *focused)) {
             takeHome();
         }
     }
@@ -47,8 +48,7 @@ void KeyboardPlace::follow(QWidget* before, QWidget* now)
         return;
     }
     const QWidget* const cover = cover_();
-    const bool isBehind = cover != nullptr && now->window() == &window_ && !cover->isAncestorOf(now);
-    if (!isBehind || qobject_cast<QMenuBar*>(now) != nullptr) {
+    if (!isBehind(cover, *now) || qobject_cast<QMenuBar*>(now) != nullptr) {
         return;
     }
     if (before != nullptr && cover->isAncestorOf(before) && before->isVisible()) {
@@ -56,6 +56,12 @@ void KeyboardPlace::follow(QWidget* before, QWidget* now)
     } else {
         takeHome();
     }
+}
+
+bool KeyboardPlace::isBehind(const QWidget* cover, const QWidget& widget) const
+{
+    return cover != nullptr && widget.window() == &window_ && !cover->isAncestorOf(&widget) &&
+           (leftFree_ == nullptr || !leftFree_->isAncestorOf(&widget));
 }
 
 void KeyboardPlace::takeIfNowhere()

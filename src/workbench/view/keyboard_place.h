@@ -16,8 +16,9 @@ class KeyboardPlace final : public QObject
 {
 public:
     /// `home` gives the keyboard to where it belongs while nothing else has it, and `cover` tells what lies over the
-    /// window, or null.
-    KeyboardPlace(QWidget& window, std::function<void()> home, std::function<QWidget*()> cover);
+    /// window, or null. `leftFree` is a part of the window that is never behind it.
+    KeyboardPlace(QWidget& window, std::function<void()> home, std::function<QWidget*()> cover,
+                  const QWidget* leftFree = nullptr);
 
     /// For what is about to pass the keyboard on: when what has it is hidden, and `inSight` does not tell of a part of
     /// the window round it that is still there, takes it home and returns true.
@@ -30,10 +31,13 @@ private:
     void follow(QWidget* before, QWidget* now);
     void takeIfNowhere();
     void takeHome();
+    /// Whether something of the window lies behind what is over it.
+    bool isBehind(const QWidget* cover, const QWidget& widget) const;
 
     QWidget& window_;
     const std::function<void()> home_;
     const std::function<QWidget*()> cover_;
+    const QWidget* const leftFree_;
 };
 
 } // namespace kelm

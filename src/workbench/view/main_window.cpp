@@ -17,8 +17,10 @@
 #include "workbench/view/menu_bar.h"
 #include "workbench/view/notice_bar.h"
 #include "workbench/view/overlay_layer.h"
+#include "workbench/view/settings_line.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
+#include "workbench/view/ways_out.h"
 #include "workbench/view/window_notices.h"
 #include "workbench/view/window_overlays.h"
 #include "workbench/view/window_panels.h"
@@ -92,15 +94,19 @@ MainWindow::~MainWindow()
 
 void MainWindow::keepKeyboardInSight()
 {
-    auto* overlays = new WindowOverlays(appState_, *this);
+    auto* waysOut =
+        new WaysOut(appState_, userDefaults_, *editorArea_, menuAction(*menuBar(), Command::findNext), this);
+    overlays_ = new WindowOverlays(appState_, *waysOut, *this);
     keyboardPlace_ = new KeyboardPlace(
-        *this, [this] { editorArea_->focusCurrentEditor(); }, [overlays]() -> QWidget* { return overlays->top(); });
+        *this, [this] { editorArea_->focusCurrentEditor(); }, [this]() -> QWidget* { return overlays_->top(); },
+        noticeBar_);
 }
 
 void MainWindow::openSettings()
 {
     if (!settings_) {
         settings_ = std::make_unique<SettingsView>(userDefaults_, themeManager_);
+        new SettingsLine(appState_.notices(), settings_.get());
         settings_->move(frameGeometry().center() - settings_->rect().center());
     }
     settings_->show();
@@ -215,7 +221,8 @@ void MainWindow::refreshTheme()
 
 QList<QWidget*> MainWindow::regions() const
 {
-    return {toolbar_, sidebar_, tabBar_, linkRunPlace_, editorArea_, lessonPlace_, bottomPanel_, statusBar_};
+    return {toolbar_,     sidebar_,     tabBar_,    linkRunPlace_, editorArea_,
+            lessonPlace_, bottomPanel_, noticeBar_, statusBar_};
 }
 
 bool MainWindow::focusNextPrevChild(bool next)
@@ -227,6 +234,10 @@ bool MainWindow::focusNextPrevChild(bool next)
         });
     };
     if (keyboardPlace_ != nullptr && keyboardPlace_->takeFromHidden(inSight)) {
+        return true;
+    }
+    if (OverlayLayer* const overlay = overlays_ != nullptr ? overlays_->top() : nullptr) {
+        overlay->stepFocus(next);
         return true;
     }
     QWidget* const stop = nextFocusStop(regions(), focusWidget(), next);

@@ -27,6 +27,7 @@ class SidebarView;
 class StatusBarView;
 class TabBarView;
 class ToolbarView;
+class WindowOverlays;
 
 /// Toolbar, sidebar, tabs, editor, panels and status bar, and the overlays above them. Whether a panel or an overlay is
 /// shown is a flag of the state, and a change of the flag is all that shows or hides it. Files that are dropped on the
@@ -103,6 +104,7 @@ private:
     BottomPanel* bottomPanel_ = nullptr;
     LessonPlace* lessonPlace_ = nullptr;
     LinkRunPlace* linkRunPlace_ = nullptr;
+    WindowOverlays* overlays_ = nullptr;
     KeyboardPlace* keyboardPlace_ = nullptr;
     std::unique_ptr<SettingsView> settings_;
 };

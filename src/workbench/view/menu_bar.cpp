@@ -43,8 +43,8 @@ struct FindItem
 };
 
 constexpr std::array<FindItem, 5> findItems{{
-    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
-    {Command::showReplaceBar, QT_TRANSLATE_NOOP("kelm", "Replace in Text..."), Qt::CTRL | Qt::ALT | Qt::Key_R,
+    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text…"), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
+    {Command::showReplaceBar, QT_TRANSLATE_NOOP("kelm", "Replace in Text…"), Qt::CTRL | Qt::ALT | Qt::Key_R,
      "showReplaceBar"},
     {Command::findNext, QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
     {Command::findPrevious, QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},

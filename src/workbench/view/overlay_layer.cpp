@@ -6,19 +6,26 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace kelm {
 
+namespace {
+
+constexpr int margin = 24;
+
+} // namespace
+
 OverlayLayer::OverlayLayer(QWidget* content, double dimOpacity, std::function<void()> dismiss, QWidget* parent)
     : QWidget(parent), content_(content), dimOpacity_(dimOpacity), dismiss_(std::move(dismiss))
 {
-    constexpr int margin = 24;
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, margin, margin, margin);
-    column->addWidget(content_, 0, Qt::AlignCenter);
+    const bool keepsTop = content_->maximumHeight() < QWIDGETSIZE_MAX;
+    column->addWidget(content_, 0, keepsTop ? Qt::AlignHCenter | Qt::AlignTop : Qt::AlignCenter);
     setFocusProxy(content_);
     setGeometry(parent->rect());
+    placeContent();
     parent->installEventFilter(this);
 }
 
@@ -26,8 +33,45 @@ bool OverlayLayer::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == parentWidget() && event->type() == QEvent::Resize) {
         setGeometry(parentWidget()->rect());
+        placeContent();
+    }
+    if (watched == free_) {
+        switch (event->type()) {
+        case QEvent::Show:
+        case QEvent::Hide:
+        case QEvent::Move:
+        case QEvent::Resize:
+            leaveFree();
+            break;
+        default:
+            break;
+        }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void OverlayLayer::placeContent()
+{
+    const int greatest = content_->maximumHeight();
+    const int top = greatest < QWIDGETSIZE_MAX ? std::max(margin, (height() - greatest) / 2) : margin;
+    layout()->setContentsMargins(margin, top, margin, margin);
+}
+
+void OverlayLayer::setLeftFree(QWidget* part)
+{
+    free_ = part;
+    free_->installEventFilter(this);
+    leaveFree();
+}
+
+void OverlayLayer::leaveFree()
+{
+    if (!free_->isVisible()) {
+        clearMask();
+        return;
+    }
+    const QRect place(free_->mapTo(parentWidget(), QPoint()), free_->size());
+    setMask(QRegion(rect()) - QRegion(place));
 }
 
 void OverlayLayer::paintEvent(QPaintEvent*)
@@ -76,20 +120,29 @@ void OverlayLayer::keyPressEvent(QKeyEvent* event)
 
 bool OverlayLayer::focusNextPrevChild(bool next)
 {
+    stepFocus(next);
+    return true;
+}
+
+void OverlayLayer::stepFocus(bool next)
+{
     // The keyboard stays on the layer, as the mouse does.
-    QWidget* const start = focusWidget() != nullptr ? focusWidget() : content_;
+    const auto isHere = [this](const QWidget* widget) {
+        return isAncestorOf(widget) || (free_ != nullptr && free_->isVisible() && free_->isAncestorOf(widget));
+    };
+    QWidget* const focused = window()->focusWidget();
+    QWidget* const start = focused != nullptr && isHere(focused) ? focused : content_;
     const auto step = [next](QWidget* widget) {
         return next ? widget->nextInFocusChain() : widget->previousInFocusChain();
     };
     for (QWidget* widget = step(start); widget != start; widget = step(widget)) {
-        const bool isStop = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled() &&
-                            isAncestorOf(widget) && widget->isVisibleTo(this);
+        const bool isStop =
+            (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled() && isHere(widget) && widget->isVisible();
         if (isStop) {
             widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
             break;
         }
     }
-    return true;
 }
 
 } // namespace kelm

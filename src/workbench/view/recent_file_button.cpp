@@ -3,6 +3,7 @@
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/plain_help.h"
 
 #include <QFileInfo>
@@ -33,10 +34,10 @@ QFont folderFont()
 RecentFileButton::RecentFileButton(const QUrl& url, QWidget* parent) : QAbstractButton(parent)
 {
     const QFileInfo file(url.toLocalFile());
-    setText(file.fileName());
-    folder_ = file.path();
+    setText(shownName(file.fileName()));
+    folder_ = shownName(file.path());
     setAccessibleDescription(folder_);
-    setToolTip(plainHelp(file.filePath()));
+    setToolTip(plainHelp(shownName(file.filePath())));
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

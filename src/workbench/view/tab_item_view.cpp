@@ -2,6 +2,8 @@
 
 #include "platform/desktop/workspace.h"
 #include "platform/style/view/icons.h"
+#include "platform/text/platform_words.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
@@ -65,17 +67,6 @@ void run(QVariantAnimation& animation, bool forward)
     }
 }
 
-/// The text of a title on one line: a file's name may hold anything.
-QString oneLine(QString title)
-{
-    for (QChar& character : title) {
-        if (character.unicode() < u' ') {
-            character = u' ';
-        }
-    }
-    return title;
-}
-
 } // namespace
 
 Tint languageTint(Language language)
@@ -121,8 +112,8 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 
 void TabItemView::refreshDocument()
 {
-    setAccessibleName(document_->title());
-    setToolTip(document_->fileURL() ? plainHelp(document_->fileURL()->path()) : QString());
+    setAccessibleName(shownName(document_->title()));
+    setToolTip(document_->fileURL() ? plainHelp(shownName(document_->fileURL()->path())) : QString());
     updateGeometry();
     update();
 }
@@ -168,7 +159,7 @@ QSize TabItemView::sizeHint() const
 {
     // The room of the medium weight at all times, so that a selection moves nothing.
     const QFontMetrics metrics(style::interfaceFont(titleSize, QFont::Medium));
-    const int title = std::min(metrics.horizontalAdvance(oneLine(document_->title())) + 1, longestTitle);
+    const int title = std::min(metrics.horizontalAdvance(shownName(document_->title())) + 1, longestTitle);
     const int dot = document_->isModified() ? dotSize + spacing : 0;
     return {2 * horizontalPadding + chipSize + spacing + title + spacing + dot + closeSize, tabHeight};
 }
@@ -226,7 +217,7 @@ void TabItemView::paintEvent(QPaintEvent*)
     painter.setFont(titleFont());
     painter.setPen((isSelected_ ? Tint::primary() : Tint::secondary()).on(*this));
     const QString title =
-        QFontMetrics(titleFont()).elidedText(oneLine(document_->title()), Qt::ElideMiddle, right - left + 1);
+        QFontMetrics(titleFont()).elidedText(shownName(document_->title()), Qt::ElideMiddle, right - left + 1);
     painter.drawText(QRect(left, 0, right - left + 1, height()), Qt::AlignVCenter | Qt::TextSingleLine, title);
     if (hasFocus()) {
         style::drawFocusRing(painter, QRectF(rect()), style::radius::control, *this);
@@ -300,8 +291,8 @@ void TabItemView::fillContextMenu(QMenu& menu)
     const std::optional<QUrl> url = document_->fileURL();
     QAction* copy = menu.addAction(QStringLiteral("Copy Path"), this,
                                    [url] { QGuiApplication::clipboard()->setText(url->toLocalFile()); });
-    QAction* reveal =
-        menu.addAction(QStringLiteral("Reveal in Finder"), this, [this, url] { workspace_.reveal(*url); });
+    QAction* reveal = menu.addAction(inPlatformWords(QStringLiteral("Reveal in Finder")), this,
+                                     [this, url] { workspace_.reveal(*url); });
     copy->setEnabled(url.has_value());
     reveal->setEnabled(url.has_value());
 }

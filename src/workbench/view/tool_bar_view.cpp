@@ -3,6 +3,7 @@
 #include "app/commands/command_table.h"
 #include "app/state/rewrite_document.h"
 #include "editor/transforms/xml_formatter.h"
+#include "platform/text/platform_words.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/responder.h"
 
@@ -90,7 +91,7 @@ ToolbarView::ToolbarView(CommandTargets targets, ThemeManager& themeManager, std
 PlainButton* ToolbarView::addButton(const QString& symbol, const QString& help, std::function<void()> action)
 {
     auto* button = new PlainButton({.symbol = symbol, .symbolSize = buttonIconSize, .fixedSize = buttonSize}, this);
-    button->setHelp(help);
+    button->setHelp(inPlatformWords(help));
     if (action) {
         connect(button, &PlainButton::clicked, this, std::move(action));
     }
@@ -124,7 +125,7 @@ void ToolbarView::addQuickOpenButton()
                                     .ground = Tint::secondary().at(0.2),
                                     .padding = {10, 5, 10, 5},
                                     .spacing = 8,
-                                    .trailingText = u"⌘P"_s},
+                                    .trailingText = inPlatformWords(u"⌘P"_s)},
                                    this);
     button->setText(u"Quick Open"_s);
     button->setHelp(tr("Find a file of the project by its name"));
@@ -143,7 +144,7 @@ void ToolbarView::addRunButton()
                                   .padding = {10, 5, 10, 5}},
                                  this);
     runButton_->setText(u"Run"_s);
-    runButton_->setHelp(u"Run (⌘R)"_s);
+    runButton_->setHelp(inPlatformWords(u"Run (⌘R)"_s));
     connect(runButton_, &PlainButton::clicked, this, [this] { give(Command::run); });
     row_->addWidget(runButton_);
 }
@@ -163,9 +164,9 @@ void ToolbarView::fillFormatMenu(QMenu& menu)
         target.addAction(label, this, [this, command] { give(command); });
     };
     const auto addCommand = [add](QMenu& target, Command command) { add(target, commandItem(command).label, command); };
-    add(menu, u"Format JSON (⇧⌘J)"_s, Command::formatJson);
+    add(menu, inPlatformWords(u"Format JSON (⇧⌘J)"_s), Command::formatJson);
     // Unlike the menu bar's command this one always goes by the text alone, without a parser.
-    menu.addAction(u"Format XML (⇧⌘X)"_s, this, [this] {
+    menu.addAction(inPlatformWords(u"Format XML (⇧⌘X)"_s), this, [this] {
         commitCompositionInFocus();
         formatXmlPlainly(appState_);
     });
@@ -189,7 +190,7 @@ void ToolbarView::addToggle(const Toggle& toggle)
                                     .checkedGround = Tint::accent().at(0.15),
                                     .fixedSize = buttonSize},
                                    this);
-    button->setHelp(toggle.help);
+    button->setHelp(inPlatformWords(toggle.help));
     button->setCheckable(true);
     const auto follow = [this, button, isShown = toggle.isShown] {
         button->setChecked(std::invoke(isShown, appState_));

@@ -4,6 +4,7 @@
 #include "platform/files/native_path.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
@@ -36,7 +37,7 @@ QString placeOf(const CopyHeader& header)
     if (!header.url) {
         return u"Never saved"_s;
     }
-    const QString folder = shownPath(QFileInfo(filePath(*header.url)).path());
+    const QString folder = shownName(QFileInfo(filePath(*header.url)).path());
     return header.isReplaced ? u"Replaced by a save · "_s + folder : folder;
 }
 
@@ -76,7 +77,7 @@ QString ageText(qint64 time, qint64 now)
 
 UnsavedTextRow::UnsavedTextRow(const UnsavedText& text, qint64 now, QWidget* parent) : QWidget(parent), id_(text.id)
 {
-    const QString title = text.header.title();
+    const QString title = shownName(text.header.title());
     const QFont caption = style::interfaceFont(style::typeSize::caption);
     auto* symbol = new SymbolLabel(u"doc"_s, rowSymbolSize, Tint::secondary(), this);
     title_ = new TextLabel(title, style::interfaceFont(style::typeSize::body), Tint::primary(), this);
@@ -88,7 +89,7 @@ UnsavedTextRow::UnsavedTextRow(const UnsavedText& text, qint64 now, QWidget* par
     open_ = makeRowButton(u"Open"_s, title, this);
     delete_ = makeRowButton(u"Delete"_s, title, this);
     if (text.header.url) {
-        setToolTip(plainHelp(shownPath(filePath(*text.header.url))));
+        setToolTip(plainHelp(shownName(filePath(*text.header.url))));
     }
 
     auto* lines = new QVBoxLayout;

@@ -6,7 +6,9 @@
 #include "search/view/search_overlay.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/main_window.h"
+#include "workbench/view/notice_bar.h"
 #include "workbench/view/overlay_layer.h"
+#include "workbench/view/ways_out.h"
 
 #include <functional>
 
@@ -16,17 +18,25 @@ const std::array<WindowOverlays::Overlay, 3>& WindowOverlays::overlays()
 {
     static const std::array<Overlay, 3> overlays{
         Overlay{&AppState::showQuickOpen, &AppState::setShowQuickOpen, &AppState::showQuickOpenChanged, 0.35,
-                [](AppState& state) -> QWidget* { return new QuickOpenView(state); }},
+                [](AppState& state, WaysOut&) -> QWidget* { return new QuickOpenView(state); }},
         Overlay{&AppState::showSearch, &AppState::setShowSearch, &AppState::showSearchChanged, 0.25,
-                [](AppState& state) -> QWidget* { return new SearchOverlay(state); }},
+                [](AppState& state, WaysOut& waysOut) -> QWidget* {
+                    auto* panel = new SearchOverlay(state);
+                    waysOut.serve(*panel);
+                    return panel;
+                }},
         Overlay{&AppState::showGoToLine, &AppState::setShowGoToLine, &AppState::showGoToLineChanged, 0.25,
-                [](AppState& state) -> QWidget* { return new GoToLineView(state, state.log()); }},
+                [](AppState& state, WaysOut& waysOut) -> QWidget* {
+                    auto* panel = new GoToLineView(state, state.log());
+                    waysOut.serve(*panel);
+                    return panel;
+                }},
     };
     return overlays;
 }
 
-WindowOverlays::WindowOverlays(AppState& appState, MainWindow& window)
-    : QObject(&window), appState_(appState), window_(window)
+WindowOverlays::WindowOverlays(AppState& appState, WaysOut& waysOut, MainWindow& window)
+    : QObject(&window), appState_(appState), waysOut_(waysOut), window_(window)
 {
     for (std::size_t index = 0; index < overlays().size(); ++index) {
         connect(&appState_, overlays().at(index).changed, this, [this, index] { refresh(index); });
@@ -68,8 +78,9 @@ void WindowOverlays::refresh(std::size_t index)
     }
     if (isShown) {
         const auto dismiss = [this, &overlay] { std::invoke(overlay.setShown, appState_, false); };
-        QWidget* content = overlay.make(appState_);
+        QWidget* content = overlay.make(appState_, waysOut_);
         layer = new OverlayLayer(content, overlay.dimOpacity, dismiss, &window_);
+        layer->setLeftFree(&window_.noticeBar());
         layer->show();
     } else {
         // The click or the key that dismisses it is still being answered.

@@ -13,15 +13,18 @@ namespace kelm {
 class CloneDialog;
 class MainWindow;
 class OverlayLayer;
+class WaysOut;
 
 /// Shows each overlay while its flag of the state is set, on a layer that dims the window. Several show at once, those
-/// of the later flags on top. When the last of them closes the keyboard goes back to the text.
+/// of the later flags on top. When the last of them closes the keyboard goes back to the text. The window's notices
+/// stay in reach meanwhile.
 class WindowOverlays final : public QObject
 {
     Q_OBJECT
 
 public:
-    WindowOverlays(AppState& appState, MainWindow& window);
+    /// All of it outlives the object, which is the window's child.
+    WindowOverlays(AppState& appState, WaysOut& waysOut, MainWindow& window);
 
     /// The layer over all others, or null.
     OverlayLayer* top() const;
@@ -34,7 +37,7 @@ private:
         void (AppState::*setShown)(bool);
         void (AppState::*changed)();
         double dimOpacity;
-        QWidget* (*make)(AppState&);
+        QWidget* (*make)(AppState&, WaysOut&);
     };
     static const std::array<Overlay, 3>& overlays();
 
@@ -43,6 +46,7 @@ private:
     void refreshCloneDialog();
 
     AppState& appState_;
+    WaysOut& waysOut_;
     MainWindow& window_;
     std::array<QPointer<OverlayLayer>, 3> layers_;
     QPointer<CloneDialog> cloneDialog_;

@@ -48,6 +48,23 @@ void ShownNameTest::unseenIsSeen_data()
         u"ma\u27e8U+200B\u27e9in\u27e8U+FEFF\u27e9\u27e8U+2060\u27e9\u27e8U+00AD\u27e9"_s);
     row("filler", u"a\u3164\u115f"_s, u"a\u27e8U+3164\u27e9\u27e8U+115F\u27e9"_s);
     row("variation and tag", u"a\ufe0f\U000e0041"_s, u"a\u27e8U+FE0F\u27e9\u27e8U+E0041\u27e9"_s);
+    for (const char16_t control : {u'\u061c', u'\u200e', u'\u200f', u'\u202a', u'\u202b', u'\u202c', u'\u202d',
+                                   u'\u202e', u'\u2066', u'\u2067', u'\u2068', u'\u2069'}) {
+        const QString number = QString::number(control, 16).toUpper().rightJustified(4, u'0');
+        row(qPrintable(u"direction "_s + number), u"exe."_s + QChar(control) + u"fdp.py"_s,
+            u"exe.\u27e8U+"_s + number + u"\u27e9fdp.py"_s);
+    }
+    row("Persian", u"\u0645\u06cc\u200c\u062e\u0648"_s, u"\u0645\u06cc\u200c\u062e\u0648"_s);
+    row("Persian, at the end", u"\u0645\u06cc\u200c"_s, u"\u0645\u06cc\u27e8U+200C\u27e9"_s);
+    row("Persian, twice", u"\u0645\u200c\u200c\u062e"_s, u"\u0645\u27e8U+200C\u27e9\u27e8U+200C\u27e9\u062e"_s);
+    row("Hindi", u"\u0915\u094d\u200d\u0937 \u0915\u094d\u200c\u0937"_s,
+        u"\u0915\u094d\u200d\u0937 \u0915\u094d\u200c\u0937"_s);
+    row("joiners among Latin letters", u"a\u200cb\u200dc"_s, u"a\u27e8U+200C\u27e9b\u27e8U+200D\u27e9c"_s);
+    row("a family", u"\U0001f468\U0001f3fd\u200d\U0001f469\u200d\U0001f467.txt"_s,
+        u"\U0001f468\U0001f3fd\u200d\U0001f469\u200d\U0001f467.txt"_s);
+    row("a heart", u"\u2764\ufe0f\u200d\U0001f525 1\ufe0f\u20e3"_s, u"\u2764\ufe0f\u200d\U0001f525 1\ufe0f\u20e3"_s);
+    row("pictograph signs that do nothing", u"1\ufe0f\u2764\ufe0f\ufe0f"_s,
+        u"1\u27e8U+FE0F\u27e9\u2764\ufe0f\u27e8U+FE0F\u27e9"_s);
     row("line separator", u"a\u2028"_s, u"a\u27e8U+2028\u27e9"_s);
     row("bytes", u"caf"_s + QChar(0xdce9) + u".txt"_s, u"caf\u27e8E9\u27e9.txt"_s);
     row("lone surrogate", u"a"_s + QChar(0xd800), u"a\u27e8U+D800\u27e9"_s);

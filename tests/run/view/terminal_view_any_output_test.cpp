@@ -62,6 +62,7 @@ private Q_SLOTS:
     void piecesOfAnyLengthAreHarmless();
     void whatIsNoTextLeavesNoTrace();
     void aFolderThatVanishesIsLeft();
+    void aPromptTurnsNoDirection();
 };
 
 void TerminalViewAnyOutputTest::theNextCommandRuns()
@@ -154,6 +155,21 @@ void TerminalViewAnyOutputTest::aFolderThatVanishesIsLeft()
     page.run(u"cd .."_s);
     page.run(u"echo ok"_s);
     QVERIFY(page.written().endsWith(u"echo okok\n"_s + page.prompt()));
+}
+
+void TerminalViewAnyOutputTest::aPromptTurnsNoDirection()
+{
+    TerminalPage page;
+    page.showBanner();
+    const QString name = u"a\u202eb"_s;
+    QDir(page.home()).mkdir(name);
+    page.run(u"cd "_s + name);
+    const QString prompt = TerminalSession::promptText(page.path(u"a\u27e8U+202E\u27e9b"_s));
+    QVERIFY(page.written().endsWith(prompt));
+    // The folder is the one that is there, and the prompt's length is its own.
+    QCOMPARE(page.session().currentDirectory(), page.path(name));
+    page.run(u"echo ok"_s);
+    QVERIFY(page.written().endsWith(u"echo okok\n"_s + prompt));
 }
 
 const kelm::test::Registered<TerminalViewAnyOutputTest> registered(kelm::test::Toolkit::widgets);

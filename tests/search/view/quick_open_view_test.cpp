@@ -1,3 +1,4 @@
+#include "platform/text/platform_words.h"
 #include "search/view/quick_open_view.h"
 #include "search/view/search_view_fixture.h"
 #include "support/test_program.h"
@@ -10,7 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-const QString quickPrompt = u"Go to file…  (Esc / ⌘W to close)"_s;
+const QString quickPrompt = inPlatformWords(u"Go to file…  (Esc / ⌘W to close)"_s);
 
 } // namespace
 
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void onlyTheSelectedRowIsMarked();
     void aSelectionBehindTheEndOpensNothing();
     void quickOpenClosesWithoutFiles();
+    void itSaysWhenNothingMatches();
     void quickOpenClosesByItsKeysAndButton();
     void aClickOpensAFile();
     void theListKeepsItsHeight();
@@ -127,7 +129,7 @@ void QuickOpenViewTest::quickOpenClosesByItsKeysAndButton()
     QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_W, Qt::ControlModifier);
     QVERIFY(!fixture.state.showQuickOpen());
     fixture.state.setShowQuickOpen(true);
-    QTest::mouseClick(fixture.button(u"Close (Esc / ⌘W)"_s), Qt::LeftButton);
+    QTest::mouseClick(fixture.button(inPlatformWords(u"Close (Esc / ⌘W)"_s)), Qt::LeftButton);
     QVERIFY(!fixture.state.showQuickOpen());
 }
 
@@ -151,6 +153,23 @@ void QuickOpenViewTest::theListKeepsItsHeight()
     QCOMPARE(fixture.view->findChild<QListWidget*>()->height(), 300);
     fixture.setRecentFiles(30);
     QCOMPARE(fixture.view->findChild<QListWidget*>()->height(), 300);
+}
+
+void QuickOpenViewTest::itSaysWhenNothingMatches()
+{
+    const QString words = u"No matching files"_s;
+    SearchViewFixture fixture;
+    auto& view = fixture.show<QuickOpenView>();
+    // Nothing is looked for.
+    QVERIFY(!fixture.shows(words));
+    fixture.setRecentFiles(12);
+    QTest::keyClicks(&fixture.field(quickPrompt), u"file"_s);
+    QVERIFY(!fixture.shows(words));
+    QTRY_COMPARE(view.height(), view.maximumHeight());
+    QTest::keyClicks(&fixture.field(quickPrompt), u" 99"_s);
+    QVERIFY(fixture.shows(words));
+    fixture.field(quickPrompt).clear();
+    QVERIFY(!fixture.shows(words));
 }
 
 const kelm::test::Registered<QuickOpenViewTest> registered(kelm::test::Toolkit::widgets);

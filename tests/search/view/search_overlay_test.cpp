@@ -20,6 +20,7 @@ private Q_SLOTS:
     void theOverlayClosesByButtonAndEscape();
     void escapeElsewhereIsNotTheOverlays();
     void theOverlayChangesNothing();
+    void itTellsWhatIsAskedForAndDoesNotDoIt();
     void itIsWide();
 };
 
@@ -87,6 +88,35 @@ void SearchOverlayTest::theOverlayChangesNothing()
     QCOMPARE(fixture.state.currentDocument()->content(), u"one one"_s);
     QVERIFY(!fixture.state.currentDocument()->isModified());
     QVERIFY(fixture.state.showSearch());
+}
+
+void SearchOverlayTest::itTellsWhatIsAskedForAndDoesNotDoIt()
+{
+    SearchViewFixture fixture;
+    fixture.state.setSearchMode(SearchMode::replace);
+    auto& panel = fixture.show<SearchOverlay>();
+    const std::shared_ptr<const FindRequest> request = panel.request();
+    const QSignalSpy searches(&panel, &SearchOverlay::searchAskedFor);
+    const QSignalSpy bars(&panel, &SearchOverlay::findBarAskedFor);
+    QTest::keyClicks(&fixture.field(u"Find"_s), u"one"_s);
+    QTest::keyClicks(&fixture.field(u"Replace"_s), u"two"_s);
+    QTest::mouseClick(fixture.button(u"Case Sensitive"_s), Qt::LeftButton);
+    QCOMPARE(searches.size(), 0);
+    QTest::keyClick(&fixture.field(u"Find"_s), Qt::Key_Return);
+    QTest::keyClick(&fixture.field(u"Replace"_s), Qt::Key_Enter);
+    QTest::mouseClick(fixture.button(u"Replace"_s), Qt::LeftButton);
+    QTest::mouseClick(fixture.button(u"Replace All"_s), Qt::LeftButton);
+    QCOMPARE(searches.size(), 4);
+    QCOMPARE(bars.size(), 0);
+    panel.findNext();
+    panel.findPrevious();
+    QCOMPARE(bars.size(), 2);
+    QCOMPARE(request->text, u"one"_s);
+    QCOMPARE(request->replacement, u"two"_s);
+    QVERIFY(request->replaces && request->isCaseSensitive && !request->isPattern);
+    fixture.state.setSearchMode(SearchMode::find);
+    QVERIFY(!request->replaces);
+    QCOMPARE(fixture.field(u"Find"_s).text(), u"one"_s);
 }
 
 void SearchOverlayTest::itIsWide()

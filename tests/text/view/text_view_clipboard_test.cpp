@@ -248,23 +248,22 @@ void TextViewClipboardTest::theMenuOffersWhatCanBeDone_data()
     QTest::newRow("nothing selected")
         << QStringLiteral("a|b") << false << false
         << QStringLiteral(
-               "(Undo) (Redo) - (Cut) (Copy) Paste (Delete) - Select_All - Find_in_Text... (Use_Selection_for_Find)");
+               "(Undo) (Redo) - (Cut) (Copy) Paste (Delete) - Select_All - Find_in_Text… (Use_Selection_for_Find)");
     QTest::newRow("a selection")
         << QStringLiteral("[a]b") << false << false
-        << QStringLiteral(
-               "(Undo) (Redo) - Cut Copy Paste Delete - Select_All - Find_in_Text... Use_Selection_for_Find");
+        << QStringLiteral("(Undo) (Redo) - Cut Copy Paste Delete - Select_All - Find_in_Text… Use_Selection_for_Find");
     QTest::newRow("after an edit")
         << QStringLiteral("a|b") << false << true
         << QStringLiteral(
-               "Undo (Redo) - (Cut) (Copy) Paste (Delete) - Select_All - Find_in_Text... (Use_Selection_for_Find)");
+               "Undo (Redo) - (Cut) (Copy) Paste (Delete) - Select_All - Find_in_Text… (Use_Selection_for_Find)");
     QTest::newRow("read-only")
         << QStringLiteral("[a]b") << true << false
         << QStringLiteral(
-               "(Undo) (Redo) - (Cut) Copy (Paste) (Delete) - Select_All - Find_in_Text... Use_Selection_for_Find");
+               "(Undo) (Redo) - (Cut) Copy (Paste) (Delete) - Select_All - Find_in_Text… Use_Selection_for_Find");
     QTest::newRow("empty")
         << QStringLiteral("|") << false << false
         << QStringLiteral(
-               "(Undo) (Redo) - (Cut) (Copy) Paste (Delete) - (Select_All) - Find_in_Text... (Use_Selection_for_Find)");
+               "(Undo) (Redo) - (Cut) (Copy) Paste (Delete) - (Select_All) - Find_in_Text… (Use_Selection_for_Find)");
 }
 
 void TextViewClipboardTest::theMenuOffersWhatCanBeDone()

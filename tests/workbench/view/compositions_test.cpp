@@ -1,4 +1,5 @@
 #include "platform/process/orderly_end.h"
+#include "platform/text/platform_words.h"
 #include "support/test_program.h"
 #include "text/view/find_bar.h"
 #include "workbench/view/bottom_panel.h"
@@ -165,7 +166,8 @@ void CompositionsTest::eachEndsOnceWhereItWasBegun()
         auto* view = qobject_cast<QAbstractScrollArea*>(target.data());
         QTest::mousePress(view != nullptr ? view->viewport() : target.data(), Qt::RightButton, {}, {8, 8});
     } else if (how == u"the toolbar") {
-        QTest::mouseClick(visibleButton(fixture.window.toolbar(), u"Toggle Minimap (⇧⌘M)"_s), Qt::LeftButton);
+        QTest::mouseClick(visibleButton(fixture.window.toolbar(), inPlatformWords(u"Toggle Minimap (⇧⌘M)"_s)),
+                          Qt::LeftButton);
     } else if (how == u"the focus") {
         platformCommits();
         fixture.window.toolbar().findChild<PlainButton*>()->setFocus();

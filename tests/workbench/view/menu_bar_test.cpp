@@ -91,8 +91,8 @@ void MenuBarTest::linesReadBackAsTheTableHasThem_data()
     QTest::newRow("edit") << QStringLiteral("Edit")
                           << QStringLiteral(
                                  "Undo | Ctrl+Z\nRedo | Ctrl+Shift+Z\n-\nCut | Ctrl+X\nCopy | Ctrl+C\nPaste | Ctrl+V\n"
-                                 "Select All | Ctrl+A\n-\nFind >\n  Find in Text... | Ctrl+Alt+F\n"
-                                 "  Replace in Text... | Ctrl+Alt+R\n  Find Next | F3\n  Find Previous | Shift+F3\n"
+                                 "Select All | Ctrl+A\n-\nFind >\n  Find in Text… | Ctrl+Alt+F\n"
+                                 "  Replace in Text… | Ctrl+Alt+R\n  Find Next | F3\n  Find Previous | Shift+F3\n"
                                  "  Use Selection for Find | Ctrl+F3\n-\nFormat >\n  Format JSON | Ctrl+Shift+J\n"
                                  "  Format XML | Ctrl+Shift+X\n  -\n  Sort Lines Ascending\n  Sort Lines Descending\n"
                                  "Transform >\n  UPPERCASE\n  lowercase\n  Title Case\n  camelCase\n  snake_case");

@@ -1,4 +1,5 @@
 #include "platform/style/view/icons.h"
+#include "platform/text/platform_words.h"
 #include "support/test_program.h"
 #include "workbench/status/view/status_bar_items.h"
 #include "workbench/view/controls.h"
@@ -181,7 +182,7 @@ void TabBarViewTest::theContextMenuListsItsItems()
     QMenu menu;
     fixture.tab(0).fillContextMenu(menu);
     QCOMPARE(linesOf(menu), (QStringList{u"Close"_s, u"Close Others"_s, u"Close All"_s, u"-"_s, u"Copy Path"_s,
-                                         u"Reveal in Finder"_s}));
+                                         inPlatformWords(u"Reveal in Finder"_s)}));
 }
 
 void TabBarViewTest::pathItemsAreOffForAnUntitledTab()
@@ -191,7 +192,8 @@ void TabBarViewTest::pathItemsAreOffForAnUntitledTab()
     fixture.turnQueue();
     QMenu menu;
     fixture.tab(3).fillContextMenu(menu);
-    QCOMPARE(linesOf(menu).mid(4), (QStringList{u"!Copy Path"_s, u"!Reveal in Finder"_s}));
+    QCOMPARE(linesOf(menu).mid(4),
+             (QStringList{u"!Copy Path"_s, QString(u"!"_s + inPlatformWords(u"Reveal in Finder"_s))}));
 }
 
 void TabBarViewTest::closeOthersKeepsTheTab()
@@ -217,7 +219,7 @@ void TabBarViewTest::copyPathAndReveal()
     Fixture fixture;
     fixture.choose(fixture.tab(0), u"Copy Path"_s);
     QCOMPARE(QGuiApplication::clipboard()->text(), fixture.home.filePath(u"a.txt"_s));
-    fixture.choose(fixture.tab(0), u"Reveal in Finder"_s);
+    fixture.choose(fixture.tab(0), inPlatformWords(u"Reveal in Finder"_s));
     QCOMPARE(fixture.workspace.revealed, QList<QUrl>{QUrl::fromLocalFile(fixture.home.filePath(u"a.txt"_s))});
 }
 

@@ -1,4 +1,5 @@
 #include "editor/transforms/xml_formatter.h"
+#include "platform/text/platform_words.h"
 #include "platform/view/plain_help.h"
 #include "support/test_program.h"
 #include "workbench/view/controls.h"
@@ -72,16 +73,16 @@ void ToolBarViewTest::buttonsStandInTheirOrder()
     fixture.show(u"1"_s, Language::python);
     const QStringList order{u"Back"_s,
                             u"Forward"_s,
-                            u"New File (⌘N)"_s,
-                            u"Open (⌘O)"_s,
-                            u"Save (⌘S)"_s,
-                            u"Undo (⌘Z)"_s,
-                            u"Redo (⇧⌘Z)"_s,
-                            u"Run (⌘R)"_s,
+                            inPlatformWords(u"New File (⌘N)"_s),
+                            inPlatformWords(u"Open (⌘O)"_s),
+                            inPlatformWords(u"Save (⌘S)"_s),
+                            inPlatformWords(u"Undo (⌘Z)"_s),
+                            inPlatformWords(u"Redo (⇧⌘Z)"_s),
+                            inPlatformWords(u"Run (⌘R)"_s),
                             u"Format & Transform"_s,
-                            u"Toggle Sidebar (⌘B)"_s,
-                            u"Toggle Minimap (⇧⌘M)"_s,
-                            u"Toggle Bottom Panel (⌃`)"_s,
+                            inPlatformWords(u"Toggle Sidebar (⌘B)"_s),
+                            inPlatformWords(u"Toggle Minimap (⇧⌘M)"_s),
+                            inPlatformWords(u"Toggle Bottom Panel (⌃`)"_s),
                             u"Settings"_s};
     int right = 70;
     for (const QString& help : order) {
@@ -103,14 +104,14 @@ void ToolBarViewTest::backAndForwardAreDisabled()
 void ToolBarViewTest::theFileGroupActs()
 {
     Fixture fixture;
-    fixture.click(u"New File (⌘N)"_s);
+    fixture.click(inPlatformWords(u"New File (⌘N)"_s));
     QCOMPARE(fixture.state.documents().size(), 1);
     const QUrl file = fixture.write(u"a.txt"_s, "a");
     fixture.panels.openAnswer = {{file, false}};
-    fixture.click(u"Open (⌘O)"_s);
+    fixture.click(inPlatformWords(u"Open (⌘O)"_s));
     QCOMPARE(fixture.state.documents().size(), 2);
     fixture.state.currentDocument()->setContent(u"b"_s);
-    fixture.click(u"Save (⌘S)"_s);
+    fixture.click(inPlatformWords(u"Save (⌘S)"_s));
     QCOMPARE(WindowFixture::read(file), QByteArray("b"));
 }
 
@@ -119,9 +120,9 @@ void ToolBarViewTest::undoAndRedoGoToWhatHasTheKeyboard()
     Fixture fixture;
     const auto document = fixture.show({});
     QTest::keyClicks(&fixture.text(), u"abc"_s);
-    fixture.click(u"Undo (⌘Z)"_s);
+    fixture.click(inPlatformWords(u"Undo (⌘Z)"_s));
     QCOMPARE(document->content(), QString());
-    fixture.click(u"Redo (⇧⌘Z)"_s);
+    fixture.click(inPlatformWords(u"Redo (⇧⌘Z)"_s));
     QCOMPARE(document->content(), u"abc"_s);
 }
 
@@ -136,9 +137,9 @@ void ToolBarViewTest::togglesFollowAndFlipTheirFlags_data()
 {
     QTest::addColumn<QString>("help");
     QTest::addColumn<QByteArray>("flag");
-    QTest::newRow("sidebar") << u"Toggle Sidebar (⌘B)"_s << QByteArray("showSidebar");
-    QTest::newRow("minimap") << u"Toggle Minimap (⇧⌘M)"_s << QByteArray("showMinimap");
-    QTest::newRow("bottom panel") << u"Toggle Bottom Panel (⌃`)"_s << QByteArray("showBottomPanel");
+    QTest::newRow("sidebar") << inPlatformWords(u"Toggle Sidebar (⌘B)"_s) << QByteArray("showSidebar");
+    QTest::newRow("minimap") << inPlatformWords(u"Toggle Minimap (⇧⌘M)"_s) << QByteArray("showMinimap");
+    QTest::newRow("bottom panel") << inPlatformWords(u"Toggle Bottom Panel (⌃`)"_s) << QByteArray("showBottomPanel");
 }
 
 void ToolBarViewTest::togglesFollowAndFlipTheirFlags()
@@ -171,7 +172,7 @@ void ToolBarViewTest::theRunButtonShowsForWhatCanRun()
     QFETCH(Language, language);
     QFETCH(bool, runs);
     Fixture fixture;
-    PlainButton& button = fixture.button(u"Run (⌘R)"_s);
+    PlainButton& button = fixture.button(inPlatformWords(u"Run (⌘R)"_s));
     QVERIFY(!button.isVisible());
     fixture.show({}, language);
     QCOMPARE(button.isVisible(), runs);
@@ -183,7 +184,7 @@ void ToolBarViewTest::choosingALanguageChangesWhetherItRuns()
 {
     Fixture fixture;
     const auto document = fixture.show({});
-    PlainButton& button = fixture.button(u"Run (⌘R)"_s);
+    PlainButton& button = fixture.button(inPlatformWords(u"Run (⌘R)"_s));
     QVERIFY(!button.isVisible());
     document->setExplicitLanguage(Language::ruby);
     QVERIFY(button.isVisible());
@@ -197,8 +198,8 @@ void ToolBarViewTest::theFormatMenuListsItsLines()
     QMenu* menu = openMenu(fixture.button(u"Format & Transform"_s));
     QVERIFY(menu != nullptr && menu->isVisible());
     QCOMPARE(linesOf(*menu),
-             (QStringList{u"Format JSON (⇧⌘J)"_s, u"Format XML (⇧⌘X)"_s, u"-"_s, u"Sort Lines Ascending"_s,
-                          u"Sort Lines Descending"_s, u"-"_s, u"Transform"_s}));
+             (QStringList{inPlatformWords(u"Format JSON (⇧⌘J)"_s), inPlatformWords(u"Format XML (⇧⌘X)"_s), u"-"_s,
+                          u"Sort Lines Ascending"_s, u"Sort Lines Descending"_s, u"-"_s, u"Transform"_s}));
     QCOMPARE(linesOf(*menu->actions().last()->menu()),
              (QStringList{u"UPPERCASE"_s, u"lowercase"_s, u"Title Case"_s, u"camelCase"_s, u"snake_case"_s}));
     menu->close();
@@ -209,7 +210,7 @@ void ToolBarViewTest::theFormatMenuActsOnTheDocument_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("after");
-    QTest::newRow("JSON") << u"Format JSON (⇧⌘J)"_s << u"[1]"_s << u"[\n  1\n]"_s;
+    QTest::newRow("JSON") << inPlatformWords(u"Format JSON (⇧⌘J)"_s) << u"[1]"_s << u"[\n  1\n]"_s;
     QTest::newRow("sorted up") << u"Sort Lines Ascending"_s << u"b\na"_s << u"a\nb"_s;
     QTest::newRow("sorted down") << u"Sort Lines Descending"_s << u"a\nb"_s << u"b\na"_s;
     QTest::newRow("upper case") << u"UPPERCASE"_s << u"one two"_s << u"ONE TWO"_s;
@@ -266,7 +267,7 @@ void ToolBarViewTest::everyButtonIsReachedByTabAndNamed()
 {
     Fixture fixture;
     const auto buttons = fixture.bar.findChildren<PlainButton*>();
-    PlainButton* first = &fixture.button(u"New File (⌘N)"_s);
+    PlainButton* first = &fixture.button(inPlatformWords(u"New File (⌘N)"_s));
     first->setFocus();
     QList<QWidget*> reached;
     for (int step = 0; step < 12; ++step) {

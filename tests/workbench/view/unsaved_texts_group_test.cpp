@@ -92,6 +92,7 @@ private Q_SLOTS:
     void ages();
     void itIsThereOnlyWhileThereIsAText();
     void aRowTellsTitlePlaceAgeAndWords();
+    void aNameTurnsNoDirection();
     void openingGivesAModifiedTab();
     void deletingRemovesTheCopy();
     void aSecondPressHitsNoOtherRow();
@@ -161,6 +162,18 @@ void UnsavedTextsGroupTest::aRowTellsTitlePlaceAgeAndWords()
     fixture.kept.closeTab(0);
     fixture.settle();
     QCOMPARE(fixture.rows()[0]->lines(), QStringList({u"Untitled"_s, u"just now · Never saved"_s, u"typed"_s}));
+}
+
+void UnsavedTextsGroupTest::aNameTurnsNoDirection()
+{
+    Fixture fixture;
+    fixture.store().keepReplaced(QUrl::fromLocalFile(u"/one\u2067/a\u202etxt.py"_s), TextTree(u"text"_s));
+    fixture.settle();
+    const UnsavedTextRow& row = *fixture.rows()[0];
+    QCOMPARE(row.lines().constFirst(), u"a\u27e8U+202E\u27e9txt.py"_s);
+    QVERIFY(row.lines().at(1).endsWith(u"/one\u27e8U+2067\u27e9"_s));
+    QCOMPARE(row.toolTip(), u"/one\u27e8U+2067\u27e9/a\u27e8U+202E\u27e9txt.py"_s);
+    QCOMPARE(row.openButton()->accessibleName(), u"Open a\u27e8U+202E\u27e9txt.py"_s);
 }
 
 void UnsavedTextsGroupTest::openingGivesAModifiedTab()

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void aReopenedSearchBeginsAnew();
     void theCloneSheetIsBoundToItsFlag();
     void overlaysFillTheWindowAsItGrows();
+    void quickOpenStaysWhereItIsWhileOneTypes();
 };
 
 void WindowOverlaysTest::overlaysFollowTheirFlags_data()
@@ -214,6 +215,32 @@ void WindowOverlaysTest::overlaysFillTheWindowAsItGrows()
     fixture.window.resize(1500, 900);
     fixture.turnQueue();
     QCOMPARE(fixture.layers().first()->size(), fixture.window.size());
+}
+
+void WindowOverlaysTest::quickOpenStaysWhereItIsWhileOneTypes()
+{
+    Fixture fixture;
+    QList<QUrl> files;
+    for (int file = 0; file < 12; ++file) {
+        files.append(fixture.write(u"file %1.txt"_s.arg(file), "text"));
+    }
+    fixture.state.setRecentFiles(files);
+    fixture.state.setShowQuickOpen(true);
+    fixture.turnQueue();
+    const QWidget& panel = *fixture.layers().first()->content();
+    const QPoint place = panel.pos();
+    const int height = panel.height();
+    // With the longest list it stands in the middle.
+    QVERIFY(std::abs(panel.geometry().center().y() - fixture.window.height() / 2) <= 1);
+    for (const QChar letter : u"file 11 and none"_s) {
+        QTest::keyClick(fixture.window.focusWidget(), letter.toLatin1());
+        fixture.turnQueue();
+        QCOMPARE(panel.pos(), place);
+    }
+    QVERIFY(panel.height() < height);
+    fixture.window.resize(1300, 1000);
+    fixture.turnQueue();
+    QVERIFY(panel.pos() != place);
 }
 
 const kelm::test::Registered<WindowOverlaysTest> registered(kelm::test::Toolkit::widgets);

@@ -2,6 +2,7 @@
 
 #include "git/panel/view/credential_status_row.h"
 #include "git/panel/view/transfer_sign.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/breaking_label.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
@@ -165,7 +166,8 @@ void CloneDialog::refreshForm()
         destinationName_->setText(form_.destinationName());
     }
     const std::optional<QUrl>& parentFolder = form_.destinationParent();
-    destination_->setText(parentFolder ? QDir::toNativeSeparators(parentFolder->toLocalFile()) : u"(pick a folder)"_s);
+    destination_->setText(parentFolder ? shownName(QDir::toNativeSeparators(parentFolder->toLocalFile()))
+                                       : u"(pick a folder)"_s);
     destination_->setTint(parentFolder ? Tint::primary() : Tint::secondary());
 
     error_->setText(form_.errorMessage().value_or(QString()));

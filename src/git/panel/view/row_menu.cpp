@@ -2,6 +2,7 @@
 
 #include "git/service/git_names.h"
 #include "platform/files/file_url.h"
+#include "platform/text/platform_words.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -22,7 +23,7 @@ QList<RowAction> fileMenu(const QUrl& file, bool isThere, const FileActions& act
         menu.append({u"Open File"_s, {}, [open = actions.open, file] { open(file); }});
     }
     if (actions.reveal && isThere) {
-        menu.append({u"Reveal in Finder"_s, {}, [reveal = actions.reveal, file] { reveal(file); }});
+        menu.append({inPlatformWords(u"Reveal in Finder"_s), {}, [reveal = actions.reveal, file] { reveal(file); }});
     }
     menu.append(copyAction(u"Copy Path"_s, filePath(file)));
     return menu;

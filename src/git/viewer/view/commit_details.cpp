@@ -5,6 +5,7 @@
 #include "git/diff/file_facts.h"
 #include "git/service/file_status_mark.h"
 #include "platform/style/view/style.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/row_list.h"
 
@@ -96,7 +97,7 @@ CommitDetails::CommitDetails(std::function<void(qsizetype)> showFile, QWidget* p
 void CommitDetails::setContent(const QString& content)
 {
     const CommitText commit = CommitText::of(content);
-    author_->setText(commit.author);
+    author_->setText(shownName(commit.author));
     date_->setText(commit.merged.isEmpty() ? commit.date : tr("%1 · merges %2").arg(commit.date, commit.merged));
     message_->setPlainText(commit.message);
     const int lineHeight = static_cast<int>(std::ceil(QFontMetricsF(message_->font()).height()));

@@ -46,7 +46,7 @@ StatusBarView::StatusBarView(AppState& appState, ThemeManager& themeManager, QWi
         u"paintpalette"_s, {},
         [this](QMenu& menu) {
             for (const EditorTheme& theme : themeManager_.availableThemes()) {
-                QAction* action = menu.addAction(QString(theme.name).replace(u'&', u"&&"_s), &menu, [this, theme] {
+                QAction* action = menu.addAction(shownName(theme.name).replace(u'&', u"&&"_s), &menu, [this, theme] {
                     themeManager_.setCurrentTheme(theme);
                     themeManager_.saveTheme();
                     themeManager_.applyAppearance();
@@ -131,7 +131,7 @@ void StatusBarView::watchHead(const QString& folder)
 
 void StatusBarView::refreshTheme()
 {
-    themeMenu_->setText(themeManager_.currentTheme().name);
+    themeMenu_->setText(shownName(themeManager_.currentTheme().name));
     themeMenu_->updateGeometry();
     update();
 }

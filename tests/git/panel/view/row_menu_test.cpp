@@ -5,6 +5,7 @@
 #include "git/panel/view/row_menu.h"
 #include "git/panel/view/stash_row.h"
 #include "git/panel/view/tag_row.h"
+#include "platform/text/platform_words.h"
 #include "support/test_program.h"
 
 #include <QClipboard>
@@ -106,8 +107,8 @@ void RowMenuTest::changedFileIsOpenedRevealedAndCopied()
     QMenu* menu = menuOf(f.list(), u"M a.txt"_s);
     QVERIFY(menu != nullptr);
     QCOMPARE(linesOf(*menu), (QStringList{u"Show Diff"_s, u"-"_s, u"Stage"_s, u"Discard"_s, u"-"_s, u"Open File"_s,
-                                          u"Reveal in Finder"_s, u"Copy Path"_s}));
-    choose(*menu, u"Reveal in Finder"_s);
+                                          inPlatformWords(u"Reveal in Finder"_s), u"Copy Path"_s}));
+    choose(*menu, inPlatformWords(u"Reveal in Finder"_s));
     QCOMPARE(f.workspace.revealed, QList<QUrl>{QUrl::fromLocalFile(f.repo.filePath(u"a.txt"_s))});
     QTRY_VERIFY(f.list().findChild<QMenu*>() == nullptr);
     choose(*menuOf(f.list(), u"M a.txt"_s), u"Copy Path"_s);
