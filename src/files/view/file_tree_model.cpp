@@ -2,6 +2,8 @@
 
 #include "platform/view/plain_help.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace kelm {
@@ -16,6 +18,18 @@ QString oneLine(QString name)
         }
     }
     return name;
+}
+
+/// What a badge's letter stands for.
+QString badgeInWords(const QString& letter)
+{
+    static const QHash<QString, QString> words{
+        {QStringLiteral("M"), FileTreeModel::tr("modified")},    {QStringLiteral("A"), FileTreeModel::tr("added")},
+        {QStringLiteral("D"), FileTreeModel::tr("deleted")},     {QStringLiteral("R"), FileTreeModel::tr("renamed")},
+        {QStringLiteral("C"), FileTreeModel::tr("copied")},      {QStringLiteral("U"), FileTreeModel::tr("untracked")},
+        {QStringLiteral("!"), FileTreeModel::tr("in conflict")},
+    };
+    return words.value(letter, FileTreeModel::tr("changed"));
 }
 
 } // namespace
@@ -128,7 +142,7 @@ QVariant FileTreeModel::data(const QModelIndex& index, int role) const
         const auto badge = badges_.badge(row.item);
         const QString kind = row.item.isDirectory ? tr("folder") : tr("file");
         return QString(oneLine(row.item.name()) + QStringLiteral(", ") + kind +
-                       (badge ? QStringLiteral(", ") + badge->letter : QString()));
+                       (badge ? QStringLiteral(", ") + badgeInWords(badge->letter) : QString()));
     }
     case depthRole:
         return row.depth;

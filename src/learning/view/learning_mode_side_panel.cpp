@@ -5,6 +5,7 @@
 #include "learning/view/diagnosis_section.h"
 #include "learning/view/lesson_way_back.h"
 #include "learning/view/requirement_list.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 
@@ -158,6 +159,7 @@ void LearningModeSidePanel::setLesson(const LessonInfo& lessonInfo, quint64 runs
     lessonInfo_ = lessonInfo;
     runsBefore_ = runsBefore;
     isKo_ = isKorean(lessonInfo_);
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(lessonTexts::learningMode.in(isKo_));
     fillHeader();
     fillRegion();

@@ -1,11 +1,11 @@
 #include "run/view/terminal_strip.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "run/ansi_parser.h"
 
-#include <QAccessible>
 #include <QBoxLayout>
 #include <QPainter>
 
@@ -102,8 +102,7 @@ void TerminalStrip::showHint()
     follow();
     if (isOutlasted) {
         setAccessibleName(hint());
-        QAccessibleEvent appeared(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&appeared);
+        announce(*this);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "settings/view/keybindings_view.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
@@ -58,6 +59,8 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
         }
     }
     auto* area = new QScrollArea(this);
+    setAccessibleRole(*area, QAccessible::Grouping);
+    area->setAccessibleName(tr("Keyboard shortcuts"));
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setWidget(list);

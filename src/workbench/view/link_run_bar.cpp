@@ -2,11 +2,11 @@
 
 #include "learning/lesson_texts.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QShortcut>
@@ -84,8 +84,7 @@ void LinkRunBar::showEvent(QShowEvent* event)
     // Each time it comes up, as with its tab.
     setHears(false);
     hearing_.restart();
-    QAccessibleEvent appeared(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&appeared);
+    announce(*this);
 }
 
 void LinkRunBar::paintEvent(QPaintEvent*)

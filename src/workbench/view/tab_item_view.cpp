@@ -107,6 +107,7 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleRole(*this, QAccessible::PageTab);
+    tellSelection();
     prepare(hover_, hoverMilliseconds, false, this);
     prepare(selection_, selectionMilliseconds, isSelected, this);
     closeButton_->setHelp(tr("Close"));
@@ -122,6 +123,15 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 void TabItemView::refreshDocument()
 {
     setAccessibleName(document_->title());
+    QStringList more;
+    if (document_->isModified()) {
+        more.append(tr("modified"));
+    }
+    if (const auto url = document_->fileURL()) {
+        more.append(oneLine(url->toLocalFile()));
+    }
+    setAccessibleDescription(more.join(QStringLiteral(", ")));
+    closeButton_->setAccessibleDescription(oneLine(document_->title()));
     setToolTip(document_->fileURL() ? plainHelp(document_->fileURL()->path()) : QString());
     updateGeometry();
     update();
@@ -133,12 +143,21 @@ void TabItemView::setSelected(bool isSelected)
         return;
     }
     isSelected_ = isSelected;
+    tellSelection();
     // Tab reaches the selected tab, and arrow keys the others from there.
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     run(selection_, isSelected);
     updateCloseButton();
     updateGeometry();
     update();
+}
+
+void TabItemView::tellSelection()
+{
+    QAccessible::State state;
+    state.selectable = true;
+    state.selected = isSelected_;
+    setAccessibleState(*this, state);
 }
 
 void TabItemView::press()
