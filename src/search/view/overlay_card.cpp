@@ -31,6 +31,9 @@ void paintShadow(QPainter& painter, const QRectF& box, int radius)
 OverlayCard::OverlayCard(int width, int shadowRadius, QWidget* parent) : QWidget(parent), shadowRadius_(shadowRadius)
 {
     setAccessibleRole(*this, QAccessible::Dialog);
+    QAccessible::State state;
+    state.modal = true;
+    setAccessibleState(*this, state);
     setContentsMargins(shadowRadius, shadowRadius, shadowRadius, shadowRadius);
     setFixedWidth(width + 2 * shadowRadius);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -209,6 +209,7 @@ private Q_SLOTS:
     void theFindBarSaysTheNumberOfMatches();
     void foldersAreExpandedByAction();
     void theTerminalIsOne();
+    void theDiagnosisOfAFailedRunIsSaid();
 };
 
 void MainWindowScreenReaderTest::allThatIsShownIsTold_data()
@@ -266,7 +267,8 @@ void MainWindowScreenReaderTest::overlaysAreDialogs()
     QVERIFY(findAccessible(*accessible(fixture.window), name, QAccessible::Dialog) == nullptr);
     fixture.state.setProperty(flag, true);
     fixture.turnQueue();
-    QVERIFY(findAccessible(*accessible(fixture.window), name, QAccessible::Dialog) != nullptr);
+    QAccessibleInterface* dialog = findAccessible(*accessible(fixture.window), name, QAccessible::Dialog);
+    QVERIFY(dialog != nullptr && dialog->state().modal);
 }
 
 void MainWindowScreenReaderTest::aNoticeIsAnAlertWhileItLasts()
@@ -338,6 +340,23 @@ void MainWindowScreenReaderTest::foldersAreExpandedByAction()
     QVERIFY(item(u"folder, folder, untracked"_s)->state().expanded);
     QVERIFY(item(u"inner.txt, file"_s) != nullptr);
     QCOMPARE(item(u"inner.txt, file"_s)->text(QAccessible::Description), u"level 2"_s);
+}
+
+void MainWindowScreenReaderTest::theDiagnosisOfAFailedRunIsSaid()
+{
+    Fixture fixture;
+    AccessibleListener listener;
+    openLesson(fixture);
+    const auto isSaid = [&] {
+        QStringList told;
+        walkAccessible(*accessible(fixture.window), [&](QAccessibleInterface& node, const QString&) {
+            if (node.role() == QAccessible::Notification) {
+                told.append(node.text(QAccessible::Name));
+            }
+        });
+        return !told.filter(u"API key auth failed. "_s).isEmpty();
+    };
+    QTRY_VERIFY(isSaid());
 }
 
 void MainWindowScreenReaderTest::theTerminalIsOne()
