@@ -42,3 +42,40 @@ def middle(node):
 def click(journey, name, role=None, button=1, which=0):
     """Clicks on a control by its name, with the pointer."""
     journey.click(*middle(find(journey, name, role, which)), button)
+
+
+def act(journey, role, name, action):
+    """Does an action of a control, once the control is there."""
+    script = pathlib.Path(__file__).with_name("act_on_accessible.py")
+    command = ("/usr/bin/python3", script, role, name, action)
+
+    def done():
+        return subprocess.run(command, env=journey.environment, capture_output=True, check=False,
+                              timeout=60).returncode == 0
+    journey.until(done, f"the action {action!r} of {name!r}")
+
+
+class Listener:
+    """Hears what a screen reader is told from now on."""
+
+    def __init__(self, journey):
+        self.journey = journey
+        self.file = journey.folder / "heard"
+        script = pathlib.Path(__file__).with_name("hear_accessible.py")
+        with open(self.file, "wb") as heard:
+            journey.spawn("/usr/bin/python3", script, stdout=heard)
+        self.until(lambda kind, *_: kind == "listening", "the listener")
+
+    def all(self):
+        """Kind, role, name, first detail and text of each event that was told."""
+        lines = self.file.read_text(errors="replace").split("\n")[:-1]
+        return [json.loads(line) for line in lines]
+
+    def until(self, wanted, what, since=0):
+        """Waits for an event that `wanted` takes, and gives back how many were told up to it."""
+        def found():
+            for index, event in enumerate(self.all()):
+                if index >= since and wanted(*event):
+                    return index + 1
+            return None
+        return self.journey.until(found, what)

@@ -29,14 +29,14 @@ def go(journey):
     accessible.click(journey, "notes.txt (modified)")
     accessible.find(journey, "Working: 1 hunk · Staged: none")
     journey.key("Escape")
-    accessible.click(journey, "History", "check box")
+    accessible.click(journey, "History", "radio button")
     accessible.click(journey, "First")
     accessible.find(journey, "Copy SHA")
     journey.key("Escape")
     journey.check(not marker.exists(), f"looking ran {marker.read_text() if marker.exists() else ''}")
 
     # A branch that a server can offer.
-    accessible.click(journey, "Branches, 2", "check box")
+    accessible.click(journey, "Branches, 2", "radio button")
     x, y, width, height = accessible.find(journey, "origin/-f")["place"]
     journey.point_at(x + width // 2, y + height // 2)
     journey.click(x + width - BUTTON_FROM_RIGHT, y + height // 2)

@@ -6,6 +6,13 @@
 
 namespace kelm {
 
+namespace {
+
+/// What a title ends with while there are unsaved changes.
+constexpr QStringView modifiedMark = u" *";
+
+} // namespace
+
 Coordinator::Coordinator(std::shared_ptr<Document> shown, KelmEditorView& owner)
     : document(std::move(shown)), owner_(owner)
 {}
@@ -70,7 +77,22 @@ EditorContainerView* KelmEditorView::makeView(Scheduler& scheduler, Notification
     // An empty text too is one that later texts replace in a step of their own.
     coordinator_.bind(*view_);
     view_->setLessonRegion(lessonRegion());
+    tellName();
+    connect(document_.get(), &Document::titleChanged, this, &KelmEditorView::tellName);
     return view_;
+}
+
+void KelmEditorView::tellName()
+{
+    if (view_) {
+        // The mark of unsaved changes is not said anew with the first change.
+        QString title = document_->title();
+        title.chop(document_->isModified() ? modifiedMark.size() : 0);
+        const QString name = tr("Text of %1").arg(title);
+        if (view_->textView().accessibleName() != name) {
+            view_->textView().setAccessibleName(name);
+        }
+    }
 }
 
 void KelmEditorView::updateView()

@@ -66,6 +66,8 @@ private:
     void scheduleUpdate();
     /// Shows a text that was stored in the document.
     void updateText();
+    /// Says to screen readers whose text it is.
+    void tellName();
     std::optional<LineRegion> lessonRegion() const;
 
     std::shared_ptr<Document> document_;

@@ -3,6 +3,7 @@
 #include "editor/view/numbered_rows.h"
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
 
 #include <QFontMetricsF>
 #include <QMouseEvent>
@@ -26,6 +27,7 @@ SimpleLineNumberView::SimpleLineNumberView(QWidget* parent) : QWidget(parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(tr("Line numbers"));
     refreshSystemColors();
 }

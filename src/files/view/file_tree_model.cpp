@@ -3,9 +3,27 @@
 #include "platform/text/shown_name.h"
 #include "platform/view/plain_help.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace kelm {
+
+namespace {
+
+/// What a badge's letter stands for.
+QString badgeInWords(const QString& letter)
+{
+    static const QHash<QString, QString> words{
+        {QStringLiteral("M"), FileTreeModel::tr("modified")},    {QStringLiteral("A"), FileTreeModel::tr("added")},
+        {QStringLiteral("D"), FileTreeModel::tr("deleted")},     {QStringLiteral("R"), FileTreeModel::tr("renamed")},
+        {QStringLiteral("C"), FileTreeModel::tr("copied")},      {QStringLiteral("U"), FileTreeModel::tr("untracked")},
+        {QStringLiteral("!"), FileTreeModel::tr("in conflict")},
+    };
+    return words.value(letter, FileTreeModel::tr("changed"));
+}
+
+} // namespace
 
 void FileTreeModel::setFiles(const QList<FileItem>& files)
 {
@@ -115,7 +133,7 @@ QVariant FileTreeModel::data(const QModelIndex& index, int role) const
         const auto badge = badges_.badge(row.item);
         const QString kind = row.item.isDirectory ? tr("folder") : tr("file");
         return QString(shownName(row.item.name()) + QStringLiteral(", ") + kind +
-                       (badge ? QStringLiteral(", ") + badge->letter : QString()));
+                       (badge ? QStringLiteral(", ") + badgeInWords(badge->letter) : QString()));
     }
     case depthRole:
         return row.depth;

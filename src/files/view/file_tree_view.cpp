@@ -8,6 +8,7 @@
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_list.h"
 #include "platform/view/divider.h"
 #include "platform/view/file_drop.h"
 #include "platform/view/labels.h"
@@ -68,6 +69,7 @@ QWidget* FileTreeView::makeTree()
     connect(refresh, &PlainButton::clicked, this, &FileTreeView::loadFiles);
     list_ = new QListView(tree);
     list_->setModel(model_);
+    setAccessibleItems(*list_, [this](int row) { return accessibleItem(row); });
     rowLook_ = new FileItemRow(list_);
     list_->setItemDelegate(rowLook_);
     list_->setUniformItemSizes(true);
@@ -117,6 +119,17 @@ QWidget* FileTreeView::makeEmptyState()
     }
     column->addStretch(1);
     return empty;
+}
+
+AccessibleItem FileTreeView::accessibleItem(int row)
+{
+    const QModelIndex index = model_->index(row);
+    const int level = index.data(FileTreeModel::depthRole).toInt() + 1;
+    return {.name = index.data(Qt::AccessibleTextRole).toString(),
+            .description = level > 1 ? tr("level %1").arg(level) : QString(),
+            .isExpandable = model_->item(row).isDirectory,
+            .isExpanded = model_->isExpanded(row),
+            .press = [this, row] { select(row); }};
 }
 
 void FileTreeView::refreshProject()

@@ -14,6 +14,7 @@ namespace kelm {
 class AppState;
 class FileItemRow;
 class TextLabel;
+struct AccessibleItem;
 
 /// The project's folder, level by level, with the changes that git knows of; without a project, a way to open one. The
 /// list is read when the tree appears, on the refresh button and when a folder is opened here: nothing watches the
@@ -43,6 +44,8 @@ private:
     QWidget* makeTree();
     QWidget* makeEmptyState();
     void refreshProject();
+    /// What a screen reader is told of a row.
+    AccessibleItem accessibleItem(int row);
     void refreshStatus();
     /// Has the badges found anew, once for all that changes in one turn of the event loop.
     void refreshStatusSoon();

@@ -1,6 +1,8 @@
 #include "learning/view/diagnosis_section.h"
 
 #include "learning/lesson_texts.h"
+#include "platform/view/accessible_news.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 
 #include <QClipboard>
@@ -18,6 +20,7 @@ namespace {
 
 constexpr std::chrono::milliseconds copiedTime(1500);
 constexpr qsizetype mostShown = 1000;
+constexpr qsizetype mostSpoken = 300;
 constexpr int copiedSize = 10;
 
 const ButtonLook symbolLook{.symbol = u"doc.on.doc"_s,
@@ -57,6 +60,7 @@ DiagnosisSection::DiagnosisSection(Scheduler& scheduler, QWidget* parent)
                            style::interfaceFont(lessonSizes::text, QFont::DemiBold), Tint::primary())),
       message_(addText(lessonSizes::note, Tint::secondary()))
 {
+    setAccessibleRole(*this, QAccessible::Notification);
     addFix();
 }
 
@@ -79,6 +83,8 @@ void DiagnosisSection::show(const Diagnosis& diagnosis, bool isKo)
     setHeading(lessonTexts::diagnosis.in(isKo));
     title_->setText(diagnosis.title);
     message_->setText(shownPart(diagnosis.message, mostShown));
+    setAccessibleName(diagnosis.title + QStringLiteral(". ") + shownPart(diagnosis.message, mostSpoken));
+    announce(*this);
     fixRow_->setVisible(diagnosis.fix.has_value());
     fix_ = diagnosis.fix.value_or(QString());
     fixText_->setText(shownPart(fix_, mostShown));

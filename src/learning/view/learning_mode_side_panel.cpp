@@ -7,6 +7,7 @@
 #include "learning/view/requirement_list.h"
 #include "platform/text/platform_words.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 
@@ -161,6 +162,7 @@ void LearningModeSidePanel::setLesson(const LessonInfo& lessonInfo, quint64 runs
     lessonInfo_ = lessonInfo;
     runsBefore_ = runsBefore;
     isKo_ = isKorean(lessonInfo_);
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(lessonTexts::learningMode.in(isKo_));
     fillHeader();
     fillRegion();

@@ -1,6 +1,7 @@
 #include "platform/view/activity_line.h"
 
 #include "platform/style/view/tint.h"
+#include "platform/view/accessible_role.h"
 
 #include <QPainter>
 
@@ -18,6 +19,9 @@ constexpr double pieceShare = 0.3;
 ActivityLine::ActivityLine(QWidget* parent) : QWidget(parent)
 {
     setFixedHeight(lineHeight);
+    setAccessibleRole(*this, QAccessible::ProgressBar);
+    setAccessibleName(tr("Working"));
+    tellState();
     setAttribute(Qt::WA_TransparentForMouseEvents);
     timer_.setInterval(frameMilliseconds);
     connect(&timer_, &QTimer::timeout, this, [this] {
@@ -37,7 +41,16 @@ void ActivityLine::setActive(bool isActive)
     } else {
         timer_.stop();
     }
+    tellState();
     update();
+}
+
+void ActivityLine::tellState()
+{
+    QAccessible::State state;
+    state.busy = isActive();
+    state.invisible = !isActive();
+    setAccessibleState(*this, state);
 }
 
 void ActivityLine::paintEvent(QPaintEvent*)

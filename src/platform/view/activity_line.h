@@ -21,6 +21,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// While nothing goes on there is nothing to be told of.
+    void tellState();
+
     QTimer timer_;
     int step_ = 0;
 };

@@ -1,5 +1,6 @@
 #include "platform/view/row_actions.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@ RowActions::RowActions(bool takesKeyboard, QWidget* parent) : QWidget(parent), t
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     setFocusPolicy(Qt::NoFocus);
+    setAccessibleRole(*this, QAccessible::ToolBar);
 }
 
 void RowActions::setActions(const QList<RowAction>& actions, const QString& description)
@@ -63,6 +65,7 @@ void RowActions::setActions(const QList<RowAction>& actions, const QString& desc
             button->show();
         }
     }
+    setAccessibleName(description);
     for (PlainButton* button : buttons_) {
         button->setAccessibleDescription(description);
     }

@@ -1,6 +1,7 @@
 #include "platform/view/row_list.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_row.h"
 #include "platform/view/row_actions.h"
 #include "platform/view/row_painter.h"
 
@@ -84,6 +85,7 @@ RowList::RowList(int rowHeight, QWidget* parent)
     viewport()->setAutoFillBackground(false);
     setItemDelegate(new Delegate(*this));
     setModel(&model_);
+    setAccessibleItems(*this, [this](int item) { return accessibleRow(model_, item); });
     hoveredActions_->hide();
     focusedActions_->hide();
 

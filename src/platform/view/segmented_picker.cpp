@@ -2,6 +2,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/view/accessible_role.h"
 
 #include <QFocusEvent>
 #include <QHBoxLayout>
@@ -82,6 +83,7 @@ private:
 
 SegmentedPicker::SegmentedPicker(const QStringList& labels, const QString& name, QWidget* parent) : QWidget(parent)
 {
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(name);
     setFixedHeight(pickerHeight);
     setFont(style::interfaceFont(textSize));

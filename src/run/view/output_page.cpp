@@ -1,7 +1,11 @@
 #include "run/view/output_page.h"
 
+#include "run/code_runner.h"
 #include "run/view/output_view.h"
 #include "run/view/run_header.h"
+#include "run/view/spoken_output.h"
+#include "text/view/text_view.h"
+#include "text/view/text_view_accessible.h"
 
 #include <QVBoxLayout>
 
@@ -18,6 +22,10 @@ OutputPage::OutputPage(CodeRunner& runner, NotificationCenter& notifications, Th
     column->setSpacing(0);
     column->addWidget(header_);
     column->addWidget(output_, 1);
+    new SpokenOutput(output_->textView(), this);
+    const auto followRun = [this, &runner] { setAccessibleTextBusy(output_->textView(), runner.isRunning()); };
+    connect(&runner, &CodeRunner::isRunningChanged, this, followRun);
+    followRun();
     setFocusProxy(output_);
 }
 

@@ -1,13 +1,13 @@
 #include "run/view/run_header.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "run/code_runner.h"
 #include "run/view/stop_run_key.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
 
@@ -38,7 +38,7 @@ RunHeader::RunHeader(CodeRunner& runner, ThemeManager& themeManager, QWidget* pa
       advice_(new TextLabel({}, style::interfaceFont(textSize), Tint::secondary(), this))
 {
     setFixedHeight(headerHeight);
-    setAccessibleRole(*this, QAccessible::StatusBar);
+    setAccessibleRole(*this, QAccessible::Notification);
     ButtonLook look = borderedLook(u"stop.fill"_s);
     look.symbolSize = 9;
     look.textSize = textSize;
@@ -87,10 +87,10 @@ void RunHeader::refresh()
     advice_->setVisible(run->missedInput);
     if (goesOn) {
         refreshTime();
-        announce(u"Running "_s + run->name);
+        tell(u"Running "_s + run->name);
     } else {
         label_->setText(endedText(*run));
-        announce(run->missedInput ? text() + u". "_s + advice() : text());
+        tell(run->missedInput ? text() + u". "_s + advice() : text());
     }
     if (goesOn && isVisible()) {
         tick_.start();
@@ -106,13 +106,10 @@ void RunHeader::refreshTime()
     }
 }
 
-void RunHeader::announce(const QString& text)
+void RunHeader::tell(const QString& text)
 {
     setAccessibleName(text);
-    if (isVisible()) {
-        QAccessibleEvent changed(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&changed);
-    }
+    announce(*this);
 }
 
 void RunHeader::showEvent(QShowEvent* event)

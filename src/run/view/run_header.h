@@ -41,7 +41,7 @@ protected:
 private:
     void refresh();
     void refreshTime();
-    void announce(const QString& text);
+    void tell(const QString& text);
 
     CodeRunner& runner_;
     ThemeManager& themeManager_;

@@ -2,11 +2,11 @@
 
 #include "platform/style/view/style.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "run/ansi_parser.h"
 
-#include <QAccessible>
 #include <QBoxLayout>
 #include <QPainter>
 
@@ -103,8 +103,7 @@ void TerminalStrip::showHint()
     follow();
     if (isOutlasted) {
         setAccessibleName(hint());
-        QAccessibleEvent appeared(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&appeared);
+        announce(*this);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/text/shown_name.h"
 #include "run/ansi_parser.h"
 #include "run/view/terminal_colors.h"
+#include "text/view/text_view_accessible.h"
 #include "text/view/text_view_keys.h"
 
 #include <QClipboard>
@@ -56,6 +57,7 @@ TerminalTextView::TerminalTextView(QWidget* parent)
     // What was pasted is seen before it runs.
     textLayout().setShowsControlCharacters(true);
     setAccessibleName(tr("Terminal"));
+    setAccessibleTextRole(*this, QAccessible::Terminal);
     connect(&storage(), &TextStorage::willReplace, this, [this] { isTyping_ = editor().isEditing(); });
     connect(&storage(), &TextStorage::edited, this, &TerminalTextView::textEdited);
 }
@@ -70,13 +72,22 @@ void TerminalTextView::setSession(TerminalSession* session)
     session_ = session;
     typedAhead_.setSession(session);
     typedAhead_.clear();
-    editor().setReadOnly(session != nullptr && session->isBusy());
+    followBusy();
     if (session != nullptr) {
-        connect(session, &TerminalSession::isBusyChanged, this,
-                [this, session] { editor().setReadOnly(session->isBusy()); });
+        connect(session, &TerminalSession::isBusyChanged, this, &TerminalTextView::followBusy);
         connect(session, &TerminalSession::waitingThrownAway, this, &TerminalTextView::throwAwayLine);
-        connect(session, &QObject::destroyed, this, [this] { editor().setReadOnly(false); });
+        connect(session, &QObject::destroyed, this, [this] {
+            editor().setReadOnly(false);
+            setAccessibleTextBusy(*this, false);
+        });
     }
+}
+
+void TerminalTextView::followBusy()
+{
+    const bool isBusy = session_ && session_->isBusy();
+    editor().setReadOnly(isBusy);
+    setAccessibleTextBusy(*this, isBusy);
 }
 
 // ---- Writing --------------------------------------------------------------------------------------------------------

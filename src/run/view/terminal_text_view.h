@@ -89,6 +89,8 @@ private:
     void keepForLater(const QKeyEvent& event);
     void throwAwayKey(QKeyEvent& event);
     void throwAwayLine();
+    /// A command that runs takes no typing.
+    void followBusy();
 
     QPointer<TerminalSession> session_;
     EndFollower* follower_;

@@ -28,6 +28,7 @@ GoToLineView::GoToLineView(AppState& appState, Log& log, QWidget* parent)
     lineNumber_->setPlaceholderText(u"Line number"_s);
     lineNumber_->setAccessibleName(u"Line number"_s);
     lineNumber_->installEventFilter(this);
+    setAccessibleName(tr("Go to line"));
     setFocusProxy(lineNumber_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);

@@ -1,6 +1,7 @@
 #include "search/view/overlay_card.h"
 
 #include "platform/style/view/tint.h"
+#include "platform/view/accessible_role.h"
 
 #include <QPainter>
 
@@ -29,6 +30,10 @@ void paintShadow(QPainter& painter, const QRectF& box, int radius)
 
 OverlayCard::OverlayCard(int width, int shadowRadius, QWidget* parent) : QWidget(parent), shadowRadius_(shadowRadius)
 {
+    setAccessibleRole(*this, QAccessible::Dialog);
+    QAccessible::State state;
+    state.modal = true;
+    setAccessibleState(*this, state);
     setContentsMargins(shadowRadius, shadowRadius, shadowRadius, shadowRadius);
     setFixedWidth(width + 2 * shadowRadius);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

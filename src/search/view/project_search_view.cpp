@@ -2,6 +2,7 @@
 
 #include "app/state/app_state.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_list.h"
 #include "platform/view/activity_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_help.h"
@@ -32,6 +33,11 @@ ProjectSearchView::ProjectSearchView(AppState& appState, QWidget* parent)
     auto* activity = new ActivityLine(this);
 
     list_->setModel(model_);
+    setAccessibleItems(*list_, [this](int row) {
+        const QModelIndex index = model_->index(row);
+        return AccessibleItem{.name = index.data(Qt::AccessibleTextRole).toString(),
+                              .press = [this, row] { open(row); }};
+    });
     list_->setItemDelegate(new ProjectSearchDelegate(list_));
     list_->setUniformItemSizes(true);
     list_->setFrameShape(QFrame::NoFrame);

@@ -5,10 +5,12 @@
 #include "platform/style/view/icons.h"
 #include "platform/text/platform_words.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_list.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
+#include "platform/view/screen_reader.h"
 #include "search/quick_open.h"
 
 #include <QHBoxLayout>
@@ -32,6 +34,7 @@ constexpr int largestListHeight = 300;
 /// From the panel's edge to a row's symbol.
 constexpr int rowPadding = 16;
 constexpr double selectionOpacity = 0.3;
+constexpr int pathRole = Qt::UserRole;
 
 } // namespace
 
@@ -83,6 +86,7 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     searchText_->setFrame(false);
     searchText_->setFont(style::interfaceFont(16));
     searchText_->installEventFilter(this);
+    setAccessibleName(tr("Go to file"));
     setFocusProxy(searchText_);
     auto* closeButton = new PlainButton(
         {.symbol = u"xmark.circle.fill"_s, .symbolSize = 16, .hoveredTint = Tint::primary(), .fixedSize = {24, 24}},
@@ -92,6 +96,12 @@ QuickOpenView::QuickOpenView(AppState& appState, QWidget* parent)
     auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
     connect(shortcut, &QShortcut::activated, this, &QuickOpenView::close);
 
+    setAccessibleItems(*list_, [this](int row) {
+        const QListWidgetItem* item = list_->item(row);
+        return AccessibleItem{.name = item->text(),
+                              .description = item->data(pathRole).toString(),
+                              .press = [this, row] { openRow(row); }};
+    });
     list_->setItemDelegate(new FileRowDelegate(*this));
     list_->setFrameShape(QFrame::NoFrame);
     list_->setFocusPolicy(Qt::NoFocus);
@@ -135,8 +145,10 @@ void QuickOpenView::fillList()
 {
     list_->clear();
     for (const QUrl& url : filteredFiles()) {
+        const QString path = shownName(url.toLocalFile());
         auto* item = new QListWidgetItem(shownName(lastPathComponent(url)), list_);
-        item->setToolTip(plainHelp(shownName(url.toLocalFile())));
+        item->setToolTip(plainHelp(path));
+        item->setData(pathRole, path);
     }
     list_->setFixedHeight(std::min(list_->count() * rowHeight, largestListHeight));
     noMatch_->setVisible(list_->count() == 0 && !searchText_->text().isEmpty());
@@ -151,6 +163,21 @@ void QuickOpenView::showSelection()
         list_->setCurrentItem(nullptr);
     }
     list_->viewport()->update();
+    tellSelection();
+}
+
+void QuickOpenView::tellSelection()
+{
+    const QListWidgetItem* item = list_->currentItem();
+    // The keyboard stays on the field, and what is told of the field is what is heard.
+    searchText_->setAccessibleDescription(
+        item == nullptr ? tr("No file")
+                        : tr("%1, %2 of %3").arg(item->text()).arg(list_->currentRow() + 1).arg(list_->count()));
+    if (item != nullptr && screenReader::isListening()) {
+        QAccessibleEvent moved(list_, QAccessible::ActiveDescendantChanged);
+        moved.setChild(list_->currentRow());
+        screenReader::tell(moved);
+    }
 }
 
 bool QuickOpenView::handleKey(int key)

@@ -37,6 +37,8 @@ private:
     bool handleKey(int key);
     void fillList();
     void showSelection();
+    /// Says which file Return would open.
+    void tellSelection();
     void openRow(qsizetype row);
     void close();
 

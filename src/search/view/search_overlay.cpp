@@ -140,6 +140,7 @@ void SearchOverlay::refreshMode()
 {
     const bool replaces = appState_.searchMode() == SearchMode::replace;
     title_->setText(replaces ? u"Find and Replace"_s : u"Find"_s);
+    setAccessibleName(title_->text());
     replaceRow_->setVisible(replaces);
     buttons_->setVisible(replaces);
     refreshRequest();

@@ -2,6 +2,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/text/platform_words.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
@@ -60,6 +61,8 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
         }
     }
     auto* area = new QScrollArea(this);
+    setAccessibleRole(*area, QAccessible::Grouping);
+    area->setAccessibleName(tr("Keyboard shortcuts"));
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setWidget(list);

@@ -83,6 +83,7 @@ void SettingControl::addStepper()
         auto* button = new PlainButton(
             {.symbol = symbol, .symbolSize = 10, .ground = Tint::primary().at(0.1), .fixedSize = {24, 22}}, this);
         button->setHelp(help);
+        button->setAccessibleDescription(setting_.label.trimmed());
         button->setAutoRepeat(true);
         connect(button, &PlainButton::clicked, this, [this, step] {
             const double stepped = value().toDouble() + step;
@@ -116,6 +117,7 @@ void SettingControl::addSlider()
     layout()->addWidget(slider);
     follow([this, label, slider](const QVariant& value) {
         label->setText(settingText(setting_, value));
+        slider->setAccessibleDescription(settingText(setting_, value));
         const QSignalBlocker quiet(slider);
         slider->setValue(qRound((value.toDouble() - setting_.minimum) / setting_.step));
     });
@@ -138,6 +140,8 @@ void SettingControl::addPicker()
         box->setItemData(box->count() - 1, font, Qt::FontRole);
     }
     box->setAccessibleName(setting_.label);
+    // Where a screen reader takes the choice for the name.
+    box->setAccessibleDescription(setting_.label);
     layout()->addWidget(box);
     follow([box](const QVariant& value) {
         const QSignalBlocker quiet(box);

@@ -1,5 +1,6 @@
 #include "settings/view/settings_view.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
@@ -39,6 +40,7 @@ constexpr std::array<TabTitle, SettingsView::tabCount> tabTitles{{
 SettingsView::SettingsView(UserDefaults& store, ThemeManager& themeManager, QWidget* parent)
     : QWidget(parent, Qt::Window), pages_(new QStackedWidget(this))
 {
+    setAccessibleRole(*this, QAccessible::Window);
     setWindowTitle(tr("Settings"));
     setFixedSize(windowSize);
     auto* bar = new QHBoxLayout;

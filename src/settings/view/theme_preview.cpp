@@ -1,6 +1,7 @@
 #include "settings/view/theme_preview.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -52,6 +53,7 @@ const std::vector<std::vector<Piece>>& sample()
 
 ThemePreview::ThemePreview(EditorTheme theme, QWidget* parent) : QWidget(parent), theme_(std::move(theme))
 {
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(tr("Preview"));
 }
 

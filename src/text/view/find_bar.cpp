@@ -1,5 +1,7 @@
 #include "text/view/find_bar.h"
 
+#include "platform/view/accessible_news.h"
+#include "platform/view/accessible_role.h"
 #include "text/view/text_view.h"
 
 #include <QKeyEvent>
@@ -38,6 +40,9 @@ FindBar::FindBar(TextView& view)
 {
     setAutoFillBackground(true);
     setFrameShape(QFrame::StyledPanel);
+    setAccessibleRole(*this, QAccessible::Grouping);
+    setAccessibleName(tr("Find"));
+    setAccessibleRole(*status_, QAccessible::Notification);
     setFocusProxy(findField_);
     buildRows();
     hide();
@@ -272,7 +277,7 @@ void FindBar::replaceAll()
     if (const std::optional<ReplaceAllResult> result = session_.replaceAll()) {
         putInAll(*result);
     } else {
-        status_->setText(tr("Replacing…"));
+        showStatus(tr("Replacing…"));
     }
 }
 
@@ -281,26 +286,36 @@ void FindBar::putInAll(const ReplaceAllResult& result)
     switch (result.outcome) {
     case ReplaceAllResult::Outcome::replaced:
         view_.editor().apply({{result.range, result.text}}, EditKind::other);
-        status_->setText(tr("%1 replaced").arg(result.count));
+        showStatus(tr("%1 replaced").arg(result.count));
         break;
     case ReplaceAllResult::Outcome::nothingFound:
         break;
     case ReplaceAllResult::Outcome::gaveUp:
-        status_->setText(tr("Stopped: this pattern takes too long here"));
+        showStatus(tr("Stopped: this pattern takes too long here"));
         break;
     case ReplaceAllResult::Outcome::tooLong:
-        status_->setText(tr("The result would be too long"));
+        showStatus(tr("The result would be too long"));
         break;
     }
 }
 
 void FindBar::showState()
 {
-    const QString text = session_.statusText();
-    status_->setText(fontMetrics().elidedText(text, Qt::ElideRight, statusWidth));
-    status_->setToolTip(text);
+    showStatus(session_.statusText());
     if (isVisible()) {
         showHighlights();
+    }
+}
+
+void FindBar::showStatus(const QString& text)
+{
+    status_->setText(fontMetrics().elidedText(text, Qt::ElideRight, statusWidth));
+    status_->setToolTip(text);
+    // Nothing is a label without a name.
+    status_->setHidden(text.isEmpty());
+    if (status_->accessibleName() != text) {
+        status_->setAccessibleName(text);
+        announce(*status_);
     }
 }
 

@@ -66,6 +66,7 @@ private:
     void replaceAll();
     void putInAll(const ReplaceAllResult& result);
     void showState();
+    void showStatus(const QString& text);
     void showHighlights();
     void placeOverView();
     bool handleFieldKey(QObject* field, const QKeyEvent& key);

@@ -46,6 +46,9 @@ void FindBar::buildRows()
     replaceField_->setAccessibleName(tr("Replace"));
     replaceField_->setFixedWidth(fieldWidth);
     status_->setFixedWidth(statusWidth);
+    QSizePolicy keepsItsPlace = status_->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    status_->setSizePolicy(keepsItsPlace);
     status_->setTextFormat(Qt::PlainText);
 
     auto* findRow = new QHBoxLayout;

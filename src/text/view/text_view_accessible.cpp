@@ -1,5 +1,6 @@
 #include "text/view/text_view_accessible.h"
 
+#include "platform/view/screen_reader.h"
 #include "text/boundaries/text_boundaries.h"
 #include "text/storage/line_terminator.h"
 #include "text/view/text_view.h"
@@ -7,6 +8,7 @@
 #include <QAccessibleEditableTextInterface>
 #include <QAccessibleTextInterface>
 #include <QAccessibleWidget>
+#include <QVariant>
 
 #include <algorithm>
 
@@ -14,7 +16,18 @@ namespace kelm {
 
 namespace {
 
-/// Answers from the line index and the text around an offset: no call reads the whole text, but one that asks for it.
+constexpr const char* roleProperty = "kelmAccessibleTextRole";
+constexpr const char* busyProperty = "kelmAccessibleTextBusy";
+
+/// The most of a text that one answer holds, in UTF-16 units: who asks for all of a long text gets its beginning, and
+/// goes on from there.
+constexpr qsizetype longestAnswer = qsizetype(1) << 18;
+/// The longest unit of text. A longer line is told in pieces of this length.
+constexpr qsizetype longestUnit = qsizetype(1) << 14;
+/// The most that is told of one edit.
+constexpr qsizetype longestNews = qsizetype(1) << 14;
+
+/// Answers from the line index and the text around an offset: no call reads the whole of a long text.
 class AccessibleTextView final : public QAccessibleWidget,
                                  public QAccessibleTextInterface,
                                  public QAccessibleEditableTextInterface
@@ -33,9 +46,16 @@ public:
         return QAccessibleWidget::interface_cast(type);
     }
 
+    QAccessible::Role role() const override
+    {
+        const QVariant role = view().property(roleProperty);
+        return role.isValid() ? static_cast<QAccessible::Role>(role.toInt()) : QAccessible::EditableText;
+    }
+
     QAccessible::State state() const override
     {
         QAccessible::State state = QAccessibleWidget::state();
+        state.busy = view().property(busyProperty).toBool();
         state.multiLine = true;
         state.selectableText = true;
         state.editable = !view().isReadOnly();
@@ -45,7 +65,7 @@ public:
 
     QString text(QAccessible::Text what) const override
     {
-        return what == QAccessible::Value ? view().text() : QAccessibleWidget::text(what);
+        return what == QAccessible::Value ? text(0, characterCount()) : QAccessibleWidget::text(what);
     }
 
     void setText(QAccessible::Text what, const QString& text) override
@@ -60,7 +80,7 @@ public:
 
     QString text(int start, int end) const override
     {
-        return view().storage().substring(TextRange::between(std::max(0, start), std::max(0, end)));
+        return beginning(TextRange::between(std::max(0, start), std::max(0, end)), longestAnswer);
     }
 
     int cursorPosition() const override { return static_cast<int>(view().editor().selections().primary().head.offset); }
@@ -187,10 +207,43 @@ private:
         view().editor().setSelections(SelectionSet(std::move(selections)));
     }
 
+    QString beginning(TextRange range, qsizetype most) const
+    {
+        return view().storage().substring({range.location, std::min(range.length, most)});
+    }
+
     TextRange unitAt(qsizetype offset, QAccessible::TextBoundaryType type) const
     {
+        const qsizetype at = std::clamp<qsizetype>(offset, 0, view().storage().length());
+        return pieceAt(wholeUnitAt(at, type), at);
+    }
+
+    /// The piece that an offset lies in, of a unit that may be too long for one answer.
+    TextRange pieceAt(TextRange unit, qsizetype at) const
+    {
+        if (unit.length <= longestUnit) {
+            return unit;
+        }
+        const auto boundary = [&](qsizetype piece) {
+            const qsizetype place = unit.location + piece * longestUnit;
+            if (place >= unit.end()) {
+                return unit.end();
+            }
+            return view().storage().substring({place, 1}).front().isLowSurrogate() ? place - 1 : place;
+        };
+        qsizetype piece = (at - unit.location) / longestUnit;
+        // The boundary behind it may lie before the offset, and the last piece ends where the offset may be.
+        if (boundary(piece + 1) <= at && boundary(piece + 1) < unit.end()) {
+            ++piece;
+        } else if (boundary(piece) == unit.end()) {
+            --piece;
+        }
+        return TextRange::between(boundary(piece), boundary(piece + 1));
+    }
+
+    TextRange wholeUnitAt(qsizetype at, QAccessible::TextBoundaryType type) const
+    {
         const TextTree& text = view().storage().tree();
-        const qsizetype at = std::clamp<qsizetype>(offset, 0, text.length());
         switch (type) {
         case QAccessible::CharBoundary: {
             const qsizetype start = graphemeBoundaryAtOrBefore(text, at);
@@ -235,12 +288,31 @@ void installAccessibleTextViewFactory()
     Q_UNUSED(installed)
 }
 
+void setAccessibleTextRole(TextView& view, QAccessible::Role role)
+{
+    view.setProperty(roleProperty, static_cast<int>(role));
+}
+
+void setAccessibleTextBusy(TextView& view, bool isBusy)
+{
+    if (view.property(busyProperty).toBool() != isBusy) {
+        view.setProperty(busyProperty, isBusy);
+        if (screenReader::isListening()) {
+            QAccessible::State changed;
+            changed.busy = true;
+            QAccessibleStateChangeEvent event(&view, changed);
+            screenReader::tell(event);
+        }
+    }
+}
+
 std::unique_ptr<QAccessibleTextCursorEvent> accessibleEditEvent(TextView& view, const TextEdit& edit)
 {
     const auto at = static_cast<int>(edit.range.location);
     // What was removed is gone by now; its place and length are told with blanks, which the interface allows.
-    const QString removed(edit.range.length, u' ');
-    const QString inserted = view.storage().substring(edit.newRange());
+    const QString removed(std::min(edit.range.length, longestNews), u' ');
+    const TextRange news = edit.newRange();
+    const QString inserted = view.storage().substring({news.location, std::min(news.length, longestNews)});
     std::unique_ptr<QAccessibleTextCursorEvent> event;
     if (removed.isEmpty()) {
         event = std::make_unique<QAccessibleTextInsertEvent>(&view, at, inserted);
@@ -268,15 +340,15 @@ std::unique_ptr<QAccessibleTextCursorEvent> accessibleSelectionEvent(TextView& v
 
 void notifyAccessibleEdit(TextView& view, const TextEdit& edit)
 {
-    if (QAccessible::isActive()) {
-        QAccessible::updateAccessibility(accessibleEditEvent(view, edit).get());
+    if (screenReader::isListening()) {
+        screenReader::tell(*accessibleEditEvent(view, edit));
     }
 }
 
 void notifyAccessibleSelection(TextView& view)
 {
-    if (QAccessible::isActive()) {
-        QAccessible::updateAccessibility(accessibleSelectionEvent(view).get());
+    if (screenReader::isListening()) {
+        screenReader::tell(*accessibleSelectionEvent(view));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "workbench/view/bottom_panel.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 
 #include <QHBoxLayout>
@@ -44,6 +45,7 @@ BottomPanel::BottomPanel(AppState& appState, ThemeManager& themeManager, Pages p
 {
     setMinimumHeight(smallestHeight);
     setMaximumHeight(largestHeight);
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(tr("Bottom panel"));
     auto* strip = new BottomPanelStrip(this);
     auto* row = new QHBoxLayout(strip);

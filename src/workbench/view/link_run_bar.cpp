@@ -3,11 +3,11 @@
 #include "app/state/link_runs.h"
 #include "learning/lesson_texts.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QShortcut>
@@ -85,8 +85,7 @@ void LinkRunBar::showEvent(QShowEvent* event)
     // Each time it comes up, as with its tab.
     setHears(false);
     hearing_.restart();
-    QAccessibleEvent appeared(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&appeared);
+    announce(*this);
 }
 
 void LinkRunBar::paintEvent(QPaintEvent*)

@@ -5,6 +5,7 @@
 #include "platform/files/native_path.h"
 #include "platform/process/orderly_end.h"
 #include "platform/view/file_drop.h"
+#include "platform/view/splitter.h"
 #include "run/view/stop_run_key.h"
 #include "settings/view/settings_view.h"
 #include "workbench/status/view/status_bar_view.h"
@@ -28,7 +29,6 @@
 #include <QDragEnterEvent>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -40,14 +40,6 @@ namespace {
 
 constexpr QSize smallestSize(900, 600);
 constexpr QSize firstSize(1200, 800);
-
-QSplitter* makeSplitter(Qt::Orientation orientation, QWidget* parent)
-{
-    auto* splitter = new QSplitter(orientation, parent);
-    splitter->setChildrenCollapsible(false);
-    splitter->setHandleWidth(1);
-    return splitter;
-}
 
 template <typename Layout>
 Layout* makeTightLayout(QWidget* parent)
@@ -121,8 +113,8 @@ void MainWindow::buildStack()
     stack->setMinimumSize(smallestSize);
     toolbar_ = new ToolbarView(
         commandTargets_, themeManager_, [this] { openSettings(); }, stack);
-    columns_ = makeSplitter(Qt::Horizontal, stack);
-    rows_ = makeSplitter(Qt::Vertical, columns_);
+    columns_ = new Splitter(Qt::Horizontal, stack);
+    rows_ = new Splitter(Qt::Vertical, columns_);
     auto* upper = new QWidget(rows_);
     tabBar_ = new TabBarView(appState_, themeManager_, workspace_, upper);
     auto* editors = new QWidget(upper);

@@ -1,12 +1,12 @@
 #include "workbench/view/notice_bar.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_news.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/activity_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QResizeEvent>
@@ -70,8 +70,7 @@ void NoticeBar::show(const Notice& notice)
     putAway_->setVisible(notice.isNews);
     refresh();
     setVisible(true);
-    QAccessibleEvent appeared(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&appeared);
+    announce(*this);
 }
 
 void NoticeBar::showOffers(const std::vector<NoticeOffer>& offers)

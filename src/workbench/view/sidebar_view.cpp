@@ -1,5 +1,6 @@
 #include "workbench/view/sidebar_view.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/divider.h"
 #include "platform/view/plain_button.h"
 
@@ -44,6 +45,7 @@ SidebarView::SidebarView(ThemeManager& themeManager, MakeContent makeContent, QW
 {
     setMinimumWidth(smallestWidth);
     setMaximumWidth(largestWidth);
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(tr("Sidebar"));
     auto* bar = new SidebarBar(this);
     bar->setFixedHeight(barHeight);

@@ -98,6 +98,7 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleRole(*this, QAccessible::PageTab);
+    tellSelection();
     prepare(hover_, hoverMilliseconds, false, this);
     prepare(selection_, selectionMilliseconds, isSelected, this);
     closeButton_->setHelp(tr("Close"));
@@ -112,8 +113,19 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 
 void TabItemView::refreshDocument()
 {
-    setAccessibleName(shownName(document_->title()));
-    setToolTip(document_->fileURL() ? plainHelp(shownName(document_->fileURL()->path())) : QString());
+    const QString title = shownName(document_->title());
+    const QString path = document_->fileURL() ? shownName(document_->fileURL()->path()) : QString();
+    setAccessibleName(title);
+    QStringList more;
+    if (document_->isModified()) {
+        more.append(tr("modified"));
+    }
+    if (!path.isEmpty()) {
+        more.append(path);
+    }
+    setAccessibleDescription(more.join(QStringLiteral(", ")));
+    closeButton_->setAccessibleDescription(title);
+    setToolTip(path.isEmpty() ? QString() : plainHelp(path));
     updateGeometry();
     update();
 }
@@ -124,12 +136,21 @@ void TabItemView::setSelected(bool isSelected)
         return;
     }
     isSelected_ = isSelected;
+    tellSelection();
     // Tab reaches the selected tab, and arrow keys the others from there.
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     run(selection_, isSelected);
     updateCloseButton();
     updateGeometry();
     update();
+}
+
+void TabItemView::tellSelection()
+{
+    QAccessible::State state;
+    state.selectable = true;
+    state.selected = isSelected_;
+    setAccessibleState(*this, state);
 }
 
 void TabItemView::press()

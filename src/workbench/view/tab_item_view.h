@@ -74,6 +74,7 @@ private:
     QFont titleFont() const;
     void setHovered(bool isHovered);
     void refreshDocument();
+    void tellSelection();
     void updateCloseButton();
     void paintGround(QPainter& painter) const;
     void paintChip(QPainter& painter, const QRectF& chip) const;

@@ -4,6 +4,7 @@
 #include "app/state/rewrite_document.h"
 #include "editor/transforms/xml_formatter.h"
 #include "platform/text/platform_words.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/responder.h"
 
@@ -58,6 +59,7 @@ ToolbarView::ToolbarView(CommandTargets targets, ThemeManager& themeManager, std
       row_(new QHBoxLayout(this))
 {
     setFixedHeight(barHeight);
+    setAccessibleRole(*this, QAccessible::ToolBar);
     setAccessibleName(tr("Toolbar"));
     row_->setContentsMargins(windowControlsWidth, 0, endPadding, 1);
     row_->setSpacing(4);

@@ -1,6 +1,7 @@
 #include "workbench/view/welcome_view.h"
 
 #include "app/state/unsaved_texts.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/recent_file_button.h"
@@ -35,6 +36,8 @@ PlainButton* makeButton(const QString& text, const QString& symbol, QWidget* par
 WelcomeView::WelcomeView(AppState& appState, ThemeManager& themeManager, QWidget* parent)
     : QWidget(parent), appState_(appState), themeManager_(themeManager)
 {
+    setAccessibleRole(*this, QAccessible::Grouping);
+    setAccessibleName(tr("Welcome"));
     // Where the area is lower than the column, that scrolls.
     auto* scroll = new QScrollArea(this);
     auto* content = new QWidget(scroll);

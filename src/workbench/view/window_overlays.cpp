@@ -83,10 +83,13 @@ void WindowOverlays::refresh(std::size_t index)
         layer->setLeftFree(&window_.noticeBar());
         layer->show();
     } else {
-        // The click or the key that dismisses it is still being answered.
-        layer->hide();
-        layer->deleteLater();
+        OverlayLayer* const dismissed = layer;
         layer = nullptr;
+        // Before it hides: the toolkit would have the keyboard step through what is left of it.
+        giveKeyboard();
+        // The click or the key that dismisses it is still being answered.
+        dismissed->hide();
+        dismissed->deleteLater();
     }
     for (const QPointer<OverlayLayer>& each : layers_) {
         if (each) {

@@ -51,6 +51,7 @@ private Q_SLOTS:
     void twoOverlaysShowAndTheLaterIsOnTop();
     void aClickBesideAnOverlayDismissesItAndOneInsideDoesNot();
     void escapeClosesAnOverlayAndTheTextHasTheKeyboard();
+    void theKeyboardGoesStraightBackToTheText();
     void escapeBesideTheFindFieldClosesNothing();
     void aReopenedSearchBeginsAnew();
     void theCloneSheetIsBoundToItsFlag();
@@ -141,6 +142,21 @@ void WindowOverlaysTest::escapeClosesAnOverlayAndTheTextHasTheKeyboard()
     fixture.settle();
     QVERIFY(!fixture.state.showGoToLine());
     QVERIFY(fixture.text().hasFocus());
+}
+
+void WindowOverlaysTest::theKeyboardGoesStraightBackToTheText()
+{
+    Fixture fixture;
+    fixture.state.createNewTab();
+    fixture.state.setShowSearch(true);
+    fixture.turnQueue();
+    QList<const QWidget*> stops;
+    connect(qApp, &QApplication::focusChanged, this, [&](const QWidget*, const QWidget* now) { stops.append(now); });
+    QTest::keyClick(fixture.window.focusWidget(), Qt::Key_Escape);
+    fixture.settle();
+    disconnect(qApp, &QApplication::focusChanged, this, nullptr);
+    // A screen reader says each stop.
+    QCOMPARE(stops, QList<const QWidget*>{&fixture.text()});
 }
 
 void WindowOverlaysTest::escapeBesideTheFindFieldClosesNothing()

@@ -2,6 +2,8 @@
 
 #include "editor/kept_ready/view/auto_complete_manager.h"
 #include "editor/kept_ready/view/completion_row.h"
+#include "platform/view/accessible_role.h"
+#include "platform/view/screen_reader.h"
 
 #include <QGraphicsDropShadowEffect>
 #include <QScrollBar>
@@ -20,6 +22,8 @@ constexpr qreal shadowRadius = 10;
 AutoCompleteView::AutoCompleteView(AutoCompleteManager& manager, QWidget* parent)
     : QScrollArea(parent), manager_(manager), list_(new QWidget)
 {
+    setAccessibleRole(*list_, QAccessible::List);
+    list_->setAccessibleName(tr("Suggestions"));
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -66,6 +70,10 @@ void AutoCompleteView::showSelection()
     }
     if (manager_.selectedIndex() >= 0 && manager_.selectedIndex() < rows_.size()) {
         ensureWidgetVisible(rows_[manager_.selectedIndex()], 0, 0);
+        // The text keeps the keyboard while the keys go from row to row.
+        QAccessibleEvent moved(list_, QAccessible::ActiveDescendantChanged);
+        moved.setChild(static_cast<int>(manager_.selectedIndex()));
+        screenReader::tell(moved);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/view/accessible_role.h"
 
 #include <QFontMetrics>
 #include <QMouseEvent>
@@ -22,12 +23,17 @@ constexpr double selectedOpacity = 0.3;
 
 CompletionRow::CompletionRow(const CompletionItem& item, QWidget* parent) : QWidget(parent), item_(item)
 {
+    setAccessibleRole(*this, QAccessible::ListItem);
     setAccessibleName(tr("%1, %2").arg(item.text, item.detail));
 }
 
 void CompletionRow::setIsSelected(bool isSelected)
 {
     isSelected_ = isSelected;
+    QAccessible::State state;
+    state.selectable = true;
+    state.selected = isSelected;
+    setAccessibleState(*this, state);
     update();
 }
 

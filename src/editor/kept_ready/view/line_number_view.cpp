@@ -3,6 +3,7 @@
 #include "editor/view/numbered_rows.h"
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
 #include "text/storage/text_position.h"
 
 #include <QFontMetricsF>
@@ -29,6 +30,7 @@ LineNumberView::LineNumberView(NotificationCenter& center, QWidget* parent)
     : QWidget(parent), font(style::monospaced(numberFontSize)), center_(center)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(tr("Line numbers"));
 }
 

@@ -1,6 +1,7 @@
 #include "editor/kept_ready/view/minimap_ns_view.h"
 
 #include "editor/minimap/view/minimap_painter.h"
+#include "platform/view/accessible_role.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -11,6 +12,7 @@ namespace kelm {
 MinimapNSView::MinimapNSView(NotificationCenter& center, QWidget* parent) : QWidget(parent), center_(center)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(tr("Minimap"));
     applyThemeToLayer();
 }

@@ -1,6 +1,7 @@
 #include "editor/minimap/view/editor_minimap_view.h"
 
 #include "editor/minimap/view/minimap_painter.h"
+#include "platform/view/accessible_role.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -11,6 +12,7 @@ namespace kelm {
 EditorMinimapView::EditorMinimapView(QWidget* parent) : QWidget(parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(tr("Minimap"));
     applyThemeToLayer();
 }

@@ -2,6 +2,7 @@
 
 #include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/wrapping_row.h"
 
@@ -33,6 +34,7 @@ QFont labelFont()
 CredentialChip::CredentialChip(const QString& label, QWidget* parent) : QWidget(parent), label_(label)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAccessibleRole(*this, QAccessible::StaticText);
     setAccessibleName(label);
     setPresent(false);
 }

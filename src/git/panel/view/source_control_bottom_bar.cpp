@@ -2,6 +2,8 @@
 
 #include "git/panel/view/transfer_sign.h"
 #include "git/service/git_service.h"
+#include "platform/view/accessible_news.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/details_sheet.h"
 #include "platform/view/panel_controls.h"
 #include "platform/view/plain_help.h"
@@ -24,6 +26,7 @@ constexpr qsizetype mostHelpUnits = 100'000;
 ErrorLine::ErrorLine(QWidget* parent)
     : TextLabel({}, style::interfaceFont(style::typeSize::subheadline), SystemColor::red, parent)
 {
+    setAccessibleRole(*this, QAccessible::AlertMessage);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -32,6 +35,7 @@ void ErrorLine::setError(const QString& sentence, const QString& error)
     error_ = error;
     setText(sentence);
     setAccessibleName(sentence);
+    announce(*this);
     setToolTip(plainHelp(error_.left(mostHelpUnits)));
 }
 

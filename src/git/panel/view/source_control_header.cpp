@@ -2,6 +2,7 @@
 
 #include "git/service/git_service.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
 
@@ -43,6 +44,7 @@ SourceControlHeader::SourceControlHeader(GitService& git, QWidget* parent)
     // The symbol takes the mouse for its help text.
     conflicts_->setAttribute(Qt::WA_TransparentForMouseEvents, false);
     conflicts_->setToolTip(tr("Merge conflicts in working tree"));
+    setAccessibleRole(*conflicts_, QAccessible::Graphic);
     conflicts_->setAccessibleName(tr("Merge conflicts in working tree"));
     PlainButton* refresh = makeSymbolButton(u"arrow.clockwise"_s, tr("Refresh"), this);
     connect(refresh, &QAbstractButton::clicked, &git_, &GitService::refreshAll);
@@ -69,6 +71,7 @@ void SourceControlHeader::refreshBranch()
 {
     branch_->setText(shownBranch(git_));
     aheadBehind_->setText(u"↑"_s + QString::number(git_.ahead()) + u" ↓"_s + QString::number(git_.behind()));
+    aheadBehind_->setAccessibleName(tr("%1 ahead, %2 behind").arg(git_.ahead()).arg(git_.behind()));
 }
 
 void SourceControlHeader::refreshConflicts()

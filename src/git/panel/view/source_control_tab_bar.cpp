@@ -45,6 +45,7 @@ SourceControlTabButton::SourceControlTabButton(SourceControlTab tab, QWidget* pa
     setText(label(tab));
     setAccessibleName(label(tab));
     setCheckable(true);
+    setAutoExclusive(true);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
 }

@@ -1,5 +1,6 @@
 #include "git/panel/view/transfer_sign.h"
 
+#include "platform/view/accessible_role.h"
 #include "platform/view/activity_line.h"
 #include "platform/view/labels.h"
 #include "platform/view/panel_controls.h"
@@ -29,6 +30,7 @@ TransferSign::TransferSign(GitTransfers& transfers, Kind kind, QWidget* parent)
       label_(new TextLabel({}, style::interfaceFont(style::typeSize::subheadline), Tint::secondary(), this)),
       stop_(makePanelButton(tr("Stop"), this))
 {
+    setAccessibleRole(*this, QAccessible::Notification);
     auto* row = new QHBoxLayout(this);
     // In the panel it stands below buttons whose own edges are not seen.
     row->setContentsMargins(kind == Kind::others ? 4 : 0, 4, 0, 2);
@@ -63,6 +65,9 @@ const GitTransfer* TransferSign::transfer() const
 void TransferSign::refresh()
 {
     const GitTransfer* const shown = transfer();
+    QAccessible::State state;
+    state.busy = shown != nullptr;
+    setAccessibleState(*this, state);
     setVisible(shown != nullptr);
     activity_->setActive(shown != nullptr);
     if (shown == nullptr) {
@@ -71,7 +76,10 @@ void TransferSign::refresh()
     }
     const auto time = std::chrono::round<std::chrono::seconds>(std::chrono::steady_clock::now() - shown->begin);
     label_->setText(tr("%1, %2 s").arg(shown->name, QString::number(time.count())));
-    setAccessibleName(shown->name);
+    // Not each second anew.
+    if (accessibleName() != shown->name) {
+        setAccessibleName(shown->name);
+    }
     if (!seconds_.isActive()) {
         seconds_.start(1s);
     }

@@ -78,6 +78,12 @@ StatusBarMenu::StatusBarMenu(const QString& icon, const QString& text, std::func
     setMenu(std::move(menuContent));
 }
 
+void StatusBarMenu::setText(const QString& text)
+{
+    PlainButton::setText(text);
+    setAccessibleDescription(text);
+}
+
 StatusBarDivider::StatusBarDivider(QWidget* parent) : QWidget(parent)
 {
     constexpr QSize size(9, 12);

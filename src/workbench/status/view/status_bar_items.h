@@ -40,6 +40,9 @@ public:
     /// `menuContent` fills the menu each time it opens.
     StatusBarMenu(const QString& icon, const QString& text, std::function<void(QMenu&)> menuContent,
                   QWidget* parent = nullptr);
+
+    /// Shows a text, which describes the button to screen readers: its help text is its name.
+    void setText(const QString& text);
 };
 
 /// A small upright line.

@@ -3,6 +3,7 @@
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/accessible_role.h"
 #include "workbench/status/git_branch.h"
 #include "workbench/status/view/document_status.h"
 #include "workbench/status/view/status_bar_items.h"
@@ -29,6 +30,7 @@ StatusBarView::StatusBarView(AppState& appState, ThemeManager& themeManager, QWi
     : QWidget(parent), appState_(appState), themeManager_(themeManager), row_(new QHBoxLayout(this))
 {
     setFixedHeight(barHeight);
+    setAccessibleRole(*this, QAccessible::StatusBar);
     setAccessibleName(tr("Status bar"));
     row_->setContentsMargins(endPadding, 1, endPadding, 0);
     row_->setSpacing(2);
@@ -113,6 +115,7 @@ void StatusBarView::refreshBranch()
     const QString repository = project + u".git"_s;
     watchHead(QFileInfo(repository).isDir() ? repository : project);
     branchPill_->setText(shownName(gitBranch(*appState_.currentProject()).value_or(u"main"_s)));
+    branchPill_->setAccessibleDescription(branchPill_->text());
     branchPill_->updateGeometry();
 }
 
