@@ -13,7 +13,8 @@ import time
 import traceback
 
 FOLDER = pathlib.Path(__file__).resolve().parent
-HELPERS = {"accessible", "journey", "look_at_accessible", "notice_line", "repository", "run", "terminal", "unsaved"}
+HELPERS = {"accessible", "dragging", "journey", "look_at_accessible", "notice_line", "repository", "run", "terminal",
+           "unsaved"}
 
 
 def go(name, program):
