@@ -9,6 +9,7 @@ import urllib.parse
 
 import accessible
 import dragging
+import terminal
 from journey import PATIENCE
 
 
@@ -103,6 +104,17 @@ def middle_button(journey):
     journey.until_text("one two")
 
 
+def middle_button_in_the_terminal(journey, window):
+    told = journey.home / "told.txt"
+    terminal.open_terminal(journey)
+    offer(journey, f"echo pasted > {told}")
+    x, y, width, height = journey.place_of(window)
+    # Above the prompt as well: a terminal has one place where it takes something.
+    journey.click(x + width // 2, y + height - 120, button=2)
+    journey.key("Return")
+    journey.until_file(told, "pasted\n")
+
+
 def drops(journey, window):
     other = dragging.OtherProgram(journey)
     folder = journey.home / "project"
@@ -146,5 +158,6 @@ def go(journey):
     saving_by_keys(journey, window)
     middle_button(journey)
     drops(journey, window)
+    middle_button_in_the_terminal(journey, window)
     journey.key("ctrl+q")
     journey.ended(program)

@@ -29,8 +29,8 @@ QList<QAbstractItemView*> fileLists(const QFileDialog& dialog)
 
 } // namespace
 
-FileAndFolderDialog::FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options)
-    : QFileDialog(parent, QObject::tr("Open")),
+FileAndFolderDialog::FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options, const QString& folder)
+    : QFileDialog(parent, QObject::tr("Open"), folder),
       canChooseFiles_(options.canChooseFiles),
       canChooseDirectories_(options.canChooseDirectories)
 {

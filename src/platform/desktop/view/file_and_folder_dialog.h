@@ -14,7 +14,8 @@ namespace kelm {
 class FileAndFolderDialog final : public QFileDialog
 {
 public:
-    explicit FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options);
+    /// Begins in `folder`; where the program runs when it is empty.
+    FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options, const QString& folder = {});
 
     /// What has been chosen, in the order in which the list shows it.
     QList<ChosenURL> chosenURLs() const { return chosen_; }

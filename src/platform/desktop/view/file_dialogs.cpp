@@ -10,8 +10,8 @@ namespace kelm {
 
 QList<ChosenURL> FileDialogs::showOpenPanel(const OpenPanelOptions& options)
 {
-    FileAndFolderDialog dialog(QApplication::activeWindow(), options);
-    dialog.setDirectory(places_.start(options.kind, options.startFolders));
+    FileAndFolderDialog dialog(QApplication::activeWindow(), options,
+                               places_.start(options.kind, options.startFolders));
     if (dialog.exec() != QDialog::Accepted || dialog.chosenURLs().isEmpty()) {
         return {};
     }
