@@ -118,7 +118,7 @@ def middle_button_in_the_terminal(journey, window):
 def drops(journey, window):
     other = dragging.OtherProgram(journey)
     folder = journey.home / "project"
-    folder.mkdir()
+    (folder / "inner").mkdir(parents=True)
     plain, raw = folder / "plain.txt", os.fsencode(folder) + b"/\xff.txt"
     plain.write_text("plain")
     with open(raw, "w", encoding="ascii") as file:
@@ -143,6 +143,14 @@ def drops(journey, window):
     journey.check(other.take(journey, row, "text/plain") == bytes(plain), "the row's path")
     tab = place_of(journey, "page tab", "plain.txt")
     journey.check(other.take(journey, tab, "text/uri-list").strip() == urls[0], "the tab's file")
+    journey.until_text("plain")
+    # A folder's row that is let go of within the tree is where it was, and no project.
+    x, y = place_of(journey, "list item", "inner")
+    journey.drag((x, y), (x, y + 150))
+    journey.click(*place_of(journey, "list item", "\ufffd.txt"))
+    journey.until_text("raw droppedhttps://host/")
+    place_of(journey, "list item", "inner")
+    journey.click(*place_of(journey, "list item", "plain.txt"))
     journey.until_text("plain")
     # What is selected goes as a text, and stays here where it was copied.
     text = text_with(journey, "plain")

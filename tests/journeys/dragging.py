@@ -87,16 +87,12 @@ class OtherProgram:
         """Has the pointer drag from a place of the screen to this window; the bytes of a kind that come with it."""
         x, y, width, height = self.place
         end = (x + width // 2, y + height // 2)
-        journey.point_at(*start)
-        journey._xdotool("mousedown", "1")
-        # A drag begins some points on, and the window has to be entered.
-        for step in range(1, 11):
-            journey.point_at(*(start[i] + (end[i] - start[i]) * step // 10 for i in range(2)))
+        journey.begin_drag(start, end)
         self._message("XdndEnter")
         position = self._message("XdndPosition").data[1]
         source = self.display.create_resource_object("window", position[0])
         self._send(source, "XdndStatus", [self.window.id, 1, 0, 0, self.atom("XdndActionCopy")])
-        journey._xdotool("mouseup", "1")
+        journey.drop()
         dropped = self._drop_from(source)
         self.window.convert_selection(self.atom("XdndSelection"), self.atom(kind), self.atom("DROPPED"), dropped)
         self.display.flush()

@@ -9,6 +9,14 @@
 
 namespace kelm {
 
+namespace {
+
+/// As many are cut out of the text with every key; the text around more of them is held as long as they are on offer,
+/// or as the view is there.
+constexpr std::size_t fewSelections = 16;
+
+} // namespace
+
 PrimarySelection::Claim PrimarySelection::desktopsClaim()
 {
     if (!QGuiApplication::clipboard()->supportsSelection()) {
@@ -55,6 +63,9 @@ bool PrimarySelection::take()
         return false;
     }
     *selected_ = editor_.selected();
+    if (editor_.selections().all().size() <= fewSelections) {
+        selected_->letGoOfTheRest();
+    }
     return true;
 }
 
