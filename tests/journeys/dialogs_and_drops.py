@@ -9,6 +9,7 @@ import urllib.parse
 
 import accessible
 import dragging
+import repository
 import terminal
 from journey import PATIENCE
 
@@ -119,6 +120,7 @@ def drops(journey, window):
     other = dragging.OtherProgram(journey)
     folder = journey.home / "project"
     (folder / "inner").mkdir(parents=True)
+    repository.git(journey, folder, "init", "-q")
     plain, raw = folder / "plain.txt", os.fsencode(folder) + b"/\xff.txt"
     plain.write_text("plain")
     with open(raw, "w", encoding="ascii") as file:
@@ -159,6 +161,16 @@ def drops(journey, window):
     journey.until_text("plain")
 
 
+def rows_of_changes(journey):
+    """A row of what has changed goes out as its file, and is not opened by that."""
+    folder = journey.home / "project"
+    accessible.click(journey, "Source Control", "radio button")
+    row = place_of(journey, "list item", "plain.txt (untracked)")
+    other = dragging.OtherProgram(journey)
+    taken = other.take(journey, row, "text/uri-list").strip()
+    journey.check(taken == (folder / "plain.txt").as_uri().encode(), "the changed file")
+
+
 def go(journey):
     accessible.start(journey)
     program = journey.start()
@@ -166,6 +178,7 @@ def go(journey):
     saving_by_keys(journey, window)
     middle_button(journey)
     drops(journey, window)
+    rows_of_changes(journey)
     middle_button_in_the_terminal(journey, window)
     journey.key("ctrl+q")
     journey.ended(program)

@@ -1,9 +1,11 @@
 #include "platform/view/row_list.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/file_drag.h"
 #include "platform/view/row_actions.h"
 #include "platform/view/row_painter.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QPainter>
@@ -11,6 +13,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -349,8 +352,23 @@ void RowList::scrollContentsBy(int dx, int dy)
 void RowList::mousePressEvent(QMouseEvent* event)
 {
     isByKey_ = false;
+    pressedAt_ = event->button() == Qt::LeftButton ? std::optional(event->pos()) : std::nullopt;
     QListView::mousePressEvent(event);
     updateActions();
+}
+
+void RowList::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!pressedAt_ || !event->buttons().testFlag(Qt::LeftButton) ||
+        (event->pos() - *pressedAt_).manhattanLength() < QApplication::startDragDistance()) {
+        QListView::mouseMoveEvent(event);
+        return;
+    }
+    const int item = rowUnder(*std::exchange(pressedAt_, std::nullopt));
+    const QUrl file = item < 0 ? QUrl() : model_.fileAt(item);
+    if (!file.isEmpty()) {
+        dragFiles(*this, {file});
+    }
 }
 
 void RowList::contextMenuEvent(QContextMenuEvent* event)
