@@ -11,6 +11,7 @@ set(KELM_ICONS
   arrow.triangle.swap.svg
   arrow.up.circle.svg
   arrow.up.right.square.svg
+  arrow.up.svg
   arrow.up.to.line.svg
   arrow.uturn.backward.circle.svg
   arrow.uturn.backward.svg
@@ -27,6 +28,7 @@ set(KELM_ICONS
   clock.svg
   cloud.svg
   curlybraces.svg
+  desktopcomputer.svg
   doc.on.doc.svg
   doc.richtext.svg
   doc.svg
@@ -34,13 +36,17 @@ set(KELM_ICONS
   exclamationmark.triangle.fill.svg
   exclamationmark.triangle.svg
   externaldrive.badge.questionmark.svg
+  externaldrive.svg
+  folder.badge.plus.svg
   folder.badge.questionmark.svg
   folder.fill.svg
   folder.svg
   gear.svg
   globe.svg
   graduationcap.fill.svg
+  info.circle.svg
   keyboard.svg
+  list.bullet.svg
   magnifyingglass.svg
   minus.circle.svg
   minus.svg
@@ -54,6 +60,7 @@ set(KELM_ICONS
   plus.square.on.square.svg
   plus.svg
   puzzlepiece.extension.svg
+  questionmark.circle.svg
   rectangle.bottomthird.inset.filled.svg
   rectangle.split.3x1.svg
   sidebar.left.svg

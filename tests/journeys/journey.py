@@ -181,6 +181,20 @@ class Journey:
     def point_at(self, x, y):
         self._xdotool("mousemove", str(x), str(y))
 
+    def begin_drag(self, start, end):
+        """Presses at a place and moves to another in steps, since a drag begins some points on."""
+        self.point_at(*start)
+        self._xdotool("mousedown", "1")
+        for step in range(1, 11):
+            self.point_at(*(start[i] + (end[i] - start[i]) * step // 10 for i in range(2)))
+
+    def drop(self):
+        self._xdotool("mouseup", "1")
+
+    def drag(self, start, end):
+        self.begin_drag(start, end)
+        self.drop()
+
     def clipboard(self):
         """The text of the clipboard; empty when it has none."""
         result = subprocess.run(("xclip", "-o", "-selection", "clipboard"), env=self.environment, capture_output=True,

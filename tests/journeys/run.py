@@ -13,8 +13,8 @@ import time
 import traceback
 
 FOLDER = pathlib.Path(__file__).resolve().parent
-HELPERS = {"accessible", "act_on_accessible", "hear_accessible", "journey", "look_at_accessible", "notice_line",
-           "repository", "run", "terminal", "unsaved"}
+HELPERS = {"accessible", "act_on_accessible", "dragging", "hear_accessible", "journey", "look_at_accessible",
+           "notice_line", "repository", "run", "terminal", "unsaved"}
 
 
 def go(name, program):

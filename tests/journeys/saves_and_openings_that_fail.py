@@ -25,13 +25,15 @@ def go(journey):
     journey.key("ctrl+s")
     journey.until_file(file, "typed as it was\n")
 
-    # Saving elsewhere where nothing can be: told as well, and the document is still the old file's.
+    # Saving elsewhere where nothing can be: the dialog stays, and the document is still the old file's.
     journey.type("more")
     journey.key("ctrl+shift+s")
     journey.until(lambda: journey.window() != window and journey.window() in journey.windows(), "the panel")
+    journey.key("ctrl+a")
     journey.type(str(journey.home / "nowhere" / "a.txt"))
-    notice_line.until_another(journey, lambda: journey.key("Return"))
+    journey.key("Return", "Escape")
     journey.until(lambda: journey.window() == window, "the window's focus")
+    journey.check(not (journey.home / "nowhere").exists(), "a folder was made")
     journey.key("ctrl+s")
     journey.until_file(file, "more")
 

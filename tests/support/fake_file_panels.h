@@ -17,10 +17,10 @@ public:
         return openAnswer;
     }
 
-    std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) override
+    std::optional<QUrl> showSavePanel(const SavePanelOptions& options) override
     {
         ++savePanelsShown;
-        savePanelTypes = allowedTypes;
+        savePanelOptions = options;
         if (whileSavePanelIsUp) {
             whileSavePanelIsUp();
         }
@@ -35,7 +35,7 @@ public:
     int openPanelsShown = 0;
     int savePanelsShown = 0;
     OpenPanelOptions openPanelOptions;
-    QList<ContentType> savePanelTypes;
+    SavePanelOptions savePanelOptions;
 };
 
 } // namespace kelm

@@ -8,6 +8,7 @@
 #include "app/state/left_files.h"
 #include "app/state/link_runs.h"
 #include "app/state/notices.h"
+#include "app/state/panel_start.h"
 #include "app/state/replaced_files.h"
 #include "app/state/run_requests.h"
 #include "app/state/text_file.h"
@@ -262,6 +263,7 @@ void AppState::showOpenPanel()
     OpenPanelOptions options;
     options.canChooseDirectories = true;
     options.allowsMultipleSelection = true;
+    options.startFolders = panelStart(*this);
     QList<QUrl> files;
     for (const ChosenURL& chosen : services_.filePanels.showOpenPanel(options)) {
         if (chosen.isDirectory) {
@@ -303,7 +305,9 @@ void AppState::saveCurrentDocumentAs()
         return;
     }
     const std::optional<QUrl> url = services_.filePanels.showSavePanel(
-        {ContentType::plainText, ContentType::sourceCode, ContentType::json, ContentType::xml});
+        {.allowedTypes = {ContentType::plainText, ContentType::sourceCode, ContentType::json, ContentType::xml},
+         .suggestedName = suggestedName(*document),
+         .startFolders = panelStart(*this)});
     if (!url) {
         return;
     }
@@ -332,6 +336,7 @@ std::optional<FileError> AppState::write(const std::shared_ptr<Document>& docume
     if (!error) {
         unsavedTexts_->store().noteSaved(*document);
         repositoryFollower_->noteChange();
+        Q_EMIT fileUsed(url);
     }
     return error;
 }

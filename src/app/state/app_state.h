@@ -223,6 +223,8 @@ Q_SIGNALS:
     void searchModeChanged();
     void bottomPanelTabChanged();
     void currentProjectChanged();
+    /// A file was opened or saved.
+    void fileUsed(const QUrl& url);
     /// A clone has become the project.
     void projectCloned();
 

@@ -43,6 +43,9 @@ void AppState::putInRecentFiles(const QList<QUrl>& urls)
     }
     setRecentFiles(files);
     saveRecentFiles();
+    for (const QUrl& url : urls) {
+        Q_EMIT fileUsed(url);
+    }
 }
 
 void AppState::loadRecentFiles()

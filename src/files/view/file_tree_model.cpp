@@ -1,9 +1,11 @@
 #include "files/view/file_tree_model.h"
 
 #include "platform/text/shown_name.h"
+#include "platform/view/file_drag.h"
 #include "platform/view/plain_help.h"
 
 #include <QHash>
+#include <QMimeData>
 
 #include <algorithm>
 
@@ -156,6 +158,21 @@ QVariant FileTreeModel::data(const QModelIndex& index, int role) const
     default:
         return {};
     }
+}
+
+Qt::ItemFlags FileTreeModel::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags flags = QAbstractListModel::flags(index);
+    return index.isValid() ? flags | Qt::ItemIsDragEnabled : flags;
+}
+
+QMimeData* FileTreeModel::mimeData(const QModelIndexList& indexes) const
+{
+    QList<QUrl> files;
+    for (const QModelIndex& index : indexes) {
+        files << item(index.row()).url;
+    }
+    return dataOfFiles(files).release();
 }
 
 } // namespace kelm

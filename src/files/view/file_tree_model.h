@@ -46,6 +46,10 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    /// A row can be dragged out as its file.
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::LinkAction; }
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
 
 private:
     struct Row

@@ -1,6 +1,8 @@
 #include "files/view/file_tree_view.h"
 
 #include "app/state/app_state.h"
+#include "app/state/dropped_data.h"
+#include "app/state/panel_start.h"
 #include "files/view/file_item_row.h"
 #include "git/service/git_service.h"
 #include "git/service/repository_follower.h"
@@ -21,6 +23,7 @@
 #include <QMimeData>
 #include <QStackedWidget>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -75,6 +78,7 @@ QWidget* FileTreeView::makeTree()
     list_->setUniformItemSizes(true);
     list_->setFrameShape(QFrame::NoFrame);
     list_->setMouseTracking(true);
+    list_->setDragDropMode(QAbstractItemView::DragOnly);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -193,7 +197,10 @@ void FileTreeView::loadFiles()
 
 void FileTreeView::openFolder()
 {
-    const QList<ChosenURL> chosen = filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true});
+    const QList<ChosenURL> chosen = filePanels_.showOpenPanel({.canChooseFiles = false,
+                                                               .canChooseDirectories = true,
+                                                               .kind = PanelKind::project,
+                                                               .startFolders = panelStart(appState_)});
     if (!chosen.isEmpty()) {
         appState_.setCurrentProject(chosen.first().url);
         loadFiles();
@@ -267,25 +274,29 @@ bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
 
 void FileTreeView::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls()) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    // Links and texts are the window's, which hears of what is turned away here.
+    if (!urls.isEmpty() && std::all_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); })) {
         acceptAsCopy(*event);
     }
 }
 
 void FileTreeView::dragMoveEvent(QDragMoveEvent* event)
 {
+    if (event->source() == list_) {
+        // A row that is let go of where it comes from.
+        event->ignore();
+        return;
+    }
     acceptAsCopy(*event);
 }
 
 void FileTreeView::dropEvent(QDropEvent* event)
 {
-    for (const QUrl& url : event->mimeData()->urls()) {
-        if (url.isLocalFile() && isFolder(filePath(url))) {
-            appState_.setCurrentProject(url);
-            loadFiles();
-        } else {
-            appState_.openFile(url);
-        }
+    openDropped(*event->mimeData(), appState_, {});
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return isFolder(filePath(url)); })) {
+        loadFiles();
     }
     acceptAsCopy(*event);
 }

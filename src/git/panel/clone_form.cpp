@@ -70,8 +70,12 @@ void CloneForm::setDestinationName(const QString& name)
 
 void CloneForm::pickDestination()
 {
-    const QList<ChosenURL> chosen =
-        filePanels_.showOpenPanel({.canChooseFiles = false, .canChooseDirectories = true, .prompt = u"Choose"_s});
+    OpenPanelOptions options{
+        .canChooseFiles = false, .canChooseDirectories = true, .prompt = u"Choose"_s, .kind = PanelKind::clone};
+    if (destinationParent_) {
+        options.startFolders = {destinationParent_->toLocalFile()};
+    }
+    const QList<ChosenURL> chosen = filePanels_.showOpenPanel(options);
     if (!chosen.isEmpty()) {
         setDestinationParent(chosen.first().url);
     }

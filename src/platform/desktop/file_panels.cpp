@@ -11,7 +11,7 @@ class NoPanels final : public FilePanels
 {
 public:
     QList<ChosenURL> showOpenPanel(const OpenPanelOptions&) override { return {}; }
-    std::optional<QUrl> showSavePanel(const QList<ContentType>&) override { return std::nullopt; }
+    std::optional<QUrl> showSavePanel(const SavePanelOptions&) override { return std::nullopt; }
 };
 
 std::unique_ptr<FilePanels>& installedPanels()

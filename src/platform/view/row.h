@@ -6,6 +6,7 @@
 #include <QFont>
 #include <QList>
 #include <QString>
+#include <QUrl>
 
 #include <functional>
 
@@ -65,6 +66,8 @@ struct RowSection
     std::function<Row(qsizetype index)> row;
     /// What tells a row from the others when the list is made anew: the keyboard stays on the row of the same key.
     std::function<QString(qsizetype index)> key = {};
+    /// The file as which a row can be dragged out; empty for one that has none.
+    std::function<QUrl(qsizetype index)> file = {};
     bool isTitleUpperCase = false;
 };
 

@@ -2,9 +2,11 @@
 
 #include "platform/style/view/style.h"
 #include "platform/view/accessible_row.h"
+#include "platform/view/file_drag.h"
 #include "platform/view/row_actions.h"
 #include "platform/view/row_painter.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QPainter>
@@ -12,6 +14,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -351,8 +354,23 @@ void RowList::scrollContentsBy(int dx, int dy)
 void RowList::mousePressEvent(QMouseEvent* event)
 {
     isByKey_ = false;
+    pressedAt_ = event->button() == Qt::LeftButton ? std::optional(event->pos()) : std::nullopt;
     QListView::mousePressEvent(event);
     updateActions();
+}
+
+void RowList::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!pressedAt_ || !event->buttons().testFlag(Qt::LeftButton) ||
+        (event->pos() - *pressedAt_).manhattanLength() < QApplication::startDragDistance()) {
+        QListView::mouseMoveEvent(event);
+        return;
+    }
+    const int item = rowUnder(*std::exchange(pressedAt_, std::nullopt));
+    const QUrl file = item < 0 ? QUrl() : model_.fileAt(item);
+    if (!file.isEmpty()) {
+        dragFiles(*this, {file});
+    }
 }
 
 void RowList::contextMenuEvent(QContextMenuEvent* event)

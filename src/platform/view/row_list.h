@@ -47,6 +47,7 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -91,6 +92,8 @@ private:
     std::optional<QPoint> pointer_;
     /// Where the pointer is, on the screen, since another row has come under it.
     std::optional<QPoint> slidUnder_;
+    /// Where the left button went down, while it may still become a drag.
+    std::optional<QPoint> pressedAt_;
     int hoveredItem_ = -1;
     int focusedItem_ = -1;
     /// Whether the last touch was by key: then the current row is marked.

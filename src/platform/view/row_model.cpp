@@ -55,6 +55,13 @@ Row RowModel::rowAt(int item) const
     return sections_[place.section].row(place.position);
 }
 
+QUrl RowModel::fileAt(int item) const
+{
+    const Place place = placeOf(item);
+    const RowSection& section = sections_[place.section];
+    return place.position < 0 || !section.file ? QUrl() : section.file(place.position);
+}
+
 int RowModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : count_;

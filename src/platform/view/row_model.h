@@ -39,6 +39,8 @@ public:
     }
     /// The row of an item that is no title.
     Row rowAt(int item) const;
+    /// The file as which an item can be dragged out; empty for one that has none.
+    QUrl fileAt(int item) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -320,6 +320,28 @@ void TerminalTextView::paste()
     TextView::paste();
 }
 
+void TerminalTextView::pasteAt(const QString& text, qsizetype offset)
+{
+    if (!session_) {
+        TextView::pasteAt(text, offset);
+        return;
+    }
+    if (!session_->isIdle() || isThrowingAway_) {
+        return;
+    }
+    // Wherever the pointer is, a terminal takes what is pasted at its prompt.
+    if (!isAtPrompt()) {
+        moveCaretToEnd();
+    }
+    if (const auto pasted = pastedLines(text)) {
+        runPasted(*pasted);
+    } else {
+        editor().insertText(text, EditKind::other);
+        follower_->resume();
+        follower_->scrollToEnd();
+    }
+}
+
 bool TerminalTextView::isAtPrompt() const
 {
     return editor().selections().isSingle() && selectedRange().location >= commandStartLocation_;

@@ -57,6 +57,7 @@ public Q_SLOTS:
     void paste() override;
 
 protected:
+    void pasteAt(const QString& text, qsizetype offset) override;
     bool event(QEvent* event) override;
     bool keyDown(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "text/editing/change_batch.h"
+#include "text/editing/selected_text.h"
 #include "text/editing/selection.h"
 #include "text/editing/undo_history.h"
 #include "text/editing/whole_text.h"
@@ -56,6 +57,8 @@ public:
     void setSelections(SelectionSet selections);
     void select(TextRange range) { setSelections(SelectionSet(Selection::over(range))); }
     TextRange selectedRange() const { return selections_.primary().range(); }
+    /// What is selected, of the whole text where there is one. Costs next to nothing.
+    SelectedText selected() const;
     /// The selected texts in the order of the text, of the whole text where there is one.
     QStringList selectedTexts() const;
     /// Where a range of what is shown stands in the whole text.

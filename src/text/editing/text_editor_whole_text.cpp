@@ -5,17 +5,21 @@
 
 namespace kelm {
 
-QStringList TextEditor::selectedTexts() const
+SelectedText TextEditor::selected() const
 {
     const bool isShortened = wholeText_ != nullptr && wholeText_->isShortened();
-    const TextTree text = isShortened ? wholeText_->text() : storage_.snapshot();
-    QStringList texts;
+    std::vector<TextRange> ranges;
     for (const Selection& selection : selections_.all()) {
         if (!selection.isCaret()) {
-            texts.append(text.substring(wholeRange(selection.range())));
+            ranges.push_back(wholeRange(selection.range()));
         }
     }
-    return texts;
+    return {isShortened ? wholeText_->text() : storage_.snapshot(), std::move(ranges)};
+}
+
+QStringList TextEditor::selectedTexts() const
+{
+    return selected().texts();
 }
 
 TextRange TextEditor::wholeRange(TextRange range) const

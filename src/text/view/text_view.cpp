@@ -1,6 +1,7 @@
 #include "text/view/text_view.h"
 
 #include "text/view/find_bar.h"
+#include "text/view/primary_selection.h"
 #include "text/view/text_view_accessible.h"
 #include "text/view/text_view_input_method.h"
 #include "text/view/text_view_keys.h"
@@ -19,6 +20,7 @@ TextView::TextView(QWidget* parent)
     : QAbstractScrollArea(parent),
       layout_(storage_),
       editor_(storage_, layout_),
+      primarySelection_(std::make_unique<PrimarySelection>(editor_)),
       mouse_(std::make_unique<TextViewMouse>(*this)),
       inputMethod_(std::make_unique<TextViewInputMethod>(*this))
 {
@@ -151,6 +153,7 @@ void TextView::selectAll()
 {
     commitComposition();
     editor_.selectAll();
+    primarySelection_->follow();
 }
 
 FindBar& TextView::findBar()
@@ -252,6 +255,9 @@ void TextView::runKeyAction(int action)
     switch (entry.kind) {
     case KeyAction::Kind::move:
         editor_.move(entry.movement, entry.extend);
+        if (entry.extend == Extend::yes) {
+            primarySelection_->follow();
+        }
         break;
     case KeyAction::Kind::erase:
         editor_.erase(entry.movement);

@@ -19,6 +19,7 @@ class QMenu;
 namespace kelm {
 
 class FindBar;
+class PrimarySelection;
 class TextViewInputMethod;
 class TextViewMouse;
 
@@ -148,6 +149,9 @@ Q_SIGNALS:
     void copyAvailable(bool available);
 
 protected:
+    /// Puts in what the middle mouse button pastes at an offset, with the caret behind it, as one undo step.
+    virtual void pasteAt(const QString& text, qsizetype offset);
+
     /// Takes a key before the view's own keys do; true when the key is used up.
     virtual bool keyDown(QKeyEvent* event);
 
@@ -210,6 +214,7 @@ private:
     TextEditor editor_;
     TextViewDelegate* delegate_ = nullptr;
     WholeText* wholeText_ = nullptr;
+    std::unique_ptr<PrimarySelection> primarySelection_;
     std::unique_ptr<TextViewMouse> mouse_;
     std::unique_ptr<TextViewInputMethod> inputMethod_;
     FindBar* findBar_ = nullptr;

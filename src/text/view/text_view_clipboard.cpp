@@ -78,4 +78,10 @@ void TextView::paste()
     }
 }
 
+void TextView::pasteAt(const QString& text, qsizetype offset)
+{
+    editor_.apply({{{offset, 0}, TextTree(text)}}, EditKind::other);
+    showCaret();
+}
+
 } // namespace kelm

@@ -1,6 +1,7 @@
 #include "text/view/text_view_mouse.h"
 
 #include "text/boundaries/text_boundaries.h"
+#include "text/view/primary_selection.h"
 #include "text/view/text_view.h"
 
 #include <QApplication>
@@ -12,16 +13,41 @@
 #include <QPointer>
 #include <QScrollBar>
 #include <QStyleHints>
+#include <QUrl>
 
 #include <algorithm>
 
 namespace kelm {
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 constexpr int scrollIntervalMs = 30;
-/// The longest selection that is handed to the desktop's selection clipboard with every mouse release.
-constexpr qsizetype longestOffered = 1 << 20;
+
+/// Whether the data are files, or links that a program takes: those belong to the window, which opens them. The address
+/// of a page is a text like any other.
+bool isForTheWindow(const QMimeData& data)
+{
+    static const QStringList schemesOfPages{u"http"_s, u"https"_s, u"ftp"_s, u"mailto"_s};
+    const QList<QUrl> urls = data.urls();
+    return std::any_of(urls.begin(), urls.end(),
+                       [](const QUrl& url) { return !schemesOfPages.contains(url.scheme().toLower()); });
+}
+
+/// The text of data, or the addresses, a line each, where there is no other.
+QString textOf(const QMimeData& data)
+{
+    // Not every platform gives the one in the place of the other.
+    if (const QString text = data.text(); !text.isEmpty()) {
+        return text;
+    }
+    QStringList addresses;
+    for (const QUrl& url : data.urls()) {
+        addresses << url.toString(QUrl::FullyEncoded);
+    }
+    return addresses.join(u'\n');
+}
 
 } // namespace
 
@@ -95,15 +121,14 @@ void TextViewMouse::release(QMouseEvent* event)
         begin(event->position().toPoint(), Unit::character, Qt::NoModifier);
     }
     if (state_ == State::selecting) {
-        offerSelection();
+        view_.primarySelection_->offer();
     }
     state_ = State::idle;
 }
 
 bool TextViewMouse::acceptsDrop(const QDropEvent& event) const
 {
-    // Files belong to the window, which opens them.
-    return !view_.isReadOnly() && event.mimeData()->hasText() && !event.mimeData()->hasUrls();
+    return !view_.isReadOnly() && event.mimeData()->hasText() && !isForTheWindow(*event.mimeData());
 }
 
 void TextViewMouse::drop(QDropEvent* event)
@@ -118,7 +143,7 @@ void TextViewMouse::drop(QDropEvent* event)
             return;
         }
     } else {
-        editor.applyAndSelect({{{at, 0}, event->mimeData()->text()}});
+        editor.applyAndSelect({{{at, 0}, textOf(*event->mimeData())}});
     }
     event->acceptProposedAction();
     view_.setFocus();
@@ -205,10 +230,8 @@ void TextViewMouse::extendTo(QPoint point)
 
 void TextViewMouse::startDrag()
 {
-    auto* data = new QMimeData;
-    data->setText(view_.editor().selectedTexts().join(u'\n'));
     auto* drag = new QDrag(&view_);
-    drag->setMimeData(data);
+    drag->setMimeData(new OfferedText(std::make_shared<SelectedText>(view_.editor().selected())));
     isDragging_ = true;
     // The view may be closed while the drag goes on.
     const QPointer<TextView> guard(&view_);
@@ -224,15 +247,6 @@ void TextViewMouse::startDrag()
     }
 }
 
-void TextViewMouse::offerSelection() const
-{
-    QClipboard* clipboard = QGuiApplication::clipboard();
-    const TextRange range = view_.editor().wholeRange(view_.selectedRange());
-    if (clipboard->supportsSelection() && !range.isEmpty() && range.length <= longestOffered) {
-        clipboard->setText(view_.editor().selectedTexts().join(u'\n'), QClipboard::Selection);
-    }
-}
-
 void TextViewMouse::pasteSelection(QPoint point)
 {
     QClipboard* clipboard = QGuiApplication::clipboard();
@@ -240,8 +254,9 @@ void TextViewMouse::pasteSelection(QPoint point)
         return;
     }
     const QString text = clipboard->text(QClipboard::Selection);
-    view_.editor().select({view_.placeAt(point).offset, 0});
-    view_.editor().insertText(text, EditKind::other);
+    if (!text.isEmpty()) {
+        view_.pasteAt(text, view_.placeAt(point).offset);
+    }
 }
 
 void TextView::mousePressEvent(QMouseEvent* event)

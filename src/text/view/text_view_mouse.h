@@ -45,7 +45,6 @@ private:
     void begin(QPoint point, Unit unit, Qt::KeyboardModifiers modifiers);
     void extendTo(QPoint point);
     void startDrag();
-    void offerSelection() const;
     void pasteSelection(QPoint point);
 
     TextView& view_;

@@ -9,6 +9,7 @@
 #include "git/service/repository_follower.h"
 #include "learning/lesson_link.h"
 #include "maintenance/auto_update_service.h"
+#include "platform/desktop/recently_used.h"
 #include "platform/desktop/view/alert_dialogs.h"
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
@@ -29,10 +30,12 @@ namespace {
 
 /// How much is opened in one go: some ten milliseconds.
 constexpr qsizetype mostAtOnce = 50;
+/// A list of recent files on a disk that hangs is not worth more at the program's end.
+constexpr std::chrono::milliseconds longestWaitForRecents(100);
 
 AppState& sharedStateWithPanels()
 {
-    FilePanels::install(std::make_unique<FileDialogs>());
+    FilePanels::install(std::make_unique<FileDialogs>(UserDefaults::shared()));
     Alerts::install(std::make_unique<AlertDialogs>());
     return AppState::shared();
 }
@@ -82,6 +85,7 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
 
 KelmPaneApp::KelmPaneApp()
     : appState_(sharedStateWithPanels()),
+      desktopRecents_(appState_, recentlyUsedPath()),
       updateService_(AutoUpdateService::shared()),
       themeManager_(ThemeManager::shared()),
       uninstallService_(
@@ -105,6 +109,7 @@ KelmPaneApp::KelmPaneApp()
     onOrderlyEnd(this, [this](std::chrono::steady_clock::time_point deadline) {
         const auto left = deadline - std::chrono::steady_clock::now();
         appState_.unsavedTexts().store().finish(std::chrono::duration_cast<std::chrono::milliseconds>(left));
+        desktopRecents_.finish(longestWaitForRecents);
     });
     // The process stays when its window is closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);

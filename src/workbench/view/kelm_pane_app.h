@@ -1,6 +1,7 @@
 // The application: what is made at the start and what comes in from outside.
 #pragma once
 
+#include "app/state/desktop_recents.h"
 #include "maintenance/uninstall_service.h"
 
 #include <QObject>
@@ -68,6 +69,7 @@ private:
 
     AppDelegate appDelegate_;
     AppState& appState_;
+    DesktopRecents desktopRecents_;
     AutoUpdateService& updateService_;
     ThemeManager& themeManager_;
     UninstallService uninstallService_;

@@ -1,8 +1,8 @@
 #include "workbench/view/main_window.h"
 
+#include "app/state/dropped_data.h"
+#include "app/state/lesson_links.h"
 #include "platform/events/main_queue.h"
-#include "platform/files/file_url.h"
-#include "platform/files/native_path.h"
 #include "platform/process/orderly_end.h"
 #include "platform/view/file_drop.h"
 #include "platform/view/splitter.h"
@@ -241,7 +241,7 @@ bool MainWindow::focusNextPrevChild(bool next)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls()) {
+    if (canOpenDropped(*event->mimeData())) {
         acceptAsCopy(*event);
     }
 }
@@ -253,15 +253,10 @@ void MainWindow::dragMoveEvent(QDragMoveEvent* event)
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
-    QList<QUrl> files;
-    for (const QUrl& url : event->mimeData()->urls()) {
-        if (url.isLocalFile() && isFolder(filePath(url))) {
-            appState_.setCurrentProject(url);
-        } else {
-            files.append(url);
-        }
+    if (!links_) {
+        links_ = std::make_unique<LessonLinks>(appState_, [this] { activateWindow(); });
     }
-    appState_.openFiles(files);
+    openDropped(*event->mimeData(), appState_, [this](const QString& urlText) { links_->handleKelmPaneURL(urlText); });
     acceptAsCopy(*event);
 }
 

@@ -17,6 +17,7 @@ namespace kelm {
 class BottomPanel;
 class EditorArea;
 class KeyboardPlace;
+class LessonLinks;
 class LessonPlace;
 class LinkRunPlace;
 class NoticeBar;
@@ -107,6 +108,8 @@ private:
     WindowOverlays* overlays_ = nullptr;
     KeyboardPlace* keyboardPlace_ = nullptr;
     std::unique_ptr<SettingsView> settings_;
+    /// Made when the first is dropped here.
+    std::unique_ptr<LessonLinks> links_;
 };
 
 } // namespace kelm

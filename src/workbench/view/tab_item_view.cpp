@@ -5,13 +5,14 @@
 #include "platform/text/platform_words.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/accessible_role.h"
+#include "platform/view/file_drag.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
-#include <QGuiApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
@@ -260,9 +261,22 @@ void TabItemView::leaveEvent(QEvent* event)
 void TabItemView::mousePressEvent(QMouseEvent* event)
 {
     isMiddlePressed_ = event->button() == Qt::MiddleButton;
+    pressedAt_.reset();
     if (event->button() == Qt::LeftButton) {
+        pressedAt_ = event->pos();
         callbacks_.onSelect();
     }
+}
+
+void TabItemView::mouseMoveEvent(QMouseEvent* event)
+{
+    const std::optional<QUrl> url = document_->fileURL();
+    if (!pressedAt_ || !event->buttons().testFlag(Qt::LeftButton) || !url ||
+        (event->pos() - *pressedAt_).manhattanLength() < QApplication::startDragDistance()) {
+        return;
+    }
+    pressedAt_.reset();
+    dragFiles(*this, {*url});
 }
 
 void TabItemView::mouseReleaseEvent(QMouseEvent* event)

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QMenu;
 
@@ -33,7 +34,7 @@ struct TabCallbacks
 };
 
 /// A document's chip, title, dot of unsaved edits and close button. A click anywhere selects it; the middle button
-/// closes it.
+/// closes it. It can be dragged to other programs as its file.
 class TabItemView final : public QWidget
 {
     Q_OBJECT
@@ -64,6 +65,7 @@ protected:
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -88,6 +90,8 @@ private:
     QVariantAnimation selection_;
     bool isSelected_;
     bool isHovered_ = false;
+    /// Where the left button went down, while it may still become a drag.
+    std::optional<QPoint> pressedAt_;
     bool isMiddlePressed_ = false;
 };
 

@@ -571,7 +571,7 @@ void AppStateTest::savingAnUntitledDocumentAsksForAPlace()
     fixture_->filePanels.saveAnswer = fixture_->url(u"new.json"_s);
     state().saveCurrentDocument();
     QCOMPARE(fixture_->filePanels.savePanelsShown, 1);
-    QCOMPARE(fixture_->filePanels.savePanelTypes,
+    QCOMPARE(fixture_->filePanels.savePanelOptions.allowedTypes,
              (QList{ContentType::plainText, ContentType::sourceCode, ContentType::json, ContentType::xml}));
     QCOMPARE(fixture_->bytesOf(u"new.json"_s), QByteArray("text"));
     QVERIFY(state().currentDocument()->fileURL() == fixture_->url(u"new.json"_s));

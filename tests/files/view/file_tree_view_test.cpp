@@ -110,6 +110,8 @@ private Q_SLOTS:
     void theKeyboardWalksTheTree();
     void aDroppedFolderBecomesTheProject();
     void aDroppedFileIsCopied();
+    void aRowIsDraggedOutAsItsFile();
+    void linksAndTextsAreLeftToTheWindow();
     void badgesComeFromTheRepository();
     void badgesComeWithTheProject();
     void signalsOfOneTurnAreCountedOnce();
@@ -292,6 +294,36 @@ void FileTreeViewTest::aDroppedFileIsCopied()
         QCOMPARE(event->dropAction(), Qt::CopyAction);
     }
     QCOMPARE(fixture.state.documents().size(), 1);
+}
+
+void FileTreeViewTest::aRowIsDraggedOutAsItsFile()
+{
+    Fixture fixture;
+    fixture.show();
+    const FileTreeModel& model = fixture.view->model();
+    const QModelIndex row = model.index(2);
+    QVERIFY(model.flags(row).testFlag(Qt::ItemIsDragEnabled));
+    // Whoever hears that it may be moved would take it away.
+    QVERIFY(!model.supportedDragActions().testFlag(Qt::MoveAction));
+    QVERIFY(fixture.view->list().dragEnabled() && !fixture.view->list().acceptDrops());
+    const std::unique_ptr<QMimeData> data(model.mimeData({row}));
+    QCOMPARE(data->urls(), QList{model.item(2).url});
+}
+
+void FileTreeViewTest::linksAndTextsAreLeftToTheWindow()
+{
+    Fixture fixture;
+    fixture.show(false);
+    QMimeData link;
+    link.setUrls({QUrl(u"kelmpane://open?code=YQ"_s)});
+    QMimeData text;
+    text.setText(u"text"_s);
+    for (const QMimeData* data : {&link, &text}) {
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, data, Qt::LeftButton, {});
+        enter.ignore();
+        QCoreApplication::sendEvent(fixture.view.get(), &enter);
+        QVERIFY(!enter.isAccepted());
+    }
 }
 
 void FileTreeViewTest::badgesComeFromTheRepository()

@@ -21,7 +21,7 @@ private Q_SLOTS:
 void FilePanelsTest::withoutPanelsNothingIsChosen()
 {
     QVERIFY(FilePanels::shared().showOpenPanel({}).isEmpty());
-    QVERIFY(!FilePanels::shared().showSavePanel({ContentType::json}));
+    QVERIFY(!FilePanels::shared().showSavePanel({.allowedTypes = {ContentType::json}}));
 }
 
 void FilePanelsTest::installedPanelsAnswer()

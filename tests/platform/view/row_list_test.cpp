@@ -100,6 +100,7 @@ private Q_SLOTS:
     void aMenuOffersTheSame();
     void furtherEntriesStandInTheMenu();
     void everythingHasItsNames();
+    void rowsKnowTheirFiles();
     void theScrollPositionStays();
     void rowsAreMadeWhenTheyAreSeen();
     void aPlaceholderStandsForNoRows();
@@ -351,6 +352,19 @@ void RowListTest::furtherEntriesStandInTheMenu()
     // The key alone is none of the list's.
     QTest::keyClick(&f.list, Qt::Key_F10);
     QTRY_VERIFY(menu() == nullptr);
+}
+
+void RowListTest::rowsKnowTheirFiles()
+{
+    ListFixture fixture;
+    RowSection files = fixture.section(u"Files"_s, fixture.first);
+    files.file = [](qsizetype i) { return i == 1 ? QUrl() : QUrl(u"file:///a/"_s + QString::number(i)); };
+    fixture.list.setSections({files, fixture.section(u"Others"_s, fixture.second)});
+    QStringList found;
+    for (int item = 0; item < fixture.list.rows().rowCount(); ++item) {
+        found << fixture.list.rows().fileAt(item).toString();
+    }
+    QCOMPARE(found, (QStringList{{}, u"file:///a/0"_s, {}, u"file:///a/2"_s, {}, {}, {}}));
 }
 
 void RowListTest::everythingHasItsNames()

@@ -84,6 +84,7 @@ private Q_SLOTS:
     void droppedTextIsPutInAndSelected();
     void aDroppedTextIsOneStep();
     void filesAreLeftToTheWindow();
+    void theAddressOfAPageIsAText();
     void aReadOnlyViewTakesNoDrop();
     void aDropCaretShowsThePlace();
     void aDropDuringACompositionLosesNothing();
@@ -377,10 +378,22 @@ void TextViewMouseTest::filesAreLeftToTheWindow()
     files.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.txt"))});
     files.setText(QStringLiteral("/tmp/a.txt"));
     QVERIFY(!view.dropFromOutside(files, view.pointAt(2)));
+    QMimeData link;
+    link.setUrls({QUrl(QStringLiteral("kelmpane://open?code=YQ"))});
+    QVERIFY(!view.dropFromOutside(link, view.pointAt(2)));
     QMimeData image;
     image.setData(QStringLiteral("image/png"), "x");
     QVERIFY(!view.dropFromOutside(image, view.pointAt(2)));
     QCOMPARE(view.text(), QStringLiteral("abcd"));
+}
+
+void TextViewMouseTest::theAddressOfAPageIsAText()
+{
+    ShownTextView view(QStringLiteral("|abcd"));
+    QMimeData page;
+    page.setUrls({QUrl(QStringLiteral("https://host/page"))});
+    QVERIFY(view.dropFromOutside(page, view.pointAt(2)));
+    QCOMPARE(view.marked(), QStringLiteral("ab[https://host/page]cd"));
 }
 
 void TextViewMouseTest::aReadOnlyViewTakesNoDrop()

@@ -20,6 +20,12 @@ namespace {
 
 constexpr int rowHeight = 24;
 
+/// Whether the file is there as far as its status tells.
+bool isInTree(const GitFileStatus& status)
+{
+    return (status.unstaged ? status.unstaged : status.staged) != GitFileChange::deleted;
+}
+
 } // namespace
 
 ChangesTab::ChangesTab(GitService& git, std::function<void(const QString& path)> onClickDiff, QWidget* parent)
@@ -92,6 +98,11 @@ void ChangesTab::refreshState()
              .count = indexes.size(),
              .row = [this, files, indexes, isStaged](qsizetype i) { return rowOf(files[indexes[i]], isStaged); },
              .key = [files, indexes](qsizetype i) { return files[indexes[i]].path; },
+             .file =
+                 [files, indexes, tree = git_.repoURL().value_or(QUrl())](qsizetype i) {
+                     const GitFileStatus& status = files[indexes[i]];
+                     return isInTree(status) ? fileOf(status, tree) : QUrl();
+                 },
              .isTitleUpperCase = true});
     };
     addSection(tr("Staged"), staged, true);
@@ -103,7 +114,7 @@ void ChangesTab::refreshState()
 Row ChangesTab::rowOf(const GitFileStatus& file, bool staged)
 {
     const QUrl url = fileOf(file, git_.repoURL().value_or(QUrl()));
-    const bool isThere = (file.unstaged ? file.unstaged : file.staged) != GitFileChange::deleted;
+    const bool isThere = isInTree(file);
     std::function<void()> open;
     if (fileActions_.open && isThere) {
         open = [openFile = fileActions_.open, url] { openFile(url); };

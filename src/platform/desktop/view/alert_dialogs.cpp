@@ -1,7 +1,10 @@
 #include "platform/desktop/view/alert_dialogs.h"
 
+#include "platform/style/view/style.h"
+
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -47,6 +50,9 @@ std::optional<int> AlertDialogs::runWarning(const Alert& alert)
                     QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(alert.informativeText);
+    if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        message->setFont(style::headlineFont());
+    }
     QList<QAbstractButton*> buttons;
     for (const QString& text : alert.buttons) {
         const auto role = buttons.isEmpty() ? QMessageBox::RejectRole : QMessageBox::AcceptRole;

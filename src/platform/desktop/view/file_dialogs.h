@@ -1,41 +1,25 @@
 // The file panels as dialogs.
 #pragma once
 
-#include "platform/desktop/file_panels.h"
-
-#include <QFileDialog>
+#include "platform/desktop/panel_places.h"
 
 namespace kelm {
 
-/// Dialogs over whichever window is active. For files and folders at once there is a dialog of our own, since no
-/// platform has one that takes both.
+/// Dialogs over whichever window is active. They are the desktop's own where it has some, but for files and folders at
+/// once (see `FileAndFolderDialog`).
 class FileDialogs final : public FilePanels
 {
 public:
+    /// Where the dialogs ended is kept in `userDefaults`, which outlives the object.
+    explicit FileDialogs(UserDefaults& userDefaults) : places_(userDefaults) {}
+
     QList<ChosenURL> showOpenPanel(const OpenPanelOptions& options) override;
-    std::optional<QUrl> showSavePanel(const QList<ContentType>& allowedTypes) override;
-};
-
-/// Lets a person choose files, folders or both. A folder is entered with a double click, and chosen by selecting it and
-/// pressing "Open".
-class FileAndFolderDialog final : public QFileDialog
-{
-    Q_OBJECT
-
-public:
-    explicit FileAndFolderDialog(QWidget* parent, const OpenPanelOptions& options);
-
-    /// What has been chosen, in the order in which the list shows it.
-    QList<ChosenURL> chosenURLs() const { return chosen_; }
-
-    void accept() override;
+    std::optional<QUrl> showSavePanel(const SavePanelOptions& options) override;
 
 private:
-    QStringList selectedPaths() const;
-    void enableOpenButton();
+    void noteEnd(PanelKind kind, const QUrl& chosen, bool isFolder);
 
-    bool canChooseDirectories_;
-    QList<ChosenURL> chosen_;
+    PanelPlaces places_;
 };
 
 } // namespace kelm

@@ -3,10 +3,13 @@
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/control_painter.h"
 #include "platform/style/view/menu_painter.h"
+#include "platform/style/view/standard_icons.h"
 
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QLayout>
+#include <QMessageBox>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleFactory>
@@ -132,6 +135,7 @@ namespace {
 
 constexpr int scrollBarExtent = 12;
 constexpr int tabVerticalSpace = 16;
+constexpr int messageBoxMargin = 20;
 
 } // namespace
 
@@ -248,6 +252,8 @@ int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     case PM_ButtonIconSize:
     case PM_SmallIconSize:
         return 16;
+    case PM_MessageBoxIconSize:
+        return 40;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
@@ -260,6 +266,7 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     case SH_ScrollBar_Transient:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
+    case SH_DialogButtonBox_ButtonsHaveIcons:
         return 0;
     case SH_ToolTip_WakeUpDelay:
         return 500;
@@ -268,12 +275,28 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     }
 }
 
+QIcon KelmStyle::standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const
+{
+    const QIcon symbol = standardSymbol(picture, option, widget);
+    return symbol.isNull() ? QProxyStyle::standardIcon(picture, option, widget) : symbol;
+}
+
+QPixmap KelmStyle::standardPixmap(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const
+{
+    const QIcon symbol = standardSymbol(picture, option, widget);
+    const int size = pixelMetric(PM_LargeIconSize, option, widget);
+    return symbol.isNull() ? QProxyStyle::standardPixmap(picture, option, widget) : symbol.pixmap(size);
+}
+
 void KelmStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
     if (qobject_cast<QScrollBar*>(widget) != nullptr) {
         widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
         widget->setAttribute(Qt::WA_Hover);
+    }
+    if (qobject_cast<QMessageBox*>(widget) != nullptr && widget->layout() != nullptr) {
+        widget->layout()->setContentsMargins(messageBoxMargin, messageBoxMargin, messageBoxMargin, messageBoxMargin);
     }
 }
 

@@ -84,6 +84,8 @@ public:
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;
+    QIcon standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const override;
+    QPixmap standardPixmap(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const override;
     void polish(QWidget* widget) override;
     using QProxyStyle::polish;
 };

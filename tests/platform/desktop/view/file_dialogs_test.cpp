@@ -1,14 +1,15 @@
 #include "platform/desktop/view/file_dialogs.h"
+#include "platform/files/user_defaults.h"
 #include "support/test_program.h"
 
-#include <QAbstractItemView>
 #include <QApplication>
-#include <QDialogButtonBox>
-#include <QFileSystemModel>
+#include <QDir>
+#include <QFileDialog>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <functional>
 
 namespace file_dialogs_test {
 
@@ -17,70 +18,25 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// A folder with a folder and two files, and a dialog that shows it.
-struct Fixture
+/// Lets `act` answer the dialog that is shown next; gives the folder that it began in.
+void answerNext(QString& folder, const QString& name)
 {
-    QTemporaryDir home;
-    std::unique_ptr<FileAndFolderDialog> dialog;
-
-    explicit Fixture(const OpenPanelOptions& options)
-    {
-        QDir(home.path()).mkdir(u"folder"_s);
-        for (const QString& name : {u"a.txt"_s, u"b.txt"_s}) {
-            QFile file(home.filePath(name));
-            if (!file.open(QIODevice::WriteOnly)) {
-                qFatal("no file");
-            }
+    QTimer::singleShot(0, qApp, [&folder, name] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr || !QTest::qWaitForWindowExposed(dialog)) {
+            qFatal("no dialog");
         }
-        dialog = std::make_unique<FileAndFolderDialog>(nullptr, options);
-        dialog->setDirectory(home.path());
-        dialog->show();
-        if (!QTest::qWaitForWindowExposed(dialog.get())) {
-            qFatal("no window");
+        folder = dialog->directory().path();
+        auto* field = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
+        field->selectAll();
+        if (name.isEmpty()) {
+            QTest::keyClick(dialog, Qt::Key_Escape);
+            return;
         }
-    }
-
-    QAbstractItemView& list() const { return *dialog->findChild<QAbstractItemView*>(u"listView"_s); }
-    QPushButton& openButton() const { return *dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open); }
-    QLineEdit& nameField() const { return *dialog->findChild<QLineEdit*>(u"fileNameEdit"_s); }
-    /// The row of a name, once the dialog has read the folder.
-    QModelIndex indexOf(const QString& name) const
-    {
-        QModelIndex found;
-        const bool isFound = QTest::qWaitFor([&] {
-            const QAbstractItemModel& model = *list().model();
-            for (int row = 0; row < model.rowCount(list().rootIndex()); ++row) {
-                const QModelIndex index = model.index(row, 0, list().rootIndex());
-                if (index.data().toString() == name) {
-                    found = index;
-                }
-            }
-            return found.isValid();
-        });
-        return isFound ? found : QModelIndex();
-    }
-    void select(const QStringList& names) const
-    {
-        list().selectionModel()->clearSelection();
-        for (const QString& name : names) {
-            list().selectionModel()->select(indexOf(name), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        }
-        QCoreApplication::processEvents();
-    }
-    /// The names that were chosen, a folder's with a slash.
-    QStringList chosen() const
-    {
-        QStringList names;
-        for (const ChosenURL& choice : dialog->chosenURLs()) {
-            names.append(choice.url.fileName() + (choice.isDirectory ? u"/"_s : QString()));
-        }
-        names.sort();
-        return names;
-    }
-};
-
-const OpenPanelOptions everything{
-    .canChooseFiles = true, .canChooseDirectories = true, .allowsMultipleSelection = true};
+        QTest::keyClicks(field, name);
+        QTest::keyClick(field, Qt::Key_Return);
+    });
+}
 
 } // namespace
 
@@ -89,87 +45,61 @@ class FileDialogsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void filesAndFoldersAreChosenTogether();
-    void aFolderAloneIsChosenAndNotEntered();
-    void aTypedNameIsChosen();
-    void cancellingChoosesNothing();
-    void onlyFoldersAreOfferedWhereFilesAreNot();
-    void onlyFilesAreChosenWhereFoldersAreNot();
-    void theButtonHasItsWords();
+    void aSavePanelBeginsWhereTheLastOneEnded();
+    void anOpenPanelBeginsWhereTheLastOneEnded();
+    void aFolderPanelBeginsInTheFolderThatWasChosen();
 };
 
-void FileDialogsTest::filesAndFoldersAreChosenTogether()
+void FileDialogsTest::aSavePanelBeginsWhereTheLastOneEnded()
 {
-    const Fixture fixture(everything);
-    fixture.select({u"a.txt"_s, u"folder"_s, u"b.txt"_s});
-    QTRY_VERIFY(fixture.openButton().isEnabled());
-    QTest::mouseClick(&fixture.openButton(), Qt::LeftButton);
-    QCOMPARE(fixture.dialog->result(), int(QDialog::Accepted));
-    QCOMPARE(fixture.chosen(), (QStringList{u"a.txt"_s, u"b.txt"_s, u"folder/"_s}));
+    QTemporaryDir home;
+    QVERIFY(QDir(home.path()).mkdir(u"one"_s) && QDir(home.path()).mkdir(u"two"_s));
+    UserDefaults defaults(home.filePath(u"store.conf"_s));
+    FileDialogs dialogs(defaults);
+    QString folder;
+    answerNext(folder, home.filePath(u"two/a.txt"_s));
+    QCOMPARE(dialogs.showSavePanel({.suggestedName = u"Untitled.txt"_s, .startFolders = {home.filePath(u"one"_s)}}),
+             std::optional(QUrl::fromLocalFile(home.filePath(u"two/a.txt"_s))));
+    QCOMPARE(folder, home.filePath(u"one"_s));
+    // One that is left changes nothing.
+    answerNext(folder, {});
+    QVERIFY(!FileDialogs(defaults).showSavePanel({.startFolders = {home.filePath(u"one"_s)}}));
+    answerNext(folder, {});
+    QVERIFY(!FileDialogs(defaults).showSavePanel({}));
+    QCOMPARE(folder, home.filePath(u"two"_s));
 }
 
-void FileDialogsTest::aFolderAloneIsChosenAndNotEntered()
+void FileDialogsTest::anOpenPanelBeginsWhereTheLastOneEnded()
 {
-    const Fixture fixture(everything);
-    fixture.select({u"folder"_s});
-    QTRY_VERIFY(fixture.openButton().isEnabled());
-    QTest::mouseClick(&fixture.openButton(), Qt::LeftButton);
-    QCOMPARE(fixture.dialog->result(), int(QDialog::Accepted));
-    QCOMPARE(fixture.chosen(), QStringList{u"folder/"_s});
-    QCOMPARE(fixture.dialog->chosenURLs().first().url, QUrl::fromLocalFile(fixture.home.filePath(u"folder"_s)));
+    QTemporaryDir home;
+    QVERIFY(QDir(home.path()).mkdir(u"one"_s));
+    QFile file(home.filePath(u"one/a.txt"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    UserDefaults defaults(home.filePath(u"store.conf"_s));
+    FileDialogs dialogs(defaults);
+    const OpenPanelOptions both{.canChooseDirectories = true, .allowsMultipleSelection = true};
+    QString folder;
+    answerNext(folder, home.filePath(u"one/a.txt"_s));
+    QCOMPARE(dialogs.showOpenPanel(both),
+             (QList{ChosenURL{QUrl::fromLocalFile(home.filePath(u"one/a.txt"_s)), false}}));
+    answerNext(folder, {});
+    QVERIFY(dialogs.showOpenPanel(both).isEmpty());
+    QCOMPARE(folder, home.filePath(u"one"_s));
 }
 
-void FileDialogsTest::aTypedNameIsChosen()
+void FileDialogsTest::aFolderPanelBeginsInTheFolderThatWasChosen()
 {
-    const Fixture fixture(everything);
-    QVERIFY(fixture.indexOf(u"a.txt"_s).isValid());
-    QTest::keyClicks(&fixture.nameField(), u"b.txt"_s);
-    QTest::keyClick(&fixture.nameField(), Qt::Key_Return);
-    QCOMPARE(fixture.chosen(), QStringList{u"b.txt"_s});
-}
-
-void FileDialogsTest::cancellingChoosesNothing()
-{
-    const Fixture fixture(everything);
-    fixture.select({u"a.txt"_s});
-    QTest::keyClick(fixture.dialog.get(), Qt::Key_Escape);
-    QCOMPARE(fixture.dialog->result(), int(QDialog::Rejected));
-    QCOMPARE(fixture.chosen(), QStringList());
-}
-
-void FileDialogsTest::onlyFoldersAreOfferedWhereFilesAreNot()
-{
-    const Fixture fixture({.canChooseFiles = false, .canChooseDirectories = true});
-    QVERIFY(fixture.indexOf(u"folder"_s).isValid());
-    QVERIFY(fixture.dialog->testOption(QFileDialog::ShowDirsOnly));
-    QCOMPARE(fixture.dialog->fileMode(), QFileDialog::Directory);
-    fixture.select({u"folder"_s});
-    QTest::mouseClick(fixture.dialog->findChild<QDialogButtonBox*>()->buttons().first(), Qt::LeftButton);
-    QCOMPARE(fixture.chosen(), QStringList{u"folder/"_s});
-}
-
-void FileDialogsTest::onlyFilesAreChosenWhereFoldersAreNot()
-{
-    const Fixture fixture({.canChooseFiles = true});
-    QCOMPARE(fixture.dialog->fileMode(), QFileDialog::ExistingFile);
-    fixture.select({u"a.txt"_s});
-    QTRY_VERIFY(fixture.openButton().isEnabled());
-    QTest::mouseClick(&fixture.openButton(), Qt::LeftButton);
-    QCOMPARE(fixture.chosen(), QStringList{u"a.txt"_s});
-    const Fixture entered({.canChooseFiles = true});
-    QVERIFY(entered.indexOf(u"folder"_s).isValid());
-    QTest::keyClicks(&entered.nameField(), u"folder"_s);
-    QTest::keyClick(&entered.nameField(), Qt::Key_Return);
-    QCOMPARE(entered.chosen(), QStringList());
-    QVERIFY(entered.dialog->isVisible());
-}
-
-void FileDialogsTest::theButtonHasItsWords()
-{
-    const Fixture plain(everything);
-    QCOMPARE(plain.dialog->labelText(QFileDialog::Accept), u"Open"_s);
-    const Fixture named({.canChooseFiles = false, .canChooseDirectories = true, .prompt = u"Choose"_s});
-    QCOMPARE(named.dialog->labelText(QFileDialog::Accept), u"Choose"_s);
+    QTemporaryDir home;
+    QVERIFY(QDir(home.path()).mkpath(u"one/in"_s));
+    UserDefaults defaults(home.filePath(u"store.conf"_s));
+    FileDialogs dialogs(defaults);
+    const OpenPanelOptions folders{.canChooseFiles = false, .canChooseDirectories = true, .kind = PanelKind::clone};
+    QString folder;
+    answerNext(folder, home.filePath(u"one"_s));
+    QCOMPARE(dialogs.showOpenPanel(folders).size(), 1);
+    answerNext(folder, {});
+    QVERIFY(dialogs.showOpenPanel(folders).isEmpty());
+    QCOMPARE(folder, home.filePath(u"one"_s));
 }
 
 const kelm::test::Registered<FileDialogsTest> registered(kelm::test::Toolkit::widgets);
