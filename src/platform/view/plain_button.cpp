@@ -1,6 +1,7 @@
 #include "platform/view/plain_button.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/view/mnemonics.h"
 #include "platform/view/plain_help.h"
 
 #include <QAccessible>
@@ -26,6 +27,13 @@ PlainButton::PlainButton(ButtonLook look, QWidget* parent) : QAbstractButton(par
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void PlainButton::setText(const QString& text)
+{
+    text_ = text;
+    // The toolkit would make a key of what follows a single one.
+    QAbstractButton::setText(withoutMnemonic(text));
 }
 
 void PlainButton::setLook(const ButtonLook& look)

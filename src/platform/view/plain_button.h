@@ -50,6 +50,10 @@ class PlainButton : public QAbstractButton
 public:
     explicit PlainButton(ButtonLook look, QWidget* parent = nullptr);
 
+    /// What it shows, as it stands there: an ampersand, which a name may have, is one, and makes no key.
+    QString text() const { return text_; }
+    void setText(const QString& text);
+
     const ButtonLook& look() const { return look_; }
     void setLook(const ButtonLook& look);
     void setSymbol(const QString& symbol);
@@ -74,6 +78,7 @@ private:
     void openMenu();
 
     ButtonLook look_;
+    QString text_;
     std::function<void(QMenu&)> fillMenu_;
     bool showsFocus_ = false;
     bool isMenuOpen_ = false;

@@ -3,6 +3,7 @@
 #include "git/service/git_service.h"
 #include "platform/files/file_url.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/mnemonics.h"
 #include "workbench/status/git_branch.h"
 #include "workbench/status/view/document_status.h"
 #include "workbench/status/view/status_bar_items.h"
@@ -46,7 +47,7 @@ StatusBarView::StatusBarView(AppState& appState, ThemeManager& themeManager, QWi
         u"paintpalette"_s, {},
         [this](QMenu& menu) {
             for (const EditorTheme& theme : themeManager_.availableThemes()) {
-                QAction* action = menu.addAction(QString(theme.name).replace(u'&', u"&&"_s), &menu, [this, theme] {
+                QAction* action = menu.addAction(withoutMnemonic(theme.name), &menu, [this, theme] {
                     themeManager_.setCurrentTheme(theme);
                     themeManager_.saveTheme();
                     themeManager_.applyAppearance();
