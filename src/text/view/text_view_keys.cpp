@@ -1,5 +1,7 @@
 #include "text/view/text_view_keys.h"
 
+#include "platform/events/erasing_keys.h"
+
 #include <QHash>
 #include <QKeyEvent>
 
@@ -83,6 +85,10 @@ std::vector<KeyAction> makeActions()
         erasing(Key::DeleteEndOfLine, Movement::lineEnd),
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Up, Movement::rowUp),
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Down, Movement::rowDown),
+        // Many desktops switch their workspaces by those, or send a window to another one with Shift in Control's
+        // place.
+        addingCarets(Qt::CTRL | Qt::SHIFT | Qt::Key_Up, Movement::rowUp),
+        addingCarets(Qt::CTRL | Qt::SHIFT | Qt::Key_Down, Movement::rowDown),
     };
 }
 
@@ -96,7 +102,7 @@ QHash<QKeySequence, int> makeIndexes()
                                              ? QList<QKeySequence>{action.sequence}
                                              : QKeySequence::keyBindings(action.standardKey);
         for (const QKeySequence& key : keys) {
-            if (!indexes.contains(key)) {
+            if (!erasesUnnamed(key[0]) && !indexes.contains(key)) {
                 indexes.insert(key, index);
             }
         }
