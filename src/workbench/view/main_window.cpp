@@ -10,6 +10,8 @@
 #include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/compositions.h"
 #include "workbench/view/editor_area.h"
+#include "workbench/view/field_keys.h"
+#include "workbench/view/focus_in_sight.h"
 #include "workbench/view/focus_order.h"
 #include "workbench/view/keyboard_place.h"
 #include "workbench/view/lesson_place.h"
@@ -19,13 +21,19 @@
 #include "workbench/view/overlay_layer.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
+#include "workbench/view/window_commands.h"
+#include "workbench/view/window_menu.h"
 #include "workbench/view/window_notices.h"
 #include "workbench/view/window_overlays.h"
 #include "workbench/view/window_panels.h"
+#include "workbench/view/window_panes.h"
 
 #include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QShortcut>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -76,6 +84,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshSidebar();
     refreshBottomPanel();
     refreshTheme();
+    addWindowKeys();
     keepKeyboardInSight();
     auto* compositions = new Compositions(this);
     // Before the texts are brought to safety.
@@ -90,8 +99,21 @@ MainWindow::~MainWindow()
     delete std::exchange(keyboardPlace_, nullptr);
 }
 
+void MainWindow::addWindowKeys()
+{
+    addWindowMenu(*menuBar(), *new WindowCommands(appState_, *makePaneWalk(*this), this));
+    auto* menus = new QShortcut(Qt::Key_F10, this);
+    connect(menus, &QShortcut::activated, this, [this] {
+        QAction* const first = menuBar()->actions().first();
+        menuBar()->setActiveAction(first);
+        first->menu()->setActiveAction(first->menu()->actions().first());
+    });
+    new FieldKeys(this);
+}
+
 void MainWindow::keepKeyboardInSight()
 {
+    new FocusInSight(this);
     auto* overlays = new WindowOverlays(appState_, *this);
     keyboardPlace_ = new KeyboardPlace(
         *this, [this] { editorArea_->focusCurrentEditor(); }, [overlays]() -> QWidget* { return overlays->top(); });
@@ -215,7 +237,18 @@ void MainWindow::refreshTheme()
 
 QList<QWidget*> MainWindow::regions() const
 {
-    return {toolbar_, sidebar_, tabBar_, linkRunPlace_, editorArea_, lessonPlace_, bottomPanel_, statusBar_};
+    return {toolbar_,     sidebar_,     tabBar_,    linkRunPlace_, editorArea_,
+            lessonPlace_, bottomPanel_, noticeBar_, statusBar_};
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    const bool isEscape = event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier;
+    if (isEscape && !editorArea_->isAncestorOf(focusWidget())) {
+        editorArea_->focusCurrentEditor();
+    } else {
+        QMainWindow::keyPressEvent(event);
+    }
 }
 
 bool MainWindow::focusNextPrevChild(bool next)

@@ -5,6 +5,7 @@
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
+#include "workbench/view/window_commands.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -109,7 +110,6 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
     setAccessibleRole(*this, QAccessible::PageTab);
     prepare(hover_, hoverMilliseconds, false, this);
     prepare(selection_, selectionMilliseconds, isSelected, this);
-    closeButton_->setHelp(tr("Close"));
     closeButton_->setFocusPolicy(Qt::NoFocus);
     connect(closeButton_, &PlainButton::clicked, this, [this] { callbacks_.onClose(); });
     connect(document_.get(), &Document::titleChanged, this, &TabItemView::refreshDocument);
@@ -122,9 +122,34 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 void TabItemView::refreshDocument()
 {
     setAccessibleName(document_->title());
-    setToolTip(document_->fileURL() ? plainHelp(document_->fileURL()->path()) : QString());
+    refreshHelp();
     updateGeometry();
     update();
+}
+
+void TabItemView::setKey(const QKeySequence& key)
+{
+    if (key != key_) {
+        key_ = key;
+        refreshHelp();
+    }
+}
+
+void TabItemView::refreshHelp()
+{
+    QStringList lines;
+    if (document_->fileURL()) {
+        lines.append(document_->fileURL()->path());
+    }
+    if (!key_.isEmpty()) {
+        lines.append(key_.toString(QKeySequence::NativeText));
+    }
+    setToolTip(plainHelp(lines.join(u'\n')));
+    closeButton_->setHelp(tr("Close"));
+    if (isSelected_) {
+        const QString key = QKeySequence(windowKey(Command::closeTab)).toString(QKeySequence::NativeText);
+        closeButton_->setToolTip(tr("Close (%1)").arg(key));
+    }
 }
 
 void TabItemView::setSelected(bool isSelected)
@@ -136,6 +161,7 @@ void TabItemView::setSelected(bool isSelected)
     // Tab reaches the selected tab, and arrow keys the others from there.
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     run(selection_, isSelected);
+    refreshHelp();
     updateCloseButton();
     updateGeometry();
     update();

@@ -261,6 +261,8 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
         return 0;
+    case SH_MenuBar_AltKeyNavigation:
+        return 1;
     case SH_ToolTip_WakeUpDelay:
         return 500;
     default:
