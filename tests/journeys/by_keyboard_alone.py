@@ -106,6 +106,10 @@ def keys_of_the_text(journey):
     journey.until_text("xfirst of a.txt\nxsecond\n")
     journey.key("ctrl+z")
     journey.until_text(text_of("a.txt"))
+    journey.key("ctrl+y")
+    journey.until_text("xfirst of a.txt\nxsecond\n")
+    journey.key("ctrl+z")
+    journey.until_text(text_of("a.txt"))
     # Back to one caret.
     journey.key("Escape", "ctrl+End")
 

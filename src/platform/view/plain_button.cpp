@@ -147,7 +147,7 @@ void PlainButton::paintEvent(QPaintEvent*)
     const QRect place(x, 0, inner.right() - x + 1, height());
     const QString shown = QFontMetrics(textFont()).elidedText(text(), Qt::ElideRight, place.width() + 1);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip, shown);
-    if (showsFocus_) {
+    if (focusSign_.isShown()) {
         style::drawFocusRing(painter, QRectF(rect()), look_.cornerRadius, *this);
     }
 }
@@ -179,15 +179,14 @@ void PlainButton::keyPressEvent(QKeyEvent* event)
 
 void PlainButton::focusInEvent(QFocusEvent* event)
 {
-    showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
-                  event->reason() == Qt::ShortcutFocusReason;
+    focusSign_.follow(*event);
     QAbstractButton::focusInEvent(event);
     update();
 }
 
 void PlainButton::focusOutEvent(QFocusEvent* event)
 {
-    showsFocus_ = false;
+    focusSign_.follow(*event);
     QAbstractButton::focusOutEvent(event);
     update();
 }

@@ -3,6 +3,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/view/focus_ring.h"
 
 #include <QAbstractButton>
 #include <QMargins>
@@ -80,7 +81,7 @@ private:
     ButtonLook look_;
     QString text_;
     std::function<void(QMenu&)> fillMenu_;
-    bool showsFocus_ = false;
+    FocusSign focusSign_;
     bool isMenuOpen_ = false;
 };
 

@@ -1,6 +1,7 @@
 #include "settings/view/keybindings_view.h"
 
 #include "platform/style/view/style.h"
+#include "platform/view/focus_ring.h"
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
@@ -62,6 +63,9 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
     area->setWidgetResizable(true);
     area->setWidget(list);
     area->viewport()->setAutoFillBackground(false);
+    area->setAccessibleName(tr("Shortcuts"));
+    // It has no control, and is scrolled by keys.
+    new FocusRing(*area);
     list->setAutoFillBackground(false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

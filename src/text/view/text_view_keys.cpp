@@ -71,6 +71,8 @@ std::vector<KeyAction> makeActions()
         calling(Key::Undo, &TextView::undo),
         calling(Key::Redo, &TextView::redo),
         own(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, calling(Key::Redo, &TextView::redo)),
+        // Few desktops list this one, which most hands know.
+        own(Qt::CTRL | Qt::Key_Y, calling(Key::Redo, &TextView::redo)),
         calling(Key::Cut, &TextView::cut),
         calling(Key::Copy, &TextView::copy),
         calling(Key::Paste, &TextView::paste),

@@ -178,14 +178,17 @@ void addApplicationMenu(QMenuBar& bar, const CommandTargets& targets, const std:
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
-/// The platform's keys. Redo has the one that the toolbar names, too, and shows it.
+/// The platform's keys. Redo has the one that the toolbar names, too, and shows it, and the one that most hands know.
 QList<QKeySequence> keysOf(QKeySequence::StandardKey key)
 {
     QList<QKeySequence> keys = QKeySequence::keyBindings(key);
     if (key == QKeySequence::Redo) {
         const QKeySequence named(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+        const QKeySequence known(Qt::CTRL | Qt::Key_Y);
         keys.removeAll(named);
+        keys.removeAll(known);
         keys.prepend(named);
+        keys.append(known);
     }
     return keys;
 }

@@ -73,6 +73,7 @@ bool PaneWalk::enter(std::size_t index)
         target = nextFocusStop({part}, nullptr, true);
     }
     if (target != nullptr) {
+        window_.setAttribute(Qt::WA_KeyboardFocusChange);
         target->setFocus(Qt::ShortcutFocusReason);
     }
     return target != nullptr;

@@ -1,12 +1,17 @@
+#include "app/state/notices.h"
+#include "git/panel/view/clone_dialog.h"
 #include "platform/style/view/style.h"
 #include "settings/view/settings_view.h"
+#include "support/temporary_repository.h"
 #include "support/test_program.h"
 #include "workbench/view/focus_in_sight.h"
+#include "workbench/view/notice_bar.h"
 #include "workbench/view/sidebar_view.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"
 #include "workbench/view/window_fixture.h"
 
+#include <QCheckBox>
 #include <QListView>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -37,6 +42,40 @@ bool isWhollySeen(const QWidget* focused)
     return true;
 }
 
+/// What a window shows where a widget stands, and a little around it.
+QImage shownAt(const QWidget& widget)
+{
+    constexpr int around = 4;
+    const QRect place(widget.mapTo(widget.window(), QPoint()), widget.size());
+    return widget.window()->grab(place.adjusted(-around, -around, around, around)).toImage();
+}
+
+/// The stops of a part that look alike with the keyboard and without it.
+QStringList stopsThatHideIt(const QWidget& part)
+{
+    QStringList hidden;
+    QWidget rest(part.window());
+    rest.setFocusPolicy(Qt::StrongFocus);
+    rest.show();
+    rest.setFocus();
+    // From the first Tab on, a window shows where the keyboard is.
+    QTest::keyClick(&rest, Qt::Key_Tab);
+    for (auto* stop : part.findChildren<QWidget*>()) {
+        if (stop->isVisible() && stop->isEnabled() && (stop->focusPolicy() & Qt::TabFocus) != 0 && stop != &rest) {
+            stop->setFocus(Qt::TabFocusReason);
+            if (!stop->hasFocus()) {
+                continue;
+            }
+            const QImage with = shownAt(*stop);
+            rest.setFocus();
+            if (shownAt(*stop) == with) {
+                hidden.append(QString::fromLatin1(stop->metaObject()->className()) + u' ' + stop->accessibleName());
+            }
+        }
+    }
+    return hidden;
+}
+
 } // namespace
 
 class FocusInSightTest : public QObject
@@ -44,7 +83,11 @@ class FocusInSightTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { style::installOn(*qApp); }
+    void initTestCase()
+    {
+        style::installOn(*qApp);
+        useFixedGitEnvironment();
+    }
 
     void aStripThatWasScrolledAwayComesBack_data();
     void aStripThatWasScrolledAwayComesBack();
@@ -53,6 +96,11 @@ private Q_SLOTS:
     void eachStopOfTheWindowIsSeen_data();
     void eachStopOfTheWindowIsSeen();
     void eachStopOfTheSettingsIsSeen();
+    void eachStopOfASheetIsSeen();
+    void eachStopOfTheWindowShowsIt_data() { eachStopOfTheWindowIsSeen_data(); }
+    void eachStopOfTheWindowShowsIt();
+    void eachStopOfTheSettingsShowsIt();
+    void eachStopOfASheetShowsIt();
 };
 
 void FocusInSightTest::aStripThatWasScrolledAwayComesBack_data()
@@ -188,6 +236,69 @@ void FocusInSightTest::eachStopOfTheSettingsIsSeen()
             QTest::keyClick(focused, Qt::Key_Tab);
         }
     }
+}
+
+void FocusInSightTest::eachStopOfASheetIsSeen()
+{
+    WindowFixture fixture;
+    fixture.state.setShowCloneDialog(true);
+    auto* const sheet = fixture.window.findChild<CloneDialog*>();
+    QVERIFY(QTest::qWaitForWindowActive(sheet));
+    QSet<QWidget*> reached;
+    while (!reached.contains(QApplication::focusWidget())) {
+        QWidget* const focused = QApplication::focusWidget();
+        reached.insert(focused);
+        QVERIFY2(isWhollySeen(focused), qPrintable(focused->accessibleName()));
+        QTest::keyClick(focused, Qt::Key_Tab);
+    }
+    QVERIFY(reached.size() > 2);
+}
+
+void FocusInSightTest::eachStopOfTheWindowShowsIt()
+{
+    QFETCH(int, tab);
+    WindowFixture fixture;
+    const TemporaryRepository repository;
+    repository.write(u"a.txt"_s, "x");
+    fixture.state.setCurrentProject(repository.url());
+    fixture.window.sidebar()->select(SidebarTab::allCases()[std::size_t(tab)]);
+    if (tab == SidebarTab::sourceControl) {
+        // All its controls are there.
+        const auto isThere = [&fixture] {
+            const auto boxes = fixture.window.sidebar()->findChildren<QCheckBox*>();
+            return std::any_of(boxes.begin(), boxes.end(), [](const QCheckBox* box) { return box->isVisible(); });
+        };
+        QTRY_VERIFY(isThere());
+    }
+    fixture.state.setShowBottomPanel(true);
+    fixture.state.setBottomPanelTab(tab == SidebarTab::files ? BottomPanelTab::problems : BottomPanelTab::output);
+    fixture.state.openSnippet(u"code"_s, Language::swift, LessonInfo{});
+    fixture.state.notices().report(u"News"_s, {{u"Take"_s, [] {}}});
+    QTRY_VERIFY(fixture.window.lessonPanel() != nullptr && fixture.window.noticeBar().isVisible());
+    fixture.turnQueue();
+    QCOMPARE(stopsThatHideIt(fixture.window).join(u"; "_s), QString());
+}
+
+void FocusInSightTest::eachStopOfTheSettingsShowsIt()
+{
+    WindowFixture fixture;
+    fixture.window.openSettings();
+    SettingsView& settings = *fixture.window.settings();
+    QVERIFY(QTest::qWaitForWindowActive(&settings));
+    for (const auto tab : {SettingsView::general, SettingsView::editor, SettingsView::themes, SettingsView::keybindings,
+                           SettingsView::extensions}) {
+        settings.select(tab);
+        QCOMPARE(stopsThatHideIt(settings).join(u"; "_s), QString());
+    }
+}
+
+void FocusInSightTest::eachStopOfASheetShowsIt()
+{
+    WindowFixture fixture;
+    fixture.state.setShowCloneDialog(true);
+    auto* const sheet = fixture.window.findChild<CloneDialog*>();
+    QVERIFY(QTest::qWaitForWindowActive(sheet));
+    QCOMPARE(stopsThatHideIt(*sheet).join(u"; "_s), QString());
 }
 
 const kelm::test::Registered<FocusInSightTest> registered(kelm::test::Toolkit::widgets);
