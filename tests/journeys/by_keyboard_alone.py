@@ -42,24 +42,31 @@ def until_focused(journey, name, role=None):
     return node
 
 
+def leave_menus(journey):
+    """From an open menu to the bar, and from there to the text, where keys are pressed again only when it has them."""
+    journey.key("Escape")
+    journey.until(lambda: not journey.menu(), "the end of the menu")
+    journey.key("Escape")
+    until_focused(journey, "", "text")
+
+
 def menus(journey):
     journey.key("F10")
     until_focused(journey, "About KelmWright", "menu item")
     journey.key("Right")
     until_focused(journey, "New File", "menu item")
-    journey.key("Escape", "Escape")
-    journey.until(lambda: not journey.menu(), "the end of the menu")
+    leave_menus(journey)
     # Alt alone goes to the bar and opens nothing.
     journey.key("Alt_L")
     until_focused(journey, "KelmWright", "menu item")
     journey.check(not journey.menu(), "Alt alone opened a menu")
     journey.key("Escape")
+    until_focused(journey, "", "text")
     for letter, first in (("k", "About KelmWright"), ("f", "New File"), ("e", "Undo"), ("v", "Toggle Sidebar"),
                           ("r", "Run"), ("i", "Find..."), ("w", "Next Recent Tab")):
         journey.key("alt+" + letter)
         until_focused(journey, first, "menu item")
-        journey.key("Escape", "Escape")
-        journey.until(lambda: not journey.menu(), "the end of the menu")
+        leave_menus(journey)
     journey.until_text(text_of("c.txt"))
 
 
