@@ -172,6 +172,11 @@ class Journey:
         """Presses keys by their names: "ctrl+s", "Return"."""
         self._xdotool("key", "--delay", "20", *keys)
 
+    def key_held(self, holder, *keys):
+        """Presses keys one after the other while another one is held down."""
+        held = [word for key in keys for word in ("key", "--delay", "20", key)]
+        self._xdotool("keydown", holder, *held, "keyup", holder)
+
     def type(self, text):
         self._xdotool("type", "--delay", "5", "--", text)
 

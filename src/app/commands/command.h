@@ -50,8 +50,25 @@ enum class Command {
     findNext,
     findPrevious,
     useSelectionForFind,
+    nextRecentTab,
+    previousRecentTab,
+    nextTab,
+    previousTab,
+    goToTab1,
+    goToTab2,
+    goToTab3,
+    goToTab4,
+    goToTab5,
+    goToTab6,
+    goToTab7,
+    goToTab8,
+    goToLastTab,
+    closeTab,
+    reopenTab,
+    nextPane,
+    previousPane,
 };
 inline constexpr Command lastTableCommand = Command::goToLine;
-inline constexpr Command lastCommand = Command::useSelectionForFind;
+inline constexpr Command lastCommand = Command::previousPane;
 
 } // namespace kelm

@@ -103,13 +103,7 @@ void UnsavedTexts::open(const QString& id)
 {
     if (const std::shared_ptr<Document> document = store_.closedDocument(id)) {
         const std::shared_ptr<Closed> closed = closedWith(document);
-        show({document}, closed ? closed->order : QList<QUuid>(), document);
-        const Documents open = tabs_.documents();
-        // What is open again is offered no longer.
-        if (closed && std::all_of(closed->documents.begin(), closed->documents.end(),
-                                  [&open](const auto& each) { return open.contains(each); })) {
-            notices_.remove(closed->notice);
-        }
+        reopen(document, closed ? closed->order : QList<QUuid>());
         return;
     }
     store_.read(id, [this](const std::optional<CopyContent>& content, const QString& copy) {
@@ -126,6 +120,17 @@ void UnsavedTexts::open(const QString& id)
         }
         show({document}, {}, document);
     });
+}
+
+void UnsavedTexts::reopen(const std::shared_ptr<Document>& document, const QList<QUuid>& order)
+{
+    const std::shared_ptr<Closed> closed = closedWith(document);
+    show({document}, order, document);
+    const Documents open = tabs_.documents();
+    if (closed && std::all_of(closed->documents.begin(), closed->documents.end(),
+                              [&open](const auto& each) { return open.contains(each); })) {
+        notices_.remove(closed->notice);
+    }
 }
 
 void UnsavedTexts::show(const Documents& documents, const QList<QUuid>& order, const std::shared_ptr<Document>& current)

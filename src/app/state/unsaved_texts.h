@@ -44,6 +44,10 @@ public:
     /// Opens the text of a copy as a modified document, bound to its file as before. A failure is told.
     void open(const QString& id);
 
+    /// Shows a document again that was closed, beside those of `order` that it stood beside. What is open again is
+    /// offered no longer.
+    void reopen(const std::shared_ptr<Document>& document, const QList<QUuid>& order);
+
 private:
     /// Tabs that were closed in one go.
     struct Closed

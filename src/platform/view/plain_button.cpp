@@ -1,6 +1,7 @@
 #include "platform/view/plain_button.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/view/mnemonics.h"
 #include "platform/view/plain_help.h"
 
 #include <QAccessible>
@@ -26,6 +27,13 @@ PlainButton::PlainButton(ButtonLook look, QWidget* parent) : QAbstractButton(par
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void PlainButton::setText(const QString& text)
+{
+    text_ = text;
+    // The toolkit would make a key of what follows a single one.
+    QAbstractButton::setText(withoutMnemonic(text));
 }
 
 void PlainButton::setLook(const ButtonLook& look)
@@ -139,7 +147,7 @@ void PlainButton::paintEvent(QPaintEvent*)
     const QRect place(x, 0, inner.right() - x + 1, height());
     const QString shown = QFontMetrics(textFont()).elidedText(text(), Qt::ElideRight, place.width() + 1);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip, shown);
-    if (showsFocus_) {
+    if (focusSign_.isShown()) {
         style::drawFocusRing(painter, QRectF(rect()), look_.cornerRadius, *this);
     }
 }
@@ -181,15 +189,14 @@ void PlainButton::keyReleaseEvent(QKeyEvent* event)
 
 void PlainButton::focusInEvent(QFocusEvent* event)
 {
-    showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
-                  event->reason() == Qt::ShortcutFocusReason;
+    focusSign_.follow(*event);
     QAbstractButton::focusInEvent(event);
     update();
 }
 
 void PlainButton::focusOutEvent(QFocusEvent* event)
 {
-    showsFocus_ = false;
+    focusSign_.follow(*event);
     QAbstractButton::focusOutEvent(event);
     update();
 }

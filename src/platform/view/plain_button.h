@@ -3,6 +3,7 @@
 
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/view/focus_ring.h"
 
 #include <QAbstractButton>
 #include <QMargins>
@@ -50,6 +51,10 @@ class PlainButton : public QAbstractButton
 public:
     explicit PlainButton(ButtonLook look, QWidget* parent = nullptr);
 
+    /// What it shows, as it stands there: an ampersand, which a name may have, is one, and makes no key.
+    QString text() const { return text_; }
+    void setText(const QString& text);
+
     const ButtonLook& look() const { return look_; }
     void setLook(const ButtonLook& look);
     void setSymbol(const QString& symbol);
@@ -75,8 +80,9 @@ private:
     void openMenu();
 
     ButtonLook look_;
+    QString text_;
     std::function<void(QMenu&)> fillMenu_;
-    bool showsFocus_ = false;
+    FocusSign focusSign_;
     bool isMenuOpen_ = false;
 };
 

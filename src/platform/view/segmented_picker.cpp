@@ -3,6 +3,7 @@
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 #include "platform/view/accessible_role.h"
+#include "platform/view/focus_ring.h"
 
 #include <QFocusEvent>
 #include <QHBoxLayout>
@@ -57,26 +58,25 @@ protected:
         painter.setFont(style::interfaceFont(textSize, isChecked() ? QFont::Medium : QFont::Normal));
         painter.setPen(Tint::primary().on(*this));
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
-        if (showsFocus_) {
+        if (focusSign_.isShown()) {
             style::drawFocusRing(painter, box, cornerRadius - inset, *this);
         }
     }
 
     void focusInEvent(QFocusEvent* event) override
     {
-        showsFocus_ = event->reason() != Qt::MouseFocusReason && event->reason() != Qt::ActiveWindowFocusReason &&
-                      event->reason() != Qt::PopupFocusReason;
+        focusSign_.follow(*event);
         QRadioButton::focusInEvent(event);
     }
 
     void focusOutEvent(QFocusEvent* event) override
     {
-        showsFocus_ = false;
+        focusSign_.follow(*event);
         QRadioButton::focusOutEvent(event);
     }
 
 private:
-    bool showsFocus_ = false;
+    FocusSign focusSign_;
 };
 
 } // namespace

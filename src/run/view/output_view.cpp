@@ -3,6 +3,7 @@
 #include "editor/themes/theme_manager.h"
 #include "platform/events/main_queue.h"
 #include "platform/style/view/style.h"
+#include "platform/view/focus_ring.h"
 #include "run/view/end_follower.h"
 #include "text/view/text_view.h"
 
@@ -44,6 +45,7 @@ OutputView::OutputView(NotificationCenter& notifications, ThemeManager& themeMan
     layout->setContentsMargins({});
     layout->addWidget(textView_);
     setFocusProxy(textView_);
+    new FocusRing(*textView_);
 
     anchor_->setObjectName(bottomAnchor);
     anchor_->setAttribute(Qt::WA_TransparentForMouseEvents);

@@ -3,6 +3,7 @@
 #include "platform/style/view/style.h"
 #include "platform/text/platform_words.h"
 #include "platform/view/accessible_role.h"
+#include "platform/view/focus_ring.h"
 #include "platform/view/labels.h"
 
 #include <QHBoxLayout>
@@ -67,6 +68,9 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
     area->setWidgetResizable(true);
     area->setWidget(list);
     area->viewport()->setAutoFillBackground(false);
+    area->setAccessibleName(tr("Shortcuts"));
+    // It has no control, and is scrolled by keys.
+    new FocusRing(*area);
     list->setAutoFillBackground(false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -60,6 +60,9 @@ public:
             icons::paint(*painter, u"checkmark"_s, QRectF(box.right() - 20, box.center().y() - 6, 12, 12),
                          Tint::accent().in(appearance));
         }
+        if (option.state.testFlag(QStyle::State_HasFocus)) {
+            style::drawFocusRing(*painter, box, style::radius::control, *option.widget);
+        }
         painter->restore();
     }
 };

@@ -1,5 +1,7 @@
 #include "text/view/text_view_keys.h"
 
+#include "platform/events/erasing_keys.h"
+
 #include <QHash>
 #include <QKeyEvent>
 
@@ -69,6 +71,8 @@ std::vector<KeyAction> makeActions()
         calling(Key::Undo, &TextView::undo),
         calling(Key::Redo, &TextView::redo),
         own(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, calling(Key::Redo, &TextView::redo)),
+        // Few desktops list this one, which most hands know.
+        own(Qt::CTRL | Qt::Key_Y, calling(Key::Redo, &TextView::redo)),
         calling(Key::Cut, &TextView::cut),
         calling(Key::Copy, &TextView::copy),
         calling(Key::Paste, &TextView::paste),
@@ -83,6 +87,10 @@ std::vector<KeyAction> makeActions()
         erasing(Key::DeleteEndOfLine, Movement::lineEnd),
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Up, Movement::rowUp),
         addingCarets(Qt::CTRL | Qt::ALT | Qt::Key_Down, Movement::rowDown),
+        // Many desktops switch their workspaces by those, or send a window to another one with Shift in Control's
+        // place.
+        addingCarets(Qt::CTRL | Qt::SHIFT | Qt::Key_Up, Movement::rowUp),
+        addingCarets(Qt::CTRL | Qt::SHIFT | Qt::Key_Down, Movement::rowDown),
     };
 }
 
@@ -96,7 +104,7 @@ QHash<QKeySequence, int> makeIndexes()
                                              ? QList<QKeySequence>{action.sequence}
                                              : QKeySequence::keyBindings(action.standardKey);
         for (const QKeySequence& key : keys) {
-            if (!indexes.contains(key)) {
+            if (!erasesUnnamed(key[0]) && !indexes.contains(key)) {
                 indexes.insert(key, index);
             }
         }

@@ -10,7 +10,6 @@
 
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QShortcut>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,7 +39,7 @@ LinkRunBar::LinkRunBar(bool isKo, ThemeManager& themeManager, Scheduler& schedul
                                  Tint::primary(), this),
                    1);
     addButtons(isKo, *row);
-    addKey(isKo);
+    tellKey(isKo);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, qOverload<>(&QWidget::update));
 }
 
@@ -63,10 +62,8 @@ void LinkRunBar::addButtons(bool isKo, QHBoxLayout& row)
     setHears(false);
 }
 
-void LinkRunBar::addKey(bool isKo)
+void LinkRunBar::tellKey(bool isKo)
 {
-    auto* key = new QShortcut(Qt::Key_F6, this);
-    connect(key, &QShortcut::activated, this, [this] { runButton()->setFocus(Qt::ShortcutFocusReason); });
     setAccessibleDescription(lessonTexts::linkKey.in(isKo));
     runButton()->setHelp(lessonTexts::linkKey.in(isKo));
     alwaysButton()->setHelp(lessonTexts::linkRunAlwaysHelp.in(isKo));

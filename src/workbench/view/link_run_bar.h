@@ -41,7 +41,7 @@ protected:
 
 private:
     void addButtons(bool isKo, QHBoxLayout& row);
-    void addKey(bool isKo);
+    void tellKey(bool isKo);
     void setHears(bool hears);
 
     ThemeManager& themeManager_;

@@ -11,6 +11,8 @@
 #include "workbench/status/view/status_bar_view.h"
 #include "workbench/view/compositions.h"
 #include "workbench/view/editor_area.h"
+#include "workbench/view/field_keys.h"
+#include "workbench/view/focus_in_sight.h"
 #include "workbench/view/focus_order.h"
 #include "workbench/view/keyboard_place.h"
 #include "workbench/view/lesson_place.h"
@@ -22,13 +24,20 @@
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tool_bar_view.h"
 #include "workbench/view/ways_out.h"
+#include "workbench/view/window_commands.h"
+#include "workbench/view/window_menu.h"
 #include "workbench/view/window_notices.h"
 #include "workbench/view/window_overlays.h"
 #include "workbench/view/window_panels.h"
+#include "workbench/view/window_panes.h"
 
 #include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QShortcut>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -70,6 +79,7 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
     refreshSidebar();
     refreshBottomPanel();
     refreshTheme();
+    addWindowKeys();
     keepKeyboardInSight();
     auto* compositions = new Compositions(this);
     // Before the texts are brought to safety.
@@ -84,8 +94,21 @@ MainWindow::~MainWindow()
     delete std::exchange(keyboardPlace_, nullptr);
 }
 
+void MainWindow::addWindowKeys()
+{
+    addWindowMenu(*menuBar(), *new WindowCommands(appState_, *makePaneWalk(*this), this));
+    auto* menus = new QShortcut(Qt::Key_F10, this);
+    connect(menus, &QShortcut::activated, this, [this] {
+        QAction* const first = menuBar()->actions().first();
+        menuBar()->setActiveAction(first);
+        first->menu()->setActiveAction(first->menu()->actions().first());
+    });
+    new FieldKeys(this);
+}
+
 void MainWindow::keepKeyboardInSight()
 {
+    new FocusInSight(this);
     auto* waysOut =
         new WaysOut(appState_, userDefaults_, *editorArea_, menuAction(*menuBar(), Command::findNext), this);
     overlays_ = new WindowOverlays(appState_, *waysOut, *this);
@@ -217,6 +240,16 @@ QList<QWidget*> MainWindow::regions() const
             lessonPlace_, bottomPanel_, noticeBar_, statusBar_};
 }
 
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    const bool isEscape = event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier;
+    if (isEscape && !editorArea_->isAncestorOf(focusWidget())) {
+        editorArea_->focusCurrentEditor();
+    } else {
+        QMainWindow::keyPressEvent(event);
+    }
+}
+
 bool MainWindow::focusNextPrevChild(bool next)
 {
     const auto inSight = [this](const QWidget& hidden) {
@@ -234,6 +267,8 @@ bool MainWindow::focusNextPrevChild(bool next)
     }
     QWidget* const stop = nextFocusStop(regions(), focusWidget(), next);
     if (stop != nullptr) {
+        // As the toolkit's own way round does, so that check boxes show it.
+        setAttribute(Qt::WA_KeyboardFocusChange);
         stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     }
     return stop != nullptr;

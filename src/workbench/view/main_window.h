@@ -32,7 +32,7 @@ class WindowOverlays;
 
 /// Toolbar, sidebar, tabs, editor, panels and status bar, and the overlays above them. Whether a panel or an overlay is
 /// shown is a flag of the state, and a change of the flag is all that shows or hides it. Files that are dropped on the
-/// window open, and a folder becomes the project.
+/// window open, and a folder becomes the project. Escape that nothing else takes gives the keyboard back to the text.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -74,6 +74,7 @@ public:
 
 protected:
     bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -84,6 +85,7 @@ private:
     void refreshBottomPanel();
     void refreshTheme();
     void connectState();
+    void addWindowKeys();
     void keepKeyboardInSight();
     /// The parts of the window that the Tab key goes through, in its order; those that are not shown are null or
     /// hidden.

@@ -1,6 +1,7 @@
 #include "workbench/view/menu_bar.h"
 
 #include "app/commands/command_table.h"
+#include "platform/view/mnemonics.h"
 #include "workbench/view/responder.h"
 
 #include <QCoreApplication>
@@ -10,6 +11,7 @@
 #include <QMessageBox>
 
 #include <array>
+#include <optional>
 
 namespace kelm {
 
@@ -39,22 +41,52 @@ struct FindItem
     Command command;
     const char* label;
     QKeyCombination key;
+    /// One that no common desktop takes for itself, where some take the first.
+    std::optional<QKeyCombination> second;
     const char* slot;
 };
 
 constexpr std::array<FindItem, 5> findItems{{
-    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text…"), Qt::CTRL | Qt::ALT | Qt::Key_F, "showFindBar"},
+    // Xfce's file manager has the first of these, and some desktops switch to their third workspace by Ctrl+F3.
+    {Command::showFindBar, QT_TRANSLATE_NOOP("kelm", "Find in Text…"), Qt::CTRL | Qt::ALT | Qt::Key_F,
+     Qt::CTRL | Qt::Key_I, "showFindBar"},
     {Command::showReplaceBar, QT_TRANSLATE_NOOP("kelm", "Replace in Text…"), Qt::CTRL | Qt::ALT | Qt::Key_R,
-     "showReplaceBar"},
-    {Command::findNext, QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), "findNext"},
-    {Command::findPrevious, QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, "findPrevious"},
+     Qt::CTRL | Qt::SHIFT | Qt::Key_I, "showReplaceBar"},
+    {Command::findNext, QT_TRANSLATE_NOOP("kelm", "Find Next"), QKeyCombination(Qt::Key_F3), std::nullopt, "findNext"},
+    {Command::findPrevious, QT_TRANSLATE_NOOP("kelm", "Find Previous"), Qt::SHIFT | Qt::Key_F3, std::nullopt,
+     "findPrevious"},
     {Command::useSelectionForFind, QT_TRANSLATE_NOOP("kelm", "Use Selection for Find"), Qt::CTRL | Qt::Key_F3,
-     "useSelectionForFind"},
+     Qt::CTRL | Qt::SHIFT | Qt::Key_F3, "useSelectionForFind"},
 }};
+
+/// Some window managers roll a window up by Ctrl+Alt+S.
+constexpr QKeyCombination secondKeyOfSaveAll = Qt::CTRL | Qt::SHIFT | Qt::Key_A;
 
 void identify(QAction& action, Command command)
 {
     action.setData(int(command));
+}
+
+void setKeys(QAction& action, QKeyCombination key, std::optional<QKeyCombination> second)
+{
+    QList<QKeySequence> keys{QKeySequence(key)};
+    if (second) {
+        keys.append(QKeySequence(*second));
+    }
+    action.setShortcuts(keys);
+}
+
+/// The menus of the bar, by the letter that opens each with Alt; no two have the same.
+constexpr std::array barTitles{"&KelmWright", "&File", "&Edit", "&View", "&Run", "F&ind"};
+
+QMenu* addBarMenu(QMenuBar& bar, const QString& title)
+{
+    for (const char* marked : barTitles) {
+        if (const QString label = QString::fromLatin1(marked); withoutMnemonicMarks(label) == title) {
+            return bar.addMenu(label);
+        }
+    }
+    return bar.addMenu(withoutMnemonic(title));
 }
 
 void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTargets& targets);
@@ -85,8 +117,7 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTarg
             addSubmenu(menu, item, targets);
             break;
         case MenuItem::Kind::command: {
-            // An ampersand in a file's name is no mnemonic.
-            QAction* action = menu.addAction(QString(item.label).replace(u'&', QStringLiteral("&&")));
+            QAction* action = menu.addAction(withoutMnemonic(item.label));
             if (item.command) {
                 identify(*action, *item.command);
             }
@@ -98,7 +129,8 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTarg
                 QObject::connect(&menu, &QMenu::aboutToShow, action, update);
             }
             if (item.key) {
-                action->setShortcut(QKeySequence(*item.key));
+                setKeys(*action, *item.key,
+                        item.command == Command::saveAll ? std::optional(secondKeyOfSaveAll) : std::nullopt);
             }
             QObject::connect(action, &QAction::triggered, &menu, [run = item.action, targets] {
                 commitCompositionInFocus();
@@ -113,7 +145,7 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTarg
 void addGroups(QMenu& menu, MenuPlacement placement, const CommandTargets& targets)
 {
     for (const MenuGroup& group : commandTable()) {
-        if (group.placement == placement && group.menu == menu.title()) {
+        if (group.placement == placement && group.menu == withoutMnemonicMarks(menu.title())) {
             if (!menu.isEmpty()) {
                 menu.addSeparator();
             }
@@ -124,7 +156,7 @@ void addGroups(QMenu& menu, MenuPlacement placement, const CommandTargets& targe
 
 void addApplicationMenu(QMenuBar& bar, const CommandTargets& targets, const std::function<void()>& openSettings)
 {
-    QMenu* menu = bar.addMenu(QStringLiteral("KelmWright"));
+    QMenu* menu = addBarMenu(bar, QStringLiteral("KelmWright"));
     QAction* about = menu->addAction(QObject::tr("About KelmWright"));
     identify(*about, Command::about);
     about->setMenuRole(QAction::AboutRole);
@@ -146,14 +178,17 @@ void addApplicationMenu(QMenuBar& bar, const CommandTargets& targets, const std:
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 
-/// The platform's keys. Redo has the one that the toolbar names, too, and shows it.
+/// The platform's keys. Redo has the one that the toolbar names, too, and shows it, and the one that most hands know.
 QList<QKeySequence> keysOf(QKeySequence::StandardKey key)
 {
     QList<QKeySequence> keys = QKeySequence::keyBindings(key);
     if (key == QKeySequence::Redo) {
         const QKeySequence named(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+        const QKeySequence known(Qt::CTRL | Qt::Key_Y);
         keys.removeAll(named);
+        keys.removeAll(known);
         keys.prepend(named);
+        keys.append(known);
     }
     return keys;
 }
@@ -174,7 +209,7 @@ void addEditingItems(QMenu& menu)
     for (const FindItem& item : findItems) {
         QAction* action = find->addAction(QCoreApplication::translate("kelm", item.label));
         identify(*action, item.command);
-        action->setShortcut(QKeySequence(item.key));
+        setKeys(*action, item.key, item.second);
         QObject::connect(action, &QAction::triggered, find, [slot = item.slot] { sendActionToFirstResponder(slot); });
     }
 }
@@ -195,17 +230,17 @@ QMenuBar* makeMenuBar(const CommandTargets& targets, const std::function<void()>
 {
     auto* bar = new QMenuBar(parent);
     addApplicationMenu(*bar, targets, openSettings);
-    QMenu* file = bar->addMenu(QStringLiteral("File"));
+    QMenu* file = addBarMenu(*bar, QStringLiteral("File"));
     addGroups(*file, MenuPlacement::replacingNewItems, targets);
     addGroups(*file, MenuPlacement::replacingSaveItems, targets);
-    QMenu* edit = bar->addMenu(QStringLiteral("Edit"));
+    QMenu* edit = addBarMenu(*bar, QStringLiteral("Edit"));
     addEditingItems(*edit);
     addGroups(*edit, MenuPlacement::afterTextEditing, targets);
-    QMenu* view = bar->addMenu(QStringLiteral("View"));
+    QMenu* view = addBarMenu(*bar, QStringLiteral("View"));
     addGroups(*view, MenuPlacement::afterToolbar, targets);
     for (const MenuGroup& group : commandTable()) {
         if (group.placement == MenuPlacement::ownMenu) {
-            addItems(*bar->addMenu(group.menu), group.items, targets);
+            addItems(*addBarMenu(*bar, group.menu), group.items, targets);
         }
     }
     return bar;

@@ -4,6 +4,7 @@
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/mnemonics.h"
 #include "platform/view/plain_help.h"
 
 #include <QFileInfo>
@@ -34,7 +35,8 @@ QFont folderFont()
 RecentFileButton::RecentFileButton(const QUrl& url, QWidget* parent) : QAbstractButton(parent)
 {
     const QFileInfo file(url.toLocalFile());
-    setText(shownName(file.fileName()));
+    name_ = shownName(file.fileName());
+    setText(withoutMnemonic(name_));
     folder_ = shownName(file.path());
     setAccessibleDescription(folder_);
     setToolTip(plainHelp(shownName(file.filePath())));
@@ -47,7 +49,7 @@ QSize RecentFileButton::sizeHint() const
 {
     const QFontMetrics name(nameFont());
     const QFontMetrics folder(folderFont());
-    const int width = std::max(name.horizontalAdvance(text()), folder.horizontalAdvance(folder_));
+    const int width = std::max(name.horizontalAdvance(name_), folder.horizontalAdvance(folder_));
     return {2 * padding + symbolSize + spacing + width + 1, 2 * padding + name.height() + lineGap + folder.height()};
 }
 
@@ -70,7 +72,7 @@ void RecentFileButton::paintEvent(QPaintEvent*)
     painter.setPen(Tint::primary().on(*this));
     painter.setFont(nameFont());
     painter.drawText(QRect(left, padding, room, name.height()), Qt::AlignVCenter | Qt::TextSingleLine,
-                     name.elidedText(text(), Qt::ElideMiddle, room));
+                     name.elidedText(name_, Qt::ElideMiddle, room));
     painter.setPen(Tint::secondary().on(*this));
     painter.setFont(folderFont());
     painter.drawText(QRect(left, padding + name.height() + lineGap, room, folder.height()),

@@ -21,6 +21,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    QString name_;
     QString folder_;
 };
 

@@ -5,9 +5,13 @@
 #include "platform/view/plain_button.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
 
 namespace kelm {
 
@@ -64,6 +68,13 @@ SidebarView::SidebarView(ThemeManager& themeManager, MakeContent makeContent, QW
                 select(tab);
             }
         });
+        // By the arrow keys one goes on along the row.
+        connect(button, &PlainButton::clicked, this, [this, tab] {
+            if (tab == SidebarTab::search) {
+                content()->setFocus(Qt::OtherFocusReason);
+            }
+        });
+        button->installEventFilter(this);
         buttons_.at(tab) = button;
         row->addWidget(button);
     }
@@ -87,6 +98,25 @@ void SidebarView::select(SidebarTab tab)
 {
     selectedTab_ = tab;
     showContent();
+}
+
+bool SidebarView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress) {
+        return QWidget::eventFilter(watched, event);
+    }
+    const auto button = std::find(buttons_.begin(), buttons_.end(), watched);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    const bool isForwards = key == Qt::Key_Down || key == (isLeftToRight() ? Qt::Key_Right : Qt::Key_Left);
+    const bool isBackwards = key == Qt::Key_Up || key == (isLeftToRight() ? Qt::Key_Left : Qt::Key_Right);
+    if (button == buttons_.end() || (!isForwards && !isBackwards)) {
+        return QWidget::eventFilter(watched, event);
+    }
+    const auto at = button - buttons_.begin();
+    const auto next = std::clamp<std::ptrdiff_t>(at + (isForwards ? 1 : -1), 0, std::ssize(buttons_) - 1);
+    select(SidebarTab::allCases()[std::size_t(next)]);
+    buttons_[std::size_t(next)]->setFocus(isForwards ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void SidebarView::showContent()

@@ -16,7 +16,8 @@ namespace kelm {
 class PlainButton;
 
 /// A bar of tabs, and below it the content of the one that is selected, which is made when its tab is first selected
-/// and then kept. The selected tab is this view's own: a sidebar that is made anew begins with the files.
+/// and then kept. The selected tab is this view's own: a sidebar that is made anew begins with the files. Where a
+/// person chooses the search, its field has the keyboard.
 class SidebarView final : public QWidget
 {
     Q_OBJECT
@@ -37,6 +38,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void showContent();

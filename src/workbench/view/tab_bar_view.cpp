@@ -3,6 +3,7 @@
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/tab_item_view.h"
+#include "workbench/view/window_commands.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -72,6 +73,15 @@ TabBarView::TabBarView(AppState& appState, ThemeManager& themeManager, Workspace
     refreshDocuments();
 }
 
+QKeySequence TabBarView::keyOf(qsizetype index) const
+{
+    constexpr int numbered = int(Command::goToLastTab) - int(Command::goToTab1);
+    if (index < numbered) {
+        return windowKey(Command(int(Command::goToTab1) + int(index)));
+    }
+    return index == tabs_.size() - 1 ? QKeySequence(windowKey(Command::goToLastTab)) : QKeySequence();
+}
+
 TabItemView* TabBarView::makeTab(const std::shared_ptr<Document>& document)
 {
     const auto index = [this, raw = document.get()] {
@@ -130,6 +140,9 @@ void TabBarView::refreshDocuments()
         row_->removeWidget(gone);
         gone->hide();
         gone->deleteLater();
+    }
+    for (qsizetype index = 0; index < tabs_.size(); ++index) {
+        tabs_.at(index)->setKey(keyOf(index));
     }
     row_->setEnabled(true);
     row_->activate();

@@ -4,6 +4,7 @@
 #include "app/state/app_state.h"
 #include "editor/themes/theme_manager.h"
 
+#include <QKeySequence>
 #include <QWidget>
 
 class QHBoxLayout;
@@ -37,6 +38,7 @@ private:
     void refreshCurrentIndex();
     TabItemView* makeTab(const std::shared_ptr<Document>& document);
     void scrollToSelected();
+    QKeySequence keyOf(qsizetype index) const;
 
     AppState& appState_;
     ThemeManager& themeManager_;

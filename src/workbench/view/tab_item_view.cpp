@@ -8,6 +8,7 @@
 #include "platform/view/file_drag.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
+#include "workbench/view/window_commands.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -102,7 +103,6 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
     tellSelection();
     prepare(hover_, hoverMilliseconds, false, this);
     prepare(selection_, selectionMilliseconds, isSelected, this);
-    closeButton_->setHelp(tr("Close"));
     closeButton_->setFocusPolicy(Qt::NoFocus);
     connect(closeButton_, &PlainButton::clicked, this, [this] { callbacks_.onClose(); });
     connect(document_.get(), &Document::titleChanged, this, &TabItemView::refreshDocument);
@@ -115,20 +115,44 @@ TabItemView::TabItemView(std::shared_ptr<Document> document, bool isSelected, Ta
 void TabItemView::refreshDocument()
 {
     const QString title = shownName(document_->title());
-    const QString path = document_->fileURL() ? shownName(document_->fileURL()->path()) : QString();
     setAccessibleName(title);
     QStringList more;
     if (document_->isModified()) {
         more.append(tr("modified"));
     }
-    if (!path.isEmpty()) {
-        more.append(path);
+    if (document_->fileURL()) {
+        more.append(shownName(document_->fileURL()->path()));
     }
     setAccessibleDescription(more.join(QStringLiteral(", ")));
+    refreshHelp();
     closeButton_->setAccessibleDescription(title);
-    setToolTip(path.isEmpty() ? QString() : plainHelp(path));
     updateGeometry();
     update();
+}
+
+void TabItemView::setKey(const QKeySequence& key)
+{
+    if (key != key_) {
+        key_ = key;
+        refreshHelp();
+    }
+}
+
+void TabItemView::refreshHelp()
+{
+    QStringList lines;
+    if (document_->fileURL()) {
+        lines.append(shownName(document_->fileURL()->path()));
+    }
+    if (!key_.isEmpty()) {
+        lines.append(key_.toString(QKeySequence::NativeText));
+    }
+    setToolTip(plainHelp(lines.join(u'\n')));
+    closeButton_->setHelp(tr("Close"));
+    if (isSelected_) {
+        const QString key = QKeySequence(windowKey(Command::closeTab)).toString(QKeySequence::NativeText);
+        closeButton_->setToolTip(tr("Close (%1)").arg(key));
+    }
 }
 
 void TabItemView::setSelected(bool isSelected)
@@ -141,6 +165,7 @@ void TabItemView::setSelected(bool isSelected)
     // Tab reaches the selected tab, and arrow keys the others from there.
     setFocusPolicy(isSelected ? Qt::TabFocus : Qt::NoFocus);
     run(selection_, isSelected);
+    refreshHelp();
     updateCloseButton();
     updateGeometry();
     update();

@@ -5,6 +5,7 @@
 #include "editor/themes/theme_manager.h"
 #include "platform/style/view/tint.h"
 
+#include <QKeySequence>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -46,6 +47,8 @@ public:
     const std::shared_ptr<Document>& document() const { return document_; }
     bool isSelected() const { return isSelected_; }
     void setSelected(bool isSelected);
+    /// The key that goes to this tab, or none.
+    void setKey(const QKeySequence& key);
     bool isHovered() const { return isHovered_; }
     PlainButton& closeButton() { return *closeButton_; }
     /// What carries the grounds of a hovered and of a selected tab from 0 to 1 and back; for tests.
@@ -77,6 +80,7 @@ private:
     void setHovered(bool isHovered);
     void refreshDocument();
     void tellSelection();
+    void refreshHelp();
     void updateCloseButton();
     void paintGround(QPainter& painter) const;
     void paintChip(QPainter& painter, const QRectF& chip) const;
@@ -88,6 +92,7 @@ private:
     PlainButton* closeButton_;
     QVariantAnimation hover_;
     QVariantAnimation selection_;
+    QKeySequence key_;
     bool isSelected_;
     bool isHovered_ = false;
     /// Where the left button went down, while it may still become a drag.

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void theKeyboardOpensTheMenu();
     void aMenuAtTheLowerEdgeOpensUpwards();
     void theFocusRingComesWithTabAlone();
+    void theFocusRingOutlastsAnotherWindow();
     void helpTextIsNoMarkup();
 };
 
@@ -257,6 +258,25 @@ void PlainButtonTest::theFocusRingComesWithTabAlone()
     fixture.field.setFocus();
     fixture.button.setFocus(Qt::TabFocusReason);
     QVERIFY(fixture.button.grab().toImage() != plain);
+}
+
+void PlainButtonTest::theFocusRingOutlastsAnotherWindow()
+{
+    for (const Qt::FocusReason reason : {Qt::TabFocusReason, Qt::MouseFocusReason}) {
+        Fixture fixture;
+        fixture.button.setFocus(reason);
+        const QImage before = fixture.button.grab().toImage();
+        {
+            QWidget other;
+            other.show();
+            other.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&other));
+        }
+        fixture.window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&fixture.window));
+        QVERIFY(fixture.button.hasFocus());
+        QCOMPARE(fixture.button.grab().toImage(), before);
+    }
 }
 
 void PlainButtonTest::helpTextIsNoMarkup()

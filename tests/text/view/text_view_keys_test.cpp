@@ -66,6 +66,7 @@ private Q_SLOTS:
     void theNumberBlockMeansTheSame();
     void cursorKeysGoByRows();
     void pagesGoByTheRowsOnScreen();
+    void keysAddCaretsAboveAndBelow_data();
     void keysAddCaretsAboveAndBelow();
     void escapeKeepsTheLastCaret();
     void redoHasTheKeyThatTheMenuNames();
@@ -205,12 +206,21 @@ void TextViewKeysTest::pagesGoByTheRowsOnScreen()
     QCOMPARE(view.visibleRect().top(), 0.0);
 }
 
+void TextViewKeysTest::keysAddCaretsAboveAndBelow_data()
+{
+    QTest::addColumn<Qt::KeyboardModifier>("second");
+    QTest::newRow("Control and Alt") << Qt::AltModifier;
+    // Where the desktop takes those.
+    QTest::newRow("Control and Shift") << Qt::ShiftModifier;
+}
+
 void TextViewKeysTest::keysAddCaretsAboveAndBelow()
 {
+    QFETCH(Qt::KeyboardModifier, second);
     ShownTextView view(QStringLiteral("ab\nc|d\nef"));
-    QTest::keyClick(&view, Qt::Key_Down, Qt::ControlModifier | Qt::AltModifier);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::ControlModifier | second);
     QCOMPARE(view.marked(), QStringLiteral("ab\nc|d\ne|f"));
-    QTest::keyClick(&view, Qt::Key_Up, Qt::ControlModifier | Qt::AltModifier);
+    QTest::keyClick(&view, Qt::Key_Up, Qt::ControlModifier | second);
     QCOMPARE(view.marked(), QStringLiteral("a|b\nc|d\ne|f"));
     QTest::keyClicks(&view, QStringLiteral("x"));
     QCOMPARE(view.marked(), QStringLiteral("ax|b\ncx|d\nex|f"));

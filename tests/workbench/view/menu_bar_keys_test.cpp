@@ -1,19 +1,10 @@
-#include "app/state/app_state.h"
-#include "maintenance/auto_update_service.h"
-#include "support/captured_log.h"
-#include "support/fake_file_panels.h"
 #include "support/test_program.h"
-#include "workbench/view/menu_bar.h"
-
-#include <QFile>
-#include <QMainWindow>
-#include <QMenuBar>
-#include <QTemporaryDir>
-#include <QtTest>
+#include "workbench/view/window_fixture.h"
 
 namespace menu_bar_keys_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 /// The page of keys names every key of the menus, and none that is no longer there.
@@ -27,19 +18,9 @@ private Q_SLOTS:
 
 void MenuBarKeysTest::everyKeyOfTheMenusIsNamed()
 {
-    QTemporaryDir home;
-    UserDefaults defaults(home.filePath(u"defaults.conf"_s));
-    CapturedLog log;
-    FakeFilePanels panels;
-    NotificationCenter notifications;
-    AppState state({panels, defaults, Scheduler::system(), notifications, log, ProcessRunner::sharedSystem(),
-                    ExecutableSearch(ProcessRunner::system())});
-    AutoUpdateService updates(UpdaterController::makeForPlatform());
-    QMainWindow window;
-    QMenuBar* const bar = makeMenuBar(
-        {state, updates, [] {}}, [] {}, &window);
+    WindowFixture fixture;
     QStringList rows;
-    for (const QAction* action : bar->findChildren<QAction*>()) {
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
         if (!action->shortcut().isEmpty()) {
             rows << u"| %1 | `%2` |"_s.arg(action->text(), action->shortcut().toString(QKeySequence::PortableText));
         }

@@ -1,3 +1,4 @@
+#include "platform/view/mnemonics.h"
 #include "run/code_runner.h"
 #include "run/view/output_view.h"
 #include "support/test_program.h"
@@ -11,6 +12,7 @@ namespace menu_bar_test {
 
 using namespace kelm;
 using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -35,7 +37,7 @@ QStringList linesOf(const QMenu& menu, const QString& indent = {})
 QMenu* menuOf(MainWindow& window, const QString& title)
 {
     for (const QAction* action : window.menuBar()->actions()) {
-        if (action->text() == title) {
+        if (withoutMnemonicMarks(action->text()) == title) {
             return action->menu();
         }
     }
@@ -50,6 +52,11 @@ class MenuBarTest : public QObject
 
 private Q_SLOTS:
     void menusStandInTheirOrder();
+    void eachMenuHasALetterOfItsOwn();
+    void aKeyOpensTheFirstMenu();
+    void noKeyStandsForTwoCommands();
+    void whatDesktopsTakeHasASecondKey_data();
+    void whatDesktopsTakeHasASecondKey();
     void linesReadBackAsTheTableHasThem_data();
     void linesReadBackAsTheTableHasThem();
     void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
@@ -69,10 +76,84 @@ void MenuBarTest::menusStandInTheirOrder()
     WindowFixture fixture;
     QStringList titles;
     for (const QAction* action : fixture.window.menuBar()->actions()) {
-        titles.append(action->text());
+        titles.append(withoutMnemonicMarks(action->text()));
     }
     QCOMPARE(titles, (QStringList{QStringLiteral("KelmWright"), QStringLiteral("File"), QStringLiteral("Edit"),
-                                  QStringLiteral("View"), QStringLiteral("Run"), QStringLiteral("Find")}));
+                                  QStringLiteral("View"), QStringLiteral("Run"), QStringLiteral("Find"),
+                                  QStringLiteral("Window")}));
+}
+
+void MenuBarTest::eachMenuHasALetterOfItsOwn()
+{
+    WindowFixture fixture;
+    fixture.state.createNewTab();
+    QSet<QString> letters;
+    for (QAction* action : fixture.window.menuBar()->actions()) {
+        const QKeySequence letter = QKeySequence::mnemonic(action->text());
+        QVERIFY2(!letter.isEmpty(), qPrintable(action->text()));
+        QVERIFY2(!letters.contains(letter.toString()), qPrintable(action->text()));
+        letters.insert(letter.toString());
+        // No command has it.
+        for (const QAction* command : fixture.window.menuBar()->findChildren<QAction*>()) {
+            QVERIFY2(!command->shortcuts().contains(letter), qPrintable(command->text()));
+        }
+        QTest::keyClick(fixture.window.windowHandle(), letter[0].key(), Qt::AltModifier);
+        QTRY_VERIFY2(action->menu()->isVisible(), qPrintable(action->text()));
+        action->menu()->close();
+        fixture.turnQueue();
+        fixture.text().setFocus();
+    }
+    QVERIFY(fixture.text().text().isEmpty());
+}
+
+void MenuBarTest::aKeyOpensTheFirstMenu()
+{
+    WindowFixture fixture;
+    fixture.state.createNewTab();
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_F10);
+    QMenu* const first = fixture.window.menuBar()->actions().first()->menu();
+    QTRY_VERIFY(first->isVisible());
+    QCOMPARE(first->activeAction(), first->actions().first());
+    QTest::keyClick(first, Qt::Key_Escape);
+    QVERIFY(!first->isVisible());
+    QTest::keyClick(fixture.window.menuBar(), Qt::Key_Escape);
+    QTRY_VERIFY(fixture.text().hasFocus());
+}
+
+void MenuBarTest::noKeyStandsForTwoCommands()
+{
+    WindowFixture fixture;
+    QHash<QKeySequence, QString> taken;
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
+        for (const QKeySequence& key : action->shortcuts()) {
+            QVERIFY2(!taken.contains(key), qPrintable(action->text() + u" and "_s + taken.value(key)));
+            taken.insert(key, action->text());
+        }
+    }
+}
+
+void MenuBarTest::whatDesktopsTakeHasASecondKey_data()
+{
+    QTest::addColumn<Command>("command");
+    QTest::addColumn<QString>("keys");
+    QTest::newRow("Save All") << Command::saveAll << u"Ctrl+Alt+S; Ctrl+Shift+A"_s;
+    QTest::newRow("Find in Text") << Command::showFindBar << u"Ctrl+Alt+F; Ctrl+I"_s;
+    QTest::newRow("Replace in Text") << Command::showReplaceBar << u"Ctrl+Alt+R; Ctrl+Shift+I"_s;
+    QTest::newRow("Use Selection") << Command::useSelectionForFind << u"Ctrl+F3; Ctrl+Shift+F3"_s;
+}
+
+void MenuBarTest::whatDesktopsTakeHasASecondKey()
+{
+    QFETCH(Command, command);
+    QFETCH(QString, keys);
+    WindowFixture fixture;
+    QAction* const action = fixture.command(command);
+    QCOMPARE(QKeySequence::listToString(action->shortcuts(), QKeySequence::PortableText), keys);
+    fixture.state.createNewTab();
+    QSignalSpy given(action, &QAction::triggered);
+    QTest::keyClick(fixture.window.windowHandle(), action->shortcuts().last()[0].key(),
+                    action->shortcuts().last()[0].keyboardModifiers());
+    QCOMPARE(given.count(), 1);
 }
 
 void MenuBarTest::linesReadBackAsTheTableHasThem_data()
@@ -104,6 +185,14 @@ void MenuBarTest::linesReadBackAsTheTableHasThem_data()
                           << QStringLiteral("Find... | Ctrl+F\nFind and Replace... | Ctrl+H\n"
                                             "Find in Project... | Ctrl+Shift+F\n-\nGo to File... | Ctrl+P\n"
                                             "Go to Line... | Ctrl+G");
+    QTest::newRow("window") << QStringLiteral("Window")
+                            << QStringLiteral("Next Recent Tab | Ctrl+Tab\nPrevious Recent Tab | Ctrl+Shift+Tab\n"
+                                              "Next Tab | Ctrl+PgDown\nPrevious Tab | Ctrl+PgUp\nGo to Tab >\n"
+                                              "  Tab 1 | Alt+1\n  Tab 2 | Alt+2\n  Tab 3 | Alt+3\n  Tab 4 | Alt+4\n"
+                                              "  Tab 5 | Alt+5\n  Tab 6 | Alt+6\n  Tab 7 | Alt+7\n  Tab 8 | Alt+8\n"
+                                              "  Last Tab | Alt+9\n-\nClose Tab | Ctrl+W\n"
+                                              "Reopen Closed Tab | Ctrl+Shift+T\n-\nNext Pane | F6\n"
+                                              "Previous Pane | Shift+F6");
 }
 
 void MenuBarTest::linesReadBackAsTheTableHasThem()

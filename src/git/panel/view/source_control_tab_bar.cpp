@@ -111,20 +111,20 @@ void SourceControlTabButton::paintEvent(QPaintEvent*)
         painter.setPen(Tint::primary().on(*this));
         painter.drawText(box, Qt::AlignCenter, badge_);
     }
-    if (showsFocus_) {
+    if (focusSign_.isShown()) {
         style::drawFocusRing(painter, QRectF(rect()), cornerRadius, *this);
     }
 }
 
 void SourceControlTabButton::focusInEvent(QFocusEvent* event)
 {
-    showsFocus_ = event->reason() != Qt::MouseFocusReason && event->reason() != Qt::ActiveWindowFocusReason;
+    focusSign_.follow(*event);
     QAbstractButton::focusInEvent(event);
 }
 
 void SourceControlTabButton::focusOutEvent(QFocusEvent* event)
 {
-    showsFocus_ = false;
+    focusSign_.follow(*event);
     QAbstractButton::focusOutEvent(event);
 }
 

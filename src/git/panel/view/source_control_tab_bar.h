@@ -2,6 +2,7 @@
 #pragma once
 
 #include "git/panel/source_control_tab.h"
+#include "platform/view/focus_ring.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
@@ -35,7 +36,7 @@ private:
 
     SourceControlTab tab_;
     QString badge_;
-    bool showsFocus_ = false;
+    FocusSign focusSign_;
 };
 
 /// The tabs in their order, in as many columns as the width has room for. The arrow keys go from tab to tab.

@@ -268,6 +268,8 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     case SH_DitherDisabledText:
     case SH_DialogButtonBox_ButtonsHaveIcons:
         return 0;
+    case SH_MenuBar_AltKeyNavigation:
+        return 1;
     case SH_ToolTip_WakeUpDelay:
         return 500;
     default:

@@ -4,6 +4,7 @@
 #include "platform/files/file_url.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/accessible_role.h"
+#include "platform/view/mnemonics.h"
 #include "workbench/status/git_branch.h"
 #include "workbench/status/view/document_status.h"
 #include "workbench/status/view/status_bar_items.h"
@@ -48,7 +49,7 @@ StatusBarView::StatusBarView(AppState& appState, ThemeManager& themeManager, QWi
         u"paintpalette"_s, {},
         [this](QMenu& menu) {
             for (const EditorTheme& theme : themeManager_.availableThemes()) {
-                QAction* action = menu.addAction(shownName(theme.name).replace(u'&', u"&&"_s), &menu, [this, theme] {
+                QAction* action = menu.addAction(withoutMnemonic(shownName(theme.name)), &menu, [this, theme] {
                     themeManager_.setCurrentTheme(theme);
                     themeManager_.saveTheme();
                     themeManager_.applyAppearance();
