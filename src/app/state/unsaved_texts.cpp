@@ -99,7 +99,7 @@ void UnsavedTexts::reopen(const Closed& closed)
     }
 }
 
-void UnsavedTexts::open(const QString& id)
+void UnsavedTexts::open(const QString& id, const Opened& opened)
 {
     if (const std::shared_ptr<Document> document = store_.closedDocument(id)) {
         const std::shared_ptr<Closed> closed = closedWith(document);
@@ -110,11 +110,17 @@ void UnsavedTexts::open(const QString& id)
                                   [&open](const auto& each) { return open.contains(each); })) {
             notices_.remove(closed->notice);
         }
+        if (opened) {
+            opened(document);
+        }
         return;
     }
-    store_.read(id, [this](const std::optional<CopyContent>& content, const QString& copy) {
+    store_.read(id, [this, opened](const std::optional<CopyContent>& content, const QString& copy) {
         if (!content) {
             notices_.report(u"The unsaved text could not be opened"_s);
+            if (opened) {
+                opened(nullptr);
+            }
             return;
         }
         auto document =
@@ -125,6 +131,9 @@ void UnsavedTexts::open(const QString& id)
             tabs_.willShow(*content->header.url, *content->header.identity);
         }
         show({document}, {}, document);
+        if (opened) {
+            opened(document);
+        }
     });
 }
 

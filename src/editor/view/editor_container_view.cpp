@@ -180,6 +180,16 @@ void EditorContainerView::scrollToLine(qsizetype line)
     textView_->scrollToY(std::max<qreal>(0, y));
 }
 
+void EditorContainerView::showPlace(LineAndColumn place)
+{
+    textView_->commitComposition();
+    const TextRange caret{offsetAt(wholeText(), place), 0};
+    foldedText_.reveal(caret);
+    const TextRange shown = foldedText_.shown(caret);
+    textView_->setSelectedRange(shown);
+    textView_->scrollRangeToVisible(shown);
+}
+
 void EditorContainerView::textDidChange()
 {
     if (delegate_ != nullptr && !takesDocumentsText_) {
