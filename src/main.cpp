@@ -1,6 +1,8 @@
-#include "app/state/open_events.h"
+#include "app/command_line/before_window.h"
+#include "app/command_line/command_line.h"
 #include "platform/events/main_queue.h"
 #include "platform/events/single_instance.h"
+#include "platform/events/start_tokens.h"
 #include "platform/files/native_path.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
@@ -16,7 +18,11 @@
 
 #include <QApplication>
 #include <QPixmap>
-#include <QProcess>
+
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>
 
 namespace {
 
@@ -29,22 +35,61 @@ void drawPictureAndQuit(kelm::MainWindow& window, const QString& file)
     });
 }
 
-/// What other starts have handed over in the program's last moment is for a program that comes after it.
-void startAgainFor(const QList<QStringList>& lists)
+/// What the toolkit is to see of the command line: what it takes out of it.
+class ToolkitArguments
 {
-    for (const QStringList& urlTexts : lists) {
-        QProcess::startDetached(QCoreApplication::applicationFilePath(), urlTexts);
+public:
+    ToolkitArguments(const char* program, const QStringList& arguments) : bytes_{program}
+    {
+        for (const QString& argument : arguments) {
+            bytes_.push_back(kelm::nativePath(argument));
+        }
+        for (QByteArray& argument : bytes_) {
+            pointers_.push_back(argument.data());
+        }
+        count_ = int(pointers_.size());
+        pointers_.push_back(nullptr);
     }
-}
+
+    int& count() { return count_; }
+    char** values() { return pointers_.data(); }
+
+private:
+    std::vector<QByteArray> bytes_;
+    std::vector<char*> pointers_;
+    int count_ = 0;
+};
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    const auto parsed = kelm::parseCommandLine(kelm::argumentsOf(argc, argv));
+    if (const std::optional<kelm::ExitStatus> status = kelm::answerAtOnce(parsed, KELM_VERSION)) {
+        return static_cast<int>(*status);
+    }
     kelm::outliveReaders();
     kelm::Log::takeToolkitMessages();
+    const auto& commandLine = std::get<kelm::CommandLine>(parsed);
+    const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
+    std::optional<kelm::openRequest::Request> request = kelm::requestOf(commandLine);
+    if (!request) {
+        return static_cast<int>(kelm::ExitStatus::failed);
+    }
+    request->tokens = kelm::takeStartTokens();
+    kelm::SingleInstance instance(kelm::defaultInstancePlace());
+    // A picture is drawn by a program of its own, whatever else runs.
+    if (picture.isEmpty()) {
+        if (const auto status = kelm::handOver(instance, *request, commandLine.toolkitArguments)) {
+            return static_cast<int>(*status);
+        }
+    }
+    // The toolkit tells the desktop by it that the window is there.
+    kelm::putStartTokens(request->tokens);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    QApplication application(argc, argv);
+    ToolkitArguments toolkitArguments(argv[0], commandLine.toolkitArguments);
+    QApplication application(toolkitArguments.count(), toolkitArguments.values());
+    kelm::takeStartTokens();
     QApplication::setApplicationName(QStringLiteral("KelmPane"));
     QApplication::setApplicationDisplayName(QStringLiteral("KelmWright"));
     QApplication::setApplicationVersion(QStringLiteral(KELM_VERSION));
@@ -53,29 +98,16 @@ int main(int argc, char* argv[])
     kelm::style::installOn(application);
 
     int status = 0;
-    QList<QStringList> unopened;
+    std::vector<kelm::SingleInstance::Received> unopened;
     {
-        // The toolkit has taken its own out, and would lose bytes of the others.
-        const QStringList arguments = kelm::argumentsOf(argc, argv);
-        const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
-        kelm::SingleInstance instance(kelm::defaultInstancePlace());
-        // A picture is drawn by a program of its own, whatever else runs.
-        if (picture.isEmpty()) {
-            switch (instance.settle(kelm::urlTextsOfArguments(arguments, kelm::currentFolder()))) {
-            case kelm::SingleInstance::Part::handedOver:
-                return 0;
-            case kelm::SingleInstance::Part::unanswered:
-                kelm::Log::system().write(QStringLiteral("KelmWright runs already and does not answer."));
-                return 1;
-            case kelm::SingleInstance::Part::first:
-            case kelm::SingleInstance::Part::alone:
-                break;
-            }
-        }
         kelm::removeAbandonedSnippetCopies();
         kelm::KelmPaneApp app;
-        QObject::connect(&instance, &kelm::SingleInstance::received, &app, &kelm::KelmPaneApp::openFromOutside);
-        app.start(arguments);
+        QObject::connect(&instance, &kelm::SingleInstance::received, &app,
+                         [&app](const auto& received) { app.openFromOutside(received.request, received.waiting); });
+        if (picture.isEmpty()) {
+            instance.listen();
+        }
+        app.start(*request);
         if (!picture.isEmpty()) {
             drawPictureAndQuit(app.window(), picture);
         }
@@ -88,7 +120,7 @@ int main(int argc, char* argv[])
     kelm::endChildren();
     kelm::removeSnippetCopies();
     if (status == 0) {
-        startAgainFor(unopened);
+        kelm::startAgainFor(unopened);
     }
     return kelm::leaveWithoutWaiting(status, kelm::UserDefaults::shared());
 }

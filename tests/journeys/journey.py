@@ -48,8 +48,8 @@ class Journey:
         }
         self.add_display()
 
-    def add_display(self):
-        """Starts a display that takes the place of the one before, which stays as it is."""
+    def add_display(self, manager="openbox"):
+        """Starts a display with a window manager, in the place of the one before, which stays as it is."""
         read, write = os.pipe()
         width, height = SCREEN
         self.server = self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24",
@@ -62,7 +62,7 @@ class Journey:
         self.environment["DISPLAY"] = ":" + number
         self.display = xdisplay.Display(":" + number)
         self.root = self.display.screen().root
-        self.spawn("openbox")
+        self.spawn(manager)
         wanted = self.display.intern_atom("_NET_SUPPORTING_WM_CHECK")
         self.until(lambda: self.root.get_full_property(wanted, X.AnyPropertyType), "the window manager")
         self._until_windows_are_managed()

@@ -101,6 +101,9 @@ void LargeFiles::finish(std::optional<Result> result)
     readNext();
     notices_.remove(notice);
     deliver_(url, std::move(result));
+    if (ended_) {
+        ended_(url);
+    }
 }
 
 } // namespace kelm

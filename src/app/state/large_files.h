@@ -29,6 +29,9 @@ public:
     LargeFiles(Notices& notices, Deliver deliver);
     ~LargeFiles();
 
+    /// `ended` is told of each file when what was read of it has been delivered, or nothing of it.
+    void onEnded(std::function<void(const QUrl& url)> ended) { ended_ = std::move(ended); }
+
     /// Another bound than `leastSize`; for tests.
     void setLeastSize(qint64 size) { leastSize_ = size; }
 
@@ -46,6 +49,7 @@ private:
 
     Notices& notices_;
     const Deliver deliver_;
+    std::function<void(const QUrl& url)> ended_;
     qint64 leastSize_ = leastSize;
     QList<QUrl> waiting_;
     std::optional<QUrl> reading_;

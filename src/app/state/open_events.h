@@ -19,9 +19,4 @@ using LinkHandler = std::function<void(const QString& urlText)>;
 /// fails so.
 void openURLs(const QStringList& urlTexts, AppState& appState, const LinkHandler& handleLink);
 
-/// The texts of the URLs that the arguments of a command line name. An argument with a scheme and "://" is a URL as it
-/// stands. Any other is a path, taken from `workingDirectory` unless it is absolute; that of a folder gets a slash at
-/// its end. Empty arguments are left out.
-QStringList urlTextsOfArguments(const QStringList& arguments, const QString& workingDirectory);
-
 } // namespace kelm

@@ -99,16 +99,22 @@ void UnsavedTexts::reopen(const Closed& closed)
     }
 }
 
-void UnsavedTexts::open(const QString& id)
+void UnsavedTexts::open(const QString& id, const Opened& opened)
 {
     if (const std::shared_ptr<Document> document = store_.closedDocument(id)) {
         const std::shared_ptr<Closed> closed = closedWith(document);
         reopen(document, closed ? closed->order : QList<QUuid>());
+        if (opened) {
+            opened(document);
+        }
         return;
     }
-    store_.read(id, [this](const std::optional<CopyContent>& content, const QString& copy) {
+    store_.read(id, [this, opened](const std::optional<CopyContent>& content, const QString& copy) {
         if (!content) {
             notices_.report(u"The unsaved text could not be opened"_s);
+            if (opened) {
+                opened(nullptr);
+            }
             return;
         }
         auto document =
@@ -119,6 +125,9 @@ void UnsavedTexts::open(const QString& id)
             tabs_.willShow(*content->header.url, *content->header.identity);
         }
         show({document}, {}, document);
+        if (opened) {
+            opened(document);
+        }
     });
 }
 

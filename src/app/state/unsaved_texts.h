@@ -41,8 +41,11 @@ public:
     /// There are other tabs than before. Tells of those that were closed with unsaved changes.
     void noteTabs(const Documents& before, const std::shared_ptr<Document>& currentBefore);
 
+    /// Takes the document that a copy was opened as; null for a copy that could not be.
+    using Opened = std::function<void(const std::shared_ptr<Document>& document)>;
+
     /// Opens the text of a copy as a modified document, bound to its file as before. A failure is told.
-    void open(const QString& id);
+    void open(const QString& id, const Opened& opened = {});
 
     /// Shows a document again that was closed, beside those of `order` that it stood beside. What is open again is
     /// offered no longer.

@@ -25,6 +25,7 @@ public:
     /// Takes the lock without waiting. Its file is made when it is not there, and is never removed.
     Result tryLock();
     void unlock() { file_.close(); }
+    bool isTaken() const { return file_.isOpen(); }
 
 private:
     QString path_;

@@ -85,7 +85,7 @@ void OpenRequestListener::stop()
     ::unlink(QFile::encodeName(socketPath_).constData());
 }
 
-QList<QStringList> OpenRequestListener::fetch()
+std::vector<ArrivedRequest> OpenRequestListener::fetch()
 {
     const std::scoped_lock lock(mutex_);
     return std::exchange(waiting_, {});
@@ -183,32 +183,46 @@ bool OpenRequestListener::read(Connection& connection, Clock::time_point now)
             break;
         case openRequest::State::invalid:
             return false;
-        case openRequest::State::complete: {
-            // It is kept before it is promised. The answer has room in any socket that is still empty.
-            take(connection.reader.request());
-            localSocket::send(connection.socket, openRequest::answerTo(connection.reader.request().id));
+        case openRequest::State::complete:
+            take(connection);
             return false;
-        }
         }
     }
     return now < connection.end;
 }
 
-void OpenRequestListener::take(const openRequest::Request& request)
+bool OpenRequestListener::isKnown(const QUuid& id)
 {
-    if (!known_.insert(request.id).second) {
-        return;
+    if (!known_.insert(id).second) {
+        return true;
     }
-    knownInOrder_.push_back(request.id);
+    knownInOrder_.push_back(id);
     if (knownInOrder_.size() > mostKnown) {
         known_.erase(knownInOrder_.front());
         knownInOrder_.pop_front();
     }
-    {
-        const std::scoped_lock lock(mutex_);
-        waiting_.append(request.urlTexts);
+    return false;
+}
+
+void OpenRequestListener::take(Connection& connection)
+{
+    const openRequest::Request& request = connection.reader.request();
+    const QByteArray answer = openRequest::answerTo(request.id);
+    const bool isRepeated = isKnown(request.id);
+    const bool waits = request.waits;
+    // It is kept before it is promised, but what goes on with the connection comes behind the promise. The answer has
+    // room in any socket that is still empty.
+    const std::scoped_lock lock(mutex_);
+    if (!isRepeated || waits) {
+        waiting_.push_back({request, {}, isRepeated});
     }
-    arrived_();
+    localSocket::send(connection.socket, answer);
+    if (waits) {
+        waiting_.back().waiting = std::move(connection.socket);
+    }
+    if (!isRepeated || waits) {
+        arrived_();
+    }
 }
 
 void OpenRequestListener::keepReserve()

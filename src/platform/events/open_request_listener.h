@@ -4,7 +4,6 @@
 #include "platform/events/open_request.h"
 #include "platform/files/open_file.h"
 
-#include <QList>
 #include <QString>
 
 #include <atomic>
@@ -17,6 +16,15 @@
 #include <vector>
 
 namespace kelm {
+
+/// A request that has come. Who waits for the end of what it asked for stays connected, and the connection is here; of
+/// such a request that comes again only the connection is new.
+struct ArrivedRequest
+{
+    openRequest::Request request;
+    OpenFile waiting;
+    bool isRepeated = false;
+};
 
 /// Listens at a socket, answers each request at once, whatever the main thread is busy with, and keeps it until it is
 /// fetched. A request that comes again is answered again and not kept twice. Whatever else is said is dropped, and so
@@ -41,8 +49,8 @@ public:
     /// Takes no more requests; the socket's file goes. What has come can still be fetched.
     void stop();
 
-    /// The lists of all requests that have come since the last call, in their order. From any thread.
-    QList<QStringList> fetch();
+    /// All requests that have come since the last call, in their order. From any thread.
+    std::vector<ArrivedRequest> fetch();
 
     /// How long another program may take to say something whole before it is let go; before `start` only.
     void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }
@@ -65,7 +73,9 @@ private:
     void readAll();
     /// False when nothing more is to be read.
     bool read(Connection& connection, Clock::time_point now);
-    void take(const openRequest::Request& request);
+    /// Keeps what a connection has said, and the connection of one that waits.
+    void take(Connection& connection);
+    bool isKnown(const QUuid& id);
     void keepReserve();
 
     QString socketPath_;
@@ -85,7 +95,7 @@ private:
     std::deque<QUuid> knownInOrder_;
 
     std::mutex mutex_;
-    QList<QStringList> waiting_;
+    std::vector<ArrivedRequest> waiting_;
 };
 
 } // namespace kelm

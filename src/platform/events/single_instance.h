@@ -4,11 +4,16 @@
 #include "platform/events/instance_lock.h"
 #include "platform/events/instance_place.h"
 #include "platform/events/open_request_listener.h"
+#include "platform/events/waiting_start.h"
 
+#include <QHash>
 #include <QObject>
-#include <QStringList>
 
 #include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace kelm {
 
@@ -35,12 +40,32 @@ public:
     /// Nothing happens yet.
     explicit SingleInstance(InstancePlace place);
 
-    /// Finds this start's part. Waits for another program's answer, and for one that ends to have ended, as long as the
-    /// patience lasts.
-    Part settle(const QStringList& urlTexts);
+    /// A request of another start.
+    struct Received
+    {
+        openRequest::Request request;
+        /// Told of what becomes of its tabs; null when nobody waits for them.
+        std::shared_ptr<WaitingStart> waiting;
+    };
 
-    /// Ends listening and gives what has come and was not told of any more, a list for each start. The lock stays.
-    QList<QStringList> stopListening();
+    /// Finds this start's part. Waits for another program's answer, and for one that ends to have ended, as long as the
+    /// patience lasts. The first has the lock then, and others wait for it to listen.
+    Part claim(const openRequest::Request& request);
+    /// Begins to answer others, for the first alone. False when that is not possible: others go their own way then.
+    bool listen();
+    /// Both of them.
+    Part settle(const openRequest::Request& request);
+
+    /// For a first that leaves its part to a program that it has started: hands over to that one as soon as it listens.
+    /// Alone when nobody holds the lock and `isComing` says that nobody will.
+    Part leaveTo(const openRequest::Request& request, const std::function<bool()>& isComing);
+
+    /// Behind a request that waits and was handed over: waits until what it asked for is over. Absent when the other
+    /// program died before. No event is handled meanwhile.
+    std::optional<openRequest::Outcome> awaitOutcome();
+
+    /// Ends listening and gives what has come and was not told of any more. The lock stays.
+    std::vector<Received> stopListening();
 
     /// How long to wait for an answer. Ten seconds if not said.
     void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }
@@ -49,18 +74,23 @@ public:
 
 Q_SIGNALS:
     /// Another start of the program hands over what it was to open, perhaps nothing. From the event loop.
-    void received(const QStringList& urlTexts);
+    void received(const kelm::SingleInstance::Received& received);
 
 private:
     using Clock = OpenRequestListener::Clock;
 
     /// Whether the program that listens has taken the message and said the answer.
-    bool ask(const QByteArray& message, const QByteArray& answer, Clock::time_point end) const;
+    bool ask(const QByteArray& message, const QByteArray& answer, Clock::time_point end);
+    std::vector<Received> fetch();
     void tell();
 
     InstancePlace place_;
     InstanceLock lock_;
     OpenRequestListener listener_;
+    /// The connection by which it is told what became of a request that waits.
+    OpenFile outcome_;
+    /// Those whose requests may come again.
+    QHash<QUuid, std::weak_ptr<WaitingStart>> waiting_;
     std::chrono::milliseconds patience_ = std::chrono::seconds(10);
 };
 

@@ -11,10 +11,12 @@
 #include "maintenance/auto_update_service.h"
 #include "platform/desktop/recently_used.h"
 #include "platform/desktop/view/alert_dialogs.h"
+#include "platform/desktop/view/bring_to_front.h"
 #include "platform/desktop/view/file_dialogs.h"
 #include "platform/desktop/view/window_frame.h"
 #include "platform/events/main_queue.h"
-#include "platform/files/native_path.h"
+#include "platform/events/waiting_start.h"
+#include "platform/files/file_url.h"
 #include "platform/process/orderly_end.h"
 #include "workbench/view/main_window.h"
 
@@ -23,6 +25,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace kelm {
 
@@ -44,40 +47,83 @@ AppState& sharedStateWithPanels()
 
 AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate()
+{
+    for (const Entry& entry : std::as_const(entries_)) {
+        if (entry.waiting) {
+            entry.waiting->note(openRequest::Outcome::untaken);
+        }
+    }
+}
 
 void AppDelegate::applicationDidFinishLaunching()
 {
     ThemeManager::shared().applyAppearance();
 }
 
-void AppDelegate::open(const QStringList& urlTexts)
+void AppDelegate::open(const QList<openRequest::Item>& items, const Waiting& waiting)
 {
-    const bool isOpening = !waiting_.isEmpty();
-    waiting_ += urlTexts;
+    const bool isOpening = !entries_.isEmpty();
+    for (const openRequest::Item& item : items) {
+        entries_.append({item, waiting});
+    }
     if (!isOpening) {
         openNext();
     }
 }
 
+void AppDelegate::onOpened(FileOpened fileOpened, CopyOpened copyOpened)
+{
+    fileOpened_ = std::move(fileOpened);
+    copyOpened_ = std::move(copyOpened);
+}
+
 void AppDelegate::openNext()
 {
-    const QStringList urlTexts = waiting_.first(std::min(waiting_.size(), mostAtOnce));
+    const QList<Entry> entries = entries_.first(std::min(entries_.size(), mostAtOnce));
     if (!links_) {
         links_ = std::make_unique<LessonLinks>(AppState::shared(), [this] { activate_(); });
     }
-    const auto handleLink = [this](const QString& urlText) { links_->handleKelmPaneURL(urlText); };
-    openURLs(urlTexts, AppState::shared(), handleLink);
-    waiting_.remove(0, urlTexts.size());
-    if (!waiting_.isEmpty()) {
+    openEntries(entries);
+    entries_.remove(0, entries.size());
+    if (!entries_.isEmpty()) {
         onMainQueue(this, [this] { openNext(); });
     }
+}
+
+void AppDelegate::openEntries(const QList<Entry>& entries)
+{
+    QStringList urlTexts;
+    for (const Entry& entry : entries) {
+        if (entry.item.kind == openRequest::Item::Kind::url) {
+            urlTexts.append(entry.item.text);
+        }
+    }
+    const auto handleLink = [this](const QString& urlText) { links_->handleKelmPaneURL(urlText); };
+    openURLs(urlTexts, AppState::shared(), handleLink);
+    for (const Entry& entry : entries) {
+        if (entry.item.kind == openRequest::Item::Kind::copy) {
+            openCopy(entry);
+        } else if (fileOpened_ && !isLessonLink(entry.item.text) && !hasDirectoryPath(QUrl(entry.item.text))) {
+            fileOpened_(entry.item, entry.waiting);
+        }
+    }
+}
+
+void AppDelegate::openCopy(const Entry& entry)
+{
+    const auto opened = [this, waiting = entry.waiting](const std::shared_ptr<Document>& document) {
+        if (copyOpened_) {
+            copyOpened_(document, waiting);
+        }
+    };
+    AppState::shared().unsavedTexts().open(entry.item.text, opened);
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::FileOpen) {
-        open({static_cast<QFileOpenEvent*>(event)->url().toString(QUrl::FullyEncoded)});
+        open({openRequest::Item(static_cast<QFileOpenEvent*>(event)->url().toString(QUrl::FullyEncoded))});
         return true;
     }
     return QObject::eventFilter(watched, event);
@@ -92,7 +138,9 @@ KelmPaneApp::KelmPaneApp()
           {Alerts::shared(), Workspace::system(), UserDefaults::shared(), [] { QCoreApplication::quit(); }}),
       window_(std::make_unique<MainWindow>(MainWindow::Services{appState_, themeManager_, Workspace::system(),
                                                                 UserDefaults::shared(), updateService_,
-                                                                [this] { uninstallService_.confirmAndRun(); }}))
+                                                                [this] { uninstallService_.confirmAndRun(); }})),
+      places_(appState_, window_->editorArea()),
+      awaitedTabs_(appState_)
 {
     qApp->installEventFilter(&appDelegate_);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
@@ -104,7 +152,14 @@ KelmPaneApp::KelmPaneApp()
             });
         }
     });
-    appDelegate_.setActivate([this] { bringToFront(); });
+    appDelegate_.setActivate([this] { comeToFront(); });
+    appDelegate_.onOpened(
+        [this](const openRequest::Item& item, const auto& waiting) { noteFile(item, waiting); },
+        [this](const std::shared_ptr<Document>& document, const std::shared_ptr<WaitingStart>& waiting) {
+            if (waiting) {
+                awaitedTabs_.add(document, waiting);
+            }
+        });
     // Copies of unsaved texts that are due are not left to chance.
     onOrderlyEnd(this, [this](std::chrono::steady_clock::time_point deadline) {
         const auto left = deadline - std::chrono::steady_clock::now();
@@ -117,29 +172,44 @@ KelmPaneApp::KelmPaneApp()
 
 KelmPaneApp::~KelmPaneApp() = default;
 
-void KelmPaneApp::start(const QStringList& arguments)
+void KelmPaneApp::start(const openRequest::Request& request)
 {
     appDelegate_.applicationDidFinishLaunching();
-    appDelegate_.open(urlTextsOfArguments(arguments, currentFolder()));
+    appDelegate_.open(request.items);
     window_->show();
     hideTitleBar(*window_);
-}
-
-void KelmPaneApp::openFromOutside(const QStringList& urlTexts)
-{
-    // A link brings the window by itself, once it turns out to be a good one.
-    if (urlTexts.isEmpty() || !std::all_of(urlTexts.begin(), urlTexts.end(), isLessonLink)) {
-        bringToFront();
+    if (!request.tokens.isEmpty()) {
+        bringToFront(*window_, request.tokens);
     }
-    appDelegate_.open(urlTexts);
 }
 
-void KelmPaneApp::bringToFront()
+void KelmPaneApp::openFromOutside(const openRequest::Request& request, const std::shared_ptr<WaitingStart>& waiting)
 {
-    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    const auto isLink = [](const openRequest::Item& item) { return isLessonLink(item.text); };
+    tokens_ = request.tokens;
+    // A link brings the window by itself, once it turns out to be a good one.
+    if (request.items.isEmpty() || !std::all_of(request.items.begin(), request.items.end(), isLink)) {
+        comeToFront();
+    }
+    appDelegate_.open(request.items, waiting);
+    completeStart(request.tokens);
+}
+
+void KelmPaneApp::noteFile(const openRequest::Item& item, const std::shared_ptr<WaitingStart>& waiting)
+{
+    const QUrl file(item.text);
+    if (item.line > 0) {
+        places_.add(file, {qsizetype(item.line), std::max<qsizetype>(item.column, 1)});
+    }
+    if (waiting) {
+        awaitedTabs_.add(file, waiting);
+    }
+}
+
+void KelmPaneApp::comeToFront()
+{
+    // They are good for once.
+    bringToFront(*window_, std::exchange(tokens_, {}));
 }
 
 } // namespace kelm

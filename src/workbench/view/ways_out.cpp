@@ -116,7 +116,7 @@ void WaysOut::offerLine(qint64 line)
     }
     lineNotice_ = appState_.notices().report(words, {{u"Show"_s, [this, line] {
                                                           if (EditorContainerView* editor = editors_.currentEditor()) {
-                                                              editor->goToLine(line);
+                                                              editor->showPlace({.line = qsizetype(line)});
                                                               editors_.focusCurrentEditor();
                                                           }
                                                       }}});

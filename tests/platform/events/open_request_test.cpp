@@ -13,7 +13,11 @@ using openRequest::State;
 namespace {
 
 const QUuid number(u"{00112233-4455-6677-8899-aabbccddeeff}"_s);
-const QByteArray head = "kelm-open-2\n" + number.toRfc4122();
+const QByteArray head = "kelm-open-3\n" + number.toRfc4122();
+/// Nobody waits, and there are no tokens.
+const QByteArray plain(9, '\0');
+/// A URL without a place.
+const QByteArray url(9, '\0');
 
 struct Decoded
 {
@@ -48,17 +52,22 @@ private Q_SLOTS:
 
 void OpenRequestTest::requestsComeBack_data()
 {
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("nothing") << QStringList();
-    QTest::newRow("an empty text") << QStringList{QString()};
-    QTest::newRow("several") << QStringList{u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s,
-                                            u"한글 👩‍👩‍👧\n\0"_s};
+    using openRequest::Item;
+    using openRequest::Request;
+    QTest::addColumn<Request>("request");
+    QTest::newRow("nothing") << Request{number};
+    QTest::newRow("an empty text") << Request{number, {QString()}};
+    QTest::newRow("several") << Request{
+        number, {u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s, u"한글 👩‍👩‍👧\n\0"_s}};
+    QTest::newRow("places") << Request{number, {Item(u"file:///a"_s, 12, 5), Item(u"file:///b"_s, 0xffffffff, 0)}};
+    QTest::newRow("a copy") << Request{number, {Item(u"name"_s, 3, 0, Item::Kind::copy)}};
+    QTest::newRow("tokens") << Request{number, {u"file:///a"_s}, {u"host-1_TIME42"_s, u"한글"_s}};
+    QTest::newRow("one that waits") << Request{number, {u"file:///a"_s}, {}, true};
 }
 
 void OpenRequestTest::requestsComeBack()
 {
-    QFETCH(QStringList, texts);
-    const openRequest::Request request{number, texts};
+    QFETCH(openRequest::Request, request);
     const Decoded decoded = decode(openRequest::encode(request));
     QCOMPARE(decoded.state, State::complete);
     QVERIFY(decoded.request == request);
@@ -66,7 +75,8 @@ void OpenRequestTest::requestsComeBack()
 
 void OpenRequestTest::eachBeginningIsIncomplete()
 {
-    const QByteArray message = openRequest::encode({number, {u"one"_s, u"두 번째"_s}});
+    const QByteArray message =
+        openRequest::encode({number, {u"one"_s, openRequest::Item(u"두 번째"_s, 2, 3)}, {u"id"_s, u"token"_s}, true});
     for (qsizetype length = 0; length < message.size(); ++length) {
         QCOMPARE(decode(message.first(length)).state, State::incomplete);
     }
@@ -76,9 +86,9 @@ void OpenRequestTest::piecesOfAnySizeMakeTheSame()
 {
     test::RandomText random;
     for (int round = 0; round < 200; ++round) {
-        openRequest::Request request{QUuid::createUuid(), {}};
+        openRequest::Request request{QUuid::createUuid(), {}, {QString(random.below(50), u'x'), {}}};
         for (qsizetype left = random.below(20); left > 0; --left) {
-            request.urlTexts.append(QString(random.below(200), u'한'));
+            request.items.append(QString(random.below(200), u'한'));
         }
         const QByteArray message = openRequest::encode(request);
         openRequest::Reader reader;
@@ -99,13 +109,17 @@ void OpenRequestTest::whatIsNoMessageIsInvalid_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("something else") << QByteArray("GET / HTTP/1.1\r\n");
     QTest::newRow("an almost right mark") << QByteArray("kelm-open-1\n");
-    QTest::newRow("too many texts") << head + QByteArray("\xff\xff\xff\xff", 4);
-    QTest::newRow("too long a text") << head + QByteArray("\0\0\0\1\xff\xff\xff\xff", 8);
-    QTest::newRow("no UTF-8") << head + QByteArray("\0\0\0\1\0\0\0\1\xff", 9);
-    QTest::newRow("too much in all") << openRequest::encode({number, {QString(openRequest::largestMessage - 40, u'x')}})
-                                                .replace(head.size() + 3, 1, QByteArray(1, 2)) +
-                                            QByteArray("\0\0\0\xff", 4);
-    QTest::newRow("more behind the end") << head + QByteArray("\0\0\0\0x", 5);
+    QTest::newRow("too many texts") << head + plain + QByteArray("\xff\xff\xff\xff", 4);
+    QTest::newRow("too long a text") << head + plain + QByteArray("\0\0\0\1", 4) + url +
+                                            QByteArray("\xff\xff\xff\xff", 4);
+    QTest::newRow("no UTF-8") << head + plain + QByteArray("\0\0\0\1", 4) + url + QByteArray("\0\0\0\1\xff", 5);
+    QTest::newRow("too much in all") << openRequest::encode({number, {QString(openRequest::largestMessage - 60, u'x')}})
+                                                .replace(head.size() + plain.size() + 3, 1, QByteArray(1, 2)) +
+                                            url + QByteArray("\0\0\0\xff", 4);
+    QTest::newRow("more behind the end") << head + plain + QByteArray("\0\0\0\0x", 5);
+    QTest::newRow("neither waits nor not") << head + QByteArray(1, 2) + plain.sliced(1);
+    QTest::newRow("too long a token") << head + QByteArray("\0\xff\xff\xff\xff", 5);
+    QTest::newRow("a kind that is none") << head + plain + QByteArray("\0\0\0\1\2", 5);
 }
 
 void OpenRequestTest::whatIsNoMessageIsInvalid()
@@ -119,13 +133,13 @@ void OpenRequestTest::whatIsInvalidStaysSo()
     openRequest::Reader reader;
     QCOMPARE(reader.add("nothing"), State::invalid);
     QCOMPARE(reader.add(openRequest::encode({number, {u"x"_s}})), State::invalid);
-    QVERIFY(reader.request().urlTexts.isEmpty());
+    QVERIFY(reader.request().items.isEmpty());
 }
 
 void OpenRequestTest::aTooLargeListIsNoMessage()
 {
     QVERIFY(openRequest::encode({number, {QString(openRequest::largestMessage, u'x')}}).isEmpty());
-    QVERIFY(openRequest::encode({number, QStringList(openRequest::mostTexts + 1, u"x"_s)}).isEmpty());
+    QVERIFY(openRequest::encode({number, QList<openRequest::Item>(openRequest::mostItems + 1, u"x"_s)}).isEmpty());
 }
 
 void OpenRequestTest::answersTellTheirRequest()

@@ -34,17 +34,47 @@ InstancePlace placeIn(const QString& folder)
     return instancePlace(folder, u"session"_s, u"machine"_s);
 }
 
+openRequest::Request requestOf(const QStringList& texts)
+{
+    openRequest::Request request{QUuid::createUuid()};
+    for (const QString& text : texts) {
+        request.items.append(text);
+    }
+    return request;
+}
+
+QStringList textsOf(const openRequest::Request& request)
+{
+    QStringList texts;
+    for (const openRequest::Item& item : request.items) {
+        texts.append(item.text);
+    }
+    return texts;
+}
+
+QList<QStringList> textsOf(const std::vector<SingleInstance::Received>& all)
+{
+    QList<QStringList> texts;
+    for (const SingleInstance::Received& received : all) {
+        texts.append(textsOf(received.request));
+    }
+    return texts;
+}
+
 struct Fixture
 {
     QTemporaryDir folder;
     InstancePlace place = placeIn(folder.path());
     SingleInstance first{place};
     QList<QStringList> received;
+    QList<std::shared_ptr<WaitingStart>> waiting;
 
     Fixture()
     {
-        QObject::connect(&first, &SingleInstance::received, &first,
-                         [this](const QStringList& texts) { received.append(texts); });
+        QObject::connect(&first, &SingleInstance::received, &first, [this](const SingleInstance::Received& each) {
+            received.append(textsOf(each.request));
+            waiting.append(each.waiting);
+        });
     }
 
     /// Another start of the program. The main thread, which is the first's, does nothing meanwhile.
@@ -52,7 +82,7 @@ struct Fixture
     {
         SingleInstance other(place);
         other.setPatience(patience);
-        return other.settle(texts);
+        return other.settle(requestOf(texts));
     }
 
     OpenFile say(const QByteArray& bytes) const
@@ -80,11 +110,13 @@ int playFirst(const QStringList& arguments)
         ::setrlimit(RLIMIT_NOFILE, &files);
     }
     SingleInstance instance(placeIn(arguments[0]));
-    QObject::connect(&instance, &SingleInstance::received, &instance, [](const QStringList& texts) {
-        std::printf("%s\n", qPrintable(texts.join(u' ')));
+    QList<std::shared_ptr<WaitingStart>> waiting;
+    QObject::connect(&instance, &SingleInstance::received, &instance, [&waiting](const SingleInstance::Received& each) {
+        waiting.append(each.waiting);
+        std::printf("%s\n", qPrintable(textsOf(each.request).join(u' ')));
         std::fflush(stdout);
     });
-    if (instance.settle({}) != Part::first) {
+    if (instance.settle(requestOf({})) != Part::first) {
         return 1;
     }
     std::puts("first");
@@ -150,12 +182,19 @@ private Q_SLOTS:
     void idleConnectionsTakeNoDescriptorForGood();
     void withoutADescriptorTheReserveServes();
     void manyAtOnceMakeOneFirst();
+    void othersWaitUntilTheFirstListens();
+    void whoWaitsIsToldTheWorst_data();
+    void whoWaitsIsToldTheWorst();
+    void whoWaitsHearsThatTheFirstHasDied();
+    void whoAsksAgainWaitsForTheSame();
+    void thePartIsLeftToAnother();
+    void nobodyComesInThePlace();
 };
 
 void SingleInstanceTest::theFirstGetsTheLists()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({u"its own"_s}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({u"its own"_s})), Part::first);
     const QStringList texts{u"file:///a"_s, u"kelmpane://open?code="_s + QString(20'000'000, u'A')};
     QCOMPARE(fixture.start(texts), Part::handedOver);
     QCOMPARE(fixture.start({}), Part::handedOver);
@@ -165,7 +204,7 @@ void SingleInstanceTest::theFirstGetsTheLists()
 void SingleInstanceTest::anAnswerNeedsNoMainThread()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     // No event is processed here before the answer is there.
     QCOMPARE(fixture.start({u"one"_s}), Part::handedOver);
     QCOMPARE(fixture.start({u"two"_s}), Part::handedOver);
@@ -176,8 +215,8 @@ void SingleInstanceTest::anAnswerNeedsNoMainThread()
 void SingleInstanceTest::aRequestThatComesAgainIsTakenOnce()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
-    const openRequest::Request request{QUuid::createUuid(), {u"once"_s}};
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
+    const openRequest::Request request = requestOf({u"once"_s});
     const QByteArray answer = openRequest::answerTo(request.id);
     for (int turn = 0; turn < 3; ++turn) {
         const OpenFile socket = fixture.say(openRequest::encode(request));
@@ -194,9 +233,9 @@ void SingleInstanceTest::aRequestThatComesAgainIsTakenOnce()
 void SingleInstanceTest::whatCameLastIsNotLost()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     QCOMPARE(fixture.start({u"late"_s}), Part::handedOver);
-    QCOMPARE(fixture.first.stopListening(), (QList<QStringList>{{u"late"_s}}));
+    QCOMPARE(textsOf(fixture.first.stopListening()), (QList<QStringList>{{u"late"_s}}));
     QVERIFY(!QFile::exists(fixture.place.socketPath));
     // It is there until its process ends, and nobody opens beside it what it might have taken.
     QCOMPARE(fixture.start({u"later"_s}, std::chrono::milliseconds(50)), Part::unanswered);
@@ -207,7 +246,7 @@ void SingleInstanceTest::whatCameLastIsNotLost()
 void SingleInstanceTest::onlyTheUserCanOpenTheSocket()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     for (const QString& path : {fixture.place.socketPath, fixture.place.lockPath}) {
         struct stat status = {};
         QCOMPARE(stat(QFile::encodeName(path).constData(), &status), 0);
@@ -223,7 +262,7 @@ void SingleInstanceTest::afterACrashTheNextIsTheFirst()
         QVERIFY(process.says("first"));
     }
     QVERIFY(QFile::exists(fixture.place.socketPath));
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     QCOMPARE(fixture.start({u"x"_s}), Part::handedOver);
     QTRY_COMPARE(fixture.received, QList<QStringList>{{u"x"_s}});
 }
@@ -268,11 +307,11 @@ void SingleInstanceTest::noChildKeepsTheLock()
     });
     {
         SingleInstance first(fixture.place);
-        QCOMPARE(first.settle({}), Part::first);
+        QCOMPARE(first.settle(requestOf({})), Part::first);
         startRole(child, u"wait"_s, {});
         QVERIFY(child.waitForReadyRead());
     }
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
 }
 
 void SingleInstanceTest::withoutAPlaceEachIsAlone_data()
@@ -293,8 +332,8 @@ void SingleInstanceTest::withoutAPlaceEachIsAlone()
     }
     SingleInstance one(place);
     SingleInstance other(place);
-    QCOMPARE(one.settle({}), Part::alone);
-    QCOMPARE(other.settle({}), Part::alone);
+    QCOMPARE(one.settle(requestOf({})), Part::alone);
+    QCOMPARE(other.settle(requestOf({})), Part::alone);
 }
 
 void SingleInstanceTest::aLongPathIsReached()
@@ -306,10 +345,10 @@ void SingleInstanceTest::aLongPathIsReached()
     const QString deep = folder.filePath(QString(100, u'x') + u'/' + QString(100, u'y'));
     QVERIFY(QDir().mkpath(deep));
     SingleInstance first(placeIn(deep));
-    QCOMPARE(first.settle({}), Part::first);
+    QCOMPARE(first.settle(requestOf({})), Part::first);
     SingleInstance second(placeIn(deep));
-    QCOMPARE(second.settle({u"x"_s}), Part::handedOver);
-    QCOMPARE(first.stopListening(), QList<QStringList>{{u"x"_s}});
+    QCOMPARE(second.settle(requestOf({u"x"_s})), Part::handedOver);
+    QCOMPARE(textsOf(first.stopListening()), QList<QStringList>{{u"x"_s}});
     QCOMPARE(QDir(deep).entryList(QDir::Files | QDir::System).size(), 1);
 }
 
@@ -317,20 +356,20 @@ void SingleInstanceTest::garbageIsDropped()
 {
     Fixture fixture;
     fixture.first.setListenersPatience(std::chrono::milliseconds(200));
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     QVERIFY(fixture.isDropped("GET / HTTP/1.1\r\n\r\n"));
     QVERIFY(fixture.isDropped(QByteArray(100'000, '\xff')));
     // The beginning of a message, and then nothing more.
-    QVERIFY(fixture.isDropped(openRequest::encode({QUuid::createUuid(), {u"x"_s}}).chopped(1)));
-    QVERIFY(fixture.first.stopListening().isEmpty());
+    QVERIFY(fixture.isDropped(openRequest::encode(requestOf({u"x"_s})).chopped(1)));
+    QVERIFY(fixture.first.stopListening().empty());
 }
 
 void SingleInstanceTest::aMessageInPiecesArrivesWhole()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     const OpenFile socket = localSocket::connectTo(fixture.place.socketPath);
-    for (const char byte : openRequest::encode({QUuid::createUuid(), {u"one"_s, u"두"_s}})) {
+    for (const char byte : openRequest::encode(requestOf({u"one"_s, u"두"_s}))) {
         QCOMPARE(localSocket::send(socket, QByteArrayView(&byte, 1)), 1);
     }
     QTRY_COMPARE(fixture.received, (QList<QStringList>{{u"one"_s, u"두"_s}}));
@@ -340,7 +379,7 @@ void SingleInstanceTest::idleConnectionsHoldNobody()
 {
     Fixture fixture;
     fixture.first.setListenersPatience(std::chrono::hours(1));
-    QCOMPARE(fixture.first.settle({}), Part::first);
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
     std::vector<OpenFile> idle;
     for (int client = 0; client < 100; ++client) {
         idle.push_back(localSocket::connectTo(fixture.place.socketPath));
@@ -369,8 +408,8 @@ void SingleInstanceTest::idleConnectionsTakeNoDescriptorForGood()
 void SingleInstanceTest::withoutADescriptorTheReserveServes()
 {
     Fixture fixture;
-    QCOMPARE(fixture.first.settle({}), Part::first);
-    const QByteArray message = openRequest::encode({QUuid::createUuid(), {u"x"_s}});
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
+    const QByteArray message = openRequest::encode(requestOf({u"x"_s}));
     rlimit before = {};
     QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
     const auto restore = qScopeGuard([&before] { setrlimit(RLIMIT_NOFILE, &before); });
@@ -416,6 +455,106 @@ void SingleInstanceTest::manyAtOnceMakeOneFirst()
     QCOMPARE(told.size(), count);
 }
 
+void SingleInstanceTest::othersWaitUntilTheFirstListens()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.claim(requestOf({})), Part::first);
+    QCOMPARE(fixture.start({u"x"_s}, std::chrono::milliseconds(50)), Part::unanswered);
+    QVERIFY(fixture.first.listen());
+    QCOMPARE(fixture.start({u"y"_s}), Part::handedOver);
+    QTRY_COMPARE(fixture.received, QList<QStringList>{{u"y"_s}});
+}
+
+void SingleInstanceTest::whoWaitsIsToldTheWorst_data()
+{
+    using openRequest::Outcome;
+    QTest::addColumn<QList<Outcome>>("noted");
+    QTest::addColumn<Outcome>("told");
+    QTest::newRow("nothing") << QList<Outcome>() << Outcome::saved;
+    QTest::newRow("saved") << QList<Outcome>{Outcome::saved, Outcome::saved} << Outcome::saved;
+    QTest::newRow("one unsaved") << QList<Outcome>{Outcome::unsaved, Outcome::saved} << Outcome::unsaved;
+    QTest::newRow("one not opened") << QList<Outcome>{Outcome::failed, Outcome::unsaved} << Outcome::failed;
+    QTest::newRow("not taken") << QList<Outcome>{Outcome::untaken, Outcome::failed} << Outcome::untaken;
+}
+
+void SingleInstanceTest::whoWaitsIsToldTheWorst()
+{
+    QFETCH(QList<openRequest::Outcome>, noted);
+    QFETCH(openRequest::Outcome, told);
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
+    openRequest::Request request = requestOf({u"a"_s});
+    request.waits = true;
+    SingleInstance other(fixture.place);
+    QCOMPARE(other.settle(request), Part::handedOver);
+    QTRY_COMPARE(fixture.waiting.size(), 1);
+    QVERIFY(fixture.waiting[0] != nullptr);
+    for (const openRequest::Outcome each : noted) {
+        fixture.waiting[0]->note(each);
+    }
+    fixture.waiting.clear();
+    QVERIFY(other.awaitOutcome() == told);
+}
+
+void SingleInstanceTest::whoWaitsHearsThatTheFirstHasDied()
+{
+    const Fixture fixture;
+    openRequest::Request request = requestOf({u"a"_s});
+    request.waits = true;
+    SingleInstance other(fixture.place);
+    {
+        FirstProcess process(fixture);
+        QVERIFY(process.says("first"));
+        QCOMPARE(other.settle(request), Part::handedOver);
+        QVERIFY(process.says("a"));
+    }
+    QVERIFY(!other.awaitOutcome());
+}
+
+void SingleInstanceTest::whoAsksAgainWaitsForTheSame()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.first.settle(requestOf({})), Part::first);
+    openRequest::Request request = requestOf({u"a"_s});
+    request.waits = true;
+    SingleInstance one(fixture.place);
+    SingleInstance again(fixture.place);
+    QCOMPARE(one.settle(request), Part::handedOver);
+    QCOMPARE(again.settle(request), Part::handedOver);
+    QCOMPARE(fixture.start({u"behind them"_s}), Part::handedOver);
+    QTRY_COMPARE(fixture.received, (QList<QStringList>{{u"a"_s}, {u"behind them"_s}}));
+    fixture.waiting[0]->note(openRequest::Outcome::unsaved);
+    fixture.waiting.clear();
+    QVERIFY(one.awaitOutcome() == openRequest::Outcome::unsaved);
+    QVERIFY(again.awaitOutcome() == openRequest::Outcome::unsaved);
+}
+
+void SingleInstanceTest::thePartIsLeftToAnother()
+{
+    const Fixture fixture;
+    SingleInstance leaves(fixture.place);
+    QCOMPARE(leaves.claim(requestOf({})), Part::first);
+    std::unique_ptr<FirstProcess> process;
+    const auto isComing = [&] {
+        if (!process) {
+            process = std::make_unique<FirstProcess>(fixture);
+        }
+        return true;
+    };
+    leaves.setPatience(std::chrono::seconds(20));
+    QCOMPARE(leaves.leaveTo(requestOf({u"for the other"_s}), isComing), Part::handedOver);
+    QVERIFY(process->says("first"));
+    QVERIFY(process->says("for the other"));
+}
+
+void SingleInstanceTest::nobodyComesInThePlace()
+{
+    const Fixture fixture;
+    SingleInstance leaves(fixture.place);
+    QCOMPARE(leaves.claim(requestOf({})), Part::first);
+    QCOMPARE(leaves.leaveTo(requestOf({u"x"_s}), [] { return false; }), Part::alone);
+}
+
 namespace {
 
 /// One of forty starts: hands its number over, or prints all numbers, and ends with status 7 then.
@@ -424,18 +563,19 @@ int playStart(const QStringList& arguments)
     SingleInstance instance(placeIn(arguments[0]));
     instance.setPatience(std::chrono::minutes(1));
     int told = 0;
-    const auto tell = [&told](const QStringList& texts) {
+    const auto say = [&told](const QStringList& texts) {
         std::printf("%s\n", qPrintable(texts.join(u' ')));
         if (++told == 40) {
             QCoreApplication::exit(7);
         }
     };
-    QObject::connect(&instance, &SingleInstance::received, &instance, tell);
-    switch (instance.settle({arguments[1]})) {
+    QObject::connect(&instance, &SingleInstance::received, &instance,
+                     [&say](const SingleInstance::Received& each) { say(textsOf(each.request)); });
+    switch (instance.settle(requestOf({arguments[1]}))) {
     case Part::handedOver:
         return 0;
     case Part::first:
-        tell({arguments[1]});
+        say({arguments[1]});
         return QCoreApplication::exec();
     default:
         return 1;

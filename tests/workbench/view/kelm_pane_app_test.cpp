@@ -1,5 +1,6 @@
 #include "app/state/app_state.h"
 #include "editor/view/editor_container_view.h"
+#include "platform/events/open_request.h"
 #include "platform/style/view/style.h"
 #include "support/test_program.h"
 #include "workbench/view/editor_area.h"
@@ -7,6 +8,7 @@
 #include "workbench/view/main_window.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QFileOpenEvent>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -34,6 +36,10 @@ private Q_SLOTS:
     void anotherStartBringsTheWindowBack();
     void aGoodLinkBringsTheWindowAndABadOneDoesNot();
     void veryManyFilesOpenInTheirOrder();
+    void aFileOpensAtItsLine_data();
+    void aFileOpensAtItsLine();
+    void eachOfSeveralFilesOpensAtItsLine();
+    void aLineOfAFileThatIsOpenIsShown();
 
 private:
     QString write(const QString& name)
@@ -41,6 +47,18 @@ private:
         QFile file(folder_.filePath(name));
         const bool isOpen = file.open(QIODevice::WriteOnly);
         return isOpen && file.write("text") == 4 ? file.fileName() : QString();
+    }
+
+    /// What a start with these arguments asks for, each a path or a URL as it stands.
+    static openRequest::Request requestOf(const QStringList& arguments)
+    {
+        openRequest::Request request{QUuid::createUuid()};
+        for (const QString& argument : arguments) {
+            const QString path = QFileInfo(argument).isDir() ? argument + u'/' : argument;
+            const bool isURL = argument.contains(QStringLiteral("://"));
+            request.items.append(isURL ? argument : QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+        }
+        return request;
     }
 
     QTemporaryDir folder_;
@@ -61,7 +79,7 @@ void KelmPaneAppTest::init()
 void KelmPaneAppTest::theStartOpensWhatTheCommandLineNames()
 {
     KelmPaneApp app;
-    app.start({write(QStringLiteral("a.txt")), folder_.path(), write(QStringLiteral("b.txt"))});
+    app.start(requestOf({write(QStringLiteral("a.txt")), folder_.path(), write(QStringLiteral("b.txt"))}));
     QVERIFY(app.window().isVisible());
     const AppState& state = AppState::shared();
     QCOMPARE(state.documents().size(), 2);
@@ -73,7 +91,7 @@ void KelmPaneAppTest::theStartOpensWhatTheCommandLineNames()
 void KelmPaneAppTest::aStartWithoutArgumentsShowsTheWelcome()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     QVERIFY(app.window().isVisible());
     QVERIFY(AppState::shared().documents().isEmpty());
     QVERIFY(app.window().editorArea().currentEditor() == nullptr);
@@ -82,7 +100,7 @@ void KelmPaneAppTest::aStartWithoutArgumentsShowsTheWelcome()
 void KelmPaneAppTest::aFileThatTheSystemHandsOverOpens()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     QFileOpenEvent event(write(QStringLiteral("한글 & name.txt")));
     QCoreApplication::sendEvent(qApp, &event);
     QCOMPARE(AppState::shared().currentDocument()->title(), QStringLiteral("한글 & name.txt"));
@@ -91,7 +109,7 @@ void KelmPaneAppTest::aFileThatTheSystemHandsOverOpens()
 void KelmPaneAppTest::aFolderThatTheSystemHandsOverBecomesTheProject()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     QFileOpenEvent event(QUrl::fromLocalFile(folder_.path() + u'/'));
     QCoreApplication::sendEvent(qApp, &event);
     QCOMPARE(AppState::shared().currentProject()->toLocalFile(), folder_.path() + u'/');
@@ -100,7 +118,7 @@ void KelmPaneAppTest::aFolderThatTheSystemHandsOverBecomesTheProject()
 void KelmPaneAppTest::aFolderOpensNoTab()
 {
     KelmPaneApp app;
-    app.start({folder_.path()});
+    app.start(requestOf({folder_.path()}));
     QVERIFY(AppState::shared().documents().isEmpty());
     QVERIFY(AppState::shared().currentProject().has_value());
 }
@@ -108,7 +126,7 @@ void KelmPaneAppTest::aFolderOpensNoTab()
 void KelmPaneAppTest::theProcessStaysWhenItsWindowIsClosed()
 {
     KelmPaneApp app;
-    app.start({write(QStringLiteral("a.txt"))});
+    app.start(requestOf({write(QStringLiteral("a.txt"))}));
     const QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
     app.window().close();
     QCoreApplication::processEvents();
@@ -120,12 +138,12 @@ void KelmPaneAppTest::theProcessStaysWhenItsWindowIsClosed()
 void KelmPaneAppTest::anotherStartBringsTheWindowBack()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     app.window().close();
-    app.openFromOutside({});
+    app.openFromOutside(requestOf({}));
     QVERIFY(app.window().isVisible());
     app.window().close();
-    app.openFromOutside({QUrl::fromLocalFile(write(QStringLiteral("a.txt"))).toString()});
+    app.openFromOutside(requestOf({QUrl::fromLocalFile(write(QStringLiteral("a.txt"))).toString()}));
     QVERIFY(app.window().isVisible());
     QCOMPARE(AppState::shared().currentDocument()->title(), QStringLiteral("a.txt"));
 }
@@ -133,13 +151,14 @@ void KelmPaneAppTest::anotherStartBringsTheWindowBack()
 void KelmPaneAppTest::aGoodLinkBringsTheWindowAndABadOneDoesNot()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     app.window().close();
-    app.openFromOutside({QStringLiteral("kelmpane://open?code=!!"), QStringLiteral("kelmpane://close?code=YQ==")});
+    app.openFromOutside(
+        requestOf({QStringLiteral("kelmpane://open?code=!!"), QStringLiteral("kelmpane://close?code=YQ==")}));
     QCoreApplication::processEvents();
     QVERIFY(!app.window().isVisible());
     QVERIFY(AppState::shared().documents().isEmpty());
-    app.openFromOutside({QStringLiteral("kelmpane://open?code=YQ==&learnSlug=intro")});
+    app.openFromOutside(requestOf({QStringLiteral("kelmpane://open?code=YQ==&learnSlug=intro")}));
     QTRY_VERIFY(app.window().isVisible());
     QCOMPARE(AppState::shared().currentDocument()->content(), QStringLiteral("a"));
     QVERIFY(app.window().lessonPanel() != nullptr);
@@ -152,7 +171,7 @@ void KelmPaneAppTest::aGoodLinkBringsTheWindowAndABadOneDoesNot()
 void KelmPaneAppTest::themeAndAppearanceGoTogether()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     ThemeManager& themes = ThemeManager::shared();
     for (const EditorTheme& theme : {EditorTheme::githubLight(), EditorTheme::monokai()}) {
         themes.setCurrentTheme(theme);
@@ -167,7 +186,7 @@ void KelmPaneAppTest::theStartTakesTheAppearanceOfTheTheme()
     for (const EditorTheme& theme : {EditorTheme::githubLight(), EditorTheme::monokai()}) {
         themes.setCurrentTheme(theme);
         KelmPaneApp app;
-        app.start({});
+        app.start(requestOf({}));
         QTRY_COMPARE(style::appearanceOf(app.window()) == Appearance::dark, theme.isDark);
     }
 }
@@ -175,7 +194,7 @@ void KelmPaneAppTest::theStartTakesTheAppearanceOfTheTheme()
 void KelmPaneAppTest::veryManyFilesOpenInTheirOrder()
 {
     KelmPaneApp app;
-    app.start({});
+    app.start(requestOf({}));
     QStringList names;
     QStringList urlTexts;
     for (int number = 0; number < 170; ++number) {
@@ -183,17 +202,78 @@ void KelmPaneAppTest::veryManyFilesOpenInTheirOrder()
         urlTexts << QUrl::fromLocalFile(write(names.last())).toString(QUrl::FullyEncoded);
     }
     const AppState& state = AppState::shared();
-    app.openFromOutside(urlTexts);
+    app.openFromOutside(requestOf(urlTexts));
     // The window goes on before all of them are open; what is handed over meanwhile comes behind them.
     QVERIFY(state.documents().size() < names.size());
     names << QStringLiteral("last.txt");
-    app.openFromOutside({QUrl::fromLocalFile(write(names.last())).toString(QUrl::FullyEncoded)});
+    app.openFromOutside(requestOf({QUrl::fromLocalFile(write(names.last())).toString(QUrl::FullyEncoded)}));
     QTRY_COMPARE(state.documents().size(), names.size());
     for (qsizetype index = 0; index < names.size(); ++index) {
         QCOMPARE(state.documents()[index]->title(), names[index]);
     }
     QCOMPARE(state.currentDocument()->title(), QStringLiteral("last.txt"));
     QVERIFY(state.recentFiles().first().path().endsWith(QStringLiteral("last.txt")));
+}
+
+void KelmPaneAppTest::aFileOpensAtItsLine_data()
+{
+    QTest::addColumn<quint32>("line");
+    QTest::addColumn<quint32>("column");
+    QTest::addColumn<qsizetype>("offset");
+    QTest::newRow("a line") << 500U << 0U << qsizetype(499 * 4);
+    QTest::newRow("a column") << 500U << 3U << qsizetype(499 * 4 + 2);
+    QTest::newRow("beyond the end") << 99'999U << 1U << qsizetype(4000);
+}
+
+void KelmPaneAppTest::aFileOpensAtItsLine()
+{
+    QFETCH(quint32, line);
+    QFETCH(quint32, column);
+    QFETCH(qsizetype, offset);
+    QFile file(folder_.filePath(QStringLiteral("lines.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("abc\n").repeated(1000));
+    file.close();
+    KelmPaneApp app;
+    app.start({{}, {{QUrl::fromLocalFile(file.fileName()).toString(), line, column}}});
+    EditorContainerView* editor = app.window().editorArea().currentEditor();
+    QTRY_COMPARE(editor->textView().selectedRange().location, offset);
+    const QRectF caret = editor->textView().caretRect({offset, false});
+    QVERIFY(editor->textView().viewport()->rect().toRectF().contains(caret.center()));
+    QTRY_COMPARE(AppState::shared().currentDocument()->cursorPosition().line, std::min<qsizetype>(line, 1001));
+}
+
+void KelmPaneAppTest::eachOfSeveralFilesOpensAtItsLine()
+{
+    QStringList urls;
+    for (const QString& name : {QStringLiteral("one.txt"), QStringLiteral("two.txt")}) {
+        QFile file(folder_.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("a\nb\nc\n");
+        urls.append(QUrl::fromLocalFile(file.fileName()).toString());
+    }
+    KelmPaneApp app;
+    app.start({{}, {{urls[0], 2}, {urls[1], 3}}});
+    AppState& state = AppState::shared();
+    QTRY_COMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 4);
+    state.setCurrentDocumentIndex(0);
+    QTRY_COMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 2);
+    // Once only.
+    app.window().editorArea().currentEditor()->textView().setSelectedRange({0, 0});
+    state.setCurrentDocumentIndex(1);
+    state.setCurrentDocumentIndex(0);
+    QCoreApplication::processEvents();
+    QCOMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 0);
+}
+
+void KelmPaneAppTest::aLineOfAFileThatIsOpenIsShown()
+{
+    KelmPaneApp app;
+    const QString file = write(QStringLiteral("a.txt"));
+    app.start(requestOf({file}));
+    app.openFromOutside({{}, {{QUrl::fromLocalFile(file).toString(), 1, 3}}});
+    QTRY_COMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 2);
+    QCOMPARE(AppState::shared().documents().size(), 1);
 }
 
 const kelm::test::Registered<KelmPaneAppTest> registered(kelm::test::Toolkit::widgets);

@@ -1,0 +1,5 @@
+# Completes the command line of kelmwright in fish.
+complete -c kelmwright -l line -x -d 'go to line N of each file that names no line itself'
+complete -c kelmwright -l wait -d 'return when the tabs of the files are closed'
+complete -c kelmwright -l help -d 'print this text and end'
+complete -c kelmwright -l version -d 'print the version and end'

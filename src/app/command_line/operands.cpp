@@ -1,0 +1,116 @@
+#include "app/command_line/operands.h"
+
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
+
+#include <QDir>
+#include <QUrl>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace kelm {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+bool isDigit(QChar unit)
+{
+    return unit >= u'0' && unit <= u'9';
+}
+
+/// Whether `text` can be a scheme (RFC 3986, section 3.1).
+bool isScheme(QStringView text)
+{
+    const auto isLetter = [](QChar unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); };
+    const auto isSchemeUnit = [&](QChar unit) {
+        return isLetter(unit) || isDigit(unit) || unit == u'+' || unit == u'-' || unit == u'.';
+    };
+    return !text.isEmpty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isSchemeUnit);
+}
+
+bool isURLText(QStringView operand)
+{
+    const QStringView scheme = operand.first(std::max(operand.indexOf(u':'), qsizetype(0)));
+    return isScheme(scheme) && operand.sliced(scheme.size()).startsWith(u"://");
+}
+
+QString absolutePath(QStringView path, const QString& workingDirectory)
+{
+    // The toolkit takes a colon at the beginning for a name of its own.
+    return QDir::cleanPath(path.startsWith(u'/') ? path.toString() : workingDirectory + u'/' + path.toString());
+}
+
+QString fileURLText(const QString& path)
+{
+    return urlOfFile(isFolder(path) && !path.endsWith(u'/') ? path + u'/' : path).toString(QUrl::FullyEncoded);
+}
+
+/// Takes a number and the colon before it off the end of a path that goes on to be a name.
+std::optional<quint32> takeNumber(QStringView& path)
+{
+    const qsizetype colon = path.lastIndexOf(u':');
+    const std::optional<quint32> number = colon > 0 ? placeNumber(path.sliced(colon + 1)) : std::nullopt;
+    if (number && path[colon - 1] != u'/') {
+        path = path.first(colon);
+        return number;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<quint32> placeNumber(QStringView digits)
+{
+    if (digits.isEmpty() || !std::all_of(digits.begin(), digits.end(), isDigit)) {
+        return std::nullopt;
+    }
+    constexpr quint64 largest = std::numeric_limits<qint32>::max();
+    quint64 number = 0;
+    for (const QChar digit : digits) {
+        number = std::min(number * 10 + (digit.unicode() - u'0'), largest);
+    }
+    return quint32(std::max<quint64>(number, 1));
+}
+
+openRequest::Item itemOfOperand(const QString& operand, const QString& workingDirectory)
+{
+    if (isURLText(operand)) {
+        return {operand};
+    }
+    const auto item = [&](QStringView path, quint32 line, quint32 column) {
+        return openRequest::Item(fileURLText(absolutePath(path, workingDirectory)), line, column);
+    };
+    const auto names = [&](QStringView path) { return isThere(absolutePath(path, workingDirectory)); };
+    if (names(operand)) {
+        return item(operand, 0, 0);
+    }
+    QStringView path = operand;
+    if (path.size() > 1 && path.endsWith(u':') && isDigit(path[path.size() - 2])) {
+        path.chop(1);
+    }
+    const std::optional<quint32> last = takeNumber(path);
+    if (!last) {
+        return item(operand, 0, 0);
+    }
+    if (names(path)) {
+        return item(path, *last, 0);
+    }
+    if (const std::optional<quint32> line = takeNumber(path)) {
+        return item(path, *line, *last);
+    }
+    return item(path, *last, 0);
+}
+
+QString operandOf(const openRequest::Item& item)
+{
+    const QUrl url(item.text);
+    if (item.line == 0 || !url.isLocalFile()) {
+        return item.text;
+    }
+    return u"%1:%2:%3"_s.arg(filePath(url)).arg(item.line).arg(std::max<quint32>(item.column, 1));
+}
+
+} // namespace kelm
