@@ -18,7 +18,7 @@ namespace kelm {
 
 namespace {
 
-constexpr QSize windowSize(620, 520);
+constexpr QSize windowSize(620, 588);
 
 struct TabTitle
 {

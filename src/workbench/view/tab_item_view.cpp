@@ -2,6 +2,7 @@
 
 #include "platform/desktop/workspace.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
@@ -205,7 +206,7 @@ void TabItemView::paintChip(QPainter& painter, const QRectF& chip) const
     painter.drawRoundedRect(chip, chipRadius, chipRadius);
     const qreal inset = (chipSize - languageIconSize) / 2.0;
     icons::paint(painter, document_->language().iconName(), chip.adjusted(inset, inset, -inset, -inset),
-                 tint.on(*this));
+                 style::ink(tint, *this));
 }
 
 void TabItemView::paintEvent(QPaintEvent*)
