@@ -34,10 +34,11 @@ FindBar::FindBar(TextView& view)
       caseToggle_(makeToggle(QStringLiteral("Aa"), tr("Match case"))),
       wordToggle_(makeToggle(QStringLiteral("W"), tr("Whole words"))),
       patternToggle_(makeToggle(QStringLiteral(".*"), tr("Regular expression"))),
-      replaceRow_(new QWidget(this))
+      replaceRow_(new QWidget(this)),
+      options_(new QWidget(this)),
+      replaceButtons_(new QWidget(replaceRow_))
 {
     setAutoFillBackground(true);
-    setFrameShape(QFrame::StyledPanel);
     setFocusProxy(findField_);
     buildRows();
     hide();
@@ -78,9 +79,15 @@ void FindBar::open(bool withReplace)
     replaceRow_->setVisible(replaces);
     readSelection();
     origin_ = searched_.selectedRange().location;
+    const CaretPlace caret = view_.editor().selections().primary().head;
+    const bool isInSight = view_.viewport()->rect().contains(view_.caretRect(caret).center().toPoint());
     show();
     raise();
     placeOverView();
+    if (isInSight) {
+        // At the lower edge, the bar has pushed its line out.
+        view_.scrollRangeToVisible({caret.offset, 0});
+    }
     restart();
     findField_->setFocus(Qt::ShortcutFocusReason);
     findField_->selectAll();
@@ -248,7 +255,7 @@ void FindBar::replaceAll()
     if (const std::optional<ReplaceAllResult> result = session_.replaceAll()) {
         putInAll(*result);
     } else {
-        status_->setText(tr("Replacing…"));
+        showStatus(tr("Replacing…"));
     }
 }
 
@@ -257,24 +264,22 @@ void FindBar::putInAll(const ReplaceAllResult& result)
     switch (result.outcome) {
     case ReplaceAllResult::Outcome::replaced:
         view_.editor().apply({{result.range, result.text}}, EditKind::other);
-        status_->setText(tr("%1 replaced").arg(result.count));
+        showStatus(tr("%1 replaced").arg(result.count));
         break;
     case ReplaceAllResult::Outcome::nothingFound:
         break;
     case ReplaceAllResult::Outcome::gaveUp:
-        status_->setText(tr("Stopped: this pattern takes too long here"));
+        showStatus(tr("Stopped: this pattern takes too long here"));
         break;
     case ReplaceAllResult::Outcome::tooLong:
-        status_->setText(tr("The result would be too long"));
+        showStatus(tr("The result would be too long"));
         break;
     }
 }
 
 void FindBar::showState()
 {
-    const QString text = session_.statusText();
-    status_->setText(fontMetrics().elidedText(text, Qt::ElideRight, statusWidth));
-    status_->setToolTip(text);
+    showStatus(session_.statusText());
     if (isVisible()) {
         showHighlights();
     }
@@ -303,6 +308,7 @@ void FindBar::placeOverView()
         return;
     }
     const int width = view_.viewport()->width();
+    fitRows(width);
     const int height = sizeHint().height();
     setGeometry(0, 0, width, height);
     view_.setTopObscured(height);
