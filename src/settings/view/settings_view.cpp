@@ -18,7 +18,7 @@ namespace kelm {
 
 namespace {
 
-constexpr QSize windowSize(620, 588);
+constexpr QSize windowSize(620, 564);
 
 struct TabTitle
 {

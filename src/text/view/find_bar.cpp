@@ -83,6 +83,8 @@ void FindBar::open(bool withReplace)
     const bool isInSight = view_.viewport()->rect().contains(view_.caretRect(caret).center().toPoint());
     show();
     raise();
+    // The type may be another by now.
+    fittedWidth_ = -1;
     placeOverView();
     if (isInSight) {
         // At the lower edge, the bar has pushed its line out.

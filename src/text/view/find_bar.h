@@ -91,6 +91,8 @@ private:
     QGridLayout* findRow_ = nullptr;
     QGridLayout* replaceGrid_ = nullptr;
     bool isNarrow_ = false;
+    /// The width that the rows were last fitted to: each scrolling asks for it again.
+    int fittedWidth_ = -1;
     /// Where in the whole text the caret stood when the text looked for was last typed.
     qsizetype origin_ = 0;
 };

@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -111,6 +112,9 @@ void FindBar::setNarrow(bool isNarrow)
 
 void FindBar::fitRows(int width)
 {
+    if (width == std::exchange(fittedWidth_, width)) {
+        return;
+    }
     const int inner = width - 2 * margin;
     status_->setFixedWidth(0);
     const int options = options_->sizeHint().width();

@@ -13,10 +13,11 @@ struct InkRow
     QColor onLight;
 };
 
-/// Each is read on the window's ground and on that of fields, and on thin layers of its own hue over them.
+/// Each is read on the window's ground and on that of fields, and on thin layers of its own hue over them; red and
+/// green also on the thick layers that mark the words of a changed line.
 constexpr InkRow inkRows[] = {
-    {SystemColor::red, {255, 146, 138}, {172, 0, 16}},      {SystemColor::orange, {255, 159, 10}, {150, 72, 0}},
-    {SystemColor::yellow, {255, 214, 10}, {122, 88, 0}},    {SystemColor::green, {50, 215, 75}, {0, 104, 30}},
+    {SystemColor::red, {255, 156, 148}, {161, 0, 12}},      {SystemColor::orange, {255, 159, 10}, {150, 72, 0}},
+    {SystemColor::yellow, {255, 214, 10}, {122, 88, 0}},    {SystemColor::green, {120, 240, 135}, {0, 104, 30}},
     {SystemColor::cyan, {90, 200, 245}, {0, 98, 138}},      {SystemColor::blue, {96, 172, 255}, {0, 84, 184}},
     {SystemColor::purple, {214, 150, 255}, {128, 44, 178}}, {SystemColor::gray, {168, 168, 173}, {92, 92, 97}},
 };

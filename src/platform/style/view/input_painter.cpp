@@ -173,6 +173,19 @@ QRect sliderPart(const QStyleOptionSlider& option, QStyle::SubControl part)
     return {};
 }
 
+void drawTextFieldFrame(const QStyleOption& option, QPainter& painter)
+{
+    // The text's own ground is a rectangle, which hides no more of the corners than this.
+    constexpr qreal radius = 3;
+    const bool hasKeyboard = option.state.testFlag(QStyle::State_HasFocus);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(hasKeyboard ? ring(option) : tint(option, 0.18F), 1));
+    painter.setBrush(option.palette.color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter.restore();
+}
+
 void drawToolButtonGround(const QStyleOption& option, QPainter& painter)
 {
     constexpr qreal radius = style::radius::chip;

@@ -31,6 +31,9 @@ void drawSlider(const QStyleOptionSlider& option, QPainter& painter);
 /// Where the knob of a slider lies, and where its line.
 QRect sliderPart(const QStyleOptionSlider& option, QStyle::SubControl part);
 
+/// The frame of a field of several lines, in the accent colour while it is typed into.
+void drawTextFieldFrame(const QStyleOption& option, QPainter& painter);
+
 /// The ground of a small button in a bar: under the mouse, held down, and in the accent colour while it is on.
 void drawToolButtonGround(const QStyleOption& option, QPainter& painter);
 

@@ -11,11 +11,13 @@
 #include <QFontInfo>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSlider>
 #include <QStyleFactory>
 #include <QStyleOptionComboBox>
 #include <QStyleOptionSlider>
+#include <QTextEdit>
 #include <QToolButton>
 
 namespace kelm::style {
@@ -218,6 +220,12 @@ void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
     if (element == PE_PanelLineEdit && frame != nullptr) {
         drawField(*frame, *painter);
+        return;
+    }
+    const bool isTextField =
+        qobject_cast<const QPlainTextEdit*>(widget) != nullptr || qobject_cast<const QTextEdit*>(widget) != nullptr;
+    if (element == PE_Frame && isTextField) {
+        drawTextFieldFrame(*option, *painter);
         return;
     }
     if (element == PE_IndicatorCheckBox) {

@@ -25,6 +25,7 @@ class InkTest : public QObject
 
 private Q_SLOTS:
     void namedHuesAreReadOnTheWindowAndInFields();
+    void changedWordsAreRead();
     void labelsAreRead();
     void whiteIsReadOnTheAccentsGround();
     void inkHasTheTintsOpacity();
@@ -43,6 +44,18 @@ void InkTest::namedHuesAreReadOnTheWindowAndInFields()
                 QVERIFY2(contrast(style::ink(hue, appearance), layer) >= leastOfText,
                          qPrintable(QStringLiteral("%1 on %2").arg(style::ink(hue, appearance).name(), layer.name())));
             }
+        }
+    }
+}
+
+void InkTest::changedWordsAreRead()
+{
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        for (const SystemColor hue : {SystemColor::red, SystemColor::green}) {
+            const QColor below = systemColor(SystemColor::controlBackground, appearance);
+            const QColor line = over(below, Tint(hue).at(0.1).in(appearance));
+            const QColor word = over(line, Tint(hue).at(0.35).in(appearance));
+            QVERIFY(contrast(style::ink(hue, appearance), word) >= leastOfText);
         }
     }
 }
