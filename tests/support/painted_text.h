@@ -1,7 +1,7 @@
 // Looking for text in what was painted.
 #pragma once
 
-#include "platform/style/view/tint.h"
+#include "platform/style/view/ink.h"
 #include "support/painted.h"
 
 #include <QFont>
@@ -15,6 +15,12 @@ namespace kelm::test {
 inline QColor over(const QColor& ground, const Tint& tint)
 {
     return over(ground, tint.in(Appearance::dark));
+}
+
+/// Letters in a colour of the dark appearance over what is painted already.
+inline QColor inkOver(const QColor& ground, const Tint& tint)
+{
+    return over(ground, style::ink(tint, Appearance::dark));
 }
 
 /// The smallest rectangle within `place` that holds all that is drawn on the ground; empty when that is nothing.
@@ -48,7 +54,7 @@ inline QImage inkOf(const QString& text, const QFont& font, const Tint& tint, co
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(font);
-    painter.setPen(tint.in(Appearance::dark));
+    painter.setPen(style::ink(tint, Appearance::dark));
     painter.drawText(QPointF(room + fraction, room + metrics.ascent()), text);
     painter.end();
     return ink(picture, picture.rect(), ground);

@@ -40,6 +40,8 @@ void applyThemeColors(TextView& view, const EditorTheme& theme)
 {
     TextViewColors colors = view.colors();
     colors.background = theme.backgroundColor.toColor();
+    // What is typed is read at once, before the highlighter has come by.
+    colors.text = theme.textColor.toColor();
     colors.insertionPoint = theme.cursorColor.toColor();
     colors.match = withAlpha(theme.cursorColor.toColor(), matchAlpha);
     colors.currentMatch = withAlpha(theme.cursorColor.toColor(), currentMatchAlpha);

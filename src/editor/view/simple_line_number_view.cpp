@@ -20,6 +20,34 @@ constexpr qreal numberMargin = 8;
 constexpr qreal foldZoneWidth = 22;
 constexpr qreal foldBoxSize = 12;
 constexpr qreal foldBoxLeft = 3;
+/// Between the left edge and the longest numbers.
+constexpr qreal leastMargin = 1;
+
+/// The font of numbers: smaller figures for those that would not find room otherwise. Numbers of one length are alike.
+class NumberFont
+{
+public:
+    explicit NumberFont(qreal room) : room_(room) {}
+
+    const QFont& of(const QString& number)
+    {
+        if (number.size() != digits_) {
+            digits_ = number.size();
+            int size = numberFontSize;
+            do {
+                font_ = style::monospaced(size);
+            } while (QFontMetricsF(font_).horizontalAdvance(number) > room_ && --size > smallest);
+        }
+        return font_;
+    }
+
+private:
+    static constexpr int smallest = 5;
+
+    const qreal room_;
+    QFont font_;
+    qsizetype digits_ = 0;
+};
 
 } // namespace
 
@@ -58,8 +86,7 @@ void SimpleLineNumberView::paintEvent(QPaintEvent* /*event*/)
     if (!textView) {
         return;
     }
-    painter.setFont(style::monospaced(numberFontSize));
-    const QFontMetricsF measure(painter.font());
+    NumberFont numberFont(width() - numberMargin - leastMargin);
     const qreal rowHeight = textView->textLayout().rowHeight();
     for (const NumberedRow& row : numberedRows(*textView)) {
         const bool isInLesson = lessonRegion && lessonRegion->contains(row.line);
@@ -70,6 +97,8 @@ void SimpleLineNumberView::paintEvent(QPaintEvent* /*event*/)
             drawFoldIndicator(painter, row.top, rowHeight, mark->isFolded);
         }
         const QString number = QString::number(row.line);
+        painter.setFont(numberFont.of(number));
+        const QFontMetricsF measure(painter.font());
         const qreal top = row.top + (rowHeight - measure.height()) / 2;
         painter.setPen(isInLesson ? lessonNumberColor : textColor);
         painter.drawText(QPointF(width() - measure.horizontalAdvance(number) - numberMargin, top + measure.ascent()),

@@ -2,6 +2,7 @@
 
 #include "files/view/file_tree_model.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 
@@ -60,7 +61,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     x += chevronWidth;
     icons::paint(*painter, index.data(FileTreeModel::iconRole).toString(),
                  QRectF(x + (iconFrame - iconSize) / 2.0, middle - iconSize / 2.0, iconSize, iconSize),
-                 tintIn(index, FileTreeModel::iconColorRole).in(appearance));
+                 style::ink(tintIn(index, FileTreeModel::iconColorRole), appearance));
     x += iconFrame + spacing;
 
     int right = box.right() - trailing;
@@ -68,7 +69,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     if (!badge.isEmpty()) {
         const QFont font = style::interfaceFont(badgeSize, QFont::Bold);
         painter->setFont(font);
-        painter->setPen(tintIn(index, FileTreeModel::badgeColorRole).in(appearance));
+        painter->setPen(style::ink(tintIn(index, FileTreeModel::badgeColorRole), appearance));
         painter->drawText(QRect(x, box.top(), right - x + 1, box.height()),
                           Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, badge);
         right -= QFontMetrics(font).horizontalAdvance(badge) + spacing;

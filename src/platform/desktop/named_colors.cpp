@@ -32,7 +32,7 @@ constexpr SystemColorRow systemColorRows[] = {
     {SystemColor::purple, {191, 90, 242}, {175, 82, 222}},
     {SystemColor::gray, {152, 152, 157}, {142, 142, 147}},
     {SystemColor::primaryLabel, {255, 255, 255, 0.85}, {0, 0, 0, 0.85}},
-    {SystemColor::secondaryLabel, {255, 255, 255, 0.55}, {0, 0, 0, 0.50}},
+    {SystemColor::secondaryLabel, {255, 255, 255, 0.60}, {0, 0, 0, 0.60}},
     {SystemColor::windowBackground, {50, 50, 50}, {236, 236, 236}},
     {SystemColor::controlBackground, {30, 30, 30}, {255, 255, 255}},
     {SystemColor::accent, {10, 132, 255}, {0, 122, 255}},

@@ -1,5 +1,6 @@
 #include "platform/view/breaking_label.h"
 
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 
 #include <QClipboard>
@@ -98,7 +99,7 @@ void BreakingLabel::paintEvent(QPaintEvent*)
     painter.setPen(Qt::NoPen);
     painter.setBrush(ground_.on(*this));
     painter.drawRoundedRect(QRectF(rect()), style::radius::control, style::radius::control);
-    painter.setPen(tint_.on(*this));
+    painter.setPen(style::ink(tint_, *this));
     QTextLayout layout(laidOutText(text_), font());
     layOut(layout, width() - 2 * padding_);
     layout.draw(&painter, QPointF(padding_, padding_));

@@ -1,6 +1,7 @@
 #include "platform/view/labels.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_help.h"
 
@@ -80,7 +81,7 @@ QSize TextLabel::minimumSizeHint() const
 void TextLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setPen(tint_.on(*this));
+    painter.setPen(style::ink(tint_, *this));
     const QString shown = fontMetrics().elidedText(text_, elideMode_, width());
     painter.drawText(rect(), int(alignment_) | Qt::TextSingleLine, shown);
 }
@@ -222,7 +223,7 @@ void WrappedLabel::refreshTint()
 {
     // The colour of its text no longer tells the appearance once it has been tinted; that of the tool tips still does.
     const bool isDark = palette().color(QPalette::ToolTipText).lightness() > 127;
-    const QColor color = tint_.in(isDark ? Appearance::dark : Appearance::light);
+    const QColor color = style::ink(tint_, isDark ? Appearance::dark : Appearance::light);
     if (palette().color(QPalette::WindowText) != color) {
         QPalette tinted;
         tinted.setColor(QPalette::WindowText, color);
@@ -254,7 +255,7 @@ void SymbolLabel::paintEvent(QPaintEvent*)
     QPainter painter(this);
     // On whole pixels, where symbols are crisp.
     const QRect box((width() - size_) / 2, (height() - size_) / 2, size_, size_);
-    icons::paint(painter, symbol_, box, tint_.on(*this));
+    icons::paint(painter, symbol_, box, style::ink(tint_, *this));
 }
 
 } // namespace kelm

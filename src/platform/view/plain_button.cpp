@@ -1,6 +1,7 @@
 #include "platform/view/plain_button.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/view/mnemonics.h"
 #include "platform/view/plain_help.h"
 
@@ -16,7 +17,9 @@ namespace kelm {
 
 namespace {
 
-constexpr double disabledOpacity = 0.4;
+/// Of a button that cannot be pressed: whatever its colours are, it takes the label's, thinned.
+constexpr double disabledInk = 0.5;
+constexpr double disabledGround = 0.1;
 /// Between a menu and the edge of the window.
 constexpr int menuMargin = 4;
 
@@ -101,7 +104,8 @@ void PlainButton::paintGround(QPainter& painter) const
         painter.drawRoundedRect(QRectF(rect()), look_.cornerRadius, look_.cornerRadius);
     };
     painter.setPen(Qt::NoPen);
-    fill(look_.ground.at(isEnabled() ? 1 : disabledOpacity));
+    const bool hasGround = look_.ground.on(*this).alpha() > 0;
+    fill(isEnabled() || !hasGround ? look_.ground : Tint::primary().at(disabledGround));
     if (isChecked()) {
         fill(look_.checkedGround);
     }
@@ -121,13 +125,13 @@ void PlainButton::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     paintGround(painter);
 
-    Tint tint = look_.tint;
-    if (isChecked() && look_.checkedTint) {
+    Tint tint = isEnabled() ? look_.tint : Tint::primary().at(disabledInk);
+    if (isEnabled() && isChecked() && look_.checkedTint) {
         tint = *look_.checkedTint;
     } else if (isEnabled() && underMouse() && look_.hoveredTint) {
         tint = *look_.hoveredTint;
     }
-    const QColor color = tint.at(isEnabled() ? 1 : disabledOpacity).on(*this);
+    const QColor color = style::ink(tint, *this);
 
     const QRect inner = rect().marginsRemoved(look_.padding);
     int x = inner.left();
@@ -236,7 +240,7 @@ ButtonLook prominentLook(const QString& symbol)
             .textSize = style::typeSize::body,
             .weight = QFont::Medium,
             .tint = Tint(QColor(Qt::white)),
-            .ground = Tint::accent(),
+            .ground = Tint(style::accentGround),
             .padding = {12, 6, 14, 6},
             .spacing = 6};
 }

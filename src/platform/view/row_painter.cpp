@@ -1,6 +1,7 @@
 #include "platform/view/row_painter.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -40,7 +41,7 @@ void paintLine(QPainter& painter, const QRect& rectangle, const QList<RowText>& 
     for (qsizetype i = 0; i < pieces.size(); ++i) {
         const RowText& piece = pieces[i];
         painter.setFont(piece.font);
-        painter.setPen(piece.tint.in(appearance));
+        painter.setPen(style::ink(piece.tint, appearance));
         const QString shown = QFontMetrics(piece.font).elidedText(bounded(piece), piece.elideMode, widths[i]);
         painter.drawText(QRect(x, rectangle.top(), widths[i], rectangle.height()),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
@@ -95,7 +96,7 @@ void paintRow(QPainter& painter, const QRect& rectangle, const Row& row, int tra
     QRect place = rectangle.adjusted(sideSpace, 0, -sideSpace - trailingSpace, 0);
     if (!row.symbol.isEmpty()) {
         const QRectF box(place.left(), place.top() + (place.height() - symbolSize) / 2.0, symbolSize, symbolSize);
-        icons::paint(painter, row.symbol, box, row.symbolTint.in(appearance));
+        icons::paint(painter, row.symbol, box, style::ink(row.symbolTint, appearance));
         place.setLeft(place.left() + symbolSize + pieceSpace);
     }
     if (place.width() <= 0) {

@@ -49,7 +49,7 @@ protected:
             // A raised ground over a faint shadow.
             painter.setBrush(QColor(0, 0, 0, isDark ? 60 : 36));
             painter.drawRoundedRect(box.adjusted(0, 1, 0, 0), cornerRadius - inset, cornerRadius - inset);
-            painter.setBrush(isDark ? QColor(106, 106, 110) : QColor(Qt::white));
+            painter.setBrush(isDark ? QColor(99, 99, 103) : QColor(Qt::white));
             painter.drawRoundedRect(box.adjusted(0, 0, 0, -1), cornerRadius - inset, cornerRadius - inset);
         } else if (underMouse() || isDown()) {
             painter.setBrush(Tint::primary().at(isDown() ? style::pressedOpacity : style::hoverOpacity).on(*this));

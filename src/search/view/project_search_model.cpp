@@ -1,5 +1,6 @@
 #include "search/view/project_search_model.h"
 
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 #include "platform/text/shown_name.h"
@@ -85,7 +86,7 @@ void ProjectSearchDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
     const QRect inner = option.rect.adjusted(padding, 4, -padding, -4);
     const QFont nameFont = style::headlineFont();
     painter->setFont(nameFont);
-    painter->setPen(Tint::accent().in(appearance));
+    painter->setPen(style::ink(Tint::accent(), appearance));
     painter->drawText(inner, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
                       QFontMetrics(nameFont).elidedText(index.data().toString(), Qt::ElideMiddle, inner.width()));
     const QFont lineFont = style::monospaced(lineFontSize);

@@ -19,7 +19,7 @@ namespace kelm {
 
 namespace {
 
-constexpr QSize windowSize(620, 520);
+constexpr QSize windowSize(620, 564);
 
 struct TabTitle
 {

@@ -1,6 +1,7 @@
 #include "settings/view/theme_settings_view.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
@@ -58,7 +59,7 @@ public:
             option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, static_cast<int>(place.width())));
         if (index.data(currentRole).toBool()) {
             icons::paint(*painter, u"checkmark"_s, QRectF(box.right() - 20, box.center().y() - 6, 12, 12),
-                         Tint::accent().in(appearance));
+                         style::ink(Tint::accent(), appearance));
         }
         if (option.state.testFlag(QStyle::State_HasFocus)) {
             style::drawFocusRing(*painter, box, style::radius::control, *option.widget);

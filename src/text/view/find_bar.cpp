@@ -36,10 +36,11 @@ FindBar::FindBar(TextView& view)
       caseToggle_(makeToggle(QStringLiteral("Aa"), tr("Match case"))),
       wordToggle_(makeToggle(QStringLiteral("W"), tr("Whole words"))),
       patternToggle_(makeToggle(QStringLiteral(".*"), tr("Regular expression"))),
-      replaceRow_(new QWidget(this))
+      replaceRow_(new QWidget(this)),
+      options_(new QWidget(this)),
+      replaceButtons_(new QWidget(replaceRow_))
 {
     setAutoFillBackground(true);
-    setFrameShape(QFrame::StyledPanel);
     setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(tr("Find"));
     setAccessibleRole(*status_, QAccessible::Notification);
@@ -83,9 +84,17 @@ void FindBar::open(bool withReplace)
     replaceRow_->setVisible(replaces);
     readSelection();
     origin_ = searched_.selectedRange().location;
+    const CaretPlace caret = view_.editor().selections().primary().head;
+    const bool isInSight = view_.viewport()->rect().contains(view_.caretRect(caret).center().toPoint());
     show();
     raise();
+    // The type may be another by now.
+    fittedWidth_ = -1;
     placeOverView();
+    if (isInSight) {
+        // At the lower edge, the bar has pushed its line out.
+        view_.scrollRangeToVisible({caret.offset, 0});
+    }
     restart();
     findField_->setFocus(Qt::ShortcutFocusReason);
     findField_->selectAll();
@@ -342,6 +351,7 @@ void FindBar::placeOverView()
         return;
     }
     const int width = view_.viewport()->width();
+    fitRows(width);
     const int height = sizeHint().height();
     setGeometry(0, 0, width, height);
     view_.setTopObscured(height);

@@ -11,6 +11,7 @@
 #include <functional>
 #include <optional>
 
+class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QToolButton;
@@ -48,15 +49,20 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     /// Tab goes round the bar's fields and buttons: behind the bar is a text in which it would type.
     bool focusNextPrevChild(bool next) override;
 
 private:
-    static constexpr int statusWidth = 180;
-
     QToolButton* makeButton(const QString& text, const QString& help);
     QToolButton* makeToggle(const QString& text, const QString& help);
     void buildRows();
+    /// Shares out a width among what can give way: first the status becomes narrower, then the fields, and then the
+    /// buttons go below their fields.
+    void fitRows(int width);
+    void setNarrow(bool isNarrow);
+    /// Cut where it finds no room, and then whole as the help text.
+    void showStatus(const QString& text);
     void readSelection();
     /// Selects what `find` finds.
     void step(const std::function<std::optional<TextRange>()>& find);
@@ -82,6 +88,15 @@ private:
     QToolButton* wordToggle_;
     QToolButton* patternToggle_;
     QWidget* replaceRow_;
+    /// What stands behind the field of each row, or below it where the bar is narrow.
+    QWidget* options_;
+    QWidget* replaceButtons_;
+    QToolButton* done_ = nullptr;
+    QGridLayout* findRow_ = nullptr;
+    QGridLayout* replaceGrid_ = nullptr;
+    bool isNarrow_ = false;
+    /// The width that the rows were last fitted to: each scrolling asks for it again.
+    int fittedWidth_ = -1;
     /// Where in the whole text the caret stood when the text looked for was last typed.
     qsizetype origin_ = 0;
 };

@@ -101,8 +101,8 @@ public:
 
     /// The find bar, made when it is first asked for.
     FindBar& findBar();
-    /// How much at the top of the viewport something lies over the text, in points: what is scrolled to is put below
-    /// it, and the first line can be scrolled out from under it.
+    /// How much at the top of the viewport something lies over the text, in points: the text goes down by as much, what
+    /// is scrolled to is put below it, and the first line can be scrolled out from under it.
     void setTopObscured(qreal height);
 
     /// The part of the page that is on screen.

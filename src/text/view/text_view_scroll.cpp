@@ -270,9 +270,10 @@ void TextView::updateWrapWidth()
 
 void TextView::setTopObscured(qreal height)
 {
-    if (height != topObscured_) {
+    const qreal more = height - topObscured_;
+    if (more != 0) {
         topObscured_ = height;
-        syncScrollBar();
+        scrollBy(-more);
     }
 }
 

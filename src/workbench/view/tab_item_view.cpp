@@ -2,6 +2,7 @@
 
 #include "platform/desktop/workspace.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/text/platform_words.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/accessible_role.h"
@@ -243,7 +244,7 @@ void TabItemView::paintChip(QPainter& painter, const QRectF& chip) const
     painter.drawRoundedRect(chip, chipRadius, chipRadius);
     const qreal inset = (chipSize - languageIconSize) / 2.0;
     icons::paint(painter, document_->language().iconName(), chip.adjusted(inset, inset, -inset, -inset),
-                 tint.on(*this));
+                 style::ink(tint, *this));
 }
 
 void TabItemView::paintEvent(QPaintEvent*)

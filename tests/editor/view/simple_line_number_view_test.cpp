@@ -1,10 +1,12 @@
 #include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
 #include "platform/style/view/style.h"
+#include "support/ink_recorder.h"
 #include "support/test_program.h"
 
 #include <QtTest>
 
+#include <cmath>
 #include <memory>
 
 namespace simple_line_number_view_test {
@@ -74,6 +76,8 @@ private Q_SLOTS:
     void hiddenLinesAreNotSkippedOver();
     void thePointingHandShowsOverTriangles();
     void numbersStandRightAligned();
+    void longNumbersAreWhole_data();
+    void longNumbersAreWhole();
 };
 
 void SimpleLineNumberViewTest::anEmptyTextHasOneNumberAndNoClicks()
@@ -244,6 +248,31 @@ void SimpleLineNumberViewTest::numbersStandRightAligned()
         }
     }
     QVERIFY(drawn);
+}
+
+void SimpleLineNumberViewTest::longNumbersAreWhole_data()
+{
+    QTest::addColumn<int>("digits");
+    for (const int digits : {5, 6, 7, 8}) {
+        QTest::addRow("%d digits", digits) << digits;
+    }
+}
+
+void SimpleLineNumberViewTest::longNumbersAreWhole()
+{
+    QFETCH(int, digits);
+    Fixture fixture(QString(static_cast<qsizetype>(std::pow(10, digits - 1)) + 20, u'\n'));
+    fixture.text.scrollToY(fixture.text.pageHeight());
+    const std::vector<test::Ink> inks = test::inksOf(fixture.gutter);
+    QVERIFY(!inks.empty());
+    const test::Ink& last = inks.back();
+    QCOMPARE(last.text.size(), digits);
+    // Eight points from the right as ever, and not cut at the left.
+    QVERIFY2(last.place.left() > 0, qPrintable(QString::number(last.place.left())));
+    QVERIFY(last.place.right() <= 55 - 8);
+    // Up to six digits find room in figures of the common size.
+    const int common = QFontMetrics(style::monospaced(12)).height();
+    QCOMPARE(last.place.height() >= common, digits <= 6);
 }
 
 const kelm::test::Registered<SimpleLineNumberViewTest> registered(kelm::test::Toolkit::widgets);

@@ -1,6 +1,7 @@
 #include "files/view/file_item_row.h"
 #include "files/view/file_tree_model.h"
 #include "files/view/file_tree_view.h"
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
@@ -76,7 +77,7 @@ QImage picture(const Row& row, QStyle::State state = {})
 
 QImage symbol(const QString& name, int size, SystemColor color)
 {
-    return symbolOn(ground(), name, size, systemColor(color, Appearance::dark));
+    return symbolOn(ground(), name, size, style::ink(color, Appearance::dark));
 }
 
 } // namespace
@@ -175,7 +176,7 @@ void FileItemRowTest::theBadgeStandsAtTheEndInItsColour()
     QPainter painter(&expected);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(style::interfaceFont(10, QFont::Bold));
-    painter.setPen(systemColor(color, Appearance::dark));
+    painter.setPen(style::ink(color, Appearance::dark));
     painter.drawText(QRect(0, 0, width - trailing, height), Qt::AlignRight | Qt::AlignVCenter, badge);
     painter.end();
     const QRect end(width / 2, 0, width / 2, height);

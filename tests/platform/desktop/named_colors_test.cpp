@@ -33,8 +33,8 @@ void NamedColorsTest::systemColorsHaveTheirFixedValues_data()
     QTest::newRow("purple") << SystemColor::purple << QColor(191, 90, 242) << QColor(175, 82, 222);
     QTest::newRow("gray") << SystemColor::gray << QColor(152, 152, 157) << QColor(142, 142, 147);
     QTest::newRow("primary label") << SystemColor::primaryLabel << QColor(255, 255, 255, 217) << QColor(0, 0, 0, 217);
-    QTest::newRow("secondary label") << SystemColor::secondaryLabel << QColor(255, 255, 255, 140)
-                                     << QColor(0, 0, 0, 128);
+    QTest::newRow("secondary label") << SystemColor::secondaryLabel << QColor(255, 255, 255, 153)
+                                     << QColor(0, 0, 0, 153);
     QTest::newRow("window") << SystemColor::windowBackground << QColor(50, 50, 50) << QColor(236, 236, 236);
     QTest::newRow("control") << SystemColor::controlBackground << QColor(30, 30, 30) << QColor(255, 255, 255);
     QTest::newRow("accent is blue") << SystemColor::accent << QColor(10, 132, 255) << QColor(0, 122, 255);

@@ -29,7 +29,7 @@ void LabelsTest::tintsFollowTheAppearanceAndMultiplyOpacities()
     QCOMPARE(Tint::accent().in(Appearance::dark), systemColor(SystemColor::accent, Appearance::dark));
     QCOMPARE(Tint::accent().in(Appearance::light), systemColor(SystemColor::accent, Appearance::light));
     const QColor thin = Tint::secondary().at(0.5).at(0.4).in(Appearance::dark);
-    QVERIFY(qAbs(thin.alphaF() - 0.55 * 0.2) < 0.003);
+    QVERIFY(qAbs(thin.alphaF() - 0.6 * 0.2) < 0.003);
     QCOMPARE(Tint(QColor(1, 2, 3)).in(Appearance::light), QColor(1, 2, 3));
     QCOMPARE(Tint::clear().in(Appearance::light).alpha(), 0);
 }

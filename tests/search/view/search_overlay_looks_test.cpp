@@ -1,3 +1,4 @@
+#include "platform/style/view/ink.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "search/view/go_to_line_view.h"
@@ -74,7 +75,7 @@ QImage expectedRow(QSize size, const QColor& ground, const QString& name, const 
     painter.setRenderHint(QPainter::Antialiasing);
     const QRect inner = image.rect().adjusted(12, 4, -12, -4);
     painter.setFont(style::headlineFont());
-    painter.setPen(systemColor(SystemColor::accent, Appearance::dark));
+    painter.setPen(style::ink(SystemColor::accent, Appearance::dark));
     painter.drawText(inner, Qt::AlignLeft | Qt::AlignTop, name);
     painter.setFont(style::monospaced(11));
     painter.setPen(systemColor(SystemColor::primaryLabel, Appearance::dark));

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void initTestCase() { style::installOn(*qApp); }
 
     void theTabsStandInTheirOrder();
+    void everyPageHasRoomForItsRows();
     void openingWritesNothing();
     void aFreshStoreShowsTheDefaults();
     void aToggleIsWrittenAtOnce();
@@ -126,6 +127,23 @@ void SettingsViewTest::theTabsStandInTheirOrder()
         QVERIFY(fixture.view.page(static_cast<SettingsView::Tab>(tab))->isVisible());
     }
     QCOMPARE(labels, (QStringList{u"General"_s, u"Editor"_s, u"Themes"_s, u"Keybindings"_s, u"Extensions"_s}));
+}
+
+void SettingsViewTest::everyPageHasRoomForItsRows()
+{
+    Fixture fixture;
+    for (const SettingsView::Tab tab : {SettingsView::general, SettingsView::editor, SettingsView::themes,
+                                        SettingsView::keybindings, SettingsView::extensions}) {
+        fixture.view.select(tab);
+        QWidget& page = *fixture.view.page(tab);
+        QVERIFY(page.height() >= page.minimumSizeHint().height());
+        for (auto* box : page.findChildren<QComboBox*>()) {
+            QCOMPARE(box->height(), box->sizeHint().height());
+        }
+        for (auto* button : page.findChildren<PlainButton*>()) {
+            QVERIFY(!button->isVisible() || button->height() >= button->sizeHint().height());
+        }
+    }
 }
 
 void SettingsViewTest::openingWritesNothing()

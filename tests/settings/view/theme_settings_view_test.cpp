@@ -1,3 +1,4 @@
+#include "platform/style/view/ink.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/settings_view.h"
@@ -50,7 +51,7 @@ struct Fixture
             const QImage image = row(index);
             const QRect place(image.width() - 24, image.height() / 2 - 6, 12, 12);
             const QColor ground = image.pixelColor(place.left() - 4, image.height() / 2);
-            const QColor accent = systemColor(SystemColor::accent, Appearance::dark);
+            const QColor accent = style::ink(SystemColor::accent, Appearance::dark);
             if (isSame(image.copy(place), symbolOn(ground, u"checkmark"_s, 12, accent))) {
                 rows.append(index);
             } else if (!isPlain(image.copy(place), ground)) {

@@ -100,6 +100,12 @@ private Q_SLOTS:
     void tabGoesRoundTheBar();
     void keysOfTheBarsButtonsAreNotTyped();
     void escapeInTheTextClosesTheBar();
+    void nothingOverlapsAtAnyWidth_data();
+    void nothingOverlapsAtAnyWidth();
+    void theStatusGivesWayBeforeTheFields();
+    void theTextGoesDownWithTheBarAndComesBack();
+    void theCaretsLineStaysInSight_data();
+    void theCaretsLineStaysInSight();
 };
 
 void FindBarTest::openingKeepsTheCaretAndTakesTheKeyboard()
@@ -465,6 +471,107 @@ void FindBarTest::escapeInTheTextClosesTheBar()
     QTest::keyClick(&fixture.view, Qt::Key_Escape);
     QVERIFY(!fixture.bar().isVisible());
     QVERIFY(fixture.view.hasFocus());
+}
+
+void FindBarTest::nothingOverlapsAtAnyWidth_data()
+{
+    QTest::addColumn<int>("width");
+    for (const int width : {210, 300, 400, 420, 480, 560, 640, 720, 900, 1600}) {
+        QTest::addRow("%d points", width) << width;
+    }
+}
+
+void FindBarTest::nothingOverlapsAtAnyWidth()
+{
+    QFETCH(int, width);
+    Fixture fixture(QStringLiteral("one two one"));
+    fixture.open(QStringLiteral("one"), true);
+    fixture.view.resize(width + fixture.view.width() - fixture.view.viewport()->width(), 400);
+    QTRY_COMPARE(fixture.bar().height(), fixture.bar().sizeHint().height());
+    QCOMPARE(fixture.bar().width(), width);
+    QList<QWidget*> parts;
+    for (auto* part : fixture.bar().findChildren<QWidget*>()) {
+        const bool isPart =
+            qobject_cast<QLineEdit*>(part) != nullptr || qobject_cast<QLabel*>(part) != nullptr ||
+            (qobject_cast<QToolButton*>(part) != nullptr && qobject_cast<QLineEdit*>(part->parentWidget()) == nullptr);
+        if (isPart && part->isVisible()) {
+            parts.append(part);
+        }
+    }
+    QCOMPARE(parts.size(), 11);
+    const auto place = [&](QWidget* part) { return QRect(part->mapTo(&fixture.bar(), QPoint()), part->size()); };
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        QVERIFY2(fixture.bar().rect().contains(place(parts[i])), qPrintable(parts[i]->accessibleName()));
+        if (qobject_cast<QToolButton*>(parts[i]) != nullptr) {
+            QVERIFY(parts[i]->width() >= parts[i]->sizeHint().width());
+        }
+        for (qsizetype j = i + 1; j < parts.size(); ++j) {
+            QVERIFY2(!place(parts[i]).intersects(place(parts[j])),
+                     qPrintable(parts[i]->accessibleName() + u'/' + parts[j]->accessibleName()));
+        }
+    }
+    // The count of what was found is told in full where windows have their common sizes, and the field has room for a
+    // word.
+    QVERIFY(width < 400 || fixture.bar().findChild<QLabel*>()->text() == QStringLiteral("1 of 2"));
+    QVERIFY(fixture.field("Find")->width() >= 110);
+    QCOMPARE(fixture.field("Replace")->width(), fixture.field("Find")->width());
+}
+
+void FindBarTest::theStatusGivesWayBeforeTheFields()
+{
+    Fixture fixture(QStringLiteral("one"));
+    fixture.open(QStringLiteral("one"));
+    auto* status = fixture.bar().findChild<QLabel*>();
+    const auto widthsAt = [&](int width) {
+        fixture.view.resize(width, 400);
+        QCoreApplication::processEvents();
+        return std::pair(fixture.field("Find")->width(), status->width());
+    };
+    QCOMPARE(widthsAt(1000), std::pair(260, 180));
+    const auto [field, narrowed] = widthsAt(600);
+    QCOMPARE(field, 260);
+    QVERIFY(narrowed < 180);
+    const auto [narrowField, least] = widthsAt(430);
+    QVERIFY(narrowField < 260);
+    QVERIFY(least < narrowed);
+}
+
+void FindBarTest::theTextGoesDownWithTheBarAndComesBack()
+{
+    Fixture fixture(QString(QStringLiteral("line\n")).repeated(200));
+    const qreal before = fixture.view.caretRect({0, false}).top();
+    fixture.view.showFindBar();
+    QCOMPARE(fixture.view.caretRect({0, false}).top(), before + fixture.bar().height());
+    // A second row pushes it further.
+    fixture.view.showReplaceBar();
+    QCOMPARE(fixture.view.caretRect({0, false}).top(), before + fixture.bar().height());
+    fixture.bar().close();
+    QCOMPARE(fixture.view.caretRect({0, false}).top(), before);
+}
+
+void FindBarTest::theCaretsLineStaysInSight_data()
+{
+    QTest::addColumn<qreal>("scrolledTo");
+    QTest::addColumn<qreal>("place");
+    QTest::newRow("first row of the page") << 0.0 << 0.0;
+    QTest::newRow("first row on screen") << 500.0 << 0.0;
+    QTest::newRow("last row on screen") << 500.0 << 0.95;
+    QTest::newRow("end of the text") << 1e9 << 0.95;
+}
+
+void FindBarTest::theCaretsLineStaysInSight()
+{
+    QFETCH(qreal, scrolledTo);
+    QFETCH(qreal, place);
+    Fixture fixture(QString(QStringLiteral("line\n")).repeated(200));
+    fixture.view.scrollToY(scrolledTo);
+    const std::vector<TextRow> rows = fixture.view.visibleRows();
+    const auto index = static_cast<std::size_t>(place * static_cast<qreal>(rows.size() - 2)) + 1;
+    fixture.view.setSelectedRange({rows[index].range.location, 0});
+    fixture.view.showReplaceBar();
+    const QRectF caret = fixture.view.caretRect({rows[index].range.location, false});
+    QVERIFY(caret.top() >= fixture.bar().height());
+    QVERIFY(caret.bottom() <= fixture.view.viewport()->height());
 }
 
 const kelm::test::Registered<FindBarTest> registered(kelm::test::Toolkit::widgets);

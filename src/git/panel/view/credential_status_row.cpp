@@ -1,6 +1,7 @@
 #include "git/panel/view/credential_status_row.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/labels.h"
@@ -61,7 +62,7 @@ void CredentialChip::paintEvent(QPaintEvent*)
     painter.setBrush(tint.at(isPresent_ ? presentOpacity : absentOpacity).on(*this));
     painter.drawRoundedRect(QRectF(rect()), chipHeight / 2.0, chipHeight / 2.0);
     icons::paint(painter, isPresent_ ? u"checkmark.circle.fill"_s : u"circle"_s,
-                 QRectF(sidePadding, (chipHeight - symbolSize) / 2.0, symbolSize, symbolSize), tint.on(*this));
+                 QRectF(sidePadding, (chipHeight - symbolSize) / 2.0, symbolSize, symbolSize), style::ink(tint, *this));
     painter.setFont(labelFont());
     painter.setPen((isPresent_ ? Tint::primary() : Tint::secondary()).on(*this));
     painter.drawText(rect().adjusted(sidePadding + symbolSize + spacing, 0, 0, 0),

@@ -1,6 +1,7 @@
 #include "git/panel/view/source_control_tab_bar.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 
@@ -91,7 +92,7 @@ void SourceControlTabButton::paintEvent(QPaintEvent*)
         fill(Tint::primary().at(isDown() ? style::pressedOpacity : style::hoverOpacity));
     }
 
-    const QColor color = (isChecked() ? Tint::accent() : Tint::primary().at(labelOpacity)).on(*this);
+    const QColor color = style::ink(isChecked() ? Tint::accent() : Tint::primary().at(labelOpacity), *this);
     icons::paint(painter, symbol(tab_), QRectF(padding, (height() - symbolSize) / 2.0, symbolSize, symbolSize), color);
     const int badgeSpace = badge_.isEmpty() ? 0 : spacing + badgeWidth();
     const QFontMetrics metrics(labelFont());

@@ -5,6 +5,7 @@
 #include "git/diff/unified_hunk_lines.h"
 #include "git/viewer/view/selective_rounded_shape.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
 
@@ -209,7 +210,7 @@ void DiffPainter::paintHunkHeader(qsizetype file, qsizetype hunk)
     const QRectF place(textLeft, header.top(), std::max(0.0, left_ + scene_.hunkHeaderTextEnd - textLeft),
                        header.height());
     painter_.setFont(scene_.fonts.hunkHeader);
-    painter_.setPen(color(SystemColor::blue));
+    painter_.setPen(style::ink(SystemColor::blue, widget_));
     // Longer than any row: the rest would be measured in vain.
     constexpr qsizetype longest = 1000;
     const QString text = drawnText(QStringView(shown.hunks[hunk].header).left(longest)).text;
@@ -360,8 +361,9 @@ void DiffPainter::paintBody(const Line& line, qint32 oldLine, qint32 newLine)
         if (selected) {
             fill(*selected, color(Tint::accent().at(selectionGround)));
         }
-        painter_.setPen(color(scene_.layout.mode() == DiffViewMode::unified ? unifiedText(line.line.kind)
-                                                                            : sideText(line.line.kind, column.side)));
+        const bool isUnified = scene_.layout.mode() == DiffViewMode::unified;
+        painter_.setPen(
+            style::ink(isUnified ? unifiedText(line.line.kind) : sideText(line.line.kind, column.side), widget_));
         shown.draw(painter_, QPointF(column.bodyLeft, baseline(top)));
     }
 }

@@ -97,7 +97,7 @@ void drawCheckBox(const QStyleOption& option, QPainter& painter)
     const QRectF box = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setOpacity(isEnabled ? 1 : 0.4);
+    painter.setOpacity(isEnabled ? 1 : 0.5);
     painter.setPen(isChecked ? QPen(Qt::NoPen) : QPen(line, 1));
     painter.setBrush(option.palette.color(QPalette::Normal, isChecked ? QPalette::Highlight : QPalette::Base));
     painter.drawRoundedRect(isChecked ? QRectF(option.rect) : box, radius, radius);
@@ -144,8 +144,7 @@ void drawField(const QStyleOptionFrame& option, QPainter& painter)
     painter.setBrush(option.palette.color(QPalette::Base));
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     if (option.state.testFlag(QStyle::State_HasFocus)) {
-        drawFocusRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Highlight),
-                      radius);
+        drawFocusRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Link), radius);
     }
     painter.restore();
 }
@@ -168,7 +167,7 @@ void drawTab(const QStyleOptionTab& option, QPainter& painter)
     if (option.state.testFlag(QStyle::State_HasFocus)) {
         painter.setRenderHint(QPainter::Antialiasing);
         drawFocusRing(painter, QRectF(option.rect).adjusted(0, 0, -1, 0),
-                      option.palette.color(QPalette::Normal, QPalette::Highlight), 0);
+                      option.palette.color(QPalette::Normal, QPalette::Link), 0);
     }
     painter.restore();
 }
@@ -219,8 +218,7 @@ void drawPushButton(const QStyleOptionButton& option, QPainter& painter)
         painter.drawRoundedRect(box, radius, radius);
     }
     if (option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
-        drawFocusRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Highlight),
-                      radius);
+        drawFocusRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Link), radius);
     }
     painter.restore();
 }

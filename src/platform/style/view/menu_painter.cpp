@@ -76,7 +76,7 @@ void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter)
                                 style::radius::chip, style::radius::chip);
     }
     const QColor highlighted = option.palette.color(QPalette::Active, QPalette::HighlightedText);
-    const QColor color = isHighlighted ? highlighted : labelColor(option, isEnabled ? 0.85 : 0.3);
+    const QColor color = isHighlighted ? highlighted : labelColor(option, isEnabled ? 0.85 : 0.42);
     const QRect inner = option.rect.adjusted(highlightInset + textInset, 0, -highlightInset - textInset, 0);
     if (option.checkType != QStyleOptionMenuItem::NotCheckable && option.checked) {
         icons::paint(painter, QStringLiteral("checkmark"),
@@ -89,7 +89,7 @@ void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter)
     painter.drawText(textPlace, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic,
                      option.text.left(tab));
     if (tab >= 0) {
-        painter.setPen(isHighlighted ? highlighted : labelColor(option, isEnabled ? 0.5 : 0.25));
+        painter.setPen(isHighlighted ? highlighted : labelColor(option, isEnabled ? 0.6 : 0.42));
         painter.drawText(textPlace, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, option.text.mid(tab + 1));
     }
     if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {

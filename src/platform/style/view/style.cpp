@@ -2,6 +2,8 @@
 
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/control_painter.h"
+#include "platform/style/view/ink.h"
+#include "platform/style/view/input_painter.h"
 #include "platform/style/view/menu_painter.h"
 #include "platform/style/view/standard_icons.h"
 
@@ -9,11 +11,17 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLayout>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QSlider>
 #include <QStyleFactory>
+#include <QStyleOptionComboBox>
 #include <QStyleOptionSlider>
+#include <QTextEdit>
+#include <QToolButton>
 
 namespace kelm::style {
 
@@ -75,7 +83,7 @@ QFont interfaceFont(int pixelSize, QFont::Weight weight)
 
 void drawFocusRing(QPainter& painter, const QRectF& box, qreal cornerRadius, const QWidget& widget)
 {
-    kelm::drawFocusRing(painter, box, widget.palette().color(QPalette::Active, QPalette::Highlight), cornerRadius);
+    kelm::drawFocusRing(painter, box, widget.palette().color(QPalette::Active, QPalette::Link), cornerRadius);
 }
 
 QPalette palette(Appearance appearance)
@@ -98,8 +106,8 @@ QPalette palette(Appearance appearance)
     palette.setColor(QPalette::BrightText, label);
     palette.setColor(QPalette::ToolTipBase, isDark ? QColor(64, 64, 64) : QColor(246, 246, 246));
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, withAlpha(label, 0.45F));
-    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::PlaceholderText, withAlpha(label, 0.6F));
+    palette.setColor(QPalette::Highlight, accentGround);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent);
     palette.setColor(QPalette::Mid, isDark ? QColor(70, 70, 70) : QColor(200, 200, 200));
@@ -107,7 +115,7 @@ QPalette palette(Appearance appearance)
     palette.setColor(QPalette::Light, isDark ? QColor(80, 80, 80) : QColor(255, 255, 255));
     palette.setColor(QPalette::Shadow, QColor(0, 0, 0, 80));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, withAlpha(label, 0.27F));
+        palette.setColor(QPalette::Disabled, role, withAlpha(label, 0.42F));
     }
     palette.setColor(QPalette::Disabled, QPalette::Highlight, withAlpha(label, 0.1F));
     return palette;
@@ -134,6 +142,9 @@ namespace kelm {
 namespace {
 
 constexpr int scrollBarExtent = 12;
+constexpr int sliderExtent = 18;
+/// Beside the text of a field, whose corners are round.
+constexpr int fieldMargin = 4;
 constexpr int tabVerticalSpace = 16;
 constexpr int messageBoxMargin = 20;
 
@@ -162,6 +173,12 @@ void KelmStyle::drawControl(ControlElement element, const QStyleOption* option, 
         painter->fillRect(option->rect, option->palette.window());
     } else if (element == CE_PushButtonBevel && button != nullptr) {
         drawPushButton(*button, *painter);
+    } else if (element == CE_PushButtonLabel && button != nullptr) {
+        const QStyleOptionButton label = pushButtonLabelOption(*button);
+        QProxyStyle::drawControl(element, &label, painter, widget);
+    } else if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+               element == CE_ComboBoxLabel && box != nullptr) {
+        drawComboBoxLabel(*box, *painter);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
@@ -173,6 +190,15 @@ void KelmStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
     const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control == CC_ScrollBar && slider != nullptr) {
         drawScrollBar(*slider, *painter, subControlRect(control, option, SC_ScrollBarSlider, widget));
+        return;
+    }
+    if (control == CC_Slider && slider != nullptr && slider->tickPosition == QSlider::NoTicks) {
+        drawSlider(*slider, *painter);
+        return;
+    }
+    const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (control == CC_ComboBox && box != nullptr) {
+        drawComboBox(*box, *painter);
         return;
     }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
@@ -200,8 +226,27 @@ void KelmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         drawField(*frame, *painter);
         return;
     }
+    const bool isTextField =
+        qobject_cast<const QPlainTextEdit*>(widget) != nullptr || qobject_cast<const QTextEdit*>(widget) != nullptr;
+    if (element == PE_Frame && isTextField) {
+        drawTextFieldFrame(*option, *painter);
+        return;
+    }
     if (element == PE_IndicatorCheckBox) {
         drawCheckBox(*option, *painter);
+        return;
+    }
+    if (element == PE_IndicatorRadioButton) {
+        drawRadioButton(*option, *painter);
+        return;
+    }
+    if (element == PE_PanelButtonTool) {
+        drawToolButtonGround(*option, *painter);
+        return;
+    }
+    if (element == PE_FrameFocusRect) {
+        drawFocusRing(*painter, QRectF(option->rect), option->palette.color(QPalette::Normal, QPalette::Link),
+                      style::radius::chip);
         return;
     }
     QProxyStyle::drawPrimitive(element, option, painter, widget);
@@ -214,6 +259,13 @@ QRect KelmStyle::subControlRect(ComplexControl control, const QStyleOptionComple
     if (control == CC_ScrollBar && slider != nullptr) {
         return visualRect(option->direction, option->rect, scrollBarPart(*slider, part));
     }
+    if (control == CC_Slider && slider != nullptr && slider->tickPosition == QSlider::NoTicks) {
+        return sliderPart(*slider, part);
+    }
+    const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (control == CC_ComboBox && box != nullptr && part != SC_ComboBoxListBoxPopup) {
+        return comboBoxPart(*box, part);
+    }
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
@@ -224,6 +276,9 @@ QSize KelmStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     if (type == CT_MenuItem && item != nullptr) {
         return menuItemSize(*item);
     }
+    if (type == CT_ComboBox) {
+        return comboBoxSize(contents);
+    }
     return QProxyStyle::sizeFromContents(type, option, contents, widget);
 }
 
@@ -232,6 +287,10 @@ int KelmStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     switch (metric) {
     case PM_ScrollBarExtent:
         return scrollBarExtent;
+    case PM_SliderLength:
+    case PM_SliderControlThickness:
+    case PM_SliderThickness:
+        return sliderExtent;
     case PM_ScrollBarSliderMin:
         return shortestThumb;
     case PM_SplitterWidth:
@@ -299,6 +358,13 @@ void KelmStyle::polish(QWidget* widget)
     }
     if (qobject_cast<QMessageBox*>(widget) != nullptr && widget->layout() != nullptr) {
         widget->layout()->setContentsMargins(messageBoxMargin, messageBoxMargin, messageBoxMargin, messageBoxMargin);
+    }
+    if (auto* field = qobject_cast<QLineEdit*>(widget);
+        field != nullptr && field->hasFrame() && field->textMargins().isNull()) {
+        field->setTextMargins(fieldMargin, 0, fieldMargin, 0);
+    }
+    if (qobject_cast<QSlider*>(widget) != nullptr || qobject_cast<QToolButton*>(widget) != nullptr) {
+        widget->setAttribute(Qt::WA_Hover);
     }
 }
 

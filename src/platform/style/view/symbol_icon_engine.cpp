@@ -54,7 +54,7 @@ bool SymbolIconEngine::isNull()
 
 QColor SymbolIconEngine::tintIn(QIcon::Mode mode) const
 {
-    constexpr float disabledOpacity = 0.4F;
+    constexpr float disabledOpacity = 0.5F;
     if (tint_) {
         QColor tint = *tint_;
         tint.setAlphaF(tint.alphaF() * (mode == QIcon::Disabled ? disabledOpacity : 1.0F));

@@ -1,6 +1,7 @@
 #include "workbench/status/view/status_bar_items.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 #include "platform/view/accessible_role.h"
 
 #include <QPainter>
@@ -52,7 +53,7 @@ void StatusBarItem::paintEvent(QPaintEvent*)
         painter.setBrush(Tint::primary().at(style::hoverOpacity).on(*this));
         painter.drawRoundedRect(rect(), style::radius::chip, style::radius::chip);
     }
-    const QColor color = (highlight_ ? Tint::accent() : Tint::secondary()).on(*this);
+    const QColor color = style::ink(highlight_ ? Tint::accent() : Tint::secondary(), *this);
     int x = horizontalPadding;
     if (!icon_.isEmpty()) {
         icons::paint(painter, icon_, QRectF(x, (height() - symbolExtent) / 2.0, symbolExtent, symbolExtent), color);

@@ -24,7 +24,7 @@ QImage symbolPicture(const QString& symbol, const QRectF& place, const Tint& tin
     picture.fill(ground);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    icons::paint(painter, symbol, place, tint.in(Appearance::dark));
+    icons::paint(painter, symbol, place, style::ink(tint, Appearance::dark));
     return picture;
 }
 

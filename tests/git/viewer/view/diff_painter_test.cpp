@@ -116,9 +116,9 @@ void DiffPainterTest::unifiedTextHasTheColourOfItsKind()
     const QColor base = shown.list().palette().color(QPalette::Base);
     const QColor context = over(base, Tint::primary());
     QVERIFY(isNear(rows.letter(0), context));
-    QVERIFY(isNear(rows.letter(1), over(base, SystemColor::red)));
+    QVERIFY(isNear(rows.letter(1), inkOver(base, SystemColor::red)));
     QVERIFY(isNear(rows.letter(2), context));
-    QVERIFY(isNear(rows.letter(3), over(base, SystemColor::green)));
+    QVERIFY(isNear(rows.letter(3), inkOver(base, SystemColor::green)));
     QVERIFY(isNear(rows.letter(4), over(over(base, Tint(SystemColor::gray).at(0.05)), Tint::secondary())));
 }
 
@@ -130,8 +130,8 @@ void DiffPainterTest::textOfASideHasTheColourOfItsKind()
     const Rows rows(shown);
     const QColor base = shown.list().palette().color(QPalette::Base);
     const QColor primary = over(base, Tint::primary());
-    const QColor red = over(base, SystemColor::red);
-    const QColor green = over(base, SystemColor::green);
+    const QColor red = inkOver(base, SystemColor::red);
+    const QColor green = inkOver(base, SystemColor::green);
     const auto sides = [&rows](qsizetype entry) {
         return std::pair(rows.letter(entry, Side::oldSide), rows.letter(entry, Side::newSide));
     };

@@ -621,7 +621,7 @@ void IconsTest::anIconOfItsOwnTintIsPaleWhileDisabled()
     QCOMPARE(normal, QColor(Qt::red));
     QCOMPARE(disabled.red(), 255);
     QCOMPARE(disabled.green(), 0);
-    QCOMPARE(disabled.alpha(), 102);
+    QCOMPARE(disabled.alpha(), 128);
 }
 
 void IconsTest::anIconHasTheSizeAndScaleAskedFor()
