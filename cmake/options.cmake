@@ -18,6 +18,14 @@ foreach(linker mold lld)
     break()
   endif()
 endforeach()
+# What a program that reads strangers' files is built with: checked copies, and tables that cannot be written over.
+if(NOT KELM_SANITIZE)
+  target_compile_options(kelm_options INTERFACE
+    $<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
+endif()
+if(CMAKE_SYSTEM_NAME STREQUAL Linux)
+  target_link_options(kelm_options INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now>)
+endif()
 if(KELM_SANITIZE)
   target_compile_options(kelm_options INTERFACE
     -fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer

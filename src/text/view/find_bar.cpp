@@ -316,18 +316,6 @@ void FindBar::showState()
     }
 }
 
-void FindBar::showStatus(const QString& text)
-{
-    status_->setText(fontMetrics().elidedText(text, Qt::ElideRight, statusWidth));
-    status_->setToolTip(text);
-    // Nothing is a label without a name.
-    status_->setHidden(text.isEmpty());
-    if (status_->accessibleName() != text) {
-        status_->setAccessibleName(text);
-        announce(*status_);
-    }
-}
-
 void FindBar::showHighlights()
 {
     const std::vector<TextRow> rows = view_.visibleRows();

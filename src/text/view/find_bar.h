@@ -61,8 +61,6 @@ private:
     /// buttons go below their fields.
     void fitRows(int width);
     void setNarrow(bool isNarrow);
-    /// Cut where it finds no room, and then whole as the help text.
-    void showStatus(const QString& text);
     void readSelection();
     /// Selects what `find` finds.
     void step(const std::function<std::optional<TextRange>()>& find);
@@ -72,6 +70,7 @@ private:
     void replaceAll();
     void putInAll(const ReplaceAllResult& result);
     void showState();
+    /// Cut where it finds no room, and then whole as the help text.
     void showStatus(const QString& text);
     void showHighlights();
     void placeOverView();

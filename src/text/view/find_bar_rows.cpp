@@ -1,4 +1,5 @@
 // The fields and buttons of a find bar, and the way of the keyboard round them.
+#include "platform/view/accessible_news.h"
 #include "text/view/find_bar.h"
 
 #include <QApplication>
@@ -144,6 +145,12 @@ void FindBar::showStatus(const QString& text)
 {
     status_->setText(status_->fontMetrics().elidedText(text, Qt::ElideRight, status_->maximumWidth()));
     status_->setToolTip(text);
+    // Nothing is a label without a name.
+    status_->setHidden(text.isEmpty());
+    if (status_->accessibleName() != text) {
+        status_->setAccessibleName(text);
+        announce(*status_);
+    }
 }
 
 void FindBar::paintEvent(QPaintEvent* event)
