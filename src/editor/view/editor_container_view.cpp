@@ -180,14 +180,12 @@ void EditorContainerView::scrollToLine(qsizetype line)
     textView_->scrollToY(std::max<qreal>(0, y));
 }
 
-void EditorContainerView::goToLine(qint64 line)
+void EditorContainerView::showPlace(LineAndColumn place)
 {
     textView_->commitComposition();
-    const TextTree whole = wholeText();
-    const qint64 last = whole.lineFeeds() + 1;
-    const TextRange start{whole.behindLineFeeds(qsizetype(std::clamp<qint64>(line, 1, last)) - 1), 0};
-    foldedText_.reveal(start);
-    const TextRange shown = foldedText_.shown(start);
+    const TextRange caret{offsetAt(wholeText(), place), 0};
+    foldedText_.reveal(caret);
+    const TextRange shown = foldedText_.shown(caret);
     textView_->setSelectedRange(shown);
     textView_->scrollRangeToVisible(shown);
 }

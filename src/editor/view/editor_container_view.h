@@ -10,6 +10,7 @@
 #include "editor/view/simple_line_number_view.h"
 #include "platform/events/notification_center.h"
 #include "platform/events/scheduler.h"
+#include "text/storage/text_position.h"
 #include "text/view/text_view.h"
 
 #include <QRectF>
@@ -86,9 +87,9 @@ public:
 
     /// Scrolls a line, counted from 1, to the middle of the view. Lines are reckoned as one row each.
     void scrollToLine(qsizetype line);
-    /// Puts the caret at the start of a line of the document, counted from 1, and scrolls there; folds that hide it are
-    /// undone. For a number without a line, that of the nearest one.
-    void goToLine(qint64 line);
+    /// Puts the caret at a place of the document's text, or the nearest that there is, and shows it, out of a fold if
+    /// need be.
+    void showPlace(LineAndColumn place);
 
     // TextViewDelegate
     void textDidChange() override;

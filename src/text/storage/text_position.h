@@ -19,4 +19,8 @@ struct LineAndColumn
 /// Where an offset stands, which is clamped to the text. Costs the way to two pieces, however long the line is.
 LineAndColumn lineAndColumnAt(const TextTree& text, qsizetype offset);
 
+/// The offset of a place: of a line or a column that the text has not, the nearest, and never between the two units of
+/// a character or of a line's end. Costs the same.
+qsizetype offsetAt(const TextTree& text, LineAndColumn place);
+
 } // namespace kelm
