@@ -114,12 +114,13 @@ void WaysOut::offerLine(qint64 line)
         lineNotice_ = appState_.notices().report(words + u": no text is open."_s);
         return;
     }
-    lineNotice_ = appState_.notices().report(words, {{u"Show"_s, [this, line] {
-                                                          if (EditorContainerView* editor = editors_.currentEditor()) {
-                                                              editor->showPlace({.line = qsizetype(line)});
-                                                              editors_.focusCurrentEditor();
-                                                          }
-                                                      }}});
+    lineNotice_ =
+        appState_.notices().report(words, {{u"Show"_s, [this, line] {
+                                                if (EditorContainerView* editor = editors_.currentEditor()) {
+                                                    editor->showPlace({qsizetype(std::max<qint64>(line, 1)), 1});
+                                                    editors_.focusCurrentEditor();
+                                                }
+                                            }}});
 }
 
 void WaysOut::settingChanged(const QString& key)

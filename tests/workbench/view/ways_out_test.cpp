@@ -376,6 +376,7 @@ void WaysOutTest::goToLineMovesNothingAndOffersTheLine_data()
     QTest::newRow("below") << u"-5"_s << u"Line -5"_s << u"1"_s;
     QTest::newRow("none") << u"0"_s << u"Line 0"_s << u"1"_s;
     QTest::newRow("beyond") << u"99999"_s << u"Line 99999"_s << u"203"_s;
+    QTest::newRow("far below") << u"-9223372036854775808"_s << u"Line -9223372036854775808"_s << u"1"_s;
     QTest::newRow("far beyond") << u"9223372036854775807"_s << u"Line 9223372036854775807"_s << u"203"_s;
 }
 

@@ -62,7 +62,7 @@ xcb_atom_t atom(xcb_connection_t* server, const char* name)
 {
     const xcb_intern_atom_cookie_t cookie = xcb_intern_atom(server, 0, quint16(std::strlen(name)), name);
     const Held<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
 
 /// A property of one number; `missing` where there is none.
