@@ -161,6 +161,17 @@ def drops(journey, window):
     journey.until_text("plain")
 
 
+def links_and_texts_onto_the_window(journey, window):
+    other = dragging.OtherProgram(journey)
+    text = text_with(journey, "plain")["place"]
+    link = b"kelmpane://open?code=bGluaw%3D%3D&lang=python"
+    journey.check(other.drop(window, (text[0] + 300, text[1] + 200), "text/uri-list", link), "a link was turned away")
+    journey.until_text("link")
+    x, y, width, _ = journey.place_of(window)
+    journey.check(other.drop(window, (x + width - 20, y + 84), "text/plain", b"on the tabs"), "a text was turned away")
+    journey.until_text("on the tabs")
+
+
 def rows_of_changes(journey):
     """A row of what has changed goes out as its file, and is not opened by that."""
     folder = journey.home / "project"
@@ -178,6 +189,7 @@ def go(journey):
     saving_by_keys(journey, window)
     middle_button(journey)
     drops(journey, window)
+    links_and_texts_onto_the_window(journey, window)
     rows_of_changes(journey)
     middle_button_in_the_terminal(journey, window)
     journey.key("ctrl+q")

@@ -31,7 +31,7 @@ PrimarySelection::PrimarySelection(const TextEditor& editor, Claim claim) : edit
         // Not every platform deletes what it does not offer any more.
         QClipboard* const clipboard = QGuiApplication::clipboard();
         connect(clipboard, &QClipboard::selectionChanged, this, [this, clipboard] {
-            if (clipboard->supportsSelection() && !clipboard->ownsSelection()) {
+            if (!offered_.isNull() && clipboard->supportsSelection() && !clipboard->ownsSelection()) {
                 offered_ = nullptr;
             }
         });
