@@ -83,9 +83,16 @@ def takes_standard_input(journey):
     tab(journey, "Untitled")
     journey.until_text(text)
     journey.check(any(text.encode("utf-16-le") in copy for copy in unsaved.copies(journey)), "it is not kept")
+    close(journey, "Untitled")
+    pipe = journey.home / "pipe.txt"
+    pipe.write_text("waited for\n")
+    waiting = journey.spawn(journey.program, "--wait", "-", stdin=open(pipe, "rb"))
+    tab(journey, "Untitled")
+    journey.check(waiting.poll() is None, "it does not wait for standard input's tab")
+    close(journey, "Untitled")
+    journey.check(journey.ended(waiting) == 3, "standard input that was not saved")
     status, _, complaint = run(journey, "-", input=b"\xff\xfe")
     journey.check(status == 1 and complaint.count("\n") == 1, f"what is no text: {status}, {complaint!r}")
-    close(journey, "Untitled")
 
 
 def waits_for_tabs(journey):
@@ -141,6 +148,7 @@ def is_gits_editor(journey, program):
     journey.check(repository.git(journey, folder, "log", "-1", "--format=%s") == "By the editor", "the message")
     programs = journey.programs()
     journey.check(len(programs) == 1, "there is not one program")
+    journey.check(os.getsid(programs[0]) != os.getsid(0), "the editor ends with the terminal of git")
     environment = open(f"/proc/{programs[0]}/environ", "rb").read()
     journey.check(b"GIT_INDEX_FILE" not in environment and b"GIT_DIR" not in environment, "git's words stay")
 

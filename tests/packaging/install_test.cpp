@@ -47,6 +47,8 @@ private Q_SLOTS:
     void theIconIsThereAtEverySize_data();
     void theIconIsThereAtEverySize();
     void theManualPageIsThere();
+    void shellsFindTheirCompletions_data();
+    void shellsFindTheirCompletions();
     void theInstalledProgramStarts();
 
 private:
@@ -141,6 +143,22 @@ void InstallTest::theManualPageIsThere()
     QFile page(prefix_.filePath(u"share/man/man1/kelmwright.1.gz"_s));
     QVERIFY(page.open(QIODevice::ReadOnly));
     QVERIFY(page.read(2) == QByteArray("\x1f\x8b"));
+}
+
+void InstallTest::shellsFindTheirCompletions_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("bash") << u"share/bash-completion/completions/kelmwright"_s;
+    QTest::newRow("zsh") << u"share/zsh/vendor-completions/_kelmwright"_s;
+    QTest::newRow("fish") << u"share/fish/vendor_completions.d/kelmwright.fish"_s;
+}
+
+void InstallTest::shellsFindTheirCompletions()
+{
+    QFETCH(QString, file);
+    QFile completion(prefix_.filePath(file));
+    QVERIFY(completion.open(QIODevice::ReadOnly));
+    QVERIFY(completion.readAll().contains("wait"));
 }
 
 void InstallTest::theInstalledProgramStarts()

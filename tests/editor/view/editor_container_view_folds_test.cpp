@@ -109,6 +109,8 @@ class EditorContainerViewFoldsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aPlaceInAFoldIsShown();
+    void aPlaceBehindAFoldLeavesItFolded();
     void aCopyOfAFoldIsTheText();
     void aFoldThatIsCutComesBackWhole();
     void aPlaceholderThatIsPartlySelectedCountsWhole();
@@ -125,6 +127,25 @@ private Q_SLOTS:
     void matchesAreMarkedWhereTheyAreShown();
     void operationsMeanTheWholeText();
 };
+
+void EditorContainerViewFoldsTest::aPlaceInAFoldIsShown()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    QVERIFY(fixture.isFolded());
+    fixture.view->showPlace({4, 5});
+    QVERIFY(!fixture.isFolded());
+    QCOMPARE(fixture.text_().selectedRange(), (TextRange{functions.indexOf(QStringLiteral("deep one")), 0}));
+}
+
+void EditorContainerViewFoldsTest::aPlaceBehindAFoldLeavesItFolded()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    fixture.view->showPlace({8, 6});
+    QVERIFY(fixture.isFolded());
+    QCOMPARE(fixture.text_().selectedRange(), (TextRange{fixture.shown().indexOf(QStringLiteral("last one")) + 5, 0}));
+}
 
 void EditorContainerViewFoldsTest::aCopyOfAFoldIsTheText()
 {
