@@ -117,6 +117,7 @@ int main(int argc, char* argv[])
         unopened = instance.stopListening();
     }
     // The window is gone by now: a program that takes its time to end holds nobody up.
+    instance.leave();
     kelm::endChildren();
     kelm::removeSnippetCopies();
     if (status == 0) {

@@ -1,7 +1,6 @@
 #include "app/recovery/recovery_folder.h"
 
 #include "app/recovery/replaced_bytes.h"
-#include "platform/files/utf8_file.h"
 
 #include <QDir>
 #include <QFile>
@@ -238,11 +237,11 @@ void RecoveryFolder::takeReplaced(qint64 now)
 {
     takeLeftBytes(path_, now, [this](const ReplacedBytes& bytes, qint64 time) {
         const QString id = newId();
-        CopyHeader header{bytes.url.isEmpty() ? std::nullopt : std::optional(bytes.url), time};
+        const ShownBytes shown = ShownBytes::of(bytes.content);
+        // Bytes that the text does not give again are not saved over the file's.
+        CopyHeader header{bytes.url.isEmpty() || shown.isOther ? std::nullopt : std::optional(bytes.url), time};
         header.isReplaced = true;
-        // What is no UTF-8 is shown as well as it can be.
-        const QString text = decodeUtf8Text(bytes.content).value_or(QString::fromLatin1(bytes.content));
-        const bool isKept = !write(id, header, TextTree(text)).has_value();
+        const bool isKept = !write(id, header, TextTree(shown.text)).has_value();
         letGo(id);
         return isKept;
     });

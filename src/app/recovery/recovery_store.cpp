@@ -3,7 +3,6 @@
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
-#include "platform/files/utf8_file.h"
 
 #include <QDateTime>
 #include <QDeadlineTimer>
@@ -140,6 +139,11 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
         if (Kept* const its = keptOf(key)) {
             setOrigin(*its, *key);
         }
+    });
+    connect(key, &Document::fileHoldsAnother, context, [this, key] {
+        // The text that the file had before stands on no disk any more.
+        worker_.add([origin = keptOf(key)->origin] { origin->text.reset(); });
+        noteChange(key);
     });
     connect(key, &QObject::destroyed, context, [this, key] { drop(key); });
     return kept;
@@ -306,7 +310,7 @@ QString RecoveryStore::keepReplaced(const QUrl& url, const TextTree& text)
         return {};
     }
     QString id = folder_->newId();
-    CopyHeader header{url, QDateTime::currentMSecsSinceEpoch()};
+    CopyHeader header{url.isEmpty() ? std::nullopt : std::optional(url), QDateTime::currentMSecsSinceEpoch()};
     header.isReplaced = true;
     worker_.add([folder = folder_, id, header, text, tell = onMain()] {
         if (const std::optional<FileError> error = folder->write(id, header, text)) {
@@ -320,7 +324,9 @@ QString RecoveryStore::keepReplaced(const QUrl& url, const TextTree& text)
 
 QString RecoveryStore::keepReplaced(const QUrl& url, const QByteArray& bytes)
 {
-    return keepReplaced(url, TextTree(decodeUtf8Text(bytes).value_or(QString::fromLatin1(bytes))));
+    const ShownBytes shown = ShownBytes::of(bytes);
+    // Bytes that the text does not give again are not saved over the file's.
+    return keepReplaced(shown.isOther ? QUrl() : url, TextTree(shown.text));
 }
 
 // ---- What is offered ------------------------------------------------------------------------------------------------

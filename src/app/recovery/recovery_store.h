@@ -74,6 +74,8 @@ public:
     /// Removes a copy that nobody wants.
     void remove(QString id);
 
+    /// Begins all copies that are due at once, for a caller behind which no time passes for a while.
+    void copyWhatIsDue();
     /// Begins all copies that are due, and those that failed once more, and waits for them, but not longer than
     /// `longest`. False when some are not finished then; the program may end all the same.
     bool finish(std::chrono::milliseconds longest);
@@ -97,7 +99,6 @@ private:
     void close(const Document* document, Kept& kept);
     /// Has what has changed be copied after the delay.
     void begin();
-    void copyWhatIsDue();
     void copy(const Document& document, Kept& kept);
     void finishCopy(const Document* document, const std::optional<FileError>& error);
     void offer();

@@ -2,6 +2,7 @@
 
 #include "platform/files/native_path.h"
 #include "platform/files/open_file.h"
+#include "platform/files/utf8_file.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -48,6 +49,12 @@ ReplacedBytes ReplacedBytes::decoded(const QByteArray& bytes)
         return {{}, bytes};
     }
     return {url, bytes.sliced(end + 1)};
+}
+
+ShownBytes ShownBytes::of(const QByteArray& bytes)
+{
+    const std::optional<QString> text = decodeUtf8Text(bytes);
+    return {text ? *text : QString::fromLatin1(bytes), !text.has_value()};
 }
 
 void takeLeftBytes(const QString& folder, qint64 now,

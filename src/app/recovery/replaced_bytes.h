@@ -27,6 +27,16 @@ struct ReplacedBytes
     friend bool operator==(const ReplacedBytes&, const ReplacedBytes&) = default;
 };
 
+/// The text of bytes that were kept, as well as it can be shown.
+struct ShownBytes
+{
+    QString text;
+    /// It is no UTF-8, and saving the text would not give the bytes again.
+    bool isOther = false;
+
+    static ShownBytes of(const QByteArray& bytes);
+};
+
 /// Gives each of those that programs which were killed have left in a folder to `keep`, and removes it once `keep`
 /// returns true. None younger than a minute is looked at, since its save may be going on, and of several programs that
 /// look at the same time one alone takes it. `now` and the time of the

@@ -1,5 +1,6 @@
 #include "app/state/app_state.h"
 
+#include "app/recovery/replaced_bytes.h"
 #include "app/state/document_rewriter.h"
 #include "app/state/document_saving.h"
 #include "app/state/file_failures.h"
@@ -19,7 +20,6 @@
 #include "git/service/repository_follower.h"
 #include "platform/files/file_url.h"
 #include "platform/files/standard_paths.h"
-#include "platform/files/utf8_file.h"
 #include "run/code_runner.h"
 
 #include <algorithm>
@@ -66,6 +66,7 @@ AppState::AppState(const Services& services)
 {
     connect(this, &AppState::documentsChanged, watchedFiles_.get(),
             [this] { watchedFiles_->setDocuments(documents_); });
+    connect(gitNotices_.get(), &GitNotices::waitBegins, &unsavedTexts_->store(), &RecoveryStore::copyWhatIsDue);
     connect(this, &AppState::documentsChanged, linkRuns_.get(), [this] { linkRuns_->keepOnly(documents_); });
     connectGit();
     loadRecentFiles();
@@ -346,9 +347,8 @@ std::function<void()> AppState::keepReplaced(const QUrl& file, const QByteArray&
     const QString copy = unsavedTexts_->store().keepReplaced(file, content);
     return [this, file, content, copy] {
         const Language language = Language::from(pathExtension(file).toLower());
-        // What is no UTF-8 is shown as well as it can be.
-        const QString text = decodeUtf8Text(content).value_or(QString::fromLatin1(content));
-        auto document = std::make_shared<Document>(text, std::nullopt, language, std::nullopt);
+        auto document =
+            std::make_shared<Document>(ShownBytes::of(content).text, std::nullopt, language, std::nullopt);
         document->setIsModified(true);
         appendAndShow(std::move(document));
         unsavedTexts_->store().remove(copy);

@@ -45,7 +45,11 @@ std::optional<FileError> DocumentSaving::save(const std::shared_ptr<Document>& d
     };
     const std::variant<Saved, FileError> result = saveFile(filePath(url), content, keep);
     if (const auto* error = std::get_if<FileError>(&result)) {
-        // What a failure in the middle could not take back is kept on.
+        // What a failure in the middle could not take back is kept on. The other program's text is still there, and
+        // unseen.
+        if (unseen_) {
+            replacedFiles_.forget(unseen_->kept);
+        }
         return *error;
     }
     if (old) {
@@ -74,8 +78,10 @@ bool DocumentSaving::keepUnseen(const Document& document, const QUrl& url, const
             unseen_ = Unseen{*there, *kept};
         }
     }
-    // Whoever saves once more knows of it.
-    watchedFiles_.noteSeen(document);
+    if (!unseen_) {
+        // Whoever saves once more knows of it.
+        watchedFiles_.noteSeen(document);
+    }
     return unseen_.has_value();
 }
 

@@ -22,6 +22,7 @@ PatientRunner::Signs GitNotices::signs()
 {
     return {.began =
                 [this](const ProcessCommand& command, std::function<void()> stop) {
+                    Q_EMIT waitBegins();
                     // It stays until the child has gone, which may take a moment.
                     wait_ = notices_.add({.text = gitCommandName(command),
                                           .stop = std::move(stop),

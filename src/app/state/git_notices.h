@@ -30,6 +30,10 @@ public:
     /// From now on tells of these.
     void follow(GitTransfers& transfers);
 
+Q_SIGNALS:
+    /// The window's input waits for git from now on, and the program's other work with it.
+    void waitBegins();
+
 private:
     void beginTransfer(quint64 transfer);
     void endTransfer(quint64 transfer);

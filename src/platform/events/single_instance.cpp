@@ -100,6 +100,11 @@ std::optional<openRequest::Outcome> SingleInstance::awaitOutcome()
     }
 }
 
+void SingleInstance::leave()
+{
+    lock_.unlock();
+}
+
 std::vector<SingleInstance::Received> SingleInstance::stopListening()
 {
     listener_.stop();

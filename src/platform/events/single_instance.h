@@ -66,6 +66,8 @@ public:
 
     /// Ends listening and gives what has come and was not told of any more. The lock stays.
     std::vector<Received> stopListening();
+    /// Lets another start be the first, behind `stopListening`.
+    void leave();
 
     /// How long to wait for an answer. Ten seconds if not said.
     void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }

@@ -1,6 +1,7 @@
 #include "workbench/view/held_input.h"
 
 #include "platform/events/main_queue.h"
+#include "platform/process/orderly_end.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
@@ -44,6 +45,13 @@ bool isInText(const QObject& receiver, QPoint place)
            (around != nullptr && around->testAttribute(Qt::WA_InputMethodEnabled));
 }
 
+bool isTyping(const QEvent& event)
+{
+    const bool isKey = event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease;
+    return event.type() == QEvent::InputMethod ||
+           (isKey && !(static_cast<const QKeyEvent&>(event).modifiers() & (Qt::ControlModifier | Qt::AltModifier)));
+}
+
 } // namespace
 
 HeldInput::HeldInput(Notices& notices, QWidget& window, std::function<bool()> escapeIsTaken)
@@ -51,6 +59,13 @@ HeldInput::HeldInput(Notices& notices, QWidget& window, std::function<bool()> es
 {
     connect(&notices_, &Notices::currentChanged, this, &HeldInput::follow);
     connect(&notices_, &Notices::holdsInputChanged, this, &HeldInput::follow);
+    // What was typed during the last wait of a program that ends is text that is kept; a command begins nothing more.
+    onOrderlyEnd(this, [this](std::chrono::steady_clock::time_point) {
+        if (!notices_.holdsInput()) {
+            std::erase_if(waiting_, [](const Waiting& each) { return !isTyping(*each.event); });
+            giveBack();
+        }
+    });
     follow();
 }
 
@@ -70,7 +85,8 @@ void HeldInput::follow()
 
 bool HeldInput::eventFilter(QObject* watched, QEvent* event)
 {
-    if (isGivingBack_ || !isOfWindow(watched)) {
+    // What is given back may begin a wait of its own, and what comes in that is held again.
+    if ((isGivingBack_ && !notices_.holdsInput()) || !isOfWindow(watched)) {
         return false;
     }
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;

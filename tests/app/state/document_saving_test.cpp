@@ -52,6 +52,7 @@ private Q_SLOTS:
     void namesOfAnyBytesAreSavedAndOpened();
     void aDiskThatRefusesLeavesFileAndText_data();
     void aDiskThatRefusesLeavesFileAndText();
+    void aSaveThatFailedHasSeenNothing();
 
 private:
     AppState& state() { return fixture_->state; }
@@ -234,6 +235,19 @@ void DocumentSavingTest::aDiskThatRefusesLeavesFileAndText()
     state().saveCurrentDocument();
     QVERIFY(!state().currentDocument()->isModified());
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), typed.toUtf8());
+}
+
+void DocumentSavingTest::aSaveThatFailedHasSeenNothing()
+{
+    openAndType(fixture_->write(u"a.txt"_s, "old"), u"typed"_s);
+    fixture_->write(u"a.txt"_s, "another program's");
+    setFileStepCheck([](FileStep) { return ENOSPC; });
+    state().saveCurrentDocument();
+    setFileStepCheck(nullptr);
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("another program's"));
+    state().saveCurrentDocument();
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("typed"));
+    QCOMPARE(noticeText(), u"a.txt was saved over what another program had written there."_s);
 }
 
 const kelm::test::Registered<DocumentSavingTest> registered;

@@ -1,4 +1,5 @@
 #include "app/state/notices.h"
+#include "platform/process/orderly_end.h"
 #include "platform/view/plain_button.h"
 #include "support/test_program.h"
 #include "workbench/view/notice_bar.h"
@@ -8,6 +9,7 @@
 #include <QCloseEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 
 namespace held_input_test {
 
@@ -57,7 +59,46 @@ private Q_SLOTS:
     void aClickInATextComesBeforeTheKeysBehindIt();
     void aClickElsewhereIsDropped();
     void aWindowThatIsClosedGoesAfterwards();
+    void aKeptKeyMayBeginAnotherWait();
+    void whatWasTypedIsThereWhenTheProgramEnds();
 };
+
+void HeldInputTest::aKeptKeyMayBeginAnotherWait()
+{
+    Fixture fixture;
+    auto* key = new QShortcut(Qt::CTRL | Qt::Key_Return, &fixture.window);
+    connect(key, &QShortcut::activated, this, [&fixture] {
+        fixture.begin();
+        // What comes while that waits.
+        QTest::keyClick(fixture.handle(), Qt::Key_Y);
+        QTest::keyClick(fixture.handle(), Qt::Key_Escape);
+        fixture.end();
+    });
+    fixture.begin();
+    QTest::keyClick(fixture.handle(), Qt::Key_Return, Qt::ControlModifier);
+    QTest::keyClick(fixture.handle(), Qt::Key_X);
+    fixture.end();
+    QTRY_COMPARE(fixture.content(), u"xyfirst\nsecond\nthird"_s);
+    QCOMPARE(fixture.stops, 1);
+}
+
+void HeldInputTest::whatWasTypedIsThereWhenTheProgramEnds()
+{
+    Fixture fixture;
+    bool hasRun = false;
+    auto* key = new QShortcut(Qt::CTRL | Qt::Key_Return, &fixture.window);
+    connect(key, &QShortcut::activated, this, [&hasRun] { hasRun = true; });
+    fixture.begin();
+    QTest::keyClick(fixture.handle(), Qt::Key_X);
+    QTest::keyClick(fixture.handle(), Qt::Key_Return, Qt::ControlModifier);
+    QTest::keyClick(fixture.handle(), Qt::Key_Y);
+    endInOrder();
+    QCOMPARE(fixture.content(), u"first\nsecond\nthird"_s);
+    fixture.end();
+    endInOrder();
+    QCOMPARE(fixture.content(), u"xyfirst\nsecond\nthird"_s);
+    QVERIFY(!hasRun);
+}
 
 void HeldInputTest::theNoticeIsShownAtOnceWithItsTime()
 {
