@@ -6,7 +6,8 @@
 
 namespace kelm {
 
-/// Two points high; a short piece in the accent colour runs along it while it is active.
+/// Two points high; a short piece in the accent colour runs along it while it is active, or the
+/// line stands still and whole where nothing is to move.
 class ActivityLine final : public QWidget
 {
     Q_OBJECT
@@ -14,13 +15,14 @@ class ActivityLine final : public QWidget
 public:
     explicit ActivityLine(QWidget* parent = nullptr);
 
-    bool isActive() const { return timer_.isActive(); }
+    bool isActive() const { return isActive_; }
     void setActive(bool isActive);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    bool isActive_ = false;
     QTimer timer_;
     int step_ = 0;
 };

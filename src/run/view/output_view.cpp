@@ -2,6 +2,7 @@
 
 #include "editor/themes/theme_manager.h"
 #include "platform/events/main_queue.h"
+#include "platform/style/view/motion.h"
 #include "platform/style/view/style.h"
 #include "run/view/end_follower.h"
 #include "text/view/text_view.h"
@@ -141,7 +142,7 @@ void OutputView::scrollToBottomAnchor()
         isScrollQueued_ = false;
         if (scrolling_.state() != QAbstractAnimation::Running && follower_->isFollowing()) {
             scrollStart_ = textView_->visibleRect().top();
-            scrolling_.start();
+            style::run(scrolling_);
         }
     });
 }

@@ -45,6 +45,7 @@ TextView::TextView(QWidget* parent)
         }
     });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TextView::scrollBarMoved);
+    connect(QGuiApplication::styleHints(), &QStyleHints::cursorFlashTimeChanged, this, &TextView::restartBlink);
     verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
     updateWrapWidth();
 }

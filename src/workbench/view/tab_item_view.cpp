@@ -2,6 +2,7 @@
 
 #include "platform/desktop/workspace.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/motion.h"
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "platform/view/plain_help.h"
@@ -60,9 +61,7 @@ void prepare(QVariantAnimation& animation, int milliseconds, bool startsAtEnd, Q
 void run(QVariantAnimation& animation, bool forward)
 {
     animation.setDirection(forward ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
-    if (animation.state() != QAbstractAnimation::Running) {
-        animation.start();
-    }
+    style::run(animation);
 }
 
 /// The text of a title on one line: a file's name may hold anything.

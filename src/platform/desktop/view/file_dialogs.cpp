@@ -1,5 +1,7 @@
 #include "platform/desktop/view/file_dialogs.h"
 
+#include "platform/desktop/view/toolkit_words.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -62,6 +64,7 @@ FileAndFolderDialog::FileAndFolderDialog(QWidget* parent, const OpenPanelOptions
     : QFileDialog(parent, tr("Open")), canChooseDirectories_(options.canChooseDirectories)
 {
     setOption(QFileDialog::DontUseNativeDialog);
+    setLayoutDirection(directionOfToolkitWords());
     setAcceptMode(QFileDialog::AcceptOpen);
     const bool onlyFolders = options.canChooseDirectories && !options.canChooseFiles;
     setFileMode(onlyFolders                       ? QFileDialog::Directory

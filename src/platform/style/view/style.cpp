@@ -3,6 +3,7 @@
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/control_painter.h"
 #include "platform/style/view/menu_painter.h"
+#include "platform/style/view/motion.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -99,6 +100,9 @@ QPalette palette(Appearance appearance)
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent);
+    // Every role, whether it is drawn or not: what is left out is the desktop's, which may be of the other appearance.
+    palette.setColor(QPalette::LinkVisited, systemColor(SystemColor::purple, appearance));
+    palette.setColor(QPalette::Midlight, isDark ? QColor(75, 75, 75) : QColor(228, 228, 228));
     palette.setColor(QPalette::Mid, isDark ? QColor(70, 70, 70) : QColor(200, 200, 200));
     palette.setColor(QPalette::Dark, isDark ? QColor(24, 24, 24) : QColor(170, 170, 170));
     palette.setColor(QPalette::Light, isDark ? QColor(80, 80, 80) : QColor(255, 255, 255));
@@ -261,6 +265,8 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
         return 0;
+    case SH_Widget_Animation_Duration:
+        return style::isAnimated() ? QProxyStyle::styleHint(hint, option, widget, returned) : 0;
     case SH_ToolTip_WakeUpDelay:
         return 500;
     default:

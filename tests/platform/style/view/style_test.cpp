@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPalette>
 #include <QtTest>
 
 #include <cmath>
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void koreanIsAsStrongAsLatin_data();
     void koreanIsAsStrongAsLatin();
     void koreanIsAsLargeAsLatin();
+    void thePalettesLeaveNoRoleToTheDesktop();
 };
 
 void StyleTest::koreanIsAsStrongAsLatin_data()
@@ -82,6 +84,19 @@ void StyleTest::koreanIsAsLargeAsLatin()
     latin.addText(0, 0, font, u"Hg"_s);
     const double ratio = korean.boundingRect().height() / latin.boundingRect().height();
     QVERIFY2(ratio > 0.8 && ratio < 1.1, qPrintable(QString::number(ratio)));
+}
+
+void StyleTest::thePalettesLeaveNoRoleToTheDesktop()
+{
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        const QPalette palette = style::palette(appearance);
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            for (int role = 0; role < QPalette::NColorRoles; ++role) {
+                const bool isSet = role == QPalette::NoRole || palette.isBrushSet(group, QPalette::ColorRole(role));
+                QVERIFY2(isSet, qPrintable(u"role %1 of group %2"_s.arg(role).arg(group)));
+            }
+        }
+    }
 }
 
 const kelm::test::Registered<StyleTest> registered(kelm::test::Toolkit::widgets);
