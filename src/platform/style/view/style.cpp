@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyleOptionSlider>
+#include <QToolTip>
 
 namespace kelm::style {
 
@@ -120,12 +121,24 @@ Appearance appearanceOf(const QWidget& widget)
     return isDark ? Appearance::dark : Appearance::light;
 }
 
+namespace {
+
+/// Of tooltips as well, for which a desktop may have colours of its own.
+void setPaletteOfAll(Appearance appearance)
+{
+    const QPalette colors = palette(appearance);
+    QApplication::setPalette(colors);
+    QToolTip::setPalette(colors);
+}
+
+} // namespace
+
 void installOn(QApplication& application)
 {
     application.setStyle(new KelmStyle);
     application.setFont(interfaceFont(typeSize::body));
-    QApplication::setPalette(palette(Appearance::dark));
-    installAppearance([](Appearance appearance) { QApplication::setPalette(palette(appearance)); });
+    setPaletteOfAll(Appearance::dark);
+    installAppearance(setPaletteOfAll);
 }
 
 } // namespace kelm::style

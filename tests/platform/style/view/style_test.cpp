@@ -3,9 +3,11 @@
 
 #include <QFontDatabase>
 #include <QImage>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
+#include <QToolTip>
 #include <QtTest>
 
 #include <cmath>
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void koreanIsAsStrongAsLatin();
     void koreanIsAsLargeAsLatin();
     void thePalettesLeaveNoRoleToTheDesktop();
+    void noKindOfWidgetKeepsTheDesktopsPalette();
 };
 
 void StyleTest::koreanIsAsStrongAsLatin_data()
@@ -96,6 +99,27 @@ void StyleTest::thePalettesLeaveNoRoleToTheDesktop()
                 QVERIFY2(isSet, qPrintable(u"role %1 of group %2"_s.arg(role).arg(group)));
             }
         }
+    }
+}
+
+void StyleTest::noKindOfWidgetKeepsTheDesktopsPalette()
+{
+    // As the platform's part of the toolkit does at the start.
+    const QPalette desktops(Qt::magenta);
+    QApplication::setPalette(desktops);
+    for (const char* kind : {"QMenu", "QMenuBar", "QLabel", "QComboBox", "QMessageBoxLabel"}) {
+        QApplication::setPalette(desktops, kind);
+    }
+    QToolTip::setPalette(desktops);
+    style::installOn(*qApp);
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        setApplicationAppearance(appearance);
+        const QPalette palette = style::palette(appearance);
+        for (const char* kind : {"QWidget", "QMenu", "QMenuBar", "QLabel", "QComboBox", "QMessageBoxLabel"}) {
+            QVERIFY2(QApplication::palette(kind) == palette, kind);
+        }
+        QCOMPARE(QToolTip::palette(), palette);
+        QCOMPARE(QMenu().palette().color(QPalette::Window), palette.color(QPalette::Window));
     }
 }
 
