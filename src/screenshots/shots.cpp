@@ -163,6 +163,21 @@ void settleUntil(const std::function<bool()>& isDone)
     settle();
 }
 
+namespace {
+
+void replaceInOutput(const Stage& stage, const QRegularExpression& pattern, const QString& text)
+{
+    for (const auto* page : stage.window.findChildren<OutputView*>()) {
+        TextStorage& storage = page->findChild<TextView*>()->storage();
+        for (QRegularExpressionMatch match = pattern.match(storage.text()); match.hasMatch();
+             match = pattern.match(storage.text(), match.capturedStart() + 1)) {
+            storage.replace({match.capturedStart(), match.capturedLength()}, text);
+        }
+    }
+}
+
+} // namespace
+
 void evenTimes(const Stage& stage)
 {
     static const QRegularExpression time(u"\\b(after|for) [0-9.]+ s$"_s);
@@ -171,16 +186,10 @@ void evenTimes(const Stage& stage)
             label->setText(QString(label->text()).replace(time, u"\\1 2 s"_s));
         }
     }
-    // A snippet runs from a file whose name is another one each time.
-    static const QRegularExpression copy(u"/tmp/temp_[0-9A-F-]+"_s);
-    for (const auto* page : stage.window.findChildren<OutputView*>()) {
-        TextStorage& storage = page->findChild<TextView*>()->storage();
-        for (QRegularExpressionMatch match = copy.match(storage.text()); match.hasMatch();
-             match = copy.match(storage.text(), match.capturedStart() + 1)) {
-            storage.replace({match.capturedStart(), match.capturedLength()},
-                            u"/tmp/temp_0D6A1E5C-7B0F-4C1B-9D53-52C0A5E8F7A1"_s);
-        }
-    }
+    // A snippet runs from a file whose name is another one each time, and its errors come in other pieces.
+    replaceInOutput(stage, QRegularExpression(u"/tmp/temp_[0-9A-F-]+"_s),
+                    u"/tmp/temp_0D6A1E5C-7B0F-4C1B-9D53-52C0A5E8F7A1"_s);
+    replaceInOutput(stage, QRegularExpression(u"(?<=\\n)\\[ERROR\\] (?=  |[A-Z]\\w+Error)"_s), {});
 }
 
 std::vector<Shot> shots()

@@ -3,15 +3,15 @@
 #include <QHash>
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
 #include <vector>
 
 namespace kelm::screenshots {
 
 namespace {
 
-constexpr std::size_t mostColors = 96;
-/// How many of the most frequent ones are kept as they are.
-constexpr std::size_t keptColors = 64;
+constexpr qsizetype mostColors = 96;
 
 struct Counted
 {
@@ -45,97 +45,47 @@ int channel(QRgb color, int index)
     return static_cast<int>(color >> (8 * index) & 0xff);
 }
 
-using Box = std::vector<Counted>;
-
-/// The channel in which the colours of a box are farthest apart, and how far.
-std::pair<int, int> widestChannel(const Box& box)
+int distance(QRgb left, QRgb right)
 {
-    std::pair widest(0, -1);
+    int sum = 0;
     for (int index = 0; index < 3; ++index) {
-        const auto [least, most] =
-            std::minmax_element(box.begin(), box.end(), [index](const Counted& left, const Counted& right) {
-                return channel(left.color, index) < channel(right.color, index);
-            });
-        const int width = channel(most->color, index) - channel(least->color, index);
-        if (width > widest.second) {
-            widest = {index, width};
-        }
+        const int apart = channel(left, index) - channel(right, index);
+        sum += apart * apart;
     }
-    return widest;
+    return sum;
 }
 
-/// Takes the half of a box's colours that has more of its widest channel away from it.
-Box splitOff(Box& box)
-{
-    const int index = widestChannel(box).first;
-    std::sort(box.begin(), box.end(), [index](const Counted& left, const Counted& right) {
-        const int first = channel(left.color, index);
-        const int second = channel(right.color, index);
-        return first != second ? first < second : left.color < right.color;
-    });
-    const auto middle = box.begin() + static_cast<std::ptrdiff_t>(box.size() / 2);
-    Box half(middle, box.end());
-    box.erase(middle, box.end());
-    return half;
-}
-
-QRgb meanOf(const Box& box)
-{
-    qint64 sums[3] = {};
-    qint64 pixels = 0;
-    for (const Counted& each : box) {
-        for (int index = 0; index < 3; ++index) {
-            sums[index] += qint64(channel(each.color, index)) * each.pixels;
-        }
-        pixels += each.pixels;
-    }
-    return qRgb(static_cast<int>(sums[2] / pixels), static_cast<int>(sums[1] / pixels),
-                static_cast<int>(sums[0] / pixels));
-}
-
+/// The most frequent colour, and again and again the one that would be farthest from those before it, by how far it is
+/// and how many pixels have it: a colour of a few letters stays as well as that of a large ground.
 QList<QRgb> tableOf(const std::vector<Counted>& colors)
 {
-    QList<QRgb> table;
-    const std::size_t kept = colors.size() <= mostColors ? colors.size() : keptColors;
-    for (std::size_t index = 0; index < kept; ++index) {
-        table.append(colors[index].color);
-    }
-    if (kept == colors.size()) {
-        return table;
-    }
-    std::vector<Box> boxes{Box(colors.begin() + keptColors, colors.end())};
-    while (boxes.size() < mostColors - keptColors) {
-        const auto widest = std::max_element(boxes.begin(), boxes.end(), [](const Box& left, const Box& right) {
-            return widestChannel(left).second < widestChannel(right).second;
-        });
-        if (widest->size() < 2) {
+    QList<QRgb> table{colors.front().color};
+    std::vector<int> distances(colors.size(), INT_MAX);
+    while (table.size() < mostColors) {
+        double worst = 0;
+        std::size_t next = 0;
+        for (std::size_t index = 0; index < colors.size(); ++index) {
+            distances[index] = std::min(distances[index], distance(colors[index].color, table.constLast()));
+            const double error = distances[index] * std::sqrt(colors[index].pixels);
+            if (error > worst) {
+                worst = error;
+                next = index;
+            }
+        }
+        if (worst == 0) {
             break;
         }
-        Box half = splitOff(*widest);
-        boxes.push_back(std::move(half));
-    }
-    for (const Box& box : boxes) {
-        table.append(meanOf(box));
+        table.append(colors[next].color);
     }
     return table;
 }
 
 uchar nearest(const QList<QRgb>& table, QRgb color)
 {
-    int best = 0;
-    int least = INT_MAX;
-    for (int entry = 0; entry < table.size() && least > 0; ++entry) {
-        int distance = 0;
-        for (int index = 0; index < 3; ++index) {
-            const int apart = channel(table[entry], index) - channel(color, index);
-            distance += apart * apart;
-        }
-        if (distance < least) {
-            least = distance;
-            best = entry;
-        }
-    }
-    return static_cast<uchar>(best);
+    const auto found = std::min_element(table.begin(), table.end(), [color](QRgb left, QRgb right) {
+        return distance(left, color) < distance(right, color);
+    });
+    return static_cast<uchar>(found - table.begin());
 }
 
 } // namespace

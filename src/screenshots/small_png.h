@@ -5,8 +5,8 @@
 
 namespace kelm::screenshots {
 
-/// The image with a table of 96 colours, those that it has most of as they are and the rest as the nearest of them.
-/// One of no more colours stays as it is to the eye and to the byte; the same image gives the same table.
+/// The image with a table of at most 96 of its colours, and each other one as the nearest of them. The same image gives
+/// the same table.
 QImage withColorTable(const QImage& image);
 
 /// Writes an image so. False when the file could not be written.
