@@ -1,5 +1,7 @@
 #include "app/command_line/before_window.h"
 #include "app/command_line/command_line.h"
+#include "app/state/open_events.h"
+#include "platform/desktop/view/toolkit_words.h"
 #include "platform/events/main_queue.h"
 #include "platform/events/single_instance.h"
 #include "platform/events/start_tokens.h"
@@ -11,12 +13,14 @@
 #include "platform/process/orderly_end.h"
 #include "platform/process/ways_to_end.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/motion.h"
 #include "platform/style/view/style.h"
 #include "run/snippet_copies.h"
 #include "workbench/view/kelm_pane_app.h"
 #include "workbench/view/main_window.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QPixmap>
 
 #include <optional>
@@ -96,6 +100,8 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(QStringLiteral("kelmwright"));
     QApplication::setWindowIcon(kelm::icons::application());
     kelm::style::installOn(application);
+    kelm::style::followMotionWishes(application);
+    kelm::installToolkitWords(application, QLocale());
 
     int status = 0;
     std::vector<kelm::SingleInstance::Received> unopened;

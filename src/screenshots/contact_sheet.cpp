@@ -1,79 +1,72 @@
 #include "screenshots/contact_sheet.h"
 
-#include "platform/style/view/icons.h"
+#include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "screenshots/small_png.h"
 
 #include <QPainter>
-
-#include <array>
 
 namespace kelm::screenshots {
 
 namespace {
 
-/// In points: those of buttons and rows, of the sidebar, and of the pages that say that there is nothing.
-constexpr std::array sizes{9, 12, 16, 24, 60};
-constexpr std::array applicationSizes{16, 22, 24, 32, 48, 64, 128, 256};
-constexpr int columns = 5;
-constexpr int cellWidth = 224;
-constexpr int rowHeight = 60;
-constexpr int cellHeight = rowHeight + 32;
-constexpr int margin = 24;
-constexpr int spacing = 16;
+constexpr int columns = 6;
+constexpr QSize cell(276, 175);
+constexpr int captionHeight = 22;
+constexpr int margin = 16;
+const QString lightSuffix = QStringLiteral("light");
 
-int rowsOf(qsizetype count)
+QStringList picturesOf(const std::vector<Shot>& shots, const QDir& folder, Appearance appearance)
 {
-    return (static_cast<int>(count) + columns - 1) / columns;
+    QStringList names;
+    for (const Shot& shot : shots) {
+        for (const auto& [theme, suffix] : shot.themes) {
+            const QString name = QString::fromLatin1(shot.name) + u'-' + suffix;
+            const bool isOfSheet = (suffix == lightSuffix) == (appearance == Appearance::light);
+            if (isOfSheet && folder.exists(name + QStringLiteral(".png"))) {
+                names.append(name);
+            }
+        }
+    }
+    return names;
 }
 
-void drawSymbol(QPainter& painter, const QString& name, QPoint corner, Appearance appearance)
+void drawCell(QPainter& painter, QPoint corner, const QString& name, const QImage& picture, Appearance appearance)
 {
-    int x = corner.x();
-    for (const int size : sizes) {
-        const QRect box(x, corner.y() + (rowHeight - size) / 2, size, size);
-        icons::paint(painter, name, box, Tint::primary().in(appearance));
-        x += size + spacing;
-    }
+    const QImage small =
+        picture.convertToFormat(QImage::Format_RGB32).scaled(cell, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    painter.drawImage(corner + QPoint((cell.width() - small.width()) / 2, cell.height() - small.height()), small);
     painter.setPen(Tint::secondary().in(appearance));
-    painter.drawText(corner + QPoint(0, rowHeight + 14), name);
+    painter.drawText(QRect(corner.x(), corner.y() + cell.height(), cell.width(), captionHeight),
+                     Qt::AlignHCenter | Qt::AlignVCenter, name);
 }
 
-void drawApplicationIcon(QPainter& painter, QPoint corner)
+bool draw(const std::vector<Shot>& shots, const QDir& folder, Appearance appearance, const QString& file)
 {
-    const QIcon icon = icons::application();
-    for (const int size : applicationSizes) {
-        painter.drawPixmap(corner, icon.pixmap(size, size));
-        corner.rx() += size + spacing;
-    }
-}
-
-bool draw(Appearance appearance, const QString& file)
-{
-    const QStringList names = icons::names();
-    const int symbolsHeight = rowsOf(names.size()) * cellHeight;
-    QImage sheet(columns * cellWidth + 2 * margin, symbolsHeight + applicationSizes.back() + 2 * margin,
-                 QImage::Format_RGB32);
+    const QStringList names = picturesOf(shots, folder, appearance);
+    const int rows = (static_cast<int>(names.size()) + columns - 1) / columns;
+    const QSize step = cell + QSize(margin, captionHeight + margin);
+    QImage sheet(margin + columns * step.width(), margin + rows * step.height(), QImage::Format_RGB32);
     sheet.fill(systemColor(SystemColor::windowBackground, appearance));
     QPainter painter(&sheet);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(style::interfaceFont(style::typeSize::caption));
-    int cell = 0;
+    painter.setFont(style::interfaceFont(style::typeSize::subheadline));
+    int index = 0;
     for (const QString& name : names) {
-        drawSymbol(painter, name, QPoint(margin + cell % columns * cellWidth, margin + cell / columns * cellHeight),
-                   appearance);
-        ++cell;
+        const QPoint corner(margin + index % columns * step.width(), margin + index / columns * step.height());
+        drawCell(painter, corner, name, QImage(folder.filePath(name + QStringLiteral(".png"))), appearance);
+        ++index;
     }
-    drawApplicationIcon(painter, QPoint(margin, margin + symbolsHeight));
-    return sheet.save(file, "PNG", 0);
+    painter.end();
+    return saveSmall(sheet, folder.filePath(file));
 }
 
 } // namespace
 
-bool drawContactSheets(const QDir& folder)
+bool drawContactSheets(const std::vector<Shot>& shots, const QDir& folder)
 {
-    return draw(Appearance::dark, folder.filePath(QStringLiteral("icons-dark.png"))) &&
-           draw(Appearance::light, folder.filePath(QStringLiteral("icons-light.png")));
+    return draw(shots, folder, Appearance::dark, QStringLiteral("contact_sheet_dark.png")) &&
+           draw(shots, folder, Appearance::light, QStringLiteral("contact_sheet_light.png"));
 }
 
 } // namespace kelm::screenshots

@@ -1,8 +1,12 @@
 #include "screenshots/demo_project.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+
+#include <chrono>
+#include <filesystem>
 
 namespace kelm::screenshots {
 
@@ -181,12 +185,30 @@ bool makeChanges(const QDir& folder)
            git(folder.path(), {QStringLiteral("add"), QStringLiteral("Site/style.css")});
 }
 
+/// Gives every file and folder that is shown one time.
+bool setTimes(const QString& folder)
+{
+    namespace fs = std::filesystem;
+    const auto time = std::chrono::file_clock::from_sys(
+        std::chrono::sys_seconds(std::chrono::seconds(QDateTime(QDate(2026, 3, 1), QTime(8, 5)).toSecsSinceEpoch())));
+    std::error_code error;
+    for (auto entry = fs::recursive_directory_iterator(folder.toStdString(), error);
+         !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        if (entry->path().filename() == ".git") {
+            entry.disable_recursion_pending();
+        }
+        fs::last_write_time(entry->path(), time, error);
+    }
+    return !error;
+}
+
 } // namespace
 
 bool makeDemoProject(const QString& folder)
 {
     const QDir dir(folder);
-    return dir.mkpath(QStringLiteral(".")) && writeSources(dir) && makeHistory(folder) && makeChanges(dir);
+    return dir.mkpath(QStringLiteral(".")) && writeSources(dir) && makeHistory(folder) && makeChanges(dir) &&
+           setTimes(folder);
 }
 
 } // namespace kelm::screenshots

@@ -5,10 +5,14 @@
 #include "app/state/unsaved_texts.h"
 #include "editor/themes/theme_manager.h"
 #include "editor/view/editor_container_view.h"
+#include "git/service/git_service.h"
+#include "platform/style/view/motion.h"
 #include "platform/style/view/style.h"
 #include "screenshots/contact_sheet.h"
 #include "screenshots/demo_project.h"
 #include "screenshots/shots.h"
+#include "screenshots/small_png.h"
+#include "screenshots/symbol_sheet.h"
 #include "text/view/text_view.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/kelm_pane_app.h"
@@ -17,12 +21,15 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QLockFile>
 #include <QPainter>
 #include <QProcess>
-#include <QTemporaryDir>
+#include <QScopeGuard>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <set>
 
 namespace {
 
@@ -30,7 +37,11 @@ using namespace kelm;
 using namespace kelm::screenshots;
 
 constexpr QSize windowSize(1200, 760);
-constexpr QSize windowSizeAtTwice(900, 600);
+/// Where there are more pixels to a point.
+constexpr QSize scaledWindowSize(900, 600);
+
+/// Set for a process that draws for another.
+constexpr const char* scaleMark = "KELMWRIGHT_PICTURES_SCALED";
 
 void chooseTheme(const QString& name)
 {
@@ -48,7 +59,11 @@ QPixmap picture(MainWindow& window)
 {
     QPixmap picture = window.grab();
     QPainter painter(&picture);
-    for (QWidget* other : QApplication::topLevelWidgets()) {
+    QWidgetList others = QApplication::topLevelWidgets();
+    // In a fixed order, and a menu inside another, which begins right of it, above that.
+    std::sort(others.begin(), others.end(),
+              [](const QWidget* left, const QWidget* right) { return left->x() < right->x(); });
+    for (QWidget* other : others) {
         if (other != &window && other->isVisible()) {
             const QPoint place = other->windowType() == Qt::Popup ? other->pos() - window.mapToGlobal(QPoint())
                                                                   : QPoint((window.width() - other->width()) / 2, 80);
@@ -98,8 +113,17 @@ bool draw(const Shot& shot, Stage stage, const QDir& folder)
         stage.state.setCurrentProject(shot.showsProject ? std::optional(QUrl::fromLocalFile(stage.project))
                                                         : std::nullopt);
         stage.state.setShowSidebar(shot.showsProject);
+        if (shot.showsProject) {
+            GitService& git = stage.state.git();
+            git.open(QUrl::fromLocalFile(stage.project));
+            settleUntil([&git] { return !git.isBusy() && !git.status().isEmpty(); });
+        }
         for (const QString& file : shot.files) {
             stage.state.openFile(QUrl::fromLocalFile(QDir(stage.project).absoluteFilePath(file)));
+        }
+        if (stage.state.documents().size() != shot.files.size()) {
+            std::fprintf(stderr, "a file of %s cannot be opened\n", shot.name);
+            return false;
         }
         stage.state.setCurrentDocumentIndex(0);
         settle();
@@ -112,7 +136,7 @@ bool draw(const Shot& shot, Stage stage, const QDir& folder)
             // The tabs' colours come by and by.
             settleUntil([deadline = QDeadlineTimer(250)] { return deadline.hasExpired(); });
             const QString name = QString::fromLatin1(shot.name) + u'-' + ending + QStringLiteral(".png");
-            isDrawn = picture(stage.window).save(folder.filePath(name), "PNG", 0);
+            isDrawn = saveSmall(picture(stage.window).toImage(), folder.filePath(name));
         };
         if (shot.prepareAround) {
             shot.prepareAround(stage, takePicture);
@@ -126,14 +150,32 @@ bool draw(const Shot& shot, Stage stage, const QDir& folder)
     return true;
 }
 
-bool drawAll(const QDir& folder, const QString& project, const QStringList& names, int scale)
+QSize sizeOf(const Shot& shot)
+{
+    const QSize ordinary = shot.scale == 1 ? windowSize : scaledWindowSize;
+    return shot.size.isEmpty() ? ordinary : shot.size;
+}
+
+/// The pictures that are asked for, by their names or all.
+std::vector<Shot> wantedShots(const QStringList& names)
+{
+    std::vector<Shot> wanted = shots();
+    std::erase_if(wanted,
+                  [&names](const Shot& shot) { return !names.isEmpty() && !names.contains(QLatin1String(shot.name)); });
+    return wanted;
+}
+
+/// Draws those of the scale that the program has been started with.
+bool drawAll(const QDir& folder, const QString& project, const QStringList& names, double scale)
 {
     KelmPaneApp app;
     app.start({});
-    app.window().resize(scale == 1 ? windowSize : windowSizeAtTwice);
-    for (const Shot& shot : shots()) {
-        const bool isWanted = names.isEmpty() || names.contains(QLatin1String(shot.name));
-        if (isWanted && shot.scale == scale && !draw(shot, {AppState::shared(), app.window(), project}, folder)) {
+    for (const Shot& shot : wantedShots(names)) {
+        if (shot.scale != scale) {
+            continue;
+        }
+        app.window().resize(sizeOf(shot));
+        if (!draw(shot, {AppState::shared(), app.window(), project}, folder)) {
             std::fprintf(stderr, "could not draw %s\n", shot.name);
             return false;
         }
@@ -142,11 +184,12 @@ bool drawAll(const QDir& folder, const QString& project, const QStringList& name
     return true;
 }
 
-/// Draws the pictures of twice the scale in a process of their own.
-bool drawAtTwice(const QStringList& arguments)
+/// Draws the pictures of another scale in a process of their own.
+bool drawScaled(const QStringList& arguments, double scale)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
+    environment.insert(QString::fromLatin1(scaleMark), QStringLiteral("1"));
     QProcess self;
     self.setProcessEnvironment(environment);
     self.setProcessChannelMode(QProcess::ForwardedChannels);
@@ -154,14 +197,41 @@ bool drawAtTwice(const QStringList& arguments)
     return self.waitForFinished(-1) && self.exitStatus() == QProcess::NormalExit && self.exitCode() == 0;
 }
 
+bool drawOtherScales(const QStringList& arguments)
+{
+    std::set<double> scales;
+    for (const Shot& shot : wantedShots(arguments.mid(1))) {
+        if (shot.scale != 1) {
+            scales.insert(shot.scale);
+        }
+    }
+    return std::all_of(scales.begin(), scales.end(),
+                       [&arguments](double scale) { return drawScaled(arguments, scale); });
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    const QTemporaryDir home(QDir::tempPath() + QStringLiteral("/sol-XXXXXX"));
-    for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
-        qputenv(variable, home.path().toLocal8Bit());
+    // One place for all runs, since it is to be seen in some pictures; each waits for the one before it. A process for
+    // another scale has the place of the one that started it.
+    const QDir temporary(QDir::tempPath());
+    QLockFile lock(temporary.filePath(QStringLiteral("sol.lock")));
+    lock.setStaleLockTime(0);
+    const QString home = temporary.filePath(QStringLiteral("sol"));
+    const bool isStartedForScale = qEnvironmentVariableIsSet(scaleMark);
+    if (!isStartedForScale && !lock.lock()) {
+        std::fputs("could not lock the place where the pictures are made\n", stderr);
+        return 1;
     }
+    QDir(home).removeRecursively();
+    QDir().mkpath(home);
+    const auto removeHome = qScopeGuard([&home] { QDir(home).removeRecursively(); });
+    qputenv("TZ", "UTC");
+    for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
+        qputenv(variable, home.toLocal8Bit());
+    }
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments().mid(1);
     if (arguments.isEmpty() || !QDir().mkpath(arguments.first())) {
@@ -170,17 +240,20 @@ int main(int argc, char* argv[])
     }
     QApplication::setCursorFlashTime(0);
     style::installOn(application);
-    const QString project = home.filePath(QStringLiteral("orchard"));
+    style::setAnimated(false);
+    const QString project = home + QStringLiteral("/orchard");
     if (!makeDemoProject(project)) {
         std::fputs("could not make the project that the pictures show\n", stderr);
         return 1;
     }
-    const int scale = qRound(application.devicePixelRatio());
-    const bool wantsSheets = scale == 1 && (arguments.size() == 1 || arguments.contains(QStringLiteral("icons")));
-    if (wantsSheets && !drawContactSheets(QDir(arguments.first()))) {
-        return 1;
+    const QDir folder(arguments.first());
+    const double scale = application.devicePixelRatio();
+    if (scale != 1) {
+        return drawAll(folder, project, arguments.mid(1), scale) ? 0 : 1;
     }
-    const bool isDone =
-        drawAll(QDir(arguments.first()), project, arguments.mid(1), scale) && (scale > 1 || drawAtTwice(arguments));
+    const bool wantsSymbols = arguments.size() == 1 || arguments.contains(QStringLiteral("icons"));
+    const bool isDone = (!wantsSymbols || drawSymbolSheets(folder)) &&
+                        drawAll(folder, project, arguments.mid(1), scale) && drawOtherScales(arguments) &&
+                        drawContactSheets(shots(), folder);
     return isDone ? 0 : 1;
 }

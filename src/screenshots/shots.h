@@ -1,6 +1,7 @@
 // What is drawn, and what is done with the window for it.
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -33,7 +34,9 @@ struct Shot
     /// The same for what only lasts as long as it is being done: it is given what takes the picture.
     std::function<void(Stage&, const std::function<void()>& takePicture)> prepareAround = {};
     /// Pixels to a point. The toolkit takes it once, at its start.
-    int scale = 1;
+    double scale = 1;
+    /// Of the window, in points; the ordinary one where it is empty.
+    QSize size = {};
     /// The themes' names with the suffixes of the pictures.
     std::vector<std::pair<QString, QString>> themes = {{QStringLiteral("Monokai"), QStringLiteral("dark")},
                                                        {QStringLiteral("GitHub Light"), QStringLiteral("light")}};
@@ -48,6 +51,9 @@ void settle();
 
 /// Waits until `isDone`, at most some seconds.
 void settleUntil(const std::function<bool()>& isDone);
+
+/// Has every run take the same time, and every snippet the same file.
+void evenTimes(const Stage& stage);
 
 } // namespace screenshots
 

@@ -1,5 +1,6 @@
 #include "platform/view/activity_line.h"
 
+#include "platform/style/view/motion.h"
 #include "platform/style/view/tint.h"
 #include "platform/view/accessible_role.h"
 
@@ -32,11 +33,12 @@ ActivityLine::ActivityLine(QWidget* parent) : QWidget(parent)
 
 void ActivityLine::setActive(bool isActive)
 {
-    if (isActive == timer_.isActive()) {
+    if (isActive == isActive_) {
         return;
     }
-    if (isActive) {
-        step_ = 0;
+    isActive_ = isActive;
+    step_ = 0;
+    if (isActive && style::isAnimated()) {
         timer_.start();
     } else {
         timer_.stop();
@@ -55,11 +57,12 @@ void ActivityLine::tellState()
 
 void ActivityLine::paintEvent(QPaintEvent*)
 {
-    if (!timer_.isActive()) {
+    if (!isActive_) {
         return;
     }
-    const double piece = width() * pieceShare;
-    const double left = (width() + piece) * step_ / stepsAcross - piece;
+    // Where nothing is to move, the whole line says so.
+    const double piece = timer_.isActive() ? width() * pieceShare : width();
+    const double left = timer_.isActive() ? (width() + piece) * step_ / stepsAcross - piece : 0;
     QPainter(this).fillRect(QRectF(left, 0, piece, height()), Tint::accent().on(*this));
 }
 

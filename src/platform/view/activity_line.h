@@ -6,7 +6,8 @@
 
 namespace kelm {
 
-/// Two points high; a short piece in the accent colour runs along it while it is active.
+/// Two points high; a short piece in the accent colour runs along it while it is active, or the
+/// line stands still and whole where nothing is to move.
 class ActivityLine final : public QWidget
 {
     Q_OBJECT
@@ -14,7 +15,7 @@ class ActivityLine final : public QWidget
 public:
     explicit ActivityLine(QWidget* parent = nullptr);
 
-    bool isActive() const { return timer_.isActive(); }
+    bool isActive() const { return isActive_; }
     void setActive(bool isActive);
 
 protected:
@@ -24,6 +25,7 @@ private:
     /// While nothing goes on there is nothing to be told of.
     void tellState();
 
+    bool isActive_ = false;
     QTimer timer_;
     int step_ = 0;
 };

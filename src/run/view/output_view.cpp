@@ -2,6 +2,7 @@
 
 #include "editor/themes/theme_manager.h"
 #include "platform/events/main_queue.h"
+#include "platform/style/view/motion.h"
 #include "platform/style/view/style.h"
 #include "platform/view/focus_ring.h"
 #include "run/view/end_follower.h"
@@ -143,7 +144,7 @@ void OutputView::scrollToBottomAnchor()
         isScrollQueued_ = false;
         if (scrolling_.state() != QAbstractAnimation::Running && follower_->isFollowing()) {
             scrollStart_ = textView_->visibleRect().top();
-            scrolling_.start();
+            style::run(scrolling_);
         }
     });
 }

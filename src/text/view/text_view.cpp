@@ -47,6 +47,10 @@ TextView::TextView(QWidget* parent)
         }
     });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TextView::scrollBarMoved);
+    connect(QGuiApplication::styleHints(), &QStyleHints::cursorFlashTimeChanged, this, [this] {
+        restartBlink();
+        updateCarets();
+    });
     verticalScrollBar()->setSingleStep(static_cast<int>(layout_.rowHeight()));
     updateWrapWidth();
 }

@@ -3,6 +3,7 @@
 #include "platform/desktop/workspace.h"
 #include "platform/style/view/icons.h"
 #include "platform/style/view/ink.h"
+#include "platform/style/view/motion.h"
 #include "platform/text/platform_words.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/accessible_role.h"
@@ -65,9 +66,7 @@ void prepare(QVariantAnimation& animation, int milliseconds, bool startsAtEnd, Q
 void run(QVariantAnimation& animation, bool forward)
 {
     animation.setDirection(forward ? QAbstractAnimation::Forward : QAbstractAnimation::Backward);
-    if (animation.state() != QAbstractAnimation::Running) {
-        animation.start();
-    }
+    style::run(animation);
 }
 
 } // namespace

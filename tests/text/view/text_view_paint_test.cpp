@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QStyleHints>
 #include <QtTest>
@@ -119,6 +120,7 @@ private Q_SLOTS:
     void theCaretIsTwoPixelsOfItsColor();
     void theCaretIsWholeAtTheEdges();
     void theCaretBlinks();
+    void theCaretStaysWhenThePlatformWantsNoBlinkingAnyLonger();
     void theScreenShowsWhatAWholePaintingWould();
     void theCaretStandsStillWhileTyping();
     void noCaretWithoutFocusOrInAReadOnlyView();
@@ -214,6 +216,17 @@ void TextViewPaintTest::theCaretBlinks()
     QVERIFY(isOn());
     QTRY_VERIFY(!isOn());
     QTRY_VERIFY(isOn());
+}
+
+void TextViewPaintTest::theCaretStaysWhenThePlatformWantsNoBlinkingAnyLonger()
+{
+    ColoredView view(QStringLiteral("ab|"));
+    const auto isOn = [&] { return Picture(view).count(Picture(view).whole(), caretColor) > 0; };
+    QTRY_VERIFY(!isOn());
+    const int flash = QGuiApplication::styleHints()->cursorFlashTime();
+    QApplication::setCursorFlashTime(0);
+    const auto restore = qScopeGuard([flash] { QApplication::setCursorFlashTime(flash); });
+    QVERIFY(isOn());
 }
 
 void TextViewPaintTest::theCaretStandsStillWhileTyping()

@@ -1,5 +1,7 @@
 #include "editor/minimap/view/minimap_painter.h"
 
+#include "platform/style/view/hairline.h"
+
 #include <QPainter>
 #include <QWidget>
 
@@ -46,7 +48,7 @@ MinimapGeometry minimapGeometry(const QWidget& map, const TextStorage* storage)
 bool paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& picture)
 {
     const EditorTheme& theme = picture.theme;
-    const QRectF leftEdge(0, 0, 1, map.height());
+    const QRectF leftEdge(0, 0, hairlineWidth(painter), map.height());
     painter.fillRect(map.rect(),
                      blended(theme.backgroundColor.toColor(), tintFraction, theme.isDark ? Qt::white : Qt::black));
     painter.fillRect(leftEdge, withAlpha(theme.lineNumberColor.toColor(), 0.4F));
@@ -64,8 +66,9 @@ bool paintMinimap(QPainter& painter, const QWidget& map, const MinimapPicture& p
     }
     // The layer's border lies over everything.
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setPen(QPen(QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F), 1));
-    painter.drawRect(QRectF(map.rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+    const Hairline border = hairline(painter, QRectF(map.rect()));
+    painter.setPen(QPen(QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F), border.width));
+    painter.drawRect(border.box);
     return !geometry.isDrawable() || picture.bars.isWhole();
 }
 

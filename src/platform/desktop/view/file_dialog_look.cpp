@@ -1,6 +1,7 @@
 #include "platform/desktop/view/file_dialog_look.h"
 
 #include "platform/desktop/view/shown_name_delegate.h"
+#include "platform/desktop/view/toolkit_words.h"
 #include "platform/style/view/file_icons.h"
 
 #include <QAbstractItemView>
@@ -41,6 +42,7 @@ void giveOwnLook(QFileDialog& dialog)
     // The dialog lists files on a thread that may outlive whoever gave it its icons.
     static FileIcons icons;
     dialog.setIconProvider(&icons);
+    dialog.setLayoutDirection(directionOfToolkitWords());
     dialog.setItemDelegate(new ShownNameDelegate(&dialog));
     if (QLayout* layout = dialog.layout()) {
         layout->setContentsMargins(margin, margin, margin, margin);

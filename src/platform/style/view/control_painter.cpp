@@ -1,5 +1,6 @@
 #include "platform/style/view/control_painter.h"
 
+#include "platform/style/view/hairline.h"
 #include "platform/style/view/style.h"
 
 #include <QPainter>
@@ -94,11 +95,11 @@ void drawCheckBox(const QStyleOption& option, QPainter& painter)
     const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
     QColor line = option.palette.color(QPalette::Normal, QPalette::WindowText);
     line.setAlphaF(option.state.testFlag(QStyle::State_MouseOver) && isEnabled ? 0.5F : 0.3F);
-    const QRectF box = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    const auto [box, lineWidth] = hairline(painter, QRectF(option.rect));
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled ? 1 : 0.5);
-    painter.setPen(isChecked ? QPen(Qt::NoPen) : QPen(line, 1));
+    painter.setPen(isChecked ? QPen(Qt::NoPen) : QPen(line, lineWidth));
     painter.setBrush(option.palette.color(QPalette::Normal, isChecked ? QPalette::Highlight : QPalette::Base));
     painter.drawRoundedRect(isChecked ? QRectF(option.rect) : box, radius, radius);
     if (isChecked) {
@@ -140,9 +141,10 @@ void drawField(const QStyleOptionFrame& option, QPainter& painter)
     constexpr qreal radius = style::radius::control;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(tint(option, 0.18F), 1));
+    const Hairline outline = hairline(painter, QRectF(option.rect));
+    painter.setPen(QPen(tint(option, 0.18F), outline.width));
     painter.setBrush(option.palette.color(QPalette::Base));
-    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter.drawRoundedRect(outline.box, radius, radius);
     if (option.state.testFlag(QStyle::State_HasFocus)) {
         drawFocusRing(painter, QRectF(option.rect), option.palette.color(QPalette::Normal, QPalette::Link), radius);
     }
@@ -204,11 +206,11 @@ void drawPushButton(const QStyleOptionButton& option, QPainter& painter)
     const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
     const bool isDown = option.state.testFlag(QStyle::State_Sunken) || option.state.testFlag(QStyle::State_On);
     const bool isDefault = option.features.testFlag(QStyleOptionButton::DefaultButton) && isEnabled;
-    const QRectF box = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    const auto [box, lineWidth] = hairline(painter, QRectF(option.rect));
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     if (!option.features.testFlag(QStyleOptionButton::Flat) || isDown) {
-        painter.setPen(QPen(tint(option, 0.15F), 1));
+        painter.setPen(QPen(tint(option, 0.15F), lineWidth));
         painter.setBrush(option.palette.color(isDefault ? QPalette::Highlight : QPalette::Button));
         painter.drawRoundedRect(box, radius, radius);
     }

@@ -5,6 +5,7 @@
 #include "platform/style/view/ink.h"
 #include "platform/style/view/input_painter.h"
 #include "platform/style/view/menu_painter.h"
+#include "platform/style/view/motion.h"
 #include "platform/style/view/standard_icons.h"
 
 #include <QApplication>
@@ -22,6 +23,7 @@
 #include <QStyleOptionSlider>
 #include <QTextEdit>
 #include <QToolButton>
+#include <QToolTip>
 
 namespace kelm::style {
 
@@ -110,6 +112,9 @@ QPalette palette(Appearance appearance)
     palette.setColor(QPalette::Highlight, accentGround);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent);
+    // Every role, whether it is drawn or not: what is left out is the desktop's, which may be of the other appearance.
+    palette.setColor(QPalette::LinkVisited, systemColor(SystemColor::purple, appearance));
+    palette.setColor(QPalette::Midlight, isDark ? QColor(75, 75, 75) : QColor(228, 228, 228));
     palette.setColor(QPalette::Mid, isDark ? QColor(70, 70, 70) : QColor(200, 200, 200));
     palette.setColor(QPalette::Dark, isDark ? QColor(24, 24, 24) : QColor(170, 170, 170));
     palette.setColor(QPalette::Light, isDark ? QColor(80, 80, 80) : QColor(255, 255, 255));
@@ -127,12 +132,24 @@ Appearance appearanceOf(const QWidget& widget)
     return isDark ? Appearance::dark : Appearance::light;
 }
 
+namespace {
+
+/// Of tooltips as well, for which a desktop may have colours of its own.
+void setPaletteOfAll(Appearance appearance)
+{
+    const QPalette colors = palette(appearance);
+    QApplication::setPalette(colors);
+    QToolTip::setPalette(colors);
+}
+
+} // namespace
+
 void installOn(QApplication& application)
 {
     application.setStyle(new KelmStyle);
     application.setFont(interfaceFont(typeSize::body));
-    QApplication::setPalette(palette(Appearance::dark));
-    installAppearance([](Appearance appearance) { QApplication::setPalette(palette(appearance)); });
+    setPaletteOfAll(Appearance::dark);
+    installAppearance(setPaletteOfAll);
 }
 
 } // namespace kelm::style
@@ -329,6 +346,8 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
         return 0;
     case SH_MenuBar_AltKeyNavigation:
         return 1;
+    case SH_Widget_Animation_Duration:
+        return style::isAnimated() ? QProxyStyle::styleHint(hint, option, widget, returned) : 0;
     case SH_ToolTip_WakeUpDelay:
         return 500;
     default:

@@ -108,6 +108,8 @@ private Q_SLOTS:
     void aSmallSymbolHasEdgesOnThoseOfPixels_data();
     void aSmallSymbolHasEdgesOnThoseOfPixels();
     void strokesAreThickerWhereSmallAndThinnerWhereLarge();
+    void strokesAreOfOneWeightInEachSize_data();
+    void strokesAreOfOneWeightInEachSize();
     void aPixmapIsKept();
     void aTintOfItsOwnOpacityKeepsIt();
     void paintingHitsWholeDevicePixels_data();
@@ -457,6 +459,44 @@ void IconsTest::strokesAreThickerWhereSmallAndThinnerWhereLarge()
     QVERIFY(part(60, 1) < part(24, 1) * 0.8);
     // That is a matter of points: more pixels do not change it.
     QVERIFY(qAbs(part(60, 2) - part(60, 1)) < part(60, 1) * 0.03);
+}
+
+void IconsTest::strokesAreOfOneWeightInEachSize_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("size");
+    QTest::addColumn<qreal>("ratio");
+    for (const QString& name : icons::names()) {
+        if (name.endsWith(u".fill"_s) || name == u"swift"_s || name == u"paintbrush"_s) {
+            continue;
+        }
+        for (const int size : {16, 20, 24}) {
+            for (const qreal ratio : {1.0, 2.0}) {
+                QTest::addRow("%s %d at %g", qPrintable(name), size, ratio) << name << size << ratio;
+            }
+        }
+    }
+}
+
+void IconsTest::strokesAreOfOneWeightInEachSize()
+{
+    // The darkest pixel tells a stroke from a pale smear between two of them.
+    QFETCH(const QString, name);
+    QFETCH(const int, size);
+    QFETCH(const qreal, ratio);
+    const QImage image = imageOf(icons::pixmap(name, size, tint, ratio));
+    const auto stroke = std::max<qreal>(1.04, 1.75 / 24 * size * ratio);
+    // Ink by the length of what it follows: half of its outline.
+    int edges = 0;
+    for (int y = 1; y < image.height(); ++y) {
+        for (int x = 1; x < image.width(); ++x) {
+            const int here = qAlpha(image.pixel(x, y));
+            edges += std::abs(here - qAlpha(image.pixel(x - 1, y))) + std::abs(here - qAlpha(image.pixel(x, y - 1)));
+        }
+    }
+    // A slope has more of such edges than it is long, 1.27 times on the average of all directions.
+    const qreal width = inkAmount(image) / (edges / 255.0 / 2 / 1.13);
+    QVERIFY2(width > stroke * 0.75 && width < stroke * 1.6, qPrintable(u"%1 for %2"_s.arg(width).arg(stroke)));
 }
 
 void IconsTest::aPixmapIsKept()

@@ -3,8 +3,11 @@
 
 #include <QFontDatabase>
 #include <QImage>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPalette>
+#include <QToolTip>
 #include <QtTest>
 
 #include <cmath>
@@ -45,6 +48,8 @@ private Q_SLOTS:
     void koreanIsAsStrongAsLatin_data();
     void koreanIsAsStrongAsLatin();
     void koreanIsAsLargeAsLatin();
+    void thePalettesLeaveNoRoleToTheDesktop();
+    void noKindOfWidgetKeepsTheDesktopsPalette();
 };
 
 void StyleTest::koreanIsAsStrongAsLatin_data()
@@ -82,6 +87,40 @@ void StyleTest::koreanIsAsLargeAsLatin()
     latin.addText(0, 0, font, u"Hg"_s);
     const double ratio = korean.boundingRect().height() / latin.boundingRect().height();
     QVERIFY2(ratio > 0.8 && ratio < 1.1, qPrintable(QString::number(ratio)));
+}
+
+void StyleTest::thePalettesLeaveNoRoleToTheDesktop()
+{
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        const QPalette palette = style::palette(appearance);
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            for (int role = 0; role < QPalette::NColorRoles; ++role) {
+                const bool isSet = role == QPalette::NoRole || palette.isBrushSet(group, QPalette::ColorRole(role));
+                QVERIFY2(isSet, qPrintable(u"role %1 of group %2"_s.arg(role).arg(group)));
+            }
+        }
+    }
+}
+
+void StyleTest::noKindOfWidgetKeepsTheDesktopsPalette()
+{
+    // As the platform's part of the toolkit does at the start.
+    const QPalette desktops(Qt::magenta);
+    QApplication::setPalette(desktops);
+    for (const char* kind : {"QMenu", "QMenuBar", "QLabel", "QComboBox", "QMessageBoxLabel"}) {
+        QApplication::setPalette(desktops, kind);
+    }
+    QToolTip::setPalette(desktops);
+    style::installOn(*qApp);
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        setApplicationAppearance(appearance);
+        const QPalette palette = style::palette(appearance);
+        for (const char* kind : {"QWidget", "QMenu", "QMenuBar", "QLabel", "QComboBox", "QMessageBoxLabel"}) {
+            QVERIFY2(QApplication::palette(kind) == palette, kind);
+        }
+        QCOMPARE(QToolTip::palette(), palette);
+        QCOMPARE(QMenu().palette().color(QPalette::Window), palette.color(QPalette::Window));
+    }
 }
 
 const kelm::test::Registered<StyleTest> registered(kelm::test::Toolkit::widgets);
