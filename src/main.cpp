@@ -74,9 +74,12 @@ int main(int argc, char* argv[])
     }
     kelm::outliveReaders();
     kelm::Log::takeToolkitMessages();
-    const auto& commandLine = std::get<kelm::CommandLine>(parsed);
+    const auto* commandLine = std::get_if<kelm::CommandLine>(&parsed);
     const QString picture = qEnvironmentVariable("KELMWRIGHT_PICTURE");
-    std::optional<kelm::openRequest::Request> request = kelm::requestOf(commandLine);
+    std::optional<kelm::openRequest::Request> request;
+    if (commandLine != nullptr) {
+        request = kelm::requestOf(*commandLine);
+    }
     if (!request) {
         return static_cast<int>(kelm::ExitStatus::failed);
     }
@@ -84,14 +87,14 @@ int main(int argc, char* argv[])
     kelm::SingleInstance instance(kelm::defaultInstancePlace());
     // A picture is drawn by a program of its own, whatever else runs.
     if (picture.isEmpty()) {
-        if (const auto status = kelm::handOver(instance, *request, commandLine.toolkitArguments)) {
+        if (const auto status = kelm::handOver(instance, *request, commandLine->toolkitArguments)) {
             return static_cast<int>(*status);
         }
     }
     // The toolkit tells the desktop by it that the window is there.
     kelm::putStartTokens(request->tokens);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    ToolkitArguments toolkitArguments(argv[0], commandLine.toolkitArguments);
+    ToolkitArguments toolkitArguments(argv[0], commandLine->toolkitArguments);
     QApplication application(toolkitArguments.count(), toolkitArguments.values());
     kelm::takeStartTokens();
     QApplication::setApplicationName(QStringLiteral("KelmPane"));

@@ -19,7 +19,7 @@ QByteArray withValue(const CommandOption& option, const char* between = " ")
 
 QByteArray bytesOf(QLatin1String text)
 {
-    return QByteArray(text.data(), text.size());
+    return {text.data(), text.size()};
 }
 
 /// Text for the manual page: hyphens are those of a command line.
