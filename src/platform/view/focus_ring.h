@@ -19,7 +19,8 @@ public:
     bool isShown() const { return isByKey_ && isHere_; }
 
 private:
-    bool isByKey_ = false;
+    /// A window that opens gives the keyboard to something by itself.
+    bool isByKey_ = true;
     bool isHere_ = false;
 };
 

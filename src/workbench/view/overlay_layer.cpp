@@ -85,7 +85,6 @@ bool OverlayLayer::focusNextPrevChild(bool next)
         const bool isStop = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled() &&
                             isAncestorOf(widget) && widget->isVisibleTo(this);
         if (isStop) {
-            window()->setAttribute(Qt::WA_KeyboardFocusChange);
             widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
             break;
         }
