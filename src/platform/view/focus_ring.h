@@ -19,8 +19,7 @@ public:
     bool isShown() const { return isByKey_ && isHere_; }
 
 private:
-    /// A window that opens gives the keyboard to something by itself.
-    bool isByKey_ = true;
+    bool isByKey_ = false;
     bool isHere_ = false;
 };
 
