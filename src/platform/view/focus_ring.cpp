@@ -13,10 +13,11 @@ namespace {
 class Ring final : public QWidget
 {
 public:
-    explicit Ring(QWidget* parent) : QWidget(parent)
+    explicit Ring(QAbstractScrollArea& area) : QWidget(&area)
     {
         setAttribute(Qt::WA_TransparentForMouseEvents);
-        setGeometry(parent->rect());
+        // Its bars may be raised at any time.
+        setGeometry(area.viewport()->geometry());
         raise();
         show();
     }
@@ -46,16 +47,18 @@ void FocusSign::follow(const QFocusEvent& event)
 FocusRing::FocusRing(QAbstractScrollArea& area) : QObject(&area), area_(area)
 {
     area_.installEventFilter(this);
+    area_.viewport()->installEventFilter(this);
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+    const bool isFocus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
+    if (watched == &area_ && isFocus) {
         sign_.follow(*static_cast<QFocusEvent*>(event));
         delete ring_;
-        ring_ = sign_.isShown() ? new Ring(&area_) : nullptr;
-    } else if (event->type() == QEvent::Resize && ring_) {
-        ring_->setGeometry(area_.rect());
+        ring_ = sign_.isShown() ? new Ring(area_) : nullptr;
+    } else if (watched == area_.viewport() && event->type() == QEvent::Resize && ring_) {
+        ring_->setGeometry(area_.viewport()->geometry());
     }
     return QObject::eventFilter(watched, event);
 }

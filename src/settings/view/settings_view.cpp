@@ -92,6 +92,15 @@ QWidget* SettingsView::page(Tab tab) const
     return pages_->widget(tab);
 }
 
+bool SettingsView::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate && focusWidget() == nullptr) {
+        // Else it would get the keyboard without a sign.
+        buttons_.at(pages_->currentIndex())->setFocus(Qt::TabFocusReason);
+    }
+    return QWidget::event(event);
+}
+
 void SettingsView::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape) {

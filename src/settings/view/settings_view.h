@@ -30,6 +30,7 @@ public:
     QWidget* page(Tab tab) const;
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

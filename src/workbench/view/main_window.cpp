@@ -267,8 +267,6 @@ bool MainWindow::focusNextPrevChild(bool next)
     }
     QWidget* const stop = nextFocusStop(regions(), focusWidget(), next);
     if (stop != nullptr) {
-        // As the toolkit's own way round does, so that check boxes show it.
-        setAttribute(Qt::WA_KeyboardFocusChange);
         stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     }
     return stop != nullptr;

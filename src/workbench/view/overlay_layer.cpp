@@ -139,7 +139,6 @@ void OverlayLayer::stepFocus(bool next)
         const bool isStop =
             (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled() && isHere(widget) && widget->isVisible();
         if (isStop) {
-            window()->setAttribute(Qt::WA_KeyboardFocusChange);
             widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
             break;
         }

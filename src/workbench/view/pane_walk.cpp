@@ -73,6 +73,7 @@ bool PaneWalk::enter(std::size_t index)
         target = nextFocusStop({part}, nullptr, true);
     }
     if (target != nullptr) {
+        // As the Tab key does, so that check boxes show it.
         window_.setAttribute(Qt::WA_KeyboardFocusChange);
         target->setFocus(Qt::ShortcutFocusReason);
     }

@@ -100,6 +100,7 @@ private Q_SLOTS:
     void eachStopOfTheWindowShowsIt_data() { eachStopOfTheWindowIsSeen_data(); }
     void eachStopOfTheWindowShowsIt();
     void eachStopOfTheSettingsShowsIt();
+    void aWindowThatOpensShowsIt();
     void eachStopOfASheetShowsIt();
 };
 
@@ -290,6 +291,18 @@ void FocusInSightTest::eachStopOfTheSettingsShowsIt()
         settings.select(tab);
         QCOMPARE(stopsThatHideIt(settings).join(u"; "_s), QString());
     }
+}
+
+void FocusInSightTest::aWindowThatOpensShowsIt()
+{
+    WindowFixture fixture;
+    fixture.window.openSettings();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.settings()));
+    QWidget* const focused = QApplication::focusWidget();
+    QVERIFY(focused != nullptr && focused->window() == fixture.window.settings());
+    const QImage with = shownAt(*focused);
+    focused->clearFocus();
+    QVERIFY(shownAt(*focused) != with);
 }
 
 void FocusInSightTest::eachStopOfASheetShowsIt()

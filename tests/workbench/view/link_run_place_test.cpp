@@ -6,6 +6,7 @@
 #include "support/test_program.h"
 #include "workbench/view/link_run_bar.h"
 #include "workbench/view/link_run_place.h"
+#include "workbench/view/sidebar_view.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/window_fixture.h"
 
@@ -61,6 +62,7 @@ private Q_SLOTS:
     void closingPutsTheBarAway();
     void theTabKeyReachesTheAnswers();
     void aKeyBringsTheKeyboardFromTheText();
+    void theKeyGoesThereFirstAndThenRound();
     void atFirstTheBarIsDeaf();
     void aHeldKeyPressesNothing_data();
     void aHeldKeyPressesNothing();
@@ -210,6 +212,33 @@ void LinkRunPlaceTest::aKeyBringsTheKeyboardFromTheText()
     fixture.waitForRun(u"a"_s);
     QVERIFY(linkPermission::isGiven(fixture.defaults));
     QVERIFY(fixture.text().hasFocus());
+}
+
+void LinkRunPlaceTest::theKeyGoesThereFirstAndThenRound()
+{
+    Fixture fixture;
+    fixture.ask(u"a"_s);
+    fixture.waitForButtons();
+    const auto press = [&fixture](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(fixture.window.windowHandle(), Qt::Key_F6, modifiers);
+    };
+    fixture.window.sidebar()->tabButton(SidebarTab::files).setFocus(Qt::TabFocusReason);
+    press(Qt::ShiftModifier);
+    QVERIFY(fixture.bar()->runButton()->hasFocus());
+    press({});
+    QVERIFY(fixture.text().hasFocus());
+    // It has been there, and stands in the row of the others now.
+    press({});
+    QVERIFY(fixture.window.sidebar()->isAncestorOf(QApplication::focusWidget()));
+    press({});
+    QVERIFY(fixture.bar()->runButton()->hasFocus());
+    QTest::keyClick(fixture.window.windowHandle(), Qt::Key_Escape);
+    QVERIFY(fixture.text().hasFocus());
+    // Another question comes first again.
+    fixture.ask(u"b"_s);
+    fixture.waitForButtons();
+    press({});
+    QVERIFY(fixture.bar()->runButton()->hasFocus());
 }
 
 void LinkRunPlaceTest::atFirstTheBarIsDeaf()
