@@ -1,5 +1,6 @@
 #include "app/state/large_files.h"
 
+#include "app/state/file_failures.h"
 #include "platform/events/main_queue.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/file_url.h"
