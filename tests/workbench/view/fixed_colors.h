@@ -98,6 +98,10 @@ inline bool isFixed(const QString& path, const Ink& ink, const EditorTheme& them
     if (path.startsWith(QLatin1String("SimpleLineNumberView"))) {
         return ink.color == systemColor(SystemColor::blue, appearance) || isOfTheme(ink.color, theme);
     }
+    // Of the editor below an overlay's card, too.
+    if (path.contains(QLatin1String("OverlayLayer")) && isOfTheme(ink.color, theme)) {
+        return true;
+    }
     // The colours of the editor and of its preview are those of the theme.
     if (path.contains(QLatin1String("EditorContainerView")) || path.startsWith(QLatin1String("ThemePreview"))) {
         return isOfTheme(ink.color, theme);

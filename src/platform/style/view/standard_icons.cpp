@@ -2,6 +2,7 @@
 
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 
 #include <QGuiApplication>
 #include <QHash>
@@ -92,7 +93,7 @@ QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option,
         return icons::icon(name);
     }
     const QPalette palette = widget != nullptr ? widget->palette() : QGuiApplication::palette();
-    return icons::icon(name, systemColor(*found->color, appearanceOf(palette)));
+    return icons::icon(name, style::ink(*found->color, appearanceOf(palette)));
 }
 
 } // namespace kelm
