@@ -347,8 +347,7 @@ std::function<void()> AppState::keepReplaced(const QUrl& file, const QByteArray&
     const QString copy = unsavedTexts_->store().keepReplaced(file, content);
     return [this, file, content, copy] {
         const Language language = Language::from(pathExtension(file).toLower());
-        auto document =
-            std::make_shared<Document>(ShownBytes::of(content).text, std::nullopt, language, std::nullopt);
+        auto document = std::make_shared<Document>(ShownBytes::of(content).text, std::nullopt, language, std::nullopt);
         document->setIsModified(true);
         appendAndShow(std::move(document));
         unsavedTexts_->store().remove(copy);

@@ -1,4 +1,4 @@
-#include "platform/desktop/view/file_dialogs.h"
+#include "platform/desktop/view/file_and_folder_dialog.h"
 #include "platform/desktop/view/toolkit_words.h"
 #include "support/test_program.h"
 
@@ -13,6 +13,20 @@ namespace toolkit_words_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+Qt::LayoutDirection directionOfTheDialog()
+{
+    OpenPanelOptions options;
+    options.canChooseFiles = true;
+    options.canChooseDirectories = true;
+    FileAndFolderDialog dialog(nullptr, options);
+    dialog.show();
+    return dialog.layoutDirection();
+}
+
+} // namespace
 
 /// The words stay once they are installed, so the languages come in an order.
 class ToolkitWordsTest : public QObject
@@ -53,7 +67,7 @@ void ToolkitWordsTest::theFileDialogSpeaksTheLocalesLanguage()
     QVERIFY(installToolkitWords(*qApp, QLocale(QLocale::Korean, QLocale::SouthKorea)));
     QCOMPARE(QFileDialog::tr("Look in:"), u"다음에서 찾기:"_s);
     QVERIFY(QCoreApplication::translate("QPlatformTheme", "Cancel") != u"Cancel");
-    QCOMPARE(FileAndFolderDialog(nullptr, {}).layoutDirection(), Qt::LeftToRight);
+    QCOMPARE(directionOfTheDialog(), Qt::LeftToRight);
 }
 
 void ToolkitWordsTest::nothingElseOfTheToolkitDoes()
@@ -68,7 +82,7 @@ void ToolkitWordsTest::onlyTheFileDialogIsReadFromRightToLeft()
 {
     QVERIFY(installToolkitWords(*qApp, QLocale(QLocale::Arabic)));
     QCOMPARE(QGuiApplication::layoutDirection(), Qt::LeftToRight);
-    QCOMPARE(FileAndFolderDialog(nullptr, {}).layoutDirection(), Qt::RightToLeft);
+    QCOMPARE(directionOfTheDialog(), Qt::RightToLeft);
     QWidget window;
     QCOMPARE(window.layoutDirection(), Qt::LeftToRight);
 }
