@@ -30,7 +30,10 @@ void moveCaret(World& world)
                                                               Qt::ControlModifier | Qt::ShiftModifier};
     const Qt::KeyboardModifiers held = world.chance.pick(modifiers);
     for (qsizetype count = 1 + world.chance.below(6); count > 0; --count) {
-        QTest::keyClick(&world.text(), world.chance.pick(keys), held);
+        const Qt::Key key = world.chance.pick(keys);
+        // With Ctrl these go to other tabs.
+        const bool isOfPages = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+        QTest::keyClick(&world.text(), key, isOfPages ? held & Qt::ShiftModifier : held);
     }
 }
 

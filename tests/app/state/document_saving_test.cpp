@@ -245,6 +245,7 @@ void DocumentSavingTest::aSaveThatFailedHasSeenNothing()
     state().saveCurrentDocument();
     setFileStepCheck(nullptr);
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("another program's"));
+    state().notices().putAway();
     state().saveCurrentDocument();
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("typed"));
     QCOMPARE(noticeText(), u"a.txt was saved over what another program had written there."_s);

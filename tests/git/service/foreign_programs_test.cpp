@@ -259,7 +259,7 @@ void ForeignProgramsTest::submoduleFetchesNothing()
     setInSub(u"extensions.partialClone"_s, u"origin"_s);
     setInSub(u"remote.origin.promisor"_s, u"true"_s);
     setInSub(u"remote.origin.url"_s, u"ssh://host/x"_s);
-    setInSub(u"core.sshCommand"_s, program());
+    setInSub(u"core.sshCommand"_s, command(u"false"_s));
     const QByteArray tree = repository_->git(inSub + QStringList{u"rev-parse"_s, u"HEAD^{tree}"_s}).trimmed();
     const QString object = u"/"_s + QLatin1String(tree.first(2)) + u'/' + QLatin1String(tree.sliced(2));
     const QString objects = repository_->filePath(u".git/modules/sub/objects"_s);

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <QtTest>
@@ -185,7 +186,8 @@ void RecentlyUsedTest::placesOfTheSystemAreNotTold_data()
     row("the text of a commit", QUrl(u"file:///home/me/project/.git/COMMIT_EDITMSG"_s), false);
     row("unsaved texts", QUrl::fromLocalFile(standardPaths::savedState() + u"/unsaved/a"_s), false);
     row("a theme", QUrl::fromLocalFile(standardPaths::applicationSupport() + u"/Themes/a.json"_s), false);
-    row("a cache", QUrl::fromLocalFile(QDir::homePath() + u"/.cache/a"_s), false);
+    row("a cache",
+        QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/a"_s), false);
     row("a page", QUrl(u"https://host/a.py"_s), false);
     row("another machine's", QUrl(u"file://host/home/me/a.py"_s), false);
 }

@@ -20,6 +20,7 @@
 #include "workbench/view/window_fixture.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -336,6 +337,8 @@ inline std::vector<LookStage> overlayStages()
          [](LookFixture& fixture) {
              auto* dialog = new QFileDialog(&fixture.window, QStringLiteral("Open"), fixture.repository.path());
              dialog->setOption(QFileDialog::DontUseNativeDialog);
+             // Not the folders of earlier dialogs, which may have gone.
+             dialog->setSidebarUrls({QUrl::fromLocalFile(QDir::rootPath())});
              dialog->setAttribute(Qt::WA_DeleteOnClose);
              dialog->show();
          }},

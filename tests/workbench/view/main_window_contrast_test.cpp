@@ -68,6 +68,12 @@ void choose(LookFixture& fixture, const EditorTheme& theme)
 {
     fixture.themes.setCurrentTheme(theme);
     QApplication::setPalette(style::palette(theme.isDark ? Appearance::dark : Appearance::light));
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* alert = qobject_cast<QMessageBox*>(window)) {
+            // It takes its picture when it opens, and nobody chooses a theme while it is open.
+            alert->setIcon(alert->icon());
+        }
+    }
     fixture.settle();
 }
 

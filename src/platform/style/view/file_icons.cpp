@@ -7,12 +7,12 @@
 namespace kelm {
 
 FileIcons::FileIcons()
-    : folder_(standardSymbol(QStyle::SP_DirIcon, nullptr, nullptr)),
-      file_(standardSymbol(QStyle::SP_FileIcon, nullptr, nullptr)),
-      computer_(standardSymbol(QStyle::SP_ComputerIcon, nullptr, nullptr)),
-      drive_(standardSymbol(QStyle::SP_DriveHDIcon, nullptr, nullptr)),
-      network_(standardSymbol(QStyle::SP_DriveNetIcon, nullptr, nullptr)),
-      trash_(standardSymbol(QStyle::SP_TrashIcon, nullptr, nullptr))
+    : folder_(standardSymbol(QStyle::SP_DirIcon, nullptr)),
+      file_(standardSymbol(QStyle::SP_FileIcon, nullptr)),
+      computer_(standardSymbol(QStyle::SP_ComputerIcon, nullptr)),
+      drive_(standardSymbol(QStyle::SP_DriveHDIcon, nullptr)),
+      network_(standardSymbol(QStyle::SP_DriveNetIcon, nullptr)),
+      trash_(standardSymbol(QStyle::SP_TrashIcon, nullptr))
 {}
 
 QIcon FileIcons::icon(IconType type) const

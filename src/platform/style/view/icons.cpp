@@ -130,9 +130,9 @@ QIcon icon(const QString& name)
     return QIcon(new SymbolIconEngine(name, std::nullopt));
 }
 
-QIcon icon(const QString& name, const QColor& tint)
+QIcon icon(const QString& name, SystemColor hue)
 {
-    return QIcon(new SymbolIconEngine(name, tint));
+    return QIcon(new SymbolIconEngine(name, hue));
 }
 
 QIcon application()

@@ -1,6 +1,8 @@
 // The symbols of the interface, drawn in any size and colour. All of it belongs to the main thread.
 #pragma once
 
+#include "platform/desktop/named_colors.h"
+
 #include <QColor>
 #include <QIcon>
 #include <QPixmap>
@@ -29,8 +31,9 @@ void paint(QPainter& painter, const QString& name, const QRectF& rectangle, cons
 /// and follows it; in that of disabled buttons, or of selected text, where it is asked for that.
 QIcon icon(const QString& name);
 
-/// The same in a colour of its own, which is pale while the control is disabled.
-QIcon icon(const QString& name, const QColor& tint);
+/// The same in the shade that strokes of a hue have on the application's palette, which is pale while the control is
+/// disabled.
+QIcon icon(const QString& name, SystemColor hue);
 
 /// The program's own icon, in colour, in the sizes that windows and task bars ask for.
 QIcon application();

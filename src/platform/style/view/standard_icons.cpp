@@ -2,13 +2,10 @@
 
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/icons.h"
-#include "platform/style/view/ink.h"
 
 #include <QGuiApplication>
 #include <QHash>
-#include <QPalette>
 #include <QStyleOption>
-#include <QWidget>
 
 #include <optional>
 
@@ -67,14 +64,9 @@ const QHash<int, StandardSymbol>& standardSymbols()
     return symbols;
 }
 
-Appearance appearanceOf(const QPalette& palette)
-{
-    return palette.color(QPalette::WindowText).lightness() > 127 ? Appearance::dark : Appearance::light;
-}
-
 } // namespace
 
-QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option, const QWidget* widget)
+QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option)
 {
     const auto found = standardSymbols().constFind(picture);
     if (found == standardSymbols().cend()) {
@@ -89,11 +81,7 @@ QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option,
     } else if (isMirrored && picture == QStyle::SP_ArrowForward) {
         name = u"chevron.left"_s;
     }
-    if (!found->color) {
-        return icons::icon(name);
-    }
-    const QPalette palette = widget != nullptr ? widget->palette() : QGuiApplication::palette();
-    return icons::icon(name, style::ink(*found->color, appearanceOf(palette)));
+    return found->color ? icons::icon(name, *found->color) : icons::icon(name);
 }
 
 } // namespace kelm

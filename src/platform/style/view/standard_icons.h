@@ -8,6 +8,6 @@ namespace kelm {
 
 /// The symbol that stands for a standard picture of the toolkit, in the colour that belongs to it. A null icon where
 /// there is none.
-QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option, const QWidget* widget);
+QIcon standardSymbol(QStyle::StandardPixmap picture, const QStyleOption* option);
 
 } // namespace kelm

@@ -357,13 +357,13 @@ int KelmStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
 
 QIcon KelmStyle::standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const
 {
-    const QIcon symbol = standardSymbol(picture, option, widget);
+    const QIcon symbol = standardSymbol(picture, option);
     return symbol.isNull() ? QProxyStyle::standardIcon(picture, option, widget) : symbol;
 }
 
 QPixmap KelmStyle::standardPixmap(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const
 {
-    const QIcon symbol = standardSymbol(picture, option, widget);
+    const QIcon symbol = standardSymbol(picture, option);
     const int size = pixelMetric(PM_LargeIconSize, option, widget);
     return symbol.isNull() ? QProxyStyle::standardPixmap(picture, option, widget) : symbol.pixmap(size);
 }

@@ -1,6 +1,7 @@
 #include "platform/style/view/symbol_icon_engine.h"
 
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -9,7 +10,16 @@
 
 namespace kelm {
 
-SymbolIconEngine::SymbolIconEngine(QString name, std::optional<QColor> tint) : name_(std::move(name)), tint_(tint) {}
+namespace {
+
+Appearance appearanceOf(const QPalette& palette)
+{
+    return palette.color(QPalette::WindowText).lightness() > 127 ? Appearance::dark : Appearance::light;
+}
+
+} // namespace
+
+SymbolIconEngine::SymbolIconEngine(QString name, std::optional<SystemColor> hue) : name_(std::move(name)), hue_(hue) {}
 
 void SymbolIconEngine::paint(QPainter* painter, const QRect& rectangle, QIcon::Mode mode, QIcon::State /*state*/)
 {
@@ -55,12 +65,12 @@ bool SymbolIconEngine::isNull()
 QColor SymbolIconEngine::tintIn(QIcon::Mode mode) const
 {
     constexpr float disabledOpacity = 0.5F;
-    if (tint_) {
-        QColor tint = *tint_;
+    const QPalette palette = QGuiApplication::palette();
+    if (hue_) {
+        QColor tint = style::ink(*hue_, appearanceOf(palette));
         tint.setAlphaF(tint.alphaF() * (mode == QIcon::Disabled ? disabledOpacity : 1.0F));
         return tint;
     }
-    const QPalette palette = QGuiApplication::palette();
     switch (mode) {
     case QIcon::Disabled:
         return palette.color(QPalette::Disabled, QPalette::ButtonText);

@@ -1,6 +1,8 @@
 // A symbol as an icon of the toolkit.
 #pragma once
 
+#include "platform/desktop/named_colors.h"
+
 #include <QColor>
 #include <QIconEngine>
 
@@ -8,12 +10,12 @@
 
 namespace kelm {
 
-/// Draws a symbol anew in each size, mode and scale that it is asked for, in the application palette's colours or in a
-/// fixed one.
+/// Draws a symbol anew in each size, mode and scale that it is asked for, in the application palette's colours or in
+/// a hue.
 class SymbolIconEngine final : public QIconEngine
 {
 public:
-    SymbolIconEngine(QString name, std::optional<QColor> tint);
+    SymbolIconEngine(QString name, std::optional<SystemColor> hue);
 
     void paint(QPainter* painter, const QRect& rectangle, QIcon::Mode mode, QIcon::State state) override;
     /// Sizes are in device pixels.
@@ -29,7 +31,7 @@ private:
     QColor tintIn(QIcon::Mode mode) const;
 
     QString name_;
-    std::optional<QColor> tint_;
+    std::optional<SystemColor> hue_;
 };
 
 } // namespace kelm

@@ -57,7 +57,8 @@ void ShownNameDelegateTest::ourDialogShowsNamesSo()
     OpenPanelOptions options;
     options.canChooseFiles = true;
     options.canChooseDirectories = true;
-    const FileAndFolderDialog dialog(nullptr, options);
+    FileAndFolderDialog dialog(nullptr, options);
+    dialog.show();
     for (const QString& name : {u"listView"_s, u"treeView"_s}) {
         const auto* list = dialog.findChild<QAbstractItemView*>(name);
         QVERIFY(qobject_cast<ShownNameDelegate*>(list->itemDelegate()) != nullptr);

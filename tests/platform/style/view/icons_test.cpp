@@ -2,6 +2,8 @@
 #include "app/state/window_tabs.h"
 #include "git/panel/source_control_tab.h"
 #include "platform/style/view/icons.h"
+#include "platform/style/view/ink.h"
+#include "platform/style/view/style.h"
 #include "support/roles.h"
 #include "support/test_program.h"
 
@@ -122,7 +124,7 @@ private Q_SLOTS:
     void anIconTakesThePalettesColours_data();
     void anIconTakesThePalettesColours();
     void anIconFollowsThePalette();
-    void anIconOfItsOwnTintIsPaleWhileDisabled();
+    void anIconOfAHueFollowsThePaletteAndIsPaleWhileDisabled();
     void anIconHasTheSizeAndScaleAskedFor();
     void anIconOfAnUnknownNameIsNull();
     void theApplicationsIconComesInTheSizesOfWindows();
@@ -653,20 +655,25 @@ void IconsTest::anIconFollowsThePalette()
     QCOMPARE(seen[1], wanted[1]);
 }
 
-void IconsTest::anIconOfItsOwnTintIsPaleWhileDisabled()
+void IconsTest::anIconOfAHueFollowsThePaletteAndIsPaleWhileDisabled()
 {
-    const QIcon icon = icons::icon(u"folder.fill"_s, Qt::red);
-    const QColor normal = imageOf(icon.pixmap(QSize(24, 24), 1)).pixelColor(12, 14);
-    const QColor disabled = imageOf(icon.pixmap(QSize(24, 24), 1, QIcon::Disabled)).pixelColor(12, 14);
-    QCOMPARE(normal, QColor(Qt::red));
-    QCOMPARE(disabled.red(), 255);
-    QCOMPARE(disabled.green(), 0);
-    QCOMPARE(disabled.alpha(), 128);
+    const QIcon icon = icons::icon(u"folder.fill"_s, SystemColor::red);
+    const QPalette before = QGuiApplication::palette();
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        QGuiApplication::setPalette(style::palette(appearance));
+        const QColor wanted = style::ink(SystemColor::red, appearance);
+        QCOMPARE(imageOf(icon.pixmap(QSize(24, 24), 1)).pixelColor(12, 14), wanted);
+        const QColor disabled = imageOf(icon.pixmap(QSize(24, 24), 1, QIcon::Disabled)).pixelColor(12, 14);
+        QCOMPARE(disabled.alpha(), 128);
+        QVERIFY(std::abs(disabled.red() - wanted.red()) <= 1);
+    }
+    QGuiApplication::setPalette(before);
 }
 
 void IconsTest::anIconHasTheSizeAndScaleAskedFor()
 {
-    const QIcon icon = icons::icon(u"gear"_s, tint);
+    const QIcon icon = icons::icon(u"gear"_s);
+    const QColor tint = QGuiApplication::palette().color(QPalette::Active, QPalette::ButtonText);
     QVERIFY(!icon.isNull());
     QCOMPARE(icon.name(), u"gear"_s);
     const QPixmap once = icon.pixmap(QSize(16, 16), 1);
