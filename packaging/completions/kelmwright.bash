@@ -11,7 +11,7 @@ _kelmwright() {
     fi
   done
   if [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W '--line --wait --help --version' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W '--line --wait --new-file --open-folder --help --version' -- "$current")
   fi
 }
 complete -o default -F _kelmwright kelmwright

@@ -183,6 +183,12 @@ std::optional<openRequest::Request> requestOf(const CommandLine& commandLine)
         }
         request.items.append(item);
     }
+    if (commandLine.makesNewFile) {
+        request.items.append(openRequest::Item({}, 0, 0, openRequest::Item::Kind::newFile));
+    }
+    if (commandLine.choosesFolder) {
+        request.items.append(openRequest::Item({}, 0, 0, openRequest::Item::Kind::folderPanel));
+    }
     return request;
 }
 

@@ -125,6 +125,12 @@ private:
         case CommandOptionId::wait:
             result_.waits = true;
             break;
+        case CommandOptionId::newFile:
+            result_.makesNewFile = true;
+            break;
+        case CommandOptionId::openFolder:
+            result_.choosesFolder = true;
+            break;
         case CommandOptionId::line:
             takeLine(option, value);
             break;

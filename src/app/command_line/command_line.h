@@ -28,6 +28,8 @@ struct CommandLine
     /// The line for files that name none, counted from 1; 0 where none was given.
     quint32 line = 0;
     bool waits = false;
+    bool makesNewFile = false;
+    bool choosesFolder = false;
     /// What the toolkit takes for itself, as it was written.
     QStringList toolkitArguments = {};
 

@@ -7,7 +7,7 @@
 
 namespace kelm {
 
-enum class CommandOptionId { help, version, line, wait };
+enum class CommandOptionId { help, version, line, wait, newFile, openFolder };
 
 /// A row of the table.
 struct CommandOption
@@ -34,6 +34,13 @@ inline constexpr std::array commandOptions{
                                 "tells whether the texts were saved. So the command serves as EDITOR and as git's "
                                 "core.editor. Where the editor does not run yet it is started, and goes on "
                                 "afterwards. Folders and links are not waited for.")},
+    CommandOption{CommandOptionId::newFile, QLatin1String("--new-file"), QLatin1String(),
+                  QLatin1String("open a new, empty tab"),
+                  QLatin1String("Open a new, empty tab, as the desktop's menu of the program does.")},
+    CommandOption{CommandOptionId::openFolder, QLatin1String("--open-folder"), QLatin1String(),
+                  QLatin1String("choose the folder of the project in the window"),
+                  QLatin1String("Have the folder of the project chosen in the window, as the desktop's menu of the "
+                                "program does.")},
     CommandOption{CommandOptionId::help, QLatin1String("--help"), QLatin1String(),
                   QLatin1String("print this text and end"), QLatin1String("Print a short help and end.")},
     CommandOption{CommandOptionId::version, QLatin1String("--version"), QLatin1String(),

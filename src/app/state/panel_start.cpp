@@ -1,6 +1,7 @@
 #include "app/state/panel_start.h"
 
 #include "app/state/app_state.h"
+#include "platform/desktop/file_panels.h"
 #include "platform/files/file_url.h"
 
 #include <algorithm>
@@ -30,6 +31,19 @@ QStringList panelStart(const AppState& appState)
         folders << filePath(*appState.currentProject());
     }
     return folders;
+}
+
+bool chooseProject(AppState& appState, FilePanels& panels)
+{
+    const QList<ChosenURL> chosen = panels.showOpenPanel({.canChooseFiles = false,
+                                                          .canChooseDirectories = true,
+                                                          .kind = PanelKind::project,
+                                                          .startFolders = panelStart(appState)});
+    if (chosen.isEmpty()) {
+        return false;
+    }
+    appState.setCurrentProject(chosen.first().url);
+    return true;
 }
 
 QString suggestedName(const Document& document)

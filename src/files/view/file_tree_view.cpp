@@ -197,12 +197,7 @@ void FileTreeView::loadFiles()
 
 void FileTreeView::openFolder()
 {
-    const QList<ChosenURL> chosen = filePanels_.showOpenPanel({.canChooseFiles = false,
-                                                               .canChooseDirectories = true,
-                                                               .kind = PanelKind::project,
-                                                               .startFolders = panelStart(appState_)});
-    if (!chosen.isEmpty()) {
-        appState_.setCurrentProject(chosen.first().url);
+    if (chooseProject(appState_, filePanels_)) {
         loadFiles();
     }
 }

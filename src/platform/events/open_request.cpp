@@ -101,7 +101,7 @@ void Reader::readItem(QDataStream& stream)
     quint8 kind = 0;
     Item item;
     stream >> kind;
-    if (kind > static_cast<quint8>(Item::Kind::copy)) {
+    if (kind > static_cast<quint8>(Item::Kind::folderPanel)) {
         stream.setStatus(QDataStream::ReadCorruptData);
     }
     stream >> item.line >> item.column;

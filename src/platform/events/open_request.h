@@ -28,6 +28,10 @@ struct Item
         url,
         /// The text names a copy of an unsaved text, which whoever opens it takes over.
         copy,
+        /// A new tab; there is no text.
+        newFile,
+        /// The panel in which a person chooses the project's folder; there is no text.
+        folderPanel,
     };
 
     Item() = default;

@@ -14,9 +14,30 @@ constexpr char16_t lastOfSecondSet = 0x9F;
 /// To be seen on the grounds of dark themes and of light ones.
 constexpr QRgb signGround = qRgba(0x80, 0x80, 0x80, 0x80);
 
+struct DirectionSign
+{
+    char16_t unit;
+    char16_t sign;
+};
+
+/// What embeds or overrides a direction, and ends that.
+constexpr DirectionSign directionSigns[] = {{0x202A, u'>'}, {0x202B, u'<'}, {0x202C, u'|'},
+                                            {0x202D, u'>'}, {0x202E, u'<'}, {0x2066, u'>'},
+                                            {0x2067, u'<'}, {0x2068, u'?'}, {0x2069, u'|'}};
+
+const DirectionSign* directionSign(char16_t code)
+{
+    const auto* const found = std::find_if(std::begin(directionSigns), std::end(directionSigns),
+                                           [code](const DirectionSign& each) { return each.unit == code; });
+    return found != std::end(directionSigns) ? found : nullptr;
+}
+
 QChar signOf(QChar unit)
 {
     const char16_t code = unit.unicode();
+    if (const DirectionSign* const direction = directionSign(code)) {
+        return direction->sign;
+    }
     if (code == deleteUnit) {
         return u'?';
     }
@@ -31,7 +52,11 @@ QChar signOf(QChar unit)
 bool needsSign(QChar unit)
 {
     const char16_t code = unit.unicode();
-    return code < u' ' ? code != u'\t' : code >= deleteUnit && code <= lastOfSecondSet;
+    if (code < u' ') {
+        return code != u'\t';
+    }
+    return code <= lastOfSecondSet ? code >= deleteUnit
+                                   : code >= directionSigns[0].unit && directionSign(code) != nullptr;
 }
 
 QString withControlSigns(QString text)

@@ -3,6 +3,7 @@
 #include "app/state/app_state.h"
 #include "app/state/lesson_links.h"
 #include "app/state/open_events.h"
+#include "app/state/panel_start.h"
 #include "app/state/unsaved_texts.h"
 #include "app/state/watched_files.h"
 #include "editor/themes/theme_manager.h"
@@ -102,10 +103,22 @@ void AppDelegate::openEntries(const QList<Entry>& entries)
     const auto handleLink = [this](const QString& urlText) { links_->handleKelmPaneURL(urlText); };
     openURLs(urlTexts, AppState::shared(), handleLink);
     for (const Entry& entry : entries) {
-        if (entry.item.kind == openRequest::Item::Kind::copy) {
+        switch (entry.item.kind) {
+        case openRequest::Item::Kind::url:
+            if (fileOpened_ && !isLessonLink(entry.item.text) && !hasDirectoryPath(QUrl(entry.item.text))) {
+                fileOpened_(entry.item, entry.waiting);
+            }
+            break;
+        case openRequest::Item::Kind::copy:
             openCopy(entry);
-        } else if (fileOpened_ && !isLessonLink(entry.item.text) && !hasDirectoryPath(QUrl(entry.item.text))) {
-            fileOpened_(entry.item, entry.waiting);
+            break;
+        case openRequest::Item::Kind::newFile:
+            AppState::shared().createNewTab();
+            break;
+        case openRequest::Item::Kind::folderPanel:
+            // Once the window is there.
+            onMainQueue(this, [] { chooseProject(AppState::shared(), FilePanels::shared()); });
+            break;
         }
     }
 }

@@ -118,6 +118,8 @@ void addItems(QMenu& menu, const std::vector<MenuItem>& items, const CommandTarg
             break;
         case MenuItem::Kind::command: {
             QAction* action = menu.addAction(withoutMnemonic(item.label));
+            // One press does one thing: a run, say, that a link asks for comes up under a key that is held down.
+            action->setAutoRepeat(false);
             if (item.command) {
                 identify(*action, *item.command);
             }

@@ -37,6 +37,8 @@ void CommandLineTest::whatIsUnderstood_data()
     row("options end", {u"--"_s, u"--help"_s, u"--"_s}, {.operands = {{u"--help"_s}, {u"--"_s}}});
     row("options before and behind", {u"--wait"_s, u"a"_s, u"--line"_s, u"12"_s},
         {.operands = a, .line = 12, .waits = true});
+    row("what the desktop's menu asks for", {u"--new-file"_s, u"--open-folder"_s},
+        {.makesNewFile = true, .choosesFolder = true});
     row("a value behind a sign", {u"--line=12"_s, u"a"_s}, {.operands = a, .line = 12});
     row("line 0 is the first", {u"--line"_s, u"0"_s}, {.line = 1});
     row("a line beyond all", {u"--line"_s, u"99999999999999999999999"_s}, {.line = 2147483647});

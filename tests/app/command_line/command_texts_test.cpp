@@ -118,7 +118,7 @@ void CommandTextsTest::bashCompletesOptions()
         return bash.waitForFinished() ? bash.readAll().trimmed() : QByteArray("bash did not end");
     };
     QCOMPARE(complete({u"--w"_s}), "--wait");
-    QCOMPARE(complete({u"--"_s}), "--line --wait --help --version");
+    QCOMPARE(complete({u"--"_s}), "--line --wait --new-file --open-folder --help --version");
     QCOMPARE(complete({u"--line"_s, u"-"_s}), "");
     QCOMPARE(complete({u"--"_s, u"--w"_s}), "");
     QCOMPARE(complete({u"a"_s}), "");

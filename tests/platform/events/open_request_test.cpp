@@ -61,6 +61,8 @@ void OpenRequestTest::requestsComeBack_data()
         number, {u"file:///a b"_s, u"kelmpane://open?code=YQ=="_s, u"한글 👩‍👩‍👧\n\0"_s}};
     QTest::newRow("places") << Request{number, {Item(u"file:///a"_s, 12, 5), Item(u"file:///b"_s, 0xffffffff, 0)}};
     QTest::newRow("a copy") << Request{number, {Item(u"name"_s, 3, 0, Item::Kind::copy)}};
+    QTest::newRow("what has no text") << Request{
+        number, {Item({}, 0, 0, Item::Kind::newFile), Item({}, 0, 0, Item::Kind::folderPanel)}};
     QTest::newRow("tokens") << Request{number, {u"file:///a"_s}, {u"host-1_TIME42"_s, u"한글"_s}};
     QTest::newRow("one that waits") << Request{number, {u"file:///a"_s}, {}, true};
 }
@@ -119,7 +121,7 @@ void OpenRequestTest::whatIsNoMessageIsInvalid_data()
     QTest::newRow("more behind the end") << head + plain + QByteArray("\0\0\0\0x", 5);
     QTest::newRow("neither waits nor not") << head + QByteArray(1, 2) + plain.sliced(1);
     QTest::newRow("too long a token") << head + QByteArray("\0\xff\xff\xff\xff", 5);
-    QTest::newRow("a kind that is none") << head + plain + QByteArray("\0\0\0\1\2", 5);
+    QTest::newRow("a kind that is none") << head + plain + QByteArray("\0\0\0\1\4", 5);
 }
 
 void OpenRequestTest::whatIsNoMessageIsInvalid()

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void linesRunInTheirOrder();
     void whatIsTypedBeforeBelongsToTheFirst();
     void linesThatBelongTogetherAreOneCommand();
+    void signsWaitForReturn_data();
     void signsWaitForReturn();
     void escapeKeepsTheRestFromRunning();
     void keysTypedMeanwhileComeBehind();
@@ -76,18 +77,26 @@ void TerminalTextViewPasteTest::linesThatBelongTogetherAreOneCommand()
     QCOMPARE(page.session().commandHistory(), QStringList{loop});
 }
 
+void TerminalTextViewPasteTest::signsWaitForReturn_data()
+{
+    QTest::addColumn<QString>("sign");
+    QTest::newRow("a control character") << u"\x01"_s;
+    QTest::newRow("one that turns the direction") << u"\u202e"_s;
+}
+
 void TerminalTextViewPasteTest::signsWaitForReturn()
 {
+    QFETCH(QString, sign);
     TerminalPage page;
     page.showBanner();
-    const QString line = u"echo a\x01z; touch ran"_s;
+    const QString line = u"echo a"_s + sign + u"z; touch ran"_s;
     paste(page, line + u'\n');
     QCOMPARE(page.written(), line + u'\n');
     QVERIFY(page.session().commandHistory().isEmpty());
     QVERIFY(!QFileInfo::exists(page.path(u"ran"_s)));
     // The sign is seen.
-    const qsizetype sign = page.text().text().indexOf(u'\x01');
-    QVERIFY(page.text().caretRect({sign + 1, false}).x() > page.text().caretRect({sign, false}).x());
+    const qsizetype at = page.text().text().indexOf(sign);
+    QVERIFY(page.text().caretRect({at + 1, false}).x() > page.text().caretRect({at, false}).x());
     page.press(Qt::Key_Return);
     QCOMPARE(page.session().commandHistory(), QStringList{line});
     QVERIFY(QFileInfo::exists(page.path(u"ran"_s)));

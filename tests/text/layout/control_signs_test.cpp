@@ -29,13 +29,15 @@ private Q_SLOTS:
 void ControlSignsTest::signsStandUnitForUnit()
 {
     QCOMPARE(withControlSigns(u"\x1b[31m\a\u007f\u009b"_s + QChar(0) + u"\u0080\u009f"_s), u"[[31mG?{@`-"_s);
+    QCOMPARE(withControlSigns(u"a\u202eb\u202c\u2066c\u2069"_s), u"a<b|>c|"_s);
 }
 
 void ControlSignsTest::everythingElseStays()
 {
     for (char16_t code = 0; code < 0x2100; ++code) {
         const QChar unit(code);
-        const bool isControl = unit.category() == QChar::Other_Control && unit != u'\t';
+        const bool turns = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+        const bool isControl = (unit.category() == QChar::Other_Control && unit != u'\t') || turns;
         QCOMPARE(needsSign(unit), isControl);
         const QString shown = withControlSigns(unit);
         QCOMPARE(shown.size(), 1);

@@ -194,11 +194,16 @@ void FocusInSightTest::eachStopOfTheWindowIsSeen()
     fixture.window.sidebar()->select(SidebarTab::allCases()[std::size_t(tab)]);
     fixture.state.setShowBottomPanel(true);
     fixture.state.setBottomPanelTab(BottomPanelTab::problems);
+    int given = 0;
+    fixture.notifications.addObserver(&fixture.window, notifications::focusEditor,
+                                      [&given](const Notification&) { ++given; });
     for (int count = 0; count < 20; ++count) {
         fixture.state.openSnippet(u"code"_s, Language::swift, LessonInfo{});
     }
     fixture.turnQueue();
     QTRY_VERIFY(fixture.window.lessonPanel() != nullptr);
+    // Code that was opened is given the keyboard a little later.
+    QTRY_COMPARE(given, 20);
     fixture.window.sidebar()->tabButton(SidebarTab::files).setFocus(Qt::TabFocusReason);
     QSet<QWidget*> reached;
     while (!reached.contains(QApplication::focusWidget())) {
