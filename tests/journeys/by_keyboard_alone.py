@@ -47,7 +47,7 @@ def leave_menus(journey):
     journey.key("Escape")
     journey.until(lambda: not journey.menu(), "the end of the menu")
     journey.key("Escape")
-    until_focused(journey, "", "text")
+    until_focused(journey, "Text of c.txt", "text")
 
 
 def menus(journey):
@@ -61,7 +61,7 @@ def menus(journey):
     until_focused(journey, "KelmWright", "menu item")
     journey.check(not journey.menu(), "Alt alone opened a menu")
     journey.key("Escape")
-    until_focused(journey, "", "text")
+    until_focused(journey, "Text of c.txt", "text")
     for letter, first in (("k", "About KelmWright"), ("f", "New File"), ("e", "Undo"), ("v", "Toggle Sidebar"),
                           ("r", "Run"), ("i", "Find..."), ("w", "Next Recent Tab")):
         journey.key("alt+" + letter)
@@ -132,10 +132,10 @@ def until_in_text(journey):
 
 def panes(journey):
     journey.key("ctrl+grave")
-    until_focused(journey, "Terminal", "text")
+    until_focused(journey, "Terminal", "terminal")
     # Escape is the terminal's; the panes are the way out.
     journey.key("Escape")
-    until_focused(journey, "Terminal", "text")
+    until_focused(journey, "Terminal", "terminal")
     journey.key("F6")
     until_focused(journey, "Open Folder…")
     journey.key("Escape")
@@ -143,7 +143,7 @@ def panes(journey):
     journey.key("shift+F6")
     until_focused(journey, "Open Folder…")
     journey.key("shift+F6")
-    until_focused(journey, "Terminal", "text")
+    until_focused(journey, "Terminal", "terminal")
     journey.key("shift+Tab")
     journey.key("shift+F6")
     until_in_text(journey)

@@ -68,7 +68,6 @@ KeybindingsView::KeybindingsView(QWidget* parent) : QWidget(parent)
     area->setWidgetResizable(true);
     area->setWidget(list);
     area->viewport()->setAutoFillBackground(false);
-    area->setAccessibleName(tr("Shortcuts"));
     // It has no control, and is scrolled by keys.
     new FocusRing(*area);
     list->setAutoFillBackground(false);

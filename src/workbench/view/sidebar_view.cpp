@@ -130,6 +130,10 @@ void SidebarView::showContent()
         pages_->addWidget(content);
     }
     pages_->setCurrentWidget(content);
+    // The stack of pages passes the keyboard on to a page that has nothing to do with it.
+    if (content->hasFocus() && content->focusPolicy() == Qt::NoFocus) {
+        buttons_.at(selectedTab_)->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void SidebarView::paintEvent(QPaintEvent*)

@@ -141,6 +141,8 @@ void KeyboardPlaceTest::anotherTabOfTheSidebarKeepsItInSight()
         sidebar.select(other);
         fixture.settle();
         QVERIFY2(fixture.isSeen(), qPrintable(other.helpLabel()));
+        // And on something that takes it.
+        QVERIFY2(QApplication::focusWidget()->focusPolicy() != Qt::NoFocus, qPrintable(other.helpLabel()));
     }
 }
 
