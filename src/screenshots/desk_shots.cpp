@@ -73,6 +73,7 @@ std::vector<Shot> menuBarShots()
         {"menu-bar-view", u"View"_s},
         {"menu-bar-run", u"Run"_s},
         {"menu-bar-find", u"Find"_s},
+        {"menu-bar-window", u"Window"_s},
     };
     std::vector<Shot> shots;
     for (const Menu& menu : menus) {

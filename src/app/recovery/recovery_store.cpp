@@ -1,5 +1,6 @@
 #include "app/recovery/recovery_store.h"
 
+#include "app/recovery/replaced_bytes.h"
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
