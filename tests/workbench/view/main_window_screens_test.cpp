@@ -6,7 +6,7 @@
 #include <QScreen>
 #include <QWindow>
 
-namespace screen_change_test {
+namespace main_window_screens_test {
 
 using namespace kelm;
 using namespace kelm::test;
@@ -29,7 +29,7 @@ QImage pictureOf(WindowFixture& fixture)
 } // namespace
 
 /// A window that goes to a screen of another scale. It takes a program of its own, since this one has one screen.
-class ScreenChangeTest final : public QObject
+class MainWindowScreensTest final : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void allIsDrawnAnew();
 };
 
-void ScreenChangeTest::inAProgramWithTwoScreens()
+void MainWindowScreensTest::inAProgramWithTwoScreens()
 {
     if (QGuiApplication::screens().size() > 1) {
         return;
@@ -55,12 +55,12 @@ void ScreenChangeTest::inAProgramWithTwoScreens()
     environment.remove(u"QT_SCALE_FACTOR"_s);
     program.setProcessEnvironment(environment);
     program.setProcessChannelMode(QProcess::ForwardedChannels);
-    program.start(QCoreApplication::applicationFilePath(), {u"screen_change_test"_s, u"allIsDrawnAnew"_s});
+    program.start(QCoreApplication::applicationFilePath(), {u"main_window_screens_test"_s, u"allIsDrawnAnew"_s});
     QVERIFY(program.waitForFinished(60000));
     QCOMPARE(program.exitCode(), 0);
 }
 
-void ScreenChangeTest::allIsDrawnAnew()
+void MainWindowScreensTest::allIsDrawnAnew()
 {
     if (QGuiApplication::screens().size() < 2) {
         return;
@@ -91,8 +91,8 @@ void ScreenChangeTest::allIsDrawnAnew()
     QVERIFY(coarse.convertToFormat(QImage::Format_RGB32) != moved.convertToFormat(QImage::Format_RGB32));
 }
 
-const kelm::test::Registered<ScreenChangeTest> registered(kelm::test::Toolkit::widgets);
+const kelm::test::Registered<MainWindowScreensTest> registered(kelm::test::Toolkit::widgets);
 
-} // namespace screen_change_test
+} // namespace main_window_screens_test
 
-#include "screen_change_test.moc"
+#include "main_window_screens_test.moc"
