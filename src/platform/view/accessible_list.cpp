@@ -278,8 +278,9 @@ private:
 
 QAccessibleInterface* makeInterface(const QString&, QObject* object)
 {
-    return AccessibleItems::of(object) != nullptr ? new ListInterface(*static_cast<QAbstractItemView*>(object))
-                                                  : nullptr;
+    // A list that is being taken down is asked for as well, when it is none any more.
+    auto* const list = qobject_cast<QAbstractItemView*>(object);
+    return list != nullptr && AccessibleItems::of(object) != nullptr ? new ListInterface(*list) : nullptr;
 }
 
 } // namespace

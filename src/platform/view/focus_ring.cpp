@@ -44,10 +44,10 @@ void FocusSign::follow(const QFocusEvent& event)
     }
 }
 
-FocusRing::FocusRing(QAbstractScrollArea& area) : QObject(&area), area_(area)
+FocusRing::FocusRing(QAbstractScrollArea& area) : QObject(&area), area_(area), viewport_(area.viewport())
 {
     area_.installEventFilter(this);
-    area_.viewport()->installEventFilter(this);
+    viewport_->installEventFilter(this);
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event)
@@ -57,8 +57,8 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event)
         sign_.follow(*static_cast<QFocusEvent*>(event));
         delete ring_;
         ring_ = sign_.isShown() ? new Ring(area_) : nullptr;
-    } else if (watched == area_.viewport() && event->type() == QEvent::Resize && ring_) {
-        ring_->setGeometry(area_.viewport()->geometry());
+    } else if (watched == viewport_ && event->type() == QEvent::Resize && ring_) {
+        ring_->setGeometry(viewport_->geometry());
     }
     return QObject::eventFilter(watched, event);
 }

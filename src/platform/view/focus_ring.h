@@ -34,6 +34,8 @@ protected:
 
 private:
     QAbstractScrollArea& area_;
+    /// Its own, which is asked for no more when the area is being taken down.
+    QWidget* const viewport_;
     FocusSign sign_;
     /// There only while it is shown.
     QPointer<QWidget> ring_;
