@@ -133,8 +133,6 @@ Q_SIGNALS:
     void isModifiedChanged();
     /// The file holds the text, and the program has not written it.
     void textIsOfFile();
-    /// The file holds another text than it had when it was read or saved last.
-    void fileHoldsAnother();
     void cursorPositionChanged();
     void selectionChanged();
     void explicitLanguageChanged();

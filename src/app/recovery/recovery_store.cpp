@@ -141,11 +141,6 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
             setOrigin(*its, *key);
         }
     });
-    connect(key, &Document::fileHoldsAnother, context, [this, key] {
-        // The text that the file had before stands on no disk any more.
-        worker_.add([origin = keptOf(key)->origin] { origin->text.reset(); });
-        noteChange(key);
-    });
     connect(key, &QObject::destroyed, context, [this, key] { drop(key); });
     return kept;
 }

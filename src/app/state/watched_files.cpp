@@ -238,7 +238,6 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         file.told.reset();
         tell(file,
              u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
-        Q_EMIT document.fileHoldsAnother();
         break;
     case Outcome::sameText:
         forget(file);
@@ -276,7 +275,6 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
             return true;
         }
         offerReload(file, *finding.sight);
-        Q_EMIT document.fileHoldsAnother();
         return true;
     }
     forget(file);

@@ -194,10 +194,6 @@ void RecoveryStoreTest::whatTheFileHeldBeforeIsAnUnsavedText()
     document->noteTextOfFile();
     settle();
     QCOMPARE(onDisk(), QStringList());
-    // Until that file is written once more, or gone.
-    Q_EMIT document->fileHoldsAnother();
-    settle();
-    QCOMPARE(onDisk(), QStringList{u"as it was"_s});
 }
 
 void RecoveryStoreTest::theEndOfTheProgramDoesNotWaitForTheDelay()
