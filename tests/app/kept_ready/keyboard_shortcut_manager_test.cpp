@@ -52,6 +52,7 @@ private Q_SLOTS:
     void theStoredFormIsAnObjectOfTwoMembers();
     void whatIsNoShortcutDoesNotDecode_data();
     void whatIsNoShortcutDoesNotDecode();
+    void theDefaultsAreTheKeysOfMenusAndText();
     void theTableInForceIsTheDefaultsWithTheOverrides();
     void anOverrideThatChangesNothingTellsNothing();
 };
@@ -144,6 +145,50 @@ void KeyboardShortcutManagerTest::whatIsNoShortcutDoesNotDecode()
 {
     QFETCH(QByteArray, json);
     QCOMPARE(KeyboardShortcut::decoded(json), std::nullopt);
+}
+
+void KeyboardShortcutManagerTest::theDefaultsAreTheKeysOfMenusAndText()
+{
+    const QStringList expected{u"newFile: command n"_s,
+                               u"newWindow: command shift n"_s,
+                               u"openFile: command o"_s,
+                               u"save: command s"_s,
+                               u"saveAs: command shift s"_s,
+                               u"saveAll: command option s"_s,
+                               u"undo: command z"_s,
+                               u"redo: command shift z"_s,
+                               u"duplicateLine: command d"_s,
+                               u"indentLine: command ]"_s,
+                               u"outdentLine: command ["_s,
+                               u"toggleComment: command /"_s,
+                               u"selectLine: command l"_s,
+                               u"addCursorAbove: command option up"_s,
+                               u"addCursorBelow: command option down"_s,
+                               u"find: command f"_s,
+                               u"findAndReplace: command h"_s,
+                               u"findInFiles: command shift f"_s,
+                               u"goToFile: command p"_s,
+                               u"goToLine: command g"_s,
+                               u"toggleSidebar: command b"_s,
+                               u"toggleTerminal: control `"_s,
+                               u"toggleMinimap: command shift m"_s,
+                               u"formatJSON: command shift j"_s,
+                               u"formatXML: command shift x"_s,
+                               u"run: command r"_s,
+                               u"runInTerminal: command shift r"_s,
+                               u"stop: command ."_s};
+    QStringList rows;
+    for (const ShortcutAction action : allShortcutActions()) {
+        if (const auto found = defaultShortcuts().constFind(action); found != defaultShortcuts().cend()) {
+            QStringList words;
+            for (const Modifier modifier : found->modifiers) {
+                words << rawValue(modifier);
+            }
+            rows << rawValue(action) + u": "_s + (words << found->key).join(u' ');
+        }
+    }
+    QCOMPARE(rows, expected);
+    QCOMPARE(defaultShortcuts().size(), 28);
 }
 
 void KeyboardShortcutManagerTest::theTableInForceIsTheDefaultsWithTheOverrides()
