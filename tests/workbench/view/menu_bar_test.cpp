@@ -57,6 +57,8 @@ private Q_SLOTS:
     void noKeyStandsForTwoCommands();
     void whatDesktopsTakeHasASecondKey_data();
     void whatDesktopsTakeHasASecondKey();
+    void eachKeyOfTheTableGivesItsCommand_data();
+    void eachKeyOfTheTableGivesItsCommand();
     void linesReadBackAsTheTableHasThem_data();
     void linesReadBackAsTheTableHasThem();
     void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
@@ -154,6 +156,59 @@ void MenuBarTest::whatDesktopsTakeHasASecondKey()
     QTest::keyClick(fixture.window.windowHandle(), action->shortcuts().last()[0].key(),
                     action->shortcuts().last()[0].keyboardModifiers());
     QCOMPARE(given.count(), 1);
+}
+
+void MenuBarTest::eachKeyOfTheTableGivesItsCommand_data()
+{
+    constexpr Qt::Modifiers shift = Qt::CTRL | Qt::SHIFT;
+    QTest::addColumn<QKeyCombination>("key");
+    QTest::addColumn<Command>("command");
+    const auto row = [](const char* name, QKeyCombination key, Command command) {
+        QTest::newRow(name) << key << command;
+    };
+    row("New File", Qt::CTRL | Qt::Key_N, Command::newFile);
+    row("New Window", shift | Qt::Key_N, Command::newWindow);
+    row("Open", Qt::CTRL | Qt::Key_O, Command::open);
+    row("Clone Repository", shift | Qt::Key_K, Command::cloneRepository);
+    row("Save", Qt::CTRL | Qt::Key_S, Command::save);
+    row("Save As", shift | Qt::Key_S, Command::saveAs);
+    row("Save All", Qt::CTRL | Qt::ALT | Qt::Key_S, Command::saveAll);
+    row("Format JSON", shift | Qt::Key_J, Command::formatJson);
+    row("Format XML", shift | Qt::Key_X, Command::formatXml);
+    row("Toggle Sidebar", Qt::CTRL | Qt::Key_B, Command::toggleSidebar);
+#ifdef Q_OS_MACOS
+    row("Toggle Bottom Panel", Qt::META | Qt::Key_QuoteLeft, Command::toggleBottomPanel);
+#else
+    row("Toggle Bottom Panel", Qt::CTRL | Qt::Key_QuoteLeft, Command::toggleBottomPanel);
+#endif
+    row("Toggle Minimap", shift | Qt::Key_M, Command::toggleMinimap);
+    row("Run", Qt::CTRL | Qt::Key_R, Command::run);
+    row("Run in Terminal", shift | Qt::Key_R, Command::runInTerminal);
+    row("Find", Qt::CTRL | Qt::Key_F, Command::find);
+    row("Find and Replace", Qt::CTRL | Qt::Key_H, Command::findAndReplace);
+    row("Find in Project", shift | Qt::Key_F, Command::findInProject);
+    row("Go to File", Qt::CTRL | Qt::Key_P, Command::goToFile);
+    row("Go to Line", Qt::CTRL | Qt::Key_G, Command::goToLine);
+}
+
+void MenuBarTest::eachKeyOfTheTableGivesItsCommand()
+{
+    QFETCH(QKeyCombination, key);
+    QFETCH(Command, command);
+    WindowFixture fixture;
+    fixture.state.openFile(fixture.write(u"a.txt"_s, "{}"));
+    fixture.turnQueue();
+    // The text, which has keys of its own, takes none of these.
+    QVERIFY(fixture.text().hasFocus());
+    QList<int> given;
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
+        connect(action, &QAction::triggered, this, [&given, action] { given.append(action->data().toInt()); });
+    }
+    // With Control a letter's key types a control character.
+    const bool isLetter = key.key() >= Qt::Key_A && key.key() <= Qt::Key_Z;
+    const QString typed = isLetter ? QString(QChar(key.key() - Qt::Key_A + 1)) : QString();
+    QTest::sendKeyEvent(QTest::Click, fixture.window.windowHandle(), key.key(), typed, key.keyboardModifiers());
+    QCOMPARE(given, QList<int>{int(command)});
 }
 
 void MenuBarTest::linesReadBackAsTheTableHasThem_data()
