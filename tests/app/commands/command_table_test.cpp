@@ -436,6 +436,8 @@ void CommandTableTest::textCommandsRewriteTheWholeContent()
     const std::shared_ptr<Document> document = state().currentDocument();
     document->setContent(before);
     document->setIsModified(false);
+    // What is selected makes no difference.
+    document->setSelection(TextSelection{{1, 1, 0}, {1, 2, 1}});
     run(command, state());
     QCOMPARE(document->content(), after);
     QCOMPARE(document->isModified(), before != after);

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void projectSearchListsAndOpens();
     void projectSearchKeepsOldResultsForAnEmptyField();
     void withoutAProjectNothingIsSearched();
+    void withoutAProjectTheOldResultsStay();
     void whatIsTooLongIsTold();
 };
 
@@ -76,6 +77,30 @@ void ProjectSearchViewTest::withoutAProjectNothingIsSearched()
     QTest::keyClick(&fixture.field(u"Search in files"_s), Qt::Key_Return);
     QVERIFY(!view.isSearching());
     QVERIFY(fixture.shows(u"No results"_s));
+}
+
+void ProjectSearchViewTest::withoutAProjectTheOldResultsStay()
+{
+    SearchViewFixture fixture;
+    fixture.write(u"a.txt"_s, "one\n");
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    auto& view = fixture.show<ProjectSearchView>();
+    QLineEdit& field = fixture.field(u"Search in files"_s);
+    QTest::keyClicks(&field, u"one"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_VERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    fixture.state.setCurrentProject(std::nullopt);
+    QTest::keyClicks(&field, u" more"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QVERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    QVERIFY(!fixture.shows(u"No results"_s));
+    // Another project is another search.
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_VERIFY(!view.isSearching());
+    QVERIFY(view.results().isEmpty());
 }
 
 void ProjectSearchViewTest::whatIsTooLongIsTold()
