@@ -1,9 +1,6 @@
 #include "app/kept_ready/keyboard_shortcut_manager.h"
 #include "support/test_program.h"
 
-#include <QFile>
-#include <QRegularExpression>
-#include <QSet>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -84,13 +81,100 @@ void KeyboardShortcutManagerTest::anUnknownNameIsNoAction()
 
 void KeyboardShortcutManagerTest::theEnumerationAndTheNamesAgree()
 {
-    QCOMPARE(rawValue(ShortcutAction::newFile), u"newFile"_s);
-    QCOMPARE(rawValue(ShortcutAction::blockComment), u"blockComment"_s);
-    QCOMPARE(rawValue(ShortcutAction::addCursorToLineEnds), u"addCursorToLineEnds"_s);
-    QCOMPARE(rawValue(ShortcutAction::resetZoom), u"resetZoom"_s);
-    QCOMPARE(rawValue(ShortcutAction::formatJSON), u"formatJSON"_s);
-    QCOMPARE(rawValue(ShortcutAction::debug), u"debug"_s);
-    QCOMPARE(rawValue(ShortcutAction::surroundWith), u"surroundWith"_s);
+    using enum ShortcutAction;
+    const QList<ShortcutAction> cases{newFile,
+                                      newWindow,
+                                      openFile,
+                                      openFolder,
+                                      save,
+                                      saveAs,
+                                      saveAll,
+                                      closeTab,
+                                      closeWindow,
+                                      undo,
+                                      redo,
+                                      cut,
+                                      copy,
+                                      paste,
+                                      selectAll,
+                                      duplicateLine,
+                                      deleteLine,
+                                      moveLineUp,
+                                      moveLineDown,
+                                      copyLineUp,
+                                      copyLineDown,
+                                      indentLine,
+                                      outdentLine,
+                                      toggleComment,
+                                      blockComment,
+                                      expandSelection,
+                                      shrinkSelection,
+                                      selectWord,
+                                      selectLine,
+                                      addCursorAbove,
+                                      addCursorBelow,
+                                      addCursorToLineEnds,
+                                      find,
+                                      findAndReplace,
+                                      findInFiles,
+                                      findNext,
+                                      findPrevious,
+                                      replaceNext,
+                                      replaceAll,
+                                      goToFile,
+                                      goToLine,
+                                      goToSymbol,
+                                      goToDefinition,
+                                      goBack,
+                                      goForward,
+                                      nextTab,
+                                      previousTab,
+                                      switchTab1,
+                                      switchTab2,
+                                      switchTab3,
+                                      switchTab4,
+                                      switchTab5,
+                                      toggleSidebar,
+                                      toggleTerminal,
+                                      toggleMinimap,
+                                      toggleLineNumbers,
+                                      toggleWordWrap,
+                                      zoomIn,
+                                      zoomOut,
+                                      resetZoom,
+                                      splitHorizontal,
+                                      splitVertical,
+                                      focusEditor,
+                                      focusSidebar,
+                                      focusTerminal,
+                                      formatDocument,
+                                      formatJSON,
+                                      formatXML,
+                                      sortLines,
+                                      foldAll,
+                                      unfoldAll,
+                                      foldLevel1,
+                                      foldLevel2,
+                                      foldLevel3,
+                                      toggleFold,
+                                      run,
+                                      runInTerminal,
+                                      stop,
+                                      debug,
+                                      toggleBookmark,
+                                      nextBookmark,
+                                      previousBookmark,
+                                      clearBookmarks,
+                                      insertSnippet,
+                                      surroundWith};
+    QCOMPARE(cases.size(), names.size());
+    for (qsizetype at = 0; at < cases.size(); ++at) {
+        QCOMPARE(rawValue(cases[at]), names[at]);
+    }
+    QCOMPARE(rawValue(Modifier::command), u"command"_s);
+    QCOMPARE(rawValue(Modifier::option), u"option"_s);
+    QCOMPARE(rawValue(Modifier::control), u"control"_s);
+    QCOMPARE(rawValue(Modifier::shift), u"shift"_s);
 }
 
 void KeyboardShortcutManagerTest::theOrderOfModifiersMatters()
