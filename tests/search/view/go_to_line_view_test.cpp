@@ -34,20 +34,25 @@ void GoToLineViewTest::goToLinePrintsAndCloses_data()
     QTest::newRow("a blank before") << u" 4"_s << QStringList();
     QTest::newRow("too large") << u"99999999999999999999"_s << QStringList();
     QTest::newRow("empty") << QString() << QStringList();
+    QTest::newRow("two signs") << u"--4"_s << QStringList();
+    QTest::newRow("a fraction") << u"4.0"_s << QStringList();
+    QTest::newRow("zero") << u"0"_s << QStringList{u"Go to line: 0"_s};
 }
 
 void GoToLineViewTest::goToLinePrintsAndCloses()
 {
     QFETCH(QString, typed);
     QFETCH(QStringList, printed);
-    SearchViewFixture fixture;
-    fixture.state.setShowGoToLine(true);
-    fixture.show<GoToLineView>(fixture.log);
-    fixture.log.printed.clear();
-    QTest::keyClicks(&fixture.field(u"Line number"_s), typed);
-    QTest::keyClick(&fixture.field(u"Line number"_s), Qt::Key_Return);
-    QCOMPARE(fixture.log.printed, printed);
-    QVERIFY(!fixture.state.showGoToLine());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        SearchViewFixture fixture;
+        fixture.state.setShowGoToLine(true);
+        fixture.show<GoToLineView>(fixture.log);
+        fixture.log.printed.clear();
+        QTest::keyClicks(&fixture.field(u"Line number"_s), typed);
+        QTest::keyClick(&fixture.field(u"Line number"_s), key);
+        QCOMPARE(fixture.log.printed, printed);
+        QVERIFY(!fixture.state.showGoToLine());
+    }
 }
 
 void GoToLineViewTest::goToLineMovesNothing()

@@ -46,6 +46,12 @@ void ProjectSearchViewTest::projectSearchListsAndOpens()
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(1, 0)).center());
     QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(view.results().at(1).fileURL));
     QCOMPARE(fixture.state.currentDocument()->cursorPosition(), CursorPosition());
+    // By the keyboard as well.
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(0, 0));
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(view.results().at(0).fileURL));
+    QCOMPARE(fixture.state.documents().size(), 2);
 }
 
 void ProjectSearchViewTest::projectSearchKeepsOldResultsForAnEmptyField()

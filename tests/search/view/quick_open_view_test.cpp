@@ -28,6 +28,9 @@ private Q_SLOTS:
 
     void quickOpenListsRecentFiles();
     void quickOpenOpensWhatIsSelected();
+    void bothReturnKeysOpen_data();
+    void bothReturnKeysOpen();
+    void theListFollowsTheRecentFiles();
     void quickOpenStopsAtTheEnds();
     void upAndDownMoveTheSelectionByOne();
     void eachRowHasASymbolAndTheSelectedOneAGround_data();
@@ -63,6 +66,38 @@ void QuickOpenViewTest::quickOpenOpensWhatIsSelected()
     QTest::keyClick(&fixture.field(quickPrompt), Qt::Key_Return);
     QCOMPARE(fixture.state.currentDocument()->title(), u"file 1.txt"_s);
     QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::bothReturnKeysOpen_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("Return") << Qt::Key_Return;
+    QTest::newRow("the number block's") << Qt::Key_Enter;
+}
+
+void QuickOpenViewTest::bothReturnKeysOpen()
+{
+    QFETCH(Qt::Key, key);
+    SearchViewFixture fixture;
+    fixture.setRecentFiles(1);
+    fixture.state.setShowQuickOpen(true);
+    fixture.show<QuickOpenView>();
+    QTest::keyClick(&fixture.field(quickPrompt), key);
+    QCOMPARE(fixture.state.currentDocument()->title(), u"file 0.txt"_s);
+    QVERIFY(!fixture.state.showQuickOpen());
+}
+
+void QuickOpenViewTest::theListFollowsTheRecentFiles()
+{
+    SearchViewFixture fixture;
+    fixture.show<QuickOpenView>();
+    const auto& list = *fixture.view->findChild<QListWidget*>();
+    QCOMPARE(list.count(), 0);
+    fixture.setRecentFiles(3);
+    QCOMPARE(list.count(), 3);
+    QCOMPARE(list.item(2)->text(), u"file 2.txt"_s);
+    fixture.state.setRecentFiles({});
+    QCOMPARE(list.count(), 0);
 }
 
 void QuickOpenViewTest::quickOpenStopsAtTheEnds()

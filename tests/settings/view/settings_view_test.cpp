@@ -107,6 +107,7 @@ private Q_SLOTS:
     void slidersGiveNoFraction();
     void theFontPickerShowsEachFamilyInItself();
     void aChangeOfTheStoreIsShown();
+    void whatIsShownIsNotWritten();
     void aDamagedFileIsLeftUntilAControlChanges();
     void sectionsStandInTheirOrder();
     void controlsStandInTheirSections();
@@ -277,6 +278,24 @@ void SettingsViewTest::aChangeOfTheStoreIsShown()
     QCOMPARE(fixture.part<QSlider>(u"fontSize"_s).value(), 10);
     QVERIFY(fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
     QCOMPARE(fixture.part<QComboBox>(u"fontFamily"_s).currentText(), u"Monaco"_s);
+}
+
+void SettingsViewTest::whatIsShownIsNotWritten()
+{
+    Fixture fixture;
+    // Of another type, out of bounds, between two steps, and of no choice.
+    fixture.store.setBoolean(u"wordWrap"_s, true);
+    fixture.store.setString(u"wordWrap"_s, u"perhaps"_s);
+    fixture.store.setInteger(u"tabSize"_s, 100);
+    fixture.store.setReal(u"fontSize"_s, 13.6);
+    fixture.store.setString(u"fontFamily"_s, u"Another"_s);
+    QVERIFY(!fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
+    QCOMPARE(fixture.shownText(u"tabSize"_s), u"Tab size: 8"_s);
+    QCOMPARE(fixture.part<QSlider>(u"fontSize"_s).value(), 4);
+    QCOMPARE(fixture.store.string(u"wordWrap"_s), std::optional(u"perhaps"_s));
+    QCOMPARE(fixture.store.integer(u"tabSize"_s), std::optional<qint64>(100));
+    QCOMPARE(fixture.store.real(u"fontSize"_s), std::optional(13.6));
+    QCOMPARE(fixture.store.string(u"fontFamily"_s), std::optional(u"Another"_s));
 }
 
 void SettingsViewTest::aDamagedFileIsLeftUntilAControlChanges()
