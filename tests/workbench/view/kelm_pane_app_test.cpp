@@ -46,6 +46,7 @@ private Q_SLOTS:
     void aFileOpensAtItsLine();
     void eachOfSeveralFilesOpensAtItsLine();
     void aLineOfAFileThatIsOpenIsShown();
+    void aStartCanAskForANewFile();
 
 private:
     QString write(const QString& name)
@@ -321,6 +322,17 @@ void KelmPaneAppTest::aLineOfAFileThatIsOpenIsShown()
     app.openFromOutside({{}, {{QUrl::fromLocalFile(file).toString(), 1, 3}}});
     QTRY_COMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 2);
     QCOMPARE(AppState::shared().documents().size(), 1);
+}
+
+void KelmPaneAppTest::aStartCanAskForANewFile()
+{
+    KelmPaneApp app;
+    app.start({{}, {openRequest::Item({}, 0, 0, openRequest::Item::Kind::newFile)}});
+    const AppState& state = AppState::shared();
+    QCOMPARE(state.documents().size(), 1);
+    QCOMPARE(state.currentDocument()->title(), QStringLiteral("Untitled"));
+    QVERIFY(!state.currentDocument()->fileURL());
+    QVERIFY(!state.currentProject());
 }
 
 const kelm::test::Registered<KelmPaneAppTest> registered(kelm::test::Toolkit::widgets);

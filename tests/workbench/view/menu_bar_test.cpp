@@ -7,6 +7,7 @@
 
 #include <QInputMethodEvent>
 #include <QMenu>
+#include <QMessageBox>
 
 namespace menu_bar_test {
 
@@ -63,6 +64,7 @@ private Q_SLOTS:
     void linesReadBackAsTheTableHasThem();
     void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
     void everyCommandHasOneAction();
+    void aboutTellsTheVersion();
     void openRecentFollowsTheState();
     void anAmpersandInANameIsNoMnemonic();
     void newWindowDoesNothing();
@@ -209,6 +211,8 @@ void MenuBarTest::eachKeyOfTheTableGivesItsCommand()
     const QString typed = isLetter ? QString(QChar(key.key() - Qt::Key_A + 1)) : QString();
     QTest::sendKeyEvent(QTest::Click, fixture.window.windowHandle(), key.key(), typed, key.keyboardModifiers());
     QCOMPARE(given, QList<int>{int(command)});
+    // A key that is held down gives it once.
+    QVERIFY(!fixture.command(command)->autoRepeat());
 }
 
 void MenuBarTest::linesReadBackAsTheTableHasThem_data()
@@ -283,6 +287,25 @@ void MenuBarTest::everyCommandHasOneAction()
     QList<int> all(int(lastCommand) + 1);
     std::iota(all.begin(), all.end(), 0);
     QCOMPARE(commands, all);
+}
+
+void MenuBarTest::aboutTellsTheVersion()
+{
+    WindowFixture fixture;
+    const QString versionBefore = QCoreApplication::applicationVersion();
+    QCoreApplication::setApplicationVersion(u"12.3"_s);
+    QString told;
+    QTimer::singleShot(0, &fixture.window, [&told] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) {
+            qFatal("no box");
+        }
+        told = box->text();
+        box->close();
+    });
+    fixture.command(Command::about)->trigger();
+    QTRY_COMPARE(told, u"KelmWright 12.3\n\nA code editor for writing and learning."_s);
+    QCoreApplication::setApplicationVersion(versionBefore);
 }
 
 void MenuBarTest::openRecentFollowsTheState()
