@@ -30,7 +30,7 @@ struct Fixture : WindowFixture
 {
     explicit Fixture(const QString& shown = content)
     {
-        state.openSnippet(shown, Language::plainText, std::nullopt);
+        openSnippet(shown, Language::plainText);
         turnQueue();
         text().setSelectedRange({8, 0});
     }
