@@ -74,6 +74,16 @@ struct Fixture
         }
         return nullptr;
     }
+    /// What the button of the fix copies, which then can be pressed again; empty where there is none.
+    QString copiedFix()
+    {
+        QGuiApplication::clipboard()->clear();
+        if (PlainButton* const copy = button(u"Copy"_s)) {
+            QTest::mouseClick(copy, Qt::LeftButton);
+            scheduler.advance(std::chrono::milliseconds(1500));
+        }
+        return QGuiApplication::clipboard()->text();
+    }
     /// The rows of variables that there are, whether they are seen or not.
     QList<EnvRow*> rows() const { return panel->findChildren<EnvRow*>(); }
     QScrollBar& scrollBar() const { return *panel->findChild<QScrollArea*>()->verticalScrollBar(); }
@@ -483,12 +493,11 @@ void LearningModeSidePanelTest::longNamesOfModulesAreShownByTheirBeginning()
     QTRY_COMPARE(fixture.runner.stderrBuffer().size(), u"No module named ''"_s.size() + 500'000);
     QVERIFY(isRead.open(QIODevice::WriteOnly));
     QTRY_VERIFY(!fixture.runner.isRunning());
-    QTRY_VERIFY(fixture.button(u"Copy"_s) != nullptr);
+    // What came first may have been looked at by itself.
+    QTRY_COMPARE(fixture.copiedFix().size(), u"pip install "_s.size() + 500'000);
     for (const QString& text : fixture.texts()) {
         QVERIFY(text.size() < 1100);
     }
-    QTest::mouseClick(fixture.button(u"Copy"_s), Qt::LeftButton);
-    QCOMPARE(QGuiApplication::clipboard()->text().size(), u"pip install "_s.size() + 500'000);
 }
 
 void LearningModeSidePanelTest::titlesAreNoMarkup()

@@ -222,7 +222,7 @@ void FindSessionTest::whatIsOnScreenComesFirst()
     fixture.storage.replace({550'004, 2}, u"ac ac ab");
     fixture.session.setShown({550'000, 30});
     QSignalSpy changes(&fixture.session, &FindSession::changed);
-    QVERIFY(changes.wait());
+    QVERIFY(changes.wait(kelm::test::patience));
     QCOMPARE(fixture.session.matchesIn({550'000, 30}),
              (std::vector<TextRange>{{550'004, 2}, {550'007, 2}, {550'010, 2}, {550'021, 2}}));
     QTRY_COMPARE(fixture.session.state(), State::complete);

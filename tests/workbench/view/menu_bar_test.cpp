@@ -368,7 +368,7 @@ void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
     WindowFixture fixture;
     fixture.command(Command::run)->trigger();
     QVERIFY(!fixture.state.showBottomPanel());
-    fixture.state.openSnippet(QString(), Language::shell, std::nullopt);
+    fixture.openSnippet(QString(), Language::shell);
     QTest::keyClicks(&fixture.text(), QStringLiteral("echo typed"));
     QTest::keyClick(&fixture.text(), Qt::Key_R, Qt::ControlModifier);
     QTRY_VERIFY(fixture.state.codeRunner().lastExitCode().has_value());
@@ -398,7 +398,7 @@ void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
 void MenuBarTest::findCommandsReachTheTextFromItsBar()
 {
     WindowFixture fixture;
-    fixture.state.openSnippet(QStringLiteral("a b a"), Language::swift, std::nullopt);
+    fixture.openSnippet(QStringLiteral("a b a"), Language::swift);
     fixture.turnQueue();
     fixture.text().setFocus();
     fixture.text().setSelectedRange({0, 1});

@@ -742,7 +742,7 @@ void DiffViewerTest::longTextIsReadElsewhere()
     shown.viewer.setDiffText(diffOf(u"b"_s, {lines}));
     // The window may change meanwhile.
     shown.viewer.resize(400, 400);
-    QVERIFY(isShown.wait());
+    QVERIFY(isShown.wait(kelm::test::patience));
     QVERIFY(!shown.viewer.isReading());
     QCOMPARE(isShown.count(), 1);
     QCOMPARE(shown.page(), &shown.list());
@@ -767,7 +767,7 @@ void DiffViewerTest::staleHunksOfferNothing()
     QVERIFY(shown.viewer.isReading());
     QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
     QCOMPARE(acted, 0);
-    QVERIFY(isShown.wait());
+    QVERIFY(isShown.wait(kelm::test::patience));
     QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
     QCOMPARE(acted, 1);
 }

@@ -136,7 +136,7 @@ void StatusBarViewTest::aRepositoryThatComesLaterIsSeen()
     const auto comes = [&](const QByteArray& head, const QString& shown) {
         QDir(fixture.home.path()).mkpath(u"project/.git"_s);
         fixture.write(u"project/.git/HEAD"_s, head);
-        return QTest::qWaitFor([&] { return fixture.bar.branchPill().text() == shown; });
+        return QTest::qWaitFor([&] { return fixture.bar.branchPill().text() == shown; }, kelm::test::patience);
     };
     QVERIFY(comes("ref: refs/heads/topic\n", u"topic"_s));
     QVERIFY(QDir(fixture.home.filePath(u"project/.git"_s)).removeRecursively());
