@@ -9,12 +9,10 @@
 namespace program_test {
 
 using namespace kelm;
+using kelm::test::patience;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-/// Longer than any machine takes to start a program.
-constexpr int patience = 60'000;
 
 /// A home of its own, and the program as a person's shell starts it there.
 struct Home
