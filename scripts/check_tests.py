@@ -18,6 +18,7 @@ ELSEWHERE = {
     "packaging/install_test": "packaging/CMakeLists.txt",
     "packaging/kelm_script_test": "kelm",
     "git/panel/view/row_contents_test": "src/git/panel/view",
+    "workbench/view/program_test": "src/main.cpp",
 }
 
 

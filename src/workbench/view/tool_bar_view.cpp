@@ -130,7 +130,7 @@ void ToolbarView::addQuickOpenButton()
                                     .trailingText = inPlatformWords(u"⌘P"_s)},
                                    this);
     button->setText(u"Quick Open"_s);
-    button->setHelp(tr("Find a file of the project by its name"));
+    button->setHelp(tr("Reopen a recent file by its name"));
     connect(button, &PlainButton::clicked, this, [this] { give(Command::goToFile); });
     row_->addWidget(button);
 }

@@ -1,6 +1,7 @@
 #include "app/state/notices.h"
 #include "git/panel/view/clone_dialog.h"
 #include "platform/style/view/style.h"
+#include "platform/view/plain_button.h"
 #include "settings/view/settings_view.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
