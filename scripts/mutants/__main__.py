@@ -116,7 +116,8 @@ class Run:
             if not bad:
                 bad = [number for number, drawn in self.numbers.items() if drawn.file in errors]
             if not bad:
-                raise Failure(f"{program} could not be built: {' / '.join(line for line in said.splitlines() if 'error:' in line)[:500]}")
+                words = [line for line in said.splitlines() if "error:" in line] or said.splitlines()
+                raise Failure(f"{program} could not be built: {' / '.join(words[:3])}")
             self.alone += [self.numbers.pop(number) for number in bad]
             self.copy.update(self.switched())
 
@@ -195,7 +196,7 @@ class Run:
 
 def arguments():
     parser = argparse.ArgumentParser(prog="./kelm mutants", description=__doc__.split("\n\n", maxsplit=1)[0])
-    parser.add_argument("room", nargs="?", help="a folder of src/, such as search or git/diff; all rooms if none is named")
+    parser.add_argument("room", nargs="?", help="a folder of src/, such as search or git/diff; all if none is named")
     parser.add_argument("count", nargs="?", type=int, default=100, help="how many mutants of each room (100)")
     parser.add_argument("--seed", type=int, default=1, help="what draws them (1)")
     parser.add_argument("--show", action="store_true", help="only list those that no test noticed")
@@ -232,9 +233,9 @@ def main():
                 run.results.file.unlink(missing_ok=True)
                 run = Run(copy, guard, room, options)
             if options.show:
-                left = [each for each in run.wanted() if run.results.outcome(each) == "unnoticed" and not run.is_apart(each)]
-                for drawn in left:
-                    print(as_diff(run.results.of(drawn)))
+                for drawn in run.wanted():
+                    if run.results.outcome(drawn) == "unnoticed" and not run.is_apart(drawn):
+                        print(as_diff(run.results.of(drawn)))
             else:
                 run.go()
             rows.append(run.row())

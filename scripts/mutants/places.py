@@ -15,10 +15,10 @@ NAMES = {"min": "max", "max": "min", "qMin": "qMax", "qMax": "qMin", "min_elemen
          "max_element": "min_element"}
 ASSIGNMENTS = {"=", *(sign for sign in ASSIGNING if sign.endswith("="))}
 # What a statement begins with that declares something, or that is more than itself.
-KEPT = {"if", "for", "while", "switch", "case", "default", "do", "else", "using", "namespace", "class", "struct", "enum",
-        "static", "const", "constexpr", "auto", "template", "typedef", "friend", "public", "private", "protected",
-        "explicit", "virtual", "goto", "try", "catch", "throw", "static_assert", "inline", "extern", "union", "operator",
-        "Q_OBJECT", "Q_DECLARE_METATYPE", "signed", "unsigned", "constinit", "co_return", "asm"}
+KEPT = {"if", "for", "while", "switch", "case", "default", "do", "else", "using", "namespace", "class", "struct",
+        "enum", "static", "const", "constexpr", "auto", "template", "typedef", "friend", "public", "private",
+        "protected", "explicit", "virtual", "goto", "try", "catch", "throw", "static_assert", "inline", "extern",
+        "union", "operator", "Q_OBJECT", "Q_DECLARE_METATYPE", "signed", "unsigned", "constinit", "co_return", "asm"}
 
 # Returned values that are the empty ones already, or that have a change of their own.
 EMPTY = {"{}", "true", "false", "0", "nullptr", "std::nullopt", "QString()", "QByteArray()", "QStringList()"}
@@ -68,7 +68,8 @@ class Places:
         elif token.text in ("true", "false"):
             other = "false" if token.text == "true" else "true"
             yield self.in_slot(at, token.start, token.end, other, "constant")
-        elif token.text in NAMES and following is not None and following.text == "(" and before.text in ("::", "(", "="):
+        elif token.text in NAMES and following is not None and following.text == "(" and \
+                before.text in ("::", "(", "="):
             yield self.in_slot(at, token.start, token.end, NAMES[token.text], "call")
         elif token.text in ("if", "while") and following is not None and following.text == "(":
             yield from self.of_condition(at + 1)
@@ -217,7 +218,9 @@ class Places:
             if before.text == "}" and before.inside == tokens[at].inside and self.source.kinds_of_closed(before) and \
                     self.is_statement_brace(before):
                 break
-            if before.text in ASSIGNMENTS and not assigns or before.text == ":" and (is_for or self.is_label(first - 1)):
+            if before.text in ASSIGNMENTS and not assigns:
+                break
+            if before.text == ":" and (is_for or self.is_label(first - 1)):
                 break
             first = before.other if before.other is not None and before.other < first - 1 else first - 1
         last = at

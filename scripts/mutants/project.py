@@ -76,8 +76,8 @@ class Copy:
 
     def build(self, program, jobs):
         """Builds a test program; what the compiler said where that fails, else nothing."""
-        result = run_quietly(["nice", "-n", "10", "ninja", "-C", str(self.build_folder), "-k", "0", f"-j{jobs}", program],
-                             env=self.environment())
+        command = ["nice", "-n", "10", "ninja", "-C", str(self.build_folder), "-k", "0", f"-j{jobs}", program]
+        result = run_quietly(command, env=self.environment())
         return result.stdout + result.stderr if result.returncode != 0 else ""
 
     def errors(self, said):
@@ -145,8 +145,8 @@ class Guard:
         if is_open:
             self.before = []
         elif run_quietly([*self.before, "true"]).returncode != 0:
-            raise Failure("mutants need processes of their own, which unshare does not give here; --unguarded runs them "
-                          "without, and one may then end any process of yours")
+            raise Failure("mutants need processes of their own, which unshare does not give here; --unguarded runs "
+                          "them without, and one may then end any process of yours")
 
     def run(self, test, limit, **more):
         """"passed", "failed" or "time", for that many seconds at most."""
