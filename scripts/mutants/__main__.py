@@ -74,7 +74,7 @@ class Run:
         programs = self.copy.tests(self.room)
         if not programs:
             raise Failure(f"there are no tests of {self.room}")
-        for program, tests in programs.items():
+        for program in programs:
             if "view" in program and self.options.engine:
                 break
             waiting = [drawn for drawn in waiting if drawn.key not in self.told]
@@ -83,7 +83,8 @@ class Run:
             say(f"{self.room}: building {program}")
             self.build_program(program)
             waiting = [drawn for drawn in waiting if self.results.outcome(drawn) != "does not compile"]
-            tests = self.without_change(tests)
+            # The test runner knows the command of what is built.
+            tests = self.without_change(self.copy.tests(self.room)[program])
             self.try_switched(tests, waiting)
             self.try_alone(program, tests, waiting)
         for drawn in waiting:

@@ -150,6 +150,8 @@ class Guard:
 
     def run(self, test, limit, **more):
         """"passed", "failed" or "time", for that many seconds at most."""
+        if not test.command:
+            raise Failure(f"{test.name} has no program")
         with tempfile.TemporaryDirectory(prefix="kelm-mutants-", ignore_cleanup_errors=True) as folder:
             environment = {**os.environ, **test.environment, "HOME": folder, "TMPDIR": folder,
                            "GIT_CEILING_DIRECTORIES": os.path.dirname(folder), **more}
