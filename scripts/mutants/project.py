@@ -141,6 +141,8 @@ class Guard:
         self.before = ["unshare", "--pid", "--fork", "--mount-proc", "--kill-child"]
         if os.getuid() != 0:
             self.before += ["--user", "--map-root-user"]
+        # The first process of its own world, which takes leave of those whose parent has gone.
+        self.before += ["sh", "-c", '"$@"; exit $?', "sh"]
         if is_open:
             self.before = []
         elif run_quietly([*self.before, "true"]).returncode != 0:
@@ -152,6 +154,8 @@ class Guard:
         if not test.command:
             raise Failure(f"{test.name} has no program")
         with tempfile.TemporaryDirectory(prefix="kelm-mutants-", ignore_cleanup_errors=True) as folder:
+            # Some tests become another user.
+            os.chmod(folder, 0o755)
             environment = {**os.environ, **test.environment, "HOME": folder, "TMPDIR": folder,
                            "GIT_CEILING_DIRECTORIES": os.path.dirname(folder), **more}
             for name in ("config", "data", "cache", "state"):
