@@ -223,8 +223,9 @@ def main():
     options = arguments()
     copy = Copy(options.root.resolve())
     rooms = [options.room.strip("/")] if options.room else rooms_of(copy.root)
-    rows = []
+    rows, held = [], None
     try:
+        held = None if options.show else copy.hold()
         guard = None if options.show else Guard(options.unguarded)
         for room in rooms:
             if not engine_files(copy.root, room):
@@ -243,6 +244,9 @@ def main():
     except Failure as failure:
         print(f"kelm: {failure}", file=sys.stderr)
         return 1
+    finally:
+        if held:
+            held.close()
     print(f"Seed {options.seed}")
     print(table(rows))
     return 0

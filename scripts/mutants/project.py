@@ -1,5 +1,6 @@
 """A copy of the project in which mutants are built and tried. The sources themselves are never touched."""
 
+import fcntl
 import json
 import os
 import pathlib
@@ -35,6 +36,16 @@ class Copy:
         self.header = self.folder / "kelm_mutant.h"
         # Files that stand changed in the copy.
         self.changed = set()
+
+    def hold(self):
+        """Keeps the copy for this run, as long as the file is open that is returned."""
+        self.folder.mkdir(parents=True, exist_ok=True)
+        held = (self.folder / "held").open("w", encoding="utf-8")
+        try:
+            fcntl.flock(held, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except BlockingIOError as error:
+            raise Failure("another run is under way in build/mutants") from error
+        return held
 
     def files(self):
         listed = run_quietly(["git", "-C", str(self.root), "ls-files", "-z", "--cached", "--others",

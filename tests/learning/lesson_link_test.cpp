@@ -43,6 +43,7 @@ private Q_SLOTS:
     void codeDecodes();
     void badLinksFail_data();
     void badLinksFail();
+    void aLinkAsksForNothingByItself();
     void runIsOneOrTrue_data();
     void runIsOneOrTrue();
     void languagesComeFromTheExtension();
@@ -121,6 +122,14 @@ void LessonLinkTest::badLinksFail()
     const auto result = decodeLessonLink(urlText);
     QVERIFY(std::holds_alternative<LessonLinkFailure>(result));
     QCOMPARE(std::get<LessonLinkFailure>(result), failure);
+}
+
+void LessonLinkTest::aLinkAsksForNothingByItself()
+{
+    QVERIFY(!LessonLink().run);
+    const LessonInfo info{.slug = u"s"_s};
+    QCOMPARE(info.regionStart, qint64(1));
+    QCOMPARE(info.regionEnd, qint64(1));
 }
 
 void LessonLinkTest::runIsOneOrTrue_data()

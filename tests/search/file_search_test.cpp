@@ -90,7 +90,10 @@ private Q_SLOTS:
     void aLongFileGivesWhatAWholeLookWould();
     void whatIsNoUtf8AtTheEndTellsNothing();
     void aLineOverPiecesComesWhole();
+    void piecesAreCutBetweenCharacters();
     void whatIsTooLongIsPassedOverAndCounted();
+    void aLineOverThirtyTwoMegabytesIsTooLong();
+    void aFileThatGrowsIsLookedAtUpToTheLimit();
     void aLongFileThatIsNoUtf8IsNotCounted();
     void aSparseFileOfSixtyGigabytesIsPassedOver();
     void eachPieceAsksWhetherToGoOn();
@@ -144,6 +147,40 @@ void FileSearchTest::aLineOverPiecesComesWhole()
     const QByteArray line = QByteArray(5 * piece, 'a') + "word" + QByteArray(piece, 'b');
     fixture.write(u"a"_s, "one\r\n" + line + "\nword\n");
     QCOMPARE(fixture.find(u"a"_s, u"word"_s), (QStringList{u"3:"_s + QString::fromLatin1(line), u"4:word"_s}));
+}
+
+void FileSearchTest::piecesAreCutBetweenCharacters()
+{
+    Fixture fixture;
+    // Three bytes each, so that a piece ends within one.
+    const QString line = u"가"_s.repeated(piece) + u"word"_s;
+    fixture.write(u"a"_s, line.toUtf8() + "\nword\n");
+    QCOMPARE(fixture.find(u"a"_s, u"word"_s), (QStringList{u"1:"_s + line, u"2:word"_s}));
+}
+
+void FileSearchTest::aLineOverThirtyTwoMegabytesIsTooLong()
+{
+    Fixture fixture;
+    fixture.writeSparse(u"a"_s, 32 * piece + piece / 2);
+    QCOMPARE(fixture.find(u"a"_s, u"begun"_s), QStringList());
+    QCOMPARE(fixture.tooLong, qsizetype(1));
+}
+
+void FileSearchTest::aFileThatGrowsIsLookedAtUpToTheLimit()
+{
+    const Fixture fixture;
+    fixture.write(u"a"_s, QByteArray(3 * piece / 2, 'a'));
+    QFile file(fixture.path(u"a"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
+    qsizetype asked = 0;
+    const LocalizedNeedle needle(u"word"_s);
+    const std::function<bool()> isCancelled = [&] {
+        file.write(QByteArray(piece, 'a'));
+        return ++asked > 100;
+    };
+    FileSearch search(needle, isCancelled, {.file = 10 * piece, .line = piece});
+    search.search(QFile::encodeName(file.fileName()), [](const SearchResult&) {});
+    QVERIFY2(asked < 20, qPrintable(QString::number(asked)));
 }
 
 void FileSearchTest::whatIsTooLongIsPassedOverAndCounted()
@@ -217,7 +254,7 @@ void FileSearchTest::aLongLineAsksWhetherToGoOn()
     QCOMPARE(asked, qsizetype(4));
     asked = 0;
     QVERIFY(LocalizedNeedle(u"마"_s).isIn(line + u"마"_s, [&asked] { return ++asked > 1000; }));
-    QVERIFY(asked >= line.size() / LocalizedNeedle::usualStretch);
+    QVERIFY(asked >= line.size() / 262'144);
 }
 
 void FileSearchTest::threadsKeepTheOrder()
