@@ -92,6 +92,9 @@ private Q_SLOTS:
     void aLineOverPiecesComesWhole();
     void piecesAreCutBetweenCharacters();
     void whatIsTooLongIsPassedOverAndCounted();
+    void aLongTextIsFoundAcrossPieces_data();
+    void aLongTextIsFoundAcrossPieces();
+    void aFileThatChangesMeanwhileIsSearchedUpToThere();
     void aLineOverThirtyTwoMegabytesIsTooLong();
     void aFileThatGrowsIsLookedAtUpToTheLimit();
     void aLongFileThatIsNoUtf8IsNotCounted();
@@ -156,6 +159,46 @@ void FileSearchTest::piecesAreCutBetweenCharacters()
     const QString line = u"가"_s.repeated(piece) + u"word"_s;
     fixture.write(u"a"_s, line.toUtf8() + "\nword\n");
     QCOMPARE(fixture.find(u"a"_s, u"word"_s), (QStringList{u"1:"_s + line, u"2:word"_s}));
+}
+
+void FileSearchTest::aLongTextIsFoundAcrossPieces_data()
+{
+    QTest::addColumn<qsizetype>("length");
+    QTest::newRow("less than half a piece") << 2 * piece / 5;
+    QTest::newRow("more than half a piece") << 3 * piece / 5;
+    QTest::newRow("more than a piece") << 6 * piece / 5;
+}
+
+void FileSearchTest::aLongTextIsFoundAcrossPieces()
+{
+    QFETCH(qsizetype, length);
+    Fixture fixture;
+    const QByteArray text = QByteArray(length - 1, 'a') + 'q';
+    const QByteArray before = QByteArray("bb\n").repeated(piece / 4);
+    for (const bool isThere : {true, false}) {
+        fixture.write(u"a"_s, before + (isThere ? text : text.chopped(1)) + '\n' + before);
+        QCOMPARE(fixture.find(u"a"_s, QString::fromLatin1(text).toUpper()).size(), qsizetype(isThere ? 1 : 0));
+    }
+}
+
+void FileSearchTest::aFileThatChangesMeanwhileIsSearchedUpToThere()
+{
+    const Fixture fixture;
+    const QByteArray lines = QByteArray("a line\n").repeated(piece / 4);
+    fixture.write(u"a"_s, "word\n" + lines + "word\n" + lines + "word\n");
+    QFile file(fixture.path(u"a"_s));
+    QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    const LocalizedNeedle needle(u"word"_s);
+    const std::function<bool()> isCancelled = [] { return false; };
+    FileSearch search(needle, isCancelled, {});
+    QList<qsizetype> found;
+    search.search(QFile::encodeName(file.fileName()), [&](const SearchResult& result) {
+        found.append(result.lineNumber);
+        // The line feed before the second.
+        file.seek(4 + lines.size());
+        file.write("\xff");
+    });
+    QCOMPARE(found, QList<qsizetype>{1});
 }
 
 void FileSearchTest::aLineOverThirtyTwoMegabytesIsTooLong()

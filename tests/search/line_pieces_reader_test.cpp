@@ -153,6 +153,7 @@ void LinePiecesReaderTest::onceCancelledItHasFailed()
     QCOMPARE(reader.next(), Step::piece);
     fixture.isCancelled = true;
     QCOMPARE(reader.next(), Step::failed);
+    QVERIFY(reader.bytes().isEmpty());
     fixture.isCancelled = false;
     QCOMPARE(reader.next(), Step::failed);
 }
