@@ -94,7 +94,7 @@ struct Project
     QString run(const QStringList& arguments) const
     {
         QProcess process;
-        process.start(u"python3"_s, QStringList{QStringLiteral(KELM_MUTANTS), u"--root"_s, folder.path(),
+        process.start(u"python3"_s, QStringList{u"-B"_s, QStringLiteral(KELM_MUTANTS), u"--root"_s, folder.path(),
                                                 u"--unguarded"_s, u"sizes"_s} +
                                         arguments);
         if (!process.waitForFinished(-1)) {
