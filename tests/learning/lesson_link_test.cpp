@@ -43,6 +43,7 @@ private Q_SLOTS:
     void codeDecodes();
     void badLinksFail_data();
     void badLinksFail();
+    void aLinkAsksForNothingByItself();
     void runIsOneOrTrue_data();
     void runIsOneOrTrue();
     void languagesComeFromTheExtension();
@@ -121,6 +122,14 @@ void LessonLinkTest::badLinksFail()
     const auto result = decodeLessonLink(urlText);
     QVERIFY(std::holds_alternative<LessonLinkFailure>(result));
     QCOMPARE(std::get<LessonLinkFailure>(result), failure);
+}
+
+void LessonLinkTest::aLinkAsksForNothingByItself()
+{
+    QVERIFY(!LessonLink().run);
+    const LessonInfo info{.slug = u"s"_s};
+    QCOMPARE(info.regionStart, qint64(1));
+    QCOMPARE(info.regionEnd, qint64(1));
 }
 
 void LessonLinkTest::runIsOneOrTrue_data()
@@ -238,6 +247,11 @@ void LessonLinkTest::theWayBack_data()
     QTest::newRow("slashes and percent signs")
         << u"a/b/%20c"_s << Text() << false << Text(u"https://site/lesson/a/b/%20c"_s);
     QTest::newRow("a lone percent sign") << u"100%"_s << Text() << true << Text();
+    QTest::newRow("percent-encodings of all kinds")
+        << u"%09%90%aF%Fa"_s << Text() << false << Text(u"https://site/lesson/%09%90%aF%Fa"_s);
+    QTest::newRow("no first digit") << u"%g0"_s << Text() << false << Text();
+    QTest::newRow("no second digit") << u"%0g"_s << Text() << false << Text();
+    QTest::newRow("a digit is missing") << u"%0"_s << Text() << false << Text();
     QTest::newRow("a blank") << u"a b"_s << Text() << false << Text();
     QTest::newRow("Korean") << u"수업"_s << Text() << true << Text();
     QTest::newRow("an empty language") << u"a"_s << Text(u""_s) << false << Text(u"https://site/lesson/a?lang="_s);

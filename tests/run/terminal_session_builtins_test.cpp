@@ -36,6 +36,7 @@ private Q_SLOTS:
     void cdFromTheRootStaysThere();
     void cdTakesASymbolicLinkByItsName();
     void cdMovesTheWholeApplication();
+    void cdLeavesAFolderThatHasGone();
     void cdEntersAFolderWithoutPermission();
 
     void exportSetsVariables_data();
@@ -101,6 +102,7 @@ void TerminalSessionBuiltinsTest::emptyLineIsPassedOver()
     QVERIFY(fixture.run(u""_s).isEmpty());
     QVERIFY(fixture.session->commandHistory().isEmpty());
     QCOMPARE(fixture.session->historyIndex(), 0);
+    QVERIFY(fixture.session->process() == nullptr);
 }
 
 void TerminalSessionBuiltinsTest::builtinsWriteTheirText_data()
@@ -261,6 +263,21 @@ void TerminalSessionBuiltinsTest::cdMovesTheWholeApplication()
     QCOMPARE(QDir::currentPath(), fixture.path(u"sub"_s));
     fixture.session->executeCommand(u"cd nowhere"_s);
     QCOMPARE(QDir::currentPath(), fixture.path(u"sub"_s));
+}
+
+void TerminalSessionBuiltinsTest::cdLeavesAFolderThatHasGone()
+{
+    TerminalFixture fixture;
+    fixture.makeFolder(u"outer/inner"_s);
+    fixture.makeFolder(u"outer/other"_s);
+    for (const QString& line : {u"cd .."_s, u"cd ../other"_s}) {
+        fixture.session->executeCommand(u"cd "_s + fixture.path(u"outer/inner"_s));
+        QVERIFY(QDir(fixture.home()).rmdir(u"outer/inner"_s));
+        QVERIFY(fixture.run(line).isEmpty());
+        QCOMPARE(fixture.session->currentDirectory(),
+                 fixture.path(line.endsWith(u"other"_s) ? u"outer/other"_s : u"outer"_s));
+        fixture.makeFolder(u"outer/inner"_s);
+    }
 }
 
 void TerminalSessionBuiltinsTest::cdEntersAFolderWithoutPermission()
