@@ -1,19 +1,21 @@
 #include "git/panel/view/clone_dialog.h"
 #include "git/panel/view/commit_composer.h"
+#include "git/panel/view/credential_status_row.h"
 #include "git/panel/view/panel_fixture.h"
+#include "git/panel/view/shown_widgets.h"
 #include "git/panel/view/source_control_bottom_bar.h"
 #include "git/panel/view/source_control_empty_state.h"
 #include "git/panel/view/source_control_header.h"
 #include "git/service/git_transfers.h"
 #include "git/viewer/view/commit_sheet.h"
 #include "platform/process/process_stop.h"
+#include "platform/view/breaking_label.h"
+#include "platform/view/confirmation_dialog.h"
 #include "platform/view/labels.h"
 #include "support/painted_text.h"
 #include "support/test_program.h"
 
 #include <QCheckBox>
-
-#include <algorithm>
 
 namespace source_control_view_symbols_test {
 
@@ -23,47 +25,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// What is shown and of a type, from the top and then from the left.
-template <typename Widget>
-QList<Widget*> shownIn(const QWidget& parent)
-{
-    QList<Widget*> found;
-    for (QWidget* child : parent.findChildren<QWidget*>()) {
-        if (auto* widget = dynamic_cast<Widget*>(child); widget != nullptr && widget->isVisible()) {
-            found.append(widget);
-        }
-    }
-    std::stable_sort(found.begin(), found.end(), [&parent](const Widget* a, const Widget* b) {
-        const QRect first(a->mapTo(&parent, QPoint()), a->size());
-        const QRect second(b->mapTo(&parent, QPoint()), b->size());
-        const bool isOneLine = first.top() <= second.bottom() && second.top() <= first.bottom();
-        return isOneLine ? first.left() < second.left() : first.top() < second.top();
-    });
-    return found;
-}
-
-/// The symbols of the shown buttons with their texts, in the same order.
-QStringList buttonsIn(const QWidget& parent)
-{
-    QStringList lines;
-    for (const PlainButton* button : shownIn<PlainButton>(parent)) {
-        lines.append(button->look().symbol + u'|' + (button->text().isEmpty() ? button->toolTip() : button->text()));
-    }
-    return lines;
-}
-
 bool shows(SymbolLabel& label, const QString& symbol, const Tint& tint, std::optional<int> size = std::nullopt)
 {
     SymbolLabel expected(symbol, size.value_or(label.width()), tint);
     return icons::has(symbol) && (!size || label.size() == QSize(*size, *size)) && looksLike(label, expected);
-}
-
-TextLabel* labelOf(const QWidget& parent, const QString& text)
-{
-    const QList<TextLabel*> labels = shownIn<TextLabel>(parent);
-    const auto found =
-        std::find_if(labels.begin(), labels.end(), [&text](const TextLabel* label) { return label->text() == text; });
-    return found == labels.end() ? nullptr : *found;
 }
 
 /// Whether a label is drawn in a colour and a type.
@@ -106,6 +71,10 @@ private Q_SLOTS:
     void rowsUnderTheMouseStandOut_data();
     void rowsUnderTheMouseStandOut();
     void theHistorysHeaderOffersItsLimit();
+    void formsStandInTheirOrder_data();
+    void formsStandInTheirOrder();
+    void questionsOfferTheirAnswers_data();
+    void questionsOfferTheirAnswers();
     void theNetworkHasItsThreeButtons();
     void anErrorIsRedAndIsDismissed();
     void whatIsToldMovesNothing_data();
@@ -279,6 +248,67 @@ void SourceControlViewSymbolsTest::theHistorysHeaderOffersItsLimit()
     }
 }
 
+void SourceControlViewSymbolsTest::formsStandInTheirOrder_data()
+{
+    QTest::addColumn<SourceControlTab>("tab");
+    QTest::addColumn<QStringList>("controls");
+    QTest::newRow("changes") << SourceControlTab::changes << QStringList{u"Commit"_s, u"Amend last"_s, u"Stage All"_s};
+    QTest::newRow("branches") << SourceControlTab::branches << QStringList{u"New branch"_s, u"Create"_s};
+    QTest::newRow("stashes") << SourceControlTab::stashes
+                             << QStringList{u"Stash message (optional)"_s, u"Include untracked files (-u)"_s,
+                                            u"Stash"_s};
+    QTest::newRow("tags") << SourceControlTab::tags
+                          << QStringList{u"Tag name (e.g. v1.0)"_s, u"Annotation (optional)"_s, u"Create"_s};
+    QTest::newRow("remotes") << SourceControlTab::remotes << QStringList{u"Name (e.g. origin)"_s, u"URL"_s, u"Add"_s};
+}
+
+void SourceControlViewSymbolsTest::formsStandInTheirOrder()
+{
+    QFETCH(SourceControlTab, tab);
+    QFETCH(QStringList, controls);
+    PanelFixture f;
+    f.show(tab);
+    const QWidget& shown = *f.list().parentWidget();
+    QCOMPARE(controlsIn(shown), controls);
+    // The list stands below them.
+    for (const PlainButton* button : shownIn<PlainButton>(shown)) {
+        QVERIFY(button->mapTo(&shown, button->rect().bottomLeft()).y() < f.list().y());
+    }
+}
+
+void SourceControlViewSymbolsTest::questionsOfferTheirAnswers_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("answers");
+    QTest::newRow("merge") << u"Merge into current"_s << u"Merge side into main?"_s
+                           << QStringList{u"Cancel"_s, u"Merge"_s};
+    QTest::newRow("delete") << u"Delete"_s << u"Delete branch side?"_s
+                            << QStringList{u"Cancel"_s, u"Force delete (-D)"_s, u"Delete (safe)"_s};
+}
+
+void SourceControlViewSymbolsTest::questionsOfferTheirAnswers()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, title);
+    QFETCH(QStringList, answers);
+    PanelFixture f;
+    f.repo.git({u"branch"_s, u"side"_s});
+    f.show(SourceControlTab::branches);
+    act(f.list(), u"side"_s, action);
+    const auto* dialog = f.window.findChild<ConfirmationDialog*>();
+    QVERIFY(dialog != nullptr && dialog->isVisible());
+    QCOMPARE(dialog->windowTitle(), title);
+    QCOMPARE(dialog->findChild<BreakingLabel*>()->text(), title);
+    // From the first at the right to the way out at the left.
+    QCOMPARE(controlsIn(*dialog), answers);
+    // Nothing is done before somebody answers.
+    QCOMPARE(f.output({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
+    clickOn(*dialog, u"Cancel"_s);
+    QVERIFY(!dialog->isVisible());
+    QCOMPARE(f.output({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
+}
+
 void SourceControlViewSymbolsTest::theNetworkHasItsThreeButtons()
 {
     PanelFixture f;
@@ -372,6 +402,17 @@ void SourceControlViewSymbolsTest::theCloneDialogHasItsSign()
     QCOMPARE(texts, (QStringList{u"Clone Repository"_s, u"Remote URL"_s, u"Destination"_s, u"(pick a folder)"_s,
                                  u"Folder name:"_s}));
     QVERIFY(symbols[0]->x() < labelOf(dialog, u"Clone Repository"_s)->x());
+    const QString examples = shownIn<QLineEdit>(dialog).first()->placeholderText();
+    QCOMPARE(controlsIn(dialog), (QStringList{examples, u"Choose"_s, u"repo"_s, u"Cancel"_s, u"Clone"_s}));
+    // The chips stand between the address and the folder, and what they mean below them.
+    const QList<CredentialChip*> chips = shownIn<CredentialChip>(dialog);
+    QCOMPARE(chips.size(), 3);
+    const auto top = [&dialog](const QWidget* widget) { return widget->mapTo(&dialog, QPoint()).y(); };
+    QVERIFY(top(shownIn<QLineEdit>(dialog).first()) < top(chips.first()));
+    const QList<WrappedLabel*> hints = shownIn<WrappedLabel>(dialog);
+    QCOMPARE(hints.size(), 1);
+    QVERIFY(top(chips.last()) < top(hints.first()));
+    QVERIFY(top(hints.first()) < top(labelOf(dialog, u"Destination"_s)));
     QCOMPARE(buttonsIn(dialog), (QStringList{u"|Choose"_s, u"|Cancel"_s, u"|Clone"_s}));
     const QList<PlainButton*> buttons = shownIn<PlainButton>(dialog);
     QVERIFY(!(buttons[1]->look().ground == prominentLook().ground));
