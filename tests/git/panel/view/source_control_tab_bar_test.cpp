@@ -71,8 +71,12 @@ void SourceControlTabBarTest::theSelectedTabStandsInTheAccentColour()
         const QColor ground = over(shown.window(), Tint::accent().at(0.18));
         QVERIFY(isNear(picture.pixelColor(picture.width() / 2, 1), ground));
         QVERIFY(isNear(picture.pixelColor(1, picture.height() / 2), ground));
-        // Its corners are round.
+        // Its corners are quarter circles of 5 points.
         QVERIFY(isNear(picture.pixelColor(0, 0), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(1, 0), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(4, 0), ground));
+        QVERIFY(isNear(picture.pixelColor(0, 1), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(0, 4), ground));
         QVERIFY(isSame(ink(picture, labelPlace(picture, label(tab)), ground),
                        inkOf(label(tab), style::interfaceFont(11), Tint::accent(), ground)));
     }

@@ -8,6 +8,8 @@
 #include "git/panel/view/source_control_header.h"
 #include "git/service/git_transfers.h"
 #include "git/viewer/view/commit_sheet.h"
+#include "git/viewer/view/diff_sheet.h"
+#include "git/viewer/view/diff_viewer.h"
 #include "platform/process/process_stop.h"
 #include "platform/view/breaking_label.h"
 #include "platform/view/confirmation_dialog.h"
@@ -15,7 +17,8 @@
 #include "support/painted_text.h"
 #include "support/test_program.h"
 
-#include <QCheckBox>
+#include <QPushButton>
+#include <QRadioButton>
 
 namespace source_control_view_symbols_test {
 
@@ -40,6 +43,15 @@ bool isDrawn(TextLabel* label, const Tint& tint, const QFont& font)
     const QImage picture = label->grab().toImage();
     const QColor ground = label->palette().color(QPalette::Window);
     return isSame(ink(picture, picture.rect(), ground), inkOf(label->text(), font, tint, ground));
+}
+
+QStringList namesOfPushButtonsIn(const QWidget& parent)
+{
+    QStringList names;
+    for (const QPushButton* button : shownIn<QPushButton>(parent)) {
+        names.append(button->text());
+    }
+    return names;
 }
 
 void makeConflict(const TemporaryRepository& repo)
@@ -80,7 +92,8 @@ private Q_SLOTS:
     void whatIsToldMovesNothing_data();
     void whatIsToldMovesNothing();
     void theCloneDialogHasItsSign();
-    void theCommitSheetHasItsTitle();
+    void theDiffSheetHasItsHeader();
+    void theCommitSheetHasItsHeader();
 };
 
 void SourceControlViewSymbolsTest::initTestCase()
@@ -419,7 +432,31 @@ void SourceControlViewSymbolsTest::theCloneDialogHasItsSign()
     QVERIFY(buttons[2]->look().ground == prominentLook().ground);
 }
 
-void SourceControlViewSymbolsTest::theCommitSheetHasItsTitle()
+void SourceControlViewSymbolsTest::theDiffSheetHasItsHeader()
+{
+    PanelFixture f;
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.git().open(f.repo.url());
+    DiffSheetView sheet(f.git(), u"a.txt"_s, nullptr);
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    TextLabel* const path = labelOf(sheet, u"a.txt"_s);
+    QVERIFY(path != nullptr);
+    const QWidget& header = *path->parentWidget();
+    QCOMPARE(shownOf<TextLabel>(header).first(), path);
+    const QList<QRadioButton*> views = shownIn<QRadioButton>(header);
+    QCOMPARE(views.size(), 2);
+    QCOMPARE(views[0]->text() + u' ' + views[1]->text(), u"Working Staged"_s);
+    QVERIFY(views[0]->isChecked());
+    sheet.setStagedView(true);
+    QVERIFY(views[1]->isChecked());
+    QCOMPARE(namesOfPushButtonsIn(header), QStringList{u"Close"_s});
+    const auto left = [&header](const QWidget* widget) { return widget->mapTo(&header, QPoint()).x(); };
+    QVERIFY(left(path) < left(views[0]) && left(views[1]) < left(shownIn<QPushButton>(header).first()));
+    QVERIFY(header.geometry().bottom() < sheet.viewer().y());
+}
+
+void SourceControlViewSymbolsTest::theCommitSheetHasItsHeader()
 {
     PanelFixture f;
     f.git().open(f.repo.url());
@@ -427,8 +464,11 @@ void SourceControlViewSymbolsTest::theCommitSheetHasItsTitle()
     CommitDetailView sheet(f.git(), sha, nullptr);
     sheet.show();
     QVERIFY(QTest::qWaitForWindowExposed(&sheet));
-    QVERIFY(isDrawn(labelOf(sheet, u"Commit "_s + sha.first(10)), Tint::primary(),
-                    style::interfaceFont(12, QFont::DemiBold)));
+    TextLabel* const title = labelOf(sheet, u"Commit "_s + sha.first(10));
+    QVERIFY(isDrawn(title, Tint::primary(), style::interfaceFont(12, QFont::DemiBold)));
+    const QWidget& header = *title->parentWidget();
+    QCOMPARE(namesOfPushButtonsIn(header), (QStringList{u"Copy SHA"_s, u"Close"_s}));
+    QVERIFY(title->geometry().right() < shownIn<QPushButton>(header).first()->x());
 }
 
 const kelm::test::Registered<SourceControlViewSymbolsTest> registered(kelm::test::Toolkit::widgets);
