@@ -6,6 +6,7 @@
 #include "git/panel/view/source_control_bottom_bar.h"
 #include "git/panel/view/source_control_empty_state.h"
 #include "git/panel/view/source_control_header.h"
+#include "git/panel/view/source_control_tab_bar.h"
 #include "git/service/git_transfers.h"
 #include "git/viewer/view/commit_sheet.h"
 #include "git/viewer/view/diff_sheet.h"
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void initTestCase();
 
     void theEmptyStateLeadsFromItsSignToItsButtons();
+    void thePanelIsAColumn();
     void theHeaderHasTheBranchBeforeItsCounts();
     void conflictsAreOrange();
     void theComposersButtonStandsOut();
@@ -110,6 +112,7 @@ private Q_SLOTS:
     void theHistorysHeaderOffersItsLimit();
     void formsStandInTheirOrder_data();
     void formsStandInTheirOrder();
+    void anEditedAddressHasItsButtons();
     void questionsOfferTheirAnswers_data();
     void questionsOfferTheirAnswers();
     void theNetworkHasItsThreeButtons();
@@ -149,6 +152,27 @@ void SourceControlViewSymbolsTest::theEmptyStateLeadsFromItsSignToItsButtons()
     QCOMPARE(buttonsIn(empty), (QStringList{u"plus.square.on.square|Initialize Repository"_s,
                                             u"square.and.arrow.down.on.square|Clone Repository…"_s}));
     QVERIFY(shownIn<PlainButton>(empty).first()->y() > lowest);
+}
+
+void SourceControlViewSymbolsTest::thePanelIsAColumn()
+{
+    PanelFixture f;
+    f.show();
+    for (const SourceControlTab tab : allSourceControlTabs) {
+        f.view.setTab(tab);
+        const auto placeOf = [&f](const QWidget* part) { return QRect(part->mapTo(&f.view, QPoint()), part->size()); };
+        const QList<QRect> places{placeOf(f.view.findChild<SourceControlHeader*>()),
+                                  placeOf(f.view.findChild<SourceControlTabBar*>()), placeOf(f.list().parentWidget()),
+                                  placeOf(f.view.findChild<SourceControlBottomBar*>())};
+        QCOMPARE(places.first().top(), 0);
+        QCOMPARE(places.last().bottom(), f.view.height() - 1);
+        for (qsizetype i = 0; i < places.size(); ++i) {
+            QCOMPARE(places[i].width(), f.view.width());
+            // With a divider between, if that.
+            QVERIFY(i == 0 || places[i].top() - places[i - 1].bottom() - 1 <= 1);
+            QVERIFY(i == 0 || places[i].top() > places[i - 1].bottom());
+        }
+    }
 }
 
 void SourceControlViewSymbolsTest::theHeaderHasTheBranchBeforeItsCounts()
@@ -370,6 +394,18 @@ void SourceControlViewSymbolsTest::formsStandInTheirOrder()
     for (const PlainButton* button : shownIn<PlainButton>(shown)) {
         QVERIFY(button->mapTo(&shown, button->rect().bottomLeft()).y() < f.list().y());
     }
+}
+
+void SourceControlViewSymbolsTest::anEditedAddressHasItsButtons()
+{
+    PanelFixture f;
+    f.repo.git({u"remote"_s, u"add"_s, u"origin"_s, u"/old"_s});
+    f.show(SourceControlTab::remotes);
+    act(f.list(), u"origin / /old"_s, u"Edit URL"_s);
+    auto* field = f.list().viewport()->findChild<QLineEdit*>();
+    QVERIFY(field != nullptr);
+    QCOMPARE(controlsIn(*field->parentWidget()), (QStringList{u"URL"_s, u"Save"_s, u"Cancel"_s}));
+    QCOMPARE(field->text(), u"/old"_s);
 }
 
 void SourceControlViewSymbolsTest::questionsOfferTheirAnswers_data()
