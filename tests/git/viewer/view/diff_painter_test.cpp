@@ -269,6 +269,10 @@ void DiffPainterTest::aFilesHeaderIsRoundAtItsTopAlone()
         QVERIFY(isNear(picture.pixelColor(x, top), base));
         // What stands lowest fills its row up to the corners, which the border alone goes round.
         QVERIFY(isNear(picture.pixelColor(x, bottom), over(base, lowestGround)));
+        // The border's own radius is 6 too, so that it passes within these.
+        const int inwards = x == int(column.left) ? x + 1 : x - 1;
+        QVERIFY(isNear(picture.pixelColor(inwards, top + 1), base));
+        QVERIFY(isNear(picture.pixelColor(inwards, bottom - 1), over(base, lowestGround)));
     }
     // A quarter circle of 6 points: at its foot the header is as wide as the block.
     const QColor header = over(base, Tint::secondary().at(0.08));
