@@ -562,7 +562,7 @@ void SourceControlViewSymbolsTest::theDiffSheetHasItsHeader()
     TextLabel* const path = labelOf(sheet, u"a.txt"_s);
     QVERIFY(path != nullptr);
     const QWidget& header = *path->parentWidget();
-    QCOMPARE(shownOf<TextLabel>(header).first(), path);
+    QCOMPARE(shownIn<TextLabel>(header), QList{path});
     const QList<QRadioButton*> views = shownIn<QRadioButton>(header);
     QCOMPARE(views.size(), 2);
     QCOMPARE(views[0]->text() + u' ' + views[1]->text(), u"Working Staged"_s);
@@ -573,6 +573,11 @@ void SourceControlViewSymbolsTest::theDiffSheetHasItsHeader()
     const auto left = [&header](const QWidget* widget) { return widget->mapTo(&header, QPoint()).x(); };
     QVERIFY(left(path) < left(views[0]) && left(views[1]) < left(shownIn<QPushButton>(header).first()));
     QVERIFY(header.geometry().bottom() < sheet.viewer().y());
+    // What else is told stands below the diff.
+    QTRY_COMPARE(sheet.counts(), u"Working: 1 hunk · Staged: none"_s);
+    const TextLabel* const counts = labelOf(sheet, sheet.counts());
+    QVERIFY(counts != nullptr);
+    QVERIFY(counts->mapTo(&sheet, QPoint()).y() > sheet.viewer().geometry().bottom());
 }
 
 void SourceControlViewSymbolsTest::theCommitSheetHasItsHeader()
