@@ -102,6 +102,8 @@ private Q_SLOTS:
     void expandingAgainReadsAgain();
     void aFileOpens();
     void refreshReadsTheTopLevel();
+    void refreshMakesEntriesAnewAndListsNoFolder();
+    void aFolderInsideAnExpandedOneIsListedByItselfAlone();
     void withoutAProjectAFolderCanBeOpened();
     void cancellingChangesNothing();
     void aChangeOfTheProjectWaitsForTheNextRead();
@@ -178,6 +180,35 @@ void FileTreeViewTest::refreshReadsTheTopLevel()
     fixture.make(u"new.txt"_s);
     QTest::mouseClick(fixture.button(u"Refresh"_s), Qt::LeftButton);
     QCOMPARE(fixture.rows().at(2), u"new.txt"_s);
+}
+
+void FileTreeViewTest::refreshMakesEntriesAnewAndListsNoFolder()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    const QUuid before = fixture.view->model().item(1).id;
+    fixture.make(u"src/c.js"_s);
+    QTest::mouseClick(fixture.button(u"Refresh"_s), Qt::LeftButton);
+    QVERIFY(fixture.view->model().item(1).id != before);
+    // What was expanded still is; an entry that is new has no children yet.
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"v src"_s, u"readme.md"_s}));
+    fixture.click(u"src"_s);
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"> src"_s, u"readme.md"_s}));
+    fixture.click(u"src"_s);
+    QVERIFY(fixture.rows().contains(u"  c.js"_s));
+}
+
+void FileTreeViewTest::aFolderInsideAnExpandedOneIsListedByItselfAlone()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    fixture.click(u"deep"_s);
+    fixture.click(u"src"_s);
+    fixture.click(u"src"_s);
+    QCOMPARE(fixture.rows(),
+             (QStringList{u"> empty"_s, u"v src"_s, u"  v deep"_s, u"  A.swift"_s, u"  b.py"_s, u"readme.md"_s}));
 }
 
 void FileTreeViewTest::withoutAProjectAFolderCanBeOpened()
