@@ -10,6 +10,8 @@
 #include <QGuiApplication>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -23,10 +25,14 @@ constexpr qsizetype mostShown = 200;
 
 } // namespace
 
-EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent)
-    : QWidget(parent), key_(key), isSet_(isSet), isKo_(isKo), copiedEnd_(scheduler, copiedTime, [this] {
-          setCopied(false);
-      })
+EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, std::function<void()> onCopy, Scheduler& scheduler,
+               QWidget* parent)
+    : QWidget(parent),
+      key_(key),
+      isSet_(isSet),
+      isKo_(isKo),
+      onCopy_(std::move(onCopy)),
+      copiedEnd_(scheduler, copiedTime, [this] { setCopied(false); })
 {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
