@@ -1,7 +1,10 @@
 #include "files/view/file_tree_view.h"
 #include "git/service/git_service.h"
+#include "platform/style/view/style.h"
+#include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "support/app_state_fixture.h"
+#include "support/painted.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
 
@@ -14,6 +17,7 @@
 namespace file_tree_view_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -100,6 +104,7 @@ private Q_SLOTS:
     void aFolderExpandsAndCollapses();
     void aFolderOfHiddenFilesShowsNone();
     void expandingAgainReadsAgain();
+    void theHeaderNamesTheFolder();
     void aFileOpens();
     void refreshReadsTheTopLevel();
     void refreshMakesEntriesAnewAndListsNoFolder();
@@ -163,6 +168,25 @@ void FileTreeViewTest::expandingAgainReadsAgain()
     fixture.click(u"src"_s);
     fixture.click(u"src"_s);
     QVERIFY(fixture.rows().contains(u"  c.js"_s));
+}
+
+void FileTreeViewTest::theHeaderNamesTheFolder()
+{
+    Fixture fixture;
+    fixture.show();
+    TextLabel* title = nullptr;
+    for (auto* label : fixture.view->findChildren<TextLabel*>()) {
+        title = label->isVisible() ? label : title;
+    }
+    QCOMPARE(title->text(), QFileInfo(fixture.project.path()).fileName());
+    TextLabel headline(title->text(), style::headlineFont(), Tint::primary());
+    headline.setElideMode(Qt::ElideMiddle);
+    QVERIFY(looksLike(*title, headline));
+    QVERIFY(title->mapTo(fixture.view.get(), QPoint()).y() <
+            fixture.view->list().mapTo(fixture.view.get(), QPoint()).y());
+    const QString other = fixture.project.filePath(u"src"_s);
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(other));
+    QCOMPARE(title->text(), u"src"_s);
 }
 
 void FileTreeViewTest::aFileOpens()
