@@ -3,6 +3,7 @@
 #include "learning/export_line.h"
 #include "learning/lesson_texts.h"
 #include "learning/view/lesson_section.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
@@ -41,7 +42,7 @@ EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, std::function<void()> 
     first->setSpacing(6);
     first->addWidget(new SymbolLabel(isSet ? u"checkmark.circle.fill"_s : u"xmark.circle.fill"_s, symbolSize,
                                      isSet ? SystemColor::green : SystemColor::red, this));
-    auto* name = new TextLabel(shownPart(key, mostShown), style::monospaced(11), Tint::primary(), this);
+    auto* name = new TextLabel(shownName(shownPart(key, mostShown)), style::monospaced(11), Tint::primary(), this);
     name->setElideMode(Qt::ElideMiddle);
     first->addWidget(name, 1);
     column->addLayout(first);

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void theButtonSaysThatTheLineWasCopied_data();
     void theButtonSaysThatTheLineWasCopied();
     void aRowHoldsItsRecord();
+    void whatCannotBeSeenInANameIsShown();
     void copyingDoesNotCallBack();
 };
 
@@ -149,6 +150,12 @@ void EnvironmentRowTest::aRowHoldsItsRecord()
     QVERIFY(fixture.row.onCopy());
     fixture.row.onCopy()();
     QCOMPARE(fixture.copies, 1);
+}
+
+void EnvironmentRowTest::whatCannotBeSeenInANameIsShown()
+{
+    const Fixture fixture(u"A\u202eB\u0001"_s);
+    QCOMPARE(fixture.row.findChild<TextLabel*>()->text(), u"A\u27e8U+202E\u27e9B\u27e8U+0001\u27e9"_s);
 }
 
 void EnvironmentRowTest::copyingDoesNotCallBack()
