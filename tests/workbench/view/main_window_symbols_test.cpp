@@ -1,7 +1,9 @@
+#include "app/state/link_runs.h"
 #include "platform/style/view/ink.h"
 #include "platform/text/platform_words.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_help.h"
+#include "run/view/run_header.h"
 #include "support/painted.h"
 #include "support/test_program.h"
 #include "workbench/status/view/document_status.h"
@@ -10,6 +12,9 @@
 #include "workbench/view/bottom_panel.h"
 #include "workbench/view/controls.h"
 #include "workbench/view/extensions_view.h"
+#include "workbench/view/link_run_bar.h"
+#include "workbench/view/link_run_place.h"
+#include "workbench/view/notice_bar.h"
 #include "workbench/view/sidebar_view.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"
@@ -85,6 +90,7 @@ private Q_SLOTS:
     void theChipHoldsTheSymbolOfTheLanguage();
     void theWelcomesButtonsHaveTheirSymbols();
     void theTreesRefreshButtonIsAnArrow();
+    void barsThatComeAndGoHaveTheirSymbols();
 };
 
 void MainWindowSymbolsTest::eachToolbarButtonHasItsSymbol_data()
@@ -325,6 +331,26 @@ void MainWindowSymbolsTest::theTreesRefreshButtonIsAnArrow()
     PlainButton& refresh = buttonOf(*fixture.window.sidebar()->content(), u"Refresh"_s);
     QCOMPARE(refresh.look().symbol, u"arrow.clockwise"_s);
     QVERIFY(shows(refresh, u"arrow.clockwise"_s, refresh.look().symbolSize, Tint::secondary()));
+}
+
+void MainWindowSymbolsTest::barsThatComeAndGoHaveTheirSymbols()
+{
+    WindowFixture fixture;
+    fixture.state.openSnippet(u"1"_s, Language::shell, std::nullopt);
+    fixture.state.linkRuns().request(fixture.state.currentDocument());
+    fixture.turnQueue();
+    LinkRunBar& bar = *fixture.window.linkRunPlace().bar();
+    SymbolLabel& sign = *bar.findChild<SymbolLabel*>();
+    SymbolLabel triangle(u"exclamationmark.triangle.fill"_s, sign.width(), SystemColor::orange, &bar);
+    triangle.setGeometry(sign.geometry());
+    QVERIFY(icons::has(u"exclamationmark.triangle.fill"_s) && looksLike(sign, triangle));
+    QCOMPARE(bar.putAwayButton()->look().symbol, u"xmark"_s);
+    QCOMPARE(buttonOf(fixture.window.noticeBar(), u"Dismiss"_s).look().symbol, u"xmark"_s);
+    fixture.state.setBottomPanelTab(BottomPanelTab::output);
+    fixture.state.setShowBottomPanel(true);
+    fixture.turnQueue();
+    const auto* header = fixture.window.bottomPanel()->findChild<RunHeader*>();
+    QCOMPARE(buttonThatReads(*header, u"Stop"_s).look().symbol, u"stop.fill"_s);
 }
 
 const kelm::test::Registered<MainWindowSymbolsTest> registered(kelm::test::Toolkit::widgets);
