@@ -110,6 +110,7 @@ private Q_SLOTS:
     void refreshMakesEntriesAnewAndListsNoFolder();
     void aFolderInsideAnExpandedOneIsListedByItselfAlone();
     void withoutAProjectAFolderCanBeOpened();
+    void aProjectThatComesFromElsewhereIsListed();
     void cancellingChangesNothing();
     void aChangeOfTheProjectWaitsForTheNextRead();
     void aProjectThatIsGoneIsTold();
@@ -249,6 +250,20 @@ void FileTreeViewTest::withoutAProjectAFolderCanBeOpened()
     QVERIFY(fixture.button(u"Open Folder…"_s) == nullptr);
 }
 
+void FileTreeViewTest::aProjectThatComesFromElsewhereIsListed()
+{
+    Fixture fixture;
+    fixture.show(false);
+    QVERIFY(fixture.rows().isEmpty());
+    // With it the tree appears.
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.project.path()));
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"> src"_s, u"readme.md"_s}));
+    QVERIFY(fixture.view->list().isVisible());
+    fixture.state.setCurrentProject(std::nullopt);
+    QVERIFY(!fixture.view->list().isVisible());
+    QVERIFY(fixture.button(u"Open Folder…"_s) != nullptr);
+}
+
 void FileTreeViewTest::cancellingChangesNothing()
 {
     Fixture fixture;
@@ -262,8 +277,9 @@ void FileTreeViewTest::aChangeOfTheProjectWaitsForTheNextRead()
 {
     Fixture fixture;
     fixture.show();
+    const QStringList before = fixture.rows();
     fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.project.filePath(u"src"_s)));
-    QCOMPARE(fixture.rows().size(), 3);
+    QCOMPARE(fixture.rows(), before);
     QTest::mouseClick(fixture.button(u"Refresh"_s), Qt::LeftButton);
     QCOMPARE(fixture.rows(), (QStringList{u"> deep"_s, u"A.swift"_s, u"b.py"_s}));
 }

@@ -369,6 +369,10 @@ void SettingsViewTest::applyingSetsSavesAndApplies()
     QCOMPARE(fixture.themes.currentTheme().name, u"GitHub Light"_s);
     QCOMPARE(fixture.store.string(u"selectedTheme"_s), std::optional(u"GitHub Light"_s));
     QTRY_COMPARE(fixture.appearances, QList<Appearance>{Appearance::light});
+    // It stays selected.
+    QCOMPARE(themes.list().currentRow(), 4);
+    QCOMPARE(themes.selectedTheme()->name, u"GitHub Light"_s);
+    QCOMPARE(themes.preview().theme().name, u"GitHub Light"_s);
 }
 
 void SettingsViewTest::importAndLearnMoreDoNothing()
