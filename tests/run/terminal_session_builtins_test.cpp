@@ -27,7 +27,7 @@ private Q_SLOTS:
     void onlyTheExactNameIsABuiltin_data();
     void onlyTheExactNameIsABuiltin();
     void clearWritesAPromptOfItsOwn();
-    void exitAsksToPutTheTerminalAway();
+    void exitPutsThePanelAway();
 
     void cdChangesTheFolder_data();
     void cdChangesTheFolder();
@@ -166,16 +166,26 @@ void TerminalSessionBuiltinsTest::clearWritesAPromptOfItsOwn()
     QCOMPARE(fixture.screen.text, prompt + prompt);
 }
 
-void TerminalSessionBuiltinsTest::exitAsksToPutTheTerminalAway()
+void TerminalSessionBuiltinsTest::exitPutsThePanelAway()
 {
-    TerminalFixture fixture;
-    QSignalSpy asked(fixture.session.get(), &TerminalSession::exitRequested);
-    fixture.screen.appendText(u"old text"_s, plainColors::white);
-    fixture.session->executeCommand(u"exit 3"_s);
-    QCOMPARE(asked.size(), 1);
-    QCOMPARE(fixture.screen.text, u"old text"_s);
+    // By the session itself: it may have no view.
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    int hidden = 0;
+    TerminalSession session(
+        {.scheduler = scheduler, .notifications = notifications, .hideBottomPanel = [&] { ++hidden; }});
+    session.executeCommand(u"exit"_s);
+    QCOMPARE(hidden, 1);
+    FakeTerminalScreen screen;
+    session.setTextView(&screen);
+    screen.appendText(u"old text"_s, plainColors::white);
+    session.executeCommand(u"exit 3"_s);
+    QCOMPARE(hidden, 2);
+    QCOMPARE(screen.text, u"old text"_s);
     // The session goes on.
-    QCOMPARE(fixture.run(u"pwd"_s).size(), 1);
+    session.executeCommand(u"pwd"_s);
+    QCOMPARE(screen.text, u"old text\n"_s + session.currentDirectory());
+    QCOMPARE(session.commandHistory(), (QStringList{u"exit"_s, u"exit 3"_s, u"pwd"_s}));
 }
 
 void TerminalSessionBuiltinsTest::cdChangesTheFolder_data()

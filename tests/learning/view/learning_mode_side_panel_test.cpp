@@ -450,12 +450,20 @@ void LearningModeSidePanelTest::thousandsOfKeysMakeNoMoreRowsThanAreSeen()
         keys << u"KELM_TEST_%1"_s.arg(number);
     }
     fixture.show({.slug = u"s"_s, .requires_ = keys});
-    for (const int value : {0, fixture.scrollBar().maximum() / 2, fixture.scrollBar().maximum()}) {
-        fixture.scrollBar().setValue(value);
+    // Those that have been seen go: as many places as would show hundreds.
+    for (int step = 0; step <= 10; ++step) {
+        fixture.scrollBar().setValue(fixture.scrollBar().maximum() / 10 * step);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!fixture.rows().isEmpty());
         QVERIFY(fixture.rows().size() < 60);
+        // Each has a place of its own.
+        QList<EnvRow*> rows = fixture.rows();
+        std::sort(rows.begin(), rows.end(), [](const EnvRow* a, const EnvRow* b) { return a->y() < b->y(); });
+        for (qsizetype row = 1; row < rows.size(); ++row) {
+            QVERIFY(rows.at(row)->y() > rows.at(row - 1)->geometry().bottom());
+        }
     }
+    fixture.scrollBar().setValue(fixture.scrollBar().maximum());
     QVERIFY(fixture.texts().contains(keys.last()));
 }
 

@@ -1,6 +1,8 @@
+#include "platform/style/view/icons.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/keybindings_view.h"
 #include "settings/view/setting_control.h"
+#include "settings/view/settings_form.h"
 #include "settings/view/settings_view.h"
 #include "settings/view/theme_preview.h"
 #include "settings/view/theme_settings_view.h"
@@ -125,14 +127,19 @@ void SettingsViewTest::theTabsStandInTheirOrder()
 {
     Fixture fixture;
     QStringList labels;
+    QStringList symbols;
     for (int tab = 0; tab < SettingsView::tabCount; ++tab) {
         PlainButton& button = fixture.view.tabButton(static_cast<SettingsView::Tab>(tab));
         labels.append(button.text());
+        symbols.append(button.look().symbol);
+        QVERIFY(icons::has(symbols.last()));
         QTest::mouseClick(&button, Qt::LeftButton);
         QVERIFY(button.isChecked());
         QVERIFY(fixture.view.page(static_cast<SettingsView::Tab>(tab))->isVisible());
     }
     QCOMPARE(labels, (QStringList{u"General"_s, u"Editor"_s, u"Themes"_s, u"Keybindings"_s, u"Extensions"_s}));
+    QCOMPARE(symbols,
+             (QStringList{u"gear"_s, u"doc.text"_s, u"paintpalette"_s, u"keyboard"_s, u"puzzlepiece.extension"_s}));
 }
 
 void SettingsViewTest::everyPageHasRoomForItsRows()
@@ -259,6 +266,7 @@ void SettingsViewTest::theFontPickerShowsEachFamilyInItself()
     }
     QCOMPARE(families, (QStringList{u"SF Mono"_s, u"Menlo"_s, u"Monaco"_s, u"Courier New"_s, u"JetBrains Mono"_s,
                                     u"Fira Code"_s}));
+    QCOMPARE(EditorSettingsView::fontFamilies(), families);
     fixture.view.select(SettingsView::editor);
     box.setFocus();
     // To choose what stands there already changes nothing.
@@ -468,6 +476,10 @@ void SettingsViewTest::applyingSetsSavesAndApplies()
     QCOMPARE(fixture.themes.currentTheme().name, u"GitHub Light"_s);
     QCOMPARE(fixture.store.string(u"selectedTheme"_s), std::optional(u"GitHub Light"_s));
     QTRY_COMPARE(fixture.appearances, QList<Appearance>{Appearance::light});
+    // It stays selected.
+    QCOMPARE(themes.list().currentRow(), 4);
+    QCOMPARE(themes.selectedTheme()->name, u"GitHub Light"_s);
+    QCOMPARE(themes.preview().theme().name, u"GitHub Light"_s);
 }
 
 void SettingsViewTest::importAndLearnMoreDoNothing()
