@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks what no formatter sees: line lengths, line ends, trailing blanks and tabs in the project's own texts."""
+"""Checks what no formatter sees: line lengths, line ends, trailing blanks and tabs in the project's own texts, and
+what has a better stand-in here."""
 
 import pathlib
 import subprocess
@@ -9,6 +10,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 LONGEST = 120
 # Fixtures hold odd bytes on purpose; links and tables in prose may be long.
 LEFT_OUT = ("tests/fuzz/corpus/", "/data/", "docs/screenshots/", "LICENSE")
+# What is not used, and what is in its place.
+STAND_INS = {"QTextBoundary" + "Finder": "platform/text/grapheme_boundaries.h, which knows today's scripts"}
 SUFFIXES = {".cpp", ".h", ".py", ".cmake", ".txt", ".md", ".json", ".svg", ".yml", ""}
 
 
@@ -28,6 +31,9 @@ def problems_of(name):
             yield f"{name}:{number}: blanks at the end"
         if "\t" in line:
             yield f"{name}:{number}: a tab"
+        for unwanted, stand_in in STAND_INS.items():
+            if unwanted in line:
+                yield f"{name}:{number}: {unwanted}, in whose place stands {stand_in}"
         if len(line) > LONGEST and not name.endswith((".md", ".svg")):
             yield f"{name}:{number}: {len(line)} characters"
 

@@ -1,6 +1,7 @@
 #include "run/kept_tail.h"
 
 #include "platform/events/background_task.h"
+#include "platform/text/grapheme_boundaries.h"
 
 #include <QThreadPool>
 
@@ -76,8 +77,10 @@ void KeptTail::dropFront(qsizetype units)
     if (gone < piece.size()) {
         if (const qsizetype lineFeed = piece.lastIndexOf(u'\n', gone - 1); lineFeed >= gone - slack_ && lineFeed >= 0) {
             gone = lineFeed + 1;
-        } else if (gone > 1 && piece[gone].isLowSurrogate() && piece[gone - 1].isHighSurrogate()) {
-            --gone;
+        } else if (const qsizetype whole = graphemeBoundaryAtOrBefore(piece, gone);
+                   whole > std::max(gone - slack_, qsizetype(0))) {
+            // No part of a character, unless that is longer than the slack.
+            gone = whole;
         }
     }
     units_ -= gone;

@@ -14,6 +14,7 @@ class KeptTailTest : public QObject
 private Q_SLOTS:
     void whatIsShortIsKeptWhole();
     void theEndOfAnyTextIsKept();
+    void aCharacterIsNotCut();
     void theFirstLineSaysHowMuchWasLetGo();
     void clearingBeginsAnew();
 };
@@ -50,6 +51,21 @@ void KeptTailTest::theEndOfAnyTextIsKept()
             QVERIFY(kept.size() <= most + 2 * slack);
         }
     }
+}
+
+void KeptTailTest::aCharacterIsNotCut()
+{
+    KeptTail tail(100, 40);
+    tail.append(u"🇰🇷"_s.repeated(300));
+    const qsizetype kept = tail.units();
+    QVERIFY(tail.letGo() > 0);
+    QCOMPARE(kept % 4, qsizetype(0));
+    QCOMPARE(tail.text(), u"🇰🇷"_s.repeated(kept / 4));
+
+    // One that is longer than the slack is.
+    tail.clear();
+    tail.append(u'e' + u"\u0301"_s.repeated(1000));
+    QVERIFY(tail.units() <= 100 + 2 * 40);
 }
 
 void KeptTailTest::theFirstLineSaysHowMuchWasLetGo()

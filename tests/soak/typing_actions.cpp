@@ -1,4 +1,5 @@
 // Typing, deleting, undoing, and the clipboard.
+#include "platform/text/grapheme_boundaries.h"
 #include "soak/action.h"
 #include "soak/editing.h"
 
@@ -8,7 +9,6 @@
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QMimeData>
-#include <QTextBoundaryFinder>
 
 namespace kelm::soak {
 
@@ -61,9 +61,8 @@ void pressFor(TextView& view, const QString& character)
 QStringList charactersOf(const QString& text)
 {
     QStringList characters;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    for (qsizetype from = 0, to = finder.toNextBoundary(); to >= 0; from = to, to = finder.toNextBoundary()) {
-        characters.append(text.mid(from, to - from));
+    for (GraphemeWalk walk(text); !walk.isAtEnd();) {
+        characters.append(walk.next().toString());
     }
     return characters;
 }
@@ -152,14 +151,12 @@ void erase(World& world)
     const bool isBack = world.chance.oneIn(2);
     world.note(isBack ? u"backspace"_s : u"forward"_s);
     const Before before = beforeEdit(world);
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, before.shown);
     std::vector<TextRange> ranges;
     for (const TextRange range : before.ranges) {
-        finder.setPosition(range.location);
         const qsizetype next = !range.isEmpty() ? range.end()
-                               : isBack         ? finder.toPreviousBoundary()
-                                                : finder.toNextBoundary();
-        ranges.push_back(TextRange::between(range.location, next < 0 ? range.location : next));
+                               : isBack         ? previousGraphemeBoundary(before.shown, range.location)
+                                                : nextGraphemeBoundary(before.shown, range.location);
+        ranges.push_back(TextRange::between(range.location, next));
     }
     QTest::keyClick(&world.text(), isBack ? Qt::Key_Backspace : Qt::Key_Delete);
     expectErased(world, before, ranges);

@@ -3,6 +3,7 @@
 #include "app/state/notices.h"
 #include "app/state/text_file.h"
 #include "platform/files/file_url.h"
+#include "platform/text/grapheme_boundaries.h"
 #include "platform/text/shown_name.h"
 
 #include <algorithm>
@@ -32,10 +33,10 @@ QString shownName(const QUrl& url)
     if (last.size() <= longestName) {
         return shownName(QStringView(last));
     }
-    // No half of a pair.
-    const qsizetype head = longestName / 2 - (last[longestName / 2 - 1].isHighSurrogate() ? 1 : 0);
-    const qsizetype tail = longestName / 2 - (last[last.size() - longestName / 2].isLowSurrogate() ? 1 : 0);
-    return shownName(QStringView(last.first(head) + u'…' + last.last(tail)));
+    // No part of a character.
+    const qsizetype head = graphemeBoundaryAtOrBefore(last, longestName / 2);
+    const qsizetype tail = graphemeBoundaryAtOrBehind(last, last.size() - longestName / 2);
+    return shownName(QStringView(last.first(head) + u'…' + last.sliced(tail)));
 }
 
 void reportFailures(Notices& notices, const QList<FileFailure>& failures, const QString& done)

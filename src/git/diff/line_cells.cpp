@@ -1,5 +1,7 @@
 #include "git/diff/line_cells.h"
 
+#include "platform/text/grapheme_boundaries.h"
+
 #include <QtGlobal>
 
 #include <unicode/uchar.h>
@@ -95,11 +97,14 @@ LineRows::LineRows(QStringView line, qsizetype columns) : length_(line.size()), 
     /// Behind the last blank of the row, and the cell there.
     qsizetype wordStart = 0;
     qsizetype wordCell = 0;
-    forEachCharacter(line, [&](qsizetype at, qsizetype units, char32_t character) {
-        const bool isBlank = character == U' ' || character == U'\t';
+    for (GraphemeWalk walk(line); !walk.isAtEnd();) {
+        const qsizetype at = walk.place();
+        const QStringView character = walk.next();
+        const bool isTab = character.front() == u'\t';
+        const bool isBlank = isTab || character.front() == u' ';
         const auto fits = [&] {
             // A blank may stand over the edge, where nobody sees it; a tab takes what room there is.
-            return isBlank ? cell <= columns - (character == U'\t' ? 1 : 0) : cell + cellsOf(character) <= columns;
+            return isBlank ? cell <= columns - (isTab ? 1 : 0) : cell + cellCount(character) <= columns;
         };
         while (!fits() && at > starts_.back()) {
             const bool keepsWord =
@@ -107,12 +112,12 @@ LineRows::LineRows(QStringView line, qsizetype columns) : length_(line.size()), 
             starts_.push_back(static_cast<qint32>(keepsWord ? wordStart : at));
             cell = keepsWord ? cell - wordCell : 0;
         }
-        cell += cellsAt(character, cell);
+        cell += isTab ? cellsAt(U'\t', cell) : cellCount(character);
         if (isBlank) {
-            wordStart = at + units;
+            wordStart = walk.place();
             wordCell = cell;
         }
-    });
+    }
 }
 
 qsizetype LineRows::rowOf(qsizetype unit) const

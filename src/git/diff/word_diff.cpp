@@ -2,9 +2,9 @@
 
 #include "git/diff/common_subsequence.h"
 #include "platform/text/canonical_text.h"
+#include "platform/text/grapheme_boundaries.h"
 
 #include <QHash>
-#include <QTextBoundaryFinder>
 
 namespace kelm {
 
@@ -131,15 +131,9 @@ QStringList WordDiff::tokenize(const QString& text)
             inWord = isWord;
         }
     };
-    if (isPlain(text)) {
-        for (qsizetype at = 0; at < text.size(); ++at) {
-            take(at, QStringView(text).sliced(at, 1));
-        }
-    } else {
-        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-        for (qsizetype at = 0, next = finder.toNextBoundary(); next > at; at = next, next = finder.toNextBoundary()) {
-            take(at, QStringView(text).sliced(at, next - at));
-        }
+    for (GraphemeWalk walk(text); !walk.isAtEnd();) {
+        const qsizetype at = walk.place();
+        take(at, walk.next());
     }
     if (start < text.size()) {
         tokens.append(text.sliced(start));

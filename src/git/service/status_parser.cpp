@@ -1,6 +1,6 @@
 #include "git/service/status_parser.h"
 
-#include <QTextBoundaryFinder>
+#include "platform/text/grapheme_boundaries.h"
 
 #include <array>
 
@@ -11,15 +11,12 @@ namespace {
 /// Where the second, third and fourth character of a line begin; absent when it has fewer than four.
 std::optional<std::array<qsizetype, 3>> columnStarts(QStringView line)
 {
-    const auto isPlain = [](QChar unit) { return unit >= u' ' && unit < QChar(0x7F); };
-    if (line.size() >= 4 && std::all_of(line.begin(), line.begin() + 4, isPlain)) {
-        return std::array<qsizetype, 3>{1, 2, 3};
-    }
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line.data(), line.size());
+    GraphemeWalk walk(line);
     std::array<qsizetype, 3> starts{};
     for (qsizetype& start : starts) {
-        start = finder.toNextBoundary();
-        if (start < 0 || start >= line.size()) {
+        walk.next();
+        start = walk.place();
+        if (walk.isAtEnd()) {
             return std::nullopt;
         }
     }

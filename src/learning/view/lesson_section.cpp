@@ -1,5 +1,6 @@
 #include "learning/view/lesson_section.h"
 
+#include "platform/text/grapheme_boundaries.h"
 #include "platform/view/divider.h"
 
 #include <QVBoxLayout>
@@ -20,8 +21,8 @@ QString shownPart(const QString& text, qsizetype most)
     if (text.size() <= most) {
         return text;
     }
-    // No half of a pair.
-    return text.first(text[most - 1].isHighSurrogate() ? most - 1 : most) + u'…';
+    // No part of a character.
+    return text.first(graphemeBoundaryAtOrBefore(text, most)) + u'…';
 }
 
 LessonSection::LessonSection(Place place, const Tint& headingTint, QWidget* parent) : QWidget(parent)

@@ -2,6 +2,7 @@
 
 #include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
+#include "text/boundaries/text_boundaries.h"
 #include "text/storage/text_storage.h"
 
 #include <QThreadPool>
@@ -45,7 +46,8 @@ void FrontTrimmer::reset()
     letGo_ = 0;
 }
 
-/// The start of the line that holds the offset; the offset itself where that line begins far before it.
+/// The start of the line that holds the offset; the character that holds the offset where that line begins far before
+/// it.
 qsizetype FrontTrimmer::cutBefore(qsizetype offset) const
 {
     const TextTree& text = storage_.tree();
@@ -53,8 +55,9 @@ qsizetype FrontTrimmer::cutBefore(qsizetype offset) const
     if (line > offset - slack_) {
         return line;
     }
-    const bool isPair = text.at(offset).isLowSurrogate() && text.at(offset - 1).isHighSurrogate();
-    return isPair ? offset - 1 : offset;
+    // No part of a character, unless that is longer than all that may stay.
+    const qsizetype whole = graphemeBoundaryAtOrBefore(text, offset);
+    return whole > offset - slack_ ? whole : offset;
 }
 
 } // namespace kelm

@@ -3,6 +3,7 @@
 #include "platform/style/view/ink.h"
 #include "platform/style/view/style.h"
 #include "platform/style/view/tint.h"
+#include "platform/text/grapheme_boundaries.h"
 #include "platform/text/shown_name.h"
 #include "platform/view/plain_help.h"
 
@@ -18,8 +19,10 @@ constexpr int lineFontSize = 11;
 /// More than a sidebar ever shows of a line.
 constexpr qsizetype shownLength = 240;
 
-QString oneLine(QString text)
+/// The start of the line that was found, on one line.
+QString shownLine(const SearchResult& result)
 {
+    QString text = result.matchLine.first(graphemeBoundaryAtOrBefore(result.matchLine, shownLength));
     text.replace(u'\n', u' ').replace(u'\t', u' ');
     return text;
 }
@@ -56,11 +59,11 @@ QVariant ProjectSearchModel::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole:
         return shownName(result.fileName);
     case lineRole:
-        return oneLine(result.matchLine.left(shownLength));
+        return shownLine(result);
     case Qt::ToolTipRole:
         return plainHelp(shownName(result.fileURL.toLocalFile()));
     case Qt::AccessibleTextRole:
-        return QString(shownName(result.fileName) + QStringLiteral(", ") + oneLine(result.matchLine.left(shownLength)));
+        return QString(shownName(result.fileName) + QStringLiteral(", ") + shownLine(result));
     default:
         return {};
     }

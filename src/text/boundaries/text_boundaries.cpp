@@ -1,7 +1,8 @@
 #include "text/boundaries/text_boundaries.h"
 
+#include "platform/text/word_breaks.h"
+
 #include <QString>
-#include <QTextBoundaryFinder>
 
 #include <algorithm>
 
@@ -9,27 +10,34 @@ namespace kelm {
 
 namespace {
 
-/// How many units before and behind an offset are looked at. No cluster that people write comes near this length.
-constexpr qsizetype contextUnits = 128;
-
-/// Whether a cluster surely begins right before an ASCII unit: nothing in ASCII but the line feed continues one.
-bool startsClusterSurely(QStringView text, qsizetype offset)
+/// A tree as it lies.
+class TreeSource final : public UnitSource
 {
-    const char16_t unit = text[offset].unicode();
-    return unit < 0x80 && unit != u'\n' && (offset == 0 || text[offset - 1].unicode() < 0x80);
-}
+public:
+    explicit TreeSource(const TextTree& tree) : tree_(tree) {}
 
-/// A start for looking at clusters that is a boundary itself, where one is near.
-qsizetype contextStart(QStringView text, qsizetype offset)
-{
-    const qsizetype farthest = std::max<qsizetype>(0, offset - contextUnits);
-    for (qsizetype at = offset - 1; at > farthest; --at) {
-        if (startsClusterSurely(text, at)) {
-            return at;
-        }
+    qsizetype length() const override { return tree_.length(); }
+
+    Stretch stretchAt(qsizetype offset) const override
+    {
+        // Pieces before the one that holds the offset are passed over, so that it is not looked for from far away.
+        constexpr qsizetype reach = 1024;
+        struct Search
+        {
+            qsizetype offset;
+            Stretch found;
+        } search{offset, {std::max<qsizetype>(0, offset - reach), {}}};
+        tree_.forEachPiece({search.found.start, 2 * reach}, [&search](QStringView piece) {
+            search.found.start += search.found.units.size();
+            search.found.units = piece;
+            return search.offset >= search.found.start + piece.size();
+        });
+        return search.found;
     }
-    return farthest > 0 && text[farthest].isLowSurrogate() ? farthest - 1 : farthest;
-}
+
+private:
+    const TextTree& tree_;
+};
 
 enum class CharacterClass { space, word, sign };
 
@@ -44,156 +52,160 @@ CharacterClass classOf(char32_t character)
     return CharacterClass::sign;
 }
 
-bool isPair(QChar high, QChar low)
+/// The class of the character that begins at a place, which is that of what it begins with.
+CharacterClass classAt(QStringView text, qsizetype place)
 {
-    return high.isHighSurrogate() && low.isLowSurrogate();
+    const QChar unit = text[place];
+    const bool isPair = unit.isHighSurrogate() && place + 1 < text.size() && text[place + 1].isLowSurrogate();
+    return classOf(isPair ? QChar::surrogateToUcs4(unit, text[place + 1]) : unit.unicode());
 }
 
-/// The character that ends right before `offset`, which is greater than 0.
-char32_t characterBefore(QStringView text, qsizetype offset)
+/// The end of the run of one class from a place on, no more than a character behind `limit`.
+qsizetype skipForward(QStringView text, qsizetype place, CharacterClass wanted, qsizetype limit)
 {
-    const bool pair = offset > 1 && isPair(text[offset - 2], text[offset - 1]);
-    return pair ? QChar::surrogateToUcs4(text[offset - 2], text[offset - 1]) : text[offset - 1].unicode();
-}
-
-char32_t characterAt(QStringView text, qsizetype offset)
-{
-    const bool pair = offset + 1 < text.size() && isPair(text[offset], text[offset + 1]);
-    return pair ? QChar::surrogateToUcs4(text[offset], text[offset + 1]) : text[offset].unicode();
-}
-
-qsizetype unitsOf(char32_t character)
-{
-    return QChar::requiresSurrogates(character) ? 2 : 1;
-}
-
-qsizetype skipForward(QStringView text, qsizetype offset, CharacterClass wanted)
-{
-    while (offset < text.size()) {
-        const char32_t character = characterAt(text, offset);
-        if (classOf(character) != wanted) {
-            break;
+    GraphemeWalk walk(text.sliced(place));
+    while (place + walk.place() < limit && !walk.isAtEnd()) {
+        const qsizetype at = place + walk.place();
+        if (classAt(text, at) != wanted) {
+            return at;
         }
-        offset += unitsOf(character);
+        walk.next();
     }
-    return offset;
+    return place + walk.place();
 }
 
-qsizetype skipBackward(QStringView text, qsizetype offset, CharacterClass wanted)
+/// The start of the run of one class before a place, no more than a character before `limit`.
+qsizetype skipBackward(QStringView text, qsizetype place, CharacterClass wanted, qsizetype limit)
 {
-    while (offset > 0) {
-        const char32_t character = characterBefore(text, offset);
-        if (classOf(character) != wanted) {
-            break;
+    // Forwards through stretches that grow, which is quicker than backwards from one to the next.
+    for (qsizetype stretch = 16; place > limit && place > 0; stretch = std::min<qsizetype>(2 * stretch, 1024)) {
+        const qsizetype first = graphemeBoundaryAtOrBefore(text, std::max(limit, place - stretch));
+        qsizetype start = first;
+        for (GraphemeWalk walk(text.sliced(first, place - first)); !walk.isAtEnd();) {
+            const CharacterClass found = classAt(text, first + walk.place());
+            walk.next();
+            start = found == wanted ? start : first + walk.place();
         }
-        offset -= unitsOf(character);
+        if (start > first) {
+            return start;
+        }
+        place = first;
     }
-    return offset;
+    return place;
 }
 
-} // namespace
+/// How much of a run the dictionaries are given on both sides of a place.
+constexpr qsizetype dictionaryReach = 256;
 
-qsizetype nextGraphemeBoundary(QStringView text, qsizetype offset)
+/// The words of a run around a place in it, as far as the dictionaries look.
+struct WordsAround
 {
-    if (offset + 1 >= text.size()) {
-        return text.size();
-    }
-    // Two plain ASCII units in a row have a boundary between them.
-    if (text[offset].unicode() < 0x80 && startsClusterSurely(text, offset + 1)) {
-        return offset + 1;
-    }
-    const qsizetype start = contextStart(text, offset + 1);
-    const QStringView context = text.mid(start, offset - start + contextUnits);
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, context.data(), context.size());
-    finder.setPosition(offset - start);
-    const qsizetype next = finder.toNextBoundary();
-    return next < 0 ? text.size() : start + next;
-}
+    TextRange seen;
+    std::vector<qsizetype> breaks;
 
-qsizetype previousGraphemeBoundary(QStringView text, qsizetype offset)
+    WordsAround(QStringView text, qsizetype place)
+        : seen(TextRange::between(
+              skipBackward(text, place, CharacterClass::word, place - dictionaryReach),
+              skipForward(text, place, CharacterClass::word, std::min(text.size(), place + dictionaryReach)))),
+          breaks(wordBreaks(text.sliced(seen.location, seen.length)))
+    {
+        for (qsizetype& at : breaks) {
+            at += seen.location;
+        }
+    }
+};
+
+/// Where what stands at a place ends: behind its run, or where the dictionaries end a word.
+qsizetype wordEnd(QStringView text, qsizetype place)
 {
-    if (offset <= 1) {
-        return 0;
+    const CharacterClass wanted = classAt(text, place);
+    if (wanted != CharacterClass::word) {
+        return skipForward(text, place, wanted, text.size());
     }
-    if (startsClusterSurely(text, offset - 1) && text[offset - 1].unicode() < 0x80) {
-        return offset - 1;
+    for (qsizetype from = place + 1;; from = place) {
+        const WordsAround words(text, place);
+        const auto behind = std::lower_bound(words.breaks.begin(), words.breaks.end(), from);
+        if (behind != words.breaks.end()) {
+            return *behind;
+        }
+        if (words.seen.end() < place + dictionaryReach || words.seen.end() == text.size()) {
+            return words.seen.end();
+        }
+        place = words.seen.end();
     }
-    const qsizetype start = contextStart(text, offset - 1);
-    const QStringView context = text.mid(start, offset - start);
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, context.data(), context.size());
-    finder.toEnd();
-    const qsizetype previous = finder.toPreviousBoundary();
-    return previous < 0 ? start : start + previous;
 }
 
-qsizetype graphemeBoundaryAtOrBefore(QStringView text, qsizetype offset)
+/// Where what stands before a place begins.
+qsizetype wordStart(QStringView text, qsizetype place)
 {
-    if (offset <= 0 || offset >= text.size()) {
-        return std::clamp<qsizetype>(offset, 0, text.size());
+    const CharacterClass wanted = classAt(text, previousGraphemeBoundary(text, place));
+    if (wanted != CharacterClass::word) {
+        return skipBackward(text, place, wanted, 0);
     }
-    if (startsClusterSurely(text, offset)) {
-        return offset;
+    for (qsizetype from = place - 1;; from = place) {
+        const WordsAround words(text, place);
+        const auto behind = std::upper_bound(words.breaks.begin(), words.breaks.end(), from);
+        if (behind != words.breaks.begin()) {
+            return *std::prev(behind);
+        }
+        if (words.seen.location > place - dictionaryReach || words.seen.location == 0) {
+            return words.seen.location;
+        }
+        place = words.seen.location;
     }
-    const qsizetype start = contextStart(text, offset);
-    const QStringView context = text.mid(start, offset - start + contextUnits);
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, context.data(), context.size());
-    finder.setPosition(offset - start);
-    return finder.isAtBoundary() ? offset : start + std::max<qsizetype>(0, finder.toPreviousBoundary());
 }
 
-qsizetype graphemeCount(QStringView text)
-{
-    const auto isPlain = [](QChar unit) { return unit.unicode() < 0x80 && unit != u'\r'; };
-    if (std::all_of(text.begin(), text.end(), isPlain)) {
-        return text.size();
-    }
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), text.size());
-    qsizetype count = 0;
-    while (finder.toNextBoundary() > 0) {
-        ++count;
-    }
-    return count;
-}
-
-qsizetype nextWordEnd(QStringView text, qsizetype offset)
-{
-    offset = skipForward(text, offset, CharacterClass::space);
-    return offset < text.size() ? skipForward(text, offset, classOf(characterAt(text, offset))) : offset;
-}
-
-qsizetype previousWordStart(QStringView text, qsizetype offset)
-{
-    offset = skipBackward(text, offset, CharacterClass::space);
-    return offset > 0 ? skipBackward(text, offset, classOf(characterBefore(text, offset))) : offset;
-}
-
-TextRange wordAt(QStringView text, qsizetype offset)
+/// The line that holds an offset, without what ends it.
+TextRange lineAround(QStringView text, qsizetype offset)
 {
     const auto endsLine = [](QChar unit) {
         return unit == u'\n' || unit == u'\r' || unit == QChar(0x85) || unit == QChar(0x2028) || unit == QChar(0x2029);
     };
-    qsizetype lineStart = std::min(offset, text.size());
-    while (lineStart > 0 && !endsLine(text[lineStart - 1])) {
-        --lineStart;
+    qsizetype start = offset;
+    while (start > 0 && !endsLine(text[start - 1])) {
+        --start;
     }
-    qsizetype lineEnd = std::min(offset, text.size());
-    while (lineEnd < text.size() && !endsLine(text[lineEnd])) {
-        ++lineEnd;
+    qsizetype end = offset;
+    while (end < text.size() && !endsLine(text[end])) {
+        ++end;
     }
-    const QStringView line = text.mid(lineStart, lineEnd - lineStart);
-    const qsizetype at = std::min(offset, text.size()) - lineStart;
+    return TextRange::between(start, end);
+}
+
+} // namespace
+
+qsizetype nextWordEnd(QStringView text, qsizetype offset)
+{
+    const qsizetype start = graphemeBoundaryAtOrBefore(text, offset);
+    const qsizetype word = skipForward(text, start, CharacterClass::space, text.size());
+    return word < text.size() ? wordEnd(text, word) : word;
+}
+
+qsizetype previousWordStart(QStringView text, qsizetype offset)
+{
+    const qsizetype end = graphemeBoundaryAtOrBehind(text, offset);
+    const qsizetype word = skipBackward(text, end, CharacterClass::space, 0);
+    return word > 0 ? wordStart(text, word) : word;
+}
+
+TextRange wordAt(QStringView text, qsizetype offset)
+{
+    const qsizetype at = graphemeBoundaryAtOrBefore(text, offset);
+    const TextRange range = lineAround(text, at);
+    const QStringView line = text.sliced(range.location, range.length);
     if (line.isEmpty()) {
-        return {lineStart, 0};
+        return range;
     }
     // At the line's end the word before it is meant.
-    const CharacterClass wanted = classOf(at < line.size() ? characterAt(line, at) : characterBefore(line, at));
-    const qsizetype start = skipBackward(line, at, wanted);
-    return {lineStart + start, skipForward(line, at, wanted) - start};
+    const qsizetype inLine = at - range.location;
+    const qsizetype place = inLine < line.size() ? inLine : previousGraphemeBoundary(line, inLine);
+    const qsizetype start = wordStart(line, nextGraphemeBoundary(line, place));
+    return TextRange::between(range.location + start, range.location + wordEnd(line, place));
 }
 
 namespace {
 
-/// The units of a tree around an offset.
+/// The characters of a tree around an offset.
 struct Surroundings
 {
     QString units;
@@ -203,27 +215,24 @@ struct Surroundings
     Surroundings(const TextTree& text, qsizetype offset, qsizetype reach) : length(text.length())
     {
         const qsizetype at = std::clamp<qsizetype>(offset, 0, length);
-        start = std::max<qsizetype>(0, at - reach);
-        units = text.substring(TextRange::between(start, std::min(length, at + reach)));
+        start = graphemeBoundaryAtOrBefore(text, at - reach);
+        units = text.substring(TextRange::between(start, nextGraphemeBoundary(text, std::min(length, at + reach))));
     }
 
-    /// Whether a place found here may be another one when more of the text is seen: one at an end that is not the
-    /// text's, where a pair of surrogates can be cut.
+    /// Whether a place found here may be another one when more of the text is seen: one near an end that is not the
+    /// text's.
     bool isDoubtful(qsizetype found) const
     {
-        constexpr qsizetype pair = 2;
-        return (start > 0 && found < pair) || (start + units.size() < length && found > units.size() - pair);
+        constexpr qsizetype seen = 2 * dictionaryReach;
+        return (start > 0 && found < seen) || (start + units.size() < length && found > units.size() - seen);
     }
 };
-
-/// More than what is looked at for a boundary between characters, on both sides.
-constexpr qsizetype graphemeReach = contextUnits + 32;
 
 /// The answer of `ask` for an offset within its surroundings, which are widened until it can be trusted.
 template <typename Ask, typename IsDoubtful>
 auto askWidening(const TextTree& text, qsizetype offset, Ask ask, IsDoubtful isDoubtful)
 {
-    for (qsizetype reach = 256;; reach *= 4) {
+    for (qsizetype reach = 4 * dictionaryReach;; reach *= 4) {
         const Surroundings around(text, offset, reach);
         const auto found = ask(around);
         if (!isDoubtful(around, found)) {
@@ -244,21 +253,17 @@ qsizetype placeWidening(const TextTree& text, qsizetype offset, qsizetype (*ask)
 
 qsizetype nextGraphemeBoundary(const TextTree& text, qsizetype offset)
 {
-    const Surroundings around(text, offset, graphemeReach);
-    return around.start + nextGraphemeBoundary(around.units, offset - around.start);
+    return nextGraphemeBoundary(TreeSource(text), offset);
 }
 
 qsizetype previousGraphemeBoundary(const TextTree& text, qsizetype offset)
 {
-    const Surroundings around(text, offset, graphemeReach);
-    return around.start + previousGraphemeBoundary(around.units, offset - around.start);
+    return previousGraphemeBoundary(TreeSource(text), offset);
 }
 
 qsizetype graphemeBoundaryAtOrBefore(const TextTree& text, qsizetype offset)
 {
-    const qsizetype at = std::clamp<qsizetype>(offset, 0, text.length());
-    const Surroundings around(text, at, graphemeReach);
-    return around.start + graphemeBoundaryAtOrBefore(around.units, at - around.start);
+    return graphemeBoundaryAtOrBefore(TreeSource(text), offset);
 }
 
 qsizetype nextWordEnd(const TextTree& text, qsizetype offset)

@@ -6,6 +6,25 @@
 
 namespace kelm {
 
+namespace {
+
+/// The first place of a row that lies between characters: a line may be wrapped within one.
+CaretPlace startOfRow(const TextTree& text, const TextRow& row)
+{
+    const qsizetype start = graphemeBoundaryAtOrBefore(text, row.range.location);
+    const bool isInside = start < row.range.location;
+    return {isInside ? std::min(nextGraphemeBoundary(text, start), row.range.end()) : start, false};
+}
+
+/// The last one.
+CaretPlace endOfRow(const TextTree& text, const TextRow& row)
+{
+    const qsizetype end = graphemeBoundaryAtOrBefore(text, row.range.end());
+    return {std::max(end, row.range.location), !row.isLastOfLine && end == row.range.end()};
+}
+
+} // namespace
+
 void TextEditor::move(Movement movement, Extend extend)
 {
     SelectionSet next = selections_;
@@ -81,11 +100,9 @@ CaretPlace TextEditor::target(const Selection& selection, Movement movement, std
     case Movement::pageDown:
         return byRows(selection, pageRows_, goalX);
     case Movement::rowStart:
-        return {layout_.rowOf(selection.head).range.location, false};
-    case Movement::rowEnd: {
-        const TextRow row = layout_.rowOf(selection.head);
-        return {row.range.end(), !row.isLastOfLine};
-    }
+        return startOfRow(text, layout_.rowOf(selection.head));
+    case Movement::rowEnd:
+        return endOfRow(text, layout_.rowOf(selection.head));
     case Movement::lineStart:
         return {lines.start(lines.lineAt(offset)), false};
     case Movement::lineEnd: {

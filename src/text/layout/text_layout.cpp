@@ -1,5 +1,7 @@
 #include "text/layout/text_layout.h"
 
+#include "text/boundaries/text_boundaries.h"
+
 #include <QFontMetricsF>
 
 #include <algorithm>
@@ -10,6 +12,24 @@ namespace kelm {
 namespace {
 
 constexpr int columnsPerTab = 4;
+
+/// The boundary between characters that is nearest to an x: the toolkit's own places lie within some characters.
+qsizetype wholeCharacterAt(TextLayout& layout, const TextRow& row, qsizetype offset, qreal x)
+{
+    const TextTree& text = layout.storage().tree();
+    const qsizetype start = graphemeBoundaryAtOrBefore(text, offset);
+    if (start == offset) {
+        return offset;
+    }
+    const qsizetype end = nextGraphemeBoundary(text, start);
+    if (start < row.range.location) {
+        return std::min(end, row.range.end());
+    }
+    if (end > row.range.end()) {
+        return start;
+    }
+    return std::abs(layout.xInRow(row, end) - x) < std::abs(layout.xInRow(row, start) - x) ? end : start;
+}
 
 } // namespace
 
@@ -162,7 +182,7 @@ std::vector<XSpan> TextLayout::spansInRow(const TextRow& row, TextRange range)
 CaretPlace TextLayout::placeInRow(const TextRow& row, qreal x)
 {
     const auto [piece, number] = pieceOf(row);
-    const qsizetype offset = piece.range.location + piece.layout->offsetAt(x, number);
+    const qsizetype offset = wholeCharacterAt(*this, row, piece.range.location + piece.layout->offsetAt(x, number), x);
     return {offset, !row.isLastOfLine && offset == row.range.end()};
 }
 

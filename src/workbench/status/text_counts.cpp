@@ -33,10 +33,10 @@ std::optional<TextCounts> countText(const TextTree& text, const std::atomic<bool
         if (stop) {
             return {};
         }
-        // A stretch ends between two characters; one that is longer than it goes with the next.
+        // A stretch ends between two characters, and holds one that is longer.
         const qsizetype wanted = std::min(start + stretch, text.length());
         const qsizetype boundary = graphemeBoundaryAtOrBefore(text, wanted);
-        const qsizetype end = boundary > start ? boundary : wanted;
+        const qsizetype end = boundary > start ? boundary : nextGraphemeBoundary(text, start);
         const QString units = text.substring(TextRange::between(start, end));
         counts.characters += graphemeCount(units);
         counts.words += wordsIn(units, isInWord);

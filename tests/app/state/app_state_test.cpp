@@ -348,6 +348,10 @@ void AppStateTest::whatCannotBeOpenedIsLogged_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("notice");
     QTest::newRow("missing") << u"none.txt"_s << u"none.txt could not be opened: it is not there."_s;
+    QTest::newRow("a long name, cut between characters")
+        << u"👩‍👩‍👧"_s.repeated(12)
+        << u"👩‍👩‍👧"_s.repeated(3) + u'…' + u"👩‍👩‍👧"_s.repeated(3) +
+               u" could not be opened: it is not there."_s;
     QTest::newRow("not UTF-8") << u"latin1.txt"_s << u"latin1.txt could not be opened: it is no text in UTF-8."_s;
     QTest::newRow("folder") << u"sub"_s << u"sub could not be opened: it is a folder."_s;
     QTest::newRow("pipe") << u"pipe"_s << u"pipe could not be opened: it is no ordinary file."_s;

@@ -201,6 +201,8 @@ void CompletionRankingTest::scores_data()
     QTest::newRow("far longer") << QString(40, u'a') << u"a"_s << 100;
     QTest::newRow("far longer and no prefix") << QString(40, u'a') << u"b"_s << 0;
     QTest::newRow("shorter than the prefix") << u"a"_s << u"ab"_s << 19;
+    QTest::newRow("characters of several letters") << u"क्षत्र"_s << u"क्ष"_s << 119;
+    QTest::newRow("flags behind a pictograph") << u"😀🇰🇷"_s << u"😀"_s << 119;
     QTest::newRow("characters are counted, not units") << u"e\u0301a"_s << u"e\u0301"_s << 119;
 }
 

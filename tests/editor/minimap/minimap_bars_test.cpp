@@ -21,6 +21,8 @@ private Q_SLOTS:
     void aClickMeansTheLineUnderIt();
     void theBoxLiesOverWhatIsOnScreen();
     void barsAreAsLongAsTheirLines();
+    void barsCountCharacters_data();
+    void barsCountCharacters();
     void linesEndAtLineFeedsAlone();
     void aMapWithoutRoomHasNoBars();
     void ofManyLinesInOnePixelTheLastAreGiven();
@@ -140,6 +142,29 @@ void MinimapBarsTest::barsAreAsLongAsTheirLines()
     QCOMPARE(bars[1].width, 2 * 1.2);
     QCOMPARE(bars[1].y, 11.0);
     QCOMPARE(bars[2].width, 76.0);
+}
+
+void MinimapBarsTest::barsCountCharacters_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("characters");
+    QTest::newRow("Hindi") << QStringLiteral("क्षत्रिय") << 3;
+    QTest::newRow("Thai") << QStringLiteral("กำลัง x") << 5;
+    QTest::newRow("flags behind a pictograph") << QStringLiteral("😀") + QStringLiteral("🇰🇷").repeated(40) << 41;
+    QTest::newRow("syllables of letters") << QStringLiteral("\u1112\u1161\u11ab").repeated(20) << 20;
+    QTest::newRow("a mark behind letters") << QStringLiteral("abe\u0301") << 3;
+}
+
+void MinimapBarsTest::barsCountCharacters()
+{
+    QFETCH(QString, line);
+    QFETCH(int, characters);
+    TextStorage storage;
+    storage.setText(line + u'\n');
+    const MinimapGeometry geometry{80, 400, minimapLineCount(storage)};
+    const std::vector<MinimapBar> bars = minimapBars(storage, geometry, EditorTheme::monokai(), 1);
+    QCOMPARE(bars.size(), std::size_t(1));
+    QCOMPARE(bars[0].width, std::min(76.0, characters * 1.2));
 }
 
 void MinimapBarsTest::linesEndAtLineFeedsAlone()

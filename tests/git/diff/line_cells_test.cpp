@@ -1,4 +1,5 @@
 #include "git/diff/line_cells.h"
+#include "platform/text/grapheme_boundaries.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -69,6 +70,12 @@ void LineCellsTest::linesAreCutIntoRows_data()
     QTest::newRow("mark stays with its letter") << u"abce\u0301x"_s << 4 << QStringList{u"abce\u0301"_s, u"x"_s};
     QTest::newRow("tab at the edge") << u"abc\tx"_s << 4 << QStringList{u"abc\t"_s, u"x"_s};
     QTest::newRow("tab behind a full row") << u"abcd\tx"_s << 4 << QStringList{u"abcd"_s, u"\t"_s, u"x"_s};
+    QTest::newRow("a family is one") << u"ab👩‍👩‍👧c"_s << 6
+                                     << QStringList{u"ab"_s, u"👩‍👩‍👧"_s, u"c"_s};
+    QTest::newRow("a family in a narrow row")
+        << u"a👩‍👩‍👧b"_s << 3 << QStringList{u"a"_s, u"👩‍👩‍👧"_s, u"b"_s};
+    QTest::newRow("two consonants in one") << u"abcक्षd"_s << 4 << QStringList{u"abc"_s, u"क्षd"_s};
+    QTest::newRow("flags") << u"🇰🇷🇺🇸x"_s << 3 << QStringList{u"🇰🇷"_s, u"🇺🇸x"_s};
     QTest::newRow("pair of surrogates") << u"a\U0001F600b"_s << 2 << QStringList{u"a"_s, u"\U0001F600"_s, u"b"_s};
 }
 
@@ -88,7 +95,7 @@ void LineCellsTest::linesAreCutIntoRows()
 void LineCellsTest::rowsHoldTheWholeLine()
 {
     std::mt19937 random(7);
-    const QString alphabet = u"ab \t가e\u0301\r\U0001F600"_s;
+    const QString alphabet = u"ab \t가e\u0301\r\U0001F600\u200d"_s;
     for (int round = 0; round < 400; ++round) {
         QString line;
         const auto below = [&](int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(random); };
@@ -103,6 +110,7 @@ void LineCellsTest::rowsHoldTheWholeLine()
             const qsizetype start = rows.start(row);
             const qsizetype end = rows.end(row);
             QVERIFY(end > start || line.isEmpty());
+            QCOMPARE(graphemeBoundaryAtOrBefore(line, start), start);
             for (qsizetype unit = start; unit < end; ++unit) {
                 QCOMPARE(rows.rowOf(unit), row);
             }

@@ -126,6 +126,10 @@ void WordDiffTest::tokensAreRunsOfTwoClasses_data()
     row("letters beyond the first plane", u"a\U0001D400b"_s, {u"a\U0001D400b"_s});
     row("emoji", u"a👍🏽b"_s, {u"a"_s, u"👍🏽"_s, u"b"_s});
     row("family emoji is one character", u"👨‍👩‍👧x"_s, {u"👨‍👩‍👧"_s, u"x"_s});
+    row("Hindi", u"क्षत्रिय, हिन्दी"_s, {u"क्षत्रिय"_s, u", "_s, u"हिन्दी"_s});
+    row("Thai", u"กำลัง(ไทย)"_s, {u"กำลัง"_s, u"("_s, u"ไทย"_s, u")"_s});
+    row("a flag behind a pictograph", u"a😀🇰🇷b"_s, {u"a"_s, u"😀🇰🇷"_s, u"b"_s});
+    row("a sign with a letter's mark", u"a+\u0903b"_s, {u"a"_s, u"+\u0903"_s, u"b"_s});
     row("CR LF", u"a\r\nb"_s, {u"a"_s, u"\r\n"_s, u"b"_s});
     row("CR at the end", u"a;\r"_s, {u"a"_s, u";\r"_s});
     row("unpaired surrogate", u"a"_s + QChar(0xD800) + u"b"_s, {u"a"_s, QString(QChar(0xD800)), u"b"_s});

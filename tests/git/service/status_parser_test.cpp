@@ -79,6 +79,7 @@ void StatusParserTest::pathIsWhatFollowsTheColumns_data()
     QTest::newRow("Korean") << u" M 한글.txt"_s << u"한글.txt"_s;
     QTest::newRow("one Korean letter") << u" M 한"_s << u"한"_s;
     QTest::newRow("emoji") << u" M 👍🏽"_s << u"👍🏽"_s;
+    QTest::newRow("columns of several units") << u"Mक्षกำab"_s << u"ab"_s;
     QTest::newRow("third column is not looked at") << u" MXa"_s << u"a"_s;
     QTest::newRow("mark on the third column belongs to it") << u" M \u0301a"_s << u"a"_s;
     QTest::newRow("unpaired surrogate") << u" M "_s + QChar(0xD800) << QString(QChar(0xD800));
@@ -104,6 +105,7 @@ void StatusParserTest::shortLinesAreSkipped_data()
     QTest::newRow("one character") << u"M"_s;
     QTest::newRow("columns alone") << u" M "_s;
     QTest::newRow("three characters of four units") << u" M\u0301 "_s;
+    QTest::newRow("three characters of seven units") << u"Mक्षกำ"_s;
     QTest::newRow("three characters, one of two units") << u" \U0001F600 "_s;
 }
 

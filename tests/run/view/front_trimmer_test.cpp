@@ -19,6 +19,7 @@ private Q_SLOTS:
     void whatIsKeptBeginsWithALine();
     void aLineWithoutEndKeepsItsEnd();
     void aPairIsNotCut();
+    void aCharacterIsNotCut();
     void whoEditsTheFirstLineLosesNothing();
     void noEditReachesWhatIsKept();
 };
@@ -82,6 +83,21 @@ void FrontTrimmerTest::aPairIsNotCut()
     storage.setText(u"😀"_s.repeated(1000));
     trimmer.trim();
     QCOMPARE(storage.text(), letGoText(1898) + u' ' + u"😀"_s.repeated(51));
+}
+
+void FrontTrimmerTest::aCharacterIsNotCut()
+{
+    TextStorage storage;
+    FrontTrimmer trimmer(storage, 101, 50);
+    storage.setText(u"🇰🇷"_s.repeated(500));
+    trimmer.trim();
+    QCOMPARE(storage.text(), letGoText(1896) + u' ' + u"🇰🇷"_s.repeated(26));
+
+    // One that is longer than what may stay over goes with the rest.
+    trimmer.reset();
+    storage.setText(u'e' + u"\u0301"_s.repeated(2000));
+    trimmer.trim();
+    QCOMPARE(storage.text(), letGoText(1900) + u' ' + u"\u0301"_s.repeated(101));
 }
 
 void FrontTrimmerTest::whoEditsTheFirstLineLosesNothing()

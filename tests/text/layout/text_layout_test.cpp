@@ -1,4 +1,5 @@
 #include "support/random_text.h"
+#include "support/script_texts.h"
 #include "support/test_program.h"
 #include "text/layout/text_layout.h"
 #include "text/storage/line_terminator.h"
@@ -127,6 +128,9 @@ private Q_SLOTS:
     void rowsInARectangleAreThoseThatMeetIt();
     void everyOffsetIsFoundAgainAtItsCaret_data();
     void everyOffsetIsFoundAgainAtItsCaret();
+    void everyPointIsAPlaceBetweenCharacters_data();
+    void everyPointIsAPlaceBetweenCharacters();
+    void aPointMeansTheNearerEndOfItsCharacter();
     void pointsOutsideThePageMeanItsEnds();
     void theBorderOfTwoRowsIsTwoPlaces();
     void neighboursWalkOverAllRows_data();
@@ -255,6 +259,48 @@ void TextLayoutTest::everyOffsetIsFoundAgainAtItsCaret()
         QCOMPARE(page.layout.placeAt(box.center()), (CaretPlace{offset, false}));
         QCOMPARE(page.layout.rowOf({offset, false}).top, box.top());
     }
+}
+
+void TextLayoutTest::everyPointIsAPlaceBetweenCharacters_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Hindi") << QStringLiteral("क्षत्रिय हिन्दी में लिखते हैं");
+    QTest::newRow("Hindi without blanks") << QStringLiteral("क्षत्रि").repeated(20);
+    QTest::newRow("Thai") << QStringLiteral("กำลังเขียนภาษาไทยที่นี่");
+    QTest::newRow("emoji and flags")
+        << QStringLiteral("😀🇰🇷👩‍👩‍👧👍🏽❤️🇺🇸").repeated(4);
+    QTest::newRow("letters of syllables") << QStringLiteral("\u1112\u1161\u11ab\u1100\u1173\u11af").repeated(10);
+    QTest::newRow("a mixture") << test::RandomScripts().text(60);
+}
+
+void TextLayoutTest::everyPointIsAPlaceBetweenCharacters()
+{
+    QFETCH(QString, text);
+    Page page(text, 12);
+    const QList<qsizetype> boundaries = test::characterBoundaries(text);
+    for (const TextRow& row : page.allRows()) {
+        qsizetype last = -1;
+        for (qreal x = -2; x < 12 * page.layout.advance() + 4; x += 1.5) {
+            const qsizetype offset = page.layout.placeInRow(row, x).offset;
+            QVERIFY(std::binary_search(boundaries.begin(), boundaries.end(), offset) || offset == row.range.end());
+            last = offset;
+        }
+        QVERIFY(last >= row.range.location);
+    }
+}
+
+void TextLayoutTest::aPointMeansTheNearerEndOfItsCharacter()
+{
+    // Within a character of several letters the toolkit has places of its own.
+    Page page(QStringLiteral("xक्षy"));
+    const TextRow row = page.allRows().front();
+    const qreal left = page.layout.xInRow(row, 1);
+    const qreal right = page.layout.xInRow(row, 4);
+    QVERIFY(right > left + 4);
+    QCOMPARE(page.layout.placeInRow(row, left + 1).offset, qsizetype(1));
+    QCOMPARE(page.layout.placeInRow(row, left + 0.45 * (right - left)).offset, qsizetype(1));
+    QCOMPARE(page.layout.placeInRow(row, left + 0.55 * (right - left)).offset, qsizetype(4));
+    QCOMPARE(page.layout.placeInRow(row, right - 1).offset, qsizetype(4));
 }
 
 void TextLayoutTest::pointsOutsideThePageMeanItsEnds()

@@ -186,6 +186,10 @@ void TextViewAccessibleTest::unitsAreReadAtOffsets_data()
     row("a character", "abc", 1, character, "b", 1);
     row("an emoji from its middle", "a👩‍👩‍👧b", 4, character, "👩‍👩‍👧", 1);
     row("a CRLF from its middle", "a\r\nb", 2, character, "\r\n", 1);
+    row("two consonants from their middle", "aक्षb", 2, character, "क्ष", 1);
+    row("a flag behind a pictograph", "😀🇰🇷", 4, character, "🇰🇷", 2);
+    row("a Thai word", "ภาษาไทย", 5, word, "ไทย", 4);
+    row("a sign with its mark", "a=\u0338b", 2, word, "=\u0338", 1);
     row("no character at the end", "ab", 2, character, "", 2);
     row("a word", "foo bar_1 baz", 6, word, "bar_1", 4);
     row("blanks", "foo   bar", 4, word, "   ", 3);

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void counts_data();
     void counts();
     void aLongTextIsCountedInStretchesAndCanBeStopped();
+    void charactersAreThoseAPersonSees_data();
+    void charactersAreThoseAPersonSees();
 };
 
 void TextCountsTest::counts_data()
@@ -54,6 +56,28 @@ void TextCountsTest::aLongTextIsCountedInStretchesAndCanBeStopped()
     QCOMPARE(counts->characters, 60'000 * graphemeCount(unit));
     QCOMPARE(counts->words, 60'000 * 2);
     QVERIFY(!countText(text, true));
+}
+
+void TextCountsTest::charactersAreThoseAPersonSees_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("characters");
+    QTest::newRow("nothing") << QString() << qsizetype(0);
+    QTest::newRow("CR LF") << u"a\r\nb"_s << qsizetype(3);
+    QTest::newRow("Hindi") << u"क्षत्रिय"_s << qsizetype(3);
+    QTest::newRow("Thai") << u"กำลัง"_s << qsizetype(3);
+    QTest::newRow("Khmer") << u"ខ្មែរ"_s << qsizetype(3);
+    QTest::newRow("a flag behind a pictograph") << u"😀🇰🇷"_s << qsizetype(2);
+    QTest::newRow("many flags") << u"🇰🇷"_s.repeated(70'000) << qsizetype(70'000);
+    QTest::newRow("a character longer than a stretch")
+        << u"xe"_s + u"\u0301"_s.repeated(600'000) + u"y"_s << qsizetype(3);
+}
+
+void TextCountsTest::charactersAreThoseAPersonSees()
+{
+    QFETCH(QString, text);
+    QFETCH(qsizetype, characters);
+    QCOMPARE(countText(TextTree(text), false)->characters, characters);
 }
 
 const kelm::test::Registered<TextCountsTest> registered;

@@ -1,9 +1,12 @@
 #include "git/viewer/view/diff_row_texts.h"
 
+#include "platform/text/grapheme_boundaries.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace kelm {
 
@@ -14,7 +17,7 @@ constexpr std::size_t mostKept = 2000;
 
 } // namespace
 
-DiffRowText::DiffRowText(QStringView row, const QFont& font, qreal width) : drawn_(drawnText(row))
+DiffRowText::DiffRowText(QStringView row, const QFont& font, qreal width) : row_(row.toString()), drawn_(drawnText(row))
 {
     layout_.setText(drawn_.text);
     layout_.setFont(font);
@@ -40,7 +43,13 @@ qreal DiffRowText::xOf(qsizetype unit) const
 
 qsizetype DiffRowText::unitAt(qreal x) const
 {
-    return layout_.lineCount() == 0 ? 0 : drawn_.unitAt(layout_.lineAt(0).xToCursor(x / scale_));
+    if (layout_.lineCount() == 0) {
+        return 0;
+    }
+    const qsizetype unit = drawn_.unitAt(layout_.lineAt(0).xToCursor(x / scale_));
+    const qsizetype start = graphemeBoundaryAtOrBefore(row_, unit);
+    const qsizetype end = graphemeBoundaryAtOrBehind(row_, unit);
+    return std::abs(xOf(end) - x) < std::abs(xOf(start) - x) ? end : start;
 }
 
 void DiffRowText::draw(QPainter& painter, const QPointF& baseline) const

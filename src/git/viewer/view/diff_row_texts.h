@@ -20,12 +20,13 @@ public:
 
     qreal width() const { return xOf(qsizetype(drawn_.places.size()) - 1); }
     qreal xOf(qsizetype unit) const;
-    /// The offset that is nearest to `x`.
+    /// The offset between two characters that is nearest to `x`.
     qsizetype unitAt(qreal x) const;
     /// Draws it with the painter's pen, `baseline` being the left end of its base line.
     void draw(QPainter& painter, const QPointF& baseline) const;
 
 private:
+    QString row_;
     DrawnText drawn_;
     QTextLayout layout_;
     qreal scale_ = 1;

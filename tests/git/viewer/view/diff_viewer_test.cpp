@@ -68,6 +68,7 @@ private Q_SLOTS:
     void toolbarHasItsMeasures();
     void wordsHaveTheirType();
     void selectionIsCopiedWithoutSigns();
+    void selectionEndsBetweenCharacters();
     void selectionStaysOnItsSide();
     void doubleClickSelectsAWord();
     void everythingIsSelectedAndCopied();
@@ -513,6 +514,21 @@ void DiffViewerTest::selectionIsCopiedWithoutSigns()
     QCOMPARE(shown.list().selectedText(), u"rst\nsec"_s);
     QTest::mouseClick(shown.list().viewport(), Qt::LeftButton, {}, shown.pointOf({0, 0, 1, 3}));
     QCOMPARE(shown.list().selectedText(), QString());
+}
+
+void DiffViewerTest::selectionEndsBetweenCharacters()
+{
+    // Two consonants that join are one character, wherever in it the pointer is.
+    const QString line = u"aक्षb"_s;
+    ShownViewer shown(diffOf(u"a"_s, {{u' ' + line}}));
+    const QPoint start = shown.pointOf({0, 0, 0, 0});
+    const QPoint end = shown.pointOf({0, 0, 0, line.size()});
+    const QStringList whole{QString(), u"a"_s, u"aक्ष"_s, line};
+    for (int x = start.x(); x <= end.x(); ++x) {
+        shown.drag(start, QPoint(x, start.y()));
+        QVERIFY2(whole.contains(shown.list().selectedText()), qPrintable(shown.list().selectedText()));
+    }
+    QCOMPARE(shown.list().selectedText(), line);
 }
 
 void DiffViewerTest::selectionStaysOnItsSide()
