@@ -13,6 +13,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <memory>
+
 namespace editor_container_view_test {
 
 using namespace kelm;
@@ -21,6 +23,40 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
+
+/// Counts the paintings of what it watches.
+class Paints final : public QObject
+{
+public:
+    explicit Paints(QObject& watched) { watched.installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+/// Writes down what it is told, in order.
+class RecordingDelegate final : public EditorContainerDelegate
+{
+public:
+    explicit RecordingDelegate(QStringList& told) : told_(told) {}
+
+    void textWillChange() override { told_ << QStringLiteral("will change"); }
+    void textDidChange() override { told_ << QStringLiteral("did change"); }
+    void textWillEnd() override { told_ << QStringLiteral("will end"); }
+    void cursorPositionChanged(qsizetype line, qsizetype column) override
+    {
+        told_ << QStringLiteral("caret %1:%2").arg(line).arg(column);
+    }
+
+private:
+    QStringList& told_;
+};
 
 /// A document in a container on screen, with time that moves by hand.
 struct Fixture : test::ShownDocument
@@ -96,6 +132,9 @@ private Q_SLOTS:
     void triangleFollowsItsFold();
     void whatWasFoldedHasItsColoursWhenItIsBack();
     void keysThatScrollNothingLeaveTheMinimap();
+    void eachUpdateHasTheMinimapPaintedAnew();
+    void aThemeBringsItsColoursAndLeavesTheRegions();
+    void aDelegateThatIsGoneIsNotTold();
     void editsThatCancelOutLeaveTheDocument();
     void anUpdateWithoutAChangeColoursNothing();
     void theThemeIsTakenWithoutSelectionAndCurrentLineColours();
@@ -294,20 +333,8 @@ void EditorContainerViewTest::whatWasFoldedHasItsColoursWhenItIsBack()
 void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
-    class Paints final : public QObject
-    {
-    public:
-        int count = 0;
-
-    protected:
-        bool eventFilter(QObject*, QEvent* event) override
-        {
-            count += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    } paints;
     fixture.turnQueue();
-    fixture.view->minimapView().installEventFilter(&paints);
+    Paints paints(fixture.view->minimapView());
     for (int key = 0; key < 5; ++key) {
         QTest::keyClick(&fixture.view->textView(), Qt::Key_Right);
     }
@@ -318,6 +345,67 @@ void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
     paints.count = 0;
     fixture.view->textView().undo();
     QTRY_VERIFY(paints.count > 0);
+}
+
+void EditorContainerViewTest::eachUpdateHasTheMinimapPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(10));
+    fixture.turnQueue();
+    Paints paints(fixture.view->minimapView());
+    fixture.binding->updateView();
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.document->setContent(fixture.document->content());
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.document->setExplicitLanguage(Language::go);
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.themes.setCurrentTheme(EditorTheme::dracula());
+    QTRY_VERIFY(paints.count > 0);
+}
+
+void EditorContainerViewTest::aThemeBringsItsColoursAndLeavesTheRegions()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("let {"));
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    fixture.type(QStringLiteral("}"));
+    fixture.view->setTheme(EditorTheme::dracula());
+    QCOMPARE(fixture.colorAt(0), rgba(EditorTheme::dracula().keywordColor));
+    QVERIFY(fixture.view->codeFoldingManager().foldableRegions().empty());
+    fixture.time.advance(150ms);
+    QCOMPARE(fixture.view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+}
+
+void EditorContainerViewTest::aDelegateThatIsGoneIsNotTold()
+{
+    ManualScheduler time;
+    NotificationCenter notifications;
+    QStringList told;
+    {
+        EditorContainerView view(time, notifications);
+        auto delegate = std::make_unique<RecordingDelegate>(told);
+        view.setText(QStringLiteral("ab"));
+        QVERIFY(told.isEmpty());
+        view.setDelegate(delegate.get());
+        QTest::keyClicks(&view.textView(), QStringLiteral("x"));
+        QVERIFY(told.indexOf(QStringLiteral("will change")) < told.indexOf(QStringLiteral("did change")));
+        QVERIFY(told.contains(QStringLiteral("will change")));
+        QVERIFY(told.contains(QStringLiteral("caret 1:2")));
+        told.clear();
+        delegate.reset();
+        QTest::keyClicks(&view.textView(), QStringLiteral("y"));
+        QCOMPARE(view.text(), QStringLiteral("xyab"));
+    }
+    QVERIFY(told.isEmpty());
+    RecordingDelegate delegate(told);
+    {
+        EditorContainerView view(time, notifications);
+        view.setDelegate(&delegate);
+    }
+    QCOMPARE(told, (QStringList{QStringLiteral("will end")}));
 }
 
 void EditorContainerViewTest::editsThatCancelOutLeaveTheDocument()
@@ -417,15 +505,24 @@ void EditorContainerViewTest::theFocusNotificationIsForTheVisibleEditorAlone()
 void EditorContainerViewTest::theCaretReachesTheDocument()
 {
     Fixture fixture(QStringLiteral("one\ntwo\nthree\n"));
+    fixture.turnQueue();
     fixture.view->textView().setSelectedRange({12, 0});
+    // With the main queue's next turn.
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{1, 1, 0}));
     fixture.turnQueue();
     QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{3, 5, 0}));
+    // Of a selection it is where that begins.
+    fixture.view->textView().setSelectedRange({5, 7});
+    fixture.turnQueue();
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{2, 2, 0}));
 }
 
 void EditorContainerViewTest::hiddenPartsGiveTheirWidthToTheText()
 {
     Fixture fixture(QStringLiteral("text"));
+    QCOMPARE(fixture.view->lineNumberView().geometry(), QRect(0, 0, 55, 400));
     QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55 - 80, 400));
+    QCOMPARE(fixture.view->minimapView().geometry(), QRect(800 - 80, 0, 80, 400));
     fixture.binding->setShowMinimap(false);
     fixture.turnQueue();
     QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55, 400));
@@ -433,6 +530,14 @@ void EditorContainerViewTest::hiddenPartsGiveTheirWidthToTheText()
     fixture.binding->setShowLineNumbers(false);
     fixture.turnQueue();
     QCOMPARE(fixture.view->textView().geometry(), QRect(0, 0, 800, 400));
+    QVERIFY(!fixture.view->lineNumberView().isVisible());
+    fixture.binding->setShowLineNumbers(true);
+    fixture.binding->setShowMinimap(true);
+    fixture.turnQueue();
+    fixture.view->resize(500, 300);
+    QCOMPARE(fixture.view->lineNumberView().geometry(), QRect(0, 0, 55, 300));
+    QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 500 - 55 - 80, 300));
+    QCOMPARE(fixture.view->minimapView().geometry(), QRect(500 - 80, 0, 80, 300));
 }
 
 void EditorContainerViewTest::foldingLeavesTheDocumentAlone()
@@ -569,6 +674,15 @@ void EditorContainerViewTest::theLessonRegionReachesTheGutter()
     fixture.document->setLessonInfo(lesson);
     fixture.turnQueue();
     QCOMPARE(fixture.view->lineNumberView().lessonRegion, std::optional(LineRegion{2, 3}));
+    QCOMPARE(fixture.view->lessonRegion(), std::optional(LineRegion{2, 3}));
+    Paints paints(fixture.view->lineNumberView());
+    lesson.regionEnd = 2;
+    fixture.document->setLessonInfo(lesson);
+    QTRY_VERIFY(paints.count > 0);
+    QCOMPARE(fixture.view->lessonRegion(), std::optional(LineRegion{2, 2}));
+    fixture.document->setLessonInfo(std::nullopt);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->lessonRegion(), std::nullopt);
 }
 
 void EditorContainerViewTest::theMinimapScrollsToALine()
@@ -576,6 +690,9 @@ void EditorContainerViewTest::theMinimapScrollsToALine()
     Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
     fixture.view->minimapView().onLineSelected(400);
     QCOMPARE(fixture.view->textView().visibleRect().y(), 399 * 17.0 - 200);
+    // 1001 lines in 390 points: what is 196 points below the first is line 504.
+    QTest::mouseClick(&fixture.view->minimapView(), Qt::LeftButton, {}, {40, 201});
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 503 * 17.0 - 200);
 }
 
 void EditorContainerViewTest::foldsNeverReachTheDocument()

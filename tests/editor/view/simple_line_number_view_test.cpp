@@ -1,7 +1,9 @@
 #include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
+#include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
 #include "support/ink_recorder.h"
+#include "support/painted.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -64,6 +66,8 @@ class SimpleLineNumberViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void itStartsAsItShould();
+    void aManagerThatIsGoneHasNoTriangles();
     void anEmptyTextHasOneNumberAndNoClicks();
     void aFoldLineShowsATriangleThatTurns();
     void theZoneOfTheTriangleEndsAtTwentyTwo_data();
@@ -79,6 +83,44 @@ private Q_SLOTS:
     void longNumbersAreWhole_data();
     void longNumbersAreWhole();
 };
+
+void SimpleLineNumberViewTest::itStartsAsItShould()
+{
+    SimpleLineNumberView gutter;
+    QCOMPARE(gutter.backgroundColor, QColor::fromRgbF(0.1F, 0.1F, 0.12F));
+    QCOMPARE(gutter.textColor, QColor(128, 128, 128));
+    QVERIFY(!gutter.lessonRegion);
+    QVERIFY(!gutter.onFoldToggle);
+    QCOMPARE(SimpleLineNumberView::foldIconWidth, 14.0);
+    // The others follow the appearance.
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        gutter.setPalette(style::palette(appearance));
+        QCOMPARE(gutter.foldIndicatorColor, systemColor(SystemColor::gray, appearance));
+        QCOMPARE(gutter.lessonNumberColor, systemColor(SystemColor::blue, appearance));
+        QColor band = systemColor(SystemColor::blue, appearance);
+        band.setAlphaF(0.1F);
+        QCOMPARE(gutter.lessonHighlightColor, band);
+    }
+    // Without a text there is nothing but the ground.
+    gutter.resize(55, 40);
+    QVERIFY(test::isPlain(gutter.grab().toImage(), gutter.backgroundColor));
+}
+
+void SimpleLineNumberViewTest::aManagerThatIsGoneHasNoTriangles()
+{
+    Fixture fixture(foldable);
+    auto folding = std::make_unique<CodeFoldingManager>(fixture.notifications);
+    folding->setStorage(&fixture.text.storage());
+    folding->detectFoldableRegions(Language::swift);
+    fixture.gutter.codeFoldingManager = folding.get();
+    bool toggled = false;
+    fixture.gutter.onFoldToggle = [&](qsizetype) { toggled = true; };
+    QVERIFY(fixture.rowHas(fixture.picture(), 0, 0, 22, fixture.gutter.foldIndicatorColor));
+    folding.reset();
+    QVERIFY(!fixture.rowHas(fixture.picture(), 0, 0, 22, fixture.gutter.foldIndicatorColor));
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {10, 10});
+    QVERIFY(!toggled);
+}
 
 void SimpleLineNumberViewTest::anEmptyTextHasOneNumberAndNoClicks()
 {
@@ -150,6 +192,18 @@ void SimpleLineNumberViewTest::theLessonRegionHasABandAndBlueNumbers()
         QVERIFY(!fixture.rowHas(image, row, 30, 55, fixture.gutter.textColor));
     }
     QCOMPARE(image.pixelColor(1, 4 + 3 * 17).rgb(), plain.rgb());
+    const QColor band = test::over(plain, fixture.gutter.lessonHighlightColor);
+    QVERIFY(test::isNear(image.pixelColor(1, 4 + 17), band));
+    // The numbers with their colours, from the top.
+    const std::vector<test::Ink> numbers = test::inksOf(fixture.gutter);
+    QCOMPARE(numbers.size(), std::size_t(4));
+    for (std::size_t row = 0; row < numbers.size(); ++row) {
+        const bool isInLesson = row == 1 || row == 2;
+        QCOMPARE(numbers[row].text, QString::number(row + 1));
+        QCOMPARE(numbers[row].color.rgb(),
+                 (isInLesson ? fixture.gutter.lessonNumberColor : fixture.gutter.textColor).rgb());
+        QCOMPARE(numbers[row].ground.rgb(), (isInLesson ? image.pixelColor(1, 4 + 17) : plain).rgb());
+    }
 }
 
 void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()

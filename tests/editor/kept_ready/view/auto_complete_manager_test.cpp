@@ -7,6 +7,7 @@
 #include "support/test_program.h"
 
 #include <QApplication>
+#include <QGraphicsDropShadowEffect>
 #include <QKeyEvent>
 
 namespace auto_complete_manager_test {
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void theWindowTakesNoFocusAndIsKept();
     void theListIsAsHighAsItsRows();
     void theSelectedRowIsShown();
+    void theListCastsAShadow();
     void theGroundFollowsTheAppearance();
     void aClickChoosesARow();
     void observersHearOfEveryChange();
@@ -269,6 +271,17 @@ void AutoCompleteManagerTest::theSelectedRowIsShown()
     QVERIFY(!fixture.list().rows().first()->isSelected());
     const QRect place(last.mapTo(fixture.list().viewport(), QPoint(0, 0)), last.size());
     QVERIFY(fixture.list().viewport()->rect().contains(place));
+}
+
+void AutoCompleteManagerTest::theListCastsAShadow()
+{
+    Fixture fixture(u"fo|"_s);
+    fixture.manager.triggerCompletion(Language::python);
+    const auto* shadow = qobject_cast<QGraphicsDropShadowEffect*>(fixture.list().graphicsEffect());
+    QVERIFY(shadow != nullptr);
+    QCOMPARE(shadow->color(), QColor::fromRgbF(0, 0, 0, 0.33F));
+    QCOMPARE(shadow->blurRadius(), 10.0);
+    QCOMPARE(shadow->offset(), QPointF(0, 0));
 }
 
 void AutoCompleteManagerTest::theGroundFollowsTheAppearance()

@@ -64,6 +64,8 @@ private Q_SLOTS:
     void typingIsNotColoured();
     void languageAndThemeColourTheText();
     void foldsAreToggledInTheGutter();
+    void theTextBehindAFoldHasItsColoursAndRegions();
+    void theGroundOfSelectedTextFollowsTheAppearance();
     void aDelegateThatIsGoneIsSkipped();
 };
 
@@ -152,6 +154,48 @@ void KelmEditorContainerTest::foldsAreToggledInTheGutter()
     QCOMPARE(fixture.container.text(), u"{\n … }\n"_s);
     QTest::mouseClick(&fixture.container.lineNumberView(), Qt::LeftButton, {}, {60, 12});
     QCOMPARE(fixture.container.text(), u"{\n  a\n  b\n}\n"_s);
+}
+
+void KelmEditorContainerTest::theTextBehindAFoldHasItsColoursAndRegions()
+{
+    Fixture fixture;
+    KelmEditorContainer& container = fixture.container;
+    container.setText(u"{\n  let a\n  b\n}\n{\n  c\n  d\n}\n"_s);
+    const auto starts = [&container] {
+        QList<qsizetype> lines;
+        for (const FoldableRegion& region : container.codeFoldingManager().foldableRegions()) {
+            lines << region.startLine;
+        }
+        return lines;
+    };
+    QCOMPARE(starts(), (QList<qsizetype>{1, 5}));
+    const auto clickOnLine = [&container](int line) {
+        QTest::mouseClick(&container.lineNumberView(), Qt::LeftButton, {}, {60, 8 + 17 * (line - 1) + 8});
+    };
+    clickOnLine(1);
+    QCOMPARE(container.text(), u"{\n … }\n{\n  c\n  d\n}\n"_s);
+    // The lines are numbered as they are shown.
+    QCOMPARE(starts(), (QList<qsizetype>{3}));
+    clickOnLine(3);
+    QCOMPARE(container.text(), u"{\n … }\n{\n … }\n"_s);
+    clickOnLine(1);
+    QCOMPARE(container.text(), u"{\n  let a\n  b\n}\n{\n … }\n"_s);
+    clickOnLine(5);
+    QCOMPARE(container.text(), u"{\n  let a\n  b\n}\n{\n  c\n  d\n}\n"_s);
+    QCOMPARE(starts(), (QList<qsizetype>{1, 5}));
+    QCOMPARE(container.textView().storage().colorsIn({4, 1}).front().color,
+             EditorTheme::monokai().keywordColor.toColor().rgba());
+}
+
+void KelmEditorContainerTest::theGroundOfSelectedTextFollowsTheAppearance()
+{
+    Fixture fixture;
+    const auto selection = [&fixture] { return fixture.container.textView().colors().selection; };
+    fixture.container.setPalette(style::palette(Appearance::dark));
+    QCOMPARE(selection().name(), u"#0a84ff"_s);
+    fixture.container.setPalette(style::palette(Appearance::light));
+    QCOMPARE(selection().name(), u"#007aff"_s);
+    QCOMPARE(selection().alpha(), 102);
 }
 
 void KelmEditorContainerTest::aDelegateThatIsGoneIsSkipped()

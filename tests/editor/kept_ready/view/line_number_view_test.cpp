@@ -1,9 +1,12 @@
 #include "editor/kept_ready/view/line_number_view.h"
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
+#include "support/painted.h"
 #include "support/test_program.h"
 
 #include <QtTest>
+
+#include <memory>
 
 namespace line_number_view_test {
 
@@ -71,8 +74,11 @@ private Q_SLOTS:
     void aBookmarkIsPutAndTakenAway();
     void theBookmarkZoneEndsAtTwelve();
     void theFoldZoneIsTheLastFourteen();
+    void theOwnerHearsOfEachFold();
+    void withoutAManagerAClickFoldsNothing();
     void boxesShowWhatCanBeFolded();
     void aBookmarkIsABlueDot();
+    void aLineStandsAtTheRightEdge();
     void theCaretsLineHasAColourOfItsOwn();
     void aClickOutsideTheTextDoesNothing();
 };
@@ -131,9 +137,45 @@ void LineNumberViewTest::theFoldZoneIsTheLastFourteen()
     // A line without a region.
     fixture.click({60, 30});
     QVERIFY(!fixture.folding.isTextFolded());
+    // Whether the boxes are painted or not.
     fixture.gutter.showFoldingIndicators = false;
     fixture.click({60, 12});
+    QVERIFY(fixture.folding.isTextFolded());
+    fixture.click({60, 12});
     QVERIFY(!fixture.folding.isTextFolded());
+}
+
+void LineNumberViewTest::theOwnerHearsOfEachFold()
+{
+    Fixture fixture;
+    int heard = 0;
+    fixture.gutter.onFoldToggled = [&] { ++heard; };
+    fixture.click({60, 30});
+    QCOMPARE(heard, 0);
+    fixture.click({60, 12});
+    QCOMPARE(heard, 1);
+    fixture.click({60, 12});
+    QCOMPARE(heard, 2);
+}
+
+void LineNumberViewTest::withoutAManagerAClickFoldsNothing()
+{
+    NotificationCenter notifications;
+    TextView text;
+    text.storage().setText(u"{\n  one\n  two\n}"_s);
+    text.resize(600, 400);
+    LineNumberView gutter(notifications);
+    gutter.resize(65, 400);
+    gutter.textView = &text;
+    auto folding = std::make_unique<CodeFoldingManager>(notifications);
+    folding->setStorage(&text.storage());
+    folding->detectFoldableRegions(Language::swift);
+    gutter.codeFoldingManager = folding.get();
+    QVERIFY(rowHas(gutter.grab().toImage(), 0, 51, 64, boxColor));
+    folding.reset();
+    QVERIFY(!rowHas(gutter.grab().toImage(), 0, 51, 64, boxColor));
+    QTest::mouseClick(&gutter, Qt::LeftButton, {}, {60, 12});
+    QCOMPARE(text.text(), u"{\n  one\n  two\n}"_s);
 }
 
 void LineNumberViewTest::boxesShowWhatCanBeFolded()
@@ -161,6 +203,18 @@ void LineNumberViewTest::aBookmarkIsABlueDot()
     fixture.gutter.toggleBookmark(2);
     QVERIFY(rowHas(fixture.picture(), 1, 0, 8, blue));
     QVERIFY(!rowHas(fixture.picture(), 0, 0, 8, blue));
+}
+
+void LineNumberViewTest::aLineStandsAtTheRightEdge()
+{
+    Fixture fixture;
+    const QImage image = fixture.picture();
+    const QColor ground = fixture.gutter.backgroundColor;
+    const QColor line = test::over(ground, QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F));
+    for (const int y : {0, 200, 399}) {
+        QVERIFY(test::isNear(image.pixelColor(64, y), line));
+        QVERIFY(test::isNear(image.pixelColor(63, y), ground));
+    }
 }
 
 void LineNumberViewTest::theCaretsLineHasAColourOfItsOwn()

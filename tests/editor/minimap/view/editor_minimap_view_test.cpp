@@ -58,6 +58,9 @@ private Q_SLOTS:
     void stripSeparatorAndBorderLieOverEachOther();
     void withoutATextOnlyTheGroundIsPainted();
     void clicksAndDragsTellTheLine();
+    void ofASqueezedTextTheyTellTheLineToo_data();
+    void ofASqueezedTextTheyTellTheLineToo();
+    void withoutATextAClickTellsNothing();
     void theMapFollowsEveryEdit_data();
     void theMapFollowsEveryEdit();
     void veryManyLinesComeInTurns();
@@ -157,6 +160,49 @@ void EditorMinimapViewTest::clicksAndDragsTellTheLine()
     QTest::mouseMove(&fixture.map, {40, 90});
     QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 399});
     QCOMPARE(lines, (QList<qsizetype>{1, 11, 100}));
+}
+
+void EditorMinimapViewTest::ofASqueezedTextTheyTellTheLineToo_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<qsizetype>("line");
+    // A thousand lines in 390 points: 0.39 points each.
+    QTest::newRow("above the first") << 2 << qsizetype(1);
+    QTest::newRow("on the first") << 5 << qsizetype(1);
+    QTest::newRow("one point below") << 6 << qsizetype(3);
+    QTest::newRow("in the middle") << 201 << qsizetype(503);
+    QTest::newRow("on the last") << 394 << qsizetype(998);
+    QTest::newRow("below the last") << 399 << qsizetype(1000);
+}
+
+void EditorMinimapViewTest::ofASqueezedTextTheyTellTheLineToo()
+{
+    QFETCH(int, y);
+    QFETCH(qsizetype, line);
+    Fixture fixture(QString(QStringLiteral("x\n")).repeated(999) + u'x');
+    QList<qsizetype> lines;
+    fixture.map.onLineSelected = [&](qsizetype told) { lines.append(told); };
+    QTest::mousePress(&fixture.map, Qt::LeftButton, {}, {40, y});
+    QTest::mouseMove(&fixture.map, {40, 100});
+    QTest::mouseMove(&fixture.map, {40, y});
+    QTest::mouseRelease(&fixture.map, Qt::LeftButton, {}, {40, y});
+    QCOMPARE(lines, (QList<qsizetype>{line, 244, line}));
+}
+
+void EditorMinimapViewTest::withoutATextAClickTellsNothing()
+{
+    Fixture fixture(QStringLiteral("a\nb"));
+    int told = 0;
+    fixture.map.onLineSelected = [&](qsizetype) { ++told; };
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    QCOMPARE(told, 1);
+    QTest::mouseClick(&fixture.map, Qt::RightButton, {}, {40, 7});
+    fixture.map.resize(80, 10);
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    fixture.map.resize(80, 400);
+    fixture.map.setTextView(nullptr);
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    QCOMPARE(told, 1);
 }
 
 void EditorMinimapViewTest::theMapFollowsEveryEdit_data()
