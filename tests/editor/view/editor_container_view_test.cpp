@@ -132,6 +132,8 @@ private Q_SLOTS:
     void triangleFollowsItsFold();
     void whatWasFoldedHasItsColoursWhenItIsBack();
     void keysThatScrollNothingLeaveTheMinimap();
+    void scrollingHasGutterAndMinimapPaintedAnew();
+    void editsHaveTheGutterPaintedAnew();
     void eachUpdateHasTheMinimapPaintedAnew();
     void aThemeBringsItsColoursAndLeavesTheRegions();
     void aDelegateThatIsGoneIsNotTold();
@@ -347,6 +349,42 @@ void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
     QTRY_VERIFY(paints.count > 0);
 }
 
+void EditorContainerViewTest::scrollingHasGutterAndMinimapPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(500));
+    fixture.turnQueue();
+    Paints gutter(fixture.view->lineNumberView());
+    Paints minimap(fixture.view->minimapView());
+    fixture.view->textView().scrollToY(170);
+    QTRY_VERIFY(gutter.count > 0);
+    QTRY_VERIFY(minimap.count > 0);
+    QCOMPARE(fixture.view->minimapView().currentVisibleRect, fixture.view->textView().visibleRect());
+    QCOMPARE(fixture.view->minimapView().currentVisibleRect.y(), 170.0);
+}
+
+void EditorContainerViewTest::editsHaveTheGutterPaintedAnew()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("{"));
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    fixture.turnQueue();
+    Paints gutter(fixture.view->lineNumberView());
+    // Another line has another number.
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.type(QStringLiteral("}"));
+    fixture.turnQueue();
+    // The pause brings the triangle.
+    gutter.count = 0;
+    fixture.time.advance(150ms);
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.turnQueue();
+    gutter.count = 0;
+    QTest::mouseClick(&fixture.view->lineNumberView(), Qt::LeftButton, {}, {10, 12});
+    QVERIFY(fixture.view->codeFoldingManager().isTextFolded());
+    QTRY_VERIFY(gutter.count > 0);
+}
+
 void EditorContainerViewTest::eachUpdateHasTheMinimapPaintedAnew()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
@@ -452,6 +490,7 @@ void EditorContainerViewTest::theThemeIsTakenWithoutSelectionAndCurrentLineColou
     QCOMPARE(fixture.view->lineNumberView().backgroundColor, light.gutterColor.toColor());
     QCOMPARE(fixture.view->lineNumberView().textColor, light.lineNumberColor.toColor());
     QCOMPARE(fixture.view->minimapView().theme, light);
+    QCOMPARE(fixture.view->minimapView().palette().color(QPalette::Window), light.backgroundColor.toColor());
     QCOMPARE(fixture.colorAt(0), rgba(light.keywordColor));
     QCOMPARE(fixture.colorAt(4), rgba(light.textColor));
 }

@@ -34,6 +34,7 @@ class EditorTextTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aContainerStartsAsItShould();
     void theColoursBeforeAnyTheme();
     void theGroundsArePaintedBeforeAnyTheme();
     void theFontIsMonospacedAndRegular();
@@ -41,6 +42,21 @@ private Q_SLOTS:
     void aThemeKeepsFontAndSelection();
     void theGroundOfSelectedTextFollowsTheAppearance();
 };
+
+void EditorTextTest::aContainerStartsAsItShould()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.view.theme(), EditorTheme::monokai());
+    QVERIFY(fixture.view.currentLanguage() == Language::plainText);
+    QVERIFY(fixture.view.showLineNumbers());
+    QVERIFY(fixture.view.showMinimap());
+    QVERIFY(!fixture.view.lessonRegion());
+    QVERIFY(!fixture.view.textView().isReadOnly());
+    QVERIFY(fixture.view.lineNumberView().textView == &fixture.view.textView());
+    QVERIFY(fixture.view.lineNumberView().codeFoldingManager == &fixture.view.codeFoldingManager());
+    QCOMPARE(fixture.view.minimapView().textView(), &fixture.view.textView());
+    QCOMPARE(fixture.view.codeFoldingManager().storage(), &fixture.view.textView().storage());
+}
 
 void EditorTextTest::theColoursBeforeAnyTheme()
 {

@@ -73,6 +73,7 @@ private Q_SLOTS:
     void theZoneOfTheTriangleEndsAtTwentyTwo_data();
     void theZoneOfTheTriangleEndsAtTwentyTwo();
     void theLessonRegionHasABandAndBlueNumbers();
+    void theBandOfAWrappedLineIsAtItsFirstRow();
     void aWrappedLineHasOneNumber();
     void theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines();
     void aLineThatFillsTheViewHasNoNumberThere();
@@ -200,9 +201,26 @@ void SimpleLineNumberViewTest::theLessonRegionHasABandAndBlueNumbers()
     for (std::size_t row = 0; row < numbers.size(); ++row) {
         const bool isInLesson = row == 1 || row == 2;
         QCOMPARE(numbers[row].text, QString::number(row + 1));
+        // In the middle of its row.
+        const qreal middle = 4 + 17 * (static_cast<qreal>(row) + 0.5);
+        QVERIFY(std::abs(QRectF(numbers[row].place).center().y() - middle) <= 1);
         QCOMPARE(numbers[row].color.rgb(),
                  (isInLesson ? fixture.gutter.lessonNumberColor : fixture.gutter.textColor).rgb());
         QCOMPARE(numbers[row].ground.rgb(), (isInLesson ? image.pixelColor(1, 4 + 17) : plain).rgb());
+    }
+}
+
+void SimpleLineNumberViewTest::theBandOfAWrappedLineIsAtItsFirstRow()
+{
+    Fixture fixture(QString(200, u'x') + QStringLiteral("\nsecond"));
+    const auto rows = static_cast<int>(fixture.text.visibleRows().size());
+    QVERIFY(rows >= 4);
+    fixture.gutter.lessonRegion = LineRegion{1, 1};
+    const QImage image = fixture.picture();
+    const QColor band = test::over(fixture.gutter.backgroundColor, fixture.gutter.lessonHighlightColor);
+    QVERIFY(test::isNear(image.pixelColor(1, 4 + 8), band));
+    for (int row = 1; row < rows; ++row) {
+        QCOMPARE(image.pixelColor(1, 4 + row * 17 + 8).rgb(), fixture.gutter.backgroundColor.rgb());
     }
 }
 
