@@ -134,6 +134,9 @@ private Q_SLOTS:
     void keysThatScrollNothingLeaveTheMinimap();
     void scrollingHasGutterAndMinimapPaintedAnew();
     void editsHaveTheGutterPaintedAnew();
+    void aThemeHasTheGutterPaintedAnew();
+    void aNewSurfaceHasAllValues();
+    void aFoldCommitsWhatIsComposed();
     void eachUpdateHasTheMinimapPaintedAnew();
     void aThemeBringsItsColoursAndLeavesTheRegions();
     void aDelegateThatIsGoneIsNotTold();
@@ -385,6 +388,61 @@ void EditorContainerViewTest::editsHaveTheGutterPaintedAnew()
     QTRY_VERIFY(gutter.count > 0);
 }
 
+void EditorContainerViewTest::aThemeHasTheGutterPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(10));
+    fixture.turnQueue();
+    Paints gutter(fixture.view->lineNumberView());
+    fixture.view->setTheme(EditorTheme::dracula());
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.turnQueue();
+    gutter.count = 0;
+    // Regions that a worker has found.
+    fixture.view->codeFoldingManager().onRegionsFound();
+    QTRY_VERIFY(gutter.count > 0);
+}
+
+void EditorContainerViewTest::aNewSurfaceHasAllValues()
+{
+    Fixture fixture;
+    LessonInfo lesson;
+    lesson.regionStart = 2;
+    lesson.regionEnd = 3;
+    const auto document = std::make_shared<Document>(foldable, std::nullopt, Language::swift, lesson);
+    document->setIsModified(true);
+    fixture.themes.setCurrentTheme(EditorTheme::dracula());
+    KelmEditorView binding(document, fixture.themes);
+    binding.setShowLineNumbers(false);
+    binding.setShowMinimap(false);
+    // At once, and not with an update.
+    const std::unique_ptr<EditorContainerView> view(binding.makeView(fixture.time, fixture.notifications, nullptr));
+    QVERIFY(!view->showLineNumbers());
+    QVERIFY(!view->showMinimap());
+    QVERIFY(view->currentLanguage() == Language::swift);
+    QCOMPARE(view->theme(), EditorTheme::dracula());
+    QCOMPARE(view->text(), foldable);
+    QCOMPARE(view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+    QCOMPARE(view->lessonRegion(), std::optional(LineRegion{2, 3}));
+    QVERIFY(!view->textView().editor().canUndo());
+    QVERIFY(!view->textView().accessibleName().contains(u'*'));
+    lesson.namesRegion = false;
+    document->setLessonInfo(lesson);
+    binding.updateView();
+    QCOMPARE(view->lessonRegion(), std::nullopt);
+}
+
+void EditorContainerViewTest::aFoldCommitsWhatIsComposed()
+{
+    Fixture fixture(foldable);
+    fixture.view->textView().setSelectedRange({foldable.size(), 0});
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.view->textView(), &composing);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QVERIFY(!fixture.view->textView().isComposing());
+    QVERIFY(fixture.view->codeFoldingManager().isTextFolded());
+    QCOMPARE(fixture.document->content(), foldable + QStringLiteral("한"));
+}
+
 void EditorContainerViewTest::eachUpdateHasTheMinimapPaintedAnew()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
@@ -528,6 +586,9 @@ void EditorContainerViewTest::theFocusNotificationPutsTheCaretAtTheStart()
     fixture.turnQueue();
     QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{0, 0}));
     QCOMPARE(fixture.view->textView().visibleRect().y(), 0.0);
+    QVERIFY(fixture.view->textView().hasFocus());
+    fixture.view->textView().clearFocus();
+    fixture.view->setFocus();
     QVERIFY(fixture.view->textView().hasFocus());
 }
 
@@ -805,6 +866,8 @@ void EditorContainerViewTest::foldsEditsAndUndoLeaveTheContentThatEditsMade()
                 text.setSelectedRange(range);
                 const TextRange selected = text.selectedRange();
                 fixture.type(QStringLiteral("Z"));
+                // A step of its own, wherever the one before was typed.
+                text.editor().endUndoRun();
                 whole.replace(selected.location, selected.length, u'Z');
                 if (whole == states[at]) {
                     // A letter over the same letter is no edit.

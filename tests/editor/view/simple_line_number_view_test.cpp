@@ -6,6 +6,7 @@
 #include "support/painted.h"
 #include "support/test_program.h"
 
+#include <QPainter>
 #include <QtTest>
 
 #include <cmath>
@@ -70,6 +71,8 @@ private Q_SLOTS:
     void aManagerThatIsGoneHasNoTriangles();
     void anEmptyTextHasOneNumberAndNoClicks();
     void aFoldLineShowsATriangleThatTurns();
+    void trianglesHaveTheirCorners_data();
+    void trianglesHaveTheirCorners();
     void theZoneOfTheTriangleEndsAtTwentyTwo_data();
     void theZoneOfTheTriangleEndsAtTwentyTwo();
     void theLessonRegionHasABandAndBlueNumbers();
@@ -153,6 +156,37 @@ void SimpleLineNumberViewTest::aFoldLineShowsATriangleThatTurns()
     QVERIFY(folded.pixelColor(13, 9).rgb() != orange.rgb());
 }
 
+void SimpleLineNumberViewTest::trianglesHaveTheirCorners_data()
+{
+    QTest::addColumn<bool>("isFolded");
+    QTest::addColumn<QPolygonF>("triangle");
+    // In a box of 12 by 12 at x 3, in the middle of a row of 17 from y 4 on.
+    const qreal top = 4 + 2.5;
+    QTest::newRow("pointing down") << false << QPolygonF{{4, top + 3}, {14, top + 3}, {9, top + 11}};
+    QTest::newRow("pointing right") << true << QPolygonF{{6, top + 1}, {14, top + 6}, {6, top + 11}};
+}
+
+void SimpleLineNumberViewTest::trianglesHaveTheirCorners()
+{
+    QFETCH(bool, isFolded);
+    QFETCH(QPolygonF, triangle);
+    Fixture fixture(foldable);
+    if (isFolded) {
+        fixture.folding.fold(fixture.folding.foldableRegions().front());
+    }
+    const QImage row = fixture.picture().copy(0, 4, 22, 17);
+    QImage expected(22, 21, QImage::Format_RGB32);
+    expected.fill(fixture.gutter.backgroundColor);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isFolded ? systemColor(SystemColor::orange, style::appearanceOf(fixture.gutter))
+                              : fixture.gutter.foldIndicatorColor);
+    painter.drawPolygon(triangle);
+    painter.end();
+    QVERIFY(test::isSame(row, expected.copy(0, 4, 22, 17)));
+}
+
 void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo_data()
 {
     QTest::addColumn<int>("x");
@@ -173,6 +207,8 @@ void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo()
     qsizetype toggled = 0;
     fixture.gutter.onFoldToggle = [&](qsizetype line) { toggled = line; };
     fixture.text.setSelectedRange({3, 4});
+    QTest::mouseClick(&fixture.gutter, Qt::RightButton, {}, {x, y});
+    QCOMPARE(toggled, qsizetype(0));
     QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
     QTEST(toggled, "line");
     QCOMPARE(fixture.text.selectedRange(), (TextRange{3, 4}));
@@ -201,6 +237,9 @@ void SimpleLineNumberViewTest::theLessonRegionHasABandAndBlueNumbers()
     for (std::size_t row = 0; row < numbers.size(); ++row) {
         const bool isInLesson = row == 1 || row == 2;
         QCOMPARE(numbers[row].text, QString::number(row + 1));
+        // Eight points from the right edge, to the pixel that its end touches.
+        const int end = numbers[row].place.right() + 1;
+        QVERIFY2(end == 55 - 8 || end == 55 - 8 + 1, qPrintable(QString::number(end)));
         // In the middle of its row.
         const qreal middle = 4 + 17 * (static_cast<qreal>(row) + 0.5);
         QVERIFY(std::abs(QRectF(numbers[row].place).center().y() - middle) <= 1);

@@ -240,6 +240,7 @@ void AutoCompleteManagerTest::theWindowTakesNoFocusAndIsKept()
     QVERIFY(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     QVERIFY(window->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
     QVERIFY(window->testAttribute(Qt::WA_TranslucentBackground));
+    QVERIFY(window->testAttribute(Qt::WA_ShowWithoutActivating));
     QVERIFY(fixture.view.hasFocus());
     fixture.press(Qt::Key_Escape);
     fixture.manager.triggerCompletion(Language::python);

@@ -46,6 +46,7 @@ private Q_SLOTS:
     void badgeTextAndDetailStandFromLeftToRight();
     void theBadgeIsEighteenWideInItsColour_data();
     void theBadgeIsEighteenWideInItsColour();
+    void theLetterIsBoldAndWhite();
     void aSelectedRowHasAGround();
     void aClickIsToldWhenItEndsWithinTheRow();
 };
@@ -101,6 +102,22 @@ void CompletionRowTest::theBadgeIsEighteenWideInItsColour()
           QPoint(badge.center().x(), badge.bottom() + 1)}) {
         QVERIFY(isNear(image.pixelColor(outside), ground));
     }
+}
+
+void CompletionRowTest::theLetterIsBoldAndWhite()
+{
+    Fixture fixture(CompletionType::snippet);
+    QImage expected(300, 28, QImage::Format_RGB32);
+    QPainter painter(&expected);
+    painter.fillRect(expected.rect(), systemColor(SystemColor::green, Appearance::dark));
+    painter.setPen(Qt::white);
+    painter.setFont(style::interfaceFont(style::typeSize::subheadline, QFont::Bold));
+    const QRect badge(8, 5, 18, 18);
+    painter.drawText(badge, Qt::AlignCenter, u"S"_s);
+    painter.end();
+    // Without the round corners.
+    const QRect inner = badge.adjusted(4, 1, -4, -1);
+    QVERIFY(isSame(fixture.picture().copy(inner), expected.copy(inner)));
 }
 
 void CompletionRowTest::aSelectedRowHasAGround()

@@ -33,6 +33,22 @@ struct RecordingDelegate final : KelmEditorDelegate
     }
 };
 
+/// Counts the paintings of what it watches.
+class Paints final : public QObject
+{
+public:
+    explicit Paints(QObject& watched) { watched.installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
 struct Fixture
 {
     NotificationCenter notifications;
@@ -64,6 +80,7 @@ private Q_SLOTS:
     void typingIsNotColoured();
     void languageAndThemeColourTheText();
     void foldsAreToggledInTheGutter();
+    void theGutterFollowsTextAndCaret();
     void theTextBehindAFoldHasItsColoursAndRegions();
     void theGroundOfSelectedTextFollowsTheAppearance();
     void aDelegateThatIsGoneIsSkipped();
@@ -144,6 +161,8 @@ void KelmEditorContainerTest::languageAndThemeColourTheText()
     QCOMPARE(view.storage().colorsIn({0, 1}).front().color, theme.stringColor.toColor().rgba());
     QCOMPARE(view.colors().background, theme.gutterColor.toColor());
     QCOMPARE(fixture.container.lineNumberView().backgroundColor, theme.gutterColor.toColor());
+    QCOMPARE(fixture.container.lineNumberView().textColor, theme.lineNumberColor.toColor());
+    QCOMPARE(view.colors().insertionPoint, theme.cursorColor.toColor());
 }
 
 void KelmEditorContainerTest::foldsAreToggledInTheGutter()
@@ -154,6 +173,26 @@ void KelmEditorContainerTest::foldsAreToggledInTheGutter()
     QCOMPARE(fixture.container.text(), u"{\n … }\n"_s);
     QTest::mouseClick(&fixture.container.lineNumberView(), Qt::LeftButton, {}, {60, 12});
     QCOMPARE(fixture.container.text(), u"{\n  a\n  b\n}\n"_s);
+}
+
+void KelmEditorContainerTest::theGutterFollowsTextAndCaret()
+{
+    Fixture fixture;
+    KelmEditorContainer& container = fixture.container;
+    container.setText(u"a\nb\nc"_s);
+    container.textView().setSelectedRange({0, 0});
+    const auto picture = [&container] { return container.lineNumberView().grab().toImage(); };
+    const QImage before = picture();
+    QCoreApplication::processEvents();
+    Paints gutter(container.lineNumberView());
+    container.textView().setSelectedRange({4, 0});
+    QTRY_VERIFY(gutter.count > 0);
+    // The caret's line has a colour of its own.
+    QVERIFY(picture() != before);
+    QCoreApplication::processEvents();
+    gutter.count = 0;
+    QTest::keyClick(&container.textView(), Qt::Key_Return);
+    QTRY_VERIFY(gutter.count > 0);
 }
 
 void KelmEditorContainerTest::theTextBehindAFoldHasItsColoursAndRegions()

@@ -91,6 +91,7 @@ private Q_SLOTS:
     void indents();
     void linesAreDoubled_data();
     void linesAreDoubled();
+    void commandsAreForWhatIsComposedToo();
     void insertionsAreUndoStepsAndRemovalsAreNot();
 
     void withoutAContainerItsKeysDoNothing();
@@ -423,6 +424,15 @@ void KelmTextViewTest::linesAreDoubled()
     Fixture fixture(before, selection);
     fixture.press(Qt::Key_D);
     QTEST(fixture.view.text(), "after");
+}
+
+void KelmTextViewTest::commandsAreForWhatIsComposedToo()
+{
+    Fixture fixture;
+    fixture.view.compose(u"한"_s);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_D, Qt::ControlModifier);
+    QCoreApplication::sendEvent(&fixture.view, &press);
+    QCOMPARE(fixture.view.text(), u"한한"_s);
 }
 
 void KelmTextViewTest::insertionsAreUndoStepsAndRemovalsAreNot()

@@ -95,6 +95,7 @@ void LineNumberViewTest::itStartsAsItShould()
     QCOMPARE(LineNumberView::padding, 8.0);
     QCOMPARE(LineNumberView::foldingAreaWidth, 14.0);
     QCOMPARE(LineNumberView::bookmarkAreaWidth, 8.0);
+    QCOMPARE(gutter.font, style::monospaced(12));
     // Without a text there is nothing but the ground.
     gutter.resize(65, 50);
     QCOMPARE(gutter.grab().toImage().pixelColor(30, 20).rgb(), gutter.backgroundColor.rgb());
@@ -203,6 +204,19 @@ void LineNumberViewTest::aBookmarkIsABlueDot()
     fixture.gutter.toggleBookmark(2);
     QVERIFY(rowHas(fixture.picture(), 1, 0, 8, blue));
     QVERIFY(!rowHas(fixture.picture(), 0, 0, 8, blue));
+    // In the middle of its area and its row.
+    const QImage image = fixture.picture();
+    QRect dot;
+    for (int y = 4 + 17; y < 4 + 2 * 17; ++y) {
+        for (int x = 0; x < 30; ++x) {
+            if (!test::isNear(image.pixelColor(x, y), fixture.gutter.backgroundColor)) {
+                dot |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    QVERIFY(QRect(0, 4 + 17, 8, 17).contains(dot));
+    QVERIFY(std::abs(QRectF(dot).center().x() - 4) <= 0.5);
+    QVERIFY(std::abs(QRectF(dot).center().y() - (4 + 17 + 8.5)) <= 0.5);
 }
 
 void LineNumberViewTest::aLineStandsAtTheRightEdge()
