@@ -1,4 +1,5 @@
 #include "editor/view/kelm_editor_view.h"
+#include "support/paints.h"
 #include "support/random_text.h"
 #include "support/shown_document.h"
 #include "support/test_program.h"
@@ -23,22 +24,6 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
-
-/// Counts the paintings of what it watches.
-class Paints final : public QObject
-{
-public:
-    explicit Paints(QObject& watched) { watched.installEventFilter(this); }
-
-    int count = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-};
 
 /// Writes down what it is told, in order.
 class RecordingDelegate final : public EditorContainerDelegate
@@ -128,6 +113,7 @@ private Q_SLOTS:
     void typingMarksTheDocumentModified();
     void contentChangedElsewhereIsShown();
     void contentChangedElsewhereIsAnUndoStep();
+    void contentChangedElsewhereComesAfterWhatIsComposed();
     void soItIsWhereTheTextBeganEmpty();
     void triangleFollowsItsFold();
     void whatWasFoldedHasItsColoursWhenItIsBack();
@@ -281,6 +267,20 @@ void EditorContainerViewTest::contentChangedElsewhereIsAnUndoStep()
     QVERIFY(!text.editor().canUndo());
 }
 
+void EditorContainerViewTest::contentChangedElsewhereComesAfterWhatIsComposed()
+{
+    Fixture fixture(QStringLiteral("one"));
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.view->textView(), &composing);
+    fixture.view->setText(QStringLiteral("two"));
+    QVERIFY(!fixture.view->textView().isComposing());
+    QCOMPARE(fixture.view->text(), QStringLiteral("two"));
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.view->text(), QStringLiteral("한one"));
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.view->text(), QStringLiteral("one"));
+}
+
 void EditorContainerViewTest::soItIsWhereTheTextBeganEmpty()
 {
     Fixture fixture;
@@ -339,7 +339,7 @@ void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
     fixture.turnQueue();
-    Paints paints(fixture.view->minimapView());
+    test::Paints paints(fixture.view->minimapView());
     for (int key = 0; key < 5; ++key) {
         QTest::keyClick(&fixture.view->textView(), Qt::Key_Right);
     }
@@ -356,8 +356,8 @@ void EditorContainerViewTest::scrollingHasGutterAndMinimapPaintedAnew()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(500));
     fixture.turnQueue();
-    Paints gutter(fixture.view->lineNumberView());
-    Paints minimap(fixture.view->minimapView());
+    test::Paints gutter(fixture.view->lineNumberView());
+    test::Paints minimap(fixture.view->minimapView());
     fixture.view->textView().scrollToY(170);
     QTRY_VERIFY(gutter.count > 0);
     QTRY_VERIFY(minimap.count > 0);
@@ -371,7 +371,7 @@ void EditorContainerViewTest::editsHaveTheGutterPaintedAnew()
     fixture.type(QStringLiteral("{"));
     QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
     fixture.turnQueue();
-    Paints gutter(fixture.view->lineNumberView());
+    test::Paints gutter(fixture.view->lineNumberView());
     // Another line has another number.
     QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
     QTRY_VERIFY(gutter.count > 0);
@@ -392,7 +392,7 @@ void EditorContainerViewTest::aThemeHasTheGutterPaintedAnew()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
     fixture.turnQueue();
-    Paints gutter(fixture.view->lineNumberView());
+    test::Paints gutter(fixture.view->lineNumberView());
     fixture.view->setTheme(EditorTheme::dracula());
     QTRY_VERIFY(gutter.count > 0);
     fixture.turnQueue();
@@ -447,7 +447,7 @@ void EditorContainerViewTest::eachUpdateHasTheMinimapPaintedAnew()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
     fixture.turnQueue();
-    Paints paints(fixture.view->minimapView());
+    test::Paints paints(fixture.view->minimapView());
     fixture.binding->updateView();
     QTRY_VERIFY(paints.count > 0);
     paints.count = 0;
@@ -775,7 +775,7 @@ void EditorContainerViewTest::theLessonRegionReachesTheGutter()
     fixture.turnQueue();
     QCOMPARE(fixture.view->lineNumberView().lessonRegion, std::optional(LineRegion{2, 3}));
     QCOMPARE(fixture.view->lessonRegion(), std::optional(LineRegion{2, 3}));
-    Paints paints(fixture.view->lineNumberView());
+    test::Paints paints(fixture.view->lineNumberView());
     lesson.regionEnd = 2;
     fixture.document->setLessonInfo(lesson);
     QTRY_VERIFY(paints.count > 0);

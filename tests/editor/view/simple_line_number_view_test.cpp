@@ -4,6 +4,7 @@
 #include "platform/style/view/style.h"
 #include "support/ink_recorder.h"
 #include "support/painted.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
 #include <QPainter>
@@ -211,6 +212,13 @@ void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo()
     QCOMPARE(toggled, qsizetype(0));
     QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
     QTEST(toggled, "line");
+    // Where something was toggled it is painted anew.
+    QCoreApplication::processEvents();
+    test::Paints paints(fixture.gutter);
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
+    if (toggled > 0) {
+        QTRY_VERIFY(paints.count > 0);
+    }
     QCOMPARE(fixture.text.selectedRange(), (TextRange{3, 4}));
 }
 

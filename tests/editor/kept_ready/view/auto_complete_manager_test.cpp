@@ -52,6 +52,7 @@ private Q_SLOTS:
     void aChosenWordReplacesTheBegunOne();
     void theCaretGoesBehindWhatIsPutIn();
     void whatIsPutInIsOneUndoStep();
+    void whatIsPutInComesIntoSight();
     void theRangeCountsCharacters();
     void anIndexOutsideTheListChoosesNothing();
     void theWindowStandsBelowTheWord();
@@ -196,6 +197,16 @@ void AutoCompleteManagerTest::whatIsPutInIsOneUndoStep()
     QCOMPARE(fixture.view.text(), u"for"_s);
     fixture.view.undo();
     QCOMPARE(fixture.view.marked(), u"fo|"_s);
+}
+
+void AutoCompleteManagerTest::whatIsPutInComesIntoSight()
+{
+    Fixture fixture(u"fo|"_s + u"\nline"_s.repeated(100));
+    fixture.manager.triggerCompletion(Language::python);
+    fixture.view.scrollToY(600);
+    QCOMPARE(fixture.view.visibleRect().y(), 600.0);
+    QVERIFY(fixture.press(Qt::Key_Return));
+    QVERIFY(fixture.view.visibleRect().y() < 10);
 }
 
 void AutoCompleteManagerTest::theRangeCountsCharacters()

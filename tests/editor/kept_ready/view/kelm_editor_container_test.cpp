@@ -2,6 +2,7 @@
 #include "editor/kept_ready/view/kelm_text_view.h"
 #include "platform/style/view/style.h"
 #include "support/marked_text.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -30,22 +31,6 @@ struct RecordingDelegate final : KelmEditorDelegate
                                  .arg(selection->end.line)
                                  .arg(selection->end.column)
                            : u"no selection"_s);
-    }
-};
-
-/// Counts the paintings of what it watches.
-class Paints final : public QObject
-{
-public:
-    explicit Paints(QObject& watched) { watched.installEventFilter(this); }
-
-    int count = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
     }
 };
 
@@ -184,7 +169,7 @@ void KelmEditorContainerTest::theGutterFollowsTextAndCaret()
     const auto picture = [&container] { return container.lineNumberView().grab().toImage(); };
     const QImage before = picture();
     QCoreApplication::processEvents();
-    Paints gutter(container.lineNumberView());
+    test::Paints gutter(container.lineNumberView());
     container.textView().setSelectedRange({4, 0});
     QTRY_VERIFY(gutter.count > 0);
     // The caret's line has a colour of its own.

@@ -2,8 +2,10 @@
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
 #include "support/painted.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
+#include <QInputMethodEvent>
 #include <QtTest>
 
 #include <memory>
@@ -72,6 +74,7 @@ class LineNumberViewTest : public QObject
 private Q_SLOTS:
     void itStartsAsItShould();
     void aBookmarkIsPutAndTakenAway();
+    void aFoldCommitsWhatIsComposed();
     void theBookmarkZoneEndsAtTwelve();
     void theFoldZoneIsTheLastFourteen();
     void theOwnerHearsOfEachFold();
@@ -115,6 +118,22 @@ void LineNumberViewTest::aBookmarkIsPutAndTakenAway()
     fixture.click({5, 30});
     QVERIFY(fixture.gutter.bookmarks().empty());
     QCOMPARE(fixture.heard.size(), 2);
+    QCoreApplication::processEvents();
+    test::Paints paints(fixture.gutter);
+    fixture.gutter.toggleBookmark(3);
+    QTRY_VERIFY(paints.count > 0);
+}
+
+void LineNumberViewTest::aFoldCommitsWhatIsComposed()
+{
+    Fixture fixture;
+    fixture.text.setSelectedRange({0, 0});
+    QInputMethodEvent composing(u"한"_s, {});
+    QCoreApplication::sendEvent(&fixture.text, &composing);
+    fixture.click({60, 12});
+    QVERIFY(!fixture.text.isComposing());
+    QVERIFY(fixture.folding.isTextFolded());
+    QVERIFY(fixture.text.text().startsWith(u"한{"));
 }
 
 void LineNumberViewTest::theBookmarkZoneEndsAtTwelve()
