@@ -79,6 +79,7 @@ private Q_SLOTS:
     void theLessonRegionHasABandAndBlueNumbers();
     void theBandOfAWrappedLineIsAtItsFirstRow();
     void aWrappedLineHasOneNumber();
+    void aRowIsSeventeenHigh();
     void theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines();
     void aLineThatFillsTheViewHasNoNumberThere();
     void numbersCountLineFeeds();
@@ -278,6 +279,18 @@ void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()
     const QImage image = fixture.picture();
     QVERIFY(fixture.rowHas(image, 0, 30, 55, fixture.gutter.textColor));
     QVERIFY(!fixture.rowHas(image, 1, 30, 55, fixture.gutter.textColor));
+}
+
+void SimpleLineNumberViewTest::aRowIsSeventeenHigh()
+{
+    Fixture fixture(foldable);
+    const auto lineAt = [&fixture](qreal y) { return lineAtRow(fixture.text, y).value_or(0); };
+    QCOMPARE(lineAt(3.9), qsizetype(0));
+    QCOMPARE(lineAt(4), qsizetype(1));
+    QCOMPARE(lineAt(20.9), qsizetype(1));
+    QCOMPARE(lineAt(21), qsizetype(2));
+    QCOMPARE(lineAt(4 + 5 * 17 - 0.1), qsizetype(5));
+    QCOMPARE(lineAt(4 + 5 * 17), qsizetype(0));
 }
 
 void SimpleLineNumberViewTest::theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines()

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QtTest>
 
+#include <memory>
+
 namespace editor_minimap_view_test {
 
 using namespace kelm;
@@ -52,6 +54,7 @@ class EditorMinimapViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void itStartsAsItShould();
     void barsBoxAndGroundHaveTheirColours();
     void aLightThemeDarkensItsGround();
     void stripSeparatorAndBorderLieOverEachOther_data();
@@ -67,6 +70,26 @@ private Q_SLOTS:
     void barsLookLikeFilledRectangles_data();
     void barsLookLikeFilledRectangles();
 };
+
+void EditorMinimapViewTest::itStartsAsItShould()
+{
+    EditorMinimapView map;
+    QCOMPARE(EditorMinimapView::lineHeight, 3.0);
+    QCOMPARE(EditorMinimapView::charWidth, 1.2);
+    QVERIFY(map.textView() == nullptr);
+    QVERIFY(!map.onLineSelected);
+    QVERIFY(map.currentVisibleRect.isNull());
+    // A text that goes takes its picture with it.
+    auto text = std::make_unique<TextView>();
+    text->storage().setText(QString(QStringLiteral("let a = b\n")).repeated(20));
+    map.resize(80, 400);
+    const QImage without = map.grab().toImage();
+    map.setTextView(text.get());
+    QVERIFY(map.grab().toImage() != without);
+    text.reset();
+    QCOMPARE(map.grab().toImage(), without);
+    QTest::mouseClick(&map, Qt::LeftButton, {}, {40, 40});
+}
 
 void EditorMinimapViewTest::barsBoxAndGroundHaveTheirColours()
 {
