@@ -28,8 +28,7 @@ struct Fixture : WindowFixture
 
     Fixture()
     {
-        state.openSnippet(u"first\nsecond\nthird"_s, Language::plainText, std::nullopt);
-        turnQueue();
+        openSnippet(u"first\nsecond\nthird"_s, Language::plainText);
         text().setFocus();
     }
     void begin()

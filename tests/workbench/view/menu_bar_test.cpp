@@ -320,8 +320,7 @@ void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
 void MenuBarTest::findCommandsReachTheTextFromItsBar()
 {
     WindowFixture fixture;
-    fixture.state.openSnippet(QStringLiteral("a b a"), Language::swift, std::nullopt);
-    fixture.turnQueue();
+    fixture.openSnippet(QStringLiteral("a b a"), Language::swift);
     fixture.text().setFocus();
     fixture.text().setSelectedRange({0, 1});
     fixture.command(Command::showFindBar)->trigger();

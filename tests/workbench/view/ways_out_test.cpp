@@ -30,8 +30,7 @@ struct Fixture : WindowFixture
 {
     explicit Fixture(const QString& shown = content)
     {
-        state.openSnippet(shown, Language::plainText, std::nullopt);
-        turnQueue();
+        openSnippet(shown, Language::plainText);
         text().setSelectedRange({8, 0});
     }
 

@@ -56,6 +56,21 @@ struct WindowFixture
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot read");
     }
 
+    /// Opens code and waits until it has been given the keyboard, with the caret at its start: that comes a little
+    /// later, and in the midst of whatever is done meanwhile.
+    void openSnippet(const QString& code, Language language, const std::optional<LessonInfo>& lesson = {})
+    {
+        QObject listener;
+        bool isGiven = false;
+        notifications.addObserver(&listener, notifications::focusEditor,
+                                  [&isGiven](const Notification&) { isGiven = true; });
+        state.openSnippet(code, language, lesson);
+        if (!QTest::qWaitFor([&isGiven] { return isGiven; })) {
+            qFatal("the code is not given the keyboard");
+        }
+        turnQueue();
+    }
+
     TextView& text() { return window.editorArea().currentEditor()->textView(); }
     void turnQueue() { QCoreApplication::processEvents(); }
 
