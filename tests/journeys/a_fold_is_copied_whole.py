@@ -28,6 +28,18 @@ def go(journey):
     journey.key("ctrl+z", "ctrl+z", "ctrl+s")
     journey.until_file(file, WHOLE)
 
+    # Its rows are dragged by the first of them to where the text ends.
+    journey.key("ctrl+Home")
+    fold()
+    journey.key("ctrl+Home", "shift+Down", "shift+Down")
+    word = triangle[0] + 70, triangle[1]
+    journey.drag(word, (word[0], word[1] + 100))
+    journey.until_text("last one\nfunc f() {\n  one\n  two\n}\n")
+    journey.key("ctrl+s")
+    journey.until_file(file, "last one\nfunc f() {\n  one\n  two\n}\n")
+    journey.key("ctrl+z", "ctrl+s")
+    journey.until_file(file, WHOLE)
+
     # What stands under the fold is found, and replaced as often as it is counted.
     journey.key("ctrl+Home")
     fold()

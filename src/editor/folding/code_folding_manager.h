@@ -35,14 +35,12 @@ namespace kelm {
 /// Failures are silent: a storage that is gone, a region without a body, a placeholder that is no longer there change
 /// nothing. Lines count from 1. Main thread only. Folds must not be made or undone within a bracket of other edits of
 /// the storage.
-class CodeFoldingManager
+class CodeFoldingManager : public QObject
 {
 public:
     /// The centre outlives the manager.
     explicit CodeFoldingManager(NotificationCenter& center);
-    ~CodeFoldingManager();
-    CodeFoldingManager(const CodeFoldingManager&) = delete;
-    CodeFoldingManager& operator=(const CodeFoldingManager&) = delete;
+    ~CodeFoldingManager() override;
 
     /// The text that is folded, held weakly. Another one starts without anything to restore; the lists stay as they
     /// are.

@@ -3,6 +3,7 @@
 #include "editor/view/editor_text.h"
 #include "editor/view/kept_view.h"
 #include "platform/events/main_queue.h"
+#include "platform/style/view/style.h"
 #include "text/storage/text_position.h"
 
 #include <QResizeEvent>
@@ -44,7 +45,7 @@ EditorContainerView::~EditorContainerView()
 {
     textView_->setDelegate(nullptr);
     textView_->setWholeText(nullptr);
-    if (delegate_ != nullptr) {
+    if (delegate_) {
         delegate_->textWillEnd();
     }
 }
@@ -75,6 +76,14 @@ void EditorContainerView::resizeEvent(QResizeEvent* event)
     layOut();
 }
 
+void EditorContainerView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        applySelectionColor(*textView_, style::appearanceOf(*this));
+    }
+    QWidget::changeEvent(event);
+}
+
 void EditorContainerView::layOut()
 {
     const int left = showLineNumbers_ ? gutterWidth : 0;
@@ -84,7 +93,9 @@ void EditorContainerView::layOut()
     lineNumberView_->setGeometry(0, 0, left, height());
     textView_->setGeometry(left, 0, std::max(0, width() - left - right), height());
     minimapView_->setGeometry(width() - right, 0, right, height());
-    minimapView_->update();
+    if (showMinimap_) {
+        minimapView_->update();
+    }
 }
 
 void EditorContainerView::setShowLineNumbers(bool show)
@@ -192,7 +203,7 @@ void EditorContainerView::showPlace(LineAndColumn place)
 
 void EditorContainerView::textDidChange()
 {
-    if (delegate_ != nullptr && !takesDocumentsText_) {
+    if (delegate_ && !takesDocumentsText_) {
         delegate_->textDidChange();
     }
     refreshGutter();
@@ -201,7 +212,7 @@ void EditorContainerView::textDidChange()
 
 void EditorContainerView::textViewDidChangeSelection()
 {
-    if (delegate_ != nullptr) {
+    if (delegate_) {
         const LineAndColumn place = lineAndColumnAt(textView_->storage().tree(), textView_->selectedRange().location);
         delegate_->cursorPositionChanged(place.line, place.column);
     }
@@ -249,7 +260,7 @@ void EditorContainerView::prepareEdit()
     if (takesDocumentsText_) {
         return;
     }
-    if (delegate_ != nullptr) {
+    if (delegate_) {
         delegate_->textWillChange();
     }
     unfold();

@@ -13,6 +13,7 @@
 #include "text/storage/text_position.h"
 #include "text/view/text_view.h"
 
+#include <QPointer>
 #include <QRectF>
 #include <QWidget>
 
@@ -21,11 +22,9 @@
 namespace kelm {
 
 /// What an editor container tells the document's side. Lines and columns count from 1.
-class EditorContainerDelegate
+class EditorContainerDelegate : public QObject
 {
 public:
-    virtual ~EditorContainerDelegate() = default;
-
     /// The user is about to change the text; another one may be set yet.
     virtual void textWillChange() = 0;
     /// The user has changed the text.
@@ -58,6 +57,7 @@ public:
     CodeFoldingManager& codeFoldingManager() { return codeFoldingManager_; }
     /// Whether no worker is at work on the colours or the foldable regions.
     bool isSettled() const { return syntaxHighlighter_.isSettled() && codeFoldingManager_.isSettled(); }
+    /// Held weakly.
     void setDelegate(EditorContainerDelegate* delegate) { delegate_ = delegate; }
 
     /// Shows another text; carets stay where they stood as far as the text goes. The first text begins the undo
@@ -97,6 +97,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void setUpTextView();
@@ -123,7 +124,7 @@ private:
     SyntaxHighlighter syntaxHighlighter_;
     CodeFoldingManager codeFoldingManager_;
     FoldedText foldedText_;
-    EditorContainerDelegate* delegate_ = nullptr;
+    QPointer<EditorContainerDelegate> delegate_;
     bool showLineNumbers_ = true;
     bool showMinimap_ = true;
     Language currentLanguage_ = Language::plainText;

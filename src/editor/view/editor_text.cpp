@@ -31,8 +31,16 @@ void setUpEditorText(TextView& view, QSizeF inset)
     TextViewColors colors;
     colors.background = QColor::fromRgbF(0.12F, 0.12F, 0.14F);
     colors.text = Qt::white;
-    colors.insertionPoint = systemColor(SystemColor::yellow, Appearance::dark);
-    colors.selection = withAlpha(systemColor(SystemColor::blue, Appearance::dark), selectionAlpha);
+    const Appearance appearance = style::appearanceOf(view);
+    colors.insertionPoint = systemColor(SystemColor::yellow, appearance);
+    view.setColors(colors);
+    applySelectionColor(view, appearance);
+}
+
+void applySelectionColor(TextView& view, Appearance appearance)
+{
+    TextViewColors colors = view.colors();
+    colors.selection = withAlpha(systemColor(SystemColor::blue, appearance), selectionAlpha);
     view.setColors(colors);
 }
 

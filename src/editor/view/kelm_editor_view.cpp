@@ -61,7 +61,12 @@ void Coordinator::cursorPositionChanged(qsizetype line, qsizetype column)
 KelmEditorView::KelmEditorView(std::shared_ptr<Document> document, ThemeManager& themeManager, QObject* parent)
     : QObject(parent), document_(std::move(document)), themeManager_(themeManager), coordinator_(document_, *this)
 {
-    connect(document_.get(), &Document::contentChanged, this, &KelmEditorView::scheduleUpdate);
+    connect(document_.get(), &Document::contentChanged, this, [this] {
+        // What is typed is in the surface already.
+        if (document_->hasStoredText()) {
+            scheduleUpdate();
+        }
+    });
     connect(document_.get(), &Document::languageChanged, this, &KelmEditorView::scheduleUpdate);
     connect(document_.get(), &Document::lessonInfoChanged, this, &KelmEditorView::scheduleUpdate);
     connect(&themeManager_, &ThemeManager::currentThemeChanged, this, &KelmEditorView::scheduleUpdate);
@@ -100,12 +105,8 @@ void KelmEditorView::updateView()
     if (!view_) {
         return;
     }
-    if (view_->showLineNumbers() != showLineNumbers_) {
-        view_->setShowLineNumbers(showLineNumbers_);
-    }
-    if (view_->showMinimap() != showMinimap_) {
-        view_->setShowMinimap(showMinimap_);
-    }
+    view_->setShowLineNumbers(showLineNumbers_);
+    view_->setShowMinimap(showMinimap_);
     if (document_->language() != view_->currentLanguage()) {
         view_->setCurrentLanguage(document_->language());
     }

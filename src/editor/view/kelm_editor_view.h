@@ -15,7 +15,7 @@ namespace kelm {
 class KelmEditorView;
 
 /// The container's delegate: the document has its text from the container, and hears through it of what is typed.
-class Coordinator final : public QObject, public EditorContainerDelegate, public DocumentEditor
+class Coordinator final : public EditorContainerDelegate, public DocumentEditor
 {
 public:
     Coordinator(std::shared_ptr<Document> shown, KelmEditorView& owner);
@@ -41,7 +41,8 @@ private:
 };
 
 /// The bridge between a document, the theme and an editing surface. Whatever of them changes, the surface is updated
-/// once for all changes of one event; an update that would change nothing costs nothing.
+/// once for all changes of one event. An update lays the surface's parts out and has its map painted anew; beyond that,
+/// one that would change nothing costs nothing.
 class KelmEditorView final : public QObject
 {
     Q_OBJECT

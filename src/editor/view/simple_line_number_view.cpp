@@ -131,7 +131,7 @@ void SimpleLineNumberView::changeEvent(QEvent* event)
 
 std::optional<CodeFoldingManager::Mark> SimpleLineNumberView::markAt(qsizetype line) const
 {
-    return codeFoldingManager != nullptr ? codeFoldingManager->markAt(line) : std::nullopt;
+    return codeFoldingManager ? codeFoldingManager->markAt(line) : std::nullopt;
 }
 
 std::optional<qsizetype> SimpleLineNumberView::foldableLineAt(QPointF point) const

@@ -36,7 +36,7 @@ public:
     explicit SimpleLineNumberView(QWidget* parent = nullptr);
 
     QPointer<TextView> textView;
-    CodeFoldingManager* codeFoldingManager = nullptr;
+    QPointer<CodeFoldingManager> codeFoldingManager;
     QColor backgroundColor = QColor::fromRgbF(0.1F, 0.1F, 0.12F);
     QColor textColor = QColor(128, 128, 128);
     QColor foldIndicatorColor;

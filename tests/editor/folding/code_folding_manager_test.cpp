@@ -315,6 +315,13 @@ void CodeFoldingManagerTest::eachFoldAndUnfoldIsPosted()
     fixture.manager.fold(fixture.region(2));
     fixture.manager.unfoldAll();
     QCOMPARE(posts.size(), 4);
+    fixture.manager.toggle(2);
+    QCOMPARE(posts.size(), 5);
+    fixture.manager.toggle(2);
+    QCOMPARE(posts.size(), 6);
+    // A line without anything to fold.
+    fixture.manager.toggle(3);
+    QCOMPARE(posts.size(), 6);
 }
 
 void CodeFoldingManagerTest::aGoneTextViewIsSilent()

@@ -59,6 +59,16 @@ void MinimapBarsTest::aLineIsTintedByAGlance_data()
     row("a line that begins with the word letter is plain", "letter", plain);
     row("keyword alone is plain", "else", plain);
     row("keyword before a tab is plain", "var\tx", plain);
+    for (const char* prefix :
+         {"func", "def", "class", "struct", "enum", "if", "else", "for", "while", "import", "return", "let", "var"}) {
+        QTest::addRow("%s before a blank", prefix) << QString::fromLatin1(prefix) + QStringLiteral(" x") << keyword;
+        QTest::addRow("%s before a bracket", prefix) << QString::fromLatin1(prefix) + u'(' << keyword;
+        QTest::addRow("%s before a letter", prefix) << QString::fromLatin1(prefix) + QStringLiteral("x") << plain;
+    }
+    row("no other keyword", "switch x", plain);
+    row("a slash alone", "/ x", plain);
+    row("a comment further on", "x // y", plain);
+    row("a quote in a comment", "// \"x\"", comment);
     row("plain", "a + b", plain);
     row("a carriage return is no blank", "\r", plain);
 }
@@ -106,20 +116,32 @@ void MinimapBarsTest::theMapIsSqueezedIntoItsHeight()
 
 void MinimapBarsTest::aClickMeansTheLineUnderIt_data()
 {
+    QTest::addColumn<qsizetype>("lines");
     QTest::addColumn<qreal>("y");
     QTest::addColumn<qsizetype>("line");
-    QTest::newRow("above the first bar") << 0.0 << qsizetype(1);
-    QTest::newRow("just above") << 4.9 << qsizetype(1);
-    QTest::newRow("on the first") << 5.0 << qsizetype(1);
-    QTest::newRow("on the second") << 8.0 << qsizetype(2);
-    QTest::newRow("between") << 10.9 << qsizetype(2);
-    QTest::newRow("below the last") << 399.0 << qsizetype(100);
+    const auto row = [](const char* name, qsizetype lines, qreal y, qsizetype line) {
+        QTest::newRow(name) << lines << y << line;
+    };
+    row("above the first bar", 100, 0, 1);
+    row("just above", 100, 4.9, 1);
+    row("on the first", 100, 5, 1);
+    row("on the second", 100, 8, 2);
+    row("between", 100, 10.9, 2);
+    row("below the last", 100, 399, 100);
+    // 0.13 of 3 points each.
+    row("squeezed, above the first bar", 1000, 0, 1);
+    row("squeezed, on the first", 1000, 5.38, 1);
+    row("squeezed, on the second", 1000, 5.4, 2);
+    row("squeezed, in the middle", 1000, 200.1, 501);
+    row("squeezed, on the last", 1000, 394.9, 1000);
+    row("squeezed, below the last", 1000, 400, 1000);
 }
 
 void MinimapBarsTest::aClickMeansTheLineUnderIt()
 {
+    QFETCH(qsizetype, lines);
     QFETCH(qreal, y);
-    QTEST((MinimapGeometry{80, 400, 100}.lineAt(y)), "line");
+    QTEST((MinimapGeometry{80, 400, lines}.lineAt(y)), "line");
 }
 
 void MinimapBarsTest::theBoxLiesOverWhatIsOnScreen()
@@ -128,6 +150,12 @@ void MinimapBarsTest::theBoxLiesOverWhatIsOnScreen()
     QCOMPARE(geometry.viewportBox({0, 170, 500, 340}), QRectF(0, 10 * 3 + 5, 80, 60));
     QCOMPARE(geometry.viewportBox({0, 0, 500, 50}), QRectF(0, 5, 80, 20));
     QCOMPARE(geometry.viewportBox({0, 33, 500, 340}).y(), 8.0);
+    // Of a squeezed text it is squeezed as well, down to its least height.
+    const MinimapGeometry squeezed{80, 400, 1000};
+    const QRectF box = squeezed.viewportBox({0, 1700, 500, 3400});
+    QCOMPARE(box.y(), 0.13 * 100 * 3 + 5);
+    QCOMPARE(box.height(), 0.13 * 200 * 3);
+    QCOMPARE(squeezed.viewportBox({0, 1700, 500, 340}).height(), 20.0);
 }
 
 void MinimapBarsTest::barsAreAsLongAsTheirLines()

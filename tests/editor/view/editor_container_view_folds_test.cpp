@@ -1,12 +1,16 @@
 #include "support/random_text.h"
 #include "support/shown_document.h"
+#include "support/shown_text_view.h"
 #include "support/test_program.h"
 #include "text/view/find_bar.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QClipboard>
+#include <QDrag>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QtTest>
 
 namespace editor_container_view_folds_test {
@@ -116,6 +120,8 @@ private Q_SLOTS:
     void aPlaceholderThatIsPartlySelectedCountsWhole();
     void aFoldWithinAFoldIsCopiedWhole();
     void aDraggedFoldIsTheText();
+    void keysCopyAndCutAFoldWhole();
+    void theMouseDragsAFoldWhole();
     void findCountsWhatIsFolded();
     void theNextMatchUnfoldsWhatHidesIt();
     void aMatchWithoutTheBarUnfoldsWhatHidesIt();
@@ -213,6 +219,56 @@ void EditorContainerViewFoldsTest::aDraggedFoldIsTheText()
     QCOMPARE(dragged, functions.left(rest));
     QVERIFY(fixture.text_().editor().moveSelectedTextTo(fixture.shown().size()));
     QCOMPARE(fixture.document->content(), functions.mid(rest) + functions.left(rest));
+}
+
+void EditorContainerViewFoldsTest::keysCopyAndCutAFoldWhole()
+{
+    Fixture fixture(functions);
+    const qsizetype rest = functions.indexOf(QStringLiteral("last"));
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+        QTest::keyClick(&fixture.text_(), key, modifiers);
+    };
+    fixture.toggle(1);
+    // The rows of the function, by what is shown of them.
+    press(Qt::Key_Home);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_C);
+    QCOMPARE(clipboard(), functions.left(rest));
+    QVERIFY(fixture.isFolded());
+    QVERIFY(!fixture.document->isModified());
+    QGuiApplication::clipboard()->clear();
+    press(Qt::Key_X);
+    QCOMPARE(clipboard(), functions.left(rest));
+    QCOMPARE(fixture.document->content(), functions.mid(rest));
+    press(Qt::Key_End);
+    press(Qt::Key_V);
+    QCOMPARE(fixture.document->content(), functions.mid(rest) + functions.left(rest));
+    press(Qt::Key_Z);
+    press(Qt::Key_Z);
+    QCOMPARE(fixture.document->content(), functions);
+}
+
+void EditorContainerViewFoldsTest::theMouseDragsAFoldWhole()
+{
+    Fixture fixture(functions);
+    test::ShownTextView other;
+    fixture.toggle(1);
+    const qsizetype rest = functions.indexOf(QStringLiteral("last"));
+    fixture.select(QStringLiteral("func f() {\n … }\n"));
+    QWidget* const page = fixture.text_().viewport();
+    const QPoint begin = fixture.text_().caretRect({3}).center().toPoint();
+    QTest::mousePress(page, Qt::LeftButton, {}, begin);
+    QTest::mouseMove(page, begin + QPoint(0, QApplication::startDragDistance()));
+    // It is not taken anywhere here, and stays until events are waited for.
+    const auto* drag = fixture.text_().findChild<QDrag*>();
+    QVERIFY(drag != nullptr);
+    QCOMPARE(drag->mimeData()->text(), functions.left(rest));
+    QVERIFY(fixture.isFolded());
+    QVERIFY(!fixture.document->isModified());
+    // Where another text takes it, it is the text that was under the fold.
+    QVERIFY(other.dropFromOutside(*drag->mimeData(), other.pointAt(0)));
+    QCOMPARE(other.text(), functions.left(rest));
 }
 
 void EditorContainerViewFoldsTest::findCountsWhatIsFolded()

@@ -1,4 +1,5 @@
 #include "editor/view/kelm_editor_view.h"
+#include "support/paints.h"
 #include "support/random_text.h"
 #include "support/shown_document.h"
 #include "support/test_program.h"
@@ -13,6 +14,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <memory>
+
 namespace editor_container_view_test {
 
 using namespace kelm;
@@ -21,6 +24,24 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString foldable = QStringLiteral("func f() {\n  one\n  two\n}\nlast\n");
+
+/// Writes down what it is told, in order.
+class RecordingDelegate final : public EditorContainerDelegate
+{
+public:
+    explicit RecordingDelegate(QStringList& told) : told_(told) {}
+
+    void textWillChange() override { told_ << QStringLiteral("will change"); }
+    void textDidChange() override { told_ << QStringLiteral("did change"); }
+    void textWillEnd() override { told_ << QStringLiteral("will end"); }
+    void cursorPositionChanged(qsizetype line, qsizetype column) override
+    {
+        told_ << QStringLiteral("caret %1:%2").arg(line).arg(column);
+    }
+
+private:
+    QStringList& told_;
+};
 
 /// A document in a container on screen, with time that moves by hand.
 struct Fixture : test::ShownDocument
@@ -92,10 +113,19 @@ private Q_SLOTS:
     void typingMarksTheDocumentModified();
     void contentChangedElsewhereIsShown();
     void contentChangedElsewhereIsAnUndoStep();
+    void contentChangedElsewhereComesAfterWhatIsComposed();
     void soItIsWhereTheTextBeganEmpty();
     void triangleFollowsItsFold();
     void whatWasFoldedHasItsColoursWhenItIsBack();
     void keysThatScrollNothingLeaveTheMinimap();
+    void scrollingHasGutterAndMinimapPaintedAnew();
+    void editsHaveTheGutterPaintedAnew();
+    void aThemeHasTheGutterPaintedAnew();
+    void aNewSurfaceHasAllValues();
+    void aFoldCommitsWhatIsComposed();
+    void eachUpdateHasTheMinimapPaintedAnew();
+    void aThemeBringsItsColoursAndLeavesTheRegions();
+    void aDelegateThatIsGoneIsNotTold();
     void editsThatCancelOutLeaveTheDocument();
     void anUpdateWithoutAChangeColoursNothing();
     void theThemeIsTakenWithoutSelectionAndCurrentLineColours();
@@ -237,6 +267,20 @@ void EditorContainerViewTest::contentChangedElsewhereIsAnUndoStep()
     QVERIFY(!text.editor().canUndo());
 }
 
+void EditorContainerViewTest::contentChangedElsewhereComesAfterWhatIsComposed()
+{
+    Fixture fixture(QStringLiteral("one"));
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.view->textView(), &composing);
+    fixture.view->setText(QStringLiteral("two"));
+    QVERIFY(!fixture.view->textView().isComposing());
+    QCOMPARE(fixture.view->text(), QStringLiteral("two"));
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.view->text(), QStringLiteral("한one"));
+    fixture.view->textView().undo();
+    QCOMPARE(fixture.view->text(), QStringLiteral("one"));
+}
+
 void EditorContainerViewTest::soItIsWhereTheTextBeganEmpty()
 {
     Fixture fixture;
@@ -294,20 +338,8 @@ void EditorContainerViewTest::whatWasFoldedHasItsColoursWhenItIsBack()
 void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
 {
     Fixture fixture(QStringLiteral("let a\n").repeated(10));
-    class Paints final : public QObject
-    {
-    public:
-        int count = 0;
-
-    protected:
-        bool eventFilter(QObject*, QEvent* event) override
-        {
-            count += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    } paints;
     fixture.turnQueue();
-    fixture.view->minimapView().installEventFilter(&paints);
+    test::Paints paints(fixture.view->minimapView());
     for (int key = 0; key < 5; ++key) {
         QTest::keyClick(&fixture.view->textView(), Qt::Key_Right);
     }
@@ -318,6 +350,158 @@ void EditorContainerViewTest::keysThatScrollNothingLeaveTheMinimap()
     paints.count = 0;
     fixture.view->textView().undo();
     QTRY_VERIFY(paints.count > 0);
+}
+
+void EditorContainerViewTest::scrollingHasGutterAndMinimapPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(500));
+    fixture.turnQueue();
+    test::Paints gutter(fixture.view->lineNumberView());
+    test::Paints minimap(fixture.view->minimapView());
+    fixture.view->textView().scrollToY(170);
+    QTRY_VERIFY(gutter.count > 0);
+    QTRY_VERIFY(minimap.count > 0);
+    QCOMPARE(fixture.view->minimapView().currentVisibleRect, fixture.view->textView().visibleRect());
+    QCOMPARE(fixture.view->minimapView().currentVisibleRect.y(), 170.0);
+}
+
+void EditorContainerViewTest::editsHaveTheGutterPaintedAnew()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("{"));
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    fixture.turnQueue();
+    test::Paints gutter(fixture.view->lineNumberView());
+    // Another line has another number.
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.type(QStringLiteral("}"));
+    fixture.turnQueue();
+    // The pause brings the triangle.
+    gutter.count = 0;
+    fixture.time.advance(150ms);
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.turnQueue();
+    gutter.count = 0;
+    QTest::mouseClick(&fixture.view->lineNumberView(), Qt::LeftButton, {}, {10, 12});
+    QVERIFY(fixture.view->codeFoldingManager().isTextFolded());
+    QTRY_VERIFY(gutter.count > 0);
+}
+
+void EditorContainerViewTest::aThemeHasTheGutterPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(10));
+    fixture.turnQueue();
+    test::Paints gutter(fixture.view->lineNumberView());
+    fixture.view->setTheme(EditorTheme::dracula());
+    QTRY_VERIFY(gutter.count > 0);
+    fixture.turnQueue();
+    gutter.count = 0;
+    // Regions that a worker has found.
+    fixture.view->codeFoldingManager().onRegionsFound();
+    QTRY_VERIFY(gutter.count > 0);
+}
+
+void EditorContainerViewTest::aNewSurfaceHasAllValues()
+{
+    Fixture fixture;
+    LessonInfo lesson;
+    lesson.regionStart = 2;
+    lesson.regionEnd = 3;
+    const auto document = std::make_shared<Document>(foldable, std::nullopt, Language::swift, lesson);
+    document->setIsModified(true);
+    fixture.themes.setCurrentTheme(EditorTheme::dracula());
+    KelmEditorView binding(document, fixture.themes);
+    binding.setShowLineNumbers(false);
+    binding.setShowMinimap(false);
+    // At once, and not with an update.
+    const std::unique_ptr<EditorContainerView> view(binding.makeView(fixture.time, fixture.notifications, nullptr));
+    QVERIFY(!view->showLineNumbers());
+    QVERIFY(!view->showMinimap());
+    QVERIFY(view->currentLanguage() == Language::swift);
+    QCOMPARE(view->theme(), EditorTheme::dracula());
+    QCOMPARE(view->text(), foldable);
+    QCOMPARE(view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+    QCOMPARE(view->lessonRegion(), std::optional(LineRegion{2, 3}));
+    QVERIFY(!view->textView().editor().canUndo());
+    QVERIFY(!view->textView().accessibleName().contains(u'*'));
+    lesson.namesRegion = false;
+    document->setLessonInfo(lesson);
+    binding.updateView();
+    QCOMPARE(view->lessonRegion(), std::nullopt);
+}
+
+void EditorContainerViewTest::aFoldCommitsWhatIsComposed()
+{
+    Fixture fixture(foldable);
+    fixture.view->textView().setSelectedRange({foldable.size(), 0});
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.view->textView(), &composing);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QVERIFY(!fixture.view->textView().isComposing());
+    QVERIFY(fixture.view->codeFoldingManager().isTextFolded());
+    QCOMPARE(fixture.document->content(), foldable + QStringLiteral("한"));
+}
+
+void EditorContainerViewTest::eachUpdateHasTheMinimapPaintedAnew()
+{
+    Fixture fixture(QStringLiteral("let a\n").repeated(10));
+    fixture.turnQueue();
+    test::Paints paints(fixture.view->minimapView());
+    fixture.binding->updateView();
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.document->setContent(fixture.document->content());
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.document->setExplicitLanguage(Language::go);
+    QTRY_VERIFY(paints.count > 0);
+    paints.count = 0;
+    fixture.themes.setCurrentTheme(EditorTheme::dracula());
+    QTRY_VERIFY(paints.count > 0);
+}
+
+void EditorContainerViewTest::aThemeBringsItsColoursAndLeavesTheRegions()
+{
+    Fixture fixture;
+    fixture.type(QStringLiteral("let {"));
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    QTest::keyClick(&fixture.view->textView(), Qt::Key_Return);
+    fixture.type(QStringLiteral("}"));
+    fixture.view->setTheme(EditorTheme::dracula());
+    QCOMPARE(fixture.colorAt(0), rgba(EditorTheme::dracula().keywordColor));
+    QVERIFY(fixture.view->codeFoldingManager().foldableRegions().empty());
+    fixture.time.advance(150ms);
+    QCOMPARE(fixture.view->codeFoldingManager().foldableRegions().size(), std::size_t(1));
+}
+
+void EditorContainerViewTest::aDelegateThatIsGoneIsNotTold()
+{
+    ManualScheduler time;
+    NotificationCenter notifications;
+    QStringList told;
+    {
+        EditorContainerView view(time, notifications);
+        auto delegate = std::make_unique<RecordingDelegate>(told);
+        view.setText(QStringLiteral("ab"));
+        QVERIFY(told.isEmpty());
+        view.setDelegate(delegate.get());
+        QTest::keyClicks(&view.textView(), QStringLiteral("x"));
+        QVERIFY(told.indexOf(QStringLiteral("will change")) < told.indexOf(QStringLiteral("did change")));
+        QVERIFY(told.contains(QStringLiteral("will change")));
+        QVERIFY(told.contains(QStringLiteral("caret 1:2")));
+        told.clear();
+        delegate.reset();
+        QTest::keyClicks(&view.textView(), QStringLiteral("y"));
+        QCOMPARE(view.text(), QStringLiteral("xyab"));
+    }
+    QVERIFY(told.isEmpty());
+    RecordingDelegate delegate(told);
+    {
+        EditorContainerView view(time, notifications);
+        view.setDelegate(&delegate);
+    }
+    QCOMPARE(told, (QStringList{QStringLiteral("will end")}));
 }
 
 void EditorContainerViewTest::editsThatCancelOutLeaveTheDocument()
@@ -364,6 +548,7 @@ void EditorContainerViewTest::theThemeIsTakenWithoutSelectionAndCurrentLineColou
     QCOMPARE(fixture.view->lineNumberView().backgroundColor, light.gutterColor.toColor());
     QCOMPARE(fixture.view->lineNumberView().textColor, light.lineNumberColor.toColor());
     QCOMPARE(fixture.view->minimapView().theme, light);
+    QCOMPARE(fixture.view->minimapView().palette().color(QPalette::Window), light.backgroundColor.toColor());
     QCOMPARE(fixture.colorAt(0), rgba(light.keywordColor));
     QCOMPARE(fixture.colorAt(4), rgba(light.textColor));
 }
@@ -402,6 +587,9 @@ void EditorContainerViewTest::theFocusNotificationPutsTheCaretAtTheStart()
     QCOMPARE(fixture.view->textView().selectedRange(), (TextRange{0, 0}));
     QCOMPARE(fixture.view->textView().visibleRect().y(), 0.0);
     QVERIFY(fixture.view->textView().hasFocus());
+    fixture.view->textView().clearFocus();
+    fixture.view->setFocus();
+    QVERIFY(fixture.view->textView().hasFocus());
 }
 
 void EditorContainerViewTest::theFocusNotificationIsForTheVisibleEditorAlone()
@@ -417,15 +605,24 @@ void EditorContainerViewTest::theFocusNotificationIsForTheVisibleEditorAlone()
 void EditorContainerViewTest::theCaretReachesTheDocument()
 {
     Fixture fixture(QStringLiteral("one\ntwo\nthree\n"));
+    fixture.turnQueue();
     fixture.view->textView().setSelectedRange({12, 0});
+    // With the main queue's next turn.
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{1, 1, 0}));
     fixture.turnQueue();
     QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{3, 5, 0}));
+    // Of a selection it is where that begins.
+    fixture.view->textView().setSelectedRange({5, 7});
+    fixture.turnQueue();
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{2, 2, 0}));
 }
 
 void EditorContainerViewTest::hiddenPartsGiveTheirWidthToTheText()
 {
     Fixture fixture(QStringLiteral("text"));
+    QCOMPARE(fixture.view->lineNumberView().geometry(), QRect(0, 0, 55, 400));
     QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55 - 80, 400));
+    QCOMPARE(fixture.view->minimapView().geometry(), QRect(800 - 80, 0, 80, 400));
     fixture.binding->setShowMinimap(false);
     fixture.turnQueue();
     QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 800 - 55, 400));
@@ -433,6 +630,14 @@ void EditorContainerViewTest::hiddenPartsGiveTheirWidthToTheText()
     fixture.binding->setShowLineNumbers(false);
     fixture.turnQueue();
     QCOMPARE(fixture.view->textView().geometry(), QRect(0, 0, 800, 400));
+    QVERIFY(!fixture.view->lineNumberView().isVisible());
+    fixture.binding->setShowLineNumbers(true);
+    fixture.binding->setShowMinimap(true);
+    fixture.turnQueue();
+    fixture.view->resize(500, 300);
+    QCOMPARE(fixture.view->lineNumberView().geometry(), QRect(0, 0, 55, 300));
+    QCOMPARE(fixture.view->textView().geometry(), QRect(55, 0, 500 - 55 - 80, 300));
+    QCOMPARE(fixture.view->minimapView().geometry(), QRect(500 - 80, 0, 80, 300));
 }
 
 void EditorContainerViewTest::foldingLeavesTheDocumentAlone()
@@ -569,6 +774,15 @@ void EditorContainerViewTest::theLessonRegionReachesTheGutter()
     fixture.document->setLessonInfo(lesson);
     fixture.turnQueue();
     QCOMPARE(fixture.view->lineNumberView().lessonRegion, std::optional(LineRegion{2, 3}));
+    QCOMPARE(fixture.view->lessonRegion(), std::optional(LineRegion{2, 3}));
+    test::Paints paints(fixture.view->lineNumberView());
+    lesson.regionEnd = 2;
+    fixture.document->setLessonInfo(lesson);
+    QTRY_VERIFY(paints.count > 0);
+    QCOMPARE(fixture.view->lessonRegion(), std::optional(LineRegion{2, 2}));
+    fixture.document->setLessonInfo(std::nullopt);
+    fixture.turnQueue();
+    QCOMPARE(fixture.view->lessonRegion(), std::nullopt);
 }
 
 void EditorContainerViewTest::theMinimapScrollsToALine()
@@ -576,6 +790,9 @@ void EditorContainerViewTest::theMinimapScrollsToALine()
     Fixture fixture(QString(QStringLiteral("line\n")).repeated(1000));
     fixture.view->minimapView().onLineSelected(400);
     QCOMPARE(fixture.view->textView().visibleRect().y(), 399 * 17.0 - 200);
+    // 1001 lines in 390 points: what is 196 points below the first is line 504.
+    QTest::mouseClick(&fixture.view->minimapView(), Qt::LeftButton, {}, {40, 201});
+    QCOMPARE(fixture.view->textView().visibleRect().y(), 503 * 17.0 - 200);
 }
 
 void EditorContainerViewTest::foldsNeverReachTheDocument()
@@ -649,6 +866,8 @@ void EditorContainerViewTest::foldsEditsAndUndoLeaveTheContentThatEditsMade()
                 text.setSelectedRange(range);
                 const TextRange selected = text.selectedRange();
                 fixture.type(QStringLiteral("Z"));
+                // A step of its own, wherever the one before was typed.
+                text.editor().endUndoRun();
                 whole.replace(selected.location, selected.length, u'Z');
                 if (whole == states[at]) {
                     // A letter over the same letter is no edit.

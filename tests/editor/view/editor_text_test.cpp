@@ -1,5 +1,7 @@
 #include "editor/view/editor_container_view.h"
 #include "editor/view/editor_text.h"
+#include "platform/style/view/style.h"
+#include "support/painted.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -32,12 +34,29 @@ class EditorTextTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aContainerStartsAsItShould();
     void theColoursBeforeAnyTheme();
     void theGroundsArePaintedBeforeAnyTheme();
     void theFontIsMonospacedAndRegular();
     void theTextIsInsetByFour();
     void aThemeKeepsFontAndSelection();
+    void theGroundOfSelectedTextFollowsTheAppearance();
 };
+
+void EditorTextTest::aContainerStartsAsItShould()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.view.theme(), EditorTheme::monokai());
+    QVERIFY(fixture.view.currentLanguage() == Language::plainText);
+    QVERIFY(fixture.view.showLineNumbers());
+    QVERIFY(fixture.view.showMinimap());
+    QVERIFY(!fixture.view.lessonRegion());
+    QVERIFY(!fixture.view.textView().isReadOnly());
+    QVERIFY(fixture.view.lineNumberView().textView == &fixture.view.textView());
+    QVERIFY(fixture.view.lineNumberView().codeFoldingManager == &fixture.view.codeFoldingManager());
+    QCOMPARE(fixture.view.minimapView().textView(), &fixture.view.textView());
+    QCOMPARE(fixture.view.codeFoldingManager().storage(), &fixture.view.textView().storage());
+}
 
 void EditorTextTest::theColoursBeforeAnyTheme()
 {
@@ -46,8 +65,9 @@ void EditorTextTest::theColoursBeforeAnyTheme()
     QCOMPARE(colors.background.name(), QStringLiteral("#1f1f24"));
     QCOMPARE(colors.background.alpha(), 255);
     QCOMPARE(colors.text, QColor(255, 255, 255));
-    QCOMPARE(colors.insertionPoint, QColor(255, 214, 10));
-    QCOMPARE(colors.selection.name(), QStringLiteral("#0a84ff"));
+    QCOMPARE(style::appearanceOf(fixture.view), Appearance::light);
+    QCOMPARE(colors.insertionPoint, QColor(255, 204, 0));
+    QCOMPARE(colors.selection.name(), QStringLiteral("#007aff"));
     QCOMPARE(colors.selection.alpha(), 102);
 }
 
@@ -92,6 +112,39 @@ void EditorTextTest::aThemeKeepsFontAndSelection()
     QCOMPARE(text.colors().selection, before.selection);
     QCOMPARE(text.textLayout().font(), font);
     QCOMPARE(text.textInset(), QSizeF(4, 4));
+}
+
+void EditorTextTest::theGroundOfSelectedTextFollowsTheAppearance()
+{
+    Fixture fixture;
+    TextView& text = fixture.view.textView();
+    text.storage().setText(QStringLiteral("    "));
+    text.setSelectedRange({0, 4});
+    // Whatever the theme: it is the window's appearance that counts.
+    fixture.view.setTheme(EditorTheme::githubLight());
+    const TextViewColors before = text.colors();
+    const auto check = [&](Appearance appearance, const QColor& blue) {
+        fixture.view.setPalette(style::palette(appearance));
+        QCOMPARE(text.colors().selection.name(), blue.name());
+        QCOMPARE(text.colors().selection.alpha(), 102);
+        const QPoint inside = text.caretRect({2, false}).center().toPoint();
+        const QColor seen = text.viewport()->grab().toImage().pixelColor(inside);
+        QColor ground = blue;
+        ground.setAlphaF(0.4F);
+        QVERIFY2(test::isNear(seen, test::over(text.colors().background, ground)), qPrintable(seen.name()));
+        QCOMPARE(text.colors().background, before.background);
+        QCOMPARE(text.colors().text, before.text);
+        QCOMPARE(text.colors().insertionPoint, before.insertionPoint);
+        QCOMPARE(text.colors().match, before.match);
+    };
+    check(Appearance::dark, {10, 132, 255});
+    check(Appearance::light, {0, 122, 255});
+    // So it is where the dark one was there before the view.
+    QWidget window;
+    window.setPalette(style::palette(Appearance::dark));
+    EditorContainerView dark(fixture.time, fixture.notifications, &window);
+    QCOMPARE(dark.textView().colors().selection.name(), QStringLiteral("#0a84ff"));
+    QCOMPARE(dark.textView().colors().insertionPoint, QColor(255, 214, 10));
 }
 
 const kelm::test::Registered<EditorTextTest> registered(kelm::test::Toolkit::widgets);

@@ -1,9 +1,13 @@
 #include "editor/view/numbered_rows.h"
 #include "editor/view/simple_line_number_view.h"
+#include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
 #include "support/ink_recorder.h"
+#include "support/painted.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
+#include <QPainter>
 #include <QtTest>
 
 #include <cmath>
@@ -64,12 +68,18 @@ class SimpleLineNumberViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void itStartsAsItShould();
+    void aManagerThatIsGoneHasNoTriangles();
     void anEmptyTextHasOneNumberAndNoClicks();
     void aFoldLineShowsATriangleThatTurns();
+    void trianglesHaveTheirCorners_data();
+    void trianglesHaveTheirCorners();
     void theZoneOfTheTriangleEndsAtTwentyTwo_data();
     void theZoneOfTheTriangleEndsAtTwentyTwo();
     void theLessonRegionHasABandAndBlueNumbers();
+    void theBandOfAWrappedLineIsAtItsFirstRow();
     void aWrappedLineHasOneNumber();
+    void aRowIsSeventeenHigh();
     void theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines();
     void aLineThatFillsTheViewHasNoNumberThere();
     void numbersCountLineFeeds();
@@ -79,6 +89,44 @@ private Q_SLOTS:
     void longNumbersAreWhole_data();
     void longNumbersAreWhole();
 };
+
+void SimpleLineNumberViewTest::itStartsAsItShould()
+{
+    SimpleLineNumberView gutter;
+    QCOMPARE(gutter.backgroundColor, QColor::fromRgbF(0.1F, 0.1F, 0.12F));
+    QCOMPARE(gutter.textColor, QColor(128, 128, 128));
+    QVERIFY(!gutter.lessonRegion);
+    QVERIFY(!gutter.onFoldToggle);
+    QCOMPARE(SimpleLineNumberView::foldIconWidth, 14.0);
+    // The others follow the appearance.
+    for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+        gutter.setPalette(style::palette(appearance));
+        QCOMPARE(gutter.foldIndicatorColor, systemColor(SystemColor::gray, appearance));
+        QCOMPARE(gutter.lessonNumberColor, systemColor(SystemColor::blue, appearance));
+        QColor band = systemColor(SystemColor::blue, appearance);
+        band.setAlphaF(0.1F);
+        QCOMPARE(gutter.lessonHighlightColor, band);
+    }
+    // Without a text there is nothing but the ground.
+    gutter.resize(55, 40);
+    QVERIFY(test::isPlain(gutter.grab().toImage(), gutter.backgroundColor));
+}
+
+void SimpleLineNumberViewTest::aManagerThatIsGoneHasNoTriangles()
+{
+    Fixture fixture(foldable);
+    auto folding = std::make_unique<CodeFoldingManager>(fixture.notifications);
+    folding->setStorage(&fixture.text.storage());
+    folding->detectFoldableRegions(Language::swift);
+    fixture.gutter.codeFoldingManager = folding.get();
+    bool toggled = false;
+    fixture.gutter.onFoldToggle = [&](qsizetype) { toggled = true; };
+    QVERIFY(fixture.rowHas(fixture.picture(), 0, 0, 22, fixture.gutter.foldIndicatorColor));
+    folding.reset();
+    QVERIFY(!fixture.rowHas(fixture.picture(), 0, 0, 22, fixture.gutter.foldIndicatorColor));
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {10, 10});
+    QVERIFY(!toggled);
+}
 
 void SimpleLineNumberViewTest::anEmptyTextHasOneNumberAndNoClicks()
 {
@@ -110,6 +158,37 @@ void SimpleLineNumberViewTest::aFoldLineShowsATriangleThatTurns()
     QVERIFY(folded.pixelColor(13, 9).rgb() != orange.rgb());
 }
 
+void SimpleLineNumberViewTest::trianglesHaveTheirCorners_data()
+{
+    QTest::addColumn<bool>("isFolded");
+    QTest::addColumn<QPolygonF>("triangle");
+    // In a box of 12 by 12 at x 3, in the middle of a row of 17 from y 4 on.
+    const qreal top = 4 + 2.5;
+    QTest::newRow("pointing down") << false << QPolygonF{{4, top + 3}, {14, top + 3}, {9, top + 11}};
+    QTest::newRow("pointing right") << true << QPolygonF{{6, top + 1}, {14, top + 6}, {6, top + 11}};
+}
+
+void SimpleLineNumberViewTest::trianglesHaveTheirCorners()
+{
+    QFETCH(bool, isFolded);
+    QFETCH(QPolygonF, triangle);
+    Fixture fixture(foldable);
+    if (isFolded) {
+        fixture.folding.fold(fixture.folding.foldableRegions().front());
+    }
+    const QImage row = fixture.picture().copy(0, 4, 22, 17);
+    QImage expected(22, 21, QImage::Format_RGB32);
+    expected.fill(fixture.gutter.backgroundColor);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isFolded ? systemColor(SystemColor::orange, style::appearanceOf(fixture.gutter))
+                              : fixture.gutter.foldIndicatorColor);
+    painter.drawPolygon(triangle);
+    painter.end();
+    QVERIFY(test::isSame(row, expected.copy(0, 4, 22, 17)));
+}
+
 void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo_data()
 {
     QTest::addColumn<int>("x");
@@ -130,8 +209,17 @@ void SimpleLineNumberViewTest::theZoneOfTheTriangleEndsAtTwentyTwo()
     qsizetype toggled = 0;
     fixture.gutter.onFoldToggle = [&](qsizetype line) { toggled = line; };
     fixture.text.setSelectedRange({3, 4});
+    QTest::mouseClick(&fixture.gutter, Qt::RightButton, {}, {x, y});
+    QCOMPARE(toggled, qsizetype(0));
     QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
     QTEST(toggled, "line");
+    // Where something was toggled it is painted anew.
+    QCoreApplication::processEvents();
+    test::Paints paints(fixture.gutter);
+    QTest::mouseClick(&fixture.gutter, Qt::LeftButton, {}, {x, y});
+    if (toggled > 0) {
+        QTRY_VERIFY(paints.count > 0);
+    }
     QCOMPARE(fixture.text.selectedRange(), (TextRange{3, 4}));
 }
 
@@ -150,6 +238,38 @@ void SimpleLineNumberViewTest::theLessonRegionHasABandAndBlueNumbers()
         QVERIFY(!fixture.rowHas(image, row, 30, 55, fixture.gutter.textColor));
     }
     QCOMPARE(image.pixelColor(1, 4 + 3 * 17).rgb(), plain.rgb());
+    const QColor band = test::over(plain, fixture.gutter.lessonHighlightColor);
+    QVERIFY(test::isNear(image.pixelColor(1, 4 + 17), band));
+    // The numbers with their colours, from the top.
+    const std::vector<test::Ink> numbers = test::inksOf(fixture.gutter);
+    QCOMPARE(numbers.size(), std::size_t(4));
+    for (std::size_t row = 0; row < numbers.size(); ++row) {
+        const bool isInLesson = row == 1 || row == 2;
+        QCOMPARE(numbers[row].text, QString::number(row + 1));
+        // Eight points from the right edge, to the pixel that its end touches.
+        const int end = numbers[row].place.right() + 1;
+        QVERIFY2(end == 55 - 8 || end == 55 - 8 + 1, qPrintable(QString::number(end)));
+        // In the middle of its row.
+        const qreal middle = 4 + 17 * (static_cast<qreal>(row) + 0.5);
+        QVERIFY(std::abs(QRectF(numbers[row].place).center().y() - middle) <= 1);
+        QCOMPARE(numbers[row].color.rgb(),
+                 (isInLesson ? fixture.gutter.lessonNumberColor : fixture.gutter.textColor).rgb());
+        QCOMPARE(numbers[row].ground.rgb(), (isInLesson ? image.pixelColor(1, 4 + 17) : plain).rgb());
+    }
+}
+
+void SimpleLineNumberViewTest::theBandOfAWrappedLineIsAtItsFirstRow()
+{
+    Fixture fixture(QString(200, u'x') + QStringLiteral("\nsecond"));
+    const auto rows = static_cast<int>(fixture.text.visibleRows().size());
+    QVERIFY(rows >= 4);
+    fixture.gutter.lessonRegion = LineRegion{1, 1};
+    const QImage image = fixture.picture();
+    const QColor band = test::over(fixture.gutter.backgroundColor, fixture.gutter.lessonHighlightColor);
+    QVERIFY(test::isNear(image.pixelColor(1, 4 + 8), band));
+    for (int row = 1; row < rows; ++row) {
+        QCOMPARE(image.pixelColor(1, 4 + row * 17 + 8).rgb(), fixture.gutter.backgroundColor.rgb());
+    }
 }
 
 void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()
@@ -159,6 +279,18 @@ void SimpleLineNumberViewTest::aWrappedLineHasOneNumber()
     const QImage image = fixture.picture();
     QVERIFY(fixture.rowHas(image, 0, 30, 55, fixture.gutter.textColor));
     QVERIFY(!fixture.rowHas(image, 1, 30, 55, fixture.gutter.textColor));
+}
+
+void SimpleLineNumberViewTest::aRowIsSeventeenHigh()
+{
+    Fixture fixture(foldable);
+    const auto lineAt = [&fixture](qreal y) { return lineAtRow(fixture.text, y).value_or(0); };
+    QCOMPARE(lineAt(3.9), qsizetype(0));
+    QCOMPARE(lineAt(4), qsizetype(1));
+    QCOMPARE(lineAt(20.9), qsizetype(1));
+    QCOMPARE(lineAt(21), qsizetype(2));
+    QCOMPARE(lineAt(4 + 5 * 17 - 0.1), qsizetype(5));
+    QCOMPARE(lineAt(4 + 5 * 17), qsizetype(0));
 }
 
 void SimpleLineNumberViewTest::theFirstNumberBelowThePartOfAWrappedLineIsTheNextLines()

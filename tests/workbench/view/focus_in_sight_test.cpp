@@ -280,7 +280,7 @@ void FocusInSightTest::eachStopOfTheWindowShowsIt()
     }
     fixture.state.setShowBottomPanel(true);
     fixture.state.setBottomPanelTab(tab == SidebarTab::files ? BottomPanelTab::problems : BottomPanelTab::output);
-    fixture.state.openSnippet(u"code"_s, Language::swift, LessonInfo{});
+    fixture.openSnippet(u"code"_s, Language::swift, LessonInfo{});
     fixture.state.notices().report(u"News"_s, {{u"Take"_s, [] {}}});
     QTRY_VERIFY(fixture.window.lessonPanel() != nullptr && fixture.window.noticeBar().isVisible());
     fixture.turnQueue();

@@ -29,7 +29,6 @@ struct Fixture : WindowFixture
     Fixture()
     {
         openSnippet(u"first\nsecond\nthird"_s, Language::plainText);
-        turnQueue();
         text().setFocus();
     }
     void begin()

@@ -399,7 +399,6 @@ void MenuBarTest::findCommandsReachTheTextFromItsBar()
 {
     WindowFixture fixture;
     fixture.openSnippet(QStringLiteral("a b a"), Language::swift);
-    fixture.turnQueue();
     fixture.text().setFocus();
     fixture.text().setSelectedRange({0, 1});
     fixture.command(Command::showFindBar)->trigger();

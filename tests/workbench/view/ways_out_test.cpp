@@ -31,7 +31,6 @@ struct Fixture : WindowFixture
     explicit Fixture(const QString& shown = content)
     {
         openSnippet(shown, Language::plainText);
-        turnQueue();
         text().setSelectedRange({8, 0});
     }
 

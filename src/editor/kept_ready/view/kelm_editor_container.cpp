@@ -1,6 +1,7 @@
 #include "editor/kept_ready/view/kelm_editor_container.h"
 
 #include "editor/view/editor_text.h"
+#include "platform/style/view/style.h"
 #include "text/storage/text_position.h"
 
 #include <QResizeEvent>
@@ -32,6 +33,8 @@ KelmEditorContainer::KelmEditorContainer(NotificationCenter& center, QWidget* pa
     codeFoldingManager_.setStorage(&textView_->storage());
     lineNumberView_->textView = textView_;
     lineNumberView_->codeFoldingManager = &codeFoldingManager_;
+    // The text that is shown is another one then, and its colours and regions are those of that text.
+    lineNumberView_->onFoldToggled = [this] { highlight(); };
     setFocusProxy(textView_);
     connect(textView_, &TextView::visibleRectChanged, lineNumberView_, qOverload<>(&QWidget::update));
     layOut();
@@ -40,7 +43,6 @@ KelmEditorContainer::KelmEditorContainer(NotificationCenter& center, QWidget* pa
 KelmEditorContainer::~KelmEditorContainer()
 {
     textView_->setDelegate(nullptr);
-    lineNumberView_->codeFoldingManager = nullptr;
 }
 
 void KelmEditorContainer::setCurrentLanguage(Language language)
@@ -98,6 +100,14 @@ void KelmEditorContainer::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     layOut();
+}
+
+void KelmEditorContainer::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        applySelectionColor(*textView_, style::appearanceOf(*this));
+    }
+    QWidget::changeEvent(event);
 }
 
 void KelmEditorContainer::layOut()

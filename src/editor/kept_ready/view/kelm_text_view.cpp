@@ -59,6 +59,14 @@ QString inWords(bool value)
     return value ? u"true"_s : u"false"_s;
 }
 
+/// A key that is held with others. Pressed alone it is no key of the text.
+bool isModifierKey(const QKeyEvent& event)
+{
+    constexpr std::array keys{Qt::Key_Control, Qt::Key_Shift, Qt::Key_Alt,
+                              Qt::Key_Meta,    Qt::Key_AltGr, Qt::Key_CapsLock};
+    return std::find(keys.begin(), keys.end(), event.key()) != keys.end();
+}
+
 /// Another window's coming and going, and a menu's, leave the view where the keyboard is in its own.
 bool resignsFirstResponder(const QFocusEvent& event)
 {
@@ -168,6 +176,10 @@ void KelmTextView::viewDidMoveToWindow(QWidget* window)
 
 void KelmTextView::keyPressEvent(QKeyEvent* event)
 {
+    if (isModifierKey(*event)) {
+        TextView::keyPressEvent(event);
+        return;
+    }
     const QString characters = charactersOf(*event);
     log_.print(u"⌨️ keyDown: '%1' keyCode: %2"_s.arg(characters.isEmpty() ? u"nil"_s : characters)
                    .arg(virtualKeyCode(*event)));

@@ -72,8 +72,9 @@ void LineNumberView::paintEvent(QPaintEvent* /*event*/)
         if (bookmarks_.count(row.line) > 0) {
             drawBookmark(painter, row.top, rowHeight);
         }
-        if (const auto region = regionAt(row.line)) {
-            drawFoldingIndicator(painter, row.top, rowHeight, codeFoldingManager->isFolded(*region));
+        const bool isFoldShown = showFoldingIndicators && codeFoldingManager;
+        if (const auto mark = isFoldShown ? codeFoldingManager->markAt(row.line) : std::nullopt) {
+            drawFoldingIndicator(painter, row.top, rowHeight, mark->isFolded);
         }
         const QString number = QString::number(row.line);
         const qreal right = width() - foldingAreaWidth - padding;
@@ -111,22 +112,16 @@ void LineNumberView::drawBookmark(QPainter& painter, qreal y, qreal height) cons
     painter.restore();
 }
 
-std::optional<FoldableRegion> LineNumberView::regionAt(qsizetype line) const
-{
-    const bool isShown = codeFoldingManager != nullptr && showFoldingIndicators;
-    return isShown ? codeFoldingManager->firstRegionStartingAt(line) : std::nullopt;
-}
-
 void LineNumberView::toggleFold(qsizetype line)
 {
-    const auto region = regionAt(line);
-    if (!region) {
+    if (!codeFoldingManager || !codeFoldingManager->markAt(line)) {
         return;
     }
-    if (codeFoldingManager->isFolded(*region)) {
-        codeFoldingManager->unfold(*region);
-    } else {
-        codeFoldingManager->fold(*region);
+    // What is being composed belongs to the text that is about to change.
+    textView->commitComposition();
+    codeFoldingManager->toggle(line);
+    if (onFoldToggled) {
+        onFoldToggled();
     }
     update();
 }

@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <set>
 
 namespace kelm {
@@ -30,13 +31,15 @@ public:
     explicit LineNumberView(NotificationCenter& center, QWidget* parent = nullptr);
 
     QPointer<TextView> textView;
-    /// Not owned; it outlives the view or is taken away first.
-    CodeFoldingManager* codeFoldingManager = nullptr;
+    QPointer<CodeFoldingManager> codeFoldingManager;
     QColor backgroundColor = QColor::fromRgbF(0.15F, 0.15F, 0.15F);
     QColor textColor = QColor::fromRgbF(0.5F, 0.5F, 0.5F);
     QColor currentLineColor = Qt::white;
     QFont font;
+    /// Whether the boxes are painted; a click where they stand folds without them, too.
     bool showFoldingIndicators = true;
+    /// Called after a fold was made or undone.
+    std::function<void()> onFoldToggled;
 
     /// The lines, from 1, that are marked.
     const std::set<qsizetype>& bookmarks() const { return bookmarks_; }
@@ -53,8 +56,6 @@ protected:
 
 private:
     void drawBookmark(QPainter& painter, qreal y, qreal height) const;
-    /// Absent while no indicators are shown.
-    std::optional<FoldableRegion> regionAt(qsizetype line) const;
     void toggleFold(qsizetype line);
 
     NotificationCenter& center_;

@@ -20,6 +20,10 @@ class EditorMinimapView final : public QWidget
     Q_OBJECT
 
 public:
+    /// The height of a line at scale 1, and the width of a character; points.
+    static constexpr qreal lineHeight = MinimapGeometry::lineHeight;
+    static constexpr qreal charWidth = MinimapGeometry::charWidth;
+
     explicit EditorMinimapView(QWidget* parent = nullptr);
 
     TextView* textView() const { return textView_; }

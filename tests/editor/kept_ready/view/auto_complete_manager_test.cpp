@@ -7,6 +7,7 @@
 #include "support/test_program.h"
 
 #include <QApplication>
+#include <QGraphicsDropShadowEffect>
 #include <QKeyEvent>
 
 namespace auto_complete_manager_test {
@@ -51,12 +52,14 @@ private Q_SLOTS:
     void aChosenWordReplacesTheBegunOne();
     void theCaretGoesBehindWhatIsPutIn();
     void whatIsPutInIsOneUndoStep();
+    void whatIsPutInComesIntoSight();
     void theRangeCountsCharacters();
     void anIndexOutsideTheListChoosesNothing();
     void theWindowStandsBelowTheWord();
     void theWindowTakesNoFocusAndIsKept();
     void theListIsAsHighAsItsRows();
     void theSelectedRowIsShown();
+    void theListCastsAShadow();
     void theGroundFollowsTheAppearance();
     void aClickChoosesARow();
     void observersHearOfEveryChange();
@@ -196,6 +199,16 @@ void AutoCompleteManagerTest::whatIsPutInIsOneUndoStep()
     QCOMPARE(fixture.view.marked(), u"fo|"_s);
 }
 
+void AutoCompleteManagerTest::whatIsPutInComesIntoSight()
+{
+    Fixture fixture(u"fo|"_s + u"\nline"_s.repeated(100));
+    fixture.manager.triggerCompletion(Language::python);
+    fixture.view.scrollToY(600);
+    QCOMPARE(fixture.view.visibleRect().y(), 600.0);
+    QVERIFY(fixture.press(Qt::Key_Return));
+    QVERIFY(fixture.view.visibleRect().y() < 10);
+}
+
 void AutoCompleteManagerTest::theRangeCountsCharacters()
 {
     // "e" with an accent of its own is one character of two units.
@@ -238,6 +251,7 @@ void AutoCompleteManagerTest::theWindowTakesNoFocusAndIsKept()
     QVERIFY(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     QVERIFY(window->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
     QVERIFY(window->testAttribute(Qt::WA_TranslucentBackground));
+    QVERIFY(window->testAttribute(Qt::WA_ShowWithoutActivating));
     QVERIFY(fixture.view.hasFocus());
     fixture.press(Qt::Key_Escape);
     fixture.manager.triggerCompletion(Language::python);
@@ -269,6 +283,17 @@ void AutoCompleteManagerTest::theSelectedRowIsShown()
     QVERIFY(!fixture.list().rows().first()->isSelected());
     const QRect place(last.mapTo(fixture.list().viewport(), QPoint(0, 0)), last.size());
     QVERIFY(fixture.list().viewport()->rect().contains(place));
+}
+
+void AutoCompleteManagerTest::theListCastsAShadow()
+{
+    Fixture fixture(u"fo|"_s);
+    fixture.manager.triggerCompletion(Language::python);
+    const auto* shadow = qobject_cast<QGraphicsDropShadowEffect*>(fixture.list().graphicsEffect());
+    QVERIFY(shadow != nullptr);
+    QCOMPARE(shadow->color(), QColor::fromRgbF(0, 0, 0, 0.33F));
+    QCOMPARE(shadow->blurRadius(), 10.0);
+    QCOMPARE(shadow->offset(), QPointF(0, 0));
 }
 
 void AutoCompleteManagerTest::theGroundFollowsTheAppearance()

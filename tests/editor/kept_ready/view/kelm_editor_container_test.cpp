@@ -2,6 +2,7 @@
 #include "editor/kept_ready/view/kelm_text_view.h"
 #include "platform/style/view/style.h"
 #include "support/marked_text.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -64,6 +65,9 @@ private Q_SLOTS:
     void typingIsNotColoured();
     void languageAndThemeColourTheText();
     void foldsAreToggledInTheGutter();
+    void theGutterFollowsTextAndCaret();
+    void theTextBehindAFoldHasItsColoursAndRegions();
+    void theGroundOfSelectedTextFollowsTheAppearance();
     void aDelegateThatIsGoneIsSkipped();
 };
 
@@ -142,6 +146,8 @@ void KelmEditorContainerTest::languageAndThemeColourTheText()
     QCOMPARE(view.storage().colorsIn({0, 1}).front().color, theme.stringColor.toColor().rgba());
     QCOMPARE(view.colors().background, theme.gutterColor.toColor());
     QCOMPARE(fixture.container.lineNumberView().backgroundColor, theme.gutterColor.toColor());
+    QCOMPARE(fixture.container.lineNumberView().textColor, theme.lineNumberColor.toColor());
+    QCOMPARE(view.colors().insertionPoint, theme.cursorColor.toColor());
 }
 
 void KelmEditorContainerTest::foldsAreToggledInTheGutter()
@@ -152,6 +158,68 @@ void KelmEditorContainerTest::foldsAreToggledInTheGutter()
     QCOMPARE(fixture.container.text(), u"{\n … }\n"_s);
     QTest::mouseClick(&fixture.container.lineNumberView(), Qt::LeftButton, {}, {60, 12});
     QCOMPARE(fixture.container.text(), u"{\n  a\n  b\n}\n"_s);
+}
+
+void KelmEditorContainerTest::theGutterFollowsTextAndCaret()
+{
+    Fixture fixture;
+    KelmEditorContainer& container = fixture.container;
+    container.setText(u"a\nb\nc"_s);
+    container.textView().setSelectedRange({0, 0});
+    const auto picture = [&container] { return container.lineNumberView().grab().toImage(); };
+    const QImage before = picture();
+    QCoreApplication::processEvents();
+    test::Paints gutter(container.lineNumberView());
+    container.textView().setSelectedRange({4, 0});
+    QTRY_VERIFY(gutter.count > 0);
+    // The caret's line has a colour of its own.
+    QVERIFY(picture() != before);
+    QCoreApplication::processEvents();
+    gutter.count = 0;
+    QTest::keyClick(&container.textView(), Qt::Key_Return);
+    QTRY_VERIFY(gutter.count > 0);
+}
+
+void KelmEditorContainerTest::theTextBehindAFoldHasItsColoursAndRegions()
+{
+    Fixture fixture;
+    KelmEditorContainer& container = fixture.container;
+    container.setText(u"{\n  let a\n  b\n}\n{\n  c\n  d\n}\n"_s);
+    const auto starts = [&container] {
+        QList<qsizetype> lines;
+        for (const FoldableRegion& region : container.codeFoldingManager().foldableRegions()) {
+            lines << region.startLine;
+        }
+        return lines;
+    };
+    QCOMPARE(starts(), (QList<qsizetype>{1, 5}));
+    const auto clickOnLine = [&container](int line) {
+        QTest::mouseClick(&container.lineNumberView(), Qt::LeftButton, {}, {60, 8 + 17 * (line - 1) + 8});
+    };
+    clickOnLine(1);
+    QCOMPARE(container.text(), u"{\n … }\n{\n  c\n  d\n}\n"_s);
+    // The lines are numbered as they are shown.
+    QCOMPARE(starts(), (QList<qsizetype>{3}));
+    clickOnLine(3);
+    QCOMPARE(container.text(), u"{\n … }\n{\n … }\n"_s);
+    clickOnLine(1);
+    QCOMPARE(container.text(), u"{\n  let a\n  b\n}\n{\n … }\n"_s);
+    clickOnLine(5);
+    QCOMPARE(container.text(), u"{\n  let a\n  b\n}\n{\n  c\n  d\n}\n"_s);
+    QCOMPARE(starts(), (QList<qsizetype>{1, 5}));
+    QCOMPARE(container.textView().storage().colorsIn({4, 1}).front().color,
+             EditorTheme::monokai().keywordColor.toColor().rgba());
+}
+
+void KelmEditorContainerTest::theGroundOfSelectedTextFollowsTheAppearance()
+{
+    Fixture fixture;
+    const auto selection = [&fixture] { return fixture.container.textView().colors().selection; };
+    fixture.container.setPalette(style::palette(Appearance::dark));
+    QCOMPARE(selection().name(), u"#0a84ff"_s);
+    fixture.container.setPalette(style::palette(Appearance::light));
+    QCOMPARE(selection().name(), u"#007aff"_s);
+    QCOMPARE(selection().alpha(), 102);
 }
 
 void KelmEditorContainerTest::aDelegateThatIsGoneIsSkipped()

@@ -1,7 +1,10 @@
 #include "editor/kept_ready/view/kelm_editor_container.h"
 #include "editor/kept_ready/view/kelm_text_view.h"
+#include "platform/desktop/named_colors.h"
 #include "platform/events/scheduler.h"
+#include "platform/style/view/style.h"
 #include "support/captured_log.h"
+#include "support/painted.h"
 #include "support/shown_text_view.h"
 #include "support/test_program.h"
 
@@ -79,6 +82,7 @@ private Q_SLOTS:
     void pairsCloseAtEveryCaret();
     void returnAndTabAreOrdinary();
     void thePartnerOfABracketIsMarked();
+    void otherCommandKeysAreOrdinary();
     void clicksLeaveTheMarkAlone();
 
     void comments_data();
@@ -87,6 +91,7 @@ private Q_SLOTS:
     void indents();
     void linesAreDoubled_data();
     void linesAreDoubled();
+    void commandsAreForWhatIsComposedToo();
     void insertionsAreUndoStepsAndRemovalsAreNot();
 
     void withoutAContainerItsKeysDoNothing();
@@ -119,6 +124,12 @@ void KelmTextViewTest::keysAreTold()
     QCOMPARE(fixture.log.printed.takeLast(), u"⌨️ keyDown: 'nil' keyCode: 125"_s);
     fixture.press(Qt::Key_D);
     QCOMPARE(fixture.log.printed.takeLast(), u"⌨️ keyDown: 'd' keyCode: 2"_s);
+    // The keys that are held with others are not told of.
+    fixture.log.printed.clear();
+    for (const Qt::Key key : {Qt::Key_Control, Qt::Key_Shift, Qt::Key_Alt, Qt::Key_Meta, Qt::Key_CapsLock}) {
+        fixture.press(key, Qt::NoModifier);
+    }
+    QCOMPARE(fixture.log.printed, QStringList());
     QCOMPARE(fixture.log.written, QStringList());
 }
 
@@ -290,6 +301,8 @@ void KelmTextViewTest::thePartnerOfABracketIsMarked()
     QCOMPARE(fixture.view.matchingBracketRange(), (TextRange{8, 1}));
     const auto color = fixture.view.storage().background().colorAt(8);
     QCOMPARE(qAlpha(*color), 77);
+    const QColor yellow = systemColor(SystemColor::yellow, style::appearanceOf(fixture.view));
+    QVERIFY(isNear(QColor::fromRgb(*color), QColor::fromRgb(yellow.rgb())));
     fixture.press(Qt::Key_Right, Qt::NoModifier);
     QCOMPARE(fixture.markedAt(), -1);
     QVERIFY(!fixture.view.matchingBracketRange());
@@ -304,6 +317,31 @@ void KelmTextViewTest::thePartnerOfABracketIsMarked()
     QCOMPARE(fixture.markedAt(), 0);
     QTest::keyClicks(&fixture.view, u"["_s);
     QCOMPARE(fixture.markedAt(), 0);
+    // And so do the keys of commands.
+    fixture.show(u"(a)"_s, {2, 0});
+    fixture.press(Qt::Key_Right, Qt::NoModifier);
+    fixture.view.setSelectedRange({1, 0});
+    fixture.press(Qt::Key_D);
+    QCOMPARE(fixture.markedAt(), 0);
+    fixture.press(Qt::Key_Space);
+    QCOMPARE(fixture.markedAt(), 0);
+    QCOMPARE(fixture.view.matchingBracketRange(), (TextRange{0, 1}));
+    // At the start of the text nothing is marked, whatever was.
+    fixture.view.setSelectedRange({1, 0});
+    fixture.press(Qt::Key_Left, Qt::NoModifier);
+    QCOMPARE(fixture.markedAt(), -1);
+}
+
+void KelmTextViewTest::otherCommandKeysAreOrdinary()
+{
+    Fixture fixture(u"ab"_s, {1, 0});
+    fixture.press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(fixture.view.marked(), u"a|b"_s);
+    fixture.press(Qt::Key_A);
+    QCOMPARE(fixture.view.marked(), u"[ab]"_s);
+    QTest::keyClicks(&fixture.view, u"x"_s);
+    fixture.press(Qt::Key_Z);
+    QCOMPARE(fixture.view.text(), u"ab"_s);
 }
 
 void KelmTextViewTest::clicksLeaveTheMarkAlone()
@@ -386,6 +424,15 @@ void KelmTextViewTest::linesAreDoubled()
     Fixture fixture(before, selection);
     fixture.press(Qt::Key_D);
     QTEST(fixture.view.text(), "after");
+}
+
+void KelmTextViewTest::commandsAreForWhatIsComposedToo()
+{
+    Fixture fixture;
+    fixture.view.compose(u"한"_s);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_D, Qt::ControlModifier);
+    QCoreApplication::sendEvent(&fixture.view, &press);
+    QCOMPARE(fixture.view.text(), u"한한"_s);
 }
 
 void KelmTextViewTest::insertionsAreUndoStepsAndRemovalsAreNot()

@@ -1,9 +1,14 @@
 #include "editor/kept_ready/view/line_number_view.h"
 #include "platform/desktop/named_colors.h"
 #include "platform/style/view/style.h"
+#include "support/painted.h"
+#include "support/paints.h"
 #include "support/test_program.h"
 
+#include <QInputMethodEvent>
 #include <QtTest>
+
+#include <memory>
 
 namespace line_number_view_test {
 
@@ -69,10 +74,14 @@ class LineNumberViewTest : public QObject
 private Q_SLOTS:
     void itStartsAsItShould();
     void aBookmarkIsPutAndTakenAway();
+    void aFoldCommitsWhatIsComposed();
     void theBookmarkZoneEndsAtTwelve();
     void theFoldZoneIsTheLastFourteen();
+    void theOwnerHearsOfEachFold();
+    void withoutAManagerAClickFoldsNothing();
     void boxesShowWhatCanBeFolded();
     void aBookmarkIsABlueDot();
+    void aLineStandsAtTheRightEdge();
     void theCaretsLineHasAColourOfItsOwn();
     void aClickOutsideTheTextDoesNothing();
 };
@@ -89,6 +98,7 @@ void LineNumberViewTest::itStartsAsItShould()
     QCOMPARE(LineNumberView::padding, 8.0);
     QCOMPARE(LineNumberView::foldingAreaWidth, 14.0);
     QCOMPARE(LineNumberView::bookmarkAreaWidth, 8.0);
+    QCOMPARE(gutter.font, style::monospaced(12));
     // Without a text there is nothing but the ground.
     gutter.resize(65, 50);
     QCOMPARE(gutter.grab().toImage().pixelColor(30, 20).rgb(), gutter.backgroundColor.rgb());
@@ -108,6 +118,22 @@ void LineNumberViewTest::aBookmarkIsPutAndTakenAway()
     fixture.click({5, 30});
     QVERIFY(fixture.gutter.bookmarks().empty());
     QCOMPARE(fixture.heard.size(), 2);
+    QCoreApplication::processEvents();
+    test::Paints paints(fixture.gutter);
+    fixture.gutter.toggleBookmark(3);
+    QTRY_VERIFY(paints.count > 0);
+}
+
+void LineNumberViewTest::aFoldCommitsWhatIsComposed()
+{
+    Fixture fixture;
+    fixture.text.setSelectedRange({0, 0});
+    QInputMethodEvent composing(u"한"_s, {});
+    QCoreApplication::sendEvent(&fixture.text, &composing);
+    fixture.click({60, 12});
+    QVERIFY(!fixture.text.isComposing());
+    QVERIFY(fixture.folding.isTextFolded());
+    QVERIFY(fixture.text.text().startsWith(u"한{"));
 }
 
 void LineNumberViewTest::theBookmarkZoneEndsAtTwelve()
@@ -131,9 +157,45 @@ void LineNumberViewTest::theFoldZoneIsTheLastFourteen()
     // A line without a region.
     fixture.click({60, 30});
     QVERIFY(!fixture.folding.isTextFolded());
+    // Whether the boxes are painted or not.
     fixture.gutter.showFoldingIndicators = false;
     fixture.click({60, 12});
+    QVERIFY(fixture.folding.isTextFolded());
+    fixture.click({60, 12});
     QVERIFY(!fixture.folding.isTextFolded());
+}
+
+void LineNumberViewTest::theOwnerHearsOfEachFold()
+{
+    Fixture fixture;
+    int heard = 0;
+    fixture.gutter.onFoldToggled = [&] { ++heard; };
+    fixture.click({60, 30});
+    QCOMPARE(heard, 0);
+    fixture.click({60, 12});
+    QCOMPARE(heard, 1);
+    fixture.click({60, 12});
+    QCOMPARE(heard, 2);
+}
+
+void LineNumberViewTest::withoutAManagerAClickFoldsNothing()
+{
+    NotificationCenter notifications;
+    TextView text;
+    text.storage().setText(u"{\n  one\n  two\n}"_s);
+    text.resize(600, 400);
+    LineNumberView gutter(notifications);
+    gutter.resize(65, 400);
+    gutter.textView = &text;
+    auto folding = std::make_unique<CodeFoldingManager>(notifications);
+    folding->setStorage(&text.storage());
+    folding->detectFoldableRegions(Language::swift);
+    gutter.codeFoldingManager = folding.get();
+    QVERIFY(rowHas(gutter.grab().toImage(), 0, 51, 64, boxColor));
+    folding.reset();
+    QVERIFY(!rowHas(gutter.grab().toImage(), 0, 51, 64, boxColor));
+    QTest::mouseClick(&gutter, Qt::LeftButton, {}, {60, 12});
+    QCOMPARE(text.text(), u"{\n  one\n  two\n}"_s);
 }
 
 void LineNumberViewTest::boxesShowWhatCanBeFolded()
@@ -161,6 +223,31 @@ void LineNumberViewTest::aBookmarkIsABlueDot()
     fixture.gutter.toggleBookmark(2);
     QVERIFY(rowHas(fixture.picture(), 1, 0, 8, blue));
     QVERIFY(!rowHas(fixture.picture(), 0, 0, 8, blue));
+    // In the middle of its area and its row.
+    const QImage image = fixture.picture();
+    QRect dot;
+    for (int y = 4 + 17; y < 4 + 2 * 17; ++y) {
+        for (int x = 0; x < 30; ++x) {
+            if (!test::isNear(image.pixelColor(x, y), fixture.gutter.backgroundColor)) {
+                dot |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    QVERIFY(QRect(0, 4 + 17, 8, 17).contains(dot));
+    QVERIFY(std::abs(QRectF(dot).center().x() - 4) <= 0.5);
+    QVERIFY(std::abs(QRectF(dot).center().y() - (4 + 17 + 8.5)) <= 0.5);
+}
+
+void LineNumberViewTest::aLineStandsAtTheRightEdge()
+{
+    Fixture fixture;
+    const QImage image = fixture.picture();
+    const QColor ground = fixture.gutter.backgroundColor;
+    const QColor line = test::over(ground, QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.3F));
+    for (const int y : {0, 200, 399}) {
+        QVERIFY(test::isNear(image.pixelColor(64, y), line));
+        QVERIFY(test::isNear(image.pixelColor(63, y), ground));
+    }
 }
 
 void LineNumberViewTest::theCaretsLineHasAColourOfItsOwn()

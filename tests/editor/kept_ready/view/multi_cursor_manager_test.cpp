@@ -1,4 +1,7 @@
 #include "editor/kept_ready/view/multi_cursor_manager.h"
+#include "platform/desktop/named_colors.h"
+#include "platform/style/view/style.h"
+#include "support/painted.h"
 #include "support/shown_text_view.h"
 #include "support/test_program.h"
 
@@ -113,7 +116,7 @@ void MultiCursorManagerTest::aboveAndBelow()
 
 void MultiCursorManagerTest::barsStandAtTheCursors()
 {
-    Fixture fixture(u"abc\ndef"_s);
+    Fixture fixture(u"   \n   "_s);
     fixture.manager.addCursor(1);
     fixture.manager.addCursor(5);
     const QList<QWidget*> bars = fixture.bars();
@@ -126,7 +129,10 @@ void MultiCursorManagerTest::barsStandAtTheCursors()
     // Blue at one half over the ground of the text.
     const QImage picture = fixture.view.viewport()->grab().toImage();
     const QColor seen = picture.pixelColor(bars[1]->geometry().center());
-    QVERIFY2(seen.blue() > seen.red() + 60, qPrintable(seen.name()));
+    QColor blue = systemColor(SystemColor::blue, style::appearanceOf(fixture.view));
+    blue.setAlphaF(0.5F);
+    const QColor expected = over(fixture.view.colors().background, blue);
+    QVERIFY2(isNear(seen, expected), qPrintable(seen.name()));
     // A click on a bar is one into the text.
     QVERIFY(bars[0]->testAttribute(Qt::WA_TransparentForMouseEvents));
 }

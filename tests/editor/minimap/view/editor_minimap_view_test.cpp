@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QtTest>
 
+#include <memory>
+
 namespace editor_minimap_view_test {
 
 using namespace kelm;
@@ -52,18 +54,42 @@ class EditorMinimapViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void itStartsAsItShould();
     void barsBoxAndGroundHaveTheirColours();
     void aLightThemeDarkensItsGround();
     void stripSeparatorAndBorderLieOverEachOther_data();
     void stripSeparatorAndBorderLieOverEachOther();
     void withoutATextOnlyTheGroundIsPainted();
     void clicksAndDragsTellTheLine();
+    void ofASqueezedTextTheyTellTheLineToo_data();
+    void ofASqueezedTextTheyTellTheLineToo();
+    void withoutATextAClickTellsNothing();
     void theMapFollowsEveryEdit_data();
     void theMapFollowsEveryEdit();
     void veryManyLinesComeInTurns();
     void barsLookLikeFilledRectangles_data();
     void barsLookLikeFilledRectangles();
 };
+
+void EditorMinimapViewTest::itStartsAsItShould()
+{
+    EditorMinimapView map;
+    QCOMPARE(EditorMinimapView::lineHeight, 3.0);
+    QCOMPARE(EditorMinimapView::charWidth, 1.2);
+    QVERIFY(map.textView() == nullptr);
+    QVERIFY(!map.onLineSelected);
+    QVERIFY(map.currentVisibleRect.isNull());
+    // A text that goes takes its picture with it.
+    auto text = std::make_unique<TextView>();
+    text->storage().setText(QString(QStringLiteral("let a = b\n")).repeated(20));
+    map.resize(80, 400);
+    const QImage without = map.grab().toImage();
+    map.setTextView(text.get());
+    QVERIFY(map.grab().toImage() != without);
+    text.reset();
+    QCOMPARE(map.grab().toImage(), without);
+    QTest::mouseClick(&map, Qt::LeftButton, {}, {40, 40});
+}
 
 void EditorMinimapViewTest::barsBoxAndGroundHaveTheirColours()
 {
@@ -157,6 +183,49 @@ void EditorMinimapViewTest::clicksAndDragsTellTheLine()
     QTest::mouseMove(&fixture.map, {40, 90});
     QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 399});
     QCOMPARE(lines, (QList<qsizetype>{1, 11, 100}));
+}
+
+void EditorMinimapViewTest::ofASqueezedTextTheyTellTheLineToo_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<qsizetype>("line");
+    // A thousand lines in 390 points: 0.39 points each.
+    QTest::newRow("above the first") << 2 << qsizetype(1);
+    QTest::newRow("on the first") << 5 << qsizetype(1);
+    QTest::newRow("one point below") << 6 << qsizetype(3);
+    QTest::newRow("in the middle") << 201 << qsizetype(503);
+    QTest::newRow("on the last") << 394 << qsizetype(998);
+    QTest::newRow("below the last") << 399 << qsizetype(1000);
+}
+
+void EditorMinimapViewTest::ofASqueezedTextTheyTellTheLineToo()
+{
+    QFETCH(int, y);
+    QFETCH(qsizetype, line);
+    Fixture fixture(QString(QStringLiteral("x\n")).repeated(999) + u'x');
+    QList<qsizetype> lines;
+    fixture.map.onLineSelected = [&](qsizetype told) { lines.append(told); };
+    QTest::mousePress(&fixture.map, Qt::LeftButton, {}, {40, y});
+    QTest::mouseMove(&fixture.map, {40, 100});
+    QTest::mouseMove(&fixture.map, {40, y});
+    QTest::mouseRelease(&fixture.map, Qt::LeftButton, {}, {40, y});
+    QCOMPARE(lines, (QList<qsizetype>{line, 244, line}));
+}
+
+void EditorMinimapViewTest::withoutATextAClickTellsNothing()
+{
+    Fixture fixture(QStringLiteral("a\nb"));
+    int told = 0;
+    fixture.map.onLineSelected = [&](qsizetype) { ++told; };
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    QCOMPARE(told, 1);
+    QTest::mouseClick(&fixture.map, Qt::RightButton, {}, {40, 7});
+    fixture.map.resize(80, 10);
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    fixture.map.resize(80, 400);
+    fixture.map.setTextView(nullptr);
+    QTest::mouseClick(&fixture.map, Qt::LeftButton, {}, {40, 7});
+    QCOMPARE(told, 1);
 }
 
 void EditorMinimapViewTest::theMapFollowsEveryEdit_data()
