@@ -101,6 +101,7 @@ private Q_SLOTS:
     void aNarrowerWindowStillShowsTheSelectedTab();
     void aWheelScrollsSideways();
     void aLongTitleIsCutInTheMiddle();
+    void eightTabsAndTheLastHaveTheirKeys();
     void theKeyboardSelectsAndCloses();
     void sizesAreThoseOfTheDesign();
     void theChipTakesTheLanguagesColour_data();
@@ -303,6 +304,22 @@ void TabBarViewTest::aLongTitleIsCutInTheMiddle()
     QCOMPARE(fixture.tab(3).toolTip(), fixture.home.filePath(QString(200, u'w') + u".txt"_s) + u"\nAlt+4"_s);
 }
 
+void TabBarViewTest::eightTabsAndTheLastHaveTheirKeys()
+{
+    Fixture fixture;
+    for (int number = 3; number < 11; ++number) {
+        fixture.state.openFile(fixture.write(u"%1.txt"_s.arg(number), "x"));
+    }
+    fixture.turnQueue();
+    QCOMPARE(fixture.strip.tabs().size(), 11);
+    const auto keyOf = [&](qsizetype index) { return fixture.tab(index).toolTip().section(u'\n', 1); };
+    QCOMPARE(keyOf(0), u"Alt+1"_s);
+    QCOMPARE(keyOf(7), u"Alt+8"_s);
+    QCOMPARE(keyOf(8), QString());
+    QCOMPARE(keyOf(9), QString());
+    QCOMPARE(keyOf(10), u"Alt+9"_s);
+}
+
 void TabBarViewTest::theKeyboardSelectsAndCloses()
 {
     Fixture fixture;
@@ -310,6 +327,12 @@ void TabBarViewTest::theKeyboardSelectsAndCloses()
     QTest::keyClick(&fixture.tab(0), Qt::Key_Space);
     QCOMPARE(fixture.state.currentDocumentIndex(), 0);
     fixture.tab(0).setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&fixture.tab(0), Qt::Key_Left);
+    QVERIFY(fixture.tab(0).hasFocus());
+    QTest::keyClick(&fixture.tab(0), Qt::Key_Right);
+    QVERIFY(fixture.tab(1).hasFocus());
+    QTest::keyClick(&fixture.tab(1), Qt::Key_Left);
+    QVERIFY(fixture.tab(0).hasFocus());
     QTest::keyClick(&fixture.tab(0), Qt::Key_Right);
     QVERIFY(fixture.tab(1).hasFocus());
     QTest::keyClick(&fixture.tab(1), Qt::Key_Delete);
