@@ -48,7 +48,8 @@ class Run:
 
     def open_ones(self):
         again = ("unnoticed",) if self.options.again else ()
-        return [drawn for drawn in self.wanted() if self.results.outcome(drawn) in (None, *again)]
+        return [drawn for drawn in self.wanted()
+                if self.results.outcome(drawn) in (None, *again) and not self.is_apart(drawn)]
 
     def row(self):
         drawn = self.wanted()

@@ -97,6 +97,8 @@ void LessonLinkTest::badLinksFail_data()
     QTest::newRow("a colon before the slashes") << u"kelmpane:://open?code=YQ=="_s << anotherHost;
     QTest::newRow("a path before the slashes") << u"kelmpane:x://open?code=YQ=="_s << anotherHost;
     QTest::newRow("slashes in the path alone") << u"kelmpane:/x//open?code=YQ=="_s << anotherHost;
+    QTest::newRow("two letters for the slashes") << u"kelmpane:ssopen?code=YQ=="_s << anotherHost;
+    QTest::newRow("one slash and a letter") << u"kelmpane:/sopen?code=YQ=="_s << anotherHost;
     QTest::newRow("an empty host") << u"kelmpane:////open?code=YQ=="_s << anotherHost;
     QTest::newRow("no query") << u"kelmpane://open"_s << noCode;
     QTest::newRow("no code") << link(u"lang=py"_s) << noCode;

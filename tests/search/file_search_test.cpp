@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace file_search_test {
@@ -95,6 +96,7 @@ private Q_SLOTS:
     void aLongTextIsFoundAcrossPieces_data();
     void aLongTextIsFoundAcrossPieces();
     void aFileThatChangesMeanwhileIsSearchedUpToThere();
+    void whatIsNoFileOfItsOwnTellsNothing();
     void aLineOverThirtyTwoMegabytesIsTooLong();
     void aFileThatGrowsIsLookedAtUpToTheLimit();
     void aLongFileThatIsNoUtf8IsNotCounted();
@@ -199,6 +201,19 @@ void FileSearchTest::aFileThatChangesMeanwhileIsSearchedUpToThere()
         file.write("\xff");
     });
     QCOMPARE(found, QList<qsizetype>{1});
+}
+
+void FileSearchTest::whatIsNoFileOfItsOwnTellsNothing()
+{
+    Fixture fixture;
+    fixture.write(u"a"_s, "word\n");
+    QCOMPARE(fixture.find(u"a"_s, u"word"_s), QStringList{u"1:word"_s});
+    QVERIFY(QFile::link(fixture.path(u"a"_s), fixture.path(u"link"_s)));
+    QCOMPARE(fixture.find(u"link"_s, u"word"_s), QStringList());
+    // Nobody writes into it, and nobody waits for that.
+    QCOMPARE(::mkfifo(QFile::encodeName(fixture.path(u"pipe"_s)).constData(), 0600), 0);
+    QCOMPARE(fixture.find(u"pipe"_s, u"word"_s), QStringList());
+    QCOMPARE(fixture.find(u"none"_s, u"word"_s), QStringList());
 }
 
 void FileSearchTest::aLineOverThirtyTwoMegabytesIsTooLong()

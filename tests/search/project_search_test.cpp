@@ -369,6 +369,7 @@ void ProjectSearchTest::filesThatAreTooLongAreCounted()
         QVERIFY(QFile::resize(fixture.project.filePath(name), (qint64(1) << 30) + 1));
     }
     const QSignalSpy changes(&fixture.search, &ProjectSearch::tooLongFilesChanged);
+    QCOMPARE(fixture.search.tooLongFiles(), qsizetype(0));
     QCOMPARE(fixture.find(u"word"_s), QStringList{u"short:1:word"_s});
     QCOMPARE(fixture.search.tooLongFiles(), qsizetype(2));
     QVERIFY(!changes.isEmpty());
