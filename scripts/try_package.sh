@@ -22,9 +22,9 @@ enter() {
   chroot "$1" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "${@:2}"
 }
 offline() { unshare --net "$0" "$folder" "$package" "$previous" run "$@"; }
-person() { offline su --shell /bin/sh --command "$1" someone; }
+person() { offline su --login --shell /bin/sh --command "export LC_ALL=C.UTF-8; $1" someone; }
 apt_offline() {
-  offline apt-get "$1" -q -y --no-download --no-install-recommends "${@:2}" >>"$log" 2>&1 ||
+  offline apt-get "$1" -q -y --no-install-recommends "${@:2}" >>"$log" 2>&1 ||
     fail "apt-get $* has failed; see $log"
 }
 
@@ -86,6 +86,16 @@ is_there() {
   tell "$version is installed as it was packed, and its program draws its window"
 }
 
+# goes remove | goes purge: the package goes without a trace, and what is a person's stays.
+goes() {
+  apt_offline "$1" kelmwright
+  offline dpkg-query --list kelmwright >>"$log" 2>&1 && fail "the system still knows the package"
+  files >"$folder/after"
+  diff "$folder/before" "$folder/after" >"$folder/left" || fail "these files are left or gone: $(cat "$folder/left")"
+  files_of_person | diff "$folder/person" - >"$folder/left" || fail "a person's files are others: $(cat "$folder/left")"
+  tell "$1: the system has the $(wc -l <"$folder/before") files of before, the person all $(wc -l <"$folder/person")"
+}
+
 # ---- The trial ------------------------------------------------------------------------------------------------------
 
 if [ "$4" = run ]; then
@@ -103,10 +113,6 @@ fi
 apt_offline install /debs/new.deb
 is_there "$package"
 files_of_person >"$folder/person"
-apt_offline remove kelmwright
-apt_offline purge kelmwright
-files >"$folder/after"
-diff "$folder/before" "$folder/after" >"$folder/left" || fail "these files are left or gone: $(cat "$folder/left")"
-tell "it is removed and purged: the $(wc -l <"$folder/after") files are those from before"
-files_of_person | diff "$folder/person" - >"$folder/left" || fail "a person's files are others: $(cat "$folder/left")"
-tell "the $(wc -l <"$folder/person") files of the person are as they were"
+goes remove
+apt_offline install /debs/new.deb
+goes purge
