@@ -63,8 +63,8 @@ def problems_of(page, commands, presets, words, firsts):
 
 def commands_of_script():
     script = (ROOT / "kelm").read_text("utf-8")
-    dispatch = re.search(r"^(run \|.*)\)$", script, re.M).group(1)
-    return set(dispatch.split(" | ")) | {"packages"}, script
+    dispatch = re.search(r"^(run \|[^)]*)\)$", script, re.M).group(1)
+    return set(re.findall(r"[a-z]+", dispatch)) | {"packages"}, script
 
 
 def main():

@@ -17,7 +17,9 @@ TESTS, SOURCES = ROOT / "tests", ROOT / "src"
 ELSEWHERE = {
     "packaging/install_test": "packaging/CMakeLists.txt",
     "packaging/kelm_script_test": "kelm",
+    "packaging/mutants_script_test": "scripts/mutants/__main__.py",
     "git/panel/view/row_contents_test": "src/git/panel/view",
+    "workbench/view/program_test": "src/main.cpp",
 }
 
 

@@ -196,7 +196,10 @@ void TerminalSession::help(const QStringList& /*arguments*/)
 
 void TerminalSession::exit(const QStringList& /*arguments*/)
 {
-    Q_EMIT exitRequested();
+    // The session itself goes on, with its text.
+    if (services_.hideBottomPanel) {
+        services_.hideBottomPanel();
+    }
 }
 
 void TerminalSession::changeDirectory(const QString& path)

@@ -50,6 +50,8 @@ public:
         NotificationCenter& notifications;
         /// Shells in the order of preference; the first that is executable runs a line, else the first.
         QStringList shells = usualShells();
+        /// What "exit" does: it puts away the panel that the terminal stands in.
+        std::function<void()> hideBottomPanel = {};
     };
 
     /// Observes `runFile`, and writes its banner and the first prompt 0.1 seconds later.
@@ -136,8 +138,6 @@ Q_SIGNALS:
     void isInterruptOutlastedChanged();
     /// All that waited when the person interrupted has been thrown away.
     void waitingThrownAway();
-    /// The person has asked to put the terminal away. The session stays as it is.
-    void exitRequested();
 
 private:
     struct Builtin

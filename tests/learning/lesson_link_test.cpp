@@ -43,6 +43,7 @@ private Q_SLOTS:
     void codeDecodes();
     void badLinksFail_data();
     void badLinksFail();
+    void aLinkAsksForNothingByItself();
     void runIsOneOrTrue_data();
     void runIsOneOrTrue();
     void languagesComeFromTheExtension();
@@ -121,6 +122,14 @@ void LessonLinkTest::badLinksFail()
     const auto result = decodeLessonLink(urlText);
     QVERIFY(std::holds_alternative<LessonLinkFailure>(result));
     QCOMPARE(std::get<LessonLinkFailure>(result), failure);
+}
+
+void LessonLinkTest::aLinkAsksForNothingByItself()
+{
+    QVERIFY(!LessonLink().run);
+    const LessonInfo info{.slug = u"s"_s};
+    QCOMPARE(info.regionStart, qint64(1));
+    QCOMPARE(info.regionEnd, qint64(1));
 }
 
 void LessonLinkTest::runIsOneOrTrue_data()
@@ -238,6 +247,11 @@ void LessonLinkTest::theWayBack_data()
     QTest::newRow("slashes and percent signs")
         << u"a/b/%20c"_s << Text() << false << Text(u"https://site/lesson/a/b/%20c"_s);
     QTest::newRow("a lone percent sign") << u"100%"_s << Text() << true << Text();
+    QTest::newRow("percent-encodings of all kinds")
+        << u"%09%90%aF%Fa"_s << Text() << false << Text(u"https://site/lesson/%09%90%aF%Fa"_s);
+    QTest::newRow("no first digit") << u"%g0"_s << Text() << false << Text();
+    QTest::newRow("no second digit") << u"%0g"_s << Text() << false << Text();
+    QTest::newRow("a digit is missing") << u"%0"_s << Text() << false << Text();
     QTest::newRow("a blank") << u"a b"_s << Text() << false << Text();
     QTest::newRow("Korean") << u"수업"_s << Text() << true << Text();
     QTest::newRow("an empty language") << u"a"_s << Text(u""_s) << false << Text(u"https://site/lesson/a?lang="_s);
@@ -318,6 +332,20 @@ void LessonLinkTest::diagnoses_data()
     row("JSON", "json.decoder.JSONDecodeError: x",
         "JSON parse error|Response isn't JSON. Verify structured output / response_format matches the model.",
         "JSON 파싱 실패|응답이 JSON 아닙니다. structured output / response_format 가 모델에 맞게 설정됐는지 확인.");
+    row("the limit goes before the network", "ENOTFOUND 429",
+        "API rate limit|Retry after 10–30s or switch to a cheaper model (haiku / gpt-4o-mini).",
+        "API 호출 한도 초과|10~30초 후 다시 시도하거나, 더 저렴한 모델 (haiku / gpt-4o-mini) 로 바꿔보세요.");
+    row("the network goes before time", "timed out: Could not resolve",
+        "Network failure|Check VPN / firewall / DNS. May need proxy on corporate networks.",
+        "네트워크 연결 실패|VPN/방화벽/DNS 확인. 회사망이면 proxy 설정 필요할 수 있어요.");
+    row("time goes before JSON", "JSONDecodeError: Timed Out",
+        "Timeout|Check if model/prompt is too large, or consider streaming.",
+        "호출 시간 초과|모델·프롬프트가 너무 큰지 확인하거나 streaming 사용 고려.");
+    // Letter case counts, but for "timed out".
+    for (const char* text : {"no module named x", "authenticationerror", "UNAUTHORIZED", "ratelimit", "enotfound",
+                             "GetAddrInfo", "could not resolve", "jsondecodeerror", "401", "429"}) {
+        row(text, text, "", "");
+    }
     row("the key goes before the limit", " 429 Unauthorized",
         "API key auth failed|Check ANTHROPIC_API_KEY / OPENAI_API_KEY value (no stray spaces or quotes).",
         "API 키 인증 실패|ANTHROPIC_API_KEY / OPENAI_API_KEY 값을 확인 (앞뒤 공백·따옴표 조심).");
@@ -346,6 +374,9 @@ void LessonLinkTest::koreanIsChosenByTheLanguage_data()
     QTest::newRow("ko-KR") << Text(u"ko-KR"_s) << true;
     QTest::newRow("kor") << Text(u"kor"_s) << true;
     QTest::newRow("en") << Text(u"en"_s) << false;
+    QTest::newRow("k alone") << Text(u"k"_s) << false;
+    QTest::newRow("in another place") << Text(u"en-ko"_s) << false;
+    QTest::newRow("empty") << Text(QString()) << false;
     QTest::newRow("absent") << Text() << false;
 }
 

@@ -81,6 +81,11 @@ void AutoUpdateServiceTest::aChangeComesByTheMainQueue()
     QTRY_VERIFY(service.canCheckForUpdates());
     controller.become(false);
     QTRY_VERIFY(!service.canCheckForUpdates());
+    // The same value once more is no change.
+    const QSignalSpy changes(&service, &AutoUpdateService::canCheckForUpdatesChanged);
+    controller.become(false);
+    QCoreApplication::processEvents();
+    QCOMPARE(changes.count(), 0);
     service.updaterController().checkForUpdates();
     QCOMPARE(controller.checks, 1);
 }

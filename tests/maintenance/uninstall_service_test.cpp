@@ -68,6 +68,7 @@ private Q_SLOTS:
     void removingEverythingMovesTheProgramLast();
     void aFailureQuitsAllTheSame();
     void absentFieldsAreSkipped();
+    void theProgramAsksByItsOwnPlan();
     void thePlanOfTheProgramIsMadeWithoutALook();
     void anApplicationImageIsTheProgram();
     void theImageOfWhoeverStartedTheProgramIsLeftAlone();
@@ -169,6 +170,28 @@ void UninstallServiceTest::absentFieldsAreSkipped()
     QVERIFY(!UninstallService::itemsList(fixture.plan).contains(u"App bundle"_s));
     fixture.service.performAndQuit(fixture.plan, false);
     QCOMPARE(fixture.workspace.trashed.size(), 3);
+}
+
+void UninstallServiceTest::theProgramAsksByItsOwnPlan()
+{
+    const QTemporaryDir home;
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
+        qputenv(variable, home.filePath(QString::fromLatin1(variable)).toLocal8Bit());
+    }
+    FakeAlerts alerts;
+    FakeWorkspace workspace;
+    QVERIFY(QDir().mkpath(standardPaths::caches()));
+    UserDefaults preferences(standardPaths::preferences());
+    // It has been set, and is not in the file yet.
+    preferences.setBoolean(u"wordWrap"_s, true);
+    UninstallService service({alerts, workspace, preferences, [] { qFatal("nobody chose that"); }});
+    service.confirmAndRun();
+    QCOMPARE(alerts.shown.size(), 1);
+    const QString listed = alerts.shown.first().informativeText.section(u"moved:\n"_s, 1);
+    QCOMPARE(listed.split(u'\n'), (QStringList{u"  • App bundle: "_s + QCoreApplication::applicationFilePath(),
+                                               u"  • Caches: "_s + standardPaths::caches(),
+                                               u"  • Preferences: "_s + standardPaths::preferences()}));
+    QVERIFY(workspace.trashed.isEmpty());
 }
 
 void UninstallServiceTest::thePlanOfTheProgramIsMadeWithoutALook()

@@ -72,6 +72,9 @@ private Q_SLOTS:
     void allThatItStartedGoesToo();
     void nothingToStopIsNothing();
     void theNextRunIsFree();
+    void whoListensIsToldOfEachField();
+    void whoListensIsToldOfWhatIsNoRun();
+    void aChildThatOutlivesTheRunnerIsForgotten();
     void theRecordTellsOfTheRun();
     void theRecordIsThatOfTheOutput();
     void aFailureIsTold_data();
@@ -135,6 +138,69 @@ void CodeRunnerStopTest::theNextRunIsFree()
     QTRY_VERIFY(!fixture.runner.isRunning());
     fixture.runUntil(u"hello"_s, fixture.file(u"b.py"_s, "say\nhello\n\n0"));
     QTRY_COMPARE(fixture.runner.lastExitCode(), 0);
+}
+
+void CodeRunnerStopTest::whoListensIsToldOfEachField()
+{
+    Fixture fixture;
+    QList<bool> running;
+    QStringList outputs;
+    QList<int> codes;
+    QStringList errors;
+    QObject::connect(&fixture.runner, &CodeRunner::isRunningChanged, this,
+                     [&] { running.append(fixture.runner.isRunning()); });
+    QObject::connect(&fixture.runner, &CodeRunner::outputChanged, this,
+                     [&] { outputs.append(fixture.runner.output()); });
+    QObject::connect(&fixture.runner, &CodeRunner::lastExitCodeChanged, this,
+                     [&] { codes.append(fixture.runner.lastExitCode().value_or(-1)); });
+    QObject::connect(&fixture.runner, &CodeRunner::stderrBufferChanged, this,
+                     [&] { errors.append(fixture.runner.stderrBuffer()); });
+    const QUrl file = fixture.file(u"a.sh"_s, "echo bad >&2; echo good; exit 3");
+    for (int run = 0; run < 2; ++run) {
+        running.clear();
+        outputs.clear();
+        codes.clear();
+        errors.clear();
+        fixture.runner.run(file);
+        QTRY_VERIFY(!fixture.runner.isRunning());
+        QCOMPARE(running, (QList<bool>{true, false}));
+        // It begins with the name, and ends with all that there is.
+        QCOMPARE(outputs.first(), u"Running a.sh...\n"_s);
+        QCOMPARE(outputs.last(), fixture.runner.output());
+        QVERIFY(outputs.size() >= 4);
+        QCOMPARE(codes.last(), 3);
+        QCOMPARE(errors.last(), u"bad\n"_s);
+    }
+    QCOMPARE(errors.first(), QString());
+}
+
+void CodeRunnerStopTest::whoListensIsToldOfWhatIsNoRun()
+{
+    Fixture fixture;
+    const QSignalSpy outputs(&fixture.runner, &CodeRunner::outputChanged);
+    const QSignalSpy running(&fixture.runner, &CodeRunner::isRunningChanged);
+    fixture.runner.run(fixture.file(u"a.what"_s, {}));
+    QCOMPARE(fixture.runner.output(), u"Error: Unsupported file type '.what'"_s);
+    QCOMPARE(outputs.count(), 1);
+    QVERIFY(running.isEmpty());
+}
+
+void CodeRunnerStopTest::aChildThatOutlivesTheRunnerIsForgotten()
+{
+    const auto children = [] { return QCoreApplication::instance()->findChildren<ChildProcess*>().size(); };
+    QCOMPARE(children(), 0);
+    const QTemporaryDir folder;
+    const QString sign = folder.filePath(u"go on"_s);
+    {
+        Fixture fixture;
+        fixture.runUntil(u"ready"_s, fixture.file(u"a.sh"_s, "echo ready; until [ -e '" + sign.toUtf8() +
+                                                                 "' ]; do sleep 0.01; done"));
+        QCOMPARE(children(), 1);
+    }
+    QCOMPARE(children(), 1);
+    QFile file(sign);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QTRY_COMPARE(children(), 0);
 }
 
 void CodeRunnerStopTest::theRecordTellsOfTheRun()

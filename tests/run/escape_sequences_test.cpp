@@ -99,6 +99,7 @@ void EscapeSequencesTest::whatIsNoTextIsFound_data()
         u"cx"_s,
         u"x"_s);
     row("three letters", u"\x1b(Bx\x1b#8y"_s, u"xy"_s);
+    row("three letters, the last one that begins others", u"\x1b([x\x1b#]y\x1b(Pz"_s, u"xyz"_s);
     row("title, ended by a bell", u"\x1b]0;a title\x07x"_s, u"x"_s);
     row("title, ended by a sequence", u"\x1b]0;a title\x1b\\x"_s, u"x"_s);
     row("link", u"\x1b]8;;https://a.b/\x1b\\word\x1b]8;;\x1b\\."_s, u"word."_s);
@@ -112,6 +113,9 @@ void EscapeSequencesTest::whatIsNoTextIsFound_data()
     row("escape at the end", u"x\x1b"_s, u"x"_s);
     row("bell, backspace, NUL", u"a\x07\x08\0b\x7f"_s, u"ab"_s);
     row("control characters of one unit", u"\u009b2Kx\u009d0;t\u009cy\u0085z"_s, u"xy\u0085z"_s);
+    row("each that begins a string", u"\u0090a\u009cv\u0098b\u009cw\u009dc\u009cx\u009ed\u009cy\u009fe\u009cz"_s,
+        u"vwxyz"_s);
+    row("those that begin none", u"\u008fa\u0091b\u0097c\u0099d\u009ae"_s, u"abcde"_s);
 }
 
 void EscapeSequencesTest::whatIsNoTextIsFound()

@@ -43,6 +43,9 @@ void KeptTailTest::theEndOfAnyTextIsKept()
             const QString kept = tail.text();
             QCOMPARE(kept, all.last(kept.size()));
             QCOMPARE(kept.size() + tail.letGo(), all.size());
+            QCOMPARE(tail.units(), kept.size());
+            const qsizetype units = random.below(kept.size() + 20);
+            QCOMPARE(tail.end(units), kept.last(std::min(units, kept.size())));
             QVERIFY(kept.size() >= std::min(most, all.size()));
             QVERIFY(kept.size() <= most + 2 * slack);
         }

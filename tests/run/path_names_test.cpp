@@ -106,15 +106,17 @@ void PathNamesTest::tildeIsTheHomeFolder()
     QCOMPARE(expandingTilde(u"a~"_s), u"a~"_s);
     QCOMPARE(expandingTilde(u""_s), u""_s);
     QCOMPARE(expandingTilde(u"~no-such-user-here/x"_s), u"~no-such-user-here/x"_s);
-    const passwd* root = ::getpwnam("root");
-    QVERIFY(root != nullptr);
-    QCOMPARE(expandingTilde(u"~root/x"_s), QFile::decodeName(root->pw_dir) + u"/x"_s);
+    const passwd* superuser = ::getpwnam("root");
+    QVERIFY(superuser != nullptr);
+    QCOMPARE(expandingTilde(u"~root/x"_s), QFile::decodeName(superuser->pw_dir) + u"/x"_s);
 
     const QByteArray before = qgetenv("HOME");
     qputenv("HOME", "/");
     const QString atRoot = expandingTilde(u"~/x"_s);
+    const QString root = expandingTilde(u"~"_s);
     qputenv("HOME", before);
     QCOMPARE(atRoot, u"/x"_s);
+    QCOMPARE(root, u"/"_s);
 }
 
 const kelm::test::Registered<PathNamesTest> registered;

@@ -27,7 +27,7 @@ private Q_SLOTS:
     void onlyTheExactNameIsABuiltin_data();
     void onlyTheExactNameIsABuiltin();
     void clearWritesAPromptOfItsOwn();
-    void exitAsksToPutTheTerminalAway();
+    void exitPutsThePanelAway();
 
     void cdChangesTheFolder_data();
     void cdChangesTheFolder();
@@ -36,6 +36,7 @@ private Q_SLOTS:
     void cdFromTheRootStaysThere();
     void cdTakesASymbolicLinkByItsName();
     void cdMovesTheWholeApplication();
+    void cdLeavesAFolderThatHasGone();
     void cdEntersAFolderWithoutPermission();
 
     void exportSetsVariables_data();
@@ -101,6 +102,7 @@ void TerminalSessionBuiltinsTest::emptyLineIsPassedOver()
     QVERIFY(fixture.run(u""_s).isEmpty());
     QVERIFY(fixture.session->commandHistory().isEmpty());
     QCOMPARE(fixture.session->historyIndex(), 0);
+    QVERIFY(fixture.session->process() == nullptr);
 }
 
 void TerminalSessionBuiltinsTest::builtinsWriteTheirText_data()
@@ -164,16 +166,26 @@ void TerminalSessionBuiltinsTest::clearWritesAPromptOfItsOwn()
     QCOMPARE(fixture.screen.text, prompt + prompt);
 }
 
-void TerminalSessionBuiltinsTest::exitAsksToPutTheTerminalAway()
+void TerminalSessionBuiltinsTest::exitPutsThePanelAway()
 {
-    TerminalFixture fixture;
-    QSignalSpy asked(fixture.session.get(), &TerminalSession::exitRequested);
-    fixture.screen.appendText(u"old text"_s, plainColors::white);
-    fixture.session->executeCommand(u"exit 3"_s);
-    QCOMPARE(asked.size(), 1);
-    QCOMPARE(fixture.screen.text, u"old text"_s);
+    // By the session itself: it may have no view.
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    int hidden = 0;
+    TerminalSession session(
+        {.scheduler = scheduler, .notifications = notifications, .hideBottomPanel = [&] { ++hidden; }});
+    session.executeCommand(u"exit"_s);
+    QCOMPARE(hidden, 1);
+    FakeTerminalScreen screen;
+    session.setTextView(&screen);
+    screen.appendText(u"old text"_s, plainColors::white);
+    session.executeCommand(u"exit 3"_s);
+    QCOMPARE(hidden, 2);
+    QCOMPARE(screen.text, u"old text"_s);
     // The session goes on.
-    QCOMPARE(fixture.run(u"pwd"_s).size(), 1);
+    session.executeCommand(u"pwd"_s);
+    QCOMPARE(screen.text, u"old text\n"_s + session.currentDirectory());
+    QCOMPARE(session.commandHistory(), (QStringList{u"exit"_s, u"exit 3"_s, u"pwd"_s}));
 }
 
 void TerminalSessionBuiltinsTest::cdChangesTheFolder_data()
@@ -261,6 +273,21 @@ void TerminalSessionBuiltinsTest::cdMovesTheWholeApplication()
     QCOMPARE(QDir::currentPath(), fixture.path(u"sub"_s));
     fixture.session->executeCommand(u"cd nowhere"_s);
     QCOMPARE(QDir::currentPath(), fixture.path(u"sub"_s));
+}
+
+void TerminalSessionBuiltinsTest::cdLeavesAFolderThatHasGone()
+{
+    TerminalFixture fixture;
+    fixture.makeFolder(u"outer/inner"_s);
+    fixture.makeFolder(u"outer/other"_s);
+    for (const QString& line : {u"cd .."_s, u"cd ../other"_s}) {
+        fixture.session->executeCommand(u"cd "_s + fixture.path(u"outer/inner"_s));
+        QVERIFY(QDir(fixture.home()).rmdir(u"outer/inner"_s));
+        QVERIFY(fixture.run(line).isEmpty());
+        QCOMPARE(fixture.session->currentDirectory(),
+                 fixture.path(line.endsWith(u"other"_s) ? u"outer/other"_s : u"outer"_s));
+        fixture.makeFolder(u"outer/inner"_s);
+    }
 }
 
 void TerminalSessionBuiltinsTest::cdEntersAFolderWithoutPermission()

@@ -90,7 +90,13 @@ private Q_SLOTS:
     void aLongFileGivesWhatAWholeLookWould();
     void whatIsNoUtf8AtTheEndTellsNothing();
     void aLineOverPiecesComesWhole();
+    void piecesAreCutBetweenCharacters();
     void whatIsTooLongIsPassedOverAndCounted();
+    void aLongTextIsFoundAcrossPieces_data();
+    void aLongTextIsFoundAcrossPieces();
+    void aFileThatChangesMeanwhileIsSearchedUpToThere();
+    void aLineOverThirtyTwoMegabytesIsTooLong();
+    void aFileThatGrowsIsLookedAtUpToTheLimit();
     void aLongFileThatIsNoUtf8IsNotCounted();
     void aSparseFileOfSixtyGigabytesIsPassedOver();
     void eachPieceAsksWhetherToGoOn();
@@ -144,6 +150,80 @@ void FileSearchTest::aLineOverPiecesComesWhole()
     const QByteArray line = QByteArray(5 * piece, 'a') + "word" + QByteArray(piece, 'b');
     fixture.write(u"a"_s, "one\r\n" + line + "\nword\n");
     QCOMPARE(fixture.find(u"a"_s, u"word"_s), (QStringList{u"3:"_s + QString::fromLatin1(line), u"4:word"_s}));
+}
+
+void FileSearchTest::piecesAreCutBetweenCharacters()
+{
+    Fixture fixture;
+    // Three bytes each, so that a piece ends within one.
+    const QString line = u"가"_s.repeated(piece) + u"word"_s;
+    fixture.write(u"a"_s, line.toUtf8() + "\nword\n");
+    QCOMPARE(fixture.find(u"a"_s, u"word"_s), (QStringList{u"1:"_s + line, u"2:word"_s}));
+}
+
+void FileSearchTest::aLongTextIsFoundAcrossPieces_data()
+{
+    QTest::addColumn<qsizetype>("length");
+    QTest::newRow("less than half a piece") << 2 * piece / 5;
+    QTest::newRow("more than half a piece") << 3 * piece / 5;
+    QTest::newRow("more than a piece") << 6 * piece / 5;
+}
+
+void FileSearchTest::aLongTextIsFoundAcrossPieces()
+{
+    QFETCH(qsizetype, length);
+    Fixture fixture;
+    const QByteArray text = QByteArray(length - 1, 'a') + 'q';
+    const QByteArray before = QByteArray("bb\n").repeated(piece / 4);
+    for (const bool isThere : {true, false}) {
+        fixture.write(u"a"_s, before + (isThere ? text : text.chopped(1)) + '\n' + before);
+        QCOMPARE(fixture.find(u"a"_s, QString::fromLatin1(text).toUpper()).size(), qsizetype(isThere ? 1 : 0));
+    }
+}
+
+void FileSearchTest::aFileThatChangesMeanwhileIsSearchedUpToThere()
+{
+    const Fixture fixture;
+    const QByteArray lines = QByteArray("a line\n").repeated(piece / 4);
+    fixture.write(u"a"_s, "word\n" + lines + "word\n" + lines + "word\n");
+    QFile file(fixture.path(u"a"_s));
+    QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    const LocalizedNeedle needle(u"word"_s);
+    const std::function<bool()> isCancelled = [] { return false; };
+    FileSearch search(needle, isCancelled, {});
+    QList<qsizetype> found;
+    search.search(QFile::encodeName(file.fileName()), [&](const SearchResult& result) {
+        found.append(result.lineNumber);
+        // The line feed before the second.
+        file.seek(4 + lines.size());
+        file.write("\xff");
+    });
+    QCOMPARE(found, QList<qsizetype>{1});
+}
+
+void FileSearchTest::aLineOverThirtyTwoMegabytesIsTooLong()
+{
+    Fixture fixture;
+    fixture.writeSparse(u"a"_s, 32 * piece + piece / 2);
+    QCOMPARE(fixture.find(u"a"_s, u"begun"_s), QStringList());
+    QCOMPARE(fixture.tooLong, qsizetype(1));
+}
+
+void FileSearchTest::aFileThatGrowsIsLookedAtUpToTheLimit()
+{
+    const Fixture fixture;
+    fixture.write(u"a"_s, QByteArray(3 * piece / 2, 'a'));
+    QFile file(fixture.path(u"a"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
+    qsizetype asked = 0;
+    const LocalizedNeedle needle(u"word"_s);
+    const std::function<bool()> isCancelled = [&] {
+        file.write(QByteArray(piece, 'a'));
+        return ++asked > 100;
+    };
+    FileSearch search(needle, isCancelled, {.file = 10 * piece, .line = piece});
+    search.search(QFile::encodeName(file.fileName()), [](const SearchResult&) {});
+    QVERIFY2(asked < 20, qPrintable(QString::number(asked)));
 }
 
 void FileSearchTest::whatIsTooLongIsPassedOverAndCounted()
@@ -217,7 +297,7 @@ void FileSearchTest::aLongLineAsksWhetherToGoOn()
     QCOMPARE(asked, qsizetype(4));
     asked = 0;
     QVERIFY(LocalizedNeedle(u"마"_s).isIn(line + u"마"_s, [&asked] { return ++asked > 1000; }));
-    QVERIFY(asked >= line.size() / LocalizedNeedle::usualStretch);
+    QVERIFY(asked >= line.size() / 262'144);
 }
 
 void FileSearchTest::threadsKeepTheOrder()

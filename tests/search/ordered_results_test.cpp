@@ -17,6 +17,8 @@ class OrderedResultsTest : public QObject
 private Q_SLOTS:
     void resultsComeInTheOrderOfThePieces();
     void whoeverHoldsTooMuchWaitsForItsTurn();
+    void aLittleIsHeldWithoutWaiting();
+    void nobodyIsFarAhead();
     void nobodyWaitsOnceCancelled();
 };
 
@@ -77,6 +79,40 @@ void OrderedResultsTest::whoeverHoldsTooMuchWaitsForItsTurn()
     QVERIFY(!wasThroughBefore);
     QCOMPARE(passedOn.size(), qsizetype(2));
     QCOMPARE(passedOn.front(), u"first"_s);
+}
+
+void OrderedResultsTest::aLittleIsHeldWithoutWaiting()
+{
+    // Whoever waits asks whether it is cancelled.
+    qsizetype asked = 0;
+    const auto nobody = [](const SearchResult&) {};
+    const auto isCancelled = [&asked] { return ++asked > 0; };
+    OrderedResults results(nobody, isCancelled);
+    OrderedResults::Piece many(results, 1);
+    for (int at = 0; at < 500; ++at) {
+        many.add({.matchLine = u"x"_s});
+    }
+    QCOMPARE(asked, qsizetype(0));
+    many.add({.matchLine = u"x"_s});
+    QVERIFY(asked > 0);
+
+    asked = 0;
+    OrderedResults::Piece longOnes(results, 2);
+    longOnes.add({.matchLine = u"x"_s.repeated(300'000)});
+    longOnes.add({.matchLine = u"x"_s.repeated(224'288)});
+    QCOMPARE(asked, qsizetype(0));
+    longOnes.add({.matchLine = u"x"_s});
+    QVERIFY(asked > 0);
+}
+
+void OrderedResultsTest::nobodyIsFarAhead()
+{
+    qsizetype asked = 0;
+    OrderedResults results([](const SearchResult&) {}, [&asked] { return ++asked > 0; });
+    OrderedResults::Piece(results, 31).finish();
+    QCOMPARE(asked, qsizetype(0));
+    OrderedResults::Piece(results, 32).finish();
+    QVERIFY(asked > 0);
 }
 
 void OrderedResultsTest::nobodyWaitsOnceCancelled()

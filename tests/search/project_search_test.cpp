@@ -66,6 +66,7 @@ private Q_SLOTS:
     void longTextsAreFoundAsShortOnes();
     void theQuickLookNeverMissesAMatch_data();
     void theQuickLookNeverMissesAMatch();
+    void theQuickLookSparesTheLongOne();
     void letterCaseDoesNotMatter();
     void aSlashAtTheProjectsEndChangesNothing();
     void eachLineGivesOneResult();
@@ -82,6 +83,7 @@ private Q_SLOTS:
     void resultsComeInBatchesInOrder();
     void aNewSearchEndsTheOneBefore();
     void anEndedSearchTellsNothing();
+    void filesThatAreTooLongAreCounted();
     void quickOpenLooksAtNamesAlone_data();
     void quickOpenLooksAtNamesAlone();
 };
@@ -179,6 +181,9 @@ void ProjectSearchTest::theQuickLookNeverMissesAMatch_data()
     textsMatchAsAPersonMeansThem_data();
     QTest::newRow("at the very end") << u"xyz"_s << u"aaaxyz"_s << true;
     QTest::newRow("at the very start") << u"xyz"_s << u"xyzaaa"_s << true;
+    QTest::newRow("in capitals alone") << u"xyz"_s << u"aaaXYZ"_s << true;
+    QTest::newRow("the last capital") << u"z"_s << u"Z"_s << true;
+    QTest::newRow("the first capital") << u"a"_s << u"A"_s << true;
     QTest::newRow("the rarest sign elsewhere") << u"zebra"_s << u"z z zz zebrA"_s << true;
     QTest::newRow("signs") << u"a->b"_s << u"if (a->b)"_s << true;
     QTest::newRow("the Greek question mark") << u";"_s << u"\u037e"_s << true;
@@ -194,6 +199,17 @@ void ProjectSearchTest::theQuickLookNeverMissesAMatch()
     if (isIn) {
         QVERIFY(LocalizedNeedle(needle).mayBeIn(text.toUtf8()));
     }
+}
+
+void ProjectSearchTest::theQuickLookSparesTheLongOne()
+{
+    // What is all ASCII is not looked for any further in bytes that do not hold it.
+    const LocalizedNeedle needle(u"zebra"_s);
+    for (const QByteArrayView bytes :
+         {"", "zebr", "ebra", "z z zebro zebrb", "ZEBR", "zzzzz", "{ebra", "\xc3\xa9zebr"}) {
+        QVERIFY2(!needle.mayBeIn(bytes), bytes.data());
+    }
+    QVERIFY(LocalizedNeedle(u"caf\u00e9"_s).mayBeIn("no such thing"));
 }
 
 void ProjectSearchTest::letterCaseDoesNotMatter()
@@ -341,6 +357,26 @@ void ProjectSearchTest::anEndedSearchTellsNothing()
     }
     // What was still queued for it is dropped.
     QCoreApplication::processEvents();
+}
+
+void ProjectSearchTest::filesThatAreTooLongAreCounted()
+{
+    Fixture fixture;
+    fixture.write(u"short"_s, "word");
+    for (const QString& name : {u"a"_s, u"b"_s}) {
+        fixture.write(name, "word");
+        // The disk keeps nothing of it.
+        QVERIFY(QFile::resize(fixture.project.filePath(name), (qint64(1) << 30) + 1));
+    }
+    const QSignalSpy changes(&fixture.search, &ProjectSearch::tooLongFilesChanged);
+    QCOMPARE(fixture.find(u"word"_s), QStringList{u"short:1:word"_s});
+    QCOMPARE(fixture.search.tooLongFiles(), qsizetype(2));
+    QVERIFY(!changes.isEmpty());
+    // They are those of the latest search.
+    fixture.search.start(urlOfFile(fixture.project.filePath(u"none"_s)), u"word"_s);
+    QCOMPARE(fixture.search.tooLongFiles(), qsizetype(0));
+    QTRY_VERIFY(!fixture.search.isRunning());
+    QCOMPARE(fixture.search.tooLongFiles(), qsizetype(0));
 }
 
 void ProjectSearchTest::quickOpenLooksAtNamesAlone_data()

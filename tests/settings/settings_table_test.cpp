@@ -3,11 +3,16 @@
 #include "support/test_program.h"
 
 #include <QFile>
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
 #include <limits>
+#include <memory>
+#include <type_traits>
+#include <vector>
 
 namespace settings_table_test {
 
@@ -24,6 +29,63 @@ struct Fixture
 
     QVariant value(const QString& key) const { return settingValue(store, settingOf(key)); }
 };
+
+/// A field of the full record.
+struct Preference
+{
+    QString name;
+    std::function<QVariant()> value;
+    /// Stores another value than it starts with, always the same, and gives that.
+    std::function<QVariant()> change;
+};
+
+template <typename Field>
+Preference preference(const QString& name, Field& field)
+{
+    const auto value = [&field] { return QVariant::fromValue(field.value()); };
+    using Value = std::decay_t<decltype(field.value())>;
+    Value other{};
+    if constexpr (std::is_same_v<Value, bool>) {
+        other = !field.value();
+    } else if constexpr (std::is_same_v<Value, QString>) {
+        other = field.value() + u" too"_s;
+    } else {
+        other = field.value() + 1;
+    }
+    return {name, value, [&field, value, other] {
+                field = other;
+                return value();
+            }};
+}
+
+/// All of them, in their order.
+std::vector<Preference> preferencesOf(PreferencesService& service)
+{
+    return {
+        preference(u"fontSize"_s, service.fontSize),
+        preference(u"fontFamily"_s, service.fontFamily),
+        preference(u"lineHeight"_s, service.lineHeight),
+        preference(u"tabSize"_s, service.tabSize),
+        preference(u"insertSpaces"_s, service.insertSpaces),
+        preference(u"wordWrap"_s, service.wordWrap),
+        preference(u"showLineNumbers"_s, service.showLineNumbers),
+        preference(u"showMinimap"_s, service.showMinimap),
+        preference(u"highlightCurrentLine"_s, service.highlightCurrentLine),
+        preference(u"showIndentGuides"_s, service.showIndentGuides),
+        preference(u"showWhitespace"_s, service.showWhitespace),
+        preference(u"autoSave"_s, service.autoSave),
+        preference(u"autoSaveDelay"_s, service.autoSaveDelay),
+        preference(u"matchBrackets"_s, service.matchBrackets),
+        preference(u"autoCloseBrackets"_s, service.autoCloseBrackets),
+        preference(u"autoIndent"_s, service.autoIndent),
+        preference(u"selectedTheme"_s, service.selectedTheme),
+        preference(u"showWelcome"_s, service.showWelcome),
+        preference(u"reopenFiles"_s, service.reopenFiles),
+        preference(u"confirmClose"_s, service.confirmClose),
+        preference(u"terminalShell"_s, service.terminalShell),
+        preference(u"terminalFontSize"_s, service.terminalFontSize),
+    };
+}
 
 } // namespace
 
@@ -42,7 +104,9 @@ private Q_SLOTS:
     void whatIsOfAnotherTypeCountsAsMissing();
     void numbersOutsideTheBoundsAreClamped();
     void textsShowTheValue();
-    void thePreferencesRecordTellsOfChanges();
+    void thePreferencesRecordHasItsFieldsInTheirOrder();
+    void thePreferencesRecordStartsWithTheTablesDefaults();
+    void eachPreferenceTellsOfItsOwnChangeOnce();
 };
 
 void SettingsTableTest::aFreshStoreGivesTheDefaults_data()
@@ -200,19 +264,62 @@ void SettingsTableTest::textsShowTheValue()
     QCOMPARE(settingText(settingOf(u"autoSaveDelay"_s), 5), u"Auto save delay: 5 seconds"_s);
 }
 
-void SettingsTableTest::thePreferencesRecordTellsOfChanges()
+void SettingsTableTest::thePreferencesRecordHasItsFieldsInTheirOrder()
+{
+    const QMetaObject& meta = PreferencesService::staticMetaObject;
+    QStringList changes;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Signal);
+        changes << QString::fromLatin1(meta.method(i).name());
+    }
+    QStringList expected;
+    PreferencesService service;
+    for (const Preference& preference : preferencesOf(service)) {
+        expected << preference.name + u"Changed"_s;
+    }
+    QCOMPARE(changes, expected);
+    QCOMPARE(changes.size(), 22);
+}
+
+void SettingsTableTest::thePreferencesRecordStartsWithTheTablesDefaults()
 {
     PreferencesService service;
-    QCOMPARE(service.fontSize.value(), 13.0);
-    QCOMPARE(service.fontFamily.value(), u"SF Mono"_s);
-    QVERIFY(service.insertSpaces.value() && !service.wordWrap.value());
-    const QSignalSpy sizes(&service, &PreferencesService::fontSizeChanged);
-    const QSignalSpy shells(&service, &PreferencesService::terminalShellChanged);
-    service.fontSize = 15.0;
-    service.fontSize = 15.0;
-    service.terminalShell = u"/bin/bash"_s;
-    QCOMPARE(sizes.count(), 1);
-    QCOMPARE(shells.count(), 1);
+    QStringList others;
+    for (const Preference& preference : preferencesOf(service)) {
+        const auto& table = settingsTable();
+        const auto row = std::find_if(table.begin(), table.end(),
+                                      [&](const Setting& setting) { return setting.key == preference.name; });
+        if (row == table.end()) {
+            others << preference.name;
+            continue;
+        }
+        QCOMPARE(preference.value(), row->defaultValue);
+        QCOMPARE(preference.value().typeId(), row->defaultValue.typeId());
+    }
+    // What no control edits.
+    QCOMPARE(others, (QStringList{u"showWhitespace"_s, u"autoIndent"_s, u"selectedTheme"_s, u"terminalShell"_s,
+                                  u"terminalFontSize"_s}));
+}
+
+void SettingsTableTest::eachPreferenceTellsOfItsOwnChangeOnce()
+{
+    PreferencesService service;
+    std::vector<std::unique_ptr<QSignalSpy>> spies;
+    const std::vector<Preference> preferences = preferencesOf(service);
+    for (const Preference& preference : preferences) {
+        const QByteArray change = '2' + preference.name.toLatin1() + "Changed()";
+        spies.push_back(std::make_unique<QSignalSpy>(&service, change.constData()));
+        QVERIFY(spies.back()->isValid());
+    }
+    for (std::size_t changed = 0; changed < preferences.size(); ++changed) {
+        // The same value once more is no change.
+        const QVariant other = preferences[changed].change();
+        QCOMPARE(preferences[changed].change(), other);
+        QCOMPARE(preferences[changed].value(), other);
+        for (std::size_t told = 0; told < spies.size(); ++told) {
+            QCOMPARE(spies[told]->count(), told <= changed ? 1 : 0);
+        }
+    }
 }
 
 const kelm::test::Registered<SettingsTableTest> registered;

@@ -60,4 +60,17 @@ inline QImage inkOf(const QString& text, const QFont& font, const Tint& tint, co
     return ink(picture, picture.rect(), ground);
 }
 
+/// Whether `drawn`, without the room around it, is a text that may start at any part of a pixel, as one does that is
+/// centred or ends at the right.
+inline bool isText(const QImage& drawn, const QString& text, const QFont& font, const Tint& tint, const QColor& ground)
+{
+    constexpr int parts = 64;
+    for (int part = 0; part < parts; ++part) {
+        if (isSame(drawn, inkOf(text, font, tint, ground, qreal(part) / parts))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace kelm::test

@@ -2,6 +2,8 @@
 // home folder and a time limit of its own.
 #pragma once
 
+#include "support/patience.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTest>

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -27,9 +28,9 @@ constexpr mode_t ownersFile = 0600;
 const QString copySuffix = u".copy"_s;
 const QString lockSuffix = u".lock"_s;
 
-QString randomNumber()
+QString numberName(quint64 number)
 {
-    return u"%1"_s.arg(QRandomGenerator::system()->generate64(), 16, 16, QLatin1Char('0'));
+    return u"%1"_s.arg(number, 16, 16, QLatin1Char('0'));
 }
 
 /// The number of the program that a file of the folder belongs to: what its name begins with.
@@ -66,7 +67,7 @@ struct RecoveryFolder::Found
 };
 
 RecoveryFolder::RecoveryFolder(QString path, const Bounds& bounds)
-    : path_(std::move(path)), bounds_(bounds), session_(randomNumber())
+    : path_(std::move(path)), bounds_(bounds), session_(numberName(QRandomGenerator::system()->generate64()))
 {}
 
 RecoveryFolder::~RecoveryFolder()
@@ -77,9 +78,9 @@ RecoveryFolder::~RecoveryFolder()
     }
 }
 
-QString RecoveryFolder::newId() const
+QString RecoveryFolder::newId()
 {
-    return session_ + u'-' + randomNumber();
+    return session_ + u'-' + numberName(++lastId_);
 }
 
 bool RecoveryFolder::isOurs(const QString& id) const
@@ -173,8 +174,10 @@ QList<RecoveryFolder::Found> RecoveryFolder::find() const
             found.append({name.chopped(copySuffix.size()), file.size(), *std::move(summary)});
         }
     }
-    std::stable_sort(found.begin(), found.end(),
-                     [](const Found& a, const Found& b) { return a.summary.header.time > b.summary.header.time; });
+    // Of one program's and one millisecond, what was named last is the latest.
+    std::sort(found.begin(), found.end(), [](const Found& a, const Found& b) {
+        return std::tie(a.summary.header.time, a.id) > std::tie(b.summary.header.time, b.id);
+    });
     return found;
 }
 

@@ -11,6 +11,7 @@
 #include <QList>
 #include <QString>
 
+#include <atomic>
 #include <map>
 #include <optional>
 
@@ -54,8 +55,8 @@ public:
     RecoveryFolder(const RecoveryFolder&) = delete;
     RecoveryFolder& operator=(const RecoveryFolder&) = delete;
 
-    /// A name for a new copy of this program; from any thread.
-    QString newId() const;
+    /// A name for a new copy of this program, behind those that it gave before; from any thread.
+    QString newId();
 
     /// Has a copy hold a text, and makes it if need be. What went wrong, the copy being as it was then, or nothing.
     std::optional<FileError> write(const QString& id, const CopyHeader& header, const TextTree& text);
@@ -92,6 +93,7 @@ private:
     const QString path_;
     const Bounds bounds_;
     const QString session_;
+    std::atomic<quint64> lastId_ = 0;
     /// Holds the lock of this program.
     OpenFile lock_;
     /// The copies that are written.

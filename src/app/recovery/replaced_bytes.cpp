@@ -20,9 +20,11 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr std::chrono::milliseconds longestSave = std::chrono::minutes(1);
+/// What is made is locked at once.
+constexpr std::chrono::milliseconds longestBegin = std::chrono::minutes(1);
 
-/// Opens it, and keeps others from taking it; closed when somebody else has it, or had.
+/// Opens it, and keeps others from taking it; closed when somebody else has it, or had, such as the program whose save
+/// goes on.
 OpenFile claim(const QByteArray& path)
 {
     OpenFile file = OpenFile::openForReading(path);
@@ -62,13 +64,14 @@ void takeLeftBytes(const QString& folder, qint64 now,
 {
     for (const QFileInfo& each : QDir(folder).entryInfoList({ReplacedBytes::prefix + u'*'}, QDir::Files)) {
         const qint64 time = each.lastModified().toMSecsSinceEpoch();
-        if (now - time < longestSave.count() || each.isSymLink()) {
+        if (each.isSymLink() || (each.size() == 0 && now - time < longestBegin.count())) {
             continue;
         }
         const QByteArray path = nativePath(each.filePath());
         const OpenFile file = claim(path);
         const std::optional<QByteArray> bytes = file.isOpen() ? file.readAll() : std::nullopt;
-        if (bytes && keep(ReplacedBytes::decoded(*bytes), time)) {
+        // Nothing at all was written to an empty one.
+        if (bytes && (bytes->isEmpty() || keep(ReplacedBytes::decoded(*bytes), time))) {
             ::unlink(path.constData());
         }
     }

@@ -38,9 +38,9 @@ struct ShownBytes
 };
 
 /// Gives each of those that programs which were killed have left in a folder to `keep`, and removes it once `keep`
-/// returns true. None younger than a minute is looked at, since its save may be going on, and of several programs that
-/// look at the same time one alone takes it. `now` and the time of the
-/// bytes are in milliseconds since 1970. From any thread.
+/// returns true. One that a program holds the lock of is left to it, an empty one that is younger than a minute to the
+/// program that is about to lock it (an older one is removed), and of several programs that look at the same time one
+/// alone takes each. `now` and the time of the bytes are in milliseconds since 1970. From any thread.
 void takeLeftBytes(const QString& folder, qint64 now,
                    const std::function<bool(const ReplacedBytes& bytes, qint64 time)>& keep);
 

@@ -3,14 +3,15 @@
 #include "app/recovery/replaced_bytes.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
-#include "platform/files/open_file.h"
 
 #include <QDir>
 #include <QRandomGenerator>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kelm {
 
@@ -31,10 +32,12 @@ std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl& file, const QB
     }
     const QUrl url = urlOfFile(path);
     const QByteArray bytes = ReplacedBytes{file, content}.encoded();
-    if (!kept.writeAll(bytes.constData(), bytes.size()) || !kept.flushToDisk() || !kept.close()) {
+    if (::flock(kept.get(), LOCK_EX | LOCK_NB) != 0 || !kept.writeAll(bytes.constData(), bytes.size()) ||
+        !kept.flushToDisk()) {
         forget(url);
         return std::nullopt;
     }
+    held_.insert_or_assign(url, std::move(kept));
     const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     static_cast<void>(opened.isOpen() && opened.flushToDisk());
     return url;
@@ -43,6 +46,7 @@ std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl& file, const QB
 void ReplacedFilesFolder::forget(const QUrl& kept)
 {
     ::unlink(nativePath(filePath(kept)).constData());
+    held_.erase(kept);
 }
 
 } // namespace kelm

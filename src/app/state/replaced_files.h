@@ -1,10 +1,13 @@
 // What a save is about to write over.
 #pragma once
 
+#include "platform/files/open_file.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
 
+#include <map>
 #include <optional>
 
 namespace kelm {
@@ -24,7 +27,8 @@ public:
 };
 
 /// Keeps each as a file of its own, which only this user can read, in a folder: that of the store of unsaved texts,
-/// which offers what a program that was killed has left.
+/// which offers what a program that was killed has left. Until it is forgotten, or the program ends, a lock says that
+/// it is this program's.
 class ReplacedFilesFolder final : public ReplacedFiles
 {
 public:
@@ -36,6 +40,7 @@ public:
 
 private:
     const QString folder_;
+    std::map<QUrl, OpenFile> held_;
 };
 
 } // namespace kelm

@@ -24,6 +24,7 @@ constexpr int iconSize = 14;
 constexpr int spacing = 4;
 constexpr int badgeSize = 10;
 constexpr int trailing = 10;
+constexpr int badgeTrailing = 4;
 constexpr double hoverOpacity = 0.1;
 
 Tint tintIn(const QModelIndex& index, int role)
@@ -49,7 +50,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
         const Tint ground = isMarked ? Tint::accent().at(0.2) : Tint::secondary().at(hoverOpacity);
         painter->setPen(Qt::NoPen);
         painter->setBrush(ground.in(appearance));
-        painter->drawRoundedRect(QRectF(box).adjusted(4, 0, -4, 0), style::radius::chip, style::radius::chip);
+        painter->drawRoundedRect(QRectF(box), style::radius::chip, style::radius::chip);
     }
     const qreal middle = QRectF(box).center().y();
     int x = box.left() + leading + indent * index.data(FileTreeModel::depthRole).toInt();
@@ -67,6 +68,7 @@ void FileItemRow::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     int right = box.right() - trailing;
     const QString badge = index.data(FileTreeModel::badgeRole).toString();
     if (!badge.isEmpty()) {
+        right = box.right() - badgeTrailing;
         const QFont font = style::interfaceFont(badgeSize, QFont::Bold);
         painter->setFont(font);
         painter->setPen(style::ink(tintIn(index, FileTreeModel::badgeColorRole), appearance));

@@ -3,12 +3,15 @@
 #include "learning/export_line.h"
 #include "learning/lesson_texts.h"
 #include "learning/view/lesson_section.h"
+#include "platform/text/shown_name.h"
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QVBoxLayout>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,10 +26,14 @@ constexpr qsizetype mostShown = 200;
 
 } // namespace
 
-EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent)
-    : QWidget(parent), key_(key), isSet_(isSet), isKo_(isKo), copiedEnd_(scheduler, copiedTime, [this] {
-          setCopied(false);
-      })
+EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, std::function<void()> onCopy, Scheduler& scheduler,
+               QWidget* parent)
+    : QWidget(parent),
+      key_(key),
+      isSet_(isSet),
+      isKo_(isKo),
+      onCopy_(std::move(onCopy)),
+      copiedEnd_(scheduler, copiedTime, [this] { setCopied(false); })
 {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -35,7 +42,7 @@ EnvRow::EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, 
     first->setSpacing(6);
     first->addWidget(new SymbolLabel(isSet ? u"checkmark.circle.fill"_s : u"xmark.circle.fill"_s, symbolSize,
                                      isSet ? SystemColor::green : SystemColor::red, this));
-    auto* name = new TextLabel(shownPart(key, mostShown), style::monospaced(11), Tint::primary(), this);
+    auto* name = new TextLabel(shownName(shownPart(key, mostShown)), style::monospaced(11), Tint::primary(), this);
     name->setElideMode(Qt::ElideMiddle);
     first->addWidget(name, 1);
     column->addLayout(first);

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 namespace kelm {
 
 class PlainButton;
@@ -17,7 +19,13 @@ class EnvRow final : public QWidget
     Q_OBJECT
 
 public:
-    EnvRow(const QString& key, bool isSet, bool isKo, Scheduler& scheduler, QWidget* parent = nullptr);
+    /// `onCopy` belongs to the row's record; copying the line does not call it.
+    EnvRow(const QString& key, bool isSet, bool isKo, std::function<void()> onCopy, Scheduler& scheduler,
+           QWidget* parent = nullptr);
+
+    const QString& key() const { return key_; }
+    bool isKo() const { return isKo_; }
+    const std::function<void()>& onCopy() const { return onCopy_; }
 
     bool isSet() const { return isSet_; }
     /// Whether the line was copied within the last 1.5 seconds.
@@ -33,6 +41,7 @@ private:
     QString key_;
     bool isSet_;
     bool isKo_;
+    std::function<void()> onCopy_;
     bool copied_ = false;
     Debounce copiedEnd_;
     PlainButton* copyButton_ = nullptr;

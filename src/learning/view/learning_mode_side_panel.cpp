@@ -135,7 +135,9 @@ void LearningModeSidePanel::makeHeader()
 void LearningModeSidePanel::makeRequirements()
 {
     noKeys_ = requirements_->addText(lessonSizes::text, Tint::secondary());
-    keys_ = new RequirementList(*area_, scheduler_, requirements_);
+    // A row says by itself that its line was copied.
+    keys_ = new RequirementList(
+        *area_, [] {}, scheduler_, requirements_);
     requirements_->column().addWidget(keys_);
     recheck_ = addButton(*requirements_, u"arrow.clockwise"_s, 11);
     connect(recheck_, &PlainButton::clicked, this, &LearningModeSidePanel::recheckEnv);

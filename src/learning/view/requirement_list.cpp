@@ -11,6 +11,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelm {
 
@@ -28,8 +29,8 @@ int heightFor(const EnvRow& row, int width)
 
 } // namespace
 
-RequirementList::RequirementList(QScrollArea& area, Scheduler& scheduler, QWidget* parent)
-    : QWidget(parent), area_(area), scheduler_(scheduler)
+RequirementList::RequirementList(QScrollArea& area, std::function<void()> onCopy, Scheduler& scheduler, QWidget* parent)
+    : QWidget(parent), area_(area), onCopy_(std::move(onCopy)), scheduler_(scheduler)
 {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     const QScrollBar* bar = area_.verticalScrollBar();
@@ -67,7 +68,7 @@ int RequirementList::heightOf(const QString& key, bool isSet)
     if (known != heights_.cend()) {
         return *known;
     }
-    const EnvRow sample(key, isSet, isKo_, scheduler_);
+    const EnvRow sample(key, isSet, isKo_, {}, scheduler_);
     return *heights_.insert(kind, heightFor(sample, width()));
 }
 
@@ -120,7 +121,7 @@ void RequirementList::follow()
 
 EnvRow* RequirementList::makeRow(qsizetype index)
 {
-    auto* row = new EnvRow(keys_[index], isSet(keys_[index]), isKo_, scheduler_, this);
+    auto* row = new EnvRow(keys_[index], isSet(keys_[index]), isKo_, onCopy_, scheduler_, this);
     row->show();
     return row;
 }

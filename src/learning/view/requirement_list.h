@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -23,8 +24,8 @@ class RequirementList final : public QWidget
     Q_OBJECT
 
 public:
-    /// The list scrolls in `area`, which outlives it as the scheduler does.
-    RequirementList(QScrollArea& area, Scheduler& scheduler, QWidget* parent = nullptr);
+    /// The list scrolls in `area`, which outlives it as the scheduler does. Each row gets `onCopy`.
+    RequirementList(QScrollArea& area, std::function<void()> onCopy, Scheduler& scheduler, QWidget* parent = nullptr);
 
     /// Shows other variables, and which of them are set. A row that tells the same as before stays, with what it says
     /// of its copy.
@@ -44,6 +45,7 @@ private:
     void orderKeyboard();
 
     QScrollArea& area_;
+    std::function<void()> onCopy_;
     Scheduler& scheduler_;
     QStringList keys_;
     QHash<QString, bool> areSet_;

@@ -55,10 +55,11 @@ QString pathExtension(const QUrl& url)
 
 bool hasDirectoryPath(const QUrl& url)
 {
-    if (filePath(url).endsWith(u'/')) {
-        return true;
+    if (!url.isLocalFile()) {
+        return false;
     }
-    return url.isLocalFile() && isFolder(filePath(url));
+    const QString path = filePath(url);
+    return path.endsWith(u'/') || isFolder(path);
 }
 
 } // namespace kelm

@@ -25,7 +25,8 @@ QString folderPrefix(const QUrl& folder);
 /// first character (".bashrc"), or when it is the last.
 QString pathExtension(const QUrl& url);
 
-/// Whether the URL names a folder: by a slash at its end, or since there is a folder of that path on this machine.
+/// Whether a file URL names a folder: by a slash at its end, or since there is a folder of that path. No URL of another
+/// scheme does.
 bool hasDirectoryPath(const QUrl& url);
 
 } // namespace kelm

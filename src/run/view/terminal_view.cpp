@@ -1,6 +1,5 @@
 #include "run/view/terminal_view.h"
 
-#include "app/state/app_state.h"
 #include "platform/desktop/named_colors.h"
 #include "run/view/terminal_strip.h"
 #include "run/view/terminal_text_view.h"
@@ -17,7 +16,7 @@ TerminalTextView* TerminalViewRepresentable::makeView(QWidget* parent) const
     return view;
 }
 
-TerminalView::TerminalView(AppState& appState, TerminalSession::Services services, QWidget* parent)
+TerminalView::TerminalView(TerminalSession::Services services, QWidget* parent)
     : QWidget(parent), session_(std::make_unique<TerminalSession>(std::move(services)))
 {
     QPalette onBlack = palette();
@@ -32,8 +31,6 @@ TerminalView::TerminalView(AppState& appState, TerminalSession::Services service
     strip_ = new TerminalStrip(*session_, textView_->typedAhead(), this);
     layout->addWidget(strip_);
     setFocusProxy(textView_);
-    connect(session_.get(), &TerminalSession::exitRequested, &appState,
-            [&appState] { appState.setShowBottomPanel(false); });
 }
 
 TerminalView::~TerminalView() = default;

@@ -10,7 +10,6 @@
 
 namespace kelm {
 
-class AppState;
 class TerminalStrip;
 class TerminalTextView;
 
@@ -30,13 +29,13 @@ private:
 };
 
 /// One terminal, on black. It has one session, which it makes itself and keeps for its life; a command that runs when
-/// it goes is left alone. The "exit" command puts the bottom panel away.
+/// it goes is left alone.
 class TerminalView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    TerminalView(AppState& appState, TerminalSession::Services services, QWidget* parent = nullptr);
+    explicit TerminalView(TerminalSession::Services services, QWidget* parent = nullptr);
     ~TerminalView() override;
 
     TerminalSession& session() { return *session_; }

@@ -67,4 +67,9 @@ EditorSettingsView::EditorSettingsView(UserDefaults& store, QWidget* parent)
     : SettingsForm(u"Editor"_s, {u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}, store, parent)
 {}
 
+const QStringList& EditorSettingsView::fontFamilies()
+{
+    return settingOf(u"fontFamily"_s).choices;
+}
+
 } // namespace kelm

@@ -33,6 +33,9 @@ class EditorSettingsView final : public SettingsForm
 
 public:
     explicit EditorSettingsView(UserDefaults& store, QWidget* parent = nullptr);
+
+    /// The families that can be chosen, in their order.
+    static const QStringList& fontFamilies();
 };
 
 } // namespace kelm

@@ -23,8 +23,18 @@ constexpr qsizetype unitsReplacedAtOnce = 1 << 20;
 constexpr std::size_t mostShown = 10'000;
 /// For how long nothing is typed before a long text is searched for a pattern again, in milliseconds.
 constexpr int rest = 100;
-/// How much of a line is kept with a described match, on each side of it.
-constexpr qsizetype describedContext = 200;
+
+/// A line of the text, from 1, without its end.
+QString textOfLine(const TextTree& text, qsizetype line)
+{
+    const qsizetype start = text.behindLineFeeds(line - 1);
+    if (line > text.lineFeeds()) {
+        return text.substring({start, text.length() - start});
+    }
+    const qsizetype lineFeed = text.behindLineFeeds(line) - 1;
+    const bool hasReturn = lineFeed > start && text.at(lineFeed - 1) == u'\r';
+    return text.substring(TextRange::between(start, lineFeed - (hasReturn ? 1 : 0)));
+}
 
 } // namespace
 
@@ -310,14 +320,18 @@ void FindSession::publish()
 
 QList<SearchMatch> FindSession::describe() const
 {
+    const TextTree& text = storage_->tree();
     QList<SearchMatch> described;
-    for (const TextRange match : scan_.matches().between(0, std::min(matchCount(), describedMatches))) {
-        const LineAndColumn place = lineAndColumnAt(storage_->tree(), match.location);
-        const TextRange line = storage_->lineRange({match.location, 0});
-        const TextRange near =
-            line.intersected({match.location - describedContext, match.length + 2 * describedContext});
-        described.append({QUuid::createUuid(), match, place.line, place.column, storage_->substring(near),
-                          storage_->substring(match)});
+    described.reserve(matchCount());
+    // The matches of a line share its text.
+    qsizetype line = 0;
+    QString lineText;
+    for (const TextRange match : scan_.matches().between(0, matchCount())) {
+        const LineAndColumn place = lineAndColumnAt(text, match.location);
+        if (std::exchange(line, place.line) != place.line) {
+            lineText = textOfLine(text, line);
+        }
+        described.append({QUuid::createUuid(), match, place.line, place.column, lineText, text.substring(match)});
     }
     return described;
 }

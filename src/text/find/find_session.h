@@ -19,15 +19,13 @@ namespace kelm {
 /// some milliseconds is done by a worker in a snapshot of the text. The match that is current is the first one at or
 /// behind the origin until one is stepped to.
 ///
-/// The engine's `results` are the first `describedMatches` matches with their lines, described when somebody asks; all
-/// of them count. Main thread only.
+/// The engine's `results` are all matches that are known, with their lines, described when somebody asks: that costs
+/// what the matches and the lines that hold them are long. Main thread only.
 class FindSession final : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr qsizetype describedMatches = 1000;
-
     FindSession(TextStorage& storage, SearchEngine& engine, QObject* parent = nullptr);
 
     /// The text stands in another storage from now on, the same unit for unit; what was found stays.

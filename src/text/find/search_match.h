@@ -18,7 +18,7 @@ struct SearchMatch
     qsizetype line = 1;
     /// Its column, from 1.
     qsizetype column = 1;
-    /// The line in which it stands.
+    /// The whole line in which it begins, without its end.
     QString lineText;
     QString matchText;
 

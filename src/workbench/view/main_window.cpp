@@ -69,6 +69,8 @@ MainWindow::MainWindow(const Services& services, QWidget* parent)
       userDefaults_(services.userDefaults),
       commandTargets_{services.appState, services.updateService, services.uninstall}
 {
+    setObjectName(QStringLiteral("main"));
+    setWindowRole(objectName());
     setWindowTitle(QStringLiteral("KelmWright"));
     resize(firstSize);
     setAcceptDrops(true);

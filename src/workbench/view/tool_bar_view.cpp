@@ -7,6 +7,7 @@
 #include "platform/view/accessible_role.h"
 #include "platform/view/plain_button.h"
 #include "workbench/view/responder.h"
+#include "workbench/view/tool_bar_buttons.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
@@ -23,7 +24,6 @@ constexpr int barHeight = 44;
 constexpr int windowControlsWidth = 70;
 constexpr int endPadding = 10;
 constexpr QSize buttonSize(28, 28);
-constexpr int buttonIconSize = 16;
 constexpr int menuIconSize = 12;
 constexpr double gradientOpacity = 0.02;
 constexpr double lineOpacity = 0.15;
@@ -34,19 +34,6 @@ void formatXmlPlainly(AppState& state)
         return XMLFormatter::basicFormat(text, XMLFormatter::basicIndent);
     });
 }
-
-/// A small upright line between groups.
-class ToolbarDivider final : public QWidget
-{
-public:
-    explicit ToolbarDivider(QWidget* parent) : QWidget(parent) { setFixedSize(9, 16); }
-
-protected:
-    void paintEvent(QPaintEvent*) override
-    {
-        QPainter(this).fillRect(QRect(width() / 2, 0, 1, height()), Tint::primary().at(lineOpacity).on(*this));
-    }
-};
 
 } // namespace
 
@@ -90,13 +77,9 @@ ToolbarView::ToolbarView(CommandTargets targets, ThemeManager& themeManager, std
     watchCurrentDocument();
 }
 
-PlainButton* ToolbarView::addButton(const QString& symbol, const QString& help, std::function<void()> action)
+ToolbarButton* ToolbarView::addButton(const QString& icon, const QString& help, std::function<void()> action)
 {
-    auto* button = new PlainButton({.symbol = symbol, .symbolSize = buttonIconSize, .fixedSize = buttonSize}, this);
-    button->setHelp(inPlatformWords(help));
-    if (action) {
-        connect(button, &PlainButton::clicked, this, std::move(action));
-    }
+    auto* button = new ToolbarButton(icon, help, std::move(action), this);
     row_->addWidget(button);
     return button;
 }
@@ -130,7 +113,7 @@ void ToolbarView::addQuickOpenButton()
                                     .trailingText = inPlatformWords(u"⌘P"_s)},
                                    this);
     button->setText(u"Quick Open"_s);
-    button->setHelp(tr("Find a file of the project by its name"));
+    button->setHelp(tr("Reopen a recent file by its name"));
     connect(button, &PlainButton::clicked, this, [this] { give(Command::goToFile); });
     row_->addWidget(button);
 }
@@ -186,25 +169,13 @@ void ToolbarView::fillFormatMenu(QMenu& menu)
 
 void ToolbarView::addToggle(const Toggle& toggle)
 {
-    auto* button = new PlainButton({.symbol = toggle.symbol,
-                                    .symbolSize = buttonIconSize,
-                                    .checkedTint = Tint::accent(),
-                                    .checkedGround = Tint::accent().at(0.15),
-                                    .fixedSize = buttonSize},
-                                   this);
-    button->setHelp(inPlatformWords(toggle.help));
-    button->setCheckable(true);
-    const auto follow = [this, button, isShown = toggle.isShown] {
-        button->setChecked(std::invoke(isShown, appState_));
+    const auto flip = [this, toggle] {
+        std::invoke(toggle.setShown, appState_, !std::invoke(toggle.isShown, appState_));
     };
-    follow();
-    connect(&appState_, toggle.changed, button, follow);
-    // Screen readers toggle without a click.
-    connect(button, &PlainButton::toggled, this, [this, toggle](bool on) {
-        if (std::invoke(toggle.isShown, appState_) != on) {
-            std::invoke(toggle.setShown, appState_, on);
-        }
-    });
+    auto* button =
+        new ToolbarToggleButton(toggle.icon, toggle.help, std::invoke(toggle.isShown, appState_), flip, this);
+    connect(&appState_, toggle.changed, button,
+            [this, button, isShown = toggle.isShown] { button->setIsActive(std::invoke(isShown, appState_)); });
     row_->addWidget(button);
 }
 

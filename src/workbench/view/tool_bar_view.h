@@ -15,6 +15,7 @@ class QMenu;
 namespace kelm {
 
 class PlainButton;
+class ToolbarButton;
 
 /// A thin view over the state: each button calls one of its operations or flips one of its flags.
 class ToolbarView final : public QWidget
@@ -35,14 +36,14 @@ protected:
 private:
     struct Toggle
     {
-        QString symbol;
+        QString icon;
         QString help;
         bool (AppState::*isShown)() const;
         void (AppState::*setShown)(bool);
         void (AppState::*changed)();
     };
 
-    PlainButton* addButton(const QString& symbol, const QString& help, std::function<void()> action);
+    ToolbarButton* addButton(const QString& icon, const QString& help, std::function<void()> action);
     /// Gives the command as the menu bar does.
     void give(Command command);
     void addToggle(const Toggle& toggle);

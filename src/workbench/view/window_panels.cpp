@@ -33,7 +33,10 @@ QWidget* makeSidebarContent(SidebarTab tab, AppState& appState, ThemeManager& th
 BottomPanel::Pages bottomPanelPages(AppState& appState, ThemeManager& themeManager)
 {
     const auto terminal = [&](QWidget* parent) {
-        return new TerminalView(appState, {appState.scheduler(), appState.notificationCenter()}, parent);
+        return new TerminalView({.scheduler = appState.scheduler(),
+                                 .notifications = appState.notificationCenter(),
+                                 .hideBottomPanel = [&appState] { appState.setShowBottomPanel(false); }},
+                                parent);
     };
     const auto output = [&](QWidget* parent) {
         return new OutputPage(appState.codeRunner(), appState.notificationCenter(), themeManager, parent);

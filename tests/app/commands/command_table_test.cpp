@@ -68,6 +68,17 @@ CommandTargets targetsOf(AppState& state)
     return {state, updates, [] { qFatal("no test asks for that"); }};
 }
 
+/// An updater that counts what it is asked for.
+class CountingUpdater final : public UpdaterController
+{
+public:
+    bool canCheckForUpdates() const override { return canCheck; }
+    void checkForUpdates() override { ++checks; }
+
+    bool canCheck = false;
+    int checks = 0;
+};
+
 void run(Command command, AppState& state)
 {
     commandItem(command, relabeledTable()).action(targetsOf(state));
@@ -100,6 +111,8 @@ private Q_SLOTS:
     void togglesFlip();
     void runRunsTheCurrentDocument();
     void runInTerminalOnlyShowsThePanel();
+    void checkingForUpdatesAsksTheUpdater();
+    void uninstallingIsAsked();
     void findCommandsShowTheirOverlay_data();
     void findCommandsShowTheirOverlay();
 
@@ -337,6 +350,39 @@ void CommandTableTest::runInTerminalOnlyShowsThePanel()
     QVERIFY(state().showBottomPanel());
 }
 
+void CommandTableTest::checkingForUpdatesAsksTheUpdater()
+{
+    auto owned = std::make_unique<CountingUpdater>();
+    CountingUpdater& updater = *owned;
+    AutoUpdateService updates(std::move(owned));
+    const CommandTargets targets{state(), updates, [] { qFatal("no test asks for that"); }};
+    const MenuItem& check = commandItem(Command::checkForUpdates, relabeledTable());
+    QCoreApplication::processEvents();
+    QVERIFY(!check.isEnabled(targets));
+    updater.canCheck = true;
+    Q_EMIT updater.canCheckForUpdatesChanged();
+    QTRY_VERIFY(check.isEnabled(targets));
+    check.action(targets);
+    QCOMPARE(updater.checks, 1);
+    updater.canCheck = false;
+    Q_EMIT updater.canCheckForUpdatesChanged();
+    QTRY_VERIFY(!check.isEnabled(targets));
+    // No other command is ever disabled by the table.
+    for (int command = 0; command <= int(lastTableCommand); ++command) {
+        if (Command(command) != Command::checkForUpdates) {
+            QVERIFY(!commandItem(Command(command)).isEnabled);
+        }
+    }
+}
+
+void CommandTableTest::uninstallingIsAsked()
+{
+    AutoUpdateService updates(UpdaterController::makeForPlatform());
+    int asked = 0;
+    commandItem(Command::uninstall, relabeledTable()).action({state(), updates, [&asked] { ++asked; }});
+    QCOMPARE(asked, 1);
+}
+
 void CommandTableTest::findCommandsShowTheirOverlay_data()
 {
     QTest::addColumn<Command>("command");
@@ -390,6 +436,8 @@ void CommandTableTest::textCommandsRewriteTheWholeContent()
     const std::shared_ptr<Document> document = state().currentDocument();
     document->setContent(before);
     document->setIsModified(false);
+    // What is selected makes no difference.
+    document->setSelection(TextSelection{{1, 1, 0}, {1, 2, 1}});
     run(command, state());
     QCOMPARE(document->content(), after);
     QCOMPARE(document->isModified(), before != after);

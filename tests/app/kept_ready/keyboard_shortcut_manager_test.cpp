@@ -1,9 +1,6 @@
 #include "app/kept_ready/keyboard_shortcut_manager.h"
 #include "support/test_program.h"
 
-#include <QFile>
-#include <QRegularExpression>
-#include <QSet>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -52,6 +49,7 @@ private Q_SLOTS:
     void theStoredFormIsAnObjectOfTwoMembers();
     void whatIsNoShortcutDoesNotDecode_data();
     void whatIsNoShortcutDoesNotDecode();
+    void theDefaultsAreTheKeysOfMenusAndText();
     void theTableInForceIsTheDefaultsWithTheOverrides();
     void anOverrideThatChangesNothingTellsNothing();
 };
@@ -83,13 +81,100 @@ void KeyboardShortcutManagerTest::anUnknownNameIsNoAction()
 
 void KeyboardShortcutManagerTest::theEnumerationAndTheNamesAgree()
 {
-    QCOMPARE(rawValue(ShortcutAction::newFile), u"newFile"_s);
-    QCOMPARE(rawValue(ShortcutAction::blockComment), u"blockComment"_s);
-    QCOMPARE(rawValue(ShortcutAction::addCursorToLineEnds), u"addCursorToLineEnds"_s);
-    QCOMPARE(rawValue(ShortcutAction::resetZoom), u"resetZoom"_s);
-    QCOMPARE(rawValue(ShortcutAction::formatJSON), u"formatJSON"_s);
-    QCOMPARE(rawValue(ShortcutAction::debug), u"debug"_s);
-    QCOMPARE(rawValue(ShortcutAction::surroundWith), u"surroundWith"_s);
+    using enum ShortcutAction;
+    const QList<ShortcutAction> cases{newFile,
+                                      newWindow,
+                                      openFile,
+                                      openFolder,
+                                      save,
+                                      saveAs,
+                                      saveAll,
+                                      closeTab,
+                                      closeWindow,
+                                      undo,
+                                      redo,
+                                      cut,
+                                      copy,
+                                      paste,
+                                      selectAll,
+                                      duplicateLine,
+                                      deleteLine,
+                                      moveLineUp,
+                                      moveLineDown,
+                                      copyLineUp,
+                                      copyLineDown,
+                                      indentLine,
+                                      outdentLine,
+                                      toggleComment,
+                                      blockComment,
+                                      expandSelection,
+                                      shrinkSelection,
+                                      selectWord,
+                                      selectLine,
+                                      addCursorAbove,
+                                      addCursorBelow,
+                                      addCursorToLineEnds,
+                                      find,
+                                      findAndReplace,
+                                      findInFiles,
+                                      findNext,
+                                      findPrevious,
+                                      replaceNext,
+                                      replaceAll,
+                                      goToFile,
+                                      goToLine,
+                                      goToSymbol,
+                                      goToDefinition,
+                                      goBack,
+                                      goForward,
+                                      nextTab,
+                                      previousTab,
+                                      switchTab1,
+                                      switchTab2,
+                                      switchTab3,
+                                      switchTab4,
+                                      switchTab5,
+                                      toggleSidebar,
+                                      toggleTerminal,
+                                      toggleMinimap,
+                                      toggleLineNumbers,
+                                      toggleWordWrap,
+                                      zoomIn,
+                                      zoomOut,
+                                      resetZoom,
+                                      splitHorizontal,
+                                      splitVertical,
+                                      focusEditor,
+                                      focusSidebar,
+                                      focusTerminal,
+                                      formatDocument,
+                                      formatJSON,
+                                      formatXML,
+                                      sortLines,
+                                      foldAll,
+                                      unfoldAll,
+                                      foldLevel1,
+                                      foldLevel2,
+                                      foldLevel3,
+                                      toggleFold,
+                                      run,
+                                      runInTerminal,
+                                      stop,
+                                      debug,
+                                      toggleBookmark,
+                                      nextBookmark,
+                                      previousBookmark,
+                                      clearBookmarks,
+                                      insertSnippet,
+                                      surroundWith};
+    QCOMPARE(cases.size(), names.size());
+    for (qsizetype at = 0; at < cases.size(); ++at) {
+        QCOMPARE(rawValue(cases[at]), names[at]);
+    }
+    QCOMPARE(rawValue(Modifier::command), u"command"_s);
+    QCOMPARE(rawValue(Modifier::option), u"option"_s);
+    QCOMPARE(rawValue(Modifier::control), u"control"_s);
+    QCOMPARE(rawValue(Modifier::shift), u"shift"_s);
 }
 
 void KeyboardShortcutManagerTest::theOrderOfModifiersMatters()
@@ -144,6 +229,50 @@ void KeyboardShortcutManagerTest::whatIsNoShortcutDoesNotDecode()
 {
     QFETCH(QByteArray, json);
     QCOMPARE(KeyboardShortcut::decoded(json), std::nullopt);
+}
+
+void KeyboardShortcutManagerTest::theDefaultsAreTheKeysOfMenusAndText()
+{
+    const QStringList expected{u"newFile: command n"_s,
+                               u"newWindow: command shift n"_s,
+                               u"openFile: command o"_s,
+                               u"save: command s"_s,
+                               u"saveAs: command shift s"_s,
+                               u"saveAll: command option s"_s,
+                               u"undo: command z"_s,
+                               u"redo: command shift z"_s,
+                               u"duplicateLine: command d"_s,
+                               u"indentLine: command ]"_s,
+                               u"outdentLine: command ["_s,
+                               u"toggleComment: command /"_s,
+                               u"selectLine: command l"_s,
+                               u"addCursorAbove: command option up"_s,
+                               u"addCursorBelow: command option down"_s,
+                               u"find: command f"_s,
+                               u"findAndReplace: command h"_s,
+                               u"findInFiles: command shift f"_s,
+                               u"goToFile: command p"_s,
+                               u"goToLine: command g"_s,
+                               u"toggleSidebar: command b"_s,
+                               u"toggleTerminal: control `"_s,
+                               u"toggleMinimap: command shift m"_s,
+                               u"formatJSON: command shift j"_s,
+                               u"formatXML: command shift x"_s,
+                               u"run: command r"_s,
+                               u"runInTerminal: command shift r"_s,
+                               u"stop: command ."_s};
+    QStringList rows;
+    for (const ShortcutAction action : allShortcutActions()) {
+        if (const auto found = defaultShortcuts().constFind(action); found != defaultShortcuts().cend()) {
+            QStringList words;
+            for (const Modifier modifier : found->modifiers) {
+                words << rawValue(modifier);
+            }
+            rows << rawValue(action) + u": "_s + (words << found->key).join(u' ');
+        }
+    }
+    QCOMPARE(rows, expected);
+    QCOMPARE(defaultShortcuts().size(), 28);
 }
 
 void KeyboardShortcutManagerTest::theTableInForceIsTheDefaultsWithTheOverrides()

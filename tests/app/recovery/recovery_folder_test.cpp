@@ -60,6 +60,7 @@ private Q_SLOTS:
     void folderAndFilesAreTheOwnersAlone();
     void copiesOfAProgramThatRunsAreNotOffered();
     void copiesOfAProgramThatWasKilledAreOffered();
+    void theLatestComeFirst();
     void aCopyIsTakenByOneAlone();
     void aDamagedCopyStaysWhereItIs();
     void theOldestGoFirstAndNoneBeforeItsAge();
@@ -152,6 +153,19 @@ void RecoveryFolderTest::copiesOfAProgramThatWasKilledAreOffered()
     QCOMPARE(texts[0].firstWords, u"typed"_s);
     ::close(ready[0]);
     ::close(ready[1]);
+}
+
+void RecoveryFolderTest::theLatestComeFirst()
+{
+    RecoveryFolder folder(path_);
+    QStringList ids;
+    // Many are of the same millisecond.
+    for (const qint64 time : {1, 1, 1, 1, 1, 1, 1, 1, 2, 0}) {
+        ids.prepend(folder.newId());
+        QVERIFY(!folder.write(ids.constFirst(), headerAt(time), TextTree(u"text"_s)));
+    }
+    ids.append(ids.takeFirst());
+    QCOMPARE(idsOf(folder.texts()), ids);
 }
 
 void RecoveryFolderTest::aCopyIsTakenByOneAlone()

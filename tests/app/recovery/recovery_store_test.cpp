@@ -314,9 +314,13 @@ void RecoveryStoreTest::replacedTextsAreKept()
     store_->keepReplaced(url, TextTree(u"tree"_s));
     finish();
     QCOMPARE(onDisk(), QStringList({u"caf\u00e9"_s, u"caf\u00e9"_s, u"tree"_s}));
-    QCOMPARE(store_->texts().size(), 3);
-    QVERIFY(store_->texts().constFirst().header.isReplaced);
-    QCOMPARE(store_->texts().constFirst().header.title(), u"b.txt"_s);
+    // The latest first; bytes that their text does not give again have no file that they would be saved to.
+    QStringList titles;
+    for (const UnsavedText& text : store_->texts()) {
+        QVERIFY(text.header.isReplaced);
+        titles << text.header.title();
+    }
+    QCOMPARE(titles, (QStringList{u"b.txt"_s, u"Untitled"_s, u"b.txt"_s}));
 }
 
 void RecoveryStoreTest::theHeaderNamesTheStateOfTheFile()

@@ -44,7 +44,9 @@ private Q_SLOTS:
     void whatHasNoSuchLineIsContent_data();
     void whatHasNoSuchLineIsContent();
     void whatASaveLeftIsOfferedOnce();
-    void aSaveThatMayGoOnIsLeftAlone();
+    void aSaveThatGoesOnIsLeftAlone();
+    void whatWasSavedIsNotKept();
+    void whatIsAboutToBeLockedIsLeftAlone();
     void whatAnotherProgramTakesIsLeftToIt();
     void whatCannotBeKeptStays();
 
@@ -110,12 +112,37 @@ void ReplacedBytesTest::whatASaveLeftIsOfferedOnce()
     QCOMPARE(folder.texts().size(), 1);
 }
 
-void ReplacedBytesTest::aSaveThatMayGoOnIsLeftAlone()
+void ReplacedBytesTest::aSaveThatGoesOnIsLeftAlone()
 {
-    QVERIFY(!keep("the old text\n").isEmpty());
+    std::optional<ReplacedFilesFolder> saving(home_->path());
+    const QUrl kept = saving->keepReplaced(url_, "the old text\n").value_or(QUrl());
+    RecoveryFolder folder(home_->path());
+    folder.takeReplaced(now() + 2 * minute);
+    QCOMPARE(left().size(), 1);
+    QCOMPARE(folder.texts().size(), 0);
+    // Its program ends, and a moment later the next one begins.
+    saving.reset();
+    folder.takeReplaced(now());
+    QCOMPARE(left(), QStringList());
+    QCOMPARE(folder.texts().size(), 1);
+}
+
+void ReplacedBytesTest::whatWasSavedIsNotKept()
+{
+    ReplacedFilesFolder saving(home_->path());
+    saving.forget(saving.keepReplaced(url_, "the old text\n").value_or(QUrl()));
+    QCOMPARE(left(), QStringList());
+}
+
+void ReplacedBytesTest::whatIsAboutToBeLockedIsLeftAlone()
+{
+    QFile file(home_->filePath(ReplacedBytes::prefix + u'1'));
+    QVERIFY(file.open(QIODevice::WriteOnly));
     RecoveryFolder folder(home_->path());
     folder.takeReplaced(now());
     QCOMPARE(left().size(), 1);
+    folder.takeReplaced(now() + 2 * minute);
+    QCOMPARE(left(), QStringList());
     QCOMPARE(folder.texts().size(), 0);
 }
 

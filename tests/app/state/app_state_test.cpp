@@ -37,6 +37,7 @@ private Q_SLOTS:
     void eachTextComesBackByteForByte();
     void anOpenFileIsSwitchedTo();
     void openingComparesUrlsByValue();
+    void ofTwoTabsOfAFileTheFirstIsSwitchedTo();
     void anUntitledDocumentMatchesNoFile();
     void whatCannotBeOpenedIsLogged_data();
     void whatCannotBeOpenedIsLogged();
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void closingTabsOneByOne();
     void closingTheOthers_data();
     void closingTheOthers();
+    void closingSavesNothing();
     void observersSeeTabsAndIndexTogether();
     void aClosedDocumentLivesUntilObserversHaveHeard();
     void theOpenPanelOpensFilesAndFolders();
@@ -77,6 +79,9 @@ private Q_SLOTS:
     void recentFilesComeBackWithoutThoseThatAreGone();
     void undecodableRecentFilesAreNone_data();
     void undecodableRecentFilesAreNone();
+    void aRestartBringsBackNothingElse();
+    void nothingIsSavedByItself_data();
+    void nothingIsSavedByItself();
 
 private:
     AppState& state() { return fixture_->state; }
@@ -315,6 +320,21 @@ void AppStateTest::openingComparesUrlsByValue()
     QCOMPARE(state().documents().size(), 2);
 }
 
+void AppStateTest::ofTwoTabsOfAFileTheFirstIsSwitchedTo()
+{
+    const QUrl url = fixture_->write(u"a.txt"_s, "a");
+    state().createNewTab();
+    state().openFile(url);
+    state().createNewTab();
+    fixture_->filePanels.saveAnswer = url;
+    state().saveCurrentDocumentAs();
+    QVERIFY(state().documents().at(2)->fileURL() == url);
+    state().openFile(url);
+    QCOMPARE(state().documents().size(), 3);
+    QCOMPARE(state().currentDocumentIndex(), 1);
+    QCOMPARE(fixture_->log.written.last(), u"  ♻️ File already open at index 1"_s);
+}
+
 void AppStateTest::anUntitledDocumentMatchesNoFile()
 {
     state().createNewTab();
@@ -438,6 +458,22 @@ void AppStateTest::closingTheOthers()
     state().closeOtherTabs(kept);
     QCOMPARE(fixture_->openTexts().join(QString()), left);
     QCOMPARE(state().currentDocumentIndex(), index);
+}
+
+void AppStateTest::closingSavesNothing()
+{
+    for (const QString& name : {u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}) {
+        state().openFile(fixture_->write(name, "old"));
+        state().currentDocument()->setContent(u"new"_s);
+    }
+    state().closeTab(0);
+    state().closeOtherTabs(1);
+    QCOMPARE(state().documents().size(), 1);
+    for (const QString& name : {u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}) {
+        QCOMPARE(fixture_->bytesOf(name), QByteArray("old"));
+    }
+    QVERIFY(state().currentDocument()->isModified());
+    QCOMPARE(fixture_->filePanels.savePanelsShown, 0);
 }
 
 void AppStateTest::observersSeeTabsAndIndexTogether()
@@ -853,6 +889,9 @@ void AppStateTest::sortingLines_data()
     QTest::newRow("no final newline") << u"b\na"_s << true << u"a\nb"_s << true;
     QTest::newRow("final newline") << u"a\n"_s << true << u"\na"_s << true;
     QTest::newRow("empty") << QString() << true << QString() << false;
+    // A return and a line feed are two ends, with an empty line between them.
+    QTest::newRow("returns and line feeds") << u"b\r\na"_s << true << u"\na\nb"_s << true;
+    QTest::newRow("all kinds of newlines") << u"c\vb\u2028a\u0085d"_s << false << u"d\nc\nb\na"_s << true;
 }
 
 void AppStateTest::sortingLines()
@@ -930,6 +969,53 @@ void AppStateTest::undecodableRecentFilesAreNone()
     // A value that is no data is none either.
     fixture_->userDefaults.setString(u"recentFiles"_s, u"[\"file:///\"]"_s);
     QVERIFY(restarted()->recentFiles().isEmpty());
+}
+
+void AppStateTest::aRestartBringsBackNothingElse()
+{
+    fixture_->userDefaults.setBoolean(u"reopenFiles"_s, true);
+    state().openFile(fixture_->write(u"a.txt"_s, "a"));
+    state().setCurrentProject(QUrl::fromLocalFile(fixture_->folder.path()));
+    state().setShowSidebar(false);
+    state().setShowBottomPanel(true);
+    state().setShowMinimap(false);
+    state().setShowSearch(true);
+    state().setShowQuickOpen(true);
+    state().setShowGoToLine(true);
+    state().setShowCloneDialog(true);
+    state().setSearchMode(SearchMode::project);
+    state().setBottomPanelTab(BottomPanelTab::problems);
+    const auto next = restarted();
+    QVERIFY(next->documents().isEmpty());
+    QVERIFY(!next->currentProject());
+    QVERIFY(next->showSidebar() && !next->showBottomPanel() && next->showMinimap());
+    QVERIFY(!next->showSearch() && !next->showQuickOpen() && !next->showGoToLine() && !next->showCloneDialog());
+    QCOMPARE(next->searchMode(), SearchMode::find);
+    QCOMPARE(next->bottomPanelTab(), BottomPanelTab(BottomPanelTab::terminal));
+    QCOMPARE(next->recentFiles(), state().recentFiles());
+}
+
+void AppStateTest::nothingIsSavedByItself_data()
+{
+    QTest::addColumn<bool>("isStored");
+    QTest::newRow("by default") << false;
+    QTest::newRow("as it is stored") << true;
+}
+
+void AppStateTest::nothingIsSavedByItself()
+{
+    QFETCH(bool, isStored);
+    if (isStored) {
+        fixture_->userDefaults.setBoolean(u"autoSave"_s, true);
+        fixture_->userDefaults.setInteger(u"autoSaveDelay"_s, 1);
+    }
+    const auto saving = restarted();
+    saving->openFile(fixture_->write(u"a.txt"_s, "old"));
+    saving->currentDocument()->setContent(u"new"_s);
+    fixture_->scheduler.advance(300s);
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("old"));
+    QVERIFY(saving->currentDocument()->isModified());
 }
 
 void AppStateTest::severalFilesAreOneChange()

@@ -20,6 +20,9 @@ private Q_SLOTS:
     void linksGoToTheirHandler();
     void withoutAHandlerALinkFailsAsAnythingElse();
     void aFolderBecomesTheProjectAndOpensNoTab();
+    void theLastOfSeveralFoldersIsTheProject();
+    void anAddressThatIsNoFileFails_data();
+    void anAddressThatIsNoFileFails();
 
 private:
     std::unique_ptr<AppStateFixture> fixture_;
@@ -87,6 +90,33 @@ void OpenEventsTest::aFolderBecomesTheProjectAndOpensNoTab()
     QVERIFY(fixture_->state.currentProject() == QUrl(folder.toString() + u'/'));
     QVERIFY(fixture_->state.documents().isEmpty());
     QVERIFY(fixture_->log.written.isEmpty());
+}
+
+void OpenEventsTest::theLastOfSeveralFoldersIsTheProject()
+{
+    openURLs({u"file:///one/"_s, fixture_->write(u"a.txt"_s, "a").toString(), u"file:///two/"_s}, fixture_->state, {});
+    QVERIFY(fixture_->state.currentProject() == QUrl(u"file:///two/"_s));
+    QCOMPARE(fixture_->openTexts(), QStringList{u"a"_s});
+}
+
+void OpenEventsTest::anAddressThatIsNoFileFails_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("a page") << u"https://x/a"_s;
+    QTest::newRow("a site") << u"https://x/"_s;
+    QTest::newRow("a folder of a site") << u"https://x/tmp/"_s;
+    QTest::newRow("a link in capitals") << u"KELMPANE://open/"_s;
+    QTest::newRow("no scheme") << u"/tmp/"_s;
+}
+
+void OpenEventsTest::anAddressThatIsNoFileFails()
+{
+    QFETCH(QString, text);
+    openURLs({text}, fixture_->state, [](const QString&) { QFAIL("that is no link"); });
+    QVERIFY(!fixture_->state.currentProject());
+    QVERIFY(fixture_->state.documents().isEmpty());
+    QCOMPARE(fixture_->log.written.size(), 3);
+    QVERIFY(fixture_->log.written.last().startsWith(u"  ❌ Error opening file: "));
 }
 
 const kelm::test::Registered<OpenEventsTest> registered;

@@ -29,7 +29,7 @@ struct Fixture : AppStateFixture
     ~Fixture()
     {
         state.codeRunner().stop();
-        (void)QTest::qWaitFor([this] { return !state.codeRunner().isRunning(); });
+        (void)QTest::qWaitFor([this] { return !state.codeRunner().isRunning(); }, kelm::test::patience);
     }
 
     CodeRunner& runner() const { return state.codeRunner(); }

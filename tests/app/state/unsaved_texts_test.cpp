@@ -265,7 +265,7 @@ void UnsavedTextsTest::theNextStartOffersWhatWasOpen()
     QCOMPARE(store().texts().constFirst().header.title(), u"a.txt"_s);
     QSignalSpy opened(&state(), &AppState::documentsChanged);
     state().unsavedTexts().open(store().texts().constFirst().id);
-    QVERIFY(opened.wait());
+    QVERIFY(opened.wait(kelm::test::patience));
     QCOMPARE(texts(), QStringList(u"typed"_s));
     QVERIFY(state().currentDocument()->isModified());
     QCOMPARE(state().currentDocument()->fileURL(), std::optional(url));
@@ -339,7 +339,7 @@ void UnsavedTextsTest::aTextThatCannotBeReadIsToldOf()
     QVERIFY(QFile::remove(folder() + u'/' + id + u".copy"_s));
     QSignalSpy told(&notices(), &Notices::currentChanged);
     state().unsavedTexts().open(id);
-    QVERIFY(told.wait());
+    QVERIFY(told.wait(kelm::test::patience));
     QCOMPARE(notice(), u"The unsaved text could not be opened"_s);
     QVERIFY(state().documents().isEmpty());
 }

@@ -15,6 +15,7 @@ class WindowTabsTest : public QObject
 private Q_SLOTS:
     void bottomPanelTabsStandInTheirOrder();
     void sidebarTabsStandInTheirOrder();
+    void modesOfTheSearchStandInTheirOrder();
 };
 
 void WindowTabsTest::bottomPanelTabsStandInTheirOrder()
@@ -36,6 +37,12 @@ void WindowTabsTest::sidebarTabsStandInTheirOrder()
     QCOMPARE(rows, (QStringList{u"Explorer|doc.text"_s, u"Search|magnifyingglass"_s,
                                 u"Source Control|arrow.triangle.branch"_s, u"Extensions|puzzlepiece.extension"_s}));
     QCOMPARE(SidebarTab(), SidebarTab(SidebarTab::files));
+}
+
+void WindowTabsTest::modesOfTheSearchStandInTheirOrder()
+{
+    QCOMPARE(SearchMode(), SearchMode::find);
+    QVERIFY(SearchMode::find < SearchMode::replace && SearchMode::replace < SearchMode::project);
 }
 
 const kelm::test::Registered<WindowTabsTest> registered;

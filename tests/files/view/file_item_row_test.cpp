@@ -25,7 +25,8 @@ constexpr int width = 300;
 constexpr int height = 24;
 constexpr int leading = 10;
 constexpr int chevronWidth = 14;
-constexpr int trailing = 10;
+/// Behind a badge.
+constexpr int trailing = 4;
 
 /// What a row is painted from.
 struct Row
@@ -209,7 +210,11 @@ void FileItemRowTest::theGroundUnderTheMouseIsATenthOfTheSecondaryColour()
     secondary.setAlphaF(secondary.alphaF() * 0.1F);
     const QImage hovered = picture(row, QStyle::State_MouseOver);
     QVERIFY(distance(hovered.pixelColor(free), over(ground(), secondary)) <= 1);
+    // From end to end, with round corners.
     QCOMPARE(hovered.pixelColor(hovered.rect().topLeft()), ground());
+    for (const int x : {0, width - 1}) {
+        QVERIFY(distance(hovered.pixelColor(x, height / 2), over(ground(), secondary)) <= 1);
+    }
     // A row that is current, or selected, has no ground by that.
     QCOMPARE(picture(row, QStyle::State_HasFocus | QStyle::State_Selected), picture(row));
 }

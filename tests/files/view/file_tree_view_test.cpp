@@ -1,7 +1,10 @@
 #include "files/view/file_tree_view.h"
 #include "git/service/git_service.h"
+#include "platform/style/view/style.h"
+#include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
 #include "support/app_state_fixture.h"
+#include "support/painted.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
 
@@ -14,6 +17,7 @@
 namespace file_tree_view_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -100,9 +104,13 @@ private Q_SLOTS:
     void aFolderExpandsAndCollapses();
     void aFolderOfHiddenFilesShowsNone();
     void expandingAgainReadsAgain();
+    void theHeaderNamesTheFolder();
     void aFileOpens();
     void refreshReadsTheTopLevel();
+    void refreshMakesEntriesAnewAndListsNoFolder();
+    void aFolderInsideAnExpandedOneIsListedByItselfAlone();
     void withoutAProjectAFolderCanBeOpened();
+    void aProjectThatComesFromElsewhereIsListed();
     void cancellingChangesNothing();
     void aChangeOfTheProjectWaitsForTheNextRead();
     void aProjectThatIsGoneIsTold();
@@ -163,6 +171,25 @@ void FileTreeViewTest::expandingAgainReadsAgain()
     QVERIFY(fixture.rows().contains(u"  c.js"_s));
 }
 
+void FileTreeViewTest::theHeaderNamesTheFolder()
+{
+    Fixture fixture;
+    fixture.show();
+    TextLabel* title = nullptr;
+    for (auto* label : fixture.view->findChildren<TextLabel*>()) {
+        title = label->isVisible() ? label : title;
+    }
+    QCOMPARE(title->text(), QFileInfo(fixture.project.path()).fileName());
+    TextLabel headline(title->text(), style::headlineFont(), Tint::primary());
+    headline.setElideMode(Qt::ElideMiddle);
+    QVERIFY(looksLike(*title, headline));
+    QVERIFY(title->mapTo(fixture.view.get(), QPoint()).y() <
+            fixture.view->list().mapTo(fixture.view.get(), QPoint()).y());
+    const QString other = fixture.project.filePath(u"src"_s);
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(other));
+    QCOMPARE(title->text(), u"src"_s);
+}
+
 void FileTreeViewTest::aFileOpens()
 {
     Fixture fixture;
@@ -180,6 +207,35 @@ void FileTreeViewTest::refreshReadsTheTopLevel()
     QCOMPARE(fixture.rows().at(2), u"new.txt"_s);
 }
 
+void FileTreeViewTest::refreshMakesEntriesAnewAndListsNoFolder()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    const QUuid before = fixture.view->model().item(1).id;
+    fixture.make(u"src/c.js"_s);
+    QTest::mouseClick(fixture.button(u"Refresh"_s), Qt::LeftButton);
+    QVERIFY(fixture.view->model().item(1).id != before);
+    // What was expanded still is; an entry that is new has no children yet.
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"v src"_s, u"readme.md"_s}));
+    fixture.click(u"src"_s);
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"> src"_s, u"readme.md"_s}));
+    fixture.click(u"src"_s);
+    QVERIFY(fixture.rows().contains(u"  c.js"_s));
+}
+
+void FileTreeViewTest::aFolderInsideAnExpandedOneIsListedByItselfAlone()
+{
+    Fixture fixture;
+    fixture.show();
+    fixture.click(u"src"_s);
+    fixture.click(u"deep"_s);
+    fixture.click(u"src"_s);
+    fixture.click(u"src"_s);
+    QCOMPARE(fixture.rows(),
+             (QStringList{u"> empty"_s, u"v src"_s, u"  v deep"_s, u"  A.swift"_s, u"  b.py"_s, u"readme.md"_s}));
+}
+
 void FileTreeViewTest::withoutAProjectAFolderCanBeOpened()
 {
     Fixture fixture;
@@ -192,6 +248,20 @@ void FileTreeViewTest::withoutAProjectAFolderCanBeOpened()
     QCOMPARE(fixture.state.currentProject(), std::optional(QUrl::fromLocalFile(fixture.project.path())));
     QCOMPARE(fixture.rows().size(), 3);
     QVERIFY(fixture.button(u"Open Folder…"_s) == nullptr);
+}
+
+void FileTreeViewTest::aProjectThatComesFromElsewhereIsListed()
+{
+    Fixture fixture;
+    fixture.show(false);
+    QVERIFY(fixture.rows().isEmpty());
+    // With it the tree appears.
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.project.path()));
+    QCOMPARE(fixture.rows(), (QStringList{u"> empty"_s, u"> src"_s, u"readme.md"_s}));
+    QVERIFY(fixture.view->list().isVisible());
+    fixture.state.setCurrentProject(std::nullopt);
+    QVERIFY(!fixture.view->list().isVisible());
+    QVERIFY(fixture.button(u"Open Folder…"_s) != nullptr);
 }
 
 void FileTreeViewTest::cancellingChangesNothing()
@@ -207,8 +277,9 @@ void FileTreeViewTest::aChangeOfTheProjectWaitsForTheNextRead()
 {
     Fixture fixture;
     fixture.show();
+    const QStringList before = fixture.rows();
     fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.project.filePath(u"src"_s)));
-    QCOMPARE(fixture.rows().size(), 3);
+    QCOMPARE(fixture.rows(), before);
     QTest::mouseClick(fixture.button(u"Refresh"_s), Qt::LeftButton);
     QCOMPARE(fixture.rows(), (QStringList{u"> deep"_s, u"A.swift"_s, u"b.py"_s}));
 }

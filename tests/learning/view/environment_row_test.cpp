@@ -4,6 +4,7 @@
 #include "support/painted.h"
 #include "support/test_program.h"
 
+#include <QClipboard>
 #include <QtTest>
 
 namespace environment_row_test {
@@ -19,7 +20,11 @@ struct Fixture
     ManualScheduler scheduler;
     EnvRow row;
 
-    explicit Fixture(const QString& key, bool isSet = false, bool isKo = false) : row(key, isSet, isKo, scheduler)
+    int copies = 0;
+
+    explicit Fixture(const QString& key, bool isSet = false, bool isKo = false)
+        : row(
+              key, isSet, isKo, [this] { ++copies; }, scheduler)
     {
         row.resize(260, row.sizeHint().height());
         row.show();
@@ -49,6 +54,9 @@ private Q_SLOTS:
     void whereToGetAKey();
     void theButtonSaysThatTheLineWasCopied_data();
     void theButtonSaysThatTheLineWasCopied();
+    void aRowHoldsItsRecord();
+    void whatCannotBeSeenInANameIsShown();
+    void copyingDoesNotCallBack();
 };
 
 void EnvironmentRowTest::aKeyThatIsSetHasAGreenCheck()
@@ -132,6 +140,33 @@ void EnvironmentRowTest::theButtonSaysThatTheLineWasCopied()
     fixture.scheduler.advance(std::chrono::milliseconds(1500));
     QCOMPARE(fixture.button()->text(), before);
     QVERIFY(!fixture.row.copied());
+}
+
+void EnvironmentRowTest::aRowHoldsItsRecord()
+{
+    Fixture fixture(u"SOME_KEY"_s, true, true);
+    QCOMPARE(fixture.row.key(), u"SOME_KEY"_s);
+    QVERIFY(fixture.row.isSet() && fixture.row.isKo() && !fixture.row.copied());
+    QVERIFY(fixture.row.onCopy());
+    fixture.row.onCopy()();
+    QCOMPARE(fixture.copies, 1);
+}
+
+void EnvironmentRowTest::whatCannotBeSeenInANameIsShown()
+{
+    const Fixture fixture(u"A\u202eB\u0001"_s);
+    QCOMPARE(fixture.row.findChild<TextLabel*>()->text(), u"A\u27e8U+202E\u27e9B\u27e8U+0001\u27e9"_s);
+}
+
+void EnvironmentRowTest::copyingDoesNotCallBack()
+{
+    Fixture fixture(u"SOME_KEY"_s);
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    QTest::mouseClick(fixture.button(), Qt::LeftButton);
+    QVERIFY(fixture.row.copied());
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"export SOME_KEY=..."_s);
+    fixture.scheduler.advance(std::chrono::milliseconds(1500));
+    QCOMPARE(fixture.copies, 0);
 }
 
 const kelm::test::Registered<EnvironmentRowTest> registered(kelm::test::Toolkit::widgets);

@@ -1,4 +1,5 @@
 #include "platform/desktop/motion_wishes.h"
+#include "support/session_bus.h"
 #include "support/test_program.h"
 
 #include <QDBusConnection>
@@ -9,10 +10,8 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
-#include <QProcess>
 #include <QScopeGuard>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -72,34 +71,22 @@ class MotionWishesTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { bus_.stop(); }
     void filesAreReadAtOnce_data();
     void filesAreReadAtOnce();
     void theServiceIsAskedAndTellsOfChanges();
     void anAnswerOfAnotherKindSaysNothing();
 
 private:
-    QProcess daemon_;
-    QString address_;
+    kelm::test::SessionBus bus_;
 };
 
 void MotionWishesTest::initTestCase()
 {
-    const QString program = QStandardPaths::findExecutable(u"dbus-daemon"_s);
-    if (program.isEmpty()) {
+    if (!kelm::test::SessionBus::isInstalled()) {
         QSKIP("dbus-daemon is not installed");
     }
-    daemon_.start(program, {u"--session"_s, u"--nofork"_s, u"--nosyslog"_s, u"--print-address"_s});
-    QVERIFY(QTest::qWaitFor([this] { return daemon_.canReadLine(); }, 10'000));
-    address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address_.toUtf8());
-}
-
-void MotionWishesTest::cleanupTestCase()
-{
-    QDBusConnection::disconnectFromBus(QDBusConnection::sessionBus().name());
-    daemon_.terminate();
-    daemon_.waitForFinished();
+    QVERIFY(bus_.start());
 }
 
 void MotionWishesTest::filesAreReadAtOnce_data()
@@ -157,7 +144,7 @@ void MotionWishesTest::filesAreReadAtOnce()
 
 void MotionWishesTest::theServiceIsAskedAndTellsOfChanges()
 {
-    SettingsService service(address_);
+    SettingsService service(bus_.address());
     QVERIFY(service.isThere());
     service.values = {{u"enable-animations"_s, false}, {u"cursor-blink"_s, true}};
     MotionWishes wishes;
@@ -182,7 +169,7 @@ void MotionWishesTest::theServiceIsAskedAndTellsOfChanges()
 
 void MotionWishesTest::anAnswerOfAnotherKindSaysNothing()
 {
-    SettingsService service(address_);
+    SettingsService service(bus_.address());
     QVERIFY(service.isThere());
     service.values = {{u"enable-animations"_s, u"false"_s}};
     MotionWishes wishes;

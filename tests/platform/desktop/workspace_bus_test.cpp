@@ -1,4 +1,5 @@
 #include "platform/desktop/workspace.h"
+#include "support/session_bus.h"
 #include "support/test_program.h"
 
 #include <QDBusConnection>
@@ -6,8 +7,6 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDesktopServices>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QtTest>
 
 #include <optional>
@@ -79,38 +78,26 @@ class WorkspaceBusTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanupTestCase() { bus_.stop(); }
     void theFileManagerIsAskedAndNotWaitedFor();
     void aFileManagerThatFailsGivesWayToTheFolder();
     void withoutAFileManagerTheFolderIsOpened();
 
 private:
-    QProcess daemon_;
-    QString address_;
+    kelm::test::SessionBus bus_;
 };
 
 void WorkspaceBusTest::initTestCase()
 {
-    const QString program = QStandardPaths::findExecutable(u"dbus-daemon"_s);
-    if (program.isEmpty()) {
+    if (!kelm::test::SessionBus::isInstalled()) {
         QSKIP("dbus-daemon is not installed");
     }
-    daemon_.start(program, {u"--session"_s, u"--nofork"_s, u"--nosyslog"_s, u"--print-address"_s});
-    QVERIFY(QTest::qWaitFor([this] { return daemon_.canReadLine(); }, 10'000));
-    address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address_.toUtf8());
-}
-
-void WorkspaceBusTest::cleanupTestCase()
-{
-    QDBusConnection::disconnectFromBus(QDBusConnection::sessionBus().name());
-    daemon_.terminate();
-    daemon_.waitForFinished();
+    QVERIFY(bus_.start());
 }
 
 void WorkspaceBusTest::theFileManagerIsAskedAndNotWaitedFor()
 {
-    FileManager manager(address_);
+    FileManager manager(bus_.address());
     QVERIFY(manager.isThere());
     UrlCatcher catcher;
     Workspace::system().reveal(QUrl::fromLocalFile(u"/a/b c,d%안.txt"_s));
@@ -127,7 +114,7 @@ void WorkspaceBusTest::theFileManagerIsAskedAndNotWaitedFor()
 
 void WorkspaceBusTest::aFileManagerThatFailsGivesWayToTheFolder()
 {
-    FileManager manager(address_);
+    FileManager manager(bus_.address());
     QVERIFY(manager.isThere());
     UrlCatcher catcher;
     Workspace::system().reveal(QUrl::fromLocalFile(u"/a/b/c.txt"_s));

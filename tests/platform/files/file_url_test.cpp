@@ -18,6 +18,7 @@ private Q_SLOTS:
     void urlsFallIntoTheirParts();
     void pathIsDecoded();
     void aFolderIsKnownBySlashOrByTheDisk();
+    void whatIsNoFileIsNoFolder();
 };
 
 void FileUrlTest::urlsFallIntoTheirParts_data()
@@ -71,6 +72,17 @@ void FileUrlTest::aFolderIsKnownBySlashOrByTheDisk()
     QVERIFY(!hasDirectoryPath(QUrl::fromLocalFile(path + u"/not there"_s)));
     QVERIFY(!hasDirectoryPath(QUrl::fromLocalFile(path + u"/file"_s)));
     QVERIFY(!hasDirectoryPath(QUrl()));
+}
+
+void FileUrlTest::whatIsNoFileIsNoFolder()
+{
+    // Neither by its slash nor by a folder that is called the same.
+    const QTemporaryDir folder;
+    for (const QString& text : {u"https://host/"_s, u"https://host/a/"_s, u"KELMPANE://open/"_s, u"https://host"_s}) {
+        QVERIFY2(!hasDirectoryPath(QUrl(text)), qPrintable(text));
+    }
+    QVERIFY(!hasDirectoryPath(QUrl(u"https://host"_s + folder.path())));
+    QVERIFY(!hasDirectoryPath(QUrl(folder.path() + u'/')));
 }
 
 const kelm::test::Registered<FileUrlTest> registered;

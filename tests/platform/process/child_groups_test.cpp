@@ -26,7 +26,7 @@ struct Shell
                                         .arguments = {u"-c"_s, line},
                                         .standardInput = QByteArray(),
                                         .ownGroup = ownGroup});
-        isReady = !error && QTest::qWaitFor([this] { return output.contains(u"ready\n"_s); });
+        isReady = !error && QTest::qWaitFor([this] { return output.contains(u"ready\n"_s); }, kelm::test::patience);
     }
 
     /// The numbers that it has said on lines of their own.

@@ -262,7 +262,7 @@ void ChildProcessTest::childIsLeftAloneWhenTheObjectGoes()
         ChildProcess child;
         QSignalSpy ready(&child, &ChildProcess::outputRead);
         QVERIFY(!child.start(roleCommand({u"wait"_s})));
-        QVERIFY(ready.wait());
+        QVERIFY(ready.wait(kelm::test::patience));
         process = child.processId();
     }
     QCoreApplication::processEvents();

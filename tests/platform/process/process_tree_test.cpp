@@ -29,7 +29,8 @@ struct Shell
                                         .arguments = {u"-c"_s, line},
                                         .standardInput = QByteArray(),
                                         .ownGroup = ownGroup});
-        isReady = !error && QTest::qWaitFor([this] { return output.contains(u"ready\n"_s) && told() > 0; });
+        isReady = !error &&
+                  QTest::qWaitFor([this] { return output.contains(u"ready\n"_s) && told() > 0; }, kelm::test::patience);
     }
 
     /// The number that it has said on a line of its own; 0 before.
@@ -149,7 +150,7 @@ void ProcessTreeTest::whoHasLostItsParentIsStillKnown()
             tree.look();
             return tree.isGone();
         };
-        QVERIFY2(QTest::qWaitFor(isGone), qPrintable(thoseThere()));
+        QVERIFY2(QTest::qWaitFor(isGone, kelm::test::patience), qPrintable(thoseThere()));
     }
 }
 

@@ -37,7 +37,7 @@ struct Fixture
     ~Fixture()
     {
         runner().stop();
-        (void)QTest::qWaitFor([this] { return !runner().isRunning(); });
+        (void)QTest::qWaitFor([this] { return !runner().isRunning(); }, kelm::test::patience);
     }
 
     CodeRunner& runner() const { return app.state.codeRunner(); }

@@ -21,7 +21,9 @@ struct TerminalPage
         qputenv("HOME", QFile::encodeName(home()));
         style::installOn(*qApp);
         view = std::make_unique<TerminalView>(
-            app.state, TerminalSession::Services{app.scheduler, app.notificationCenter, {QStringLiteral("/bin/sh")}});
+            TerminalSession::Services{app.scheduler, app.notificationCenter, {QStringLiteral("/bin/sh")}, [this] {
+                                          app.state.setShowBottomPanel(false);
+                                      }});
         view->resize(640, 240);
         view->show();
         view->activateWindow();

@@ -21,7 +21,7 @@ void whileRunning(TerminalPage& page, const std::function<void()>& typing)
         page.openGate();
     });
     page.run(page.waitingLine());
-    QVERIFY(QTest::qWaitFor([&page] { return page.session().isIdle(); }));
+    QVERIFY(QTest::qWaitFor([&page] { return page.session().isIdle(); }, kelm::test::patience));
 }
 
 } // namespace

@@ -26,7 +26,7 @@ void interrupted(TerminalPage& page, const std::function<void()>& typing, const 
         },
         line + u"started"_s);
     page.run(line);
-    QVERIFY(QTest::qWaitFor([&page] { return page.session().isIdle(); }));
+    QVERIFY(QTest::qWaitFor([&page] { return page.session().isIdle(); }, kelm::test::patience));
 }
 
 } // namespace

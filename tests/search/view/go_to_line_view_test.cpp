@@ -1,3 +1,4 @@
+#include "platform/view/labels.h"
 #include "search/view/go_to_line_view.h"
 #include "search/view/search_view_fixture.h"
 #include "support/test_program.h"
@@ -17,6 +18,7 @@ private Q_SLOTS:
 
     void goToLinePrintsAndCloses_data();
     void goToLinePrintsAndCloses();
+    void goToLineMovesNothing();
     void goToLineClosesOnEscape();
     void itIsNarrow();
 };
@@ -32,20 +34,43 @@ void GoToLineViewTest::goToLinePrintsAndCloses_data()
     QTest::newRow("a blank before") << u" 4"_s << QStringList();
     QTest::newRow("too large") << u"99999999999999999999"_s << QStringList();
     QTest::newRow("empty") << QString() << QStringList();
+    QTest::newRow("two signs") << u"--4"_s << QStringList();
+    QTest::newRow("a fraction") << u"4.0"_s << QStringList();
+    QTest::newRow("zero") << u"0"_s << QStringList{u"Go to line: 0"_s};
 }
 
 void GoToLineViewTest::goToLinePrintsAndCloses()
 {
     QFETCH(QString, typed);
     QFETCH(QStringList, printed);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        SearchViewFixture fixture;
+        fixture.state.setShowGoToLine(true);
+        fixture.show<GoToLineView>(fixture.log);
+        fixture.log.printed.clear();
+        QTest::keyClicks(&fixture.field(u"Line number"_s), typed);
+        QTest::keyClick(&fixture.field(u"Line number"_s), key);
+        QCOMPARE(fixture.log.printed, printed);
+        QVERIFY(!fixture.state.showGoToLine());
+    }
+}
+
+void GoToLineViewTest::goToLineMovesNothing()
+{
     SearchViewFixture fixture;
+    fixture.state.openSnippet(u"one\ntwo\nthree"_s, Language::plainText, std::nullopt);
     fixture.state.setShowGoToLine(true);
+    bool isPosted = false;
+    fixture.notificationCenter.addObserver(&fixture.state, notifications::navigateToLine,
+                                           [&isPosted](const Notification&) { isPosted = true; });
     fixture.show<GoToLineView>(fixture.log);
-    fixture.log.printed.clear();
-    QTest::keyClicks(&fixture.field(u"Line number"_s), typed);
+    QTest::keyClicks(&fixture.field(u"Line number"_s), u"3"_s);
     QTest::keyClick(&fixture.field(u"Line number"_s), Qt::Key_Return);
-    QCOMPARE(fixture.log.printed, printed);
-    QVERIFY(!fixture.state.showGoToLine());
+    QCOMPARE(fixture.log.printed, QStringList{u"Go to line: 3"_s});
+    QCOMPARE(fixture.state.currentDocument()->cursorPosition(), CursorPosition());
+    QCOMPARE(fixture.state.currentDocument()->content(), u"one\ntwo\nthree"_s);
+    QVERIFY(!fixture.state.currentDocument()->isModified());
+    QVERIFY(!isPosted);
 }
 
 void GoToLineViewTest::goToLineClosesOnEscape()
@@ -63,6 +88,10 @@ void GoToLineViewTest::itIsNarrow()
 {
     SearchViewFixture fixture;
     QCOMPARE(fixture.show<GoToLineView>(fixture.log).contentsRect().width(), 200);
+    QVERIFY(fixture.shows(u"Go to Line"_s));
+    const auto& title = *fixture.view->findChild<TextLabel*>();
+    QCOMPARE(title.text(), u"Go to Line"_s);
+    QVERIFY(title.geometry().bottom() < fixture.field(u"Line number"_s).y());
 }
 
 const kelm::test::Registered<GoToLineViewTest> registered(kelm::test::Toolkit::widgets);

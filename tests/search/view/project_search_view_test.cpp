@@ -21,6 +21,7 @@ private Q_SLOTS:
     void projectSearchListsAndOpens();
     void projectSearchKeepsOldResultsForAnEmptyField();
     void withoutAProjectNothingIsSearched();
+    void withoutAProjectTheOldResultsStay();
     void whatIsTooLongIsTold();
 };
 
@@ -45,6 +46,12 @@ void ProjectSearchViewTest::projectSearchListsAndOpens()
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(1, 0)).center());
     QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(view.results().at(1).fileURL));
     QCOMPARE(fixture.state.currentDocument()->cursorPosition(), CursorPosition());
+    // By the keyboard as well.
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(0, 0));
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(view.results().at(0).fileURL));
+    QCOMPARE(fixture.state.documents().size(), 2);
 }
 
 void ProjectSearchViewTest::projectSearchKeepsOldResultsForAnEmptyField()
@@ -76,6 +83,30 @@ void ProjectSearchViewTest::withoutAProjectNothingIsSearched()
     QTest::keyClick(&fixture.field(u"Search in files"_s), Qt::Key_Return);
     QVERIFY(!view.isSearching());
     QVERIFY(fixture.shows(u"No results"_s));
+}
+
+void ProjectSearchViewTest::withoutAProjectTheOldResultsStay()
+{
+    SearchViewFixture fixture;
+    fixture.write(u"a.txt"_s, "one\n");
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    auto& view = fixture.show<ProjectSearchView>();
+    QLineEdit& field = fixture.field(u"Search in files"_s);
+    QTest::keyClicks(&field, u"one"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_VERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    fixture.state.setCurrentProject(std::nullopt);
+    QTest::keyClicks(&field, u" more"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QVERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    QVERIFY(!fixture.shows(u"No results"_s));
+    // Another project is another search.
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTRY_VERIFY(!view.isSearching());
+    QVERIFY(view.results().isEmpty());
 }
 
 void ProjectSearchViewTest::whatIsTooLongIsTold()

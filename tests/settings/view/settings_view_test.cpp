@@ -1,6 +1,8 @@
+#include "platform/style/view/icons.h"
 #include "platform/view/plain_button.h"
 #include "settings/view/keybindings_view.h"
 #include "settings/view/setting_control.h"
+#include "settings/view/settings_form.h"
 #include "settings/view/settings_view.h"
 #include "settings/view/theme_preview.h"
 #include "settings/view/theme_settings_view.h"
@@ -10,7 +12,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QLayout>
 #include <QListWidget>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -105,8 +109,12 @@ private Q_SLOTS:
     void slidersGiveNoFraction();
     void theFontPickerShowsEachFamilyInItself();
     void aChangeOfTheStoreIsShown();
+    void whatIsShownIsNotWritten();
     void aDamagedFileIsLeftUntilAControlChanges();
     void sectionsStandInTheirOrder();
+    void controlsStandInTheirSections();
+    void eachControlWritesItsKeyAlone_data();
+    void eachControlWritesItsKeyAlone();
     void selectingAThemeChangesThePreviewAlone();
     void theKeyboardAloneSelectsNoTheme();
     void applyingSetsSavesAndApplies();
@@ -119,14 +127,19 @@ void SettingsViewTest::theTabsStandInTheirOrder()
 {
     Fixture fixture;
     QStringList labels;
+    QStringList symbols;
     for (int tab = 0; tab < SettingsView::tabCount; ++tab) {
         PlainButton& button = fixture.view.tabButton(static_cast<SettingsView::Tab>(tab));
         labels.append(button.text());
+        symbols.append(button.look().symbol);
+        QVERIFY(icons::has(symbols.last()));
         QTest::mouseClick(&button, Qt::LeftButton);
         QVERIFY(button.isChecked());
         QVERIFY(fixture.view.page(static_cast<SettingsView::Tab>(tab))->isVisible());
     }
     QCOMPARE(labels, (QStringList{u"General"_s, u"Editor"_s, u"Themes"_s, u"Keybindings"_s, u"Extensions"_s}));
+    QCOMPARE(symbols,
+             (QStringList{u"gear"_s, u"doc.text"_s, u"paintpalette"_s, u"keyboard"_s, u"puzzlepiece.extension"_s}));
 }
 
 void SettingsViewTest::everyPageHasRoomForItsRows()
@@ -253,6 +266,7 @@ void SettingsViewTest::theFontPickerShowsEachFamilyInItself()
     }
     QCOMPARE(families, (QStringList{u"SF Mono"_s, u"Menlo"_s, u"Monaco"_s, u"Courier New"_s, u"JetBrains Mono"_s,
                                     u"Fira Code"_s}));
+    QCOMPARE(EditorSettingsView::fontFamilies(), families);
     fixture.view.select(SettingsView::editor);
     box.setFocus();
     // To choose what stands there already changes nothing.
@@ -272,6 +286,24 @@ void SettingsViewTest::aChangeOfTheStoreIsShown()
     QCOMPARE(fixture.part<QSlider>(u"fontSize"_s).value(), 10);
     QVERIFY(fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
     QCOMPARE(fixture.part<QComboBox>(u"fontFamily"_s).currentText(), u"Monaco"_s);
+}
+
+void SettingsViewTest::whatIsShownIsNotWritten()
+{
+    Fixture fixture;
+    // Of another type, out of bounds, between two steps, and of no choice.
+    fixture.store.setBoolean(u"wordWrap"_s, true);
+    fixture.store.setString(u"wordWrap"_s, u"perhaps"_s);
+    fixture.store.setInteger(u"tabSize"_s, 100);
+    fixture.store.setReal(u"fontSize"_s, 13.6);
+    fixture.store.setString(u"fontFamily"_s, u"Another"_s);
+    QVERIFY(!fixture.part<QCheckBox>(u"wordWrap"_s).isChecked());
+    QCOMPARE(fixture.shownText(u"tabSize"_s), u"Tab size: 8"_s);
+    QCOMPARE(fixture.part<QSlider>(u"fontSize"_s).value(), 4);
+    QCOMPARE(fixture.store.string(u"wordWrap"_s), std::optional(u"perhaps"_s));
+    QCOMPARE(fixture.store.integer(u"tabSize"_s), std::optional<qint64>(100));
+    QCOMPARE(fixture.store.real(u"fontSize"_s), std::optional(13.6));
+    QCOMPARE(fixture.store.string(u"fontFamily"_s), std::optional(u"Another"_s));
 }
 
 void SettingsViewTest::aDamagedFileIsLeftUntilAControlChanges()
@@ -312,6 +344,89 @@ void SettingsViewTest::sectionsStandInTheirOrder()
     };
     QCOMPARE(headings(SettingsView::general), (QStringList{u"Startup"_s, u"Saving"_s, u"Closing"_s}));
     QCOMPARE(headings(SettingsView::editor), (QStringList{u"Font"_s, u"Indentation"_s, u"Display"_s, u"Editing"_s}));
+}
+
+void SettingsViewTest::controlsStandInTheirSections()
+{
+    Fixture fixture;
+    // Headings and the keys of controls, from top to bottom.
+    const auto rows = [&fixture](SettingsView::Tab tab) {
+        QStringList shown;
+        const QLayout& column = *fixture.view.page(tab)->layout();
+        for (int at = 0; at < column.count(); ++at) {
+            QWidget* const widget = column.itemAt(at)->widget();
+            if (const auto* control = qobject_cast<SettingControl*>(widget)) {
+                shown << control->setting().key;
+            } else if (widget != nullptr) {
+                shown << u"# "_s + widget->accessibleName();
+            }
+        }
+        return shown.join(u' ');
+    };
+    QCOMPARE(rows(SettingsView::general),
+             u"# Startup showWelcome reopenFiles # Saving autoSave autoSaveDelay # Closing confirmClose"_s);
+    QCOMPARE(rows(SettingsView::editor),
+             u"# Font fontFamily fontSize lineHeight # Indentation tabSize insertSpaces # Display showLineNumbers "
+             u"showMinimap highlightCurrentLine showIndentGuides wordWrap # Editing matchBrackets autoCloseBrackets"_s);
+}
+
+void SettingsViewTest::eachControlWritesItsKeyAlone_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("written");
+    const auto row = [](const char* key, const QString& text, const QVariant& written) {
+        QTest::newRow(key) << text << written;
+    };
+    row("autoSave", u"Auto save files"_s, false);
+    row("autoSaveDelay", u"Auto save delay: 6 seconds"_s, 6);
+    row("showWelcome", u"Show welcome screen on startup"_s, false);
+    row("reopenFiles", u"Reopen files from previous session"_s, false);
+    row("confirmClose", u"Confirm before closing modified files"_s, false);
+    row("fontFamily", u"Font family"_s, u"Menlo"_s);
+    row("fontSize", u"Font size: 14"_s, 14.0);
+    row("lineHeight", u"Line height: 1.5"_s, 1.5);
+    row("tabSize", u"Tab size: 5"_s, 5);
+    row("insertSpaces", u"Insert spaces instead of tabs"_s, false);
+    row("showLineNumbers", u"Show line numbers"_s, false);
+    row("showMinimap", u"Show minimap"_s, false);
+    row("highlightCurrentLine", u"Highlight current line"_s, false);
+    row("showIndentGuides", u"Show indent guides"_s, false);
+    row("wordWrap", u"Word wrap"_s, true);
+    row("matchBrackets", u"Match brackets"_s, false);
+    row("autoCloseBrackets", u"Auto-close brackets"_s, false);
+}
+
+void SettingsViewTest::eachControlWritesItsKeyAlone()
+{
+    QFETCH(QString, text);
+    QFETCH(QVariant, written);
+    const QString key = QString::fromLatin1(QTest::currentDataTag());
+    Fixture fixture;
+    SettingControl& control = fixture.control(key);
+    fixture.view.select(control.setting().tab == u"General"_s ? SettingsView::general : SettingsView::editor);
+    QSignalSpy changes(&fixture.store, &UserDefaults::valueChanged);
+    QString shown;
+    if (auto* box = control.findChild<QCheckBox*>()) {
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+        shown = box->text();
+        QCOMPARE(box->isChecked(), written.toBool());
+    } else if (auto* slider = control.findChild<QSlider*>()) {
+        QTest::keyClick(slider, Qt::Key_Right);
+        shown = fixture.shownText(key);
+    } else if (auto* picker = control.findChild<QComboBox*>()) {
+        QTest::keyClick(picker, Qt::Key_Down);
+        shown = picker->accessibleName();
+        QCOMPARE(picker->currentText(), written.toString());
+    } else {
+        fixture.click(key, u"More"_s);
+        shown = fixture.shownText(key);
+    }
+    QCOMPARE(shown, text);
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(settingValue(fixture.store, control.setting()), written);
+    for (const Setting& setting : settingsTable()) {
+        QCOMPARE(fixture.store.contains(setting.key), setting.key == key);
+    }
 }
 
 void SettingsViewTest::selectingAThemeChangesThePreviewAlone()
@@ -361,6 +476,10 @@ void SettingsViewTest::applyingSetsSavesAndApplies()
     QCOMPARE(fixture.themes.currentTheme().name, u"GitHub Light"_s);
     QCOMPARE(fixture.store.string(u"selectedTheme"_s), std::optional(u"GitHub Light"_s));
     QTRY_COMPARE(fixture.appearances, QList<Appearance>{Appearance::light});
+    // It stays selected.
+    QCOMPARE(themes.list().currentRow(), 4);
+    QCOMPARE(themes.selectedTheme()->name, u"GitHub Light"_s);
+    QCOMPARE(themes.preview().theme().name, u"GitHub Light"_s);
 }
 
 void SettingsViewTest::importAndLearnMoreDoNothing()

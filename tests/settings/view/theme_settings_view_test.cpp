@@ -123,6 +123,7 @@ private Q_SLOTS:
     void theSampleEndsWithItsFifthLine();
     void theSampleFollowsTheTheme();
     void extensionsAreYetToCome();
+    void theListStandsBesideThePreviewAndTheButtons();
 };
 
 void ThemeSettingsViewTest::eachRowHasASwatchOfItsTheme()
@@ -254,6 +255,33 @@ void ThemeSettingsViewTest::extensionsAreYetToCome()
     const auto* button = view.findChild<PlainButton*>();
     QCOMPARE(button->text(), u"Learn More"_s);
     QVERIFY(button->y() > y);
+}
+
+void ThemeSettingsViewTest::theListStandsBesideThePreviewAndTheButtons()
+{
+    Fixture fixture;
+    QVERIFY(fixture.view.list().minimumWidth() >= 150);
+    TextLabel* heading = nullptr;
+    for (auto* label : fixture.view.findChildren<TextLabel*>()) {
+        heading = label->text() == u"Preview" ? label : heading;
+    }
+    QVERIFY(heading != nullptr);
+    QList<PlainButton*> buttons;
+    for (const QString& text : {u"Apply Theme"_s, u"Import Theme..."_s}) {
+        for (auto* button : fixture.view.findChildren<PlainButton*>()) {
+            if (button->text() == text) {
+                buttons.append(button);
+            }
+        }
+    }
+    QCOMPARE(buttons.size(), 2);
+    QCOMPARE(buttons.first()->look().ground, prominentLook().ground);
+    QVERIFY(buttons.last()->look().ground != prominentLook().ground);
+    QVERIFY(buttons.first()->geometry().right() < buttons.last()->x());
+    const int list = fixture.view.list().geometry().right();
+    QVERIFY(heading->x() > list && fixture.view.preview().x() > list && buttons.first()->x() > list);
+    QVERIFY(heading->geometry().bottom() < fixture.view.preview().y());
+    QVERIFY(fixture.view.preview().geometry().bottom() < buttons.first()->y());
 }
 
 const kelm::test::Registered<ThemeSettingsViewTest> registered(kelm::test::Toolkit::widgets);

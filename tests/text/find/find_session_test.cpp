@@ -63,6 +63,9 @@ private Q_SLOTS:
     void anEditDropsAStepThatTakesLong();
     void whatIsOnScreenComesFirst();
     void resultsAreDescribedWhenAskedFor();
+    void theCurrentMatchIsOneOfTheResults();
+    void aResultHasItsWholeLine_data();
+    void aResultHasItsWholeLine();
     void replacingAllInALongTextIsToldLater();
     void anEditDropsTheReplacementOfAll();
     void aPatternThatNeverEndsIsStopped();
@@ -219,7 +222,7 @@ void FindSessionTest::whatIsOnScreenComesFirst()
     fixture.storage.replace({550'004, 2}, u"ac ac ab");
     fixture.session.setShown({550'000, 30});
     QSignalSpy changes(&fixture.session, &FindSession::changed);
-    QVERIFY(changes.wait());
+    QVERIFY(changes.wait(kelm::test::patience));
     QCOMPARE(fixture.session.matchesIn({550'000, 30}),
              (std::vector<TextRange>{{550'004, 2}, {550'007, 2}, {550'010, 2}, {550'021, 2}}));
     QTRY_COMPARE(fixture.session.state(), State::complete);
@@ -228,15 +231,15 @@ void FindSessionTest::whatIsOnScreenComesFirst()
 
 void FindSessionTest::resultsAreDescribedWhenAskedFor()
 {
-    Fixture fixture(longText());
+    Fixture fixture(QStringLiteral("one ab two\n").repeated(3000));
     fixture.look(QStringLiteral("ab"));
-    QTRY_COMPARE(fixture.session.state(), State::complete);
+    QCOMPARE(fixture.session.state(), State::complete);
     const QList<SearchMatch> results = fixture.engine.results();
-    QCOMPARE(results.size(), FindSession::describedMatches);
+    QCOMPARE(results.size(), 3000);
     QCOMPARE(results[1].range, (TextRange{15, 2}));
     QCOMPARE(results[1].line, 2);
     QCOMPARE(results[1].column, 5);
-    QCOMPARE(results[1].lineText.trimmed(), QStringLiteral("one ab two"));
+    QCOMPARE(results[1].lineText, QStringLiteral("one ab two"));
     QCOMPARE(results[1].matchText, QStringLiteral("ab"));
     // The same ones as long as nothing changes.
     QCOMPARE(fixture.engine.results(), results);
@@ -244,6 +247,58 @@ void FindSessionTest::resultsAreDescribedWhenAskedFor()
     QCOMPARE(fixture.engine.results().front().range, (TextRange{10, 2}));
     fixture.session.stop();
     QVERIFY(fixture.engine.results().isEmpty());
+}
+
+void FindSessionTest::theCurrentMatchIsOneOfTheResults()
+{
+    Fixture fixture(QStringLiteral("one ab two\n").repeated(3000));
+    fixture.look(QStringLiteral("ab"), false, 32'990);
+    const auto isCurrent = [&fixture] {
+        const qsizetype index = fixture.engine.currentMatchIndex();
+        const QList<SearchMatch> results = fixture.engine.results();
+        return index < results.size() && results[index].range == fixture.session.currentMatch();
+    };
+    QCOMPARE(fixture.session.state(), State::complete);
+    QCOMPARE(fixture.engine.currentMatchIndex(), 2999);
+    QVERIFY(isCurrent());
+    // Round the end, and back.
+    QVERIFY(fixture.session.stepForward(32'999));
+    QCOMPARE(fixture.engine.currentMatchIndex(), 0);
+    QVERIFY(isCurrent());
+    QVERIFY(fixture.session.stepBackward(0));
+    QVERIFY(isCurrent());
+    // Without matches it is the first of none.
+    fixture.look(QStringLiteral("none"));
+    QCOMPARE(fixture.session.state(), State::complete);
+    QCOMPARE(fixture.engine.currentMatchIndex(), 0);
+    QVERIFY(fixture.engine.results().isEmpty());
+}
+
+void FindSessionTest::aResultHasItsWholeLine_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<qsizetype>("column");
+    const QString filler = QStringLiteral("x").repeated(100'000);
+    QTest::newRow("the only line") << QStringLiteral("ab") << QStringLiteral("ab") << qsizetype(1);
+    QTest::newRow("between others") << QStringLiteral("1\n ab \n2") << QStringLiteral(" ab ") << qsizetype(2);
+    QTest::newRow("a return before the line feed")
+        << QStringLiteral("1\r\nab\r\n2") << QStringLiteral("ab") << qsizetype(1);
+    QTest::newRow("a return in the line") << QStringLiteral("1\r2ab\n") << QStringLiteral("1\r2ab") << qsizetype(4);
+    QTest::newRow("a line of 200 kB") << filler + QStringLiteral("ab") + filler + u'\n'
+                                      << filler + QStringLiteral("ab") + filler << qsizetype(100'001);
+}
+
+void FindSessionTest::aResultHasItsWholeLine()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, line);
+    QFETCH(qsizetype, column);
+    Fixture fixture(text);
+    fixture.look(QStringLiteral("ab"));
+    QCOMPARE(fixture.engine.results().size(), 1);
+    QCOMPARE(fixture.engine.results().front().lineText, line);
+    QCOMPARE(fixture.engine.results().front().column, column);
 }
 
 void FindSessionTest::replacingAllInALongTextIsToldLater()

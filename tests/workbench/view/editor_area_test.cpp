@@ -53,6 +53,7 @@ private Q_SLOTS:
     void closingTheTabOfACompositionLeavesTheOthersAlone();
     void whatHappensToADocumentOutOfSightIsShownLater();
     void themeAndMinimapReachEditorsOutOfSight();
+    void lineNumbersAreAlwaysShown();
     void withoutADocumentTheWelcomeIsSeen();
     void theWelcomeTakesTheKeyboardFromTheLastText();
     void anIndexOutOfRangeShowsTheWelcome();
@@ -147,6 +148,18 @@ void EditorAreaTest::themeAndMinimapReachEditorsOutOfSight()
         QVERIFY(!editor->showMinimap());
         QCOMPARE(editor->theme().name, EditorTheme::githubLight().name);
     }
+}
+
+void EditorAreaTest::lineNumbersAreAlwaysShown()
+{
+    Fixture fixture;
+    QVERIFY(fixture.area.currentEditor()->showLineNumbers());
+    // It is a setting by name alone.
+    fixture.defaults.setBoolean(QStringLiteral("showLineNumbers"), false);
+    fixture.defaults.setBoolean(QStringLiteral("showMinimap"), false);
+    fixture.show(1);
+    QVERIFY(fixture.area.currentEditor()->showLineNumbers());
+    QVERIFY(fixture.area.currentEditor()->showMinimap());
 }
 
 void EditorAreaTest::withoutADocumentTheWelcomeIsSeen()

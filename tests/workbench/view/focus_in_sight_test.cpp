@@ -1,6 +1,7 @@
 #include "app/state/notices.h"
 #include "git/panel/view/clone_dialog.h"
 #include "platform/style/view/style.h"
+#include "platform/view/plain_button.h"
 #include "settings/view/settings_view.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
@@ -76,6 +77,23 @@ QStringList stopsThatHideIt(const QWidget& part)
     return hidden;
 }
 
+/// The tree of a project with 200 files; nothing where it does not come.
+QListView* longTree(WindowFixture& fixture)
+{
+    for (int count = 0; count < 200; ++count) {
+        fixture.write(u"file %1.txt"_s.arg(count), "x");
+    }
+    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.home.path()));
+    QListView* list = nullptr;
+    const bool isFilled = QTest::qWaitFor(
+        [&] {
+            list = fixture.window.sidebar()->findChild<QListView*>();
+            return list != nullptr && list->isVisible() && list->model()->rowCount() >= 200;
+        },
+        kelm::test::patience);
+    return isFilled ? list : nullptr;
+}
+
 } // namespace
 
 class FocusInSightTest : public QObject
@@ -136,16 +154,8 @@ void FocusInSightTest::aStripThatWasScrolledAwayComesBack()
 void FocusInSightTest::theRowOfAListComesBack()
 {
     WindowFixture fixture;
-    for (int count = 0; count < 200; ++count) {
-        fixture.write(u"file %1.txt"_s.arg(count), "x");
-    }
-    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.home.path()));
-    QListView* list = nullptr;
-    const auto isFilled = [&] {
-        list = fixture.window.sidebar()->findChild<QListView*>();
-        return list != nullptr && list->isVisible() && list->model()->rowCount() >= 200;
-    };
-    QTRY_VERIFY(isFilled());
+    QListView* const list = longTree(fixture);
+    QVERIFY(list != nullptr);
     list->setFocus(Qt::TabFocusReason);
     list->setCurrentIndex(list->model()->index(3, 0));
     fixture.window.tabBar().newTabButton().setFocus(Qt::TabFocusReason);
@@ -158,16 +168,8 @@ void FocusInSightTest::theRowOfAListComesBack()
 void FocusInSightTest::whatThePointerIsOnStays()
 {
     WindowFixture fixture;
-    for (int count = 0; count < 200; ++count) {
-        fixture.write(u"file %1.txt"_s.arg(count), "x");
-    }
-    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.home.path()));
-    QListView* list = nullptr;
-    const auto isFilled = [&] {
-        list = fixture.window.sidebar()->findChild<QListView*>();
-        return list != nullptr && list->isVisible() && list->model()->rowCount() >= 200;
-    };
-    QTRY_VERIFY(isFilled());
+    QListView* const list = longTree(fixture);
+    QVERIFY(list != nullptr);
     list->setCurrentIndex(list->model()->index(3, 0));
     QScrollBar& bar = *list->verticalScrollBar();
     bar.setValue(bar.maximum());

@@ -28,7 +28,7 @@ struct Fixture : WindowFixture
 
     Fixture()
     {
-        state.openSnippet(u"first\nsecond\nthird"_s, Language::plainText, std::nullopt);
+        openSnippet(u"first\nsecond\nthird"_s, Language::plainText);
         turnQueue();
         text().setFocus();
     }

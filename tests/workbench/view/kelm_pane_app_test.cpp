@@ -1,4 +1,5 @@
 #include "app/state/app_state.h"
+#include "app/state/notices.h"
 #include "editor/view/editor_container_view.h"
 #include "platform/events/open_request.h"
 #include "platform/style/view/style.h"
@@ -6,10 +7,12 @@
 #include "workbench/view/editor_area.h"
 #include "workbench/view/kelm_pane_app.h"
 #include "workbench/view/main_window.h"
+#include "workbench/view/menu_bar.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QFileOpenEvent>
+#include <QMenuBar>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -31,6 +34,9 @@ private Q_SLOTS:
     void aFolderThatTheSystemHandsOverBecomesTheProject();
     void aFolderOpensNoTab();
     void theProcessStaysWhenItsWindowIsClosed();
+    void quittingAsksAndWritesNothing();
+    void aLinkOpensBeforeThereIsAWindow();
+    void anAddressThatIsNoFileIsNoProject();
     void themeAndAppearanceGoTogether();
     void theStartTakesTheAppearanceOfTheTheme();
     void anotherStartBringsTheWindowBack();
@@ -40,6 +46,7 @@ private Q_SLOTS:
     void aFileOpensAtItsLine();
     void eachOfSeveralFilesOpensAtItsLine();
     void aLineOfAFileThatIsOpenIsShown();
+    void aStartCanAskForANewFile();
 
 private:
     QString write(const QString& name)
@@ -93,6 +100,9 @@ void KelmPaneAppTest::aStartWithoutArgumentsShowsTheWelcome()
     KelmPaneApp app;
     app.start(requestOf({}));
     QVERIFY(app.window().isVisible());
+    QCOMPARE(app.window().windowTitle(), QStringLiteral("KelmWright"));
+    QCOMPARE(app.window().objectName(), QStringLiteral("main"));
+    QCOMPARE(app.window().windowRole(), QStringLiteral("main"));
     QVERIFY(AppState::shared().documents().isEmpty());
     QVERIFY(app.window().editorArea().currentEditor() == nullptr);
 }
@@ -133,6 +143,44 @@ void KelmPaneAppTest::theProcessStaysWhenItsWindowIsClosed()
     QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
     QCOMPARE(quitting.count(), 0);
     QCOMPARE(AppState::shared().documents().size(), 1);
+}
+
+void KelmPaneAppTest::quittingAsksAndWritesNothing()
+{
+    KelmPaneApp app;
+    const QString file = write(QStringLiteral("a.txt"));
+    app.start(requestOf({file}));
+    AppState::shared().currentDocument()->setContent(QStringLiteral("not saved"));
+    bool isAsked = false;
+    QTimer::singleShot(0, &app, [&] {
+        menuAction(*app.window().menuBar(), Command::quit)->trigger();
+        isAsked = QApplication::activeModalWidget() != nullptr;
+    });
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(!isAsked);
+    QVERIFY(AppState::shared().currentDocument()->isModified());
+    QFile kept(file);
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll(), QByteArray("text"));
+}
+
+void KelmPaneAppTest::aLinkOpensBeforeThereIsAWindow()
+{
+    AppDelegate delegate;
+    delegate.open({openRequest::Item(QStringLiteral("kelmpane://open?code=YWI="))});
+    const AppState& state = AppState::shared();
+    QTRY_COMPARE(state.documents().size(), 1);
+    QCOMPARE(state.currentDocument()->content(), QStringLiteral("ab"));
+}
+
+void KelmPaneAppTest::anAddressThatIsNoFileIsNoProject()
+{
+    KelmPaneApp app;
+    app.start(requestOf({QStringLiteral("https://x/"), QStringLiteral("https://x/tmp/")}));
+    QVERIFY(!AppState::shared().currentProject());
+    QVERIFY(AppState::shared().documents().isEmpty());
+    QVERIFY(AppState::shared().notices().current() != nullptr);
+    AppState::shared().notices().putAway();
 }
 
 void KelmPaneAppTest::anotherStartBringsTheWindowBack()
@@ -238,8 +286,9 @@ void KelmPaneAppTest::aFileOpensAtItsLine()
     app.start({{}, {{QUrl::fromLocalFile(file.fileName()).toString(), line, column}}});
     EditorContainerView* editor = app.window().editorArea().currentEditor();
     QTRY_COMPARE(editor->textView().selectedRange().location, offset);
-    const QRectF caret = editor->textView().caretRect({offset, false});
-    QVERIFY(editor->textView().viewport()->rect().toRectF().contains(caret.center()));
+    const auto caret = [&] { return editor->textView().caretRect({offset, false}).center(); };
+    // It is there once the window has got its size.
+    QTRY_VERIFY(editor->textView().viewport()->rect().toRectF().contains(caret()));
     QTRY_COMPARE(AppState::shared().currentDocument()->cursorPosition().line, std::min<qsizetype>(line, 1001));
 }
 
@@ -274,6 +323,17 @@ void KelmPaneAppTest::aLineOfAFileThatIsOpenIsShown()
     app.openFromOutside({{}, {{QUrl::fromLocalFile(file).toString(), 1, 3}}});
     QTRY_COMPARE(app.window().editorArea().currentEditor()->textView().selectedRange().location, 2);
     QCOMPARE(AppState::shared().documents().size(), 1);
+}
+
+void KelmPaneAppTest::aStartCanAskForANewFile()
+{
+    KelmPaneApp app;
+    app.start({{}, {openRequest::Item({}, 0, 0, openRequest::Item::Kind::newFile)}});
+    const AppState& state = AppState::shared();
+    QCOMPARE(state.documents().size(), 1);
+    QCOMPARE(state.currentDocument()->title(), QStringLiteral("Untitled"));
+    QVERIFY(!state.currentDocument()->fileURL());
+    QVERIFY(!state.currentProject());
 }
 
 const kelm::test::Registered<KelmPaneAppTest> registered(kelm::test::Toolkit::widgets);

@@ -1,10 +1,13 @@
+#include "platform/desktop/view/file_dialogs.h"
 #include "support/test_program.h"
 #include "workbench/view/main_window.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/window_fixture.h"
 
 #include <QDropEvent>
+#include <QFileDialog>
 #include <QInputMethodEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
 
@@ -29,6 +32,7 @@ private Q_SLOTS:
     void draggedFilesAreCopied();
     void undoThatChangesNothingLeavesTheDocument();
     void theWindowTakesTheThemesGround();
+    void theSavePanelNamesTheFile();
     void theProgramDrawsAPictureWithoutADisplay();
 };
 
@@ -230,6 +234,46 @@ void MainWindowTest::theWindowTakesTheThemesGround()
     fixture.turnQueue();
     const QImage image = fixture.window.grab().toImage();
     QCOMPARE(image.pixelColor(20, image.height() - 20), QColor(Qt::white));
+}
+
+void MainWindowTest::theSavePanelNamesTheFile()
+{
+    WindowFixture around;
+    FileDialogs dialogs(around.defaults);
+    AppState state({dialogs, around.defaults, Scheduler::system(), around.notifications, around.log,
+                    ProcessRunner::sharedSystem(), ExecutableSearch(ProcessRunner::system())});
+    MainWindow window({state, around.themes, around.workspace, around.defaults, around.updates});
+    window.show();
+    state.createNewTab();
+    const std::shared_ptr<Document> document = state.currentDocument();
+    document->setContent(QStringLiteral("print(1)\n"));
+    const QString path = around.home.filePath(QStringLiteral("saved here.py"));
+    const auto saveAndAnswer = [&](Qt::Key key) {
+        QTimer::singleShot(0, &window, [&path, key] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr || !QTest::qWaitForWindowExposed(dialog)) {
+                qFatal("no dialog");
+            }
+            auto* field = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            field->setText(path);
+            QTest::keyClick(field, key);
+        });
+        menuAction(*window.menuBar(), Command::save)->trigger();
+    };
+    saveAndAnswer(Qt::Key_Escape);
+    QVERIFY(!QFile::exists(path));
+    QVERIFY(!document->fileURL());
+    QVERIFY(document->isModified());
+    saveAndAnswer(Qt::Key_Return);
+    QCOMPARE(WindowFixture::read(QUrl::fromLocalFile(path)), QByteArray("print(1)\n"));
+    QCOMPARE(document->fileURL(), std::optional(QUrl::fromLocalFile(path)));
+    QVERIFY(!document->isModified());
+    QCOMPARE(state.recentFiles(), QList{QUrl::fromLocalFile(path)});
+    QCOMPARE(document->language(), Language(Language::python));
+    // From now on it goes there without a panel.
+    document->setContent(QStringLiteral("print(2)\n"));
+    menuAction(*window.menuBar(), Command::save)->trigger();
+    QCOMPARE(WindowFixture::read(QUrl::fromLocalFile(path)), QByteArray("print(2)\n"));
 }
 
 void MainWindowTest::theProgramDrawsAPictureWithoutADisplay()

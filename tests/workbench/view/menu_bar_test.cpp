@@ -7,6 +7,7 @@
 
 #include <QInputMethodEvent>
 #include <QMenu>
+#include <QMessageBox>
 
 namespace menu_bar_test {
 
@@ -57,10 +58,13 @@ private Q_SLOTS:
     void noKeyStandsForTwoCommands();
     void whatDesktopsTakeHasASecondKey_data();
     void whatDesktopsTakeHasASecondKey();
+    void eachKeyOfTheTableGivesItsCommand_data();
+    void eachKeyOfTheTableGivesItsCommand();
     void linesReadBackAsTheTableHasThem_data();
     void linesReadBackAsTheTableHasThem();
     void updatesCanBeLookedForOnlyWhereThereIsAnUpdater();
     void everyCommandHasOneAction();
+    void aboutTellsTheVersion();
     void openRecentFollowsTheState();
     void anAmpersandInANameIsNoMnemonic();
     void newWindowDoesNothing();
@@ -156,6 +160,61 @@ void MenuBarTest::whatDesktopsTakeHasASecondKey()
     QCOMPARE(given.count(), 1);
 }
 
+void MenuBarTest::eachKeyOfTheTableGivesItsCommand_data()
+{
+    constexpr Qt::Modifiers shift = Qt::CTRL | Qt::SHIFT;
+    QTest::addColumn<QKeyCombination>("key");
+    QTest::addColumn<Command>("command");
+    const auto row = [](const char* name, QKeyCombination key, Command command) {
+        QTest::newRow(name) << key << command;
+    };
+    row("New File", Qt::CTRL | Qt::Key_N, Command::newFile);
+    row("New Window", shift | Qt::Key_N, Command::newWindow);
+    row("Open", Qt::CTRL | Qt::Key_O, Command::open);
+    row("Clone Repository", shift | Qt::Key_K, Command::cloneRepository);
+    row("Save", Qt::CTRL | Qt::Key_S, Command::save);
+    row("Save As", shift | Qt::Key_S, Command::saveAs);
+    row("Save All", Qt::CTRL | Qt::ALT | Qt::Key_S, Command::saveAll);
+    row("Format JSON", shift | Qt::Key_J, Command::formatJson);
+    row("Format XML", shift | Qt::Key_X, Command::formatXml);
+    row("Toggle Sidebar", Qt::CTRL | Qt::Key_B, Command::toggleSidebar);
+#ifdef Q_OS_MACOS
+    row("Toggle Bottom Panel", Qt::META | Qt::Key_QuoteLeft, Command::toggleBottomPanel);
+#else
+    row("Toggle Bottom Panel", Qt::CTRL | Qt::Key_QuoteLeft, Command::toggleBottomPanel);
+#endif
+    row("Toggle Minimap", shift | Qt::Key_M, Command::toggleMinimap);
+    row("Run", Qt::CTRL | Qt::Key_R, Command::run);
+    row("Run in Terminal", shift | Qt::Key_R, Command::runInTerminal);
+    row("Find", Qt::CTRL | Qt::Key_F, Command::find);
+    row("Find and Replace", Qt::CTRL | Qt::Key_H, Command::findAndReplace);
+    row("Find in Project", shift | Qt::Key_F, Command::findInProject);
+    row("Go to File", Qt::CTRL | Qt::Key_P, Command::goToFile);
+    row("Go to Line", Qt::CTRL | Qt::Key_G, Command::goToLine);
+}
+
+void MenuBarTest::eachKeyOfTheTableGivesItsCommand()
+{
+    QFETCH(QKeyCombination, key);
+    QFETCH(Command, command);
+    WindowFixture fixture;
+    fixture.state.openFile(fixture.write(u"a.txt"_s, "{}"));
+    fixture.turnQueue();
+    // The text, which has keys of its own, takes none of these.
+    QVERIFY(fixture.text().hasFocus());
+    QList<int> given;
+    for (const QAction* action : fixture.window.menuBar()->findChildren<QAction*>()) {
+        connect(action, &QAction::triggered, this, [&given, action] { given.append(action->data().toInt()); });
+    }
+    // With Control a letter's key types a control character.
+    const bool isLetter = key.key() >= Qt::Key_A && key.key() <= Qt::Key_Z;
+    const QString typed = isLetter ? QString(QChar(key.key() - Qt::Key_A + 1)) : QString();
+    QTest::sendKeyEvent(QTest::Click, fixture.window.windowHandle(), key.key(), typed, key.keyboardModifiers());
+    QCOMPARE(given, QList<int>{int(command)});
+    // A key that is held down gives it once.
+    QVERIFY(!fixture.command(command)->autoRepeat());
+}
+
 void MenuBarTest::linesReadBackAsTheTableHasThem_data()
 {
     QTest::addColumn<QString>("menu");
@@ -230,6 +289,25 @@ void MenuBarTest::everyCommandHasOneAction()
     QCOMPARE(commands, all);
 }
 
+void MenuBarTest::aboutTellsTheVersion()
+{
+    WindowFixture fixture;
+    const QString versionBefore = QCoreApplication::applicationVersion();
+    QCoreApplication::setApplicationVersion(u"12.3"_s);
+    QString told;
+    QTimer::singleShot(0, &fixture.window, [&told] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) {
+            qFatal("no box");
+        }
+        told = box->text();
+        box->close();
+    });
+    fixture.command(Command::about)->trigger();
+    QTRY_COMPARE(told, u"KelmWright 12.3\n\nA code editor for writing and learning."_s);
+    QCoreApplication::setApplicationVersion(versionBefore);
+}
+
 void MenuBarTest::openRecentFollowsTheState()
 {
     WindowFixture fixture;
@@ -290,7 +368,7 @@ void MenuBarTest::runHandsTheTextOnScreenToTheRunner()
     WindowFixture fixture;
     fixture.command(Command::run)->trigger();
     QVERIFY(!fixture.state.showBottomPanel());
-    fixture.state.openSnippet(QString(), Language::shell, std::nullopt);
+    fixture.openSnippet(QString(), Language::shell);
     QTest::keyClicks(&fixture.text(), QStringLiteral("echo typed"));
     QTest::keyClick(&fixture.text(), Qt::Key_R, Qt::ControlModifier);
     QTRY_VERIFY(fixture.state.codeRunner().lastExitCode().has_value());
@@ -320,7 +398,7 @@ void MenuBarTest::editingCommandsGoToWhatHasTheKeyboard()
 void MenuBarTest::findCommandsReachTheTextFromItsBar()
 {
     WindowFixture fixture;
-    fixture.state.openSnippet(QStringLiteral("a b a"), Language::swift, std::nullopt);
+    fixture.openSnippet(QStringLiteral("a b a"), Language::swift);
     fixture.turnQueue();
     fixture.text().setFocus();
     fixture.text().setSelectedRange({0, 1});

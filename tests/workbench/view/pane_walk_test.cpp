@@ -55,7 +55,7 @@ struct Fixture : WindowFixture
     }
     void showAll()
     {
-        state.openSnippet(u"code"_s, Language::swift, LessonInfo{});
+        openSnippet(u"code"_s, Language::swift, LessonInfo{});
         state.setShowBottomPanel(true);
         turnQueue();
         state.notices().report(u"News"_s, {{u"Take"_s, [] {}}});

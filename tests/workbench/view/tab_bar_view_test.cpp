@@ -92,6 +92,7 @@ private Q_SLOTS:
     void theDotAndTheStarComeAndGoTogether();
     void theContextMenuListsItsItems();
     void pathItemsAreOffForAnUntitledTab();
+    void closeInTheMenuClosesItsOwnTab();
     void closeOthersKeepsTheTab();
     void closeAllLeavesTheWelcome();
     void copyPathAndReveal();
@@ -194,6 +195,14 @@ void TabBarViewTest::pathItemsAreOffForAnUntitledTab()
     fixture.tab(3).fillContextMenu(menu);
     QCOMPARE(linesOf(menu).mid(4),
              (QStringList{u"!Copy Path"_s, QString(u"!"_s + inPlatformWords(u"Reveal in Finder"_s))}));
+}
+
+void TabBarViewTest::closeInTheMenuClosesItsOwnTab()
+{
+    Fixture fixture;
+    fixture.choose(fixture.tab(2), u"Close"_s);
+    QCOMPARE(fixture.titles(), (QStringList{u"a.txt"_s, u"b.swift"_s}));
+    QCOMPARE(fixture.state.currentDocumentIndex(), 1);
 }
 
 void TabBarViewTest::closeOthersKeepsTheTab()

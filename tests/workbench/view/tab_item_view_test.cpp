@@ -90,6 +90,9 @@ private Q_SLOTS:
     void aHoveredTabHasAFaintGround();
     void aHoveredSelectedTabHasItsOwnGroundAlone();
     void theChipIsStrongerOnTheSelectedTab();
+    void theChipIsASquareOfTwenty();
+    void theTitleOfTheSelectedTabStandsOut();
+    void theDotIsSixWide();
     void theCloseButtonStandsOutUnderTheMouse();
     void theNewTabButtonHasAFaintGround();
     void hoverAndSelectionEaseInAndOut();
@@ -170,6 +173,64 @@ void TabItemViewTest::theChipIsStrongerOnTheSelectedTab()
     fixture.settle();
     QVERIFY(distance(fixture.colorAt(fixture.tab(0), inChip), selected) <= 1);
     QVERIFY(distance(fixture.colorAt(fixture.tab(1), inChip), idle) <= 1);
+}
+
+void TabItemViewTest::theChipIsASquareOfTwenty()
+{
+    Fixture fixture;
+    TabItemView& selected = fixture.tab(1);
+    const QColor ground = fixture.selectedGround();
+    const QColor chip = over(ground, system(SystemColor::orange, 0.2));
+    for (const QPoint place : {QPoint(12, 16), QPoint(31, 16), QPoint(22, 6), QPoint(22, 25)}) {
+        QVERIFY(distance(fixture.colorAt(selected, place), chip) <= 1);
+    }
+    for (const QPoint place : {QPoint(11, 16), QPoint(32, 16), QPoint(22, 5), QPoint(22, 26)}) {
+        QVERIFY(distance(fixture.colorAt(selected, place), ground) <= 1);
+    }
+    // Its corners are round.
+    QVERIFY(distance(fixture.colorAt(selected, {12, 6}), chip) > 1);
+}
+
+void TabItemViewTest::theTitleOfTheSelectedTabStandsOut()
+{
+    Fixture fixture;
+    const auto isTitled = [&](TabItemView& tab, QFont::Weight weight, SystemColor color, const QColor& ground) {
+        const QRect place(40, 1, tab.closeButton().x() - 8 - 40, tab.height() - 3);
+        const QImage shown =
+            fixture.strip.grab(QRect(tab.mapTo(&fixture.strip, place.topLeft()), place.size())).toImage();
+        QImage expected(place.size(), QImage::Format_RGB32);
+        expected.fill(ground);
+        QPainter painter(&expected);
+        painter.setFont(style::interfaceFont(12, weight));
+        painter.setPen(systemColor(color, Appearance::dark));
+        painter.drawText(QRect(0, -1, place.width() + 1, tab.height()), Qt::AlignVCenter | Qt::TextSingleLine,
+                         tab.document()->title());
+        painter.end();
+        return isSame(shown, expected);
+    };
+    QVERIFY(isTitled(fixture.tab(1), QFont::Medium, SystemColor::primaryLabel, fixture.selectedGround()));
+    QVERIFY(isTitled(fixture.tab(0), QFont::Normal, SystemColor::secondaryLabel, fixture.stripGround()));
+    QVERIFY(!isTitled(fixture.tab(0), QFont::Medium, SystemColor::primaryLabel, fixture.stripGround()));
+}
+
+void TabItemViewTest::theDotIsSixWide()
+{
+    Fixture fixture;
+    fixture.state.documents().last()->setContent(u"changed"_s);
+    fixture.settle();
+    TabItemView& tab = fixture.tab(1);
+    const QColor orange = systemColor(SystemColor::orange, Appearance::dark);
+    const auto at = [&](int x, int y) { return fixture.colorAt(tab, {x, y}); };
+    // At a distance of 8 before the close button, in the middle of the height.
+    const int right = tab.closeButton().x() - 8 - 1;
+    const int middle = tab.height() / 2;
+    QVERIFY(distance(at(right - 3, middle), orange) <= 1);
+    QVERIFY(distance(at(right - 3, middle - 3), orange) < 60 && distance(at(right - 3, middle + 2), orange) < 60);
+    QVERIFY(distance(at(right, middle), orange) < 60 && distance(at(right - 5, middle), orange) < 60);
+    for (const QPoint beside : {QPoint(right + 1, middle), QPoint(right - 6, middle), QPoint(right - 3, middle - 4),
+                                QPoint(right - 3, middle + 3)}) {
+        QVERIFY(distance(at(beside.x(), beside.y()), fixture.selectedGround()) <= 1);
+    }
 }
 
 void TabItemViewTest::theCloseButtonStandsOutUnderTheMouse()

@@ -1,6 +1,8 @@
 #include "editor/transforms/xml_formatter.h"
 #include "platform/text/platform_words.h"
 #include "platform/view/plain_help.h"
+#include "run/code_runner.h"
+#include "settings/view/settings_view.h"
 #include "support/test_program.h"
 #include "workbench/view/controls.h"
 #include "workbench/view/tool_bar_view.h"
@@ -65,6 +67,8 @@ private Q_SLOTS:
     void formatXmlHereNeverParses();
     void withoutADocumentTheFormatMenuDoesNothing();
     void everyButtonIsReachedByTabAndNamed();
+    void runRuns();
+    void theGearOpensTheSettings();
 };
 
 void ToolBarViewTest::buttonsStandInTheirOrder()
@@ -129,6 +133,8 @@ void ToolBarViewTest::undoAndRedoGoToWhatHasTheKeyboard()
 void ToolBarViewTest::quickOpenIsRaised()
 {
     Fixture fixture;
+    // What it lists are the files that were opened last.
+    QCOMPARE(fixture.button(u"Reopen a recent file by its name"_s).text(), u"Quick Open"_s);
     clickOn(fixture.bar, u"Quick Open"_s);
     QVERIFY(fixture.state.showQuickOpen());
 }
@@ -278,6 +284,24 @@ void ToolBarViewTest::everyButtonIsReachedByTabAndNamed()
         QVERIFY(!button->text().isEmpty() || !button->accessibleName().isEmpty());
         QVERIFY(!button->isEnabled() || !button->isVisible() || reached.contains(button));
     }
+}
+
+void ToolBarViewTest::runRuns()
+{
+    Fixture fixture;
+    fixture.show(u"exit 3\n"_s, Language::shell);
+    fixture.click(inPlatformWords(u"Run (⌘R)"_s));
+    QTRY_COMPARE(fixture.state.codeRunner().lastExitCode(), std::optional<qint32>(3));
+    QVERIFY(fixture.state.showBottomPanel());
+    QCOMPARE(fixture.state.bottomPanelTab(), BottomPanelTab(BottomPanelTab::output));
+}
+
+void ToolBarViewTest::theGearOpensTheSettings()
+{
+    Fixture fixture;
+    QVERIFY(fixture.window.settings() == nullptr);
+    fixture.click(u"Settings"_s);
+    QVERIFY(fixture.window.settings() != nullptr && fixture.window.settings()->isVisible());
 }
 
 const kelm::test::Registered<ToolBarViewTest> registered(kelm::test::Toolkit::widgets);

@@ -183,7 +183,7 @@ void UnsavedTextsGroupTest::openingGivesAModifiedTab()
     QCOMPARE(fixture.titles(), QStringList({u"b.txt"_s, u"a.txt"_s}));
     QSignalSpy opened(&fixture.kept, &AppState::documentsChanged);
     QTest::mouseClick(fixture.rows()[1]->openButton(), Qt::LeftButton);
-    QVERIFY(opened.count() > 0 || opened.wait());
+    QVERIFY(opened.count() > 0 || opened.wait(kelm::test::patience));
     QCOMPARE(fixture.kept.documents().size(), 1);
     QCOMPARE(fixture.kept.currentDocument()->content(), u"a"_s);
     QVERIFY(fixture.kept.currentDocument()->isModified());

@@ -30,7 +30,7 @@ struct Fixture : WindowFixture
 {
     explicit Fixture(const QString& shown = content)
     {
-        state.openSnippet(shown, Language::plainText, std::nullopt);
+        openSnippet(shown, Language::plainText);
         turnQueue();
         text().setSelectedRange({8, 0});
     }
@@ -83,7 +83,7 @@ struct Fixture : WindowFixture
     /// Once it is to be seen.
     NoticeBar& noticeBar()
     {
-        if (!QTest::qWaitFor([this] { return window.noticeBar().isVisible(); })) {
+        if (!QTest::qWaitFor([this] { return window.noticeBar().isVisible(); }, kelm::test::patience)) {
             qFatal("no notice");
         }
         turnQueue();

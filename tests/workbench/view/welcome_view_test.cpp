@@ -4,6 +4,7 @@
 #include "support/painted.h"
 #include "support/test_program.h"
 #include "workbench/view/controls.h"
+#include "workbench/view/editor_area.h"
 #include "workbench/view/recent_file_button.h"
 #include "workbench/view/welcome_view.h"
 
@@ -94,6 +95,9 @@ private Q_SLOTS:
     void aFileThatIsGoneIsLoggedAlone();
     void eachRowShowsANameAndAFolder();
     void theGroupStandsOnATenthOfTheSecondaryColour();
+    void theColumnIsSpacedByTwenty();
+    void headingAndAdviceLookAsTheyShould();
+    void noSettingKeepsItAway();
 };
 
 void WelcomeViewTest::itReadsAndOffersToBegin()
@@ -205,6 +209,54 @@ void WelcomeViewTest::theGroupStandsOnATenthOfTheSecondaryColour()
     QVERIFY(distance(image.pixelColor(edge), over(ground, secondary)) <= 1);
     // Its corners are round.
     QVERIFY(distance(image.pixelColor(group.mapTo(&fixture.view, QPoint(0, 0))), ground) <= 1);
+}
+
+void WelcomeViewTest::theColumnIsSpacedByTwenty()
+{
+    Fixture fixture;
+    QList<QWidget*> column{fixture.view.findChild<SymbolLabel*>(), fixture.label(u"KelmWright"_s),
+                           fixture.label(u"Start editing by creating a new file or opening an existing one"_s),
+                           visibleButton(fixture.view, u"New File"_s)};
+    for (qsizetype index = 1; index < column.size(); ++index) {
+        QCOMPARE(column.at(index)->y(), column.at(index - 1)->geometry().bottom() + 1 + 20);
+    }
+    const QWidget* open = visibleButton(fixture.view, u"Open File"_s);
+    QCOMPARE(open->y(), column.last()->y());
+    QCOMPARE(open->x(), column.last()->geometry().right() + 1 + 20);
+    // In the middle of the area.
+    for (const QWidget* part : column.first(3)) {
+        QVERIFY(std::abs(part->geometry().center().x() - part->parentWidget()->rect().center().x()) <= 1);
+    }
+}
+
+void WelcomeViewTest::headingAndAdviceLookAsTheyShould()
+{
+    Fixture fixture;
+    fixture.setRecentFiles(1);
+    TextLabel& advice = *fixture.label(u"Start editing by creating a new file or opening an existing one"_s);
+    TextLabel secondary(advice.text(), style::interfaceFont(style::typeSize::body), Tint::secondary());
+    QVERIFY(looksLike(advice, secondary));
+    TextLabel& heading = *fixture.label(u"Recent Files"_s);
+    TextLabel headline(heading.text(), style::headlineFont(), Tint::primary());
+    QVERIFY(looksLike(heading, headline));
+    // What is in the group begins at its left.
+    QCOMPARE(heading.x(), fixture.rows().first()->x());
+    QVERIFY(heading.x() > 0 && heading.x() < 40);
+}
+
+void WelcomeViewTest::noSettingKeepsItAway()
+{
+    AppStateFixture state;
+    state.userDefaults.setBoolean(u"showWelcome"_s, false);
+    ThemeManager themes{{state.userDefaults, state.log, state.folder.path(), [](Appearance) {}}};
+    EditorArea area(state.state, themes);
+    area.resize(800, 700);
+    area.show();
+    QVERIFY(visibleButton(area, u"New File"_s) != nullptr);
+    state.state.createNewTab();
+    QVERIFY(visibleButton(area, u"New File"_s) == nullptr);
+    state.state.setDocuments({});
+    QVERIFY(visibleButton(area, u"New File"_s) != nullptr);
 }
 
 const kelm::test::Registered<WelcomeViewTest> registered(kelm::test::Toolkit::widgets);

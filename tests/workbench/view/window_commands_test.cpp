@@ -1,5 +1,6 @@
 #include "app/state/notices.h"
 #include "app/state/unsaved_texts.h"
+#include "platform/view/plain_button.h"
 #include "support/test_program.h"
 #include "workbench/view/tab_bar_view.h"
 #include "workbench/view/tab_item_view.h"

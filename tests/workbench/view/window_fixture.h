@@ -9,6 +9,7 @@
 #include "support/captured_log.h"
 #include "support/fake_file_panels.h"
 #include "support/fake_workspace.h"
+#include "support/patience.h"
 #include "workbench/view/editor_area.h"
 #include "workbench/view/main_window.h"
 #include "workbench/view/menu_bar.h"
@@ -54,6 +55,19 @@ struct WindowFixture
     {
         QFile file(url.toLocalFile());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot read");
+    }
+
+    /// Opens a snippet, and waits for what comes a moment after that: the editor has the keyboard then, and its caret
+    /// goes to the start.
+    void openSnippet(const QString& code, Language language, const std::optional<LessonInfo>& lesson = std::nullopt)
+    {
+        QObject context;
+        bool isAsked = false;
+        notifications.addObserver(&context, notifications::focusEditor,
+                                  [&isAsked](const Notification&) { isAsked = true; });
+        state.openSnippet(code, language, lesson);
+        QTRY_VERIFY(isAsked);
+        turnQueue();
     }
 
     TextView& text() { return window.editorArea().currentEditor()->textView(); }

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void theBottomPanelKeepsItsHeights();
     void bottomTabsSelect();
     void theOutputGoesWithItsTabAndTheTerminalStays();
+    void exitPutsThePanelAwayAndLeavesTheTerminal();
     void thePanelOpensAtItsHeightOverTheWelcomeToo();
     void anOpenedTerminalHasTheKeyboard();
     void anotherPageLeavesTheKeyboardInTheText();
@@ -185,6 +186,27 @@ void WindowPanelsTest::theOutputGoesWithItsTabAndTheTerminalStays()
     fixture.state.setShowBottomPanel(true);
     QCOMPARE(terminal()->session().id(), session);
     QVERIFY(terminal()->textView().text().contains(u"stays"_s));
+}
+
+void WindowPanelsTest::exitPutsThePanelAwayAndLeavesTheTerminal()
+{
+    Fixture fixture;
+    fixture.state.setShowBottomPanel(true);
+    fixture.settle();
+    auto* terminal = fixture.window.bottomPanel()->findChild<TerminalView*>();
+    const QUuid session = terminal->session().id();
+    QTest::keyClicks(&terminal->textView(), u"exit"_s);
+    QTest::keyClick(&terminal->textView(), Qt::Key_Return);
+    QVERIFY(!fixture.state.showBottomPanel());
+    QVERIFY(!fixture.window.bottomPanel()->isVisible());
+    fixture.settle();
+    fixture.state.setShowBottomPanel(true);
+    fixture.settle();
+    QCOMPARE(fixture.state.bottomPanelTab(), BottomPanelTab(BottomPanelTab::terminal));
+    terminal = fixture.window.bottomPanel()->findChild<TerminalView*>();
+    QCOMPARE(terminal->session().id(), session);
+    QVERIFY(terminal->textView().text().contains(u"exit"_s));
+    QCOMPARE(terminal->session().commandHistory(), QStringList{u"exit"_s});
 }
 
 void WindowPanelsTest::thePanelOpensAtItsHeightOverTheWelcomeToo()

@@ -11,6 +11,8 @@
 #include <QEvent>
 #include <QHBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace kelm {
@@ -57,7 +59,9 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     : QWidget(parent),
       git_(git),
       column_(new QBoxLayout(QBoxLayout::TopToBottom, this)),
-      errorRow_(new QWidget(this)),
+      told_(new QWidget(this)),
+      transferSign_(new TransferSign(git.transfers(), TransferSign::Kind::others, told_)),
+      errorRow_(new QWidget(told_)),
       errorLine_(new ErrorLine(errorRow_)),
       details_(makePanelButton(tr("Details"), errorRow_))
 {
@@ -85,13 +89,22 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     error->addWidget(details_);
     error->addWidget(dismiss);
 
+    auto* told = new QHBoxLayout(told_);
+    told->setContentsMargins(0, 0, 0, 0);
+    told->setSpacing(2);
+    told->addWidget(transferSign_, 1);
+    told->addWidget(errorRow_, 1);
+    // Its room stays: what is told moves neither the buttons nor the tab above them.
+    told_->setFixedHeight(std::max(transferSign_->sizeHint().height(), errorRow_->sizeHint().height()));
+
     column_->setContentsMargins(6, 4, 6, 4);
     column_->setSpacing(2);
     column_->addLayout(buttons);
-    column_->addWidget(new TransferSign(git_.transfers(), TransferSign::Kind::others, this));
-    column_->addWidget(errorRow_, 1);
+    column_->addWidget(told_, 1);
     connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::refreshBusy);
     connect(&git_, &GitService::lastFailureChanged, this, &SourceControlBottomBar::refreshError);
+    connect(&git_.transfers(), &GitTransfers::began, this, &SourceControlBottomBar::refreshDetails);
+    connect(&git_.transfers(), &GitTransfers::ended, this, &SourceControlBottomBar::refreshDetails);
     refreshBusy();
     refreshError();
 }
@@ -122,7 +135,14 @@ void SourceControlBottomBar::refreshError()
     const std::optional<GitFailure>& failure = git_.lastFailure();
     errorRow_->setVisible(failure.has_value());
     errorLine_->setError(failure ? failure->sentence() : QString(), failure ? failure->text : QString());
-    details_->setVisible(failure && failure->hasMore());
+    refreshDetails();
+}
+
+void SourceControlBottomBar::refreshDetails()
+{
+    const std::optional<GitFailure>& failure = git_.lastFailure();
+    // Beside what runs there is room for the words alone.
+    details_->setVisible(failure && failure->hasMore() && transferSign_->isHidden());
 }
 
 void SourceControlBottomBar::showDetails()

@@ -11,6 +11,7 @@ namespace kelm {
 
 class GitService;
 class PlainButton;
+class TransferSign;
 
 /// The last failure in one sentence on one line; git's words as they stand are its help text.
 class ErrorLine final : public TextLabel
@@ -32,8 +33,8 @@ private:
 };
 
 /// "Fetch", "Pull" and "Push", which rest while one of them runs; what runs, with a button that stops it; and what was
-/// asked for and failed last, with buttons that show all of git's words and take it away. In a narrow panel these stand
-/// below each other.
+/// asked for and failed last, with buttons that show all of git's words and take it away. In a narrow panel these two
+/// stand below the buttons. The bar's height is the same whatever it tells.
 class SourceControlBottomBar final : public QWidget
 {
     Q_OBJECT
@@ -48,12 +49,16 @@ private:
     PlainButton* makeTransferButton(const QString& symbol, const QString& label);
     void refreshBusy();
     void refreshError();
+    void refreshDetails();
     void showDetails();
     void push();
 
     GitService& git_;
     QList<PlainButton*> transferButtons_;
     QBoxLayout* column_;
+    /// What is told beside or below the buttons.
+    QWidget* told_;
+    TransferSign* transferSign_;
     QWidget* errorRow_;
     ErrorLine* errorLine_;
     PlainButton* details_;

@@ -47,7 +47,6 @@ SourceControlTabButton::SourceControlTabButton(SourceControlTab tab, QWidget* pa
     setAccessibleName(label(tab));
     setCheckable(true);
     setAutoExclusive(true);
-    setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
 }
 
@@ -81,15 +80,11 @@ void SourceControlTabButton::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    const auto fill = [&](const Tint& tint) {
-        painter.setBrush(tint.on(*this));
-        painter.drawRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
-    };
+    // The others stand on nothing, also under the mouse.
     if (isChecked()) {
-        fill(Tint::accent().at(selectedOpacity));
-    } else if (isDown() || underMouse()) {
-        fill(Tint::primary().at(isDown() ? style::pressedOpacity : style::hoverOpacity));
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Tint::accent().at(selectedOpacity).on(*this));
+        painter.drawRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
     }
 
     const QColor color = style::ink(isChecked() ? Tint::accent() : Tint::primary().at(labelOpacity), *this);

@@ -142,36 +142,19 @@ void DiffPainter::paintFile(qsizetype file, const DiffPlace& first)
     paintBlockBorder(file);
 }
 
-/// Fills what may reach into the block's rounded corners.
-void DiffPainter::fillLast(qsizetype file, const QRectF& rectangle, const QColor& color, bool isLast, bool isFirst)
-{
-    const qreal bottom = viewY(scene_.layout.fileTop(file) + scene_.layout.fileHeight(file));
-    const bool isAtBottom = isLast && rectangle.bottom() >= bottom - 0.5;
-    if (!isAtBottom && !isFirst) {
-        painter_.fillRect(rectangle, color);
-        return;
-    }
-    RectCorner corners;
-    if (isFirst) {
-        corners = corners | RectCorner::topLeft | RectCorner::topRight;
-    }
-    if (isAtBottom) {
-        corners = corners | RectCorner::bottomLeft | RectCorner::bottomRight;
-    }
-    painter_.fillPath(SelectiveRoundedShape{blockRadius, corners}.path(rectangle), color);
-}
-
 void DiffPainter::paintFileHeader(qsizetype file)
 {
     const DiffFile& shown = scene_.layout.files()[file];
-    const qreal top = viewY(scene_.layout.fileTop(file));
-    const QRectF header(left_, top, right_ - left_, scene_.layout.metrics().fileHeader);
-    fillLast(file, header, color(Tint::secondary().at(fileHeaderGround)), shown.hunks.isEmpty(), true);
+    const qreal headerTop = viewY(scene_.layout.fileTop(file));
+    const QRectF header(left_, headerTop, right_ - left_, scene_.layout.metrics().fileHeader);
+    constexpr RectCorner top = RectCorner::topLeft | RectCorner::topRight;
+    painter_.fillPath(SelectiveRoundedShape{blockRadius, top}.path(header),
+                      color(Tint::secondary().at(fileHeaderGround)));
     icons::paint(painter_, QStringLiteral("doc.text"),
                  QRectF(left_ + fileHeaderHorizontal, header.center().y() - fileSymbol / 2.0, fileSymbol, fileSymbol),
                  color(Tint::primary()));
 
-    const QRectF place = pathRect(scene_, file, 0, left_, right_).translated(0, top);
+    const QRectF place = pathRect(scene_, file, 0, left_, right_).translated(0, headerTop);
     const QString path = shownPath(shown);
     const QFontMetricsF metrics(scene_.fonts.path);
     const QString fitting = metrics.elidedText(path, Qt::ElideMiddle, place.width() + 1);
@@ -182,7 +165,7 @@ void DiffPainter::paintFileHeader(qsizetype file)
             const bool isWhole = fitting != path;
             const qreal from = isWhole ? 0 : text.xOf(stretch->start);
             const qreal to = isWhole ? text.width() : text.xOf(stretch->start + stretch->length);
-            painter_.fillRect(QRectF(place.left() + from, top + fileHeaderVertical - 1, to - from,
+            painter_.fillRect(QRectF(place.left() + from, headerTop + fileHeaderVertical - 1, to - from,
                                      header.height() - 2 * fileHeaderVertical + 2),
                               color(Tint::accent().at(selectionGround)));
         }
@@ -204,8 +187,7 @@ void DiffPainter::paintHunkHeader(qsizetype file, qsizetype hunk)
     const DiffLayout& layout = scene_.layout;
     const DiffFile& shown = layout.files()[file];
     const QRectF header(left_, viewY(layout.hunkTop(file, hunk)), right_ - left_, layout.metrics().hunkHeader);
-    const bool isLast = hunk == shown.hunks.size() - 1;
-    fillLast(file, header, color(Tint(SystemColor::blue).at(hunkHeaderGround)), isLast);
+    painter_.fillRect(header, color(Tint(SystemColor::blue).at(hunkHeaderGround)));
     const qreal textLeft = left_ + hunkHeaderHorizontal + toggleSymbol + headerSpacing;
     const QRectF place(textLeft, header.top(), std::max(0.0, left_ + scene_.hunkHeaderTextEnd - textLeft),
                        header.height());
@@ -263,8 +245,7 @@ void DiffPainter::paintUnified(const Line& line)
     const QColor ground = color(unifiedGround(line.line.kind));
     if (ground.alpha() > 0) {
         const QRectF row(left_, line.top, right_ - left_, qreal(line.rows) * layout.metrics().row);
-        const bool isLast = line.place.entry == layout.entryCount(line.place.file, line.place.hunk) - 1;
-        fillLast(line.place.file, row, ground, isLast);
+        painter_.fillRect(row, ground);
     }
     paintNumber(line.line.oldLineNumber, left_, line.top);
     paintNumber(line.line.newLineNumber, left_ + lineNumber, line.top);

@@ -72,7 +72,6 @@ private:
     void paintSign(const Line& line);
     void paintBody(const Line& line, qint32 oldLine, qint32 newLine);
     void paintBlockBorder(qsizetype file);
-    void fillLast(qsizetype file, const QRectF& rectangle, const QColor& color, bool isLast, bool isFirst = false);
     qreal baseline(qreal rowTop) const;
     qreal viewY(qint64 y) const { return qreal(y - scrolledTo_); }
 

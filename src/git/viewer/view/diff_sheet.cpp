@@ -13,6 +13,7 @@
 #include "platform/files/native_path.h"
 #include "platform/style/view/style.h"
 #include "platform/text/shown_name.h"
+#include "platform/view/divider.h"
 #include "platform/view/labels.h"
 #include "platform/view/segmented_picker.h"
 #include "platform/view/sheet_frame.h"
@@ -49,8 +50,8 @@ DiffSheetView::DiffSheetView(GitService& git, QString path, QWidget* parent)
     QWidget* const header = makeHeader();
     viewer_ = new DiffViewer(this);
     frameSheet(*this, header, viewer_);
-    failure_ = new SheetFailureLine(git, {QStringLiteral("diff"), QStringLiteral("apply")}, this);
-    layout()->addWidget(failure_);
+    layout()->addWidget(new Divider(Qt::Horizontal, this));
+    layout()->addWidget(makeFooter(git));
     updateAction();
     addShortcuts();
     new FileSizes(*viewer_, [this](const DiffFileFacts& facts) { return sizesOf(facts); });
@@ -81,14 +82,12 @@ QWidget* DiffSheetView::makeHeader()
     picker_ = new SegmentedPicker({tr("Working"), tr("Staged")}, tr("Which changes are shown"), header);
     picker_->setFixedWidth(pickerWidth);
     picker_->setToolTip(tr("Working (Ctrl+1), Staged (Ctrl+2)"));
-    counts_ = new TextLabel({}, style::interfaceFont(style::typeSize::caption), Tint::secondary(), header);
     connect(picker_, &SegmentedPicker::selectionChanged, this, [this](int index) { setStagedView(index == 1); });
 
     auto* row = new QHBoxLayout(header);
     row->setContentsMargins(sheetMargins());
     row->setSpacing(sheetSpacing);
     row->addWidget(title, 1);
-    row->addWidget(counts_);
     row->addWidget(picker_);
     row->addWidget(makeCloseButton(*header, [this] {
         if (onClose) {
@@ -96,6 +95,21 @@ QWidget* DiffSheetView::makeHeader()
         }
     }));
     return header;
+}
+
+QWidget* DiffSheetView::makeFooter(GitService& git)
+{
+    auto* footer = new QWidget(this);
+    failure_ = new SheetFailureLine(git, {QStringLiteral("diff"), QStringLiteral("apply")}, footer);
+    counts_ = new TextLabel({}, style::interfaceFont(style::typeSize::caption), Tint::secondary(), footer);
+    counts_->setGivesWay(false);
+
+    auto* row = new QHBoxLayout(footer);
+    row->setContentsMargins(0, 0, sheetMargins().right(), 0);
+    row->setSpacing(0);
+    row->addWidget(failure_, 1);
+    row->addWidget(counts_);
+    return footer;
 }
 
 void DiffSheetView::showEvent(QShowEvent* event)

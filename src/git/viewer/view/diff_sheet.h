@@ -43,7 +43,7 @@ public:
     void setStagedView(bool staged);
 
     DiffViewer& viewer() { return *viewer_; }
-    /// What is said of the two views beside the picker, such as "Working: 2 hunks · Staged: none".
+    /// What is said of the two views below the diff, such as "Working: 2 hunks · Staged: none".
     QString counts() const;
 
     QSize sizeHint() const override;
@@ -54,6 +54,8 @@ protected:
 
 private:
     QWidget* makeHeader();
+    /// What is told below the diff: what git refused, and the counts of both views.
+    QWidget* makeFooter(GitService& git);
     void load();
     void updateAction();
     void applyHunk(const DiffFile& file, qsizetype hunk);

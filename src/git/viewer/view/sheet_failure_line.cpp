@@ -25,6 +25,11 @@ SheetFailureLine::SheetFailureLine(GitService& git, QStringList commands, QWidge
     row->setSpacing(6);
     row->addWidget(sentence_, 1);
     row->addWidget(details_);
+    // Its room stays: what is told moves nothing of the diff above it.
+    setFixedHeight(sizeHint().height());
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     setVisible(false);
     connect(git_, &GitService::lastFailureChanged, this, &SheetFailureLine::refresh);
     connect(details_, &QAbstractButton::clicked, this, &SheetFailureLine::showDetails);

@@ -12,7 +12,7 @@ class PlainButton;
 class TextLabel;
 
 /// One line that is there while the last failure is that of one of the sheet's own commands: git's reason, with a
-/// button that shows all of its words.
+/// button that shows all of its words. Its room in the sheet is there always.
 class SheetFailureLine final : public QWidget
 {
     Q_OBJECT

@@ -1,4 +1,6 @@
+#include "git/panel/view/clone_dialog.h"
 #include "git/panel/view/panel_fixture.h"
+#include "git/viewer/view/commit_sheet.h"
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_sheet.h"
 #include "git/viewer/view/diff_viewer.h"
@@ -57,7 +59,12 @@ private Q_SLOTS:
     void questionsGo();
     void anAnswerThatComesLateDoesNothing();
     void sheetsGo();
+    void sheetsGoHoweverTheRepositoryDoes_data();
+    void sheetsGoHoweverTheRepositoryDoes();
+    void sheetsStayWhileTheirRepositoryChanges();
+    void aCloneDialogStays();
     void aSheetThatStaysDoesNothing();
+    void aCommitThatStaysIsWhatItWas();
     void anAddressThatIsEditedGoes();
     void theNextCommitIsANewOne();
     void aRefreshOfTheSameRepositoryLeavesAllOpen();
@@ -117,6 +124,89 @@ void RepositoryBoundTest::sheetsGo()
     QVERIFY(!f.view.historySha());
 }
 
+void RepositoryBoundTest::sheetsGoHoweverTheRepositoryDoes_data()
+{
+    using Change = std::function<void(TwoRepositories&)>;
+    QTest::addColumn<Change>("change");
+    QTest::newRow("another one is opened") << Change([](TwoRepositories& f) { f.git().open(f.other.url()); });
+    QTest::newRow("another one was read meanwhile")
+        << Change([](TwoRepositories& f) { f.git().take(f.other.url(), f.git().snapshot()); });
+    QTest::newRow("none is open") << Change([](TwoRepositories& f) { f.git().clearState(); });
+    QTest::newRow("the project is a plain folder") << Change([](TwoRepositories& f) {
+        const QTemporaryDir plain;
+        f.app.state.setCurrentProject(QUrl::fromLocalFile(plain.path()));
+    });
+    QTest::newRow("the document's folder is left") << Change([](TwoRepositories& f) {
+        f.app.state.openFile(QUrl::fromLocalFile(f.other.filePath(u"a.txt"_s)));
+        f.app.state.setCurrentProject(std::nullopt);
+    });
+}
+
+void RepositoryBoundTest::sheetsGoHoweverTheRepositoryDoes()
+{
+    QFETCH(std::function<void(TwoRepositories&)>, change);
+    for (const bool isCommit : {false, true}) {
+        TwoRepositories f;
+        f.show(isCommit ? SourceControlTab::history : SourceControlTab::changes);
+        clickRow(f.list(), isCommit ? f.lines().first() : u"M a.txt"_s);
+        const QPointer<QDialog> sheet = f.dialog();
+        QVERIFY(sheet);
+        QCOMPARE(f.view.historySha().has_value(), isCommit);
+        QCOMPARE(f.view.diffPath().has_value(), !isCommit);
+        change(f);
+        QVERIFY(f.dialog() == nullptr);
+        QVERIFY(!f.view.diffPath());
+        QVERIFY(!f.view.historySha());
+        QTRY_VERIFY(!sheet);
+    }
+}
+
+void RepositoryBoundTest::sheetsStayWhileTheirRepositoryChanges()
+{
+    TwoRepositories f;
+    f.show();
+    clickRow(f.list(), u"M a.txt"_s);
+    const QPointer<QDialog> sheet = f.dialog();
+    f.repo.git({u"checkout"_s, u"-q"_s, u"side"_s});
+    f.git().refreshAll();
+    QCOMPARE(f.git().branch(), u"side"_s);
+    f.view.syncRepo();
+    QCOMPARE(f.dialog(), sheet);
+    QCOMPARE(f.view.diffPath(), std::optional(u"a.txt"_s));
+}
+
+void RepositoryBoundTest::aCloneDialogStays()
+{
+    TwoRepositories f;
+    f.show();
+    f.view.setShowCloneDialog(true);
+    auto* dialog = f.window.findChild<CloneDialog*>();
+    dialog->form().setRemoteURL(u"typed"_s);
+    f.openOther();
+    QVERIFY(dialog->isVisible());
+    QVERIFY(f.view.showCloneDialog());
+    QCOMPARE(dialog->form().remoteURL(), u"typed"_s);
+    f.git().clearState();
+    QVERIFY(dialog->isVisible());
+}
+
+void RepositoryBoundTest::aCommitThatStaysIsWhatItWas()
+{
+    TwoRepositories f;
+    f.git().open(f.repo.url());
+    const QString sha = QString::fromLatin1(f.output({u"rev-parse"_s, u"HEAD"_s}));
+    CommitDetailView sheet(f.git(), sha, nullptr);
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    const QString content = sheet.content();
+    QVERIFY(content.contains(u"+one"));
+    f.git().open(f.other.url());
+    sheet.hide();
+    sheet.show();
+    QCOMPARE(sheet.content(), content);
+    QCOMPARE(sheet.viewer().diffText(), content);
+}
+
 void RepositoryBoundTest::aSheetThatStaysDoesNothing()
 {
     TwoRepositories f;
@@ -125,7 +215,10 @@ void RepositoryBoundTest::aSheetThatStaysDoesNothing()
     sheet.show();
     QVERIFY(QTest::qWaitForWindowExposed(&sheet));
     QVERIFY(sheet.diff().contains(u"+two"));
+    QTRY_COMPARE(sheet.counts(), u"Working: 1 hunk · Staged: none"_s);
     f.git().open(f.other.url());
+    // It has no part in what the other one says of a file of the same name.
+    QCOMPARE(sheet.counts(), QString());
     QTest::mouseClick(sheet.viewer().list().button({0, 0, HunkControl::Role::action}), Qt::LeftButton);
     QCOMPARE(f.inOther({u"diff"_s, u"--cached"_s}), QByteArray());
     QCOMPARE(f.output({u"diff"_s, u"--cached"_s}), QByteArray());

@@ -56,6 +56,9 @@ private Q_SLOTS:
 
     void theSelectedTabStandsInTheAccentColour();
     void theOthersStandOnNothing();
+    void theMouseChangesNothing();
+    void eachTabHasItsSymbol_data();
+    void eachTabHasItsSymbol();
     void badgesStandOnTheAccentColour();
 };
 
@@ -68,8 +71,12 @@ void SourceControlTabBarTest::theSelectedTabStandsInTheAccentColour()
         const QColor ground = over(shown.window(), Tint::accent().at(0.18));
         QVERIFY(isNear(picture.pixelColor(picture.width() / 2, 1), ground));
         QVERIFY(isNear(picture.pixelColor(1, picture.height() / 2), ground));
-        // Its corners are round.
+        // Its corners are quarter circles of 5 points.
         QVERIFY(isNear(picture.pixelColor(0, 0), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(1, 0), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(4, 0), ground));
+        QVERIFY(isNear(picture.pixelColor(0, 1), shown.window()));
+        QVERIFY(isNear(picture.pixelColor(0, 4), ground));
         QVERIFY(isSame(ink(picture, labelPlace(picture, label(tab)), ground),
                        inkOf(label(tab), style::interfaceFont(11), Tint::accent(), ground)));
     }
@@ -85,6 +92,56 @@ void SourceControlTabBarTest::theOthersStandOnNothing()
         QVERIFY(isNear(picture.pixelColor(picture.width() / 2, 1), ground));
         QVERIFY(isSame(ink(picture, labelPlace(picture, label(tab)), ground),
                        inkOf(label(tab), style::interfaceFont(11), Tint::primary().at(0.85), ground)));
+    }
+}
+
+void SourceControlTabBarTest::theMouseChangesNothing()
+{
+    ShownBar shown;
+    QVERIFY(QTest::qWaitForWindowActive(&shown.bar));
+    shown.bar.select(SourceControlTab::history);
+    for (const SourceControlTab tab : {SourceControlTab::changes, SourceControlTab::history}) {
+        SourceControlTabButton& button = shown.bar.button(tab);
+        const QImage before = shown.picture(tab);
+        QTest::mouseMove(&button, QPoint(4, 4));
+        QTest::mouseMove(&button, QPoint(6, 6));
+        QTRY_VERIFY(button.underMouse());
+        QVERIFY(isSame(shown.picture(tab), before));
+        QTest::mousePress(&button, Qt::LeftButton);
+        QVERIFY(button.isDown());
+        QVERIFY(isSame(shown.picture(tab), before));
+        // Let go elsewhere, so that it is not chosen.
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(-50, -50));
+        QCOMPARE(int(shown.bar.selectedTab()), int(SourceControlTab::history));
+    }
+}
+
+void SourceControlTabBarTest::eachTabHasItsSymbol_data()
+{
+    QTest::addColumn<SourceControlTab>("tab");
+    QTest::addColumn<QString>("symbol");
+    QTest::newRow("changes") << SourceControlTab::changes << u"doc.text"_s;
+    QTest::newRow("history") << SourceControlTab::history << u"clock"_s;
+    QTest::newRow("branches") << SourceControlTab::branches << u"arrow.triangle.branch"_s;
+    QTest::newRow("stashes") << SourceControlTab::stashes << u"tray.full"_s;
+    QTest::newRow("tags") << SourceControlTab::tags << u"tag"_s;
+    QTest::newRow("remotes") << SourceControlTab::remotes << u"network"_s;
+}
+
+void SourceControlTabBarTest::eachTabHasItsSymbol()
+{
+    QFETCH(SourceControlTab, tab);
+    QFETCH(QString, symbol);
+    ShownBar shown;
+    for (const bool isSelected : {false, true}) {
+        const SourceControlTab other =
+            tab == SourceControlTab::tags ? SourceControlTab::changes : SourceControlTab::tags;
+        shown.bar.select(isSelected ? tab : other);
+        const QImage picture = shown.picture(tab);
+        const QColor ground = isSelected ? over(shown.window(), Tint::accent().at(0.18)) : shown.window();
+        const QColor color = style::ink(isSelected ? Tint::accent() : Tint::primary().at(0.85), Appearance::dark);
+        const QRect square(5, (picture.height() - 12) / 2, 12, 12);
+        QVERIFY(isSame(picture.copy(square), symbolOn(ground, symbol, 12, color)));
     }
 }
 

@@ -279,6 +279,14 @@ void SourceControlViewTest::theHeaderTellsTheBranch()
     f.app.state.setCurrentProject(f.repo.url());
     const QString hash = QString::fromLatin1(f.output({u"rev-parse"_s, u"HEAD"_s}));
     QVERIFY(shownLabels(f.view).contains(u"detached at "_s + hash.first(7)));
+
+    // Where git says nothing of a branch there is none to be named.
+    const QTemporaryDir broken;
+    QVERIFY(QDir(broken.path()).mkdir(u".git"_s));
+    f.app.state.setCurrentProject(QUrl::fromLocalFile(broken.path()));
+    QVERIFY(f.git().repoURL());
+    QCOMPARE(f.git().branch(), QString());
+    QVERIFY(shownLabels(f.view).contains(u"—"_s));
 }
 
 void SourceControlViewTest::theHeaderTellsOfConflicts()

@@ -1,8 +1,11 @@
 #include "git/viewer/view/diff_fonts.h"
 #include "git/viewer/view/shown_viewer.h"
+#include "platform/style/view/icons.h"
 #include "platform/style/view/style.h"
 #include "support/painted_text.h"
 #include "support/test_program.h"
+
+#include <cmath>
 
 namespace diff_painter_test {
 
@@ -93,6 +96,11 @@ private Q_SLOTS:
     void unifiedGutterHasTheOldNumberBeforeTheNew();
     void eachSideHasItsOwnNumbers();
     void headersHaveTheirType();
+    void aFilesHeaderHasItsSymbolAndItsCount();
+    void aFilesHeaderIsRoundAtItsTopAlone_data();
+    void aFilesHeaderIsRoundAtItsTopAlone();
+    void theBlockHasItsBorder();
+    void sidesAreDivided();
 };
 
 void DiffPainterTest::fontsHaveTheirSizesAndWeights()
@@ -200,6 +208,113 @@ void DiffPainterTest::headersHaveTheirType()
     QVERIFY(rows.shows(fileHeader, u"a.txt"_s, fonts.path, Tint::primary()));
     const QRect hunkHeader(left, int(layout.hunkTop(0, 0)) + 1, 300, layout.metrics().hunkHeader - 2);
     QVERIFY(rows.shows(hunkHeader, u"@@ -7,9 +4444,9 @@"_s, fonts.hunkHeader, SystemColor::blue));
+}
+
+void DiffPainterTest::aFilesHeaderHasItsSymbolAndItsCount()
+{
+    ShownViewer shown(diffWith({u" x"_s}) + u"@@ -30 +40 @@\n z\n"_s);
+    const Rows rows(shown);
+    const DiffFonts fonts;
+    const DiffLayout& layout = shown.list().diffLayout();
+    const DiffColumn& column = shown.list().columns().front();
+    const QRect header(int(column.left), int(layout.fileTop(0)), int(column.right - column.left),
+                       layout.metrics().fileHeader);
+    const QRectF square(header.left() + 10, QRectF(header).center().y() - 7, 14, 14);
+    const QColor ground = rows.ground(square.toAlignedRect());
+    QImage wanted(rows.picture.size(), QImage::Format_RGB32);
+    wanted.fill(ground);
+    QPainter painter(&wanted);
+    painter.setRenderHint(QPainter::Antialiasing);
+    icons::paint(painter, u"doc.text"_s, square, style::ink(Tint::primary(), Appearance::dark));
+    painter.end();
+    QVERIFY(isSame(rows.picture.copy(square.toAlignedRect()), wanted.copy(square.toAlignedRect())));
+
+    const QRect count(header.right() - 100, header.top() + 2, 94, header.height() - 4);
+    QVERIFY(isText(rows.drawn(count), u"2 hunks"_s, fonts.hunkCount, Tint::secondary(), rows.ground(count)));
+    // It ends at the header's padding.
+    QVERIFY(std::abs(inkRect(rows.picture, count, rows.ground(count)).right() - (header.right() - 10)) <= 1);
+
+    const auto height = [](const QFont& font) { return int(std::ceil(QFontMetricsF(font).height())); };
+    QCOMPARE(layout.metrics().fileHeader, 2 * 8 + std::max(height(fonts.path), height(fonts.hunkCount)));
+    QCOMPARE(layout.metrics().hunkHeader, 2 * 4 + height(fonts.hunkHeader));
+}
+
+void DiffPainterTest::aFilesHeaderIsRoundAtItsTopAlone_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isCollapsed");
+    QTest::addColumn<Tint>("lowestGround");
+    QTest::newRow("no hunk") << u"diff --git a/i.png b/i.png\nBinary files a/i.png and b/i.png differ\n"_s << false
+                             << Tint::secondary().at(0.08);
+    QTest::newRow("collapsed") << diffWith({u"-x"_s}) << true << Tint(SystemColor::blue).at(0.06);
+    QTest::newRow("removed line") << diffWith({u"-x"_s}) << false << Tint(SystemColor::red).at(0.1);
+}
+
+void DiffPainterTest::aFilesHeaderIsRoundAtItsTopAlone()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, isCollapsed);
+    QFETCH(Tint, lowestGround);
+    ShownViewer shown(text);
+    const DiffLayout& layout = shown.list().diffLayout();
+    if (isCollapsed) {
+        shown.viewer.toggleHunk(layout.files()[0].hunks[0].id);
+    }
+    const QImage picture = shown.picture();
+    const QColor base = shown.list().palette().color(QPalette::Base);
+    const DiffColumn& column = shown.list().columns().front();
+    const int top = int(layout.fileTop(0));
+    const int bottom = int(layout.fileTop(0) + layout.fileHeight(0)) - 1;
+    for (const int x : {int(column.left), int(column.right) - 1}) {
+        QVERIFY(isNear(picture.pixelColor(x, top), base));
+        // What stands lowest fills its row up to the corners, which the border alone goes round.
+        QVERIFY(isNear(picture.pixelColor(x, bottom), over(base, lowestGround)));
+        // The border's own radius is 6 too, so that it passes within these.
+        const int inwards = x == int(column.left) ? x + 1 : x - 1;
+        QVERIFY(isNear(picture.pixelColor(inwards, top + 1), base));
+        QVERIFY(isNear(picture.pixelColor(inwards, bottom - 1), over(base, lowestGround)));
+    }
+    // A quarter circle of 6 points: at its foot the header is as wide as the block.
+    const QColor header = over(base, Tint::secondary().at(0.08));
+    QVERIFY(isNear(picture.pixelColor(int(column.left) + 2, top + 6), header));
+    QVERIFY(isNear(picture.pixelColor(int(column.left) + 1, top), base));
+}
+
+void DiffPainterTest::theBlockHasItsBorder()
+{
+    ShownViewer shown(diffWith({u" x"_s, u" x"_s}) + u"diff --git a/b b/b\n"_s);
+    const QImage picture = shown.picture();
+    const DiffLayout& layout = shown.list().diffLayout();
+    const DiffColumn& column = shown.list().columns().front();
+    const QColor base = shown.list().palette().color(QPalette::Base);
+    const QColor line = over(base, Tint::secondary().at(0.2));
+    const int y = int(layout.entryTop(0, 0, 0)) + 2;
+    // 12 points all round, and between the blocks.
+    QCOMPARE(int(column.left), 12);
+    QCOMPARE(int(column.right), shown.list().viewport()->width() - 12);
+    QCOMPARE(layout.fileTop(0), 12);
+    QCOMPARE(layout.fileTop(1), layout.fileTop(0) + layout.fileHeight(0) + 12);
+    for (const auto& [edge, inwards] : {std::pair(int(column.left), 1), std::pair(int(column.right) - 1, -1)}) {
+        QVERIFY(isNear(picture.pixelColor(edge, y), line));
+        QVERIFY(isNear(picture.pixelColor(edge - inwards, y), base));
+        QVERIFY(isNear(picture.pixelColor(edge + inwards, y), base));
+    }
+    const int bottom = int(layout.fileTop(0) + layout.fileHeight(0)) - 1;
+    QVERIFY(isNear(picture.pixelColor(400, bottom), line));
+    QVERIFY(isNear(picture.pixelColor(400, bottom + 1), base));
+}
+
+void DiffPainterTest::sidesAreDivided()
+{
+    ShownViewer shown(diffWith({u" x"_s, u" x"_s}), DiffViewMode::sideBySide);
+    shown.viewer.resize(801, 500);
+    const QImage picture = shown.picture();
+    const QColor base = shown.list().palette().color(QPalette::Base);
+    const std::vector<DiffColumn>& columns = shown.list().columns();
+    const int y = int(shown.list().diffLayout().entryTop(0, 0, 0)) + 2;
+    QVERIFY(isNear(picture.pixelColor(int(columns[0].right), y), over(base, Tint::secondary().at(0.2))));
+    QVERIFY(isNear(picture.pixelColor(int(columns[0].right) - 1, y), base));
+    QVERIFY(isNear(picture.pixelColor(int(columns[0].right) + 1, y), over(base, Tint::secondary().at(0.04))));
 }
 
 const kelm::test::Registered<DiffPainterTest> registered(kelm::test::Toolkit::widgets);

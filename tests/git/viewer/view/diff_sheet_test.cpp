@@ -213,6 +213,7 @@ void DiffSheetTest::aRefusalIsSaidInTheSheet()
     open(sheet);
     const auto* line = sheet.findChild<SheetFailureLine*>();
     QCOMPARE(line->sentence(), QString());
+    const QRect place = sheet.viewer().geometry();
     // What fails elsewhere is no matter of the sheet.
     changed.git.checkoutBranch(u"gone"_s);
     QTRY_VERIFY(changed.git.lastFailure().has_value());
@@ -222,10 +223,21 @@ void DiffSheetTest::aRefusalIsSaidInTheSheet()
     QTest::mouseClick(sheet.viewer().list().button({0, 0, Role::action}), Qt::LeftButton);
     QTRY_COMPARE(line->sentence(), u"The hunk does not fit what is there now."_s);
     QVERIFY(line->isVisible());
+    // Nothing moves to make room for it, whether or not there is more to read.
+    const auto placeNow = [&] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        return sheet.viewer().geometry();
+    };
+    QCOMPARE(placeNow(), place);
+    changed.git.applyPartialPatch(u"no patch"_s, false);
+    QTRY_VERIFY(changed.git.lastError()->contains(u"patch"));
+    QVERIFY(line->isVisible());
+    QCOMPARE(placeNow(), place);
     // It goes when the person goes on.
     sheet.setStagedView(true);
     QCOMPARE(line->sentence(), QString());
     QVERIFY(!line->isVisible());
+    QCOMPARE(placeNow(), place);
 }
 
 void DiffSheetTest::untrackedFileShowsItsText_data()

@@ -64,6 +64,9 @@ private Q_SLOTS:
     void unifiedRowsHaveTheirColours();
     void sidesHaveTheirColours();
     void columnsHaveTheirWidths();
+    void hunkButtonsHaveTheirSymbols();
+    void toolbarHasItsMeasures();
+    void wordsHaveTheirType();
     void selectionIsCopiedWithoutSigns();
     void selectionStaysOnItsSide();
     void doubleClickSelectsAWord();
@@ -434,6 +437,69 @@ void DiffViewerTest::columnsHaveTheirWidths()
     }
 }
 
+void DiffViewerTest::hunkButtonsHaveTheirSymbols()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"-x"_s}}));
+    shown.viewer.setHunkAction(u"Stage hunk"_s, [](const DiffFile&, qsizetype) {});
+    const ButtonLook& toggle = shown.button(0, 0, Role::toggle)->look();
+    QCOMPARE(toggle.symbol, u"chevron.down"_s);
+    QCOMPARE(toggle.symbolSize, 10);
+    QVERIFY(toggle.ground == Tint::clear());
+    const ButtonLook& action = shown.button(0, 0, Role::action)->look();
+    QCOMPARE(action.symbol, u"plus.circle"_s);
+    QCOMPARE(action.textSize, 10);
+    QVERIFY(action.ground == Tint::clear());
+    // The header's padding is 10: what is drawn of both starts and ends there.
+    const QRect shownToggle = shown.button(0, 0, Role::toggle)->geometry();
+    QCOMPARE(shownToggle.left() + toggle.padding.left(), int(shown.list().columns().front().left) + 10);
+    const QRect shownAction = shown.button(0, 0, Role::action)->geometry();
+    QCOMPARE(shownAction.right() + 1 - action.padding.right(), int(shown.list().columns().back().right) - 10);
+}
+
+void DiffViewerTest::toolbarHasItsMeasures()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"-x"_s, u"+y"_s}}));
+    auto* picker = shown.viewer.findChild<SegmentedPicker*>();
+    const auto labels = shown.viewer.findChildren<TextLabel*>();
+    const auto summary = std::find_if(labels.begin(), labels.end(), [&](const TextLabel* label) {
+        return label->text() == shown.viewer.filesSummary();
+    });
+    QVERIFY(summary != labels.end());
+    const QRect left(picker->mapTo(&shown.viewer, QPoint()), picker->size());
+    const QRect right((*summary)->mapTo(&shown.viewer, QPoint()), (*summary)->size());
+    QCOMPARE(left.left(), 12);
+    QCOMPARE(right.right() + 1, shown.viewer.width() - 12);
+    QVERIFY(right.left() > left.right() + 100);
+    const QWidget* toolbar = picker->parentWidget();
+    QCOMPARE(toolbar->y(), 0);
+    QCOMPARE(toolbar->height(), 6 + std::max(left.height(), right.height()) + 6);
+    // Then a divider, then the content.
+    QCOMPARE(shown.list().mapTo(&shown.viewer, QPoint()).y(), toolbar->height() + 1);
+    const QImage picture = (*summary)->grab().toImage();
+    const QColor ground = shown.viewer.palette().color(QPalette::Window);
+    QVERIFY(isText(ink(picture, picture.rect(), ground), (*summary)->text(), style::monospaced(10), Tint::secondary(),
+                   ground));
+}
+
+void DiffViewerTest::wordsHaveTheirType()
+{
+    ShownViewer shown;
+    const QWidget* page = shown.page();
+    const QImage picture = shown.page()->grab().toImage();
+    const QColor ground = page->palette().color(QPalette::Base);
+    const QRect words = inkRect(picture, picture.rect(), ground);
+    QVERIFY(isText(ink(picture, picture.rect(), ground), u"No changes"_s, style::monospaced(12), Tint::secondary(),
+                   ground));
+    // In the middle.
+    const QPoint off = words.center() - picture.rect().center();
+    QVERIFY(off.manhattanLength() <= 4);
+
+    shown.viewer.setDiffText(u"plain words"_s);
+    const QFont font = shown.page()->font();
+    QCOMPARE(font.families(), style::monospaced(12).families());
+    QCOMPARE(font.pixelSize(), 12);
+}
+
 void DiffViewerTest::selectionIsCopiedWithoutSigns()
 {
     ShownViewer shown(diffOf(u"a"_s, {{u" first"_s, u"-second"_s, u"+third 가나"_s}}));
@@ -742,7 +808,7 @@ void DiffViewerTest::longTextIsReadElsewhere()
     shown.viewer.setDiffText(diffOf(u"b"_s, {lines}));
     // The window may change meanwhile.
     shown.viewer.resize(400, 400);
-    QVERIFY(isShown.wait());
+    QVERIFY(isShown.wait(kelm::test::patience));
     QVERIFY(!shown.viewer.isReading());
     QCOMPARE(isShown.count(), 1);
     QCOMPARE(shown.page(), &shown.list());
@@ -767,7 +833,7 @@ void DiffViewerTest::staleHunksOfferNothing()
     QVERIFY(shown.viewer.isReading());
     QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
     QCOMPARE(acted, 0);
-    QVERIFY(isShown.wait());
+    QVERIFY(isShown.wait(kelm::test::patience));
     QTest::mouseClick(shown.button(0, 0, Role::action), Qt::LeftButton);
     QCOMPARE(acted, 1);
 }

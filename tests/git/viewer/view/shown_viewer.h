@@ -4,6 +4,7 @@
 #include "git/viewer/view/diff_list.h"
 #include "git/viewer/view/diff_viewer.h"
 #include "platform/view/plain_button.h"
+#include "support/patience.h"
 
 #include <QStackedWidget>
 #include <QtTest>
@@ -22,7 +23,8 @@ public:
         viewer.show();
         viewer.activateWindow();
         // A long text is read on another thread.
-        isShown = QTest::qWaitForWindowActive(&viewer) && QTest::qWaitFor([this] { return !viewer.isReading(); });
+        isShown = QTest::qWaitForWindowActive(&viewer) &&
+                  QTest::qWaitFor([this] { return !viewer.isReading(); }, kelm::test::patience);
     }
 
     DiffList& list() { return viewer.list(); }

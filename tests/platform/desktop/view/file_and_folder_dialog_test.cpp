@@ -47,16 +47,18 @@ struct Fixture
     QModelIndex indexOf(const QString& name) const
     {
         QModelIndex found;
-        const bool isFound = QTest::qWaitFor([&] {
-            const QAbstractItemModel& model = *list().model();
-            for (int row = 0; row < model.rowCount(list().rootIndex()); ++row) {
-                const QModelIndex index = model.index(row, 0, list().rootIndex());
-                if (index.data().toString() == name) {
-                    found = index;
+        const bool isFound = QTest::qWaitFor(
+            [&] {
+                const QAbstractItemModel& model = *list().model();
+                for (int row = 0; row < model.rowCount(list().rootIndex()); ++row) {
+                    const QModelIndex index = model.index(row, 0, list().rootIndex());
+                    if (index.data().toString() == name) {
+                        found = index;
+                    }
                 }
-            }
-            return found.isValid();
-        });
+                return found.isValid();
+            },
+            kelm::test::patience);
         return isFound ? found : QModelIndex();
     }
     void select(const QStringList& names) const

@@ -61,6 +61,7 @@ class SaveDialogTest : public QObject
 private Q_SLOTS:
     void theNameIsSelectedUpToItsExtension_data();
     void theNameIsSelectedUpToItsExtension();
+    void theKindsOfTextStandInTheirOrder();
     void returnTakesTheName();
     void whereNothingCanBeSavedTheDialogSaysSoAndStays();
     void aFolderIsEntered();
@@ -83,6 +84,19 @@ void SaveDialogTest::theNameIsSelectedUpToItsExtension()
     const Fixture fixture(name);
     QCOMPARE(fixture.field().text(), name);
     QTEST(fixture.field().selectedText(), "selected");
+}
+
+void SaveDialogTest::theKindsOfTextStandInTheirOrder()
+{
+    const QTemporaryDir home;
+    SaveDialog dialog(
+        nullptr,
+        {.allowedTypes = {ContentType::plainText, ContentType::sourceCode, ContentType::json, ContentType::xml}},
+        home.path());
+    QCOMPARE(dialog.nameFilters(), (QStringList{u"Plain Text (*.txt *)"_s, u"Source Code (*)"_s, u"JSON (*.json)"_s,
+                                                u"XML (*.xml *.plist)"_s}));
+    QCOMPARE(dialog.acceptMode(), QFileDialog::AcceptSave);
+    QCOMPARE(dialog.fileMode(), QFileDialog::AnyFile);
 }
 
 void SaveDialogTest::returnTakesTheName()

@@ -1,3 +1,4 @@
+#include "support/painted.h"
 #include "support/test_program.h"
 #include "workbench/status/view/document_status.h"
 #include "workbench/status/view/status_bar_items.h"
@@ -70,6 +71,9 @@ private Q_SLOTS:
     void theCountsStandInTheMenu();
     void theBarFollowsTheCurrentDocument();
     void theSelectionsCountHasTheAccentColour();
+    void partsStandInTheirOrder();
+    void anItemUnderTheMouseIsFaintlyLit();
+    void theBellDoesNothing();
 };
 
 void StatusBarViewTest::withoutADocumentThereAreThemeAndBell()
@@ -136,7 +140,7 @@ void StatusBarViewTest::aRepositoryThatComesLaterIsSeen()
     const auto comes = [&](const QByteArray& head, const QString& shown) {
         QDir(fixture.home.path()).mkpath(u"project/.git"_s);
         fixture.write(u"project/.git/HEAD"_s, head);
-        return QTest::qWaitFor([&] { return fixture.bar.branchPill().text() == shown; });
+        return QTest::qWaitFor([&] { return fixture.bar.branchPill().text() == shown; }, kelm::test::patience);
     };
     QVERIFY(comes("ref: refs/heads/topic\n", u"topic"_s));
     QVERIFY(QDir(fixture.home.filePath(u"project/.git"_s)).removeRecursively());
@@ -279,6 +283,68 @@ void StatusBarViewTest::theSelectionsCountHasTheAccentColour()
         }
     }
     QVERIFY(bluish);
+}
+
+void StatusBarViewTest::partsStandInTheirOrder()
+{
+    Fixture fixture;
+    const auto* divider = fixture.bar.findChild<StatusBarDivider*>();
+    QVERIFY(!divider->isVisible());
+    const auto document = fixture.show(u"0123456789"_s);
+    document->setSelection(TextSelection{{1, 1, 0}, {1, 9, 8}});
+    fixture.openProjectWithHead("ref: refs/heads/topic\n");
+    QVERIFY(divider->isVisible());
+    DocumentLeftStatus& left = *fixture.bar.leftStatus();
+    DocumentRightStatus& right = *fixture.bar.rightStatus();
+    const std::initializer_list<const QWidget*> order{&left.languageMenu(),
+                                                      &left.encodingMenu(),
+                                                      &left.lineEndingMenu(),
+                                                      &fixture.bar.branchPill(),
+                                                      &right.position(),
+                                                      &right.selection(),
+                                                      &right.linesMenu(),
+                                                      &right.indentMenu(),
+                                                      divider,
+                                                      &fixture.bar.themeMenu(),
+                                                      visibleButton(fixture.bar, u"Notifications"_s)};
+    int end = 0;
+    for (const QWidget* part : order) {
+        const int x = part->mapTo(&fixture.bar, QPoint()).x();
+        QVERIFY(part->isVisible());
+        QVERIFY(x >= end);
+        end = x + part->width();
+    }
+    QVERIFY(end <= fixture.bar.width());
+    // The pill is apart from both sides.
+    const QRect pill = fixture.bar.branchPill().geometry();
+    QVERIFY(pill.left() - left.geometry().right() > 50);
+    QVERIFY(right.geometry().left() - pill.right() > 50);
+}
+
+void StatusBarViewTest::anItemUnderTheMouseIsFaintlyLit()
+{
+    Fixture fixture;
+    fixture.show(u"a"_s);
+    StatusBarItem& item = fixture.bar.rightStatus()->position();
+    const auto ground = [&item] { return item.grab().toImage().pixelColor(2, item.height() / 2); };
+    const QColor idle = ground();
+    item.setAttribute(Qt::WA_UnderMouse, true);
+    const QColor lit = over(idle, Tint::primary().at(style::hoverOpacity).on(item));
+    QVERIFY(distance(lit, idle) > 2);
+    QVERIFY(distance(ground(), lit) <= 1);
+    item.setAttribute(Qt::WA_UnderMouse, false);
+    QCOMPARE(ground(), idle);
+}
+
+void StatusBarViewTest::theBellDoesNothing()
+{
+    Fixture fixture;
+    const qsizetype windows = QApplication::topLevelWidgets().size();
+    clickOn(fixture.bar, u"Notifications"_s);
+    fixture.turnQueue();
+    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+    QVERIFY(fixture.state.documents().isEmpty());
+    QVERIFY(!fixture.state.showBottomPanel());
 }
 
 const kelm::test::Registered<StatusBarViewTest> registered(kelm::test::Toolkit::widgets);

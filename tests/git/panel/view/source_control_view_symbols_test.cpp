@@ -1,0 +1,602 @@
+#include "git/panel/view/clone_dialog.h"
+#include "git/panel/view/commit_composer.h"
+#include "git/panel/view/credential_status_row.h"
+#include "git/panel/view/panel_fixture.h"
+#include "git/panel/view/shown_widgets.h"
+#include "git/panel/view/source_control_bottom_bar.h"
+#include "git/panel/view/source_control_empty_state.h"
+#include "git/panel/view/source_control_header.h"
+#include "git/panel/view/source_control_tab_bar.h"
+#include "git/service/git_transfers.h"
+#include "git/viewer/view/commit_sheet.h"
+#include "git/viewer/view/diff_sheet.h"
+#include "git/viewer/view/diff_viewer.h"
+#include "platform/process/process_stop.h"
+#include "platform/view/breaking_label.h"
+#include "platform/view/confirmation_dialog.h"
+#include "platform/view/labels.h"
+#include "support/painted_text.h"
+#include "support/test_program.h"
+
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace source_control_view_symbols_test {
+
+using namespace kelm;
+using namespace kelm::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+bool shows(SymbolLabel& label, const QString& symbol, const Tint& tint, std::optional<int> size = std::nullopt)
+{
+    SymbolLabel expected(symbol, size.value_or(label.width()), tint);
+    return icons::has(symbol) && (!size || label.size() == QSize(*size, *size)) && looksLike(label, expected);
+}
+
+/// Whether a label is drawn in a colour and a type.
+bool isDrawn(TextLabel* label, const Tint& tint, const QFont& font)
+{
+    if (label == nullptr) {
+        return false;
+    }
+    const QImage picture = label->grab().toImage();
+    const QColor ground = label->palette().color(QPalette::Window);
+    return isSame(ink(picture, picture.rect(), ground), inkOf(label->text(), font, tint, ground));
+}
+
+/// A row of a list as it is drawn, away from the mouse.
+struct ShownRow
+{
+    ShownRow(RowList& list, int item)
+        : place(list.visualRect(list.model()->index(item, 0))),
+          picture(list.viewport()->grab().toImage()),
+          ground(picture.pixelColor(place.left() + 2, place.center().y()))
+    {}
+
+    /// What stands in a stretch of it, without the room around that.
+    QImage drawn(int left, int width) const
+    {
+        return ink(picture, {place.left() + left, place.top() + 1, width, place.height() - 2}, ground);
+    }
+    QRectF symbolPlace() const { return {place.left() + 8.0, place.top() + (place.height() - 13) / 2.0, 13, 13}; }
+    QImage symbol() const { return picture.copy(symbolPlace().toAlignedRect()); }
+
+    QRect place;
+    QImage picture;
+    QColor ground;
+};
+
+QStringList namesOfPushButtonsIn(const QWidget& parent)
+{
+    QStringList names;
+    for (const QPushButton* button : shownIn<QPushButton>(parent)) {
+        names.append(button->text());
+    }
+    return names;
+}
+
+void makeConflict(const TemporaryRepository& repo)
+{
+    repo.git({u"checkout"_s, u"-q"_s, u"-b"_s, u"side"_s});
+    repo.write(u"a.txt"_s, "side\n");
+    repo.commitAll(u"side"_s);
+    repo.git({u"checkout"_s, u"-q"_s, u"main"_s});
+    repo.write(u"a.txt"_s, "main\n");
+    repo.commitAll(u"main"_s);
+    repo.tryGit({u"merge"_s, u"side"_s});
+}
+
+} // namespace
+
+/// Which symbols and which type stand around the panel's rows, in which colours and which order.
+class SourceControlViewSymbolsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void theEmptyStateLeadsFromItsSignToItsButtons();
+    void thePanelIsAColumn();
+    void theHeaderHasTheBranchBeforeItsCounts();
+    void conflictsAreOrange();
+    void theComposersButtonStandsOut();
+    void titlesOfSectionsAreBoldCapitals();
+    void rowsUnderTheMouseStandOut_data();
+    void rowsUnderTheMouseStandOut();
+    void rowsAreDrawnInTheirTypeAndColours();
+    void rowsAreDrawnWithTheirSymbols();
+    void actionsOfRowsHaveTheirSymbols();
+    void theHistorysHeaderOffersItsLimit();
+    void formsStandInTheirOrder_data();
+    void formsStandInTheirOrder();
+    void anEditedAddressHasItsButtons();
+    void questionsOfferTheirAnswers_data();
+    void questionsOfferTheirAnswers();
+    void theNetworkHasItsThreeButtons();
+    void anErrorIsRedAndIsDismissed();
+    void whatIsToldMovesNothing_data();
+    void whatIsToldMovesNothing();
+    void theCloneDialogHasItsSign();
+    void theDiffSheetHasItsHeader();
+    void theCommitSheetHasItsHeader();
+};
+
+void SourceControlViewSymbolsTest::initTestCase()
+{
+    useFixedGitEnvironment();
+    style::installOn(*qApp);
+}
+
+void SourceControlViewSymbolsTest::theEmptyStateLeadsFromItsSignToItsButtons()
+{
+    PanelFixture f;
+    const QTemporaryDir folder;
+    f.app.state.setCurrentProject(QUrl::fromLocalFile(folder.path()));
+    f.window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&f.window));
+    const auto& empty = *f.view.findChild<SourceControlEmptyState*>();
+    const QList<SymbolLabel*> symbols = shownIn<SymbolLabel>(empty);
+    QCOMPARE(symbols.size(), 1);
+    QVERIFY(shows(*symbols[0], u"externaldrive.badge.questionmark"_s, Tint::secondary().at(0.6), 28));
+    QStringList texts;
+    int lowest = symbols[0]->geometry().bottom();
+    for (const WrappedLabel* label : shownIn<WrappedLabel>(empty)) {
+        QVERIFY(label->y() > lowest);
+        lowest = label->geometry().bottom();
+        texts.append(label->text());
+    }
+    QCOMPARE(texts, (QStringList{u"Not a Git repository"_s, u"Open a folder, or clone one below."_s}));
+    QCOMPARE(buttonsIn(empty), (QStringList{u"plus.square.on.square|Initialize Repository"_s,
+                                            u"square.and.arrow.down.on.square|Clone Repository…"_s}));
+    QVERIFY(shownIn<PlainButton>(empty).first()->y() > lowest);
+}
+
+void SourceControlViewSymbolsTest::thePanelIsAColumn()
+{
+    PanelFixture f;
+    f.show();
+    for (const SourceControlTab tab : allSourceControlTabs) {
+        f.view.setTab(tab);
+        const auto placeOf = [&f](const QWidget* part) { return QRect(part->mapTo(&f.view, QPoint()), part->size()); };
+        const QList<QRect> places{placeOf(f.view.findChild<SourceControlHeader*>()),
+                                  placeOf(f.view.findChild<SourceControlTabBar*>()), placeOf(f.list().parentWidget()),
+                                  placeOf(f.view.findChild<SourceControlBottomBar*>())};
+        QCOMPARE(places.first().top(), 0);
+        QCOMPARE(places.last().bottom(), f.view.height() - 1);
+        for (qsizetype i = 0; i < places.size(); ++i) {
+            QCOMPARE(places[i].width(), f.view.width());
+            // With a divider between, if that.
+            QVERIFY(i == 0 || places[i].top() - places[i - 1].bottom() - 1 <= 1);
+            QVERIFY(i == 0 || places[i].top() > places[i - 1].bottom());
+        }
+    }
+}
+
+void SourceControlViewSymbolsTest::theHeaderHasTheBranchBeforeItsCounts()
+{
+    PanelFixture f;
+    f.show();
+    const auto& header = *f.view.findChild<SourceControlHeader*>();
+    const QList<SymbolLabel*> symbols = shownIn<SymbolLabel>(header);
+    QCOMPARE(symbols.size(), 1);
+    QVERIFY(shows(*symbols[0], u"arrow.triangle.branch"_s, Tint::secondary()));
+    QStringList texts;
+    for (const TextLabel* label : shownIn<TextLabel>(header)) {
+        QVERIFY(label->x() > symbols[0]->geometry().right());
+        texts.append(label->text());
+    }
+    QCOMPARE(texts, (QStringList{u"main"_s, u"↑0 ↓0"_s}));
+    QVERIFY(isDrawn(labelOf(header, u"↑0 ↓0"_s), Tint::secondary(), style::interfaceFont(11)));
+    const QList<PlainButton*> buttons = shownIn<PlainButton>(header);
+    QCOMPARE(buttons.size(), 1);
+    QCOMPARE(buttons[0]->toolTip(), u"Refresh"_s);
+    QVERIFY(buttons[0]->look().ground == Tint::clear());
+    // A spacer stands before it.
+    QVERIFY(buttons[0]->x() > labelOf(header, u"↑0 ↓0"_s)->geometry().right() + 50);
+}
+
+void SourceControlViewSymbolsTest::conflictsAreOrange()
+{
+    PanelFixture f;
+    makeConflict(f.repo);
+    f.show();
+    const auto& header = *f.view.findChild<SourceControlHeader*>();
+    const QList<SymbolLabel*> symbols = shownIn<SymbolLabel>(header);
+    QCOMPARE(symbols.size(), 2);
+    QCOMPARE(symbols[1]->toolTip(), u"Merge conflicts in working tree"_s);
+    QVERIFY(shows(*symbols[1], u"exclamationmark.triangle.fill"_s, SystemColor::orange));
+    TextLabel* const count = labelOf(f.view, u"1 conflicted"_s);
+    QVERIFY(count != nullptr);
+    const QWidget& bar = *count->parentWidget();
+    const QList<SymbolLabel*> signs = shownIn<SymbolLabel>(bar);
+    QCOMPARE(signs.size(), 1);
+    QVERIFY(shows(*signs[0], u"exclamationmark.triangle.fill"_s, SystemColor::orange));
+    QVERIFY(signs[0]->x() < count->x());
+    QCOMPARE(buttonsIn(bar), QStringList{u"|Abort Merge"_s});
+    QVERIFY(shownIn<PlainButton>(bar).first()->x() > count->geometry().right());
+    // It stands above the message.
+    const auto* composer = f.view.findChild<CommitComposer*>();
+    QVERIFY(bar.mapTo(&f.view, QPoint()).y() < composer->mapTo(&f.view, QPoint()).y());
+}
+
+void SourceControlViewSymbolsTest::theComposersButtonStandsOut()
+{
+    PanelFixture f;
+    f.window.resize(420, 600);
+    f.show();
+    const auto& composer = *f.view.findChild<CommitComposer*>();
+    QCOMPARE(composer.findChild<CommitMessageField*>()->placeholderText(), u"Commit message"_s);
+    QCOMPARE(buttonsIn(composer), (QStringList{u"|Commit"_s, u"|Stage All"_s}));
+    const QList<PlainButton*> buttons = shownIn<PlainButton>(composer);
+    QVERIFY(buttons[0]->look().ground == prominentLook().ground);
+    QVERIFY(!(buttons[1]->look().ground == prominentLook().ground));
+    const QList<QCheckBox*> boxes = shownIn<QCheckBox>(composer);
+    QCOMPARE(boxes.size(), 1);
+    QCOMPARE(boxes[0]->text(), u"Amend last"_s);
+    QVERIFY(boxes[0]->x() > buttons[0]->x() && boxes[0]->x() < buttons[1]->x());
+    // A spacer stands before the last.
+    QVERIFY(buttons[1]->x() > boxes[0]->geometry().right() + 20);
+}
+
+void SourceControlViewSymbolsTest::titlesOfSectionsAreBoldCapitals()
+{
+    PanelFixture f;
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.show();
+    RowList& list = f.list();
+    QCOMPARE(f.lines().first(), u"# Changes"_s);
+    const QRect place = list.visualRect(list.model()->index(0, 0)).adjusted(1, 1, -1, -1);
+    const QImage picture = list.viewport()->grab().toImage();
+    const QColor ground = picture.pixelColor(place.topRight());
+    const QFont font = style::interfaceFont(10, QFont::Bold);
+    QVERIFY(isSame(ink(picture, place, ground), inkOf(u"CHANGES"_s, font, Tint::secondary(), ground)));
+}
+
+void SourceControlViewSymbolsTest::rowsUnderTheMouseStandOut_data()
+{
+    QTest::addColumn<SourceControlTab>("tab");
+    QTest::newRow("files") << SourceControlTab::changes;
+    QTest::newRow("commits") << SourceControlTab::history;
+}
+
+void SourceControlViewSymbolsTest::rowsUnderTheMouseStandOut()
+{
+    QFETCH(SourceControlTab, tab);
+    PanelFixture f;
+    f.repo.commitAll(u"second"_s);
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.repo.write(u"b.txt"_s, "b\n");
+    f.show(tab);
+    RowList& list = f.list();
+    const int count = list.rows().rowCount();
+    QVERIFY(count >= 2);
+    const auto groundOf = [&](int item) {
+        const QRect place = list.visualRect(list.model()->index(item, 0));
+        return list.viewport()->grab().toImage().pixelColor(place.left() + 6, place.center().y());
+    };
+    const auto hoverOver = [&](int item) {
+        hover(list, item);
+        QCoreApplication::processEvents();
+    };
+    const QColor base = groundOf(count - 1);
+    for (const int item : {count - 1, count - 2}) {
+        hoverOver(item);
+        QVERIFY(isNear(groundOf(item), over(base, Tint::primary().at(0.05))));
+        QVERIFY(isNear(groundOf(item == count - 1 ? count - 2 : count - 1), base));
+    }
+}
+
+void SourceControlViewSymbolsTest::rowsAreDrawnInTheirTypeAndColours()
+{
+    PanelFixture f;
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.show();
+    const ShownRow row(f.list(), itemOf(f.list(), u"M a.txt"_s));
+    QVERIFY(isText(row.drawn(8, 12), u"M"_s, style::interfaceFont(10, QFont::Bold), SystemColor::yellow, row.ground));
+    QVERIFY(isText(row.drawn(21, 150), u"a.txt"_s, style::monospaced(12), Tint::primary(), row.ground));
+}
+
+void SourceControlViewSymbolsTest::rowsAreDrawnWithTheirSymbols()
+{
+    PanelFixture f;
+    f.repo.git({u"branch"_s, u"side"_s});
+    f.repo.git({u"update-ref"_s, u"refs/remotes/origin/far"_s, u"HEAD"_s});
+    f.repo.git({u"tag"_s, u"v1"_s});
+    f.repo.git({u"remote"_s, u"add"_s, u"origin"_s, u"/x"_s});
+    f.show(SourceControlTab::branches);
+    const auto symbolOf = [&f](int item) { return ShownRow(f.list(), item).symbol(); };
+    const auto expected = [&f](int item, const QString& symbol, const Tint& tint) {
+        const ShownRow row(f.list(), item);
+        QImage picture(row.picture.size(), QImage::Format_RGB32);
+        picture.fill(row.ground);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        icons::paint(painter, symbol, row.symbolPlace(), style::ink(tint, Appearance::dark));
+        painter.end();
+        return picture.copy(row.symbolPlace().toAlignedRect());
+    };
+    const int current = itemOf(f.list(), u"main"_s);
+    QVERIFY(isSame(symbolOf(current), expected(current, u"checkmark.circle.fill"_s, Tint::accent())));
+    const int other = itemOf(f.list(), u"side"_s);
+    QVERIFY(isSame(symbolOf(other), expected(other, u"circle"_s, Tint::secondary())));
+    const int remote = itemOf(f.list(), u"origin/far"_s);
+    QVERIFY(isSame(symbolOf(remote), expected(remote, u"cloud"_s, Tint::secondary())));
+    f.view.setTab(SourceControlTab::tags);
+    QVERIFY(isSame(symbolOf(0), expected(0, u"tag.fill"_s, Tint::secondary())));
+    f.view.setTab(SourceControlTab::remotes);
+    QVERIFY(isSame(symbolOf(0), expected(0, u"network"_s, Tint::secondary())));
+}
+
+void SourceControlViewSymbolsTest::actionsOfRowsHaveTheirSymbols()
+{
+    PanelFixture f;
+    f.repo.write(u"b.txt"_s, "b\n");
+    f.repo.git({u"add"_s, u"-A"_s});
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.show();
+    const auto& viewport = *f.list().viewport();
+    hover(f.list(), itemOf(f.list(), u"A b.txt"_s));
+    QCOMPARE(buttonsIn(viewport), QStringList{u"minus.circle|Unstage"_s});
+    hover(f.list(), itemOf(f.list(), u"M a.txt"_s));
+    QCOMPARE(buttonsIn(viewport), (QStringList{u"plus.circle|Stage"_s, u"arrow.uturn.backward.circle|Discard"_s}));
+    for (const PlainButton* button : shownIn<PlainButton>(viewport)) {
+        QVERIFY(button->look().ground == Tint::clear());
+    }
+}
+
+void SourceControlViewSymbolsTest::theHistorysHeaderOffersItsLimit()
+{
+    PanelFixture f;
+    f.show(SourceControlTab::history);
+    TextLabel* const title = labelOf(f.view, u"Recent commits"_s);
+    QVERIFY(title != nullptr);
+    QList<PlainButton*> buttons;
+    for (PlainButton* button : shownIn<PlainButton>(f.view)) {
+        if (button->parentWidget() == title->parentWidget()) {
+            buttons.append(button);
+        }
+    }
+    QCOMPARE(buttons.size(), 2);
+    QCOMPARE(buttons[0]->text(), u"50"_s);
+    QCOMPARE(buttons[1]->toolTip(), u"Reload"_s);
+    for (const PlainButton* button : buttons) {
+        QVERIFY(button->look().ground == Tint::clear());
+        QVERIFY(button->x() > title->x());
+    }
+}
+
+void SourceControlViewSymbolsTest::formsStandInTheirOrder_data()
+{
+    QTest::addColumn<SourceControlTab>("tab");
+    QTest::addColumn<QStringList>("controls");
+    QTest::newRow("changes") << SourceControlTab::changes << QStringList{u"Commit"_s, u"Amend last"_s, u"Stage All"_s};
+    QTest::newRow("branches") << SourceControlTab::branches << QStringList{u"New branch"_s, u"Create"_s};
+    QTest::newRow("stashes") << SourceControlTab::stashes
+                             << QStringList{u"Stash message (optional)"_s, u"Include untracked files (-u)"_s,
+                                            u"Stash"_s};
+    QTest::newRow("tags") << SourceControlTab::tags
+                          << QStringList{u"Tag name (e.g. v1.0)"_s, u"Annotation (optional)"_s, u"Create"_s};
+    QTest::newRow("remotes") << SourceControlTab::remotes << QStringList{u"Name (e.g. origin)"_s, u"URL"_s, u"Add"_s};
+}
+
+void SourceControlViewSymbolsTest::formsStandInTheirOrder()
+{
+    QFETCH(SourceControlTab, tab);
+    QFETCH(QStringList, controls);
+    PanelFixture f;
+    f.show(tab);
+    const QWidget& shown = *f.list().parentWidget();
+    QCOMPARE(controlsIn(shown), controls);
+    // The list stands below them.
+    for (const PlainButton* button : shownIn<PlainButton>(shown)) {
+        QVERIFY(button->mapTo(&shown, button->rect().bottomLeft()).y() < f.list().y());
+    }
+}
+
+void SourceControlViewSymbolsTest::anEditedAddressHasItsButtons()
+{
+    PanelFixture f;
+    f.repo.git({u"remote"_s, u"add"_s, u"origin"_s, u"/old"_s});
+    f.show(SourceControlTab::remotes);
+    act(f.list(), u"origin / /old"_s, u"Edit URL"_s);
+    auto* field = f.list().viewport()->findChild<QLineEdit*>();
+    QVERIFY(field != nullptr);
+    QCOMPARE(controlsIn(*field->parentWidget()), (QStringList{u"URL"_s, u"Save"_s, u"Cancel"_s}));
+    QCOMPARE(field->text(), u"/old"_s);
+}
+
+void SourceControlViewSymbolsTest::questionsOfferTheirAnswers_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("answers");
+    QTest::newRow("merge") << u"Merge into current"_s << u"Merge side into main?"_s
+                           << QStringList{u"Cancel"_s, u"Merge"_s};
+    QTest::newRow("delete") << u"Delete"_s << u"Delete branch side?"_s
+                            << QStringList{u"Cancel"_s, u"Force delete (-D)"_s, u"Delete (safe)"_s};
+}
+
+void SourceControlViewSymbolsTest::questionsOfferTheirAnswers()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, title);
+    QFETCH(QStringList, answers);
+    PanelFixture f;
+    f.repo.git({u"branch"_s, u"side"_s});
+    f.show(SourceControlTab::branches);
+    act(f.list(), u"side"_s, action);
+    const auto* dialog = f.window.findChild<ConfirmationDialog*>();
+    QVERIFY(dialog != nullptr && dialog->isVisible());
+    QCOMPARE(dialog->windowTitle(), title);
+    QCOMPARE(dialog->findChild<BreakingLabel*>()->text(), title);
+    // From the first at the right to the way out at the left.
+    QCOMPARE(controlsIn(*dialog), answers);
+    // Nothing is done before somebody answers.
+    QCOMPARE(f.output({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
+    clickOn(*dialog, u"Cancel"_s);
+    QVERIFY(!dialog->isVisible());
+    QCOMPARE(f.output({u"branch"_s, u"--list"_s, u"side"_s}), QByteArray("side"));
+}
+
+void SourceControlViewSymbolsTest::theNetworkHasItsThreeButtons()
+{
+    PanelFixture f;
+    f.show();
+    QCOMPARE(buttonsIn(*f.view.findChild<SourceControlBottomBar*>()),
+             (QStringList{u"arrow.down.circle|Fetch"_s, u"arrow.down.to.line|Pull"_s, u"arrow.up.to.line|Push"_s}));
+}
+
+void SourceControlViewSymbolsTest::anErrorIsRedAndIsDismissed()
+{
+    PanelFixture f;
+    f.window.resize(600, 600);
+    f.show();
+    f.git().setLastError(u"first\nsecond"_s);
+    const auto& bar = *f.view.findChild<SourceControlBottomBar*>();
+    QCOMPARE(buttonsIn(bar).last(), u"xmark.circle.fill|Dismiss"_s);
+    const PlainButton& dismiss = *shownIn<PlainButton>(bar).last();
+    QVERIFY(dismiss.look().tint == Tint::secondary());
+    QVERIFY(dismiss.look().ground == Tint::clear());
+    auto* line = f.view.findChild<ErrorLine*>();
+    QVERIFY(isDrawn(line, SystemColor::red, style::interfaceFont(11)));
+    // Behind the buttons, in their line.
+    const QList<PlainButton*> buttons = shownIn<PlainButton>(bar);
+    const auto middle = [&bar](const QWidget& widget) { return widget.mapTo(&bar, widget.rect().center()); };
+    QVERIFY(middle(*line).x() > middle(*buttons[2]).x());
+    QVERIFY(middle(dismiss).x() > middle(*line).x());
+    QVERIFY(std::abs(middle(*line).y() - middle(*buttons[0]).y()) <= 1);
+}
+
+void SourceControlViewSymbolsTest::whatIsToldMovesNothing_data()
+{
+    QTest::addColumn<int>("width");
+    for (const int width : {220, 260, 420}) {
+        QTest::addRow("%d", width) << width;
+    }
+}
+
+void SourceControlViewSymbolsTest::whatIsToldMovesNothing()
+{
+    QFETCH(int, width);
+    PanelFixture f;
+    f.window.resize(width, 600);
+    f.show();
+    const auto& bar = *f.view.findChild<SourceControlBottomBar*>();
+    const auto places = [&] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        QList<QRect> all{bar.geometry(), f.list().geometry()};
+        for (const QString& name : {u"Fetch"_s, u"Pull"_s, u"Push"_s}) {
+            all.append(visibleButton(bar, name)->geometry());
+        }
+        return all;
+    };
+    QTRY_COMPARE(f.view.width(), width);
+    const QList<QRect> before = places();
+    f.git().setLastError(u"one line"_s);
+    QVERIFY(f.view.findChild<ErrorLine*>()->isVisible());
+    QCOMPARE(places(), before);
+    f.git().setLastError(u"first\nsecond"_s);
+    QVERIFY(visibleButton(bar, u"Details"_s) != nullptr);
+    QCOMPARE(places(), before);
+    // Nor does what runs, with the words of before beside it.
+    GitTransfers& transfers = f.git().transfers();
+    const quint64 fetch = transfers.add(u"git fetch"_s, std::make_shared<ProcessStop>());
+    QVERIFY(visibleButton(bar, u"Stop"_s) != nullptr);
+    QVERIFY(f.view.findChild<ErrorLine*>()->isVisible());
+    QCOMPARE(places(), before);
+    for (const PlainButton* button : shownIn<PlainButton>(bar)) {
+        QVERIFY(bar.rect().contains(QRect(button->mapTo(&bar, QPoint()), button->size())));
+    }
+    f.git().setLastError(std::nullopt);
+    QCOMPARE(places(), before);
+    transfers.remove(fetch);
+    QVERIFY(visibleButton(bar, u"Stop"_s) == nullptr);
+    QCOMPARE(places(), before);
+}
+
+void SourceControlViewSymbolsTest::theCloneDialogHasItsSign()
+{
+    PanelFixture f;
+    f.show();
+    f.view.setShowCloneDialog(true);
+    const auto& dialog = *f.window.findChild<CloneDialog*>();
+    QVERIFY(QTest::qWaitForWindowActive(f.window.findChild<CloneDialog*>()));
+    const QList<SymbolLabel*> symbols = shownIn<SymbolLabel>(dialog);
+    QCOMPARE(symbols.size(), 1);
+    QVERIFY(shows(*symbols[0], u"square.and.arrow.down.on.square"_s, Tint::accent()));
+    QStringList texts;
+    for (const TextLabel* label : shownIn<TextLabel>(dialog)) {
+        texts.append(label->text());
+    }
+    QCOMPARE(texts, (QStringList{u"Clone Repository"_s, u"Remote URL"_s, u"Destination"_s, u"(pick a folder)"_s,
+                                 u"Folder name:"_s}));
+    QVERIFY(symbols[0]->x() < labelOf(dialog, u"Clone Repository"_s)->x());
+    const QString examples = shownIn<QLineEdit>(dialog).first()->placeholderText();
+    QCOMPARE(controlsIn(dialog), (QStringList{examples, u"Choose"_s, u"repo"_s, u"Cancel"_s, u"Clone"_s}));
+    // The chips stand between the address and the folder, and what they mean below them.
+    const QList<CredentialChip*> chips = shownIn<CredentialChip>(dialog);
+    QCOMPARE(chips.size(), 3);
+    const auto top = [&dialog](const QWidget* widget) { return widget->mapTo(&dialog, QPoint()).y(); };
+    QVERIFY(top(shownIn<QLineEdit>(dialog).first()) < top(chips.first()));
+    const QList<WrappedLabel*> hints = shownIn<WrappedLabel>(dialog);
+    QCOMPARE(hints.size(), 1);
+    QVERIFY(top(chips.last()) < top(hints.first()));
+    QVERIFY(top(hints.first()) < top(labelOf(dialog, u"Destination"_s)));
+    QCOMPARE(buttonsIn(dialog), (QStringList{u"|Choose"_s, u"|Cancel"_s, u"|Clone"_s}));
+    const QList<PlainButton*> buttons = shownIn<PlainButton>(dialog);
+    QVERIFY(!(buttons[1]->look().ground == prominentLook().ground));
+    QVERIFY(buttons[2]->look().ground == prominentLook().ground);
+}
+
+void SourceControlViewSymbolsTest::theDiffSheetHasItsHeader()
+{
+    PanelFixture f;
+    f.repo.write(u"a.txt"_s, "two\n");
+    f.git().open(f.repo.url());
+    DiffSheetView sheet(f.git(), u"a.txt"_s, nullptr);
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    TextLabel* const path = labelOf(sheet, u"a.txt"_s);
+    QVERIFY(path != nullptr);
+    const QWidget& header = *path->parentWidget();
+    QCOMPARE(shownIn<TextLabel>(header), QList{path});
+    const QList<QRadioButton*> views = shownIn<QRadioButton>(header);
+    QCOMPARE(views.size(), 2);
+    QCOMPARE(views[0]->text() + u' ' + views[1]->text(), u"Working Staged"_s);
+    QVERIFY(views[0]->isChecked());
+    sheet.setStagedView(true);
+    QVERIFY(views[1]->isChecked());
+    QCOMPARE(namesOfPushButtonsIn(header), QStringList{u"Close"_s});
+    const auto left = [&header](const QWidget* widget) { return widget->mapTo(&header, QPoint()).x(); };
+    QVERIFY(left(path) < left(views[0]) && left(views[1]) < left(shownIn<QPushButton>(header).first()));
+    QVERIFY(header.geometry().bottom() < sheet.viewer().y());
+    // What else is told stands below the diff.
+    QTRY_COMPARE(sheet.counts(), u"Working: 1 hunk · Staged: none"_s);
+    const TextLabel* const counts = labelOf(sheet, sheet.counts());
+    QVERIFY(counts != nullptr);
+    QVERIFY(counts->mapTo(&sheet, QPoint()).y() > sheet.viewer().geometry().bottom());
+}
+
+void SourceControlViewSymbolsTest::theCommitSheetHasItsHeader()
+{
+    PanelFixture f;
+    f.git().open(f.repo.url());
+    const QString sha = QString::fromLatin1(f.output({u"rev-parse"_s, u"HEAD"_s}));
+    CommitDetailView sheet(f.git(), sha, nullptr);
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    TextLabel* const title = labelOf(sheet, u"Commit "_s + sha.first(10));
+    QVERIFY(isDrawn(title, Tint::primary(), style::interfaceFont(12, QFont::DemiBold)));
+    const QWidget& header = *title->parentWidget();
+    QCOMPARE(namesOfPushButtonsIn(header), (QStringList{u"Copy SHA"_s, u"Close"_s}));
+    QVERIFY(title->geometry().right() < shownIn<QPushButton>(header).first()->x());
+}
+
+const kelm::test::Registered<SourceControlViewSymbolsTest> registered(kelm::test::Toolkit::widgets);
+
+} // namespace source_control_view_symbols_test
+
+#include "source_control_view_symbols_test.moc"
