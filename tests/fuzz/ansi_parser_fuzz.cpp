@@ -1,5 +1,5 @@
 // Output of any bytes: the parser and a regular expression see the same sequences in it, and the runs cover the text.
-#include "../support/ansi_reference.h"
+#include "support/ansi_reference.h"
 
 #include <cstdint>
 #include <cstdlib>

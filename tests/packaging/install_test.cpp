@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -14,6 +15,26 @@ namespace install_test {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+QByteArray read(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// What a program writes to its standard output.
+QByteArray outputOf(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    return process.waitForFinished(60'000) ? process.readAllStandardOutput() : QByteArray();
+}
+
+/// What the first match of a pattern with one group holds.
+QString firstIn(const QByteArray& text, const QString& pattern)
+{
+    return QRegularExpression(pattern, QRegularExpression::MultilineOption).match(QString::fromUtf8(text)).captured(1);
+}
 
 /// Runs a program to its end; its output is printed when it fails.
 bool run(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment = {})
@@ -50,6 +71,8 @@ private Q_SLOTS:
     void shellsFindTheirCompletions_data();
     void shellsFindTheirCompletions();
     void theInstalledProgramStarts();
+    void theReleaseIsTheSameEverywhere_data();
+    void theReleaseIsTheSameEverywhere();
 
 private:
     QString entry() const { return prefix_.filePath(u"share/applications/kelmwright.desktop"_s); }
@@ -170,6 +193,30 @@ void InstallTest::theInstalledProgramStarts()
     environment.insert(u"XDG_CONFIG_HOME"_s, prefix_.filePath(u"home"_s));
     QVERIFY(run(prefix_.filePath(u"bin/kelmwright"_s), {}, environment));
     QVERIFY(QFileInfo(picture).size() > 0);
+}
+
+void InstallTest::theReleaseIsTheSameEverywhere_data()
+{
+    QTest::addColumn<QString>("version");
+    const QString share = prefix_.filePath(u"share/"_s);
+    const auto unpacked = [](const QString& file) { return outputOf(u"gzip"_s, {u"-dc"_s, file}); };
+    QTest::newRow("the program") << firstIn(outputOf(prefix_.filePath(u"bin/kelmwright"_s), {u"--version"_s}),
+                                            u"^KelmWright (.*)$"_s);
+    QTest::newRow("the manual page") << firstIn(unpacked(share + u"man/man1/kelmwright.1.gz"_s),
+                                                u"^\\.TH .*\"KelmWright ([^\"]*)\""_s);
+    QTest::newRow("the package's changes")
+        << firstIn(unpacked(share + u"doc/kelmwright/changelog.gz"_s), u"\\Akelmwright \\((.*)\\)"_s);
+    QTest::newRow("the description") << firstIn(read(share + u"metainfo/com.kelm.KelmWright.metainfo.xml"_s),
+                                                u"<release version=\"([^\"]*)\""_s);
+    // What is not released yet may stand above.
+    QTest::newRow("the changelog") << firstIn(read(QStringLiteral(KELM_SOURCE_ROOT "/CHANGELOG.md")),
+                                              u"^## (\\d\\S*)"_s);
+}
+
+void InstallTest::theReleaseIsTheSameEverywhere()
+{
+    QFETCH(QString, version);
+    QCOMPARE(version, QStringLiteral(KELM_VERSION));
 }
 
 const kelm::test::Registered<InstallTest> registered;

@@ -109,6 +109,7 @@ private Q_SLOTS:
     void namedTestsAloneAreBuiltAndRun_data();
     void namedTestsAloneAreBuiltAndRun();
     void aTestThatThereIsNotIsTold();
+    void theTrialOfThePackageIsRootsAlone();
 };
 
 void KelmScriptTest::failuresEndInOneSentence_data()
@@ -280,6 +281,16 @@ void KelmScriptTest::aTestThatThereIsNotIsTold()
     const Machine::Outcome outcome = machine.run({u"test"_s, u"row"_s});
     QCOMPARE(outcome.exitCode, 1);
     QCOMPARE(outcome.lastLine(), u"kelm: there is no test and no folder of tests of the name \"row\""_s);
+}
+
+void KelmScriptTest::theTrialOfThePackageIsRootsAlone()
+{
+    const Machine machine;
+    machine.give("id", "echo 1000");
+    machine.give("cmake", "echo 'not to be asked'");
+    const Machine::Outcome outcome = machine.run({u"package"_s, u"--try"_s});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.lines, QStringList{u"kelm: package --try makes a system of its own, which only root can"_s});
 }
 
 const kelm::test::Registered<KelmScriptTest> registered;

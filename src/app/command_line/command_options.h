@@ -30,8 +30,9 @@ inline constexpr std::array commandOptions{
                                 "that is the last line.")},
     CommandOption{CommandOptionId::wait, QLatin1String("--wait"), QLatin1String(),
                   QLatin1String("return when the tabs of the files are closed"),
-                  QLatin1String("Return when the tab of each FILE is closed, or the editor has ended. The exit status "
-                                "tells whether the texts were saved. So the command serves as EDITOR and as git's "
+                  QLatin1String("Return when the tab of each FILE, and that of standard input, is closed, or the "
+                                "editor has ended. The exit status tells whether the texts were saved. So the command "
+                                "serves as EDITOR and as git's "
                                 "core.editor. Where the editor does not run yet it is started, and goes on "
                                 "afterwards. Folders and links are not waited for.")},
     CommandOption{CommandOptionId::newFile, QLatin1String("--new-file"), QLatin1String(),
@@ -62,7 +63,7 @@ inline constexpr std::array exitStatuses{
                                 "--wait: each text was closed as it was saved, or as it was opened.")},
     ExitStatusRow{ExitStatus::failed,
                   QLatin1String("The editor runs and does not answer, standard input is no text or could not be "
-                                "kept, the output could not be written, or the picture.")},
+                                "kept, the output or the picture could not be written, or the display has gone.")},
     ExitStatusRow{ExitStatus::usage, QLatin1String("The command line is not one that is described here.")},
     ExitStatusRow{ExitStatus::unsaved, QLatin1String("With --wait: a text was closed with unsaved changes.")},
     ExitStatusRow{ExitStatus::notOpened, QLatin1String("With --wait: a FILE could not be opened.")},

@@ -78,7 +78,7 @@ QByteArray manualExitStatuses()
     for (const ExitStatusRow& row : exitStatuses) {
         text += ".TP\n.B " + QByteArray::number(static_cast<int>(row.status)) + '\n' + sentences(row.description);
     }
-    return text;
+    return text + ".PP\nAn editor that a signal has ended, once its texts were kept, ends by that signal.\n";
 }
 
 QByteArray bashCompletion()

@@ -107,10 +107,13 @@ openRequest::Item itemOfOperand(const QString& operand, const QString& workingDi
 QString operandOf(const openRequest::Item& item)
 {
     const QUrl url(item.text);
-    if (item.line == 0 || !url.isLocalFile()) {
+    // A folder has no lines, and its slash would part it from one.
+    if (item.line == 0 || !url.isLocalFile() || item.text.endsWith(u'/')) {
         return item.text;
     }
-    return u"%1:%2:%3"_s.arg(filePath(url)).arg(item.line).arg(std::max<quint32>(item.column, 1));
+    // All at once: a name may hold a "%2" of its own.
+    return u"%1:%2:%3"_s.arg(filePath(url), QString::number(item.line),
+                             QString::number(std::max<quint32>(item.column, 1)));
 }
 
 } // namespace kelm

@@ -36,15 +36,16 @@ qsizetype nextRaw(QStringView path, qsizetype from)
     return path.size();
 }
 
-/// How many bytes the valid character at the start of `bytes` has; 0 where there is none.
-qsizetype characterLength(QByteArrayView bytes)
+/// Takes the valid character off the start of `bytes`; absent where there is none.
+std::optional<QString> takeCharacter(QByteArrayView& bytes)
 {
     for (qsizetype length = 1; length <= std::min(longestCharacter, bytes.size()); ++length) {
-        if (decodeUtf8Text(bytes.first(length))) {
-            return length;
+        if (std::optional<QString> character = decodeUtf8Text(bytes.first(length))) {
+            bytes = bytes.sliced(length);
+            return character;
         }
     }
-    return 0;
+    return std::nullopt;
 }
 
 std::optional<struct stat> statusOf(const QString& path)
@@ -63,13 +64,12 @@ QString pathOfNative(QByteArrayView bytes)
     }
     QString path;
     while (!bytes.isEmpty()) {
-        const qsizetype length = characterLength(bytes);
-        if (length > 0) {
-            path += QString::fromUtf8(bytes.first(length));
+        if (const std::optional<QString> character = takeCharacter(bytes)) {
+            path += *character;
         } else {
             path += QChar(char16_t(rawBase + static_cast<unsigned char>(bytes.front())));
+            bytes = bytes.sliced(1);
         }
-        bytes = bytes.sliced(std::max(length, qsizetype(1)));
     }
     return path;
 }

@@ -4,6 +4,7 @@
 
 #include <unicode/uregex.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace kelm {
@@ -98,8 +99,10 @@ std::optional<RegularExpression> RegularExpression::compile(QStringView pattern,
         uregex_open(source.utf16(), static_cast<int32_t>(source.size()), icuFlags(options), &place, &status), Close());
     if (U_FAILURE(status)) {
         if (error) {
-            // ICU counts lines of the pattern from 1 and gives the offset within the line.
-            *error = {QString::fromLatin1(u_errorName(status)), place.line <= 1 ? place.offset : -1};
+            // ICU counts lines of the pattern from 1 and gives the offset within the line; that of the pattern's end
+            // may be one more.
+            const qsizetype offset = std::min(qsizetype(place.offset), pattern.size());
+            *error = {QString::fromLatin1(u_errorName(status)), place.line <= 1 ? offset : -1};
         }
         return {};
     }

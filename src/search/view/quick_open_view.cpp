@@ -171,8 +171,10 @@ void QuickOpenView::tellSelection()
     const QListWidgetItem* item = list_->currentItem();
     // The keyboard stays on the field, and what is told of the field is what is heard.
     searchText_->setAccessibleDescription(
-        item == nullptr ? tr("No file")
-                        : tr("%1, %2 of %3").arg(item->text()).arg(list_->currentRow() + 1).arg(list_->count()));
+        item == nullptr
+            ? tr("No file")
+            : tr("%1, %2 of %3")
+                  .arg(item->text(), QString::number(list_->currentRow() + 1), QString::number(list_->count())));
     if (item != nullptr && screenReader::isListening()) {
         QAccessibleEvent moved(list_, QAccessible::ActiveDescendantChanged);
         moved.setChild(list_->currentRow());

@@ -85,7 +85,7 @@ void CommandTextsTest::theHelpFitsATerminal()
 
 void CommandTextsTest::theManualPageSaysTheSame()
 {
-    const QString path = inPackaging(u"kelmwright.1"_s);
+    const QString path = inPackaging(u"kelmwright.1.in"_s);
     const QByteArray page = withSection(withSection(read(path), manualOptions()), manualExitStatuses());
     QVERIFY(!page.isEmpty());
     QVERIFY(isWhatTheFileSays(path, page));
@@ -132,7 +132,8 @@ void CommandTextsTest::shellsTakeTheirFiles_data()
     QTest::newRow("zsh") << u"zsh"_s << QStringList{u"-n"_s, inPackaging(u"completions/_kelmwright"_s)};
     QTest::newRow("fish") << u"fish"_s << QStringList{u"-n"_s, inPackaging(u"completions/kelmwright.fish"_s)};
     QTest::newRow("man") << u"man"_s
-                         << QStringList{u"--warnings"_s, u"-E"_s, u"UTF-8"_s, u"-l"_s, inPackaging(u"kelmwright.1"_s)};
+                         << QStringList{u"--warnings"_s, u"-E"_s, u"UTF-8"_s, u"-l"_s,
+                                        inPackaging(u"kelmwright.1.in"_s)};
 }
 
 void CommandTextsTest::shellsTakeTheirFiles()

@@ -118,6 +118,8 @@ void OperandsTest::itemsBecomeOperandsAgain_data()
     QTest::newRow("a file") << Item(u"file:///a%20b"_s) << u"file:///a%20b"_s;
     QTest::newRow("a line") << Item(u"file:///a%20b"_s, 3) << u"/a b:3:1"_s;
     QTest::newRow("a column") << Item(u"file:///a%20b"_s, 3, 4) << u"/a b:3:4"_s;
+    QTest::newRow("a name like a place in a text") << Item(u"file:///a%252%251"_s, 3, 4) << u"/a%2%1:3:4"_s;
+    QTest::newRow("a folder") << Item(u"file:///a/"_s, 3) << u"file:///a/"_s;
     QTest::newRow("a link") << Item(u"kelmpane://open"_s, 3) << u"kelmpane://open"_s;
 }
 

@@ -44,6 +44,7 @@ void NativePathTest::eachNameComesBack_data()
     QTest::newRow("cut off") << QByteArray("a\xed\x95") << u"a\ufffd\ufffd"_s;
     QTest::newRow("an encoded surrogate") << QByteArray("\xed\xb2\x80") << u"\ufffd\ufffd\ufffd"_s;
     QTest::newRow("overlong") << QByteArray("\xc0\xaf") << u"\ufffd\ufffd"_s;
+    QTest::newRow("a byte-order mark before") << QByteArray("\xef\xbb\xbf\xff") << u"\ufeff\ufffd"_s;
     QTest::newRow("a real replacement") << QByteArray("\xef\xbf\xbd") << u"\ufffd"_s;
 }
 

@@ -116,6 +116,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<qsizetype>("offset");
         QTest::newRow("an open group") << u"a(b"_s << u"U_REGEX_MISMATCHED_PAREN"_s << qsizetype(3);
+        QTest::newRow("an open group with half a control")
+            << u"(\\c-d"_s << u"U_REGEX_MISMATCHED_PAREN"_s << qsizetype(5);
         QTest::newRow("an open set") << u"[a"_s << u"U_REGEX_MISSING_CLOSE_BRACKET"_s << qsizetype(2);
         QTest::newRow("nothing to repeat") << u"*a"_s << u"U_REGEX_RULE_SYNTAX"_s << qsizetype(1);
         QTest::newRow("a lone backslash") << u"a\\"_s << u"U_REGEX_BAD_ESCAPE_SEQUENCE"_s << qsizetype(2);

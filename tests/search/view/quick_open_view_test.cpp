@@ -43,6 +43,7 @@ private Q_SLOTS:
     void quickOpenClosesByItsKeysAndButton();
     void aClickOpensAFile();
     void theListKeepsItsHeight();
+    void anyNameIsToldAsItIs();
 };
 
 void QuickOpenViewTest::quickOpenListsRecentFiles()
@@ -284,6 +285,16 @@ void QuickOpenViewTest::itSaysWhenNothingMatches()
     QVERIFY(fixture.shows(words));
     fixture.field(quickPrompt).clear();
     QVERIFY(!fixture.shows(words));
+}
+
+void QuickOpenViewTest::anyNameIsToldAsItIs()
+{
+    SearchViewFixture fixture;
+    QFile file(fixture.folder.filePath(u"50%2.txt"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    fixture.state.openFile(QUrl::fromLocalFile(file.fileName()));
+    fixture.show<QuickOpenView>();
+    QCOMPARE(fixture.field(quickPrompt).accessibleDescription(), u"50%2.txt, 1 of 1"_s);
 }
 
 const kelm::test::Registered<QuickOpenViewTest> registered(kelm::test::Toolkit::widgets);
