@@ -49,7 +49,9 @@ void checkWords(const QString& text, const TextTree& tree)
         require(offset == 0 ? start == 0 : start < offset && start >= 0);
         require(nextWordEnd(tree, offset) == end && previousWordStart(tree, offset) == start);
         const TextRange word = wordAt(text, offset);
-        require(word.location <= offset && offset <= word.location + word.length);
+        // Within a character it is the word of the character's start.
+        const qsizetype at = graphemeBoundaryAtOrBefore(text, offset);
+        require(word.location <= at && at <= word.location + word.length);
         require(word.location >= 0 && word.location + word.length <= text.size() && wordAt(tree, offset) == word);
     }
 }
