@@ -38,10 +38,12 @@ make_base() {
   cp "$package" "$base/debs/new.deb"
   [ -z "$previous" ] || cp "$previous" "$base/debs/previous.deb"
   cp /etc/resolv.conf "$base/etc/resolv.conf"
-  {
-    enter "$base" apt-get update -q &&
-      enter "$base" apt-get install -q -y --download-only --no-install-recommends /debs/new.deb
-  } >>"$log" 2>&1 || fail "what the package needs could not be fetched; see $log"
+  local proxies=(http_proxy="${http_proxy:-}" https_proxy="${https_proxy:-}") each
+  enter "$base" env "${proxies[@]}" apt-get update -q >>"$log" 2>&1 || fail "there is no list of packages; see $log"
+  for each in /debs/new.deb ${previous:+/debs/previous.deb}; do
+    enter "$base" env "${proxies[@]}" apt-get install -q -y --download-only --no-install-recommends "$each" \
+      >>"$log" 2>&1 || fail "what $each needs could not be fetched; see $log"
+  done
 }
 
 # What the package needs is there before it, and stays; so does a person's home.
@@ -49,7 +51,9 @@ make_trial() {
   local needed
   rm -rf --one-file-system "$trial"
   cp -a "$base" "$trial"
-  mapfile -t needed < <(dpkg-deb --field "$package" Depends | tr ',' '\n' | sed -E 's/^ *([^ ]+).*/\1/')
+  mapfile -t needed < <(for each in "$package" ${previous:+"$previous"}; do
+    dpkg-deb --field "$each" Depends
+  done | tr ',' '\n' | sed -E 's/^ *([^ ]+).*/\1/' | sort -u)
   apt_offline install "${needed[@]}"
   offline useradd --create-home someone
   person 'mkdir -p .config .local/share/KelmPane/Themes && echo "print(1)" >a.py &&

@@ -1,5 +1,7 @@
 """A folded function that is cut and pasted, found or dragged comes back with its body."""
 
+from Xlib import X
+
 WHOLE = "func f() {\n  one\n  two\n}\nlast one\n"
 
 
@@ -10,7 +12,13 @@ def go(journey):
     x, y, _, _ = journey.place_of(journey.window())
     triangle = x + 270, y + 117
 
+    def is_drawn():
+        data = journey.root.get_image(triangle[0] - 3, triangle[1] - 1, 7, 3, X.ZPixmap, 0xFFFFFFFF).data
+        return len({data[at:at + 4] for at in range(0, len(data), 4)}) > 1
+
     def fold():
+        # It comes a moment after an edit.
+        journey.until(is_drawn, "the triangle")
         # Its second click, if there is one, would unfold it: what is shown changes with the first.
         before = journey.screen()
         journey.click(*triangle)

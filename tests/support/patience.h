@@ -14,7 +14,8 @@
 
 namespace kelm::test {
 
-/// In milliseconds; also for what else waits for an event.
-constexpr int patience = 60'000;
+/// In milliseconds; also for what else waits for an event. The toolkit waits twice as long again before it says what
+/// failed, and all of it has to fit into a test's time.
+constexpr int patience = 30'000;
 
 } // namespace kelm::test

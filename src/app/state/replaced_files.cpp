@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QRandomGenerator>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -16,6 +17,12 @@
 namespace kelm {
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::size_t mostHeld = 16;
+
+} // namespace
 
 std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl& file, const QByteArray& content)
 {
@@ -32,10 +39,15 @@ std::optional<QUrl> ReplacedFilesFolder::keepReplaced(const QUrl& file, const QB
     }
     const QUrl url = urlOfFile(path);
     const QByteArray bytes = ReplacedBytes{file, content}.encoded();
-    if (::flock(kept.get(), LOCK_EX | LOCK_NB) != 0 || !kept.writeAll(bytes.constData(), bytes.size()) ||
-        !kept.flushToDisk()) {
+    // A disk without locks keeps it as well.
+    const bool isTaken = ::flock(kept.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (isTaken || !kept.writeAll(bytes.constData(), bytes.size()) || !kept.flushToDisk()) {
         forget(url);
         return std::nullopt;
+    }
+    // Those of saves that failed in their middle stay, and their number has no bound.
+    if (held_.size() >= mostHeld) {
+        held_.erase(held_.begin());
     }
     held_.insert_or_assign(url, std::move(kept));
     const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

@@ -28,7 +28,7 @@ public:
 
 /// Keeps each as a file of its own, which only this user can read, in a folder: that of the store of unsaved texts,
 /// which offers what a program that was killed has left. Until it is forgotten, or the program ends, a lock says that
-/// it is this program's.
+/// it is this program's; only some of many that were not forgotten have one.
 class ReplacedFilesFolder final : public ReplacedFiles
 {
 public:

@@ -58,10 +58,8 @@ void ErrorLine::changeEvent(QEvent* event)
 SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     : QWidget(parent),
       git_(git),
-      column_(new QBoxLayout(QBoxLayout::TopToBottom, this)),
-      told_(new QWidget(this)),
-      transferSign_(new TransferSign(git.transfers(), TransferSign::Kind::others, told_)),
-      errorRow_(new QWidget(told_)),
+      column_(new QBoxLayout(QBoxLayout::BottomToTop, this)),
+      errorRow_(new QWidget(this)),
       errorLine_(new ErrorLine(errorRow_)),
       details_(makePanelButton(tr("Details"), errorRow_))
 {
@@ -89,22 +87,18 @@ SourceControlBottomBar::SourceControlBottomBar(GitService& git, QWidget* parent)
     error->addWidget(details_);
     error->addWidget(dismiss);
 
-    auto* told = new QHBoxLayout(told_);
-    told->setContentsMargins(0, 0, 0, 0);
-    told->setSpacing(2);
-    told->addWidget(transferSign_, 1);
-    told->addWidget(errorRow_, 1);
-    // Its room stays: what is told moves neither the buttons nor the tab above them.
-    told_->setFixedHeight(std::max(transferSign_->sizeHint().height(), errorRow_->sizeHint().height()));
-
     column_->setContentsMargins(6, 4, 6, 4);
     column_->setSpacing(2);
     column_->addLayout(buttons);
-    column_->addWidget(told_, 1);
+    auto* transferSign = new TransferSign(git_.transfers(), TransferSign::Kind::others, this);
+    column_->addWidget(transferSign);
+    column_->addWidget(errorRow_, 1);
+    const QMargins around = column_->contentsMargins();
+    rowHeight_ =
+        std::max({buttons->sizeHint().height(), transferSign->sizeHint().height(), errorRow_->sizeHint().height()}) +
+        around.top() + around.bottom();
     connect(&git_, &GitService::isBusyChanged, this, &SourceControlBottomBar::refreshBusy);
     connect(&git_, &GitService::lastFailureChanged, this, &SourceControlBottomBar::refreshError);
-    connect(&git_.transfers(), &GitTransfers::began, this, &SourceControlBottomBar::refreshDetails);
-    connect(&git_.transfers(), &GitTransfers::ended, this, &SourceControlBottomBar::refreshDetails);
     refreshBusy();
     refreshError();
 }
@@ -135,14 +129,7 @@ void SourceControlBottomBar::refreshError()
     const std::optional<GitFailure>& failure = git_.lastFailure();
     errorRow_->setVisible(failure.has_value());
     errorLine_->setError(failure ? failure->sentence() : QString(), failure ? failure->text : QString());
-    refreshDetails();
-}
-
-void SourceControlBottomBar::refreshDetails()
-{
-    const std::optional<GitFailure>& failure = git_.lastFailure();
-    // Beside what runs there is room for the words alone.
-    details_->setVisible(failure && failure->hasMore() && transferSign_->isHidden());
+    details_->setVisible(failure && failure->hasMore());
 }
 
 void SourceControlBottomBar::showDetails()
@@ -160,7 +147,9 @@ void SourceControlBottomBar::resizeEvent(QResizeEvent* event)
         buttonsWidth += button->sizeHint().width();
     }
     const bool isWide = width() - buttonsWidth >= leastErrorWidth;
-    column_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    column_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
+    // Beside the buttons what is told makes the bar no higher.
+    setMinimumHeight(isWide ? rowHeight_ : 0);
 }
 
 } // namespace kelm

@@ -11,7 +11,6 @@ namespace kelm {
 
 class GitService;
 class PlainButton;
-class TransferSign;
 
 /// The last failure in one sentence on one line; git's words as they stand are its help text.
 class ErrorLine final : public TextLabel
@@ -33,8 +32,8 @@ private:
 };
 
 /// "Fetch", "Pull" and "Push", which rest while one of them runs; what runs, with a button that stops it; and what was
-/// asked for and failed last, with buttons that show all of git's words and take it away. In a narrow panel these two
-/// stand below the buttons. The bar's height is the same whatever it tells.
+/// asked for and failed last, with buttons that show all of git's words and take it away. In a narrow panel these stand
+/// above each other, the buttons lowest: what is told moves no button and nothing at the top of the tab.
 class SourceControlBottomBar final : public QWidget
 {
     Q_OBJECT
@@ -49,16 +48,14 @@ private:
     PlainButton* makeTransferButton(const QString& symbol, const QString& label);
     void refreshBusy();
     void refreshError();
-    void refreshDetails();
     void showDetails();
     void push();
 
     GitService& git_;
     QList<PlainButton*> transferButtons_;
     QBoxLayout* column_;
-    /// What is told beside or below the buttons.
-    QWidget* told_;
-    TransferSign* transferSign_;
+    /// The bar's height where all stands in one row.
+    int rowHeight_ = 0;
     QWidget* errorRow_;
     ErrorLine* errorLine_;
     PlainButton* details_;

@@ -46,28 +46,6 @@ bool isDrawn(TextLabel* label, const Tint& tint, const QFont& font)
     return isSame(ink(picture, picture.rect(), ground), inkOf(label->text(), font, tint, ground));
 }
 
-/// A row of a list as it is drawn, away from the mouse.
-struct ShownRow
-{
-    ShownRow(RowList& list, int item)
-        : place(list.visualRect(list.model()->index(item, 0))),
-          picture(list.viewport()->grab().toImage()),
-          ground(picture.pixelColor(place.left() + 2, place.center().y()))
-    {}
-
-    /// What stands in a stretch of it, without the room around that.
-    QImage drawn(int left, int width) const
-    {
-        return ink(picture, {place.left() + left, place.top() + 1, width, place.height() - 2}, ground);
-    }
-    QRectF symbolPlace() const { return {place.left() + 8.0, place.top() + (place.height() - 13) / 2.0, 13, 13}; }
-    QImage symbol() const { return picture.copy(symbolPlace().toAlignedRect()); }
-
-    QRect place;
-    QImage picture;
-    QColor ground;
-};
-
 QStringList namesOfPushButtonsIn(const QWidget& parent)
 {
     QStringList names;
@@ -103,12 +81,6 @@ private Q_SLOTS:
     void theHeaderHasTheBranchBeforeItsCounts();
     void conflictsAreOrange();
     void theComposersButtonStandsOut();
-    void titlesOfSectionsAreBoldCapitals();
-    void rowsUnderTheMouseStandOut_data();
-    void rowsUnderTheMouseStandOut();
-    void rowsAreDrawnInTheirTypeAndColours();
-    void rowsAreDrawnWithTheirSymbols();
-    void actionsOfRowsHaveTheirSymbols();
     void theHistorysHeaderOffersItsLimit();
     void formsStandInTheirOrder_data();
     void formsStandInTheirOrder();
@@ -239,112 +211,6 @@ void SourceControlViewSymbolsTest::theComposersButtonStandsOut()
     QVERIFY(boxes[0]->x() > buttons[0]->x() && boxes[0]->x() < buttons[1]->x());
     // A spacer stands before the last.
     QVERIFY(buttons[1]->x() > boxes[0]->geometry().right() + 20);
-}
-
-void SourceControlViewSymbolsTest::titlesOfSectionsAreBoldCapitals()
-{
-    PanelFixture f;
-    f.repo.write(u"a.txt"_s, "two\n");
-    f.show();
-    RowList& list = f.list();
-    QCOMPARE(f.lines().first(), u"# Changes"_s);
-    const QRect place = list.visualRect(list.model()->index(0, 0)).adjusted(1, 1, -1, -1);
-    const QImage picture = list.viewport()->grab().toImage();
-    const QColor ground = picture.pixelColor(place.topRight());
-    const QFont font = style::interfaceFont(10, QFont::Bold);
-    QVERIFY(isSame(ink(picture, place, ground), inkOf(u"CHANGES"_s, font, Tint::secondary(), ground)));
-}
-
-void SourceControlViewSymbolsTest::rowsUnderTheMouseStandOut_data()
-{
-    QTest::addColumn<SourceControlTab>("tab");
-    QTest::newRow("files") << SourceControlTab::changes;
-    QTest::newRow("commits") << SourceControlTab::history;
-}
-
-void SourceControlViewSymbolsTest::rowsUnderTheMouseStandOut()
-{
-    QFETCH(SourceControlTab, tab);
-    PanelFixture f;
-    f.repo.commitAll(u"second"_s);
-    f.repo.write(u"a.txt"_s, "two\n");
-    f.repo.write(u"b.txt"_s, "b\n");
-    f.show(tab);
-    RowList& list = f.list();
-    const int count = list.rows().rowCount();
-    QVERIFY(count >= 2);
-    const auto groundOf = [&](int item) {
-        const QRect place = list.visualRect(list.model()->index(item, 0));
-        return list.viewport()->grab().toImage().pixelColor(place.left() + 6, place.center().y());
-    };
-    const auto hoverOver = [&](int item) {
-        hover(list, item);
-        QCoreApplication::processEvents();
-    };
-    const QColor base = groundOf(count - 1);
-    for (const int item : {count - 1, count - 2}) {
-        hoverOver(item);
-        QVERIFY(isNear(groundOf(item), over(base, Tint::primary().at(0.05))));
-        QVERIFY(isNear(groundOf(item == count - 1 ? count - 2 : count - 1), base));
-    }
-}
-
-void SourceControlViewSymbolsTest::rowsAreDrawnInTheirTypeAndColours()
-{
-    PanelFixture f;
-    f.repo.write(u"a.txt"_s, "two\n");
-    f.show();
-    const ShownRow row(f.list(), itemOf(f.list(), u"M a.txt"_s));
-    QVERIFY(isText(row.drawn(8, 12), u"M"_s, style::interfaceFont(10, QFont::Bold), SystemColor::yellow, row.ground));
-    QVERIFY(isText(row.drawn(21, 150), u"a.txt"_s, style::monospaced(12), Tint::primary(), row.ground));
-}
-
-void SourceControlViewSymbolsTest::rowsAreDrawnWithTheirSymbols()
-{
-    PanelFixture f;
-    f.repo.git({u"branch"_s, u"side"_s});
-    f.repo.git({u"update-ref"_s, u"refs/remotes/origin/far"_s, u"HEAD"_s});
-    f.repo.git({u"tag"_s, u"v1"_s});
-    f.repo.git({u"remote"_s, u"add"_s, u"origin"_s, u"/x"_s});
-    f.show(SourceControlTab::branches);
-    const auto symbolOf = [&f](int item) { return ShownRow(f.list(), item).symbol(); };
-    const auto expected = [&f](int item, const QString& symbol, const Tint& tint) {
-        const ShownRow row(f.list(), item);
-        QImage picture(row.picture.size(), QImage::Format_RGB32);
-        picture.fill(row.ground);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        icons::paint(painter, symbol, row.symbolPlace(), style::ink(tint, Appearance::dark));
-        painter.end();
-        return picture.copy(row.symbolPlace().toAlignedRect());
-    };
-    const int current = itemOf(f.list(), u"main"_s);
-    QVERIFY(isSame(symbolOf(current), expected(current, u"checkmark.circle.fill"_s, Tint::accent())));
-    const int other = itemOf(f.list(), u"side"_s);
-    QVERIFY(isSame(symbolOf(other), expected(other, u"circle"_s, Tint::secondary())));
-    const int remote = itemOf(f.list(), u"origin/far"_s);
-    QVERIFY(isSame(symbolOf(remote), expected(remote, u"cloud"_s, Tint::secondary())));
-    f.view.setTab(SourceControlTab::tags);
-    QVERIFY(isSame(symbolOf(0), expected(0, u"tag.fill"_s, Tint::secondary())));
-    f.view.setTab(SourceControlTab::remotes);
-    QVERIFY(isSame(symbolOf(0), expected(0, u"network"_s, Tint::secondary())));
-}
-
-void SourceControlViewSymbolsTest::actionsOfRowsHaveTheirSymbols()
-{
-    PanelFixture f;
-    f.repo.write(u"b.txt"_s, "b\n");
-    f.repo.git({u"add"_s, u"-A"_s});
-    f.repo.write(u"a.txt"_s, "two\n");
-    f.show();
-    const auto& viewport = *f.list().viewport();
-    hover(f.list(), itemOf(f.list(), u"A b.txt"_s));
-    QCOMPARE(buttonsIn(viewport), QStringList{u"minus.circle|Unstage"_s});
-    hover(f.list(), itemOf(f.list(), u"M a.txt"_s));
-    QCOMPARE(buttonsIn(viewport), (QStringList{u"plus.circle|Stage"_s, u"arrow.uturn.backward.circle|Discard"_s}));
-    for (const PlainButton* button : shownIn<PlainButton>(viewport)) {
-        QVERIFY(button->look().ground == Tint::clear());
-    }
 }
 
 void SourceControlViewSymbolsTest::theHistorysHeaderOffersItsLimit()
@@ -487,14 +353,16 @@ void SourceControlViewSymbolsTest::whatIsToldMovesNothing()
     const auto& bar = *f.view.findChild<SourceControlBottomBar*>();
     const auto places = [&] {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-        QList<QRect> all{bar.geometry(), f.list().geometry()};
+        const auto placeOf = [&f](const QWidget& each) { return each.mapTo(&f.view, QPoint()); };
+        QList<QPoint> all{placeOf(f.list())};
         for (const QString& name : {u"Fetch"_s, u"Pull"_s, u"Push"_s}) {
-            all.append(visibleButton(bar, name)->geometry());
+            all.append(placeOf(*visibleButton(bar, name)));
         }
-        return all;
+        // Where there is no room beside the buttons, what is told stands above them.
+        return width < 300 ? all : all << placeOf(bar);
     };
     QTRY_COMPARE(f.view.width(), width);
-    const QList<QRect> before = places();
+    const QList<QPoint> before = places();
     f.git().setLastError(u"one line"_s);
     QVERIFY(f.view.findChild<ErrorLine*>()->isVisible());
     QCOMPARE(places(), before);
