@@ -81,6 +81,8 @@ void KeptTail::dropFront(qsizetype units)
                    whole > std::max(gone - slack_, qsizetype(0))) {
             // No part of a character, unless that is longer than the slack.
             gone = whole;
+        } else if (gone > 1 && piece[gone].isLowSurrogate() && piece[gone - 1].isHighSurrogate()) {
+            --gone;
         }
     }
     units_ -= gone;

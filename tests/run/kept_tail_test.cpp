@@ -15,6 +15,7 @@ private Q_SLOTS:
     void whatIsShortIsKeptWhole();
     void theEndOfAnyTextIsKept();
     void aCharacterIsNotCut();
+    void noHalfOfAPairIsLeftOfALongCharacter();
     void theFirstLineSaysHowMuchWasLetGo();
     void clearingBeginsAnew();
 };
@@ -66,6 +67,18 @@ void KeptTailTest::aCharacterIsNotCut()
     tail.clear();
     tail.append(u'e' + u"\u0301"_s.repeated(1000));
     QVERIFY(tail.units() <= 100 + 2 * 40);
+}
+
+void KeptTailTest::noHalfOfAPairIsLeftOfALongCharacter()
+{
+    const QString mark = QString::fromUcs4(U"\U000E0100");
+    for (qsizetype most = 20; most < 24; ++most) {
+        KeptTail tail(most, 8);
+        tail.append(u"a"_s + mark.repeated(40));
+        const QString kept = tail.text();
+        QVERIFY(!kept.isEmpty());
+        QVERIFY(!kept.front().isLowSurrogate());
+    }
 }
 
 void KeptTailTest::theFirstLineSaysHowMuchWasLetGo()

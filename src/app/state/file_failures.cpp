@@ -34,7 +34,7 @@ QString shownName(const QUrl& url)
         return shownName(QStringView(last));
     }
     // No part of a character.
-    const qsizetype head = graphemeBoundaryAtOrBefore(last, longestName / 2);
+    const qsizetype head = graphemeCut(last, longestName / 2);
     const qsizetype tail = graphemeBoundaryAtOrBehind(last, last.size() - longestName / 2);
     return shownName(QStringView(last.first(head) + u'…' + last.sliced(tail)));
 }

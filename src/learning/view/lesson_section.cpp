@@ -21,8 +21,7 @@ QString shownPart(const QString& text, qsizetype most)
     if (text.size() <= most) {
         return text;
     }
-    // No part of a character.
-    return text.first(graphemeBoundaryAtOrBefore(text, most)) + u'…';
+    return text.first(graphemeCut(text, most)) + u'…';
 }
 
 LessonSection::LessonSection(Place place, const Tint& headingTint, QWidget* parent) : QWidget(parent)

@@ -166,9 +166,9 @@ constexpr qsizetype flagUnits = 4;
 /// letter by letter.
 qsizetype shownFrom(Units& units, qsizetype offset)
 {
-    // Boundaries are right some characters behind any start.
+    // Boundaries are right some characters behind any start, and ICU sees no more than twice as much.
     constexpr qsizetype farAway = qsizetype(1) << 29;
-    qsizetype from = offset > 2 * farAway ? offset - farAway : 0;
+    qsizetype from = std::max<qsizetype>(0, offset - farAway);
     from -= units.isInPair(from) ? 1 : 0;
     constexpr qsizetype shortRun = 16 * flagUnits;
     qsizetype near = offset;
@@ -198,7 +198,8 @@ qsizetype nextGraphemeBoundary(const UnitSource& text, qsizetype offset)
     }
     BreakIterator finder(BreakIterator::Kind::characters);
     finder.setText(text, shownFrom(units, offset));
-    return finder.following(offset);
+    const qsizetype found = finder.following(offset);
+    return found > offset ? found : text.length();
 }
 
 qsizetype previousGraphemeBoundary(const UnitSource& text, qsizetype offset)
@@ -256,6 +257,17 @@ qsizetype graphemeBoundaryAtOrBehind(QStringView text, qsizetype offset)
 {
     const qsizetype before = graphemeBoundaryAtOrBefore(text, offset);
     return before < offset && before < text.size() ? nextGraphemeBoundary(text, before) : before;
+}
+
+qsizetype graphemeCut(QStringView text, qsizetype most)
+{
+    if (most >= text.size()) {
+        return text.size();
+    }
+    if (const qsizetype boundary = graphemeBoundaryAtOrBefore(text, most); boundary > 0) {
+        return boundary;
+    }
+    return most > 0 && text[most].isLowSurrogate() && text[most - 1].isHighSurrogate() ? most - 1 : most;
 }
 
 qsizetype graphemeCount(QStringView text)

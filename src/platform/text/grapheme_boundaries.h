@@ -27,6 +27,10 @@ qsizetype graphemeBoundaryAtOrBefore(QStringView text, qsizetype offset);
 /// `offset` itself where it is a boundary, else the one behind it.
 qsizetype graphemeBoundaryAtOrBehind(QStringView text, qsizetype offset);
 
+/// Where a text is cut that has room for `most` units, 0 or more: at the last boundary that fits, and within its first
+/// character, between code points, where that alone is longer.
+qsizetype graphemeCut(QStringView text, qsizetype most);
+
 /// The number of characters. Linear.
 qsizetype graphemeCount(QStringView text);
 

@@ -57,7 +57,11 @@ qsizetype FrontTrimmer::cutBefore(qsizetype offset) const
     }
     // No part of a character, unless that is longer than all that may stay.
     const qsizetype whole = graphemeBoundaryAtOrBefore(text, offset);
-    return whole > offset - slack_ ? whole : offset;
+    if (whole > offset - slack_) {
+        return whole;
+    }
+    const bool isInPair = offset > 0 && text.at(offset).isLowSurrogate() && text.at(offset - 1).isHighSurrogate();
+    return isInPair ? offset - 1 : offset;
 }
 
 } // namespace kelm

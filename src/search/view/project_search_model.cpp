@@ -22,7 +22,7 @@ constexpr qsizetype shownLength = 240;
 /// The start of the line that was found, on one line.
 QString shownLine(const SearchResult& result)
 {
-    QString text = result.matchLine.first(graphemeBoundaryAtOrBefore(result.matchLine, shownLength));
+    QString text = result.matchLine.first(graphemeCut(result.matchLine, shownLength));
     text.replace(u'\n', u' ').replace(u'\t', u' ');
     return text;
 }

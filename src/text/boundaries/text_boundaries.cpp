@@ -78,7 +78,7 @@ qsizetype skipForward(QStringView text, qsizetype place, CharacterClass wanted, 
 qsizetype skipBackward(QStringView text, qsizetype place, CharacterClass wanted, qsizetype limit)
 {
     // Forwards through stretches that grow, which is quicker than backwards from one to the next.
-    for (qsizetype stretch = 16; place > limit && place > 0; stretch = std::min<qsizetype>(2 * stretch, 1024)) {
+    for (qsizetype stretch = 16; place > limit && place > 0; stretch *= 2) {
         const qsizetype first = graphemeBoundaryAtOrBefore(text, std::max(limit, place - stretch));
         qsizetype start = first;
         for (GraphemeWalk walk(text.sliced(first, place - first)); !walk.isAtEnd();) {

@@ -114,6 +114,30 @@ QList<char32_t> representatives()
     return found;
 }
 
+/// More text than ICU counts: letters, and around the middle one with many marks. Only what is looked at is there.
+class LongText final : public UnitSource
+{
+public:
+    static constexpr qsizetype middle = qsizetype(1) << 30;
+
+    qsizetype length() const override { return middle + 1000; }
+
+    Stretch stretchAt(qsizetype offset) const override
+    {
+        constexpr qsizetype half = 500;
+        if (offset >= middle - half && offset < middle + half) {
+            return {middle - half, marked_};
+        }
+        const qsizetype start = offset < middle ? std::max<qsizetype>(0, offset - half) : middle + half;
+        const qsizetype end = offset < middle ? std::min(start + 2 * half, middle - half) : length();
+        return {start, QStringView(letters_).first(end - start)};
+    }
+
+private:
+    const QString letters_ = QString(1000, u'a');
+    const QString marked_ = QString(489, u'a') + u'e' + QString(64, QChar(0x301)) + QString(446, u'a');
+};
+
 class GraphemeBoundariesTest : public QObject
 {
     Q_OBJECT
@@ -131,6 +155,9 @@ private Q_SLOTS:
     void flagsPairUpFromTheStartOfTheirRun();
     void aCharacterMayBeLong_data();
     void aCharacterMayBeLong();
+    void placesFarIntoATextAreRight();
+    void aTextIsCutForItsRoom_data();
+    void aTextIsCutForItsRoom();
     void walksMayStandBesideEachOther();
     void threadsAskAtTheSameTime();
 };
@@ -302,6 +329,45 @@ void GraphemeBoundariesTest::aCharacterMayBeLong()
     QCOMPARE(previousGraphemeBoundary(text, end), start);
     QCOMPARE(previousGraphemeBoundary(text, start + 1), start);
     QCOMPARE(graphemeCount(text), 7);
+}
+
+void GraphemeBoundariesTest::placesFarIntoATextAreRight()
+{
+    const LongText text;
+    constexpr qsizetype first = LongText::middle - 11;
+    constexpr qsizetype last = LongText::middle + 54;
+    for (const qsizetype offset : {first, first + 1, LongText::middle - 1, LongText::middle, LongText::middle + 1}) {
+        QCOMPARE(nextGraphemeBoundary(text, offset), last);
+        QCOMPARE(graphemeBoundaryAtOrBefore(text, offset), first);
+        QCOMPARE(previousGraphemeBoundary(text, offset), offset == first ? first - 1 : first);
+    }
+    QCOMPARE(nextGraphemeBoundary(text, last), last + 1);
+    QCOMPARE(previousGraphemeBoundary(text, last), first);
+}
+
+void GraphemeBoundariesTest::aTextIsCutForItsRoom_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qsizetype>("most");
+    QTest::addColumn<qsizetype>("cut");
+    const QString marks = QStringLiteral("\u0301").repeated(9);
+    QTest::newRow("nothing") << QString() << qsizetype(3) << qsizetype(0);
+    QTest::newRow("no room") << QStringLiteral("abc") << qsizetype(0) << qsizetype(0);
+    QTest::newRow("all of it") << QStringLiteral("abc") << qsizetype(3) << qsizetype(3);
+    QTest::newRow("between characters") << QStringLiteral("abc") << qsizetype(2) << qsizetype(2);
+    QTest::newRow("within the second character")
+        << QString(u'a' + QStringLiteral("e") + marks) << qsizetype(5) << qsizetype(1);
+    QTest::newRow("within the first character") << QString(u'e' + marks) << qsizetype(5) << qsizetype(5);
+    QTest::newRow("within a pair of the first") << QStringLiteral("😀") << qsizetype(1) << qsizetype(0);
+    QTest::newRow("within a pair of its marks")
+        << QString(u'e' + QString::fromUcs4(U"\U000E0100\U000E0100")) << qsizetype(4) << qsizetype(3);
+}
+
+void GraphemeBoundariesTest::aTextIsCutForItsRoom()
+{
+    QFETCH(const QString, text);
+    QFETCH(const qsizetype, most);
+    QTEST(graphemeCut(text, most), "cut");
 }
 
 void GraphemeBoundariesTest::walksMayStandBesideEachOther()
