@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace word_diff_test {
+namespace word_diff_test { // NOLINT(readability-identifier-naming): as tests name theirs
 class WordDiffTest;
 }
 

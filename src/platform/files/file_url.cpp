@@ -8,7 +8,7 @@ using namespace Qt::Literals::StringLiterals;
 
 QString filePath(const QUrl& url)
 {
-    const QString path = url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
+    QString path = url.isLocalFile() ? url.toLocalFile() : url.path(QUrl::FullyDecoded);
     // The toolkit puts this character in the place of what it cannot decode.
     if (!path.contains(QChar::ReplacementCharacter) || (url.isLocalFile() && !url.host().isEmpty())) {
         return path;

@@ -64,8 +64,8 @@ void IcuTextProvider::load(UText* opened, int64_t index)
     const int64_t start = startOf(opened);
     const UnitSource::Stretch stretch = sourceOf(opened).stretchAt(start + index);
     const int64_t stretchStart = stretch.start - start;
-    const int64_t first = std::max<int64_t>({stretchStart, index - longestChunk, 0});
-    const int64_t end =
+    const auto first = std::max<int64_t>({stretchStart, index - longestChunk, 0});
+    const auto end =
         std::min<int64_t>({stretchStart + stretch.units.size(), index + longestChunk, nativeLength(opened)});
     opened->chunkContents = reinterpret_cast<const UChar*>(stretch.units.utf16()) + (first - stretchStart);
     opened->chunkNativeStart = first;
