@@ -30,9 +30,11 @@ struct BadDisk
 
 BadDisk badDisk;
 
+/// Workers write and close files of their own meanwhile; the save is the main thread's.
 int refuse(FileStep step)
 {
-    return step == badDisk.step && badDisk.taken-- == 0 ? badDisk.error : 0;
+    const bool isOfSave = QThread::currentThread() == QCoreApplication::instance()->thread();
+    return isOfSave && step == badDisk.step && badDisk.taken-- == 0 ? badDisk.error : 0;
 }
 
 } // namespace
