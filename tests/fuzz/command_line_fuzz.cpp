@@ -2,6 +2,7 @@
 // of a place comes back from its item.
 #include "app/command_line/command_line.h"
 #include "app/command_line/operands.h"
+#include "fuzz/require.h"
 #include "platform/files/native_path.h"
 
 #include <algorithm>
@@ -11,13 +12,6 @@
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// Arguments that mean the same. What the toolkit takes is left out.
 QStringList written(const CommandLine& line)

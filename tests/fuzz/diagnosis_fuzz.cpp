@@ -1,23 +1,16 @@
 // Any text as a standard error, and as the name of a variable: both languages find the same, and a shell reads the line
 // of an export as the one word that it is.
+#include "fuzz/require.h"
 #include "learning/diagnosis.h"
 #include "learning/end_of_input.h"
 #include "learning/export_line.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// What a shell makes of one word: plain signs, and the two kinds of single quotes. Absent where the word would end
 /// before the text does, or something in it is not read as it stands.

@@ -1,4 +1,5 @@
 // Diffs of any text: the parse keeps every line that it takes, numbers run on, and each hunk makes a patch.
+#include "fuzz/require.h"
 #include "git/diff/combined_hunk.h"
 #include "git/diff/commit_text.h"
 #include "git/diff/diff_content.h"
@@ -7,16 +8,8 @@
 #include "git/diff/hunk_hindrance.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// What a line of a hunk was in the input.
 bool isLineOf(const QStringList& input, const kelm::DiffLine& line)

@@ -1,24 +1,13 @@
 // Any bytes as a list of what is dropped, behind a line with the text that comes along: each link is handed on as it
 // was dragged, and a text has a tab of its own where there is no list.
 #include "app/state/dropped_data.h"
+#include "fuzz/require.h"
 #include "support/app_state_fixture.h"
 
 #include <QCoreApplication>
 #include <QMimeData>
 
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,5 +1,6 @@
 // Any pattern in any text with any replacement, a line each behind a byte of options: matches follow each other, and
 // all replacements at once are what they are one by one.
+#include "fuzz/require.h"
 #include "text/find/find_query.h"
 #include "text/storage/text_tree.h"
 
@@ -10,13 +11,6 @@
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // Any bytes as what stands in a repository, read without git. An odd first byte makes them the file ".git" that names
 // another place, an even one the file HEAD.
+#include "fuzz/require.h"
 #include "git/service/git_head.h"
 #include "git/service/repository_places.h"
 #include "workbench/status/git_branch.h"
@@ -11,16 +12,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void write(const QString& path, const QByteArray& bytes)
 {

@@ -1,4 +1,5 @@
 // Any bytes as the output of git: every parser takes what fits and skips the rest.
+#include "fuzz/require.h"
 #include "git/service/ahead_behind_parser.h"
 #include "git/service/blame_parser.h"
 #include "git/service/branch_parser.h"
@@ -12,18 +13,6 @@
 #include <QSet>
 
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

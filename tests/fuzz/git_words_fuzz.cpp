@@ -1,22 +1,11 @@
 // Any words of git that has failed, behind a line with its command, and any references: the reason fits a line, and a
 // name that is checked out is one that git has told of.
+#include "fuzz/require.h"
 #include "git/service/checkout_target.h"
 #include "git/service/git_failure.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

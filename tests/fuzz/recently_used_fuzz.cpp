@@ -1,5 +1,6 @@
 // Any bytes as the desktop's list of recent files: a list that is no list stays as it is, and a file that is noted
 // stands in it behind what was there.
+#include "fuzz/require.h"
 #include "platform/desktop/recently_used.h"
 
 #include <QFile>
@@ -7,16 +8,8 @@
 #include <QUrl>
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 QByteArray read(const QString& path)
 {

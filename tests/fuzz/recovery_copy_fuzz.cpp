@@ -3,23 +3,16 @@
 // Checksums would keep a fuzzer out of all that lies behind them: the input is also taken as the contents of records,
 // which are given right ones.
 #include "app/recovery/copy_records.h"
+#include "fuzz/require.h"
 
 #include <QBuffer>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 template <typename Read>
 auto readFrom(QByteArray bytes, const Read& read)

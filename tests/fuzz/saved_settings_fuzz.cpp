@@ -1,24 +1,17 @@
 // Any bytes as the file of settings: it is read, a value can be put in, and what was read before is still there.
+#include "fuzz/require.h"
 #include "platform/files/user_defaults.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <vector>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 const QStringList keys{QStringLiteral("recentFiles"), QStringLiteral("selectedTheme"),
                        QStringLiteral("fontSize"),    QStringLiteral("a"),

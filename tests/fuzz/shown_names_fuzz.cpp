@@ -1,23 +1,16 @@
 // Names of any units, two of them, a line each: what is shown of them can be seen and tells them apart, and what git
 // puts into quotes comes out of them.
+#include "fuzz/require.h"
 #include "platform/files/native_path.h"
 #include "platform/text/quoted_name.h"
 #include "platform/text/shown_name.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// A name as git prints it where it quotes every byte.
 QString quoted(const QByteArray& bytes)

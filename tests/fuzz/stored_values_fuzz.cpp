@@ -2,6 +2,7 @@
 // back from its own writing.
 #include "app/kept_ready/keyboard_shortcut.h"
 #include "app/state/recent_files.h"
+#include "fuzz/require.h"
 #include "platform/text/strict_json.h"
 
 #include <QJsonDocument>
@@ -9,18 +10,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

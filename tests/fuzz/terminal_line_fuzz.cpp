@@ -1,22 +1,15 @@
 // What is typed and pasted at a terminal's prompt: what is run was in the text and holds nothing that cannot be seen,
 // completion changes the last word alone, and paths keep their meaning.
+#include "fuzz/require.h"
 #include "run/pasted_lines.h"
 #include "run/path_completion.h"
 #include "run/path_names.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void checkPasted(const QString& text)
 {

@@ -1,22 +1,15 @@
 // What programs write for a terminal: what is no text is the same wherever the pieces are cut, and stays within the
 // text. The first byte says how long pieces are.
+#include "fuzz/require.h"
 #include "run/escape_sequences.h"
 #include "run/terminal_output.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// A sign for each unit that is no text.
 void mark(const std::vector<Stretch>& stretches, qsizetype length, qsizetype offset, QByteArray& marks)

@@ -1,23 +1,16 @@
 // Any text: the characters found forwards, backwards, counted, from any place and in a tree are the same ones, and word
 // by word one comes to the end and back.
+#include "fuzz/require.h"
 #include "text/boundaries/text_boundaries.h"
 #include "text/storage/text_tree.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void checkCharacters(const QString& text, const TextTree& tree)
 {

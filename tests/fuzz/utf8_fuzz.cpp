@@ -1,23 +1,16 @@
 // Any bytes as text, whole, in pieces and as a name: what is valid comes back to the byte, and what is not is refused.
 // The first byte says how long pieces are.
+#include "fuzz/require.h"
 #include "platform/files/native_path.h"
 #include "platform/files/utf8_decoding.h"
 #include "platform/files/utf8_file.h"
 #include "platform/text/utf8_chunk_decoder.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace kelm;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// What a stream gives that is cut at any byte. Absent when a piece of it was dropped.
 std::optional<QString> streamed(QByteArrayView bytes, qsizetype pieceLength)

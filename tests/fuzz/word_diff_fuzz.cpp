@@ -1,17 +1,10 @@
 // Two lines of any text: the segments give both lines back, and as many tokens stay on one side as on the other.
+#include "fuzz/require.h"
 #include "git/diff/word_diff.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// Checks one side and gives what stays the same of it.
 QStringList sameTexts(const QList<kelm::WordDiff::Segment>& segments, const QString& line,

@@ -16,19 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
 using namespace kelm::test;
 
-namespace {
-
-/// Does `work` from the event loop as soon as the session's command has written something.
-void onFirstOutput(TerminalFixture& fixture, std::function<void()> work)
-{
-    fixture.screen.onOutput = [&fixture, work = std::move(work)] {
-        fixture.screen.onOutput = nullptr;
-        QTimer::singleShot(0, &fixture.screen, work);
-    };
-}
-
-} // namespace
-
 class TerminalSessionCommandsTest final : public QObject
 {
     Q_OBJECT

@@ -2,7 +2,6 @@
 #include "support/test_program.h"
 
 #include <QSignalSpy>
-#include <QTimer>
 #include <QtTest>
 
 namespace terminal_session_interrupt_test {
@@ -10,19 +9,6 @@ namespace terminal_session_interrupt_test {
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
 using namespace kelm::test;
-
-namespace {
-
-/// Does `work` from the event loop as soon as the session's command has written something.
-void onFirstOutput(TerminalFixture& fixture, std::function<void()> work)
-{
-    fixture.screen.onOutput = [&fixture, work = std::move(work)] {
-        fixture.screen.onOutput = nullptr;
-        QTimer::singleShot(0, &fixture.screen, work);
-    };
-}
-
-} // namespace
 
 /// What becomes of a command that is to stop, and of what waits behind it.
 class TerminalSessionInterruptTest final : public QObject

@@ -9,8 +9,11 @@
 #include <QFileInfo>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTimer>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace kelm::test {
 
@@ -70,5 +73,14 @@ struct TerminalFixture
     FakeTerminalScreen screen;
     std::unique_ptr<TerminalSession> session;
 };
+
+/// Does `work` from the event loop as soon as the session's command has written something.
+inline void onFirstOutput(TerminalFixture& fixture, std::function<void()> work)
+{
+    fixture.screen.onOutput = [&fixture, work = std::move(work)] {
+        fixture.screen.onOutput = nullptr;
+        QTimer::singleShot(0, &fixture.screen, work);
+    };
+}
 
 } // namespace kelm::test
