@@ -75,6 +75,9 @@ void followDisk(World& world)
         const auto bytes =
             document.url ? world.disk.bytesOf(world.disk.behindLinks(document.url->toLocalFile())) : std::nullopt;
         const auto text = bytes ? textOf(*bytes) : std::nullopt;
+        if (document.url && !text) {
+            document.fileText.reset();
+        }
         if (!text || *text == document.fileText) {
             continue;
         }
@@ -86,6 +89,8 @@ void followDisk(World& world)
             document.fileText = *text;
         } else if (*text == document.text()) {
             document.fileText = *text;
+        } else {
+            document.fileText.reset();
         }
     }
 }

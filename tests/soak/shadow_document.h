@@ -28,7 +28,8 @@ public:
     std::optional<QUrl> url;
     bool isModified = false;
     /// What the file held when it was last read or written for the document; of one without a file, its first text.
-    QString fileText;
+    /// Nothing when the file holds something else by now.
+    std::optional<QString> fileText;
 
     /// The text was written to its file.
     void saved();

@@ -26,7 +26,7 @@ constexpr std::chrono::seconds longestEnd{1};
 /// alone.
 struct RecoveryStore::Origin
 {
-    /// Absent where nobody knows it.
+    /// Absent where nobody knows it, and where the file does not hold it any more.
     std::optional<TextTree> text;
     std::optional<FileIdentity> identity;
 };
@@ -141,6 +141,11 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
             setOrigin(*its, *key);
         }
     });
+    connect(key, &Document::otherTextIsInFile, context, [this, key] {
+        if (Kept* const its = keptOf(key)) {
+            forgetOrigin(*its);
+        }
+    });
     connect(key, &QObject::destroyed, context, [this, key] { drop(key); });
     return kept;
 }
@@ -171,6 +176,13 @@ void RecoveryStore::setOrigin(Kept& kept, const Document& document)
             folder->remove(id);
         }
     });
+}
+
+void RecoveryStore::forgetOrigin(Kept& kept)
+{
+    worker_.add([origin = kept.origin] { origin->text.reset(); });
+    kept.isChanged = true;
+    begin();
 }
 
 void RecoveryStore::close(const Document* document, Kept& kept)

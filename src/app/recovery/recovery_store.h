@@ -22,8 +22,8 @@
 namespace kelm {
 
 /// Keeps a copy of each document whose text differs from what was read or saved last, beyond the end of the program
-/// however it ends. A copy goes when its document is saved and when its text comes to be what it was; it stays when the
-/// document is closed, and is offered from then on.
+/// however it ends. A copy goes when its document is saved and when its text comes to be what it was, as long as the
+/// file holds that too; it stays when the document is closed, and is offered from then on.
 ///
 /// Of a key the store only learns that the text has changed. A moment later it takes a snapshot, and all else is done
 /// by a thread of its own. Main thread only.
@@ -95,6 +95,8 @@ private:
     void drop(const Document* document);
     /// What the document holds is what its file holds, or what it was made with.
     void setOrigin(Kept& kept, const Document& document);
+    /// The file does not hold the origin any more: the same text is in need of a copy from now on.
+    void forgetOrigin(Kept& kept);
     void noteChange(const Document* document);
     void close(const Document* document, Kept& kept);
     /// Has what has changed be copied after the delay.

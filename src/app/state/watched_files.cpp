@@ -236,6 +236,7 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
     case Outcome::gone:
         file.isGone = true;
         file.told.reset();
+        document.noteOtherTextInFile();
         tell(file,
              u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
         break;
@@ -245,6 +246,9 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         file.isGone = false;
         if (!std::exchange(file.wantsReload, false)) {
             file.told.reset();
+            if (document.text() == finding.text) {
+                document.noteTextOfFile();
+            }
             break;
         }
         document.takeFileText(finding.text);
@@ -255,6 +259,7 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         file.known = finding.sight;
         file.isGone = false;
         file.wantsReload = false;
+        document.noteOtherTextInFile();
         tell(file, u"%1 has changed on disk and could not be read: %2."_s.arg(
                        shownName(file.url), finding.error.value_or(FileError{}).reason));
         break;
@@ -274,6 +279,7 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
             document.noteTextOfFile();
             return true;
         }
+        document.noteOtherTextInFile();
         offerReload(file, *finding.sight);
         return true;
     }

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void undoingEverythingRemovesTheCopy();
     void whatIsReadAnewIsNoUnsavedText();
     void whatTheFileHeldBeforeIsAnUnsavedText();
+    void whatTheFileDoesNotHoldAnyMoreIsAnUnsavedText();
     void theEndOfTheProgramDoesNotWaitForTheDelay();
     void closedTextsAreOfferedAndOpenOnesAreNot();
     void aClosedDocumentThatIsOpenedAgainKeepsItsCopy();
@@ -191,6 +192,25 @@ void RecoveryStoreTest::whatTheFileHeldBeforeIsAnUnsavedText()
     settle();
     QCOMPARE(onDisk(), QStringList{u"as it was"_s});
     // And one that has come to hold the same keeps nothing.
+    document->noteTextOfFile();
+    settle();
+    QCOMPARE(onDisk(), QStringList());
+}
+
+void RecoveryStoreTest::whatTheFileDoesNotHoldAnyMoreIsAnUnsavedText()
+{
+    const auto document = untitled(u"as it was"_s);
+    const auto unmodified = untitled(u"not touched"_s);
+    store_->setDocuments({document, unmodified});
+    document->setContent(u"typed"_s);
+    document->setContent(u"as it was"_s);
+    settle();
+    QCOMPARE(onDisk(), QStringList());
+    // Nothing is typed from here on.
+    document->noteOtherTextInFile();
+    unmodified->noteOtherTextInFile();
+    settle();
+    QCOMPARE(onDisk(), QStringList{u"as it was"_s});
     document->noteTextOfFile();
     settle();
     QCOMPARE(onDisk(), QStringList());
