@@ -3,13 +3,16 @@
 
 #include "platform/view/labels.h"
 #include "platform/view/plain_button.h"
+#include "support/painted_text.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QList>
+#include <QPushButton>
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
 
 namespace kelm::test {
 
@@ -77,6 +80,34 @@ inline TextLabel* labelOf(const QWidget& parent, const QString& text)
     const auto found =
         std::find_if(labels.begin(), labels.end(), [&text](const TextLabel* label) { return label->text() == text; });
     return found == labels.end() ? nullptr : *found;
+}
+
+/// Whether a label shows a symbol in a colour, and in a size if one is given.
+inline bool shows(SymbolLabel& label, const QString& symbol, const Tint& tint, std::optional<int> size = std::nullopt)
+{
+    SymbolLabel expected(symbol, size.value_or(label.width()), tint);
+    return icons::has(symbol) && (!size || label.size() == QSize(*size, *size)) && looksLike(label, expected);
+}
+
+/// Whether a label is drawn in a colour and a type.
+inline bool isDrawn(TextLabel* label, const Tint& tint, const QFont& font)
+{
+    if (label == nullptr) {
+        return false;
+    }
+    const QImage picture = label->grab().toImage();
+    const QColor ground = label->palette().color(QPalette::Window);
+    return isSame(ink(picture, picture.rect(), ground), inkOf(label->text(), font, tint, ground));
+}
+
+/// The names of the toolkit's own buttons that are shown, in the same order.
+inline QStringList namesOfPushButtonsIn(const QWidget& parent)
+{
+    QStringList names;
+    for (const QPushButton* button : shownIn<QPushButton>(parent)) {
+        names.append(button->text());
+    }
+    return names;
 }
 
 } // namespace kelm::test
