@@ -1,15 +1,10 @@
 #include "learning/view/diagnosis_section.h"
-#include "learning/view/learning_mode_side_panel.h"
-#include "platform/events/notification_center.h"
+#include "learning/view/side_panel_fixture.h"
 #include "platform/view/divider.h"
 #include "platform/view/labels.h"
-#include "platform/view/plain_button.h"
-#include "run/code_runner.h"
-#include "support/fake_workspace.h"
 #include "support/painted.h"
 #include "support/test_program.h"
 
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <algorithm>
@@ -22,35 +17,19 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-struct Fixture
+struct Fixture : SidePanelFixture
 {
-    QTemporaryDir folder;
-    NotificationCenter notifications;
-    CodeRunner runner{notifications, ExecutableSearch(ProcessRunner::system())};
-    FakeWorkspace workspace;
-    ManualScheduler scheduler;
-    UserDefaults userDefaults{folder.filePath(u"store.conf"_s)};
-    std::unique_ptr<LearningModeSidePanel> panel;
-
     explicit Fixture(Appearance appearance = Appearance::dark)
     {
         QApplication::setPalette(style::palette(appearance));
-        panel = std::make_unique<LearningModeSidePanel>(
-            LearningModeSidePanel::Services{runner, workspace, scheduler, userDefaults});
-        panel->setLesson({.slug = u"intro"_s, .requires_ = {u"KELM_TEST_ABSENT"_s}});
-        panel->resize(280, 900);
-        panel->show();
-        if (!QTest::qWaitForWindowExposed(panel.get())) {
-            qFatal("no window");
-        }
+        show({.slug = u"intro"_s, .requires_ = {u"KELM_TEST_ABSENT"_s}}, 900);
     }
     ~Fixture() { QApplication::setPalette(style::palette(Appearance::dark)); }
 
     /// Runs a program that lacks a module.
     void fail()
     {
-        runner.runCode(u"echo \"No module named 'foo'\" >&2"_s, Language::shell);
-        QTRY_VERIFY(!runner.isRunning());
+        run(u"echo \"No module named 'foo'\" >&2"_s);
         QTRY_VERIFY(panel->diagnosis().has_value());
         QCoreApplication::processEvents();
     }
@@ -67,7 +46,6 @@ struct Fixture
         std::stable_sort(parts.begin(), parts.end(), [this](const Part* a, const Part* b) { return y(*a) < y(*b); });
         return parts;
     }
-    int y(const QWidget& part) const { return part.mapTo(panel.get(), QPoint()).y(); }
     template <typename Label>
     Label& label(const QString& text) const
     {
@@ -80,12 +58,11 @@ struct Fixture
     }
     PlainButton& button(const QString& name) const
     {
-        for (PlainButton* button : seen<PlainButton>()) {
-            if (button->text() == name || button->accessibleName() == name) {
-                return *button;
-            }
+        PlainButton* const found = SidePanelFixture::button(name);
+        if (found == nullptr) {
+            qFatal("no button '%s'", qPrintable(name));
         }
-        qFatal("no button '%s'", qPrintable(name));
+        return *found;
     }
 };
 

@@ -1,11 +1,7 @@
 #include "learning/link_permission.h"
 #include "learning/view/environment_row.h"
-#include "learning/view/learning_mode_side_panel.h"
-#include "platform/events/notification_center.h"
+#include "learning/view/side_panel_fixture.h"
 #include "platform/text/platform_words.h"
-#include "platform/view/plain_button.h"
-#include "run/code_runner.h"
-#include "support/fake_workspace.h"
 #include "support/test_program.h"
 
 #include <QClipboard>
@@ -13,7 +9,6 @@
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace learning_mode_side_panel_test {
@@ -23,27 +18,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-struct Fixture
+struct Fixture : kelm::test::SidePanelFixture
 {
-    QTemporaryDir folder;
-    NotificationCenter notifications;
-    CodeRunner runner{notifications, ExecutableSearch(ProcessRunner::system())};
-    FakeWorkspace workspace;
-    ManualScheduler scheduler;
-    UserDefaults userDefaults{folder.filePath(u"store.conf"_s)};
-    std::unique_ptr<LearningModeSidePanel> panel;
-
-    void show(const LessonInfo& info)
-    {
-        panel = std::make_unique<LearningModeSidePanel>(
-            LearningModeSidePanel::Services{runner, workspace, scheduler, userDefaults});
-        panel->setLesson(info);
-        panel->resize(280, 800);
-        panel->show();
-        if (!QTest::qWaitForWindowActive(panel.get())) {
-            qFatal("no window");
-        }
-    }
     /// What is read, from top to bottom.
     QStringList texts() const
     {
@@ -55,7 +31,7 @@ struct Fixture
                                  : button != nullptr ? button->text()
                                                      : widget->accessibleName();
             if (widget->isVisible() && !text.isEmpty()) {
-                found.append({widget->mapTo(panel.get(), QPoint()).y(), text});
+                found.append({y(*widget), text});
             }
         }
         std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
@@ -64,15 +40,6 @@ struct Fixture
             texts.append(text);
         }
         return texts;
-    }
-    PlainButton* button(const QString& name) const
-    {
-        for (auto* button : panel->findChildren<PlainButton*>()) {
-            if (button->isVisible() && (button->text() == name || button->accessibleName() == name)) {
-                return button;
-            }
-        }
-        return nullptr;
     }
     /// What the button of the fix copies, which then can be pressed again; empty where there is none.
     QString copiedFix()
@@ -87,13 +54,6 @@ struct Fixture
     /// The rows of variables that there are, whether they are seen or not.
     QList<EnvRow*> rows() const { return panel->findChildren<EnvRow*>(); }
     QScrollBar& scrollBar() const { return *panel->findChild<QScrollArea*>()->verticalScrollBar(); }
-    /// Runs a shell line to its end.
-    void run(const QString& line)
-    {
-        runner.runCode(line, Language::shell);
-        QTRY_VERIFY(!runner.isRunning());
-        QCoreApplication::processEvents();
-    }
 };
 
 } // namespace
