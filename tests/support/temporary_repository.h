@@ -99,6 +99,19 @@ public:
              message});
     }
 
+    /// Two branches that have changed the only line of "a.txt", each to its own name: "main", which is checked out, and
+    /// "side".
+    void makeConflictingBranches() const
+    {
+        const QString file = QStringLiteral("a.txt");
+        git({QStringLiteral("checkout"), QStringLiteral("-q"), QStringLiteral("-b"), QStringLiteral("side")});
+        write(file, "side\n");
+        commitAll(QStringLiteral("side"));
+        git({QStringLiteral("checkout"), QStringLiteral("-q"), QStringLiteral("main")});
+        write(file, "main\n");
+        commitAll(QStringLiteral("main"));
+    }
+
     /// What the index holds for a path.
     QByteArray staged(const QString& name) const
     {

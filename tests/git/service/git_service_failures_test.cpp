@@ -50,16 +50,6 @@ private:
         takeErrors();
         return git_->lastFailure() ? git_->lastFailure()->sentence() : QString();
     }
-    /// Two branches that say different things about one line.
-    void makeConflict()
-    {
-        repository_->git({u"checkout"_s, u"-qb"_s, u"side"_s});
-        repository_->write(u"a.txt"_s, "side\n");
-        repository_->commitAll(u"side"_s);
-        repository_->git({u"checkout"_s, u"-q"_s, u"main"_s});
-        repository_->write(u"a.txt"_s, "main\n");
-        repository_->commitAll(u"main"_s);
-    }
 };
 
 void GitServiceFailuresTest::init()
@@ -194,7 +184,7 @@ void GitServiceFailuresTest::conflictsTakeTheirWordsWithThem()
 {
     using Run = std::function<void(GitService&, const TemporaryRepository&)>;
     QFETCH(Run, end);
-    makeConflict();
+    repository_->makeConflictingBranches();
     open();
     git_->mergeBranch(u"side"_s);
     QCOMPARE(told(), u"Merge conflict in a.txt"_s);
@@ -206,7 +196,7 @@ void GitServiceFailuresTest::conflictsTakeTheirWordsWithThem()
 
 void GitServiceFailuresTest::otherWordsOutlastAConflict()
 {
-    makeConflict();
+    repository_->makeConflictingBranches();
     open();
     git_->mergeBranch(u"side"_s);
     git_->deleteBranch(u"gone"_s, false);

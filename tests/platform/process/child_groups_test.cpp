@@ -1,6 +1,5 @@
 #include "platform/process/child_groups.h"
-#include "platform/process/child_process.h"
-#include "platform/process/process_table.h"
+#include "platform/process/told_shell.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -11,48 +10,15 @@
 namespace child_groups_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// A shell that runs a line, heard until it says the word "ready".
-struct Shell
+struct Shell : ToldShell
 {
-    Shell(const QString& line, bool ownGroup)
-    {
-        QObject::connect(&child, &ChildProcess::outputRead, &child, [this](const QString& text) { output += text; });
-        QObject::connect(&child, &ChildProcess::finished, &child, [this](const ProcessExit& how) { exit = how; });
-        const auto error = child.start({.program = u"/bin/sh"_s,
-                                        .arguments = {u"-c"_s, line},
-                                        .standardInput = QByteArray(),
-                                        .ownGroup = ownGroup});
-        isReady = !error && QTest::qWaitFor([this] { return output.contains(u"ready\n"_s); }, kelm::test::patience);
-    }
-
-    /// The numbers that it has said on lines of their own.
-    QList<qint64> told() const
-    {
-        QList<qint64> numbers;
-        for (const QString& line : output.split(u'\n')) {
-            if (const qint64 number = line.toLongLong(); number > 0) {
-                numbers.append(number);
-            }
-        }
-        return numbers;
-    }
-
-    ChildProcess child;
-    QString output;
-    std::optional<ProcessExit> exit;
-    bool isReady = false;
+    Shell(const QString& line, bool ownGroup) : ToldShell(u"/bin/sh"_s, line, ownGroup, 0) {}
 };
-
-bool lives(qint64 process)
-{
-    const std::vector<ProcessEntry> table = processTable();
-    return std::any_of(table.begin(), table.end(),
-                       [process](const ProcessEntry& entry) { return entry.id == process && !entry.hasEnded; });
-}
 
 } // namespace
 

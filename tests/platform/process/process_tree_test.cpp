@@ -1,10 +1,8 @@
-#include "platform/process/child_process.h"
-#include "platform/process/process_table.h"
 #include "platform/process/process_tree.h"
+#include "platform/process/told_shell.h"
 #include "support/test_program.h"
 
 #include <QProcess>
-#include <QRegularExpression>
 #include <QtTest>
 
 #include <csignal>
@@ -13,45 +11,19 @@
 namespace process_tree_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-/// A shell that runs a line, heard until it says the word "ready".
-struct Shell
+/// One that says a number too.
+struct Shell : ToldShell
 {
-    Shell(const QString& line, bool ownGroup)
-    {
-        QObject::connect(&child, &ChildProcess::outputRead, &child, [this](const QString& text) { output += text; });
-        QObject::connect(&child, &ChildProcess::finished, &child, [this](const ProcessExit& how) { exit = how; });
-        const auto error = child.start({.program = u"/bin/bash"_s,
-                                        .arguments = {u"-c"_s, line},
-                                        .standardInput = QByteArray(),
-                                        .ownGroup = ownGroup});
-        isReady = !error &&
-                  QTest::qWaitFor([this] { return output.contains(u"ready\n"_s) && told() > 0; }, kelm::test::patience);
-    }
+    Shell(const QString& line, bool ownGroup) : ToldShell(u"/bin/bash"_s, line, ownGroup, 1) {}
 
-    /// The number that it has said on a line of its own; 0 before.
-    qint64 told() const
-    {
-        const QStringList lines = output.split(u'\n').filter(QRegularExpression(u"^\\d+$"_s));
-        return lines.isEmpty() ? 0 : lines.front().toLongLong();
-    }
-
-    ChildProcess child;
-    QString output;
-    std::optional<ProcessExit> exit;
-    bool isReady = false;
+    qint64 number() const { return told().value(0); }
 };
-
-bool lives(qint64 process)
-{
-    const std::vector<ProcessEntry> table = processTable();
-    return std::any_of(table.begin(), table.end(),
-                       [process](const ProcessEntry& entry) { return entry.id == process && !entry.hasEnded; });
-}
 
 /// The processes of the table, a line each, to be said where one is there that should not be.
 QString thoseThere()
@@ -103,7 +75,7 @@ void ProcessTreeTest::allOfItEnds()
     for (const bool ownGroup : {true, false}) {
         Shell shell(line, ownGroup);
         QVERIFY(shell.isReady);
-        const qint64 inner = shell.told();
+        const qint64 inner = shell.number();
         QVERIFY(inner > 0 && lives(inner));
         endTree(shell.child.processId(), 300ms);
         QTRY_VERIFY(shell.exit.has_value());
@@ -118,8 +90,8 @@ void ProcessTreeTest::aSessionOfItsOwnGoesOn()
     QVERIFY(shell.isReady);
     endTree(shell.child.processId(), 100ms);
     QTRY_VERIFY(shell.exit.has_value());
-    QVERIFY(lives(shell.told()));
-    ::kill(static_cast<pid_t>(shell.told()), SIGKILL);
+    QVERIFY(lives(shell.number()));
+    ::kill(static_cast<pid_t>(shell.number()), SIGKILL);
 }
 
 void ProcessTreeTest::whatIsNoChildIsLeftAlone()
@@ -127,7 +99,7 @@ void ProcessTreeTest::whatIsNoChildIsLeftAlone()
     Shell shell(u"sleep 60 & echo $!; echo ready; wait"_s, true);
     QVERIFY(shell.isReady);
     // The shell's child is no child of this program, and this program is none of its own.
-    QVERIFY(ProcessTree(shell.told()).isGone());
+    QVERIFY(ProcessTree(shell.number()).isGone());
     QVERIFY(ProcessTree(::getpid()).isGone());
     QVERIFY(ProcessTree(0).isGone());
     shell.child.kill();
@@ -145,7 +117,7 @@ void ProcessTreeTest::whoHasLostItsParentIsStillKnown()
         tree.look();
         QVERIFY(!tree.isGone());
         tree.signal(SIGTERM);
-        QTRY_VERIFY(!lives(shell.told()));
+        QTRY_VERIFY(!lives(shell.number()));
         const auto isGone = [&tree] {
             tree.look();
             return tree.isGone();

@@ -11,6 +11,25 @@ using namespace kelm;
 using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+/// A project with a file of one line.
+struct FoundFixture : SearchViewFixture
+{
+    /// Begins the search of that line by keys.
+    ProjectSearchView& search()
+    {
+        write(u"a.txt"_s, "one\n");
+        state.setCurrentProject(QUrl::fromLocalFile(folder.path()));
+        auto& shown = show<ProjectSearchView>();
+        QTest::keyClicks(&field(u"Search in files"_s), u"one"_s);
+        QTest::keyClick(&field(u"Search in files"_s), Qt::Key_Return);
+        return shown;
+    }
+};
+
+} // namespace
+
 class ProjectSearchViewTest : public QObject
 {
     Q_OBJECT
@@ -56,15 +75,11 @@ void ProjectSearchViewTest::projectSearchListsAndOpens()
 
 void ProjectSearchViewTest::projectSearchKeepsOldResultsForAnEmptyField()
 {
-    SearchViewFixture fixture;
-    fixture.write(u"a.txt"_s, "one\n");
-    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
-    auto& view = fixture.show<ProjectSearchView>();
-    QLineEdit& field = fixture.field(u"Search in files"_s);
-    QTest::keyClicks(&field, u"one"_s);
-    QTest::keyClick(&field, Qt::Key_Return);
-    QTRY_COMPARE(view.results().size(), 1);
+    FoundFixture fixture;
+    ProjectSearchView& view = fixture.search();
     QTRY_VERIFY(!view.isSearching());
+    QCOMPARE(view.results().size(), 1);
+    QLineEdit& field = fixture.field(u"Search in files"_s);
     field.clear();
     QTest::keyClick(&field, Qt::Key_Return);
     QVERIFY(!view.isSearching());
@@ -87,15 +102,11 @@ void ProjectSearchViewTest::withoutAProjectNothingIsSearched()
 
 void ProjectSearchViewTest::withoutAProjectTheOldResultsStay()
 {
-    SearchViewFixture fixture;
-    fixture.write(u"a.txt"_s, "one\n");
-    fixture.state.setCurrentProject(QUrl::fromLocalFile(fixture.folder.path()));
-    auto& view = fixture.show<ProjectSearchView>();
-    QLineEdit& field = fixture.field(u"Search in files"_s);
-    QTest::keyClicks(&field, u"one"_s);
-    QTest::keyClick(&field, Qt::Key_Return);
+    FoundFixture fixture;
+    ProjectSearchView& view = fixture.search();
     QTRY_VERIFY(!view.isSearching());
     QCOMPARE(view.results().size(), 1);
+    QLineEdit& field = fixture.field(u"Search in files"_s);
     fixture.state.setCurrentProject(std::nullopt);
     QTest::keyClicks(&field, u" more"_s);
     QTest::keyClick(&field, Qt::Key_Return);

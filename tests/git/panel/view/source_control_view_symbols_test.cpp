@@ -20,21 +20,6 @@ using namespace kelm;
 using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-void makeConflict(const TemporaryRepository& repo)
-{
-    repo.git({u"checkout"_s, u"-q"_s, u"-b"_s, u"side"_s});
-    repo.write(u"a.txt"_s, "side\n");
-    repo.commitAll(u"side"_s);
-    repo.git({u"checkout"_s, u"-q"_s, u"main"_s});
-    repo.write(u"a.txt"_s, "main\n");
-    repo.commitAll(u"main"_s);
-    repo.tryGit({u"merge"_s, u"side"_s});
-}
-
-} // namespace
-
 /// Which symbols and which type stand around the panel's rows, in which colours and which order.
 class SourceControlViewSymbolsTest : public QObject
 {
@@ -137,7 +122,8 @@ void SourceControlViewSymbolsTest::theHeaderHasTheBranchBeforeItsCounts()
 void SourceControlViewSymbolsTest::conflictsAreOrange()
 {
     PanelFixture f;
-    makeConflict(f.repo);
+    f.repo.makeConflictingBranches();
+    f.repo.tryGit({u"merge"_s, u"side"_s});
     f.show();
     const auto& header = *f.view.findChild<SourceControlHeader*>();
     const QList<SymbolLabel*> symbols = shownIn<SymbolLabel>(header);

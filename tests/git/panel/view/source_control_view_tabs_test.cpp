@@ -18,17 +18,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Two branches that have changed the same line: "main" and "side".
-void makeConflict(const TemporaryRepository& repo)
-{
-    repo.git({u"checkout"_s, u"-q"_s, u"-b"_s, u"side"_s});
-    repo.write(u"a.txt"_s, "side\n");
-    repo.commitAll(u"side"_s);
-    repo.git({u"checkout"_s, u"-q"_s, u"main"_s});
-    repo.write(u"a.txt"_s, "main\n");
-    repo.commitAll(u"main"_s);
-}
-
 /// What the panel is to show for a repository, read anew and put together here.
 QStringList freshLines(const TemporaryRepository& repo, SourceControlTab tab)
 {
@@ -400,7 +389,7 @@ void SourceControlViewTabsTest::theMessageFieldGrowsToFourLines()
 void SourceControlViewTabsTest::aMergeIsAborted()
 {
     PanelFixture f;
-    makeConflict(f.repo);
+    f.repo.makeConflictingBranches();
     f.repo.tryGit({u"merge"_s, u"side"_s});
     f.show();
     QCOMPARE(f.lines(), (QStringList{u"# Staged"_s, u"! a.txt"_s, u"# Changes"_s, u"! a.txt"_s}));
@@ -922,7 +911,7 @@ void SourceControlViewTabsTest::hiddenTabsTakeTheStateWhenTheyAppear()
 void SourceControlViewTabsTest::refusalsReachTheErrorLine()
 {
     PanelFixture f;
-    makeConflict(f.repo);
+    f.repo.makeConflictingBranches();
     f.show(SourceControlTab::branches);
     f.repo.write(u"a.txt"_s, "in the way\n");
     act(f.list(), u"side"_s, u"Checkout"_s);

@@ -60,15 +60,6 @@ struct TruthFixture : PanelFixture
                            [&text](const TextLabel* label) { return label->isVisible() && label->text() == text; });
     }
     bool isDetailsShown() const { return visibleButton(view, u"Details"_s) != nullptr; }
-    void makeConflict()
-    {
-        repo.git({u"checkout"_s, u"-qb"_s, u"side"_s});
-        repo.write(u"a.txt"_s, "side\n");
-        repo.commitAll(u"side"_s);
-        repo.git({u"checkout"_s, u"-q"_s, u"main"_s});
-        repo.write(u"a.txt"_s, "main\n");
-        repo.commitAll(u"main"_s);
-    }
 };
 
 } // namespace
@@ -174,7 +165,7 @@ void SourceControlViewTruthTest::detailsAreCopiedWhole()
 void SourceControlViewTruthTest::conflictWordsLeaveWithTheConflict()
 {
     TruthFixture f;
-    f.makeConflict();
+    f.repo.makeConflictingBranches();
     f.showWithoutDismissing();
     f.git().mergeBranch(u"side"_s);
     QCOMPARE(f.red(), u"Merge conflict in a.txt"_s);
