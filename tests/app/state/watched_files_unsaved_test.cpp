@@ -8,14 +8,14 @@
 
 #include <memory>
 
-namespace texts_of_other_files_test {
+namespace watched_files_unsaved_test {
 
 using namespace kelm;
 using namespace Qt::Literals::StringLiterals;
 
 /// A text that was changed and changed back is modified, and the one its file holds: no copy of it is needed, until
 /// another program changes the file.
-class TextsOfOtherFilesTest : public QObject
+class WatchedFilesUnsavedTest : public QObject
 {
     Q_OBJECT
 
@@ -38,7 +38,7 @@ private:
     std::unique_ptr<AppState> state_;
 };
 
-void TextsOfOtherFilesTest::init()
+void WatchedFilesUnsavedTest::init()
 {
     state_.reset();
     fixture_ = std::make_unique<AppStateFixture>();
@@ -48,7 +48,7 @@ void TextsOfOtherFilesTest::init()
                            ExecutableSearch(ProcessRunner::system()), fixture_->folder.filePath(u"unsaved"_s)});
 }
 
-void TextsOfOtherFilesTest::settle()
+void WatchedFilesUnsavedTest::settle()
 {
     WatchedFiles& files = state_->watchedFiles();
     files.lookAgain();
@@ -57,7 +57,7 @@ void TextsOfOtherFilesTest::settle()
     QCoreApplication::processEvents();
 }
 
-QStringList TextsOfOtherFilesTest::copies() const
+QStringList WatchedFilesUnsavedTest::copies() const
 {
     QStringList texts;
     const QDir folder(fixture_->folder.filePath(u"unsaved"_s));
@@ -69,13 +69,13 @@ QStringList TextsOfOtherFilesTest::copies() const
     return texts;
 }
 
-void TextsOfOtherFilesTest::open()
+void WatchedFilesUnsavedTest::open()
 {
     state_->openFile(fixture_->write(u"a.txt"_s, "as it was"));
     settle();
 }
 
-void TextsOfOtherFilesTest::aTextThatTheFileHoldsNoMoreIsCopied_data()
+void WatchedFilesUnsavedTest::aTextThatTheFileHoldsNoMoreIsCopied_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("another text") << QByteArray("by another program");
@@ -83,7 +83,7 @@ void TextsOfOtherFilesTest::aTextThatTheFileHoldsNoMoreIsCopied_data()
     QTest::newRow("no file") << QByteArray();
 }
 
-void TextsOfOtherFilesTest::aTextThatTheFileHoldsNoMoreIsCopied()
+void WatchedFilesUnsavedTest::aTextThatTheFileHoldsNoMoreIsCopied()
 {
     QFETCH(QByteArray, bytes);
     open();
@@ -107,7 +107,7 @@ void TextsOfOtherFilesTest::aTextThatTheFileHoldsNoMoreIsCopied()
     QCOMPARE(copies(), QStringList());
 }
 
-void TextsOfOtherFilesTest::aTextThatIsTypedBackAfterwardsIsCopied()
+void WatchedFilesUnsavedTest::aTextThatIsTypedBackAfterwardsIsCopied()
 {
     open();
     QVERIFY(QFile::remove(fixture_->folder.filePath(u"a.txt"_s)));
@@ -118,7 +118,7 @@ void TextsOfOtherFilesTest::aTextThatIsTypedBackAfterwardsIsCopied()
     QCOMPARE(copies(), QStringList{u"as it was"_s});
 }
 
-void TextsOfOtherFilesTest::aTextThatIsNotModifiedIsNotCopied()
+void WatchedFilesUnsavedTest::aTextThatIsNotModifiedIsNotCopied()
 {
     open();
     QVERIFY(QFile::remove(fixture_->folder.filePath(u"a.txt"_s)));
@@ -127,8 +127,8 @@ void TextsOfOtherFilesTest::aTextThatIsNotModifiedIsNotCopied()
     QCOMPARE(copies(), QStringList());
 }
 
-const kelm::test::Registered<TextsOfOtherFilesTest> registered(kelm::test::Toolkit::core);
+const kelm::test::Registered<WatchedFilesUnsavedTest> registered(kelm::test::Toolkit::core);
 
-} // namespace texts_of_other_files_test
+} // namespace watched_files_unsaved_test
 
-#include "texts_of_other_files_test.moc"
+#include "watched_files_unsaved_test.moc"
