@@ -76,10 +76,10 @@ private Q_SLOTS:
         const QString blanks(100, u' ');
         QTest::newRow("a letter joins a word over marks") << 1 << u"."_s << u" "_s << u"a"_s << marks + u"if x"_s;
         QTest::newRow("a letter goes from before marks") << 1 << u"."_s << u"a"_s << u""_s << marks + u"if x"_s;
-        QTest::newRow("a letter beyond the basic plane joins a word over marks")
-            << 1 << u"."_s << u" "_s << u"\U0001d4b3"_s << marks + u"if x"_s;
         QTest::newRow("half a character goes") << 1 << u"a"_s << u"\xdb40"_s << u""_s << u"\xdd01"_s + marks + u"if"_s;
         QTest::newRow("a name behind marks") << 4 << u"."_s << u" "_s << u"a"_s << marks + u"abc="_s;
+        QTest::newRow("a name behind marks and a letter beyond the basic plane")
+            << 4 << u"."_s << u" "_s << u"\U0001d4b3"_s << marks + u"abc="_s;
         QTest::newRow("a call behind marks") << 0 << u"."_s << u"a"_s << u""_s << marks + u"abc("_s;
         QTest::newRow("a colon makes a key") << 3 << u"\"b\", \"a\""_s + blanks << u","_s << u":"_s << u" \"c\""_s;
         QTest::newRow("a bracket makes a call")
