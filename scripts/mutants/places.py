@@ -84,7 +84,8 @@ class Places:
     def of_number(self, at, token):
         match = re.fullmatch(r"(0[xX](?=[\da-fA-F]))?((?(1)[\da-fA-F']+|[\d']+))([uUlLzZ]*)", token.text)
         if not match or self.tokens[at - 1].text == "=" and self.tokens[at + 1].text == ";" \
-                and self.tokens[at - 2].text == ")":
+                and self.tokens[at - 2].text in (")", "const", "noexcept", "override"):
+            # A function that has no body.
             return
         value = int(match.group(2).replace("'", ""), 16 if match.group(1) else 10)
         for other in sorted({value + 1, value - 1, 0} - {value}):

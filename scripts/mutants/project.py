@@ -73,7 +73,7 @@ class Copy:
     def configure(self):
         if (self.build_folder / "build.ninja").exists():
             return
-        options = {"CMAKE_BUILD_TYPE": "Debug", "CMAKE_CXX_FLAGS_DEBUG": "-O0 -g0 -w", "KELM_UNITY_SOURCES": "ON",
+        options = {"CMAKE_BUILD_TYPE": "Debug", "CMAKE_CXX_FLAGS_DEBUG": "-O1 -g0 -w", "KELM_UNITY_SOURCES": "ON",
                    "KELM_UNITY_TESTS": "ON"}
         result = run_quietly(["cmake", "-G", "Ninja", "-S", str(self.tree), "-B", str(self.build_folder),
                               *(f"-D{name}={value}" for name, value in options.items())], env=self.environment())
@@ -93,9 +93,11 @@ class Copy:
     def errors(self, said):
         """The files and lines that the compiler's errors name, as {file: {line, ...}}."""
         found = {}
+        tree = os.path.realpath(self.tree)
         for path, line in re.findall(r"^(\S+?):(\d+):(?:\d+:)? (?:fatal )?error:", said, re.MULTILINE):
-            full = os.path.normpath(os.path.join(self.build_folder, path))
-            found.setdefault(os.path.relpath(full, self.tree), set()).add(int(line))
+            # A room's headers are reached by links.
+            full = os.path.realpath(os.path.join(self.build_folder, path))
+            found.setdefault(os.path.relpath(full, tree), set()).add(int(line))
         return found
 
     def tests(self, room):

@@ -17,9 +17,6 @@ struct JsonKey
         qsizetype start = text.next(text.begin(), search);
         while (start < text.size()) {
             const qsizetype close = text.find(start + 1, u'"');
-            if (close >= text.size()) {
-                return;
-            }
             const qsizetype end = text.skipSpace(close + 1);
             if (text.at(end) == u':') {
                 found(start, end);

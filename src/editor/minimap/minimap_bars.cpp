@@ -99,7 +99,7 @@ private:
     qsizetype startOf(qsizetype lineEnd)
     {
         constexpr qsizetype stretch = 1024;
-        if (lineEnd < known_.location || lineEnd > known_.end() || lineEnd == 0) {
+        if (lineEnd < known_.location || lineEnd > known_.end()) {
             known_ = TextRange::between(std::max<qsizetype>(0, lineEnd - stretch), lineEnd);
             units_ = text_.substring(known_);
         }

@@ -121,6 +121,8 @@ const QStringList& oddPieces()
                                     QString(QChar(0xdb40)),
                                     QString(QChar(0xdd01)),
                                     QString(QChar(0xfdd0)),
+                                    QString(QChar(0x08)),
+                                    QString(QChar(0x0e)),
                                     QString(QChar(0x1a)),
                                     QString(QChar(0x1c)),
                                     QString(QChar(0x7f)),

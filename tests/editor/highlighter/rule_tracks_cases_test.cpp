@@ -78,6 +78,8 @@ private Q_SLOTS:
         QTest::newRow("a letter goes from before marks") << 1 << u"."_s << u"a"_s << u""_s << marks + u"if x"_s;
         QTest::newRow("half a character goes") << 1 << u"a"_s << u"\xdb40"_s << u""_s << u"\xdd01"_s + marks + u"if"_s;
         QTest::newRow("a name behind marks") << 4 << u"."_s << u" "_s << u"a"_s << marks + u"abc="_s;
+        QTest::newRow("a name behind marks and a letter beyond the basic plane")
+            << 4 << u"."_s << u" "_s << u"\U0001d4b3"_s << marks + u"abc="_s;
         QTest::newRow("a call behind marks") << 0 << u"."_s << u"a"_s << u""_s << marks + u"abc("_s;
         QTest::newRow("a colon makes a key") << 3 << u"\"b\", \"a\""_s + blanks << u","_s << u":"_s << u" \"c\""_s;
         QTest::newRow("a bracket makes a call")
@@ -163,6 +165,7 @@ private Q_SLOTS:
         TrackedText tracked(test::allRuleLists()[static_cast<std::size_t>(index)].rules,
                             line.repeated(500'000 / line.size()));
         tracked.settle();
+        QVERIFY(tracked.tracks.keptBytes() > 0);
         QVERIFY(tracked.tracks.keptBytes() < tracked.text.size() / 10);
         for (const qsizetype place : {qsizetype(3), tracked.text.size() / 2, tracked.text.size()}) {
             tracked.replace({place, 0}, u"x"_s);
@@ -243,7 +246,9 @@ private Q_SLOTS:
         QVERIFY(tracked.expected().size() > 4);
         for (int edits = 0; edits < 100; ++edits) {
             const QString pieces[] = {u"b"_s, u"d"_s, u"1"_s, u"\n"_s, u" "_s, {}};
-            tracked.replace(random_.range(tracked.text.size()), pieces[random_.below(std::size(pieces))]);
+            for (qsizetype places = 1 + random_.below(3); places > 0; --places) {
+                tracked.replace(random_.range(tracked.text.size()), pieces[random_.below(std::size(pieces))]);
+            }
             tracked.settle();
             QCOMPARE(tracked.fault(random_), QString());
         }

@@ -405,6 +405,28 @@ private Q_SLOTS:
         QCOMPARE(foregroundOf(storage), highlighted(text, Language::javascript));
     }
 
+    void whatIsOnScreenIsMadeRightFirst()
+    {
+        // A quote at the start makes a string of all of it.
+        TextStorage storage;
+        storage.setText(u"let a = 1\n"_s.repeated(20'000) + u'`');
+        SyntaxHighlighter highlighter(distinctTheme());
+        const TextRange shown{100'000, 1000};
+        highlighter.setShownRange([shown] { return shown; });
+        highlighter.highlight(&storage, Language::javascript);
+        QTRY_VERIFY(highlighter.isSettled());
+        storage.colorsIn({0, storage.length()});
+        storage.replace({0, 0}, u"`");
+        highlighter.highlight(&storage, Language::javascript);
+        QTRY_VERIFY(highlighter.isSettled());
+        const auto isPending = [](const ColorRun& run) { return run.color == ColorRuns::pending; };
+        const std::vector<ColorRun> seen = storage.foreground().runsIn(shown);
+        QVERIFY(std::none_of(seen.begin(), seen.end(), isPending));
+        const std::vector<ColorRun> unseen = storage.foreground().runsIn({150'000, 1000});
+        QVERIFY(std::all_of(unseen.begin(), unseen.end(), isPending));
+        QCOMPARE(foregroundOf(storage), highlighted(storage.text(), Language::javascript));
+    }
+
     void coloursFollowEditsAsAWholePassWouldGiveThem_data()
     {
         QTest::addColumn<int>("corpus");

@@ -79,6 +79,7 @@ void CursorPlacesTest::occurrencesDoNotOverlap()
     QCOMPARE(occurrences(u"a.c abc", u"a.c"), (Ranges{{0, 3}}));
     // Half of a character is none of them.
     QCOMPARE(occurrences(u"e e\u0301 e", u"e"), (Ranges{{0, 1}, {5, 1}}));
+    QCOMPARE(occurrences(u"\r\n\n\n", u"\n"), (Ranges{{2, 1}, {3, 1}}));
     QCOMPARE(occurrences(u"\U0001F469\u200d\U0001F469 \U0001F469", u"\U0001F469"), (Ranges{{6, 2}}));
 }
 

@@ -58,6 +58,10 @@ void MinimapBarsTest::aLineIsTintedByAGlance_data()
     row("keyword before a bracket", "if(a)", keyword);
     row("a line that begins with the word letter is plain", "letter", plain);
     row("keyword alone is plain", "else", plain);
+    row("keyword and blanks behind it", "else \t", plain);
+    row("a letter and a blank", "x ", plain);
+    row("a letter between blanks", " \tx\t ", plain);
+    row("a quote and a blank", "' ", string);
     row("keyword before a tab is plain", "var\tx", plain);
     for (const char* prefix :
          {"func", "def", "class", "struct", "enum", "if", "else", "for", "while", "import", "return", "let", "var"}) {
@@ -84,12 +88,13 @@ void MinimapBarsTest::aLongLineIsTintedLikeAShortOne()
     const EditorTheme& theme = EditorTheme::monokai();
     const QString blanks(5000, u' ');
     const QString letters(5000, u'x');
-    for (const QString& line : QStringList{blanks, letters, blanks + QStringLiteral("if (a)") + letters,
-                                           blanks + QStringLiteral("if ") + blanks, QStringLiteral("if ") + blanks,
-                                           QStringLiteral("if ") + blanks + u'a', letters + u'"',
-                                           blanks + letters + u'\'', QStringLiteral("# ") + letters + u'"',
-                                           QStringLiteral("letter") + letters, blanks + QStringLiteral("else")}) {
-        const TextTree text(QStringLiteral("before\n") + line + QStringLiteral("\nafter"));
+    for (const QString& line : QStringList{
+             blanks, letters, blanks + QStringLiteral("if (a)") + letters, blanks + QStringLiteral("if ") + blanks,
+             QStringLiteral("if ") + blanks, QStringLiteral("if ") + blanks + u'a', letters + u'"',
+             blanks + letters + u'\'', QStringLiteral("# ") + letters + u'"', QStringLiteral("letter") + letters,
+             blanks + QStringLiteral("else"), blanks + QStringLiteral("if "), blanks + QStringLiteral("if x"),
+             QStringLiteral("if ") + blanks.left(1500) + u'a'}) {
+        const TextTree text(QStringLiteral("before\n") + line + u'\n' + letters);
         QCOMPARE(minimapLineColor(text, {7, line.size()}, theme), minimapLineColor(line, theme));
     }
 }

@@ -90,6 +90,7 @@ void EditorThemeTest::hexadecimalTextGivesItsColor()
 
 void EditorThemeTest::channelsAreClampedOnlyForPainting()
 {
+    QCOMPARE(CodableColor(), (CodableColor{0, 0, 0, 1}));
     const CodableColor color{-1, 2, 0.5, 7};
     QCOMPARE(color.red, -1.0);
     QCOMPARE(color.toColor().redF(), 0.0F);

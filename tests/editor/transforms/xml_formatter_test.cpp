@@ -225,6 +225,10 @@ void XmlFormatterTest::deepAndLongDocumentsAreNeitherCutNorTooMuch()
     QCOMPARE(formatXml(attributes), attributes);
     attributes.replace(0, 2, QStringLiteral("<a b='>'"));
     QCOMPARE(formatXml(attributes), attributes);
+    // The most that are not too much, in a tag that ends the reading at once.
+    const QString faulty = QStringLiteral(" 1='x'").repeated(50'000);
+    QCOMPARE(checkXml(QStringLiteral("<a%1/>").arg(faulty)), XmlVerdict::malformed);
+    QCOMPARE(checkXml(QStringLiteral("<a%1 y='z'/>").arg(faulty)), XmlVerdict::tooMuch);
     // Behind a fault that hides the tag nothing is read on, which would take minutes.
     const QString hidden = QStringLiteral("<r><c<d e=\"") + attributes.repeated(12) + QStringLiteral("</r>");
     QCOMPARE(checkXml(hidden), XmlVerdict::malformed);
