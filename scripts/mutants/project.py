@@ -94,8 +94,9 @@ class Copy:
         """The files and lines that the compiler's errors name, as {file: {line, ...}}."""
         found = {}
         for path, line in re.findall(r"^(\S+?):(\d+):(?:\d+:)? (?:fatal )?error:", said, re.MULTILINE):
-            full = os.path.normpath(os.path.join(self.build_folder, path))
-            found.setdefault(os.path.relpath(full, self.tree), set()).add(int(line))
+            # Headers are included by links to them.
+            full = os.path.realpath(os.path.join(self.build_folder, path))
+            found.setdefault(os.path.relpath(full, os.path.realpath(self.tree)), set()).add(int(line))
         return found
 
     def tests(self, room):
