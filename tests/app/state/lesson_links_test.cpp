@@ -2,9 +2,11 @@
 #include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "learning/link_permission.h"
+#include "platform/events/background_task.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
 
+#include <QThreadPool>
 #include <QtTest>
 
 namespace lesson_links_test {
@@ -236,6 +238,10 @@ void LessonLinksTest::tooLongALinkIsRefusedAtOnce()
 {
     Fixture fixture;
     fixture.handle(link(u"code="_s) + QString(10'000'000, u'A'));
+    QCOMPARE(fixture.log.written.size(), 1);
+    // Nor is it opened later.
+    fixture.settle();
+    QVERIFY(backgroundWorkers().waitForDone());
     fixture.settle();
     QVERIFY(fixture.state.documents().isEmpty());
     QCOMPARE(fixture.notice(), u"The lesson link is longer than 4 MB."_s);
