@@ -44,6 +44,7 @@ private Q_SLOTS:
     void allThatHasChangedIsCopiedAtOnce();
     void whatIsUndoneIsRemovedByItself();
     void aFailureIsTriedAgainAndAgain();
+    void nothingIsHeldForADocumentThatIsGone();
 
 private:
     QStringList onDisk() const
@@ -156,6 +157,29 @@ void RecoveryStoreTimesTest::aFailureIsTriedAgainAndAgain()
     }
     QVERIFY(inTheWay.remove());
     QTRY_COMPARE((scheduler_->advance(RecoveryStore::retryDelay), onDisk()), QStringList(u"typed"_s));
+}
+
+void RecoveryStoreTimesTest::nothingIsHeldForADocumentThatIsGone()
+{
+    const auto openFiles = [] {
+        int count = 0;
+        const QDir files(u"/proc/self/fd"_s);
+        for (const QString& name : files.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
+            count += QFile::symLinkTarget(files.filePath(name)).contains(u".copy"_s) ? 1 : 0;
+        }
+        return count;
+    };
+    auto document = untitled();
+    store_->setDocuments({document});
+    document->setContent(QString(CopyFile::leastLong, u'x'));
+    scheduler_->advance(RecoveryStore::delay);
+    // The copy of a long text is gone on with.
+    QTRY_COMPARE(onDisk().size(), 1);
+    QTRY_COMPARE(openFiles(), 1);
+    store_->setDocuments({});
+    document.reset();
+    QTRY_COMPARE(openFiles(), 0);
+    QCOMPARE(onDisk().size(), 1);
 }
 
 const kelm::test::Registered<RecoveryStoreTimesTest> registered(kelm::test::Toolkit::core);
