@@ -12,6 +12,7 @@
 
 #include <optional>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 namespace replaced_bytes_test {
 
@@ -50,6 +51,7 @@ private Q_SLOTS:
     void whatAnotherProgramTakesIsLeftToIt();
     void whatCannotBeKeptStays();
     void ofManySavesThatFailedSomeAreHeld();
+    void whatIsKeptIsTheOwnersAlone();
 
 private:
     QStringList left() const { return QDir(home_->path()).entryList({ReplacedBytes::prefix + u'*'}, QDir::Files); }
@@ -188,6 +190,18 @@ void ReplacedBytesTest::ofManySavesThatFailedSomeAreHeld()
     }
     QCOMPARE(left().size(), 40);
     QVERIFY2(held() > 1 && held() < 20, qPrintable(QString::number(held())));
+}
+
+void ReplacedBytesTest::whatIsKeptIsTheOwnersAlone()
+{
+    const auto modeOf = [](const QString& path) {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
+    };
+    QVERIFY(QFile::setPermissions(home_->path(), QFile::Permissions(0x7755)));
+    const QUrl kept = keep("the old text\n");
+    QCOMPARE(modeOf(home_->path()), mode_t(0700));
+    QCOMPARE(modeOf(filePath(kept)), mode_t(0600));
 }
 
 const kelm::test::Registered<ReplacedBytesTest> registered;
