@@ -139,12 +139,11 @@ private:
 
     void takeLine(const CommandOption& option, const QString& value)
     {
-        const std::optional<quint32> line = placeNumber(value);
-        if (!line) {
+        if (const std::optional<quint32> line = placeNumber(value)) {
+            result_.line = *line;
+        } else {
             fail(u"%1 needs a number, and “%2” is none"_s.arg(QString(option.name), shownPath(value)));
-            return;
         }
-        result_.line = *line;
     }
 
     void fail(const QString& message) { error_ = UsageError{message}; }

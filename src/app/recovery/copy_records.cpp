@@ -230,6 +230,9 @@ std::optional<CopySummary> readCopySummary(QIODevice& device)
     bool isFirst = true;
     bool isWhole = false;
     while (reader.next()) {
+        if (isWhole && reader.kind() != CopyRecord::header && reader.kind() != CopyRecord::edit) {
+            break;
+        }
         if (reader.kind() == CopyRecord::header) {
             const std::optional<QByteArray> content = reader.content();
             const std::optional<CopyHeader> later = content ? decodeHeader(*content) : std::nullopt;

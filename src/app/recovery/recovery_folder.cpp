@@ -41,11 +41,17 @@ QString sessionOf(const QString& name)
     return name.left(end);
 }
 
+/// Opens the file of a lock, for this process alone and nowhere but in its folder. It is made if `more` says so.
+OpenFile openLock(const QByteArray& path, int more = 0)
+{
+    return OpenFile(::open(path.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | more, ownersFile));
+}
+
 /// Opens the lock of another program and takes it without waiting, together with all who look as well; closed when that
 /// program has it.
 OpenFile tryLock(const QByteArray& path)
 {
-    OpenFile file(::open(path.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    OpenFile file = openLock(path);
     return file.isOpen() && ::flock(file.get(), LOCK_SH | LOCK_NB) == 0 ? std::move(file) : OpenFile();
 }
 
@@ -109,7 +115,7 @@ bool RecoveryFolder::begin()
     }
     const QByteArray path = pathOf(session_ + lockSuffix);
     for (;;) {
-        OpenFile file(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ownersFile));
+        OpenFile file = openLock(path, O_CREAT);
         if (!file.isOpen()) {
             return false;
         }
@@ -132,7 +138,7 @@ OpenFile RecoveryFolder::lockOfEnded(const QString& session) const
         return lock;
     }
     // There is no lock. Whoever else looks after the copies at this moment makes the same one.
-    ::close(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ownersFile));
+    openLock(path, O_CREAT);
     return tryLock(path);
 }
 

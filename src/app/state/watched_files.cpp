@@ -169,8 +169,9 @@ void WatchedFiles::noteSeen(const Document& document)
 
 void WatchedFiles::lookAgain()
 {
-    // Not put off by what comes meanwhile, or a busy folder would never be looked at.
-    if (!lookDebounce_.isPending() && !files_.isEmpty()) {
+    // Not put off by what comes meanwhile, or a busy folder would never be looked at. And not before a file that is to
+    // be quiet has been so: the look that waits for it sees all others too.
+    if (!lookDebounce_.isPending() && !quietDebounce_.isPending() && !files_.isEmpty()) {
         lookDebounce_.restart();
     }
 }
@@ -215,11 +216,12 @@ void WatchedFiles::take(const std::vector<FileLook::Finding>& findings)
     if (isWatchLost) {
         watchFiles();
     }
+    if (!isQuiet) {
+        lookDebounce_.cancel();
+        quietDebounce_.restart();
+    }
     if (std::exchange(isMissed_, false)) {
         lookAgain();
-    }
-    if (!isQuiet) {
-        quietDebounce_.restart();
     }
 }
 
@@ -235,26 +237,12 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         return false;
     case Outcome::gone:
         file.isGone = true;
+        file.wantsReload = false;
         file.told.reset();
         document.noteOtherTextInFile();
         tell(file,
              u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
         break;
-    case Outcome::sameText:
-        forget(file);
-        file.known = finding.sight;
-        file.isGone = false;
-        if (!std::exchange(file.wantsReload, false)) {
-            file.told.reset();
-            if (document.text() == finding.text) {
-                document.noteTextOfFile();
-            }
-            break;
-        }
-        document.takeFileText(finding.text);
-        break;
-    case Outcome::newText:
-        return takeText(file, document, finding);
     case Outcome::unreadable:
         file.known = finding.sight;
         file.isGone = false;
@@ -263,6 +251,20 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         tell(file, u"%1 has changed on disk and could not be read: %2."_s.arg(
                        shownName(file.url), finding.error.value_or(FileError{}).reason));
         break;
+    case Outcome::sameText:
+        if (!file.wantsReload) {
+            forget(file);
+            file.known = finding.sight;
+            file.isGone = false;
+            file.told.reset();
+            if (document.text() == finding.text) {
+                document.noteTextOfFile();
+            }
+            break;
+        }
+        [[fallthrough]];
+    case Outcome::newText:
+        return takeText(file, document, finding);
     }
     return true;
 }
@@ -313,14 +315,12 @@ void WatchedFiles::offerReload(File& file, const FileIdentity& identity)
     };
     const auto reload = [this, withFile] {
         withFile([this](File& there) {
-            there.notice = 0;
             there.wantsReload = true;
             look();
         });
     };
     const auto keepMine = [withFile] {
         withFile([](File& there) {
-            there.notice = 0;
             ++there.age;
             there.known = std::exchange(there.told, std::nullopt);
         });

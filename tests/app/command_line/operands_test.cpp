@@ -23,6 +23,9 @@ private Q_SLOTS:
     void initTestCase();
     void operandsNameItems_data();
     void operandsNameItems();
+    void addressesBeginWithAScheme();
+    void placesAreNumbers_data();
+    void placesAreNumbers();
     void rawBytesStayRaw();
     void itemsBecomeOperandsAgain_data();
     void itemsBecomeOperandsAgain();
@@ -99,6 +102,58 @@ void OperandsTest::operandsNameItems()
     QVERIFY(item.kind == openRequest::Item::Kind::url);
 }
 
+void OperandsTest::addressesBeginWithAScheme()
+{
+    const QString letters = u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"_s;
+    const QString more = u"0123456789+-."_s;
+    const auto isAddress = [this](const QString& operand) {
+        return itemOfOperand(operand, folder_.path()).text == operand;
+    };
+    for (char16_t unit = u'!'; unit < 0x180; ++unit) {
+        if (unit == u':' || unit == u'/') {
+            continue;
+        }
+        const QString one(QChar{unit});
+        const QByteArray name = QByteArray::number(unit);
+        QVERIFY2(isAddress(one + u"://x"_s) == letters.contains(one), name.constData());
+        QVERIFY2(isAddress(u"s"_s + one + u"://x"_s) == (letters + more).contains(one), name.constData());
+    }
+    QVERIFY(!isAddress(u"://x"_s));
+    QVERIFY(!isAddress(u"s:/x"_s));
+    QVERIFY(!isAddress(u"s:"_s));
+}
+
+void OperandsTest::placesAreNumbers_data()
+{
+    QTest::addColumn<QString>("digits");
+    QTest::addColumn<quint32>("number");
+    const auto row = [](const QString& digits, quint32 number) {
+        QTest::newRow(qPrintable(digits)) << digits << number;
+    };
+    row(u"0"_s, 1);
+    row(u"000"_s, 1);
+    row(u"1"_s, 1);
+    row(u"2"_s, 2);
+    row(u"0010"_s, 10);
+    row(u"9876543"_s, 9876543);
+    row(u"2147483646"_s, 2147483646);
+    row(u"2147483647"_s, 2147483647);
+    row(u"2147483648"_s, 2147483647);
+    row(u"99999999999999999999999999"_s, 2147483647);
+    // None at all.
+    for (const QString& text :
+         {u""_s, u"/"_s, u":"_s, u"1/"_s, u"1:"_s, u" 1"_s, u"1 "_s, u"+1"_s, u"-1"_s, u"1a"_s, u"１"_s}) {
+        row(text, 0);
+    }
+}
+
+void OperandsTest::placesAreNumbers()
+{
+    QFETCH(const QString, digits);
+    QFETCH(const quint32, number);
+    QCOMPARE(placeNumber(digits).value_or(0), number);
+}
+
 void OperandsTest::rawBytesStayRaw()
 {
     const QByteArray name = folder_.path().toUtf8() + "/raw\xff";
@@ -108,6 +163,8 @@ void OperandsTest::rawBytesStayRaw()
     const openRequest::Item item = itemOfOperand(pathOfNative("raw\xff:9"), folder_.path());
     QCOMPARE(nativePath(filePath(QUrl(item.text))), name);
     QCOMPARE(item.line, 9U);
+    // The toolkit's folder does not know such a name.
+    QCOMPARE(std::remove(name.constData()), 0);
 }
 
 void OperandsTest::itemsBecomeOperandsAgain_data()

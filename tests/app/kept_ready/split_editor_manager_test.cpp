@@ -155,6 +155,7 @@ void SplitEditorManagerTest::theFirstTakesTheActiveOnesPlace()
     Fixture fixture;
     fixture.manager.splitHorizontally(fixture.second);
     fixture.manager.closePane(fixture.manager.activeEditor());
+    QCOMPARE(fixture.manager.editors(), (QList<Pane>{fixture.first, fixture.second}));
     QCOMPARE(fixture.manager.activeEditor(), fixture.first);
     QVERIFY(fixture.manager.layout() == SplitLayout::horizontal);
 }
@@ -163,6 +164,7 @@ void SplitEditorManagerTest::anotherPaneLeavesTheActiveOne()
 {
     Fixture fixture;
     fixture.manager.closePane(fixture.second);
+    QCOMPARE(fixture.manager.editors(), QList<Pane>{fixture.first});
     QCOMPARE(fixture.manager.activeEditor(), fixture.first);
 }
 

@@ -12,6 +12,7 @@
 
 #include <optional>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 namespace replaced_bytes_test {
 
@@ -49,9 +50,21 @@ private Q_SLOTS:
     void whatIsAboutToBeLockedIsLeftAlone();
     void whatAnotherProgramTakesIsLeftToIt();
     void whatCannotBeKeptStays();
+    void ofManySavesThatFailedSomeAreHeld();
+    void whatIsKeptIsTheOwnersAlone();
 
 private:
     QStringList left() const { return QDir(home_->path()).entryList({ReplacedBytes::prefix + u'*'}, QDir::Files); }
+    /// How many of them are locked.
+    int held() const
+    {
+        int held = 0;
+        for (const QString& name : left()) {
+            QFile file(home_->filePath(name));
+            held += file.open(QIODevice::ReadOnly) && ::flock(file.handle(), LOCK_EX | LOCK_NB) != 0 ? 1 : 0;
+        }
+        return held;
+    }
     QUrl keep(const QByteArray& content)
     {
         ReplacedFilesFolder files(home_->path());
@@ -167,6 +180,28 @@ void ReplacedBytesTest::whatCannotBeKeptStays()
     QVERIFY(!keep("the old text\n").isEmpty());
     takeLeftBytes(home_->path(), now() + 2 * minute, [](const ReplacedBytes&, qint64) { return false; });
     QCOMPARE(left().size(), 1);
+}
+
+void ReplacedBytesTest::ofManySavesThatFailedSomeAreHeld()
+{
+    ReplacedFilesFolder saving(home_->path());
+    for (int save = 0; save < 40; ++save) {
+        QVERIFY(saving.keepReplaced(url_, "the old text\n"));
+    }
+    QCOMPARE(left().size(), 40);
+    QVERIFY2(held() > 1 && held() < 20, qPrintable(QString::number(held())));
+}
+
+void ReplacedBytesTest::whatIsKeptIsTheOwnersAlone()
+{
+    const auto modeOf = [](const QString& path) {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
+    };
+    QVERIFY(QFile::setPermissions(home_->path(), QFile::Permissions(0x7755)));
+    const QUrl kept = keep("the old text\n");
+    QCOMPARE(modeOf(home_->path()), mode_t(0700));
+    QCOMPARE(modeOf(filePath(kept)), mode_t(0600));
 }
 
 const kelm::test::Registered<ReplacedBytesTest> registered;

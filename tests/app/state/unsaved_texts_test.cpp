@@ -2,6 +2,7 @@
 #include "app/state/notices.h"
 #include "app/state/unsaved_texts.h"
 #include "app/state/watched_files.h"
+#include "platform/files/native_path.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
 
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void aFullDiskIsToldOnce();
     void aFailedSaveOfAllKeepsTheText();
     void savingRemovesTheCopy();
+    void whatWasSavedUnchangedIsTheFileThatIsKnown();
 
 private:
     AppState& state() { return *state_; }
@@ -338,8 +340,11 @@ void UnsavedTextsTest::aTextThatCannotBeReadIsToldOf()
     const QString id = store().texts().constFirst().id;
     QVERIFY(QFile::remove(folder() + u'/' + id + u".copy"_s));
     QSignalSpy told(&notices(), &Notices::currentChanged);
-    state().unsavedTexts().open(id);
+    QList<std::shared_ptr<Document>> opened;
+    state().unsavedTexts().open(id, [&opened](const std::shared_ptr<Document>& document) { opened << document; });
     QVERIFY(told.wait(kelm::test::patience));
+    // Whoever waits for it hears that there is nothing to wait for.
+    QCOMPARE(opened, QList<std::shared_ptr<Document>>{nullptr});
     QCOMPARE(notice(), u"The unsaved text could not be opened"_s);
     QVERIFY(state().documents().isEmpty());
 }
@@ -393,6 +398,22 @@ void UnsavedTextsTest::savingRemovesTheCopy()
         QCOMPARE(QDir(folder()).entryList({u"*.copy"_s}).size(), 0);
     }
     QCOMPARE(fixture_->bytesOf(u"b.txt"_s), QByteArray("typed 2"));
+}
+
+void UnsavedTextsTest::whatWasSavedUnchangedIsTheFileThatIsKnown()
+{
+    const QUrl url = fixture_->write(u"a.txt"_s, "text");
+    state().openFile(url);
+    settle();
+    // The save makes another file of the same text.
+    state().saveCurrentDocument();
+    const std::optional<FileIdentity> saved = identityOf(nativePath(fixture_->folder.filePath(u"a.txt"_s)));
+    QVERIFY(saved);
+    typeInto(0, u"typed"_s);
+    state().closeTab(0);
+    settle();
+    QCOMPARE(store().texts().size(), 1);
+    QCOMPARE(store().texts().constFirst().header.identity, saved);
 }
 
 const kelm::test::Registered<UnsavedTextsTest> registered;
