@@ -34,6 +34,7 @@ private Q_SLOTS:
     void hooksDoNotRunForWhatIsRead();
     void submoduleRunsNothing_data();
     void submoduleRunsNothing();
+    void submoduleThatIsToBePassedOverStaysSo();
     void submoduleFetchesNothing();
     void signatureIsNotLookedAt();
     void missingObjectIsNotFetchedByAForeignProgram();
@@ -204,18 +205,25 @@ void ForeignProgramsTest::submoduleRunsNothing_data()
 {
     QTest::addColumn<QString>("ignore");
     QTest::addColumn<QString>("modules");
-    QTest::newRow("nothing said") << QString() << u"kept"_s;
-    QTest::newRow("said in .gitmodules") << u".gitmodules"_s << u"kept"_s;
-    QTest::newRow("said in .gitmodules, which is gone") << u".gitmodules"_s << u"gone"_s;
-    QTest::newRow("said in .gitmodules, gone from the index too") << u".gitmodules"_s << u"forgotten"_s;
-    QTest::newRow("said in the settings") << u".git/config"_s << u"kept"_s;
+    QTest::addColumn<QString>("key");
+    const QString monitor = u"core.fsmonitor"_s;
+    QTest::newRow("nothing said") << QString() << u"kept"_s << monitor;
+    QTest::newRow("said in .gitmodules") << u".gitmodules"_s << u"kept"_s << monitor;
+    QTest::newRow("said in .gitmodules, which is gone") << u".gitmodules"_s << u"gone"_s << monitor;
+    QTest::newRow("said in .gitmodules, gone from the index too") << u".gitmodules"_s << u"forgotten"_s << monitor;
+    QTest::newRow("said in the settings") << u".git/config"_s << u"kept"_s << monitor;
+    QTest::newRow("a filter") << QString() << u"kept"_s << u"filter.evil.clean"_s;
+    QTest::newRow("a filter, said in .gitmodules") << u".gitmodules"_s << u"kept"_s << u"filter.evil.clean"_s;
+    QTest::newRow("a filter found through an include") << QString() << u"kept"_s << u"include.path"_s;
 }
 
 void ForeignProgramsTest::submoduleRunsNothing()
 {
     QFETCH(QString, ignore);
     QFETCH(QString, modules);
+    QFETCH(QString, key);
     TemporaryRepository inner;
+    inner.write(u".gitattributes"_s, "* filter=evil\n");
     inner.write(u"a"_s, "1\n");
     inner.commitAll(u"inner"_s);
     repository_->git({u"submodule"_s, u"--quiet"_s, u"add"_s, inner.path(), u"sub \"x\""_s});
@@ -224,7 +232,9 @@ void ForeignProgramsTest::submoduleRunsNothing()
     }
     repository_->git({u"add"_s, u".gitmodules"_s});
     repository_->git({u"commit"_s, u"-q"_s, u"-m"_s, u"with"_s});
-    repository_->git({u"-C"_s, u"sub \"x\""_s, u"config"_s, u"core.fsmonitor"_s, program()});
+    const QString other = folder_->filePath(u"other"_s);
+    repository_->git({u"config"_s, u"--file"_s, other, u"filter.evil.clean"_s, program()});
+    repository_->git({u"-C"_s, u"sub \"x\""_s, u"config"_s, key, key == u"include.path" ? other : program()});
     if (modules == u"forgotten") {
         repository_->git({u"rm"_s, u"-q"_s, u"--cached"_s, u".gitmodules"_s});
     }
@@ -241,6 +251,31 @@ void ForeignProgramsTest::submoduleRunsNothing()
     repository_->git({u"-C"_s, u"sub \"x\""_s, u"-c"_s, u"core.fsmonitor=false"_s, u"commit"_s, u"-qam"_s, u"more"_s});
     takeMarker();
     QVERIFY(git_->diff(u"sub \"x\""_s, false).contains(u"+Subproject commit"_s));
+    QVERIFY(!takeMarker());
+}
+
+void ForeignProgramsTest::submoduleThatIsToBePassedOverStaysSo()
+{
+    TemporaryRepository inner;
+    inner.commitAll(u"inner"_s);
+    repository_->git({u"submodule"_s, u"--quiet"_s, u"add"_s, inner.path(), u"sub"_s});
+    repository_->git({u"commit"_s, u"-q"_s, u"-m"_s, u"with"_s});
+    const auto inSub = [&](const QStringList& words) { repository_->git(QStringList{u"-C"_s, u"sub"_s} + words); };
+    inSub({u"commit"_s, u"-q"_s, u"--allow-empty"_s, u"-m"_s, u"more"_s});
+    inSub({u"config"_s, u"core.fsmonitor"_s, program()});
+    const auto isListed = [&] {
+        open();
+        return std::any_of(git_->status().begin(), git_->status().end(),
+                           [](const GitFileStatus& file) { return file.path == u"sub"; });
+    };
+    QVERIFY(isListed());
+    // Nothing of it is to be looked at, not even which commit it is on.
+    for (const QString& place : {u".gitmodules"_s, u".git/config"_s}) {
+        repository_->git({u"config"_s, u"--file"_s, place, u"submodule.sub.ignore"_s, u"all"_s});
+        QVERIFY2(!isListed(), qPrintable(place));
+        repository_->git({u"config"_s, u"--file"_s, place, u"--unset"_s, u"submodule.sub.ignore"_s});
+        QVERIFY2(isListed(), qPrintable(place));
+    }
     QVERIFY(!takeMarker());
 }
 

@@ -103,6 +103,7 @@ private Q_SLOTS:
     void aProjectThatWasLeftIsNotOpened();
     void aProjectThatIsOpenedElsewhereIsNotReadAgain();
     void anotherRepositoryIsWatchedFromThenOn();
+    void aRepositoryThatIsClosedIsLeftAtOnce();
 };
 
 void RepositoryFollowerTest::whatOthersDoIsSeen_data()
@@ -337,6 +338,17 @@ void RepositoryFollowerTest::anotherRepositoryIsWatchedFromThenOn()
     f.repository.git({u"tag"_s, u"v1"_s});
     f.settle();
     QCOMPARE(f.runner->count, 0);
+}
+
+void RepositoryFollowerTest::aRepositoryThatIsClosedIsLeftAtOnce()
+{
+    Followed f;
+    const TemporaryRepository other;
+    QVERIFY(f.git.open(other.url()));
+    // Where its files are is still being looked for.
+    QVERIFY(!f.follower.isSettled());
+    f.git.clearState();
+    QVERIFY(f.follower.isSettled());
 }
 
 const kelm::test::Registered<RepositoryFollowerTest> registered;

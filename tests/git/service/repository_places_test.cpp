@@ -24,6 +24,8 @@ private Q_SLOTS:
     void anOrdinaryRepository();
     void aWorkingTreeOfItsOwn();
     void aSubmodule();
+    void pathOfAFileIsReadWithoutItsLineEnd_data();
+    void pathOfAFileIsReadWithoutItsLineEnd();
     void whatIsNoRepository();
     void foldersOfReferencesAreFound();
     void foldersThatNeverEndAreNot();
@@ -73,6 +75,28 @@ void RepositoryPlacesTest::aSubmodule()
     const RepositoryPlaces places = repositoryPlaces(outer.filePath(u"part"_s));
     QCOMPARE(QDir::cleanPath(QFile::decodeName(places.gitFolder)), outer.path() + u"/.git/modules/part"_s);
     QCOMPARE(places.commonFolder, places.gitFolder);
+}
+
+void RepositoryPlacesTest::pathOfAFileIsReadWithoutItsLineEnd_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("none") << QByteArray();
+    QTest::newRow("a line feed") << QByteArray("\n");
+    QTest::newRow("a carriage return") << QByteArray("\r");
+    QTest::newRow("both") << QByteArray("\r\n");
+    QTest::newRow("several") << QByteArray("\n\n");
+}
+
+void RepositoryPlacesTest::pathOfAFileIsReadWithoutItsLineEnd()
+{
+    QFETCH(QByteArray, end);
+    const TemporaryRepository repository;
+    QVERIFY(QDir().mkpath(repository.filePath(u"tree/elsewhere"_s)));
+    repository.write(u"tree/.git"_s, "gitdir: ../.git/own" + end);
+    repository.write(u".git/own/commondir"_s, "../../tree/elsewhere" + end);
+    const RepositoryPlaces places = repositoryPlaces(repository.filePath(u"tree"_s));
+    QCOMPARE(places.gitFolder, bytes(repository.path()) + "/.git/own/");
+    QCOMPARE(places.commonFolder, bytes(repository.path()) + "/tree/elsewhere/");
 }
 
 void RepositoryPlacesTest::whatIsNoRepository()
@@ -125,6 +149,13 @@ void RepositoryPlacesTest::headTells_data()
     QTest::newRow("a longer name") << QByteArray("ref: refs/heads/a/한글\n") << u"a/한글"_s << QString();
     QTest::newRow("a commit") << hash.toLatin1() + "\n" << QString() << hash;
     QTest::newRow("a longer hash") << QByteArray(64, '0') << QString() << QString(64, u'0');
+    QTest::newRow("every digit") << "0123456789abcdef0123456789abcdef" + QByteArray(8, '9') << QString()
+                                 << u"0123456789abcdef0123456789abcdef99999999"_s;
+    QTest::newRow("capitals") << QByteArray(40, 'A') << QString() << QString();
+    QTest::newRow("a sign below the digits") << QByteArray(40, '/') << QString() << QString();
+    QTest::newRow("one above them") << QByteArray(40, ':') << QString() << QString();
+    QTest::newRow("one below the letters") << QByteArray(40, '`') << QString() << QString();
+    QTest::newRow("a last digit that is none") << QByteArray(39, 'a') + 'g' << QString() << QString();
     QTest::newRow("too short a hash") << QByteArray(39, 'a') << QString() << QString();
     QTest::newRow("no hash") << QByteArray(40, 'g') << QString() << QString();
     QTest::newRow("another reference") << QByteArray("ref: refs/tags/v1\n") << QString() << QString();
