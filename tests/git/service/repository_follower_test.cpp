@@ -96,6 +96,8 @@ private Q_SLOTS:
     void aViewerThatIsGoneLooksNoMore();
     void nothingIsReadWhileACommandRuns();
     void whatACommandMadeOldIsReadAgain();
+    void whatIsReadTooOldIsReadAgain();
+    void aReadingThatIsBrokenOffIsDoneAgain();
     void aFailureSaysNothing();
     void aProjectIsOpened();
     void aProjectWithoutARepositoryClosesIt();
@@ -242,6 +244,31 @@ void RepositoryFollowerTest::whatACommandMadeOldIsReadAgain()
     f.settle();
     QVERIFY(!seen.contains(u"not staged"_s));
     QCOMPARE(f.git.status().first().staged, GitFileChange::modified);
+}
+
+void RepositoryFollowerTest::whatIsReadTooOldIsReadAgain()
+{
+    Followed f;
+    f.repository.write(u"a.txt"_s, "two\n");
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay);
+    QVERIFY(!f.follower.isSettled());
+    // While that is read, a command runs that reads nothing afterwards.
+    f.git.run({u"tag"_s, u"v1"_s});
+    UNTIL(f, f.changedPaths() == QStringList{u"a.txt"_s});
+    QCOMPARE(f.git.tags().size(), 1);
+}
+
+void RepositoryFollowerTest::aReadingThatIsBrokenOffIsDoneAgain()
+{
+    Followed f;
+    f.repository.write(u"a.txt"_s, "two\n");
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay);
+    QVERIFY(!f.follower.isSettled());
+    // While that is read, the project is closed, and the repository is not.
+    f.follower.openProject(std::nullopt);
+    UNTIL(f, f.changedPaths() == QStringList{u"a.txt"_s});
 }
 
 void RepositoryFollowerTest::aFailureSaysNothing()
