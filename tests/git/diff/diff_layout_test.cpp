@@ -178,14 +178,28 @@ void DiffLayoutTest::everyPlaceIsFoundAgain()
 
 void DiffLayoutTest::widthsComeAndGo()
 {
+    QString text;
+    for (const QString& name : {u"a"_s, u"b"_s, u"c"_s}) {
+        text += diffOf(name, {{u" 12345678"_s, u"-x"_s, u"-y"_s, u"+z"_s}, {u" b"_s}, {u"-123456"_s, u"+1234"_s}});
+    }
     for (const DiffViewMode mode : allDiffViewModes) {
-        DiffLayout changed(twoFiles(), mode, metrics, 80);
-        for (const qsizetype columns : {3, 2, 7, 80, 1, 4, 100}) {
+        const QList<DiffFile> files = DiffParser::parse(text);
+        DiffLayout changed(files, mode, metrics, 80);
+        for (const qsizetype columns : {3, 2, 2, 7, 80, 1, 4, 100}) {
             changed.setColumns(columns);
-            const DiffLayout fresh(twoFiles(), mode, metrics, columns);
+            const DiffLayout fresh(files, mode, metrics, columns);
+            QCOMPARE(changed.columns(), columns);
             QCOMPARE(changed.height(), fresh.height());
-            QCOMPARE(changed.hunkTop(0, 1), fresh.hunkTop(0, 1));
-            QCOMPARE(changed.fileTop(1), fresh.fileTop(1));
+            for (qsizetype file = 0; file < files.size(); ++file) {
+                QCOMPARE(changed.fileTop(file), fresh.fileTop(file));
+                QCOMPARE(changed.fileHeight(file), fresh.fileHeight(file));
+                for (qsizetype hunk = 0; hunk < files[file].hunks.size(); ++hunk) {
+                    QCOMPARE(changed.hunkTop(file, hunk), fresh.hunkTop(file, hunk));
+                    for (qsizetype entry = 0; entry < fresh.entryCount(file, hunk); ++entry) {
+                        QCOMPARE(changed.entryRows(file, hunk, entry), fresh.entryRows(file, hunk, entry));
+                    }
+                }
+            }
         }
     }
 }
