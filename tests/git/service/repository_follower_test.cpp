@@ -92,6 +92,7 @@ private Q_SLOTS:
     void nothingIsReadWithoutAChange();
     void readingIsNoChange();
     void manyChangesAreReadOnce();
+    void aBusyRepositoryIsReadAllTheSame();
     void nobodyLooksNobodyReads();
     void aViewerThatIsGoneLooksNoMore();
     void nothingIsReadWhileACommandRuns();
@@ -187,6 +188,17 @@ void RepositoryFollowerTest::manyChangesAreReadOnce()
     }
     f.settle();
     QCOMPARE(f.runner->count, 8);
+}
+
+void RepositoryFollowerTest::aBusyRepositoryIsReadAllTheSame()
+{
+    Followed f;
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay / 2);
+    // What comes meanwhile does not put it off.
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay / 2);
+    QTRY_COMPARE(f.runner->count, 8);
 }
 
 void RepositoryFollowerTest::nobodyLooksNobodyReads()

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void whatIsNoRepository();
     void foldersOfReferencesAreFound();
     void foldersThatNeverEndAreNot();
+    void headIsNotTooLong_data();
+    void headIsNotTooLong();
     void headTells_data();
     void headTells();
     void headOfAnotherWorkingTree();
@@ -137,6 +139,29 @@ void RepositoryPlacesTest::foldersThatNeverEndAreNot()
     const QList<QByteArray> files = filesOfState(repositoryPlaces(repository.path()));
     QVERIFY2(files.size() < 1010, qPrintable(QString::number(files.size())));
     QVERIFY(!files.join(' ').contains("round"));
+}
+
+void RepositoryPlacesTest::headIsNotTooLong_data()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<bool>("isFound");
+    QTest::newRow("missing") << -1 << true;
+    QTest::newRow("empty") << 0 << true;
+    QTest::newRow("8 KiB") << 8192 << true;
+    QTest::newRow("a byte more") << 8193 << false;
+    QTest::newRow("much more") << (1 << 20) << false;
+}
+
+void RepositoryPlacesTest::headIsNotTooLong()
+{
+    QFETCH(int, bytes);
+    QFETCH(bool, isFound);
+    const TemporaryRepository repository;
+    QVERIFY(repository.remove(u".git/HEAD"_s));
+    if (bytes >= 0) {
+        repository.write(u".git/HEAD"_s, QByteArray(bytes, ' '));
+    }
+    QCOMPARE(findRepository(repository.path()), isFound ? std::optional(repository.path()) : std::nullopt);
 }
 
 void RepositoryPlacesTest::headTells_data()
