@@ -165,6 +165,8 @@ void GitEnvironmentTest::settingsOfACommandLineStayInFront()
     const GitSettings settings{{u"a.it's.b"_s, u"'%1' \"x\"; a=b ! \\"_s}, {u"a.c"_s, QString()}};
     replaceForeignPrograms(variables, {.settings = settings});
     QVERIFY(variables.value(u"GIT_CONFIG_PARAMETERS"_s).startsWith(given));
+    // All stand in one place.
+    QCOMPARE(variables.contains(u"GIT_CONFIG_COUNT"_s), given.isEmpty());
     const TemporaryRepository repository;
     const auto read = [&](const QString& key) {
         return QString::fromUtf8(ProcessRunner::system()
