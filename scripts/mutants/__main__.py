@@ -78,12 +78,12 @@ class Run:
         for program in programs:
             if "view" in program and self.options.engine:
                 break
-            waiting = [drawn for drawn in waiting if drawn.key not in self.told]
+            waiting = [drawn for drawn in waiting
+                       if drawn.key not in self.told and self.results.outcome(drawn) != "does not compile"]
             if not waiting:
                 return
             say(f"{self.room}: building {program}")
             self.build_program(program)
-            waiting = [drawn for drawn in waiting if self.results.outcome(drawn) != "does not compile"]
             # The test runner knows the command of what is built.
             tests = self.without_change(self.copy.tests(self.room)[program])
             self.try_switched(tests, waiting)

@@ -7,6 +7,13 @@
 
 namespace kelm {
 
+namespace {
+
+/// Where a hunk's lines begin that are shown, behind the header's own.
+constexpr qint32 firstLine = 1;
+
+} // namespace
+
 DiffLayout::DiffLayout(QList<DiffFile> files, DiffViewMode mode, const DiffMetrics& metrics, qsizetype columns)
     : files_(std::move(files)), mode_(mode), metrics_(metrics), columns_(columns)
 {
@@ -26,13 +33,12 @@ DiffLayout::DiffLayout(QList<DiffFile> files, DiffViewMode mode, const DiffMetri
 DiffLayout::Hunk DiffLayout::measured(const DiffHunk& hunk) const
 {
     Hunk layout;
-    layout.firstLine = !hunk.lines.isEmpty() && hunk.lines.front().kind == DiffLineKind::hunkHeader ? 1 : 0;
     layout.entries =
-        mode_ == DiffViewMode::unified ? hunk.lines.size() - layout.firstLine : SideBySideHunkLines(hunk).rowCount();
-    if (!hunk.lines.isEmpty() && isBehindTheText(hunk, hunk.lines.back())) {
+        mode_ == DiffViewMode::unified ? hunk.lines.size() - firstLine : SideBySideHunkLines(hunk).rowCount();
+    if (isBehindTheText(hunk, hunk.lines.back())) {
         --layout.entries;
     }
-    for (qsizetype line = layout.firstLine; line < hunk.lines.size(); ++line) {
+    for (qsizetype line = firstLine; line < hunk.lines.size(); ++line) {
         layout.widest = std::max(layout.widest, cellCount(hunk.lines[line].text));
     }
     wrap(hunk, layout);
@@ -138,7 +144,7 @@ SideBySideHunkLines::Pairing DiffLayout::lines(qsizetype file, qsizetype hunk, q
 SideBySideHunkLines::Pairing DiffLayout::linesOf(const DiffHunk& hunk, const Hunk& layout, qsizetype entry) const
 {
     if (mode_ == DiffViewMode::unified) {
-        const qint32 line = layout.firstLine + static_cast<qint32>(entry);
+        const qint32 line = firstLine + static_cast<qint32>(entry);
         return {line, line};
     }
     if (layout.pairings.empty()) {

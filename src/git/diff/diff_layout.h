@@ -78,8 +78,6 @@ public:
 private:
     struct Hunk
     {
-        /// Where the lines begin that are shown, behind the header's own.
-        qint32 firstLine = 0;
         qsizetype entries = 0;
         /// The cells of the longest line.
         qsizetype widest = 0;

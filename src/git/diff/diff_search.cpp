@@ -33,7 +33,7 @@ DiffSearch::Spot DiffSearch::firstSpot() const
 
 DiffSearch::Spot DiffSearch::lastSpot() const
 {
-    Spot spot{layout_.files().size(), -1, 0, Side::oldSide};
+    Spot spot{.file = layout_.files().size()};
     stepBackwards(spot);
     return spot;
 }

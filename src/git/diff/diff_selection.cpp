@@ -124,10 +124,8 @@ DiffSelection extendedByLine(const DiffLayout& layout, const DiffSelection& sele
 {
     DiffSelection extended = selection;
     const auto next = neighbouringLine(layout, selection.caret, selection.side, isBelow);
-    if (selection.isEmpty() || !next) {
-        // The line itself first.
-        extended.caret.unit = isBelow ? lengthAt(layout, selection.caret, selection.side) : 0;
-    } else {
+    // The line itself first.
+    if (next && !selection.isEmpty()) {
         extended.caret = *next;
     }
     const auto key = [](const DiffTextPlace& place) { return std::tuple(place.file, place.hunk, place.entry); };

@@ -12,19 +12,12 @@ void walk(const DiffHunk& hunk, Change change, Flush flush, Both both)
 {
     for (qsizetype index = 0; index < hunk.lines.size(); ++index) {
         const auto line = static_cast<qint32>(index);
-        switch (hunk.lines[index].kind) {
-        case DiffLineKind::context:
-        case DiffLineKind::noNewline:
+        const DiffLineKind kind = hunk.lines[index].kind;
+        if (kind == DiffLineKind::context || kind == DiffLineKind::noNewline) {
             flush();
             both(line);
-            break;
-        case DiffLineKind::removed:
-        case DiffLineKind::added:
-            change(line, hunk.lines[index].kind == DiffLineKind::removed);
-            break;
-        case DiffLineKind::hunkHeader:
-        case DiffLineKind::fileHeader:
-            break;
+        } else if (kind == DiffLineKind::removed || kind == DiffLineKind::added) {
+            change(line, kind == DiffLineKind::removed);
         }
     }
     flush();

@@ -37,10 +37,26 @@ constexpr std::array readingSettings{
 };
 
 constexpr QStringView settingCount = u"GIT_CONFIG_COUNT";
+/// Where `git -c` hands its settings on, to its editor too.
+constexpr QStringView commandLineSettings = u"GIT_CONFIG_PARAMETERS";
 
-/// Appends to the settings that the environment has: of two for one key the last holds.
+/// As git reads it there.
+QString quoted(const QString& text)
+{
+    return u'\'' + QString(text).replace(u'\'', u"'\\''"_s) + u'\'';
+}
+
+/// Appends to the settings that the environment has: of two for one key the last holds, and those of a command line
+/// come behind all others.
 void append(EnvironmentVariables& variables, const GitSettings& settings)
 {
+    if (QString given = variables.value(commandLineSettings.toString()); !given.isEmpty()) {
+        for (const auto& [key, value] : settings) {
+            given += u' ' + quoted(key) + u'=' + quoted(value);
+        }
+        variables.insert(commandLineSettings.toString(), given);
+        return;
+    }
     int count = variables.value(settingCount.toString()).toInt();
     for (const auto& [key, value] : settings) {
         variables.insert(u"GIT_CONFIG_KEY_%1"_s.arg(count), key);

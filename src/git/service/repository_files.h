@@ -18,8 +18,8 @@ struct RepositoryFiles
     /// Absent where ".git" is neither a folder nor a file that names one.
     static std::optional<RepositoryFiles> of(const QString& folder);
 
-    /// False for a HEAD that is no regular file or far too long, which would hold git up. One that is missing is git's
-    /// to judge.
+    /// False for a HEAD that is no regular file or longer than 8 KiB, which might hold git up. One that is missing is
+    /// git's to judge.
     bool hasReadableHead() const;
 
     QString settings() const { return commonFolder + QStringLiteral("/config"); }

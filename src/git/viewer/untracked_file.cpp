@@ -47,7 +47,6 @@ QString addedText(const QString& text, const QString& name)
     const qsizetype lines = text.count(u'\n') + (isEnded ? 0 : 1);
     QString diff = u"diff --git a/%1 b/%1\nnew file mode 100644\n--- /dev/null\n+++ b/%1\n@@ -0,0 +1"_s.arg(name);
     diff += lines == 1 ? u" @@"_s : u",%1 @@"_s.arg(lines);
-    diff.reserve(diff.size() + text.size() + 2 * lines + 40);
     for (const QStringView line : QStringView(text).chopped(isEnded ? 1 : 0).tokenize(u'\n')) {
         diff += u"\n+"_s;
         diff += line;

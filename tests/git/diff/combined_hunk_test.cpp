@@ -62,8 +62,11 @@ private Q_SLOTS:
     void conflictIsReadable();
     void filesOfAMergeAreApart();
     void otherHunksAreLeftAlone();
+    void lastLineNumberStays();
     void piecesAreTheText_data();
     void piecesAreTheText();
+    void fileIsNamedByItsFirstLine_data();
+    void fileIsNamedByItsFirstLine();
 };
 
 void CombinedHunkTest::conflictIsReadable()
@@ -112,6 +115,15 @@ void CombinedHunkTest::otherHunksAreLeftAlone()
     }
 }
 
+void CombinedHunkTest::lastLineNumberStays()
+{
+    const DiffContent content =
+        DiffContent::of(u"diff --cc a\n@@@ -1 -1 +9223372036854775806,4 @@@\n  a\n  b\n++c\n--d\n  e\n"_s);
+    QCOMPARE(described(content.files[0].hunks[0]),
+             (QStringList{u"c 9223372036854775806   a"_s, u"c 9223372036854775807   b"_s,
+                          u"a 9223372036854775807 ++c"_s, u"r . --d"_s, u"c 9223372036854775807   e"_s}));
+}
+
 void CombinedHunkTest::piecesAreTheText_data()
 {
     QTest::addColumn<QString>("text");
@@ -133,6 +145,33 @@ void CombinedHunkTest::piecesAreTheText()
         joined += piece;
     }
     QCOMPARE(joined, text);
+}
+
+void CombinedHunkTest::fileIsNamedByItsFirstLine_data()
+{
+    QTest::addColumn<QString>("piece");
+    QTest::addColumn<QString>("path");
+    QTest::newRow("nothing") << QString() << QString();
+    QTest::newRow("one form") << u"diff --cc a b\nindex 1,2..0\n"_s << u"a b"_s;
+    QTest::newRow("the other") << u"diff --combined a/b\nindex 1,2..0\n"_s << u"a/b"_s;
+    QTest::newRow("without an end") << u"diff --cc a"_s << u"a"_s;
+    QTest::newRow("of no name") << u"diff --cc \n"_s << QString();
+    QTest::newRow("an ordinary file") << u"diff --git a/a b/a\n"_s << QString();
+    QTest::newRow("not in the first line") << u"commit\ndiff --cc a\n"_s << QString();
+}
+
+void CombinedHunkTest::fileIsNamedByItsFirstLine()
+{
+    QFETCH(QString, piece);
+    QFETCH(QString, path);
+    QCOMPARE(pathOfCombinedDiff(piece), path);
+    if (!path.isEmpty()) {
+        // As of a file that the merge has taken away, which no other line names.
+        const DiffContent content =
+            DiffContent::of(u"commit\n\n"_s + piece.section(u'\n', 0, 0) + u"\n@@@ -1 -1 +0,0 @@@\n--x\n"_s);
+        QCOMPARE(content.files.size(), 1);
+        QCOMPARE(content.files[0].path, path);
+    }
 }
 
 const kelm::test::Registered<CombinedHunkTest> registered;

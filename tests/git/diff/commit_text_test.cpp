@@ -34,6 +34,8 @@ void CommitTextTest::headIsRead_data()
     QTest::newRow("one line") << head + u"\n    Mend it\n\ndiff --git a/a b/a\n@@ -1 +1 @@\n-    no message\n"_s
                               << commit(u"Mend it"_s);
     QTest::newRow("without changes") << head + u"\n    Mend it\n"_s << commit(u"Mend it"_s);
+    QTest::newRow("cut off in its message") << head + u"\n    Mend it"_s << commit(u"Mend it"_s);
+    QTest::newRow("cut off in its head") << head.chopped(1) << commit({});
     QTest::newRow("several paragraphs, an indented line")
         << head + u"\n    Mend it\n    \n    Since it was\n        broken.\n"
                   "    diff --git is no file here\n\ndiff --git a/a b/a\n"_s

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void heightsAddUp();
     void collapsedHunkKeepsItsHeader();
     void sideBySideFacesLines();
+    void onlyLinesOfTheFileAreEntries_data();
+    void onlyLinesOfTheFileAreEntries();
     void longLinesTakeSeveralRows();
     void everyPlaceIsFoundAgain_data();
     void everyPlaceIsFoundAgain();
@@ -83,6 +85,27 @@ void DiffLayoutTest::sideBySideFacesLines()
     QCOMPARE(layout.lines(0, 0, 0), (SideBySideHunkLines::Pairing{1, 1}));
     QCOMPARE(layout.lines(0, 0, 1), (SideBySideHunkLines::Pairing{2, 4}));
     QCOMPARE(layout.lines(0, 0, 2), (SideBySideHunkLines::Pairing{3, -1}));
+}
+
+void DiffLayoutTest::onlyLinesOfTheFileAreEntries_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<qsizetype>("unified");
+    QTest::addColumn<qsizetype>("sideBySide");
+    QTest::newRow("none") << QString() << qsizetype(0) << qsizetype(0);
+    QTest::newRow("none, with the text's end") << u"\n"_s << qsizetype(0) << qsizetype(0);
+    QTest::newRow("two") << u"\n-a\n+b"_s << qsizetype(2) << qsizetype(1);
+    QTest::newRow("two, with the text's end") << u"\n-a\n+b\n"_s << qsizetype(2) << qsizetype(1);
+    QTest::newRow("an empty one within") << u"\n\n b\n"_s << qsizetype(2) << qsizetype(2);
+    QTest::newRow("an empty one at the end") << u"\n b\n \n"_s << qsizetype(2) << qsizetype(2);
+}
+
+void DiffLayoutTest::onlyLinesOfTheFileAreEntries()
+{
+    QFETCH(QString, body);
+    const QList<DiffFile> files = DiffParser::parse(u"@@ -1,9 +1,9 @@"_s + body);
+    QTEST(DiffLayout(files, DiffViewMode::unified, metrics, 80).entryCount(0, 0), "unified");
+    QTEST(DiffLayout(files, DiffViewMode::sideBySide, metrics, 80).entryCount(0, 0), "sideBySide");
 }
 
 void DiffLayoutTest::longLinesTakeSeveralRows()
@@ -135,12 +158,15 @@ void DiffLayoutTest::everyPlaceIsFoundAgain()
             QVERIFY(y >= layout.fileTop(place.file) && y < layout.fileTop(place.file) + metrics.fileHeader);
             break;
         case Part::hunkHeader: {
+            QVERIFY(place.hunk < layout.files()[place.file].hunks.size());
             const qint64 top = layout.hunkTop(place.file, place.hunk);
             QVERIFY(y >= top && y < top + metrics.hunkHeader);
             break;
         }
         case Part::entry: {
+            QVERIFY(place.hunk < layout.files()[place.file].hunks.size());
             QVERIFY(!layout.isCollapsed(place.file, place.hunk));
+            QVERIFY(place.entry < layout.entryCount(place.file, place.hunk));
             const qint64 top = layout.entryTop(place.file, place.hunk, place.entry);
             QVERIFY(y >= top);
             QVERIFY(y < top + layout.entryRows(place.file, place.hunk, place.entry) * metrics.row);
@@ -152,14 +178,28 @@ void DiffLayoutTest::everyPlaceIsFoundAgain()
 
 void DiffLayoutTest::widthsComeAndGo()
 {
+    QString text;
+    for (const QString& name : {u"a"_s, u"b"_s, u"c"_s}) {
+        text += diffOf(name, {{u" 12345678"_s, u"-x"_s, u"-y"_s, u"+z"_s}, {u" b"_s}, {u"-123456"_s, u"+1234"_s}});
+    }
     for (const DiffViewMode mode : allDiffViewModes) {
-        DiffLayout changed(twoFiles(), mode, metrics, 80);
-        for (const qsizetype columns : {3, 2, 7, 80, 1, 4, 100}) {
+        const QList<DiffFile> files = DiffParser::parse(text);
+        DiffLayout changed(files, mode, metrics, 80);
+        for (const qsizetype columns : {3, 2, 2, 7, 80, 1, 4, 100}) {
             changed.setColumns(columns);
-            const DiffLayout fresh(twoFiles(), mode, metrics, columns);
+            const DiffLayout fresh(files, mode, metrics, columns);
+            QCOMPARE(changed.columns(), columns);
             QCOMPARE(changed.height(), fresh.height());
-            QCOMPARE(changed.hunkTop(0, 1), fresh.hunkTop(0, 1));
-            QCOMPARE(changed.fileTop(1), fresh.fileTop(1));
+            for (qsizetype file = 0; file < files.size(); ++file) {
+                QCOMPARE(changed.fileTop(file), fresh.fileTop(file));
+                QCOMPARE(changed.fileHeight(file), fresh.fileHeight(file));
+                for (qsizetype hunk = 0; hunk < files[file].hunks.size(); ++hunk) {
+                    QCOMPARE(changed.hunkTop(file, hunk), fresh.hunkTop(file, hunk));
+                    for (qsizetype entry = 0; entry < fresh.entryCount(file, hunk); ++entry) {
+                        QCOMPARE(changed.entryRows(file, hunk, entry), fresh.entryRows(file, hunk, entry));
+                    }
+                }
+            }
         }
     }
 }

@@ -90,6 +90,8 @@ private Q_SLOTS:
     void matchesFollowEachOther_data();
     void matchesFollowEachOther();
     void whatIsNotThereIsNotFound();
+    void placeThatIsGoneIsAnEnd_data();
+    void placeThatIsGoneIsAnEnd();
     void longDiffIsSearchedInPieces();
 };
 
@@ -149,6 +151,31 @@ void DiffSearchTest::whatIsNotThereIsNotFound()
     }
     const DiffLayout empty;
     QCOMPARE(DiffSearch(empty, u"a"_s, {}, Side::newSide, Direction::forwards).look(10), State::nothing);
+}
+
+void DiffSearchTest::placeThatIsGoneIsAnEnd_data()
+{
+    QTest::addColumn<DiffTextPlace>("from");
+    QTest::newRow("a file behind the last") << DiffTextPlace{2, -1, 0, 0};
+    QTest::newRow("a line there") << DiffTextPlace{2, 0, 0, 3};
+    QTest::newRow("a hunk behind a file's last") << DiffTextPlace{0, 2, 0, 3};
+    QTest::newRow("a hunk of a file without any") << DiffTextPlace{1, 0, 0, 3};
+    QTest::newRow("a line behind a hunk's last") << DiffTextPlace{0, 0, 1, 3};
+    QTest::newRow("a line far behind it") << DiffTextPlace{0, 1, 99, 3};
+}
+
+void DiffSearchTest::placeThatIsGoneIsAnEnd()
+{
+    QFETCH(DiffTextPlace, from);
+    const QList<DiffFile> files = DiffParser::parse(diffOf(u"a"_s, {{u" a"_s}, {u" a"_s}}) + diffOf(u"image a"_s, {}));
+    const DiffLayout layout(files, DiffViewMode::unified, {}, 80);
+    const auto found = [&](Direction direction) {
+        DiffSearch search(layout, u"a"_s, from, Side::newSide, direction);
+        return search.look(1'000'000) == State::found && !search.hasWrapped() ? search.match()->anchor
+                                                                              : DiffTextPlace{};
+    };
+    QCOMPARE(found(Direction::forwards), (DiffTextPlace{0, -1, 0, 0}));
+    QCOMPARE(found(Direction::backwards), (DiffTextPlace{1, -1, 0, 6}));
 }
 
 void DiffSearchTest::longDiffIsSearchedInPieces()

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void collapsedLinesAreLeftOut();
     void offsetsAndPlacesGoBothWays_data();
     void offsetsAndPlacesGoBothWays();
+    void everyLineHasItsPlace();
     void nothingHasNoPlace();
 };
 
@@ -91,6 +92,29 @@ void DiffTranscriptTest::offsetsAndPlacesGoBothWays()
     const qsizetype word = transcript.text().indexOf(u"TWO");
     QCOMPARE(transcript.placeOf(word + 1).unit, 1);
     QCOMPARE(transcript.text().mid(*transcript.offsetOf({0, 1, 0, 2}, Side::newSide), 3), u"ree"_s);
+}
+
+void DiffTranscriptTest::everyLineHasItsPlace()
+{
+    for (const DiffViewMode mode : allDiffViewModes) {
+        const DiffTranscript transcript(layoutOf(mode));
+        const auto placeOf = [&](const QString& line) { return transcript.placeOf(transcript.text().indexOf(line)); };
+        QCOMPARE(placeOf(u"a.txt"_s), (DiffTextPlace{0, -1, 0, 0}));
+        QCOMPARE(placeOf(u"@@ -1,"_s), (DiffTextPlace{0, 0, -1, 0}));
+        QCOMPARE(placeOf(u"one"_s), (DiffTextPlace{0, 0, 0, 0}));
+        QCOMPARE(placeOf(u"zwei"_s), (DiffTextPlace{0, 0, 2, 0}));
+        // In the other form it faces the first of the two that were removed.
+        QCOMPARE(placeOf(u"TWO"_s), (DiffTextPlace{0, 0, mode == DiffViewMode::unified ? 3 : 1, 0}));
+        QCOMPARE(placeOf(u"@@ -101,"_s), (DiffTextPlace{0, 1, -1, 0}));
+        QCOMPARE(placeOf(u"three"_s), (DiffTextPlace{0, 1, 0, 0}));
+        // What is spoken before a line belongs to its first unit, and its line feed to its last.
+        QCOMPARE(placeOf(u"added: three"_s), (DiffTextPlace{0, 1, 0, 0}));
+        QCOMPARE(transcript.placeOf(transcript.text().size() - 1), (DiffTextPlace{0, 1, 0, 5}));
+        QCOMPARE(transcript.placeOf(transcript.text().size() + 9), (DiffTextPlace{0, 1, 0, 5}));
+        QCOMPARE(transcript.offsetOf({0, -1, 0, 2}, Side::newSide), std::optional<qsizetype>(2));
+        QCOMPARE(transcript.offsetOf({0, 1, 0, 5}, Side::oldSide), std::optional(transcript.text().size() - 1));
+        QCOMPARE(transcript.offsetOf({0, 2, 0, 0}, Side::newSide), std::nullopt);
+    }
 }
 
 void DiffTranscriptTest::nothingHasNoPlace()

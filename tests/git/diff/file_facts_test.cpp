@@ -88,6 +88,9 @@ void FileFactsTest::contentsHaveTheirNames()
     };
     QCOMPARE(facts(u"index 1a2b..3c4d 100644"_s).oldContent, u"1a2b"_s);
     QCOMPARE(facts(u"index 1a2b..3c4d 100644"_s).newContent, u"3c4d"_s);
+    QCOMPARE(facts(u"index 1a2b..0000000"_s).oldContent, u"1a2b"_s);
+    QCOMPARE(facts(u"index 1a2b..0000000"_s).newContent, QString());
+    QCOMPARE(facts(u"index 1a2b"_s).newContent, QString());
     QCOMPARE(facts(u"index 0000000..3c4d"_s).oldContent, QString());
     QCOMPARE(facts(u"index 0000000..3c4d"_s).newContent, u"3c4d"_s);
     // Of a combined diff there are several old ones.
@@ -104,6 +107,15 @@ void FileFactsTest::sizesAreShort_data()
     QTest::newRow("a step") << qint64(1024) << u"1 KB"_s;
     QTest::newRow("a half") << qint64(1536) << u"1.5 KB"_s;
     QTest::newRow("whole") << qint64(12 * 1024 + 300) << u"12 KB"_s;
+    QTest::newRow("just above a step") << qint64(1050) << u"1 KB"_s;
+    QTest::newRow("a tenth above it") << qint64(1126) << u"1.1 KB"_s;
+    QTest::newRow("just below ten") << qint64(10138) << u"9.9 KB"_s;
+    QTest::newRow("ten and more") << qint64(10957) << u"11 KB"_s;
+    QTest::newRow("below the next step") << qint64(1000) * 1024 << u"1000 KB"_s;
+    QTest::newRow("the next step") << qint64(1024) * 1024 << u"1 MB"_s;
+    QTest::newRow("one and a half of it") << qint64(1536) * 1024 << u"1.5 MB"_s;
+    QTest::newRow("the largest step") << (qint64(3) << 40) << u"3 TB"_s;
+    QTest::newRow("beyond all steps") << (qint64(5000) << 40) << u"5000 TB"_s;
     QTest::newRow("large") << qint64(5) * 1024 * 1024 * 1024 << u"5 GB"_s;
 }
 

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void changedMeaningIsForetold_data();
     void changedMeaningIsForetold();
     void conflictsAndInnerRepositoriesAreTold();
+    void hunkThatLacksLinesIsNotTaken_data();
+    void hunkThatLacksLinesIsNotTaken();
 
 private:
     /// Whether git takes each hunk alone, and whether that was said; the first difference in words.
@@ -149,6 +151,31 @@ void HunkHindranceTest::conflictsAndInnerRepositoriesAreTold()
                 .contains(u"submodule"));
     QVERIFY(reason(u"diff --git a/o b/n\nsimilarity index 90%\ncopy from o\ncopy to n\n@@ -1 +1 @@\n-a\n+b\n"_s)
                 .contains(u"copied"));
+}
+
+void HunkHindranceTest::hunkThatLacksLinesIsNotTaken_data()
+{
+    QTest::addColumn<QString>("hunk");
+    QTest::addColumn<bool>("isWhole");
+    QTest::newRow("whole") << u"@@ -1,3 +1,2 @@\n a\n-b\n-c\n+d\n"_s << true;
+    QTest::newRow("without an end of its own") << u"@@ -1,3 +1,2 @@\n a\n-b\n-c\n+d"_s << true;
+    QTest::newRow("one old line less than it says") << u"@@ -1,4 +1,2 @@\n a\n-b\n-c\n+d\n"_s << false;
+    QTest::newRow("one new line less") << u"@@ -1,3 +1,3 @@\n a\n-b\n-c\n+d\n"_s << false;
+    QTest::newRow("only added") << u"@@ -0,0 +1,2 @@\n+a\n+b\n"_s << true;
+    QTest::newRow("only added, one less") << u"@@ -0,0 +1,3 @@\n+a\n+b\n"_s << false;
+    QTest::newRow("only removed") << u"@@ -1,2 +0,0 @@\n-a\n-b\n"_s << true;
+    QTest::newRow("only removed, one less") << u"@@ -1,3 +0,0 @@\n-a\n-b\n"_s << false;
+    QTest::newRow("the mark of no newline is no line")
+        << u"@@ -1,2 +1,3 @@\n-a\n-b\n+a\n+b\n\\ No newline at end of file\n"_s << false;
+}
+
+void HunkHindranceTest::hunkThatLacksLinesIsNotTaken()
+{
+    QFETCH(QString, hunk);
+    const DiffContent content = DiffContent::of(u"diff --git a/f b/f\nindex 1..2 100644\n--- a/f\n+++ b/f\n"_s + hunk);
+    for (const bool isReversed : {false, true}) {
+        QTEST(HunkHindrance::of(content.files[0], 0, isReversed).reason.isEmpty(), "isWhole");
+    }
 }
 
 const kelm::test::Registered<HunkHindranceTest> registered;

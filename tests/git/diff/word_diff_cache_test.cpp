@@ -20,6 +20,9 @@ private Q_SLOTS:
     void shortLinesAreComparedAtOnce();
     void longLinesAreComparedElsewhere();
     void severalLongPairsAreAllCompared();
+    void lengthsOfBothLinesCount_data();
+    void lengthsOfBothLinesCount();
+    void manyPairsAreNotAllKept();
     void forgottenPairsAreNotTold();
     void cacheMayGoWhileLinesAreCompared();
 };
@@ -78,6 +81,48 @@ void WordDiffCacheTest::severalLongPairsAreAllCompared()
     for (int pair = 0; pair < 5; ++pair) {
         QTRY_VERIFY(cache.words(hunk, 2 * pair + 1, 2 * pair + 2) != nullptr);
     }
+}
+
+void WordDiffCacheTest::lengthsOfBothLinesCount_data()
+{
+    QTest::addColumn<qsizetype>("oldUnits");
+    QTest::addColumn<qsizetype>("newUnits");
+    QTest::addColumn<bool>("isAtOnce");
+    constexpr qsizetype most = WordDiffCache::longestAtOnce;
+    QTest::newRow("as long as may be") << most - 1 << qsizetype(1) << true;
+    QTest::newRow("the other way round") << qsizetype(1) << most - 1 << true;
+    QTest::newRow("one unit more in the old") << most << qsizetype(1) << false;
+    QTest::newRow("one unit more in the new") << qsizetype(1) << most << false;
+    QTest::newRow("both half of it") << most / 2 << most / 2 << true;
+}
+
+void WordDiffCacheTest::lengthsOfBothLinesCount()
+{
+    QFETCH(qsizetype, oldUnits);
+    QFETCH(qsizetype, newUnits);
+    WordDiffCache cache([] {});
+    const DiffHunk hunk = hunkOf({u'-' + QString(oldUnits, u'x'), u'+' + QString(newUnits, u'y')});
+    QTEST(cache.words(hunk, 1, 2) != nullptr, "isAtOnce");
+    QTRY_VERIFY(cache.words(hunk, 1, 2) != nullptr);
+}
+
+void WordDiffCacheTest::manyPairsAreNotAllKept()
+{
+    WordDiffCache cache([] {});
+    QStringList lines{u"-a"_s};
+    constexpr qsizetype pairs = 50'000;
+    for (qsizetype pair = 0; pair < pairs; ++pair) {
+        lines.append(u"+b"_s);
+    }
+    const DiffHunk hunk = hunkOf(lines);
+    qsizetype most = 0;
+    for (qsizetype pair = 0; pair < pairs; ++pair) {
+        const ChangedWords* const words = cache.words(hunk, 1, pair + 2);
+        QVERIFY(words != nullptr && words->newLine == (std::vector<LineStretch>{{0, 1}}));
+        most = std::max(most, cache.size());
+    }
+    // Many more than a screen shows, and far fewer than there are.
+    QVERIFY2(most > 1000 && most < pairs / 2, qPrintable(QString::number(most)));
 }
 
 void WordDiffCacheTest::forgottenPairsAreNotTold()

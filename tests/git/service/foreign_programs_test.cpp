@@ -1,9 +1,9 @@
-#include "git/service/git_service.h"
+#include "git/service/foreign_repository.h"
 #include "support/recording_process_runner.h"
-#include "support/temporary_repository.h"
 #include "support/test_program.h"
 
-#include <QTemporaryDir>
+#include <QMap>
+#include <QScopeGuard>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -14,111 +14,30 @@ using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
 using namespace kelm::test;
 
-namespace {
-
-using Settings = QList<std::pair<QString, QString>>;
-
-} // namespace
-
 /// A repository whose own settings name programs, and what is read of it without being asked for.
-class ForeignProgramsTest final : public QObject
+class ForeignProgramsTest final : public QObject, private ForeignRepository
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { prepare(); }
     void nothingRunsForWhatIsRead_data();
     void nothingRunsForWhatIsRead();
     void settingsFoundThroughAnIncludeRunNothing();
     void settingsOfABranchRunNothing();
     void hooksDoNotRunForWhatIsRead();
-    void submoduleRunsNothing_data();
-    void submoduleRunsNothing();
-    void submoduleFetchesNothing();
     void signatureIsNotLookedAt();
     void missingObjectIsNotFetchedByAForeignProgram();
     void missingObjectIsFetchedInAnOrdinaryClone();
     void programsOfThePersonGoOnWorking();
+    void comparisonOfThePersonIsPlainToo_data();
     void comparisonOfThePersonIsPlainToo();
     void textWithAConversionIsShownAsItIs();
     void whatIsAskedForRunsHooksAndFilters();
     void plainRepositoryStartsNothingMore();
     void headThatIsAPipeOrHugeIsNoRepository_data();
     void headThatIsAPipeOrHugeIsNoRepository();
-
-private:
-    std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<TemporaryRepository> repository_;
-    std::unique_ptr<GitService> git_;
-    QString marker_;
-
-    /// A shell command that leaves the marker and then behaves as `rest` does.
-    QString command(const QString& rest = u"cat"_s) const { return u"touch '%1'; %2"_s.arg(marker_, rest); }
-    /// The same as a program without arguments of its own.
-    QString program() const
-    {
-        const QString path = folder_->filePath(u"program"_s);
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly)) {
-            file.write("#!/bin/sh\ntouch '" + marker_.toUtf8() + "'\ncat 2>/dev/null\nexit 0\n");
-        }
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return path;
-    }
-    bool takeMarker() const { return QFile::remove(marker_); }
-    void set(const QString& key, const QString& value) const { repository_->git({u"config"_s, key, value}); }
-    void open()
-    {
-        QVERIFY(git_->open(repository_->url()));
-        clearError();
-    }
-    void clearError()
-    {
-        QCoreApplication::sendPostedEvents();
-        git_->setLastError({});
-    }
-    /// Has everything read that fills a list or a sheet.
-    void readEverything()
-    {
-        open();
-        git_->refreshAll();
-        git_->diff(u"a.txt"_s, false);
-        git_->diff(u"a.txt"_s, true);
-        git_->log(10);
-        git_->fileLog(u"a.txt"_s, 10);
-        git_->showCommit(u"HEAD"_s);
-        git_->blame(u"a.txt"_s);
-        git_->stashShow(u"stash@{0}"_s);
-        git_->userName();
-    }
-    /// The change of "a.txt" is in the status and in the diff, as git itself would show it without any setting.
-    void verifyTheChangeIsThere()
-    {
-        git_->refreshStatus();
-        QVERIFY(std::any_of(git_->status().begin(), git_->status().end(), [](const GitFileStatus& file) {
-            return file.path == u"a.txt" && file.unstaged == GitFileChange::modified;
-        }));
-        const QString diff = git_->diff(u"a.txt"_s, false);
-        QVERIFY2(diff.startsWith(u"diff --git a/a.txt b/a.txt\n"_s) && diff.contains(u"\n+changed\n"_s),
-                 qPrintable(diff));
-    }
 };
-
-void ForeignProgramsTest::init()
-{
-    useFixedGitEnvironment();
-    qunsetenv("GIT_EXTERNAL_DIFF");
-    folder_ = std::make_unique<QTemporaryDir>();
-    marker_ = folder_->filePath(u"marker"_s);
-    repository_ = std::make_unique<TemporaryRepository>();
-    git_ = std::make_unique<GitService>(ProcessRunner::sharedSystem());
-    repository_->write(u".gitattributes"_s, "*.txt filter=evil diff=evil\n");
-    repository_->write(u"a.txt"_s, "line\n");
-    repository_->commitAll(u"first"_s);
-    repository_->write(u"a.txt"_s, "line\nstashed\n");
-    repository_->git({u"stash"_s, u"push"_s, u"-q"_s});
-    repository_->write(u"a.txt"_s, "line\nchanged\n");
-}
 
 void ForeignProgramsTest::nothingRunsForWhatIsRead_data()
 {
@@ -200,79 +119,6 @@ void ForeignProgramsTest::hooksDoNotRunForWhatIsRead()
     QVERIFY(!takeMarker());
 }
 
-void ForeignProgramsTest::submoduleRunsNothing_data()
-{
-    QTest::addColumn<QString>("ignore");
-    QTest::addColumn<QString>("modules");
-    QTest::newRow("nothing said") << QString() << u"kept"_s;
-    QTest::newRow("said in .gitmodules") << u".gitmodules"_s << u"kept"_s;
-    QTest::newRow("said in .gitmodules, which is gone") << u".gitmodules"_s << u"gone"_s;
-    QTest::newRow("said in .gitmodules, gone from the index too") << u".gitmodules"_s << u"forgotten"_s;
-    QTest::newRow("said in the settings") << u".git/config"_s << u"kept"_s;
-}
-
-void ForeignProgramsTest::submoduleRunsNothing()
-{
-    QFETCH(QString, ignore);
-    QFETCH(QString, modules);
-    TemporaryRepository inner;
-    inner.write(u"a"_s, "1\n");
-    inner.commitAll(u"inner"_s);
-    repository_->git({u"submodule"_s, u"--quiet"_s, u"add"_s, inner.path(), u"sub \"x\""_s});
-    if (!ignore.isEmpty()) {
-        repository_->git({u"config"_s, u"--file"_s, ignore, u"submodule.sub \"x\".ignore"_s, u"none"_s});
-    }
-    repository_->git({u"add"_s, u".gitmodules"_s});
-    repository_->git({u"commit"_s, u"-q"_s, u"-m"_s, u"with"_s});
-    repository_->git({u"-C"_s, u"sub \"x\""_s, u"config"_s, u"core.fsmonitor"_s, program()});
-    if (modules == u"forgotten") {
-        repository_->git({u"rm"_s, u"-q"_s, u"--cached"_s, u".gitmodules"_s});
-    }
-    if (modules != u"kept") {
-        QVERIFY(repository_->remove(u".gitmodules"_s));
-    }
-    repository_->write(u"sub \"x\"/a"_s, "2\n");
-    takeMarker();
-    readEverything();
-    git_->diff(u"sub \"x\""_s, false);
-    QVERIFY(!takeMarker());
-    verifyTheChangeIsThere();
-    // Another commit in it is told.
-    repository_->git({u"-C"_s, u"sub \"x\""_s, u"-c"_s, u"core.fsmonitor=false"_s, u"commit"_s, u"-qam"_s, u"more"_s});
-    takeMarker();
-    QVERIFY(git_->diff(u"sub \"x\""_s, false).contains(u"+Subproject commit"_s));
-    QVERIFY(!takeMarker());
-}
-
-void ForeignProgramsTest::submoduleFetchesNothing()
-{
-    TemporaryRepository inner;
-    inner.write(u"a"_s, "1\n");
-    inner.commitAll(u"inner"_s);
-    repository_->git({u"submodule"_s, u"--quiet"_s, u"add"_s, inner.path(), u"sub"_s});
-    repository_->git({u"commit"_s, u"-q"_s, u"-m"_s, u"with"_s});
-    const QStringList inSub{u"-C"_s, u"sub"_s};
-    const auto setInSub = [&](const QString& key, const QString& value) {
-        repository_->git(inSub + QStringList{u"config"_s, key, value});
-    };
-    setInSub(u"core.repositoryFormatVersion"_s, u"1"_s);
-    setInSub(u"extensions.partialClone"_s, u"origin"_s);
-    setInSub(u"remote.origin.promisor"_s, u"true"_s);
-    setInSub(u"remote.origin.url"_s, u"ssh://host/x"_s);
-    setInSub(u"core.sshCommand"_s, command(u"false"_s));
-    const QByteArray tree = repository_->git(inSub + QStringList{u"rev-parse"_s, u"HEAD^{tree}"_s}).trimmed();
-    const QString object = u"/"_s + QLatin1String(tree.first(2)) + u'/' + QLatin1String(tree.sliced(2));
-    const QString objects = repository_->filePath(u".git/modules/sub/objects"_s);
-    QVERIFY(QFile::remove(objects + object));
-    takeMarker();
-    readEverything();
-    git_->diff(u"sub"_s, false);
-    QVERIFY(!takeMarker());
-    // Such a folder does have git fetch, where nothing keeps it from that.
-    repository_->tryGit({u"status"_s, u"--porcelain"_s}, {});
-    QVERIFY(takeMarker());
-}
-
 void ForeignProgramsTest::signatureIsNotLookedAt()
 {
     const QByteArray tree = repository_->git({u"write-tree"_s}).trimmed();
@@ -351,10 +197,68 @@ void ForeignProgramsTest::programsOfThePersonGoOnWorking()
     QVERIFY(git_->diff(u"a.txt"_s, false).contains(u"+OTHER"_s));
 }
 
+void ForeignProgramsTest::comparisonOfThePersonIsPlainToo_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    QTest::newRow("named by a variable") << QByteArray("GIT_CONFIG_GLOBAL");
+    QTest::newRow("in the home folder") << QByteArray("HOME");
+    QTest::newRow("in the configuration's folder") << QByteArray("XDG_CONFIG_HOME");
+    QTest::newRow("the system's") << QByteArray("GIT_CONFIG_SYSTEM");
+    QTest::newRow("a single setting") << QByteArray("GIT_CONFIG_COUNT");
+    QTest::newRow("that of a command line") << QByteArray("GIT_CONFIG_PARAMETERS");
+}
+
 void ForeignProgramsTest::comparisonOfThePersonIsPlainToo()
 {
-    const QString global = QString::fromLocal8Bit(qgetenv("GIT_CONFIG_GLOBAL"));
-    repository_->git({u"config"_s, u"--file"_s, global, u"diff.external"_s, command(u"true"_s)});
+    QFETCH(QByteArray, variable);
+    const QMap<QByteArray, std::pair<QString, QString>> files{
+        {"GIT_CONFIG_GLOBAL", {u"person/some"_s, u"person/some"_s}},
+        {"HOME", {u"person"_s, u"person/.gitconfig"_s}},
+        {"XDG_CONFIG_HOME", {u"person"_s, u"person/git/config"_s}},
+        {"GIT_CONFIG_SYSTEM", {u"person/some"_s, u"person/some"_s}}};
+    const QByteArrayList variables{"HOME",
+                                   "XDG_CONFIG_HOME",
+                                   "GIT_CONFIG_GLOBAL",
+                                   "GIT_CONFIG_SYSTEM",
+                                   "GIT_CONFIG_NOSYSTEM",
+                                   "GIT_CONFIG_COUNT",
+                                   "GIT_CONFIG_KEY_0",
+                                   "GIT_CONFIG_VALUE_0",
+                                   "GIT_CONFIG_PARAMETERS"};
+    QMap<QByteArray, QByteArray> before;
+    for (const QByteArray& name : variables) {
+        if (qEnvironmentVariableIsSet(name)) {
+            before.insert(name, qgetenv(name));
+        }
+    }
+    const auto restore = qScopeGuard([&] {
+        for (const QByteArray& name : variables) {
+            before.contains(name) ? qputenv(name, before.value(name)) : qunsetenv(name);
+        }
+    });
+    const QString compare = command(u"true"_s);
+    const QByteArray empty = folder_->filePath(u"empty"_s).toLocal8Bit();
+    qputenv("HOME", empty);
+    qputenv("XDG_CONFIG_HOME", empty);
+    if (const auto [value, file] = files.value(variable); !file.isEmpty()) {
+        QVERIFY(QDir().mkpath(QFileInfo(folder_->filePath(file)).path()));
+        repository_->git({u"config"_s, u"--file"_s, folder_->filePath(file), u"diff.external"_s, compare});
+        if (variable == "GIT_CONFIG_SYSTEM") {
+            qunsetenv("GIT_CONFIG_NOSYSTEM");
+        } else {
+            qunsetenv("GIT_CONFIG_GLOBAL");
+        }
+        qputenv(variable, folder_->filePath(value).toLocal8Bit());
+    } else if (variable == "GIT_CONFIG_COUNT") {
+        qputenv("GIT_CONFIG_COUNT", "1");
+        qputenv("GIT_CONFIG_KEY_0", "diff.external");
+        qputenv("GIT_CONFIG_VALUE_0", compare.toLocal8Bit());
+    } else {
+        qputenv("GIT_CONFIG_PARAMETERS", "'diff.external'='" + program().toLocal8Bit() + "'");
+    }
+    // Git itself would run it.
+    repository_->tryGit({u"diff"_s});
+    QVERIFY(takeMarker());
     open();
     verifyTheChangeIsThere();
     QVERIFY(!takeMarker());

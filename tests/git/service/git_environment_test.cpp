@@ -1,4 +1,6 @@
 #include "git/service/git_environment.h"
+#include "platform/process/environment.h"
+#include "support/temporary_repository.h"
 #include "support/test_program.h"
 
 #include <QtTest>
@@ -7,6 +9,7 @@ namespace git_environment_test {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace kelm;
+using namespace kelm::test;
 
 namespace {
 
@@ -30,6 +33,8 @@ class GitEnvironmentTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { useFixedGitEnvironment(); }
+
     void readersAreKnown_data();
     void readersAreKnown();
     void namesAreNoPatterns();
@@ -38,6 +43,8 @@ private Q_SLOTS:
     void operationKeepsHooksAndHelpers();
     void readerRunsNothingForeign();
     void settingsOfTheEnvironmentStayInFront();
+    void settingsOfACommandLineStayInFront_data();
+    void settingsOfACommandLineStayInFront();
     void plainDiffTakesTheWordsOfTheCommand();
     void foreignProgramsAreReplacedLast();
 };
@@ -135,6 +142,44 @@ void GitEnvironmentTest::settingsOfTheEnvironmentStayInFront()
     QCOMPARE(settingsOf(variables).value(u"core.fsmonitor"_s), u"false"_s);
     const EnvironmentVariables broken = gitEnvironment({u"status"_s}, {{u"GIT_CONFIG_COUNT"_s, u"x"_s}});
     QCOMPARE(settingsOf(broken).value(u"core.fsmonitor"_s), u"false"_s);
+}
+
+void GitEnvironmentTest::settingsOfACommandLineStayInFront_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::newRow("none") << QString();
+    QTest::newRow("empty") << u""_s;
+    QTest::newRow("one") << u"'core.quotePath'='false'"_s;
+    QTest::newRow("one in the older form, and the same key as is added") << u"'core.quotePath=false' 'a.c=x'"_s;
+}
+
+void GitEnvironmentTest::settingsOfACommandLineStayInFront()
+{
+    QFETCH(QString, given);
+    EnvironmentVariables own = applicationEnvironment();
+    own.remove(u"GIT_CONFIG_COUNT"_s);
+    if (!given.isNull()) {
+        own.insert(u"GIT_CONFIG_PARAMETERS"_s, given);
+    }
+    EnvironmentVariables variables = gitEnvironment({u"status"_s}, own);
+    const GitSettings settings{{u"a.it's.b"_s, u"'%1' \"x\"; a=b ! \\"_s}, {u"a.c"_s, QString()}};
+    replaceForeignPrograms(variables, {.settings = settings});
+    QVERIFY(variables.value(u"GIT_CONFIG_PARAMETERS"_s).startsWith(given));
+    // All stand in one place.
+    QCOMPARE(variables.contains(u"GIT_CONFIG_COUNT"_s), given.isEmpty());
+    const TemporaryRepository repository;
+    const auto read = [&](const QString& key) {
+        return QString::fromUtf8(ProcessRunner::system()
+                                     .run({.program = u"/usr/bin/git"_s,
+                                           .arguments = {u"config"_s, u"--null"_s, u"--get"_s, key},
+                                           .workingDirectory = repository.path(),
+                                           .environment = variables})
+                                     .standardOutput);
+    };
+    QCOMPARE(read(u"core.quotePath"_s), QString(u"true"_s + QChar(u'\0')));
+    for (const auto& [key, value] : settings) {
+        QCOMPARE(read(key), value + QChar(u'\0'));
+    }
 }
 
 void GitEnvironmentTest::plainDiffTakesTheWordsOfTheCommand()

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void sentence();
     void conflictsAreKnown_data();
     void conflictsAreKnown();
+    void linesOfNoKnownFormAreStillTold_data();
+    void linesOfNoKnownFormAreStillTold();
     void aTextWithoutEndIsReadInNoTime();
 };
 
@@ -65,6 +67,13 @@ void GitFailureTest::sentence_data()
         "error: Your local changes to the following files would be overwritten by merge:\n\ta\n\tb\n\tc\n\td\n\te\n"
         "Aborting\n",
         "Your local changes to the following files would be overwritten by merge: a, b, c and 2 more");
+    row("over as many as are named", "merge --no-edit side",
+        "error: Your local changes to the following files would be overwritten by merge:\n\ta\n\tb\n\tc\n",
+        "Your local changes to the following files would be overwritten by merge: a, b, c");
+    row("over some of another command, set in with blanks", "merge --no-edit side",
+        "error: Your local changes to the following files would be overwritten by merge:\n  a b\nAborting\n",
+        "Your local changes to the following files would be overwritten by merge: a b");
+    row("a list that is none", "merge --no-edit side", "error: nothing below:\nAborting\n", "nothing below");
     row("a merge with a conflict", "merge --no-edit side",
         "Auto-merging a.txt\nCONFLICT (content): Merge conflict in a.txt\nAutomatic merge failed; fix conflicts\n",
         "Merge conflict in a.txt");
@@ -152,6 +161,32 @@ void GitFailureTest::conflictsAreKnown()
 {
     QFETCH(QString, text);
     QTEST((GitFailure{.command = {u"merge"_s}, .text = text}.isAboutConflicts()), "isAboutConflicts");
+}
+
+void GitFailureTest::linesOfNoKnownFormAreStillTold_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("one quote") << u"checkout x"_s << u"error: pathspec 'x did not match any file(s)\n"_s;
+    QTest::newRow("no quote") << u"checkout x"_s << u"error: pathspec x did not match any file(s)\n"_s;
+    QTest::newRow("nothing in the quotes") << u"checkout x"_s << u"error: '' did not match any file(s)\n"_s;
+    QTest::newRow("brackets the wrong way round") << u"push"_s << u" ! [rejected] main )(\n"_s;
+    QTest::newRow("one bracket") << u"push"_s << u" ! [rejected] main ( x\n"_s;
+    QTest::newRow("the other") << u"push"_s << u" ! [rejected] main ) x\n"_s;
+    QTest::newRow("a kind of nothing") << u"push"_s << u" ! [] main\n"_s;
+    QTest::newRow("a conflict of nothing") << u"merge side"_s << u"CONFLICT ("_s;
+    QTest::newRow("a conflict without a colon") << u"merge side"_s << u"CONFLICT (content) a"_s;
+    QTest::newRow("a sign alone") << u"fetch"_s << u"error: "_s;
+    QTest::newRow("colons alone") << u"fetch"_s << u"error: ::"_s;
+    QTest::newRow("brackets alone") << u"commit"_s << u" (nothing to commit)"_s;
+}
+
+void GitFailureTest::linesOfNoKnownFormAreStillTold()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, text);
+    const GitFailure failure{.command = command.split(u' ', Qt::SkipEmptyParts), .text = text};
+    QVERIFY(!failure.sentence().isEmpty());
 }
 
 void GitFailureTest::aTextWithoutEndIsReadInNoTime()

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void changesHaveTheirNamesLettersAndOrder();
     void otherLettersAreNoChange_data();
     void otherLettersAreNoChange();
+    void unmergedFilesAreThoseOfAMerge();
 };
 
 void GitRecordsTest::changesHaveTheirNamesLettersAndOrder_data()
@@ -56,6 +57,28 @@ void GitRecordsTest::otherLettersAreNoChange()
 {
     QFETCH(QString, letter);
     QVERIFY(!changeFrom(letter));
+}
+
+void GitRecordsTest::unmergedFilesAreThoseOfAMerge()
+{
+    // Every pair of columns, of which git gives these seven to what a merge has left.
+    const QStringList letters{u" "_s, u"M"_s, u"A"_s, u"D"_s, u"R"_s, u"C"_s, u"?"_s, u"U"_s};
+    QStringList unmerged;
+    for (const QString& staged : letters) {
+        for (const QString& unstaged : letters) {
+            if (isUnmerged(
+                    {.id = {}, .path = u"a"_s, .staged = changeFrom(staged), .unstaged = changeFrom(unstaged)})) {
+                unmerged.append(staged + unstaged);
+            }
+        }
+    }
+    for (const QString& pair : {u"DD"_s, u"AU"_s, u"UD"_s, u"UA"_s, u"DU"_s, u"AA"_s, u"UU"_s}) {
+        QVERIFY2(unmerged.contains(pair), qPrintable(pair));
+    }
+    // Of two other letters one is a conflict's.
+    for (const QString& pair : std::as_const(unmerged)) {
+        QVERIFY2(pair.contains(u'U') || pair == u"AA" || pair == u"DD", qPrintable(pair));
+    }
 }
 
 const kelm::test::Registered<GitRecordsTest> registered;

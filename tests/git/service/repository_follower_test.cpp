@@ -92,10 +92,13 @@ private Q_SLOTS:
     void nothingIsReadWithoutAChange();
     void readingIsNoChange();
     void manyChangesAreReadOnce();
+    void aBusyRepositoryIsReadAllTheSame();
     void nobodyLooksNobodyReads();
     void aViewerThatIsGoneLooksNoMore();
     void nothingIsReadWhileACommandRuns();
     void whatACommandMadeOldIsReadAgain();
+    void whatIsReadTooOldIsReadAgain();
+    void aReadingThatIsBrokenOffIsDoneAgain();
     void aFailureSaysNothing();
     void aProjectIsOpened();
     void aProjectWithoutARepositoryClosesIt();
@@ -103,6 +106,7 @@ private Q_SLOTS:
     void aProjectThatWasLeftIsNotOpened();
     void aProjectThatIsOpenedElsewhereIsNotReadAgain();
     void anotherRepositoryIsWatchedFromThenOn();
+    void aRepositoryThatIsClosedIsLeftAtOnce();
 };
 
 void RepositoryFollowerTest::whatOthersDoIsSeen_data()
@@ -186,6 +190,17 @@ void RepositoryFollowerTest::manyChangesAreReadOnce()
     QCOMPARE(f.runner->count, 8);
 }
 
+void RepositoryFollowerTest::aBusyRepositoryIsReadAllTheSame()
+{
+    Followed f;
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay / 2);
+    // What comes meanwhile does not put it off.
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay / 2);
+    QTRY_COMPARE(f.runner->count, 8);
+}
+
 void RepositoryFollowerTest::nobodyLooksNobodyReads()
 {
     Followed f;
@@ -241,6 +256,31 @@ void RepositoryFollowerTest::whatACommandMadeOldIsReadAgain()
     f.settle();
     QVERIFY(!seen.contains(u"not staged"_s));
     QCOMPARE(f.git.status().first().staged, GitFileChange::modified);
+}
+
+void RepositoryFollowerTest::whatIsReadTooOldIsReadAgain()
+{
+    Followed f;
+    f.repository.write(u"a.txt"_s, "two\n");
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay);
+    QVERIFY(!f.follower.isSettled());
+    // While that is read, a command runs that reads nothing afterwards.
+    f.git.run({u"tag"_s, u"v1"_s});
+    UNTIL(f, f.changedPaths() == QStringList{u"a.txt"_s});
+    QCOMPARE(f.git.tags().size(), 1);
+}
+
+void RepositoryFollowerTest::aReadingThatIsBrokenOffIsDoneAgain()
+{
+    Followed f;
+    f.repository.write(u"a.txt"_s, "two\n");
+    f.follower.noteChange();
+    f.scheduler.advance(RepositoryFollower::readDelay);
+    QVERIFY(!f.follower.isSettled());
+    // While that is read, the project is closed, and the repository is not.
+    f.follower.openProject(std::nullopt);
+    UNTIL(f, f.changedPaths() == QStringList{u"a.txt"_s});
 }
 
 void RepositoryFollowerTest::aFailureSaysNothing()
@@ -337,6 +377,17 @@ void RepositoryFollowerTest::anotherRepositoryIsWatchedFromThenOn()
     f.repository.git({u"tag"_s, u"v1"_s});
     f.settle();
     QCOMPARE(f.runner->count, 0);
+}
+
+void RepositoryFollowerTest::aRepositoryThatIsClosedIsLeftAtOnce()
+{
+    Followed f;
+    const TemporaryRepository other;
+    QVERIFY(f.git.open(other.url()));
+    // Where its files are is still being looked for.
+    QVERIFY(!f.follower.isSettled());
+    f.git.clearState();
+    QVERIFY(f.follower.isSettled());
 }
 
 const kelm::test::Registered<RepositoryFollowerTest> registered;

@@ -24,9 +24,13 @@ private Q_SLOTS:
     void anOrdinaryRepository();
     void aWorkingTreeOfItsOwn();
     void aSubmodule();
+    void pathOfAFileIsReadWithoutItsLineEnd_data();
+    void pathOfAFileIsReadWithoutItsLineEnd();
     void whatIsNoRepository();
     void foldersOfReferencesAreFound();
     void foldersThatNeverEndAreNot();
+    void headIsNotTooLong_data();
+    void headIsNotTooLong();
     void headTells_data();
     void headTells();
     void headOfAnotherWorkingTree();
@@ -75,6 +79,28 @@ void RepositoryPlacesTest::aSubmodule()
     QCOMPARE(places.commonFolder, places.gitFolder);
 }
 
+void RepositoryPlacesTest::pathOfAFileIsReadWithoutItsLineEnd_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("none") << QByteArray();
+    QTest::newRow("a line feed") << QByteArray("\n");
+    QTest::newRow("a carriage return") << QByteArray("\r");
+    QTest::newRow("both") << QByteArray("\r\n");
+    QTest::newRow("several") << QByteArray("\n\n");
+}
+
+void RepositoryPlacesTest::pathOfAFileIsReadWithoutItsLineEnd()
+{
+    QFETCH(QByteArray, end);
+    const TemporaryRepository repository;
+    QVERIFY(QDir().mkpath(repository.filePath(u"tree/elsewhere"_s)));
+    repository.write(u"tree/.git"_s, "gitdir: ../.git/own" + end);
+    repository.write(u".git/own/commondir"_s, "../../tree/elsewhere" + end);
+    const RepositoryPlaces places = repositoryPlaces(repository.filePath(u"tree"_s));
+    QCOMPARE(places.gitFolder, bytes(repository.path()) + "/.git/own/");
+    QCOMPARE(places.commonFolder, bytes(repository.path()) + "/tree/elsewhere/");
+}
+
 void RepositoryPlacesTest::whatIsNoRepository()
 {
     const QTemporaryDir folder;
@@ -115,6 +141,29 @@ void RepositoryPlacesTest::foldersThatNeverEndAreNot()
     QVERIFY(!files.join(' ').contains("round"));
 }
 
+void RepositoryPlacesTest::headIsNotTooLong_data()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<bool>("isFound");
+    QTest::newRow("missing") << -1 << true;
+    QTest::newRow("empty") << 0 << true;
+    QTest::newRow("8 KiB") << 8192 << true;
+    QTest::newRow("a byte more") << 8193 << false;
+    QTest::newRow("much more") << (1 << 20) << false;
+}
+
+void RepositoryPlacesTest::headIsNotTooLong()
+{
+    QFETCH(int, bytes);
+    QFETCH(bool, isFound);
+    const TemporaryRepository repository;
+    QVERIFY(repository.remove(u".git/HEAD"_s));
+    if (bytes >= 0) {
+        repository.write(u".git/HEAD"_s, QByteArray(bytes, ' '));
+    }
+    QCOMPARE(findRepository(repository.path()), isFound ? std::optional(repository.path()) : std::nullopt);
+}
+
 void RepositoryPlacesTest::headTells_data()
 {
     QTest::addColumn<QByteArray>("file");
@@ -125,6 +174,13 @@ void RepositoryPlacesTest::headTells_data()
     QTest::newRow("a longer name") << QByteArray("ref: refs/heads/a/한글\n") << u"a/한글"_s << QString();
     QTest::newRow("a commit") << hash.toLatin1() + "\n" << QString() << hash;
     QTest::newRow("a longer hash") << QByteArray(64, '0') << QString() << QString(64, u'0');
+    QTest::newRow("every digit") << "0123456789abcdef0123456789abcdef" + QByteArray(8, '9') << QString()
+                                 << u"0123456789abcdef0123456789abcdef99999999"_s;
+    QTest::newRow("capitals") << QByteArray(40, 'A') << QString() << QString();
+    QTest::newRow("a sign below the digits") << QByteArray(40, '/') << QString() << QString();
+    QTest::newRow("one above them") << QByteArray(40, ':') << QString() << QString();
+    QTest::newRow("one below the letters") << QByteArray(40, '`') << QString() << QString();
+    QTest::newRow("a last digit that is none") << QByteArray(39, 'a') + 'g' << QString() << QString();
     QTest::newRow("too short a hash") << QByteArray(39, 'a') << QString() << QString();
     QTest::newRow("no hash") << QByteArray(40, 'g') << QString() << QString();
     QTest::newRow("another reference") << QByteArray("ref: refs/tags/v1\n") << QString() << QString();

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void anUnreadableStatusIsNoSnapshot();
     void aStoppedReadingIsNone();
     void aReadingWritesNothing();
+    void ageGrowsWithAllThatMakesAReadingOld();
 };
 
 namespace {
@@ -208,6 +209,40 @@ void RepositorySnapshotTest::aReadingWritesNothing()
     QCOMPARE(repository->read(u".git/index"_s), before);
     repository->git({u"status"_s});
     QVERIFY(repository->read(u".git/index"_s) != before);
+}
+
+void RepositorySnapshotTest::ageGrowsWithAllThatMakesAReadingOld()
+{
+    const TemporaryRepository repository;
+    const TemporaryRepository other;
+    GitService service(std::make_shared<RecordingProcessRunner>());
+    QStringList stuck;
+    quint64 before = service.age();
+    const auto look = [&](const QString& what) {
+        if (service.age() <= before) {
+            stuck.append(what);
+        }
+        before = service.age();
+    };
+    const auto step = [&](const QString& what, const std::function<void()>& act) {
+        act();
+        look(what);
+    };
+    step(u"opened"_s, [&] { service.open(repository.url()); });
+    step(u"another taken"_s, [&] { service.take(other.url(), {}); });
+    step(u"asked"_s, [&] { service.run({u"status"_s}); });
+    step(u"operated"_s, [&] { service.runOp({u"tag"_s, u"v1"_s}); });
+    step(u"patched"_s, [&] { service.applyPartialPatch(u"no patch"_s, false); });
+    step(u"begun"_s, [&] { service.runAsync({u"fetch"_s}, [](const GitOpResult&) {}); });
+    QTRY_VERIFY(!service.isBusy());
+    look(u"ended"_s);
+    step(u"closed"_s, [&] { service.clearState(); });
+    QCOMPARE(stuck, QStringList());
+    // What is read of the same repository makes nothing old.
+    service.open(repository.url());
+    before = service.age();
+    service.take(repository.url(), service.snapshot());
+    QCOMPARE(service.age(), before);
 }
 
 const kelm::test::Registered<RepositorySnapshotTest> registered;

@@ -53,7 +53,11 @@ class RepositoryBoundTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { style::installOn(*qApp); }
+    void initTestCase()
+    {
+        useFixedGitEnvironment();
+        style::installOn(*qApp);
+    }
 
     void questionsGo_data();
     void questionsGo();
