@@ -61,9 +61,9 @@ int playProgram(const QStringList& arguments)
             std::_Exit(1);
         }
         received.waiting->note(static_cast<Outcome>(arguments[1].front().toLatin1()));
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
     });
-    QTimer::singleShot(kelm::test::patience, qApp, &QCoreApplication::quit);
+    QTimer::singleShot(kelm::test::patience, QCoreApplication::instance(), &QCoreApplication::quit);
     return instance.settle({QUuid::createUuid()}) == SingleInstance::Part::first ? QCoreApplication::exec() : 1;
 }
 
