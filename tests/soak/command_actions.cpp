@@ -12,7 +12,7 @@ namespace kelm::soak {
 
 namespace {
 
-constexpr qsizetype longestText = 20000;
+constexpr qsizetype longestRewritten = 20000;
 
 struct TextCommand
 {
@@ -38,7 +38,7 @@ const std::vector<TextCommand>& commands()
 
 bool hasShortText(World& world)
 {
-    return world.editor() != nullptr && world.tabs.current()->text().size() < longestText;
+    return world.editor() != nullptr && world.tabs.current()->text().size() < longestRewritten;
 }
 
 void transform(World& world)

@@ -5,6 +5,21 @@
 
 namespace kelm::soak {
 
+/// No text is made longer than that, in units.
+inline constexpr qsizetype longestText = 200000;
+
+/// Whether there is a text to edit.
+inline bool hasText(World& world)
+{
+    return world.editor() != nullptr;
+}
+
+/// Whether there is one that may grow.
+inline bool hasRoom(World& world)
+{
+    return hasText(world) && world.tabs.current()->text().size() < longestText;
+}
+
 /// The editor as it was right before an edit.
 struct Before
 {

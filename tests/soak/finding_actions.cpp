@@ -14,13 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr qsizetype longestText = 200000;
-
-bool hasText(World& world)
-{
-    return world.editor() != nullptr && world.tabs.current()->text().size() < longestText;
-}
-
 template <typename Control>
 Control& controlOf(QWidget& parent, const QString& name)
 {
@@ -140,9 +133,9 @@ void searchProject(World& world)
 std::vector<Action> findingActions()
 {
     return {
-        {"find", 8, hasText, find},
-        {"replace one match", 6, hasText, replaceOne},
-        {"replace all matches", 4, hasText, replaceAll},
+        {"find", 8, hasRoom, find},
+        {"replace one match", 6, hasRoom, replaceOne},
+        {"replace all matches", 4, hasRoom, replaceAll},
         {"search the project", 3, hasProject, searchProject},
     };
 }

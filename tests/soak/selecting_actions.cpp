@@ -1,6 +1,6 @@
 // Carets, selections and scrolling.
 #include "soak/action.h"
-#include "soak/world.h"
+#include "soak/editing.h"
 
 #include <QWheelEvent>
 
@@ -9,11 +9,6 @@ namespace kelm::soak {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-bool hasText(World& world)
-{
-    return world.editor() != nullptr;
-}
 
 QPoint somewhere(World& world, const QWidget& widget)
 {

@@ -26,7 +26,7 @@ namespace {
 
 constexpr qsizetype mostTabs = 12;
 
-bool hasRoom(World& world)
+bool hasRoomForTab(World& world)
 {
     return world.tabs.all().size() < mostTabs;
 }
@@ -38,7 +38,7 @@ bool hasTabs(World& world)
 
 bool hasSidebarAndRoom(World& world)
 {
-    return hasRoom(world) && world.state.showSidebar() && world.state.currentProject();
+    return hasRoomForTab(world) && world.state.showSidebar() && world.state.currentProject();
 }
 
 void clickRow(QListView& list, int row)
@@ -112,7 +112,7 @@ void openByQuickOpen(World& world)
 bool hasResults(World& world)
 {
     const auto* search = world.window.findChild<ProjectSearchView*>();
-    return hasRoom(world) && search != nullptr && search->isVisible() && !search->results().isEmpty();
+    return hasRoomForTab(world) && search != nullptr && search->isVisible() && !search->results().isEmpty();
 }
 
 void openByResult(World& world)
@@ -240,12 +240,12 @@ void reopen(World& world)
 std::vector<Action> tabActions()
 {
     return {
-        {"open a file", 14, hasRoom, openByState},
+        {"open a file", 14, hasRoomForTab, openByState},
         {"open by the tree", 10, hasSidebarAndRoom, openByTree},
-        {"open by quick open", 5, hasRoom, openByQuickOpen},
+        {"open by quick open", 5, hasRoomForTab, openByQuickOpen},
         {"open a search result", 6, hasResults, openByResult},
-        {"open a lesson link", 4, hasRoom, openByLink},
-        {"new tab", 4, hasRoom, makeTab},
+        {"open a lesson link", 4, hasRoomForTab, openByLink},
+        {"new tab", 4, hasRoomForTab, makeTab},
         {"choose a tab", 24, hasTabs, chooseTab},
         {"close a tab", 10, hasTabs, closeTab},
         {"close other tabs", 1, hasTabs, closeOthers},

@@ -17,17 +17,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// A text that grows beyond this is not typed into any more.
-constexpr qsizetype longestText = 200000;
-
-bool hasText(World& world)
-{
-    return world.editor() != nullptr;
-}
-
-bool hasRoom(World& world)
-{
-    return hasText(world) && world.tabs.current()->text().size() < longestText;
-}
 
 const QStringList& typedTexts()
 {
