@@ -1,15 +1,19 @@
-# kelm_room(path ABOUT sentence [USES room...] [VIEW_USES room...] [LIBRARIES lib...] [VIEW_LIBRARIES lib...])
+# kelm_room(path ABOUT sentence [USES room...] [VIEW_USES room...] [LIBRARIES lib...] [VIEW_LIBRARIES lib...]
+#   [ALONE file...])
 #
 # A room is a folder of src/ that is a link target of its own: kelm_<path> for the files in it, which know no widget,
 # and kelm_<path>_view for those in its view/ folder. Files are found; a folder below is another room. USES names all
 # rooms that the files include, VIEW_USES those that the views include beside their own engine; a view of another room
 # is named as <path>/view.
 #
+# Sources are compiled in batches. What ALONE names is not: it has constants of the same names as others, or operators
+# that hide those of others.
+#
 # A room sees the headers of what it uses and no others: they are reached through a folder of links for each target.
 # What a room uses is seen by those that use it as well, since headers include headers; ./kelm lint names what is
 # included without having been declared.
 function(kelm_room path)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "ABOUT" "USES;VIEW_USES;LIBRARIES;VIEW_LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "ABOUT" "USES;VIEW_USES;LIBRARIES;VIEW_LIBRARIES;ALONE")
   file(RELATIVE_PATH here ${PROJECT_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
   if(NOT here STREQUAL path OR NOT ARG_ABOUT OR ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kelm_room(${path}) stands in src/${here}, or lacks its sentence")
@@ -18,11 +22,11 @@ function(kelm_room path)
   set(engine ${path})
   if(NOT TARGET ${KELM_PART})
     set(engine "")
-  elseif(KELM_UNITY_SOURCES)
-    # Views hold many constants of the same names.
-    set_target_properties(${KELM_PART} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
   endif()
   kelm_room_part(${path}/view Widgets "${ARG_ABOUT}" "${engine};${ARG_VIEW_USES}" "${ARG_VIEW_LIBRARIES}")
+  if(ARG_ALONE)
+    set_source_files_properties(${ARG_ALONE} TARGET_DIRECTORY ${KELM_PART} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
 endfunction()
 
 # The target of one folder, if there are sources in it; KELM_PART is its name.
@@ -45,6 +49,7 @@ function(kelm_room_part folder toolkit about uses libraries)
 
   add_library(${part} ${headers} ${sources})
   target_include_directories(${part} PUBLIC ${links})
+  set_target_properties(${part} PROPERTIES UNITY_BUILD ${KELM_UNITY_SOURCES} UNITY_BUILD_BATCH_SIZE 10)
   target_precompile_headers(${part} REUSE_FROM kelm_headers_of_${toolkit})
   target_link_libraries(${part} PUBLIC kelm_options Qt6::${toolkit} PRIVATE ${libraries})
   # The headers that are compiled beforehand serve those only that are compiled as they were.
