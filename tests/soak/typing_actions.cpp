@@ -16,8 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// A text that grows beyond this is not typed into any more.
-
 const QStringList& typedTexts()
 {
     static const QStringList texts{u"a"_s,  u"word"_s, u"x = 1;"_s, u"{"_s,           u"}"_s,    u"\""_s, u"'it's'"_s,

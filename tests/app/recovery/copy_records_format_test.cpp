@@ -1,5 +1,5 @@
+#include "app/recovery/copy_bytes.h"
 #include "app/recovery/copy_file.h"
-#include "app/recovery/copy_records.h"
 #include "support/test_program.h"
 
 #include <QBuffer>
@@ -12,6 +12,7 @@
 namespace copy_records_format_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -51,24 +52,7 @@ QByteArray headerRecord()
 
 QByteArray wholeCopy(const TextTree& text)
 {
-    QByteArray bytes = copyMark.toByteArray() + headerRecord();
-    forEachTextRecord(text, [&bytes](const QByteArray& record) {
-        bytes += record;
-        return true;
-    });
-    return bytes;
-}
-
-std::optional<CopyContent> read(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    return buffer.open(QIODevice::ReadOnly) ? readCopy(buffer) : std::nullopt;
-}
-
-std::optional<CopySummary> summaryOf(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    return buffer.open(QIODevice::ReadOnly) ? readCopySummary(buffer) : std::nullopt;
+    return copyOf(headerLongAgo(), text);
 }
 
 } // namespace
@@ -97,7 +81,7 @@ private Q_SLOTS:
 
 void CopyRecordsFormatTest::whatWasWrittenLongAgoIsRead()
 {
-    const std::optional<CopyContent> content = read(bytesOf(writtenLongAgo));
+    const std::optional<CopyContent> content = contentOf(bytesOf(writtenLongAgo));
     QVERIFY(content);
     QCOMPARE(content->header, headerLongAgo());
     QCOMPARE(content->header.title(), u"a.py"_s);
@@ -204,7 +188,7 @@ void CopyRecordsFormatTest::anEditNeedsItsPlaceAndItsKind()
 {
     QFETCH(const QByteArray, content);
     QFETCH(const QString, text);
-    const auto result = read(wholeCopy(TextTree(u"123"_s)) + copyRecord(CopyRecord::edit, content));
+    const auto result = contentOf(wholeCopy(TextTree(u"123"_s)) + copyRecord(CopyRecord::edit, content));
     QVERIFY(result);
     QCOMPARE(result->text.toString(), text);
 }
@@ -213,12 +197,12 @@ void CopyRecordsFormatTest::whatIsNoEditEndsTheCopy()
 {
     const QByteArray edit = editRecord({0, 0}, TextTree(u"x"_s), {0, 1});
     for (const CopyRecord kind : {CopyRecord::narrow, CopyRecord::wide, CopyRecord::whole, CopyRecord('?')}) {
-        const auto result = read(wholeCopy(TextTree(u"123"_s)) + copyRecord(kind, "12345678") + edit);
+        const auto result = contentOf(wholeCopy(TextTree(u"123"_s)) + copyRecord(kind, "12345678") + edit);
         QVERIFY(result);
         QCOMPARE(result->text.toString(), u"123"_s);
     }
     // A header that is none changes nothing, and what follows counts.
-    const auto result = read(wholeCopy(TextTree(u"123"_s)) + copyRecord(CopyRecord::header, "?") + edit);
+    const auto result = contentOf(wholeCopy(TextTree(u"123"_s)) + copyRecord(CopyRecord::header, "?") + edit);
     QCOMPARE(result->text.toString(), u"x123"_s);
     QCOMPARE(result->header, headerLongAgo());
 }
@@ -244,15 +228,15 @@ void CopyRecordsFormatTest::theEndTellsHowLongTheTextIs()
     const auto end = [](char length, qsizetype size = 8) {
         return copyRecord(CopyRecord::whole, (QByteArray(1, length) + QByteArray(8, '\0')).first(size));
     };
-    QVERIFY(read(start + end(3)));
-    QVERIFY(!read(start + end(2)));
-    QVERIFY(!read(start + end(4)));
-    QVERIFY(!read(start + end(3, 7)));
-    QVERIFY(!read(start + end(3, 9)));
-    QVERIFY(!read(start));
+    QVERIFY(contentOf(start + end(3)));
+    QVERIFY(!contentOf(start + end(2)));
+    QVERIFY(!contentOf(start + end(4)));
+    QVERIFY(!contentOf(start + end(3, 7)));
+    QVERIFY(!contentOf(start + end(3, 9)));
+    QVERIFY(!contentOf(start));
     // Nothing but stretches stands before it.
-    QVERIFY(!read(start + headerRecord() + end(3)));
-    QVERIFY(!read(copyMark.toByteArray() + copyRecord(CopyRecord::narrow, "123") + end(3)));
+    QVERIFY(!contentOf(start + headerRecord() + end(3)));
+    QVERIFY(!contentOf(copyMark.toByteArray() + copyRecord(CopyRecord::narrow, "123") + end(3)));
 }
 
 void CopyRecordsFormatTest::noRecordIsLargerThanTheBound()

@@ -1,5 +1,5 @@
+#include "app/recovery/copy_bytes.h"
 #include "app/recovery/copy_file.h"
-#include "app/recovery/copy_records.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 
@@ -13,6 +13,7 @@
 namespace copy_records_test {
 
 using namespace kelm;
+using namespace kelm::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -21,28 +22,6 @@ CopyHeader someHeader()
 {
     return {QUrl(u"file:///home/a%20b/%ED%95%9C.py"_s), 1'700'000'000'000, Language(Language::python),
             FileIdentity{3, 4, 5, 6}};
-}
-
-QByteArray copyOf(const CopyHeader& header, const TextTree& text)
-{
-    QByteArray bytes = copyMark.toByteArray() + copyRecord(CopyRecord::header, encodeHeader(header));
-    forEachTextRecord(text, [&bytes](const QByteArray& record) {
-        bytes += record;
-        return true;
-    });
-    return bytes;
-}
-
-std::optional<CopyContent> read(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    return buffer.open(QIODevice::ReadOnly) ? readCopy(buffer) : std::nullopt;
-}
-
-std::optional<CopySummary> summaryOf(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    return buffer.open(QIODevice::ReadOnly) ? readCopySummary(buffer) : std::nullopt;
 }
 
 QByteArray bytesOf(const QString& path)
@@ -123,7 +102,7 @@ void CopyRecordsTest::textsComeBackUnitForUnit_data()
 void CopyRecordsTest::textsComeBackUnitForUnit()
 {
     QFETCH(const QString, text);
-    const std::optional<CopyContent> content = read(copyOf(someHeader(), TextTree(text)));
+    const std::optional<CopyContent> content = contentOf(copyOf(someHeader(), TextTree(text)));
     QVERIFY(content);
     QCOMPARE(content->text.toString(), text);
     QCOMPARE(content->header, someHeader());
@@ -132,9 +111,9 @@ void CopyRecordsTest::textsComeBackUnitForUnit()
 void CopyRecordsTest::aCopyThatIsCutOffAnywhereIsRefused()
 {
     const QByteArray whole = copyOf(someHeader(), TextTree(u"some text, 한글"_s));
-    QVERIFY(read(whole));
+    QVERIFY(contentOf(whole));
     for (qsizetype size = 0; size < whole.size(); ++size) {
-        QVERIFY2(!read(whole.first(size)), qPrintable(QString::number(size)));
+        QVERIFY2(!contentOf(whole.first(size)), qPrintable(QString::number(size)));
         QVERIFY2(!summaryOf(whole.first(size)), qPrintable(QString::number(size)));
     }
 }
@@ -145,7 +124,7 @@ void CopyRecordsTest::aCopyThatIsDamagedAnywhereIsRefused()
     for (qsizetype at = 0; at < whole.size(); ++at) {
         QByteArray damaged = whole;
         damaged[at] = char(damaged[at] ^ 0x10);
-        QVERIFY2(!read(damaged), qPrintable(QString::number(at)));
+        QVERIFY2(!contentOf(damaged), qPrintable(QString::number(at)));
     }
 }
 
@@ -158,14 +137,14 @@ void CopyRecordsTest::editsAreAppliedUpToTheFirstDamagedOne()
     const QByteArray header = copyRecord(CopyRecord::header, encodeHeader(later));
     const QByteArray second = editRecord({0, 3}, TextTree(u"한"_s), {0, 1});
     for (qsizetype cut = 0; cut < second.size(); ++cut) {
-        const std::optional<CopyContent> content = read(first + edit + header + second.first(cut));
+        const std::optional<CopyContent> content = contentOf(first + edit + header + second.first(cut));
         QVERIFY(content);
         QCOMPARE(content->text.toString(), u"one two three"_s);
         QCOMPARE(content->header.time, later.time);
     }
-    QCOMPARE(read(first + edit + header + second)->text.toString(), u"한 two three"_s);
+    QCOMPARE(contentOf(first + edit + header + second)->text.toString(), u"한 two three"_s);
     // One that has no place, and what follows it.
-    QCOMPARE(read(first + editRecord({8, 2}, TextTree(), {0, 0}) + edit)->text.toString(), u"one three"_s);
+    QCOMPARE(contentOf(first + editRecord({8, 2}, TextTree(), {0, 0}) + edit)->text.toString(), u"one three"_s);
 }
 
 void CopyRecordsTest::theSummaryIsOfTheLatestHeader()
@@ -195,7 +174,7 @@ void CopyRecordsTest::aKeptUpFileHoldsWhatWasWrittenLast()
         header.time += 1;
         header.url = QUrl(u"file:///"_s + QString::number(random.below(3)));
         QVERIFY(!file.write(header, text));
-        const std::optional<CopyContent> content = read(bytesOf(path));
+        const std::optional<CopyContent> content = contentOf(bytesOf(path));
         QVERIFY(content);
         QVERIFY(content->text == text);
         QCOMPARE(content->header.url, header.url);
@@ -235,7 +214,7 @@ void CopyRecordsTest::editsThatOutgrowTheCopyAreFoldedIntoANewOne()
         text.replace({round * 100, 9'000}, QString(9'000, QChar(u'a' + round % 20)));
         QVERIFY(!file.write(someHeader(), text));
         QVERIFY(QFileInfo(path).size() <= 2 * once + 1000);
-        QVERIFY(read(bytesOf(path))->text == text);
+        QVERIFY(contentOf(bytesOf(path))->text == text);
     }
 }
 
@@ -260,9 +239,9 @@ void CopyRecordsTest::anEditThatFailsLeavesTheCopyWhole()
     QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
 
     QVERIFY(error);
-    QVERIFY(read(bytesOf(path))->text == before);
+    QVERIFY(contentOf(bytesOf(path))->text == before);
     QVERIFY(!file.write(someHeader(), text));
-    QVERIFY(read(bytesOf(path))->text == text);
+    QVERIFY(contentOf(bytesOf(path))->text == text);
 }
 
 void CopyRecordsTest::aRemovedFileIsWrittenAnew()
@@ -275,7 +254,7 @@ void CopyRecordsTest::aRemovedFileIsWrittenAnew()
     QVERIFY(QFile::remove(path));
     text.replace({0, 0}, u"typed");
     QVERIFY(!file.write(someHeader(), text));
-    QVERIFY(read(bytesOf(path))->text == text);
+    QVERIFY(contentOf(bytesOf(path))->text == text);
 }
 
 const kelm::test::Registered<CopyRecordsTest> registered;
