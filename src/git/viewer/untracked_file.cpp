@@ -3,7 +3,8 @@
 #include "git/diff/file_facts.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/native_path.h"
-#include "platform/files/open_file.h"
+#include "platform/files/start_of_file.h"
+#include "platform/files/utf8_decoding.h"
 #include "platform/files/utf8_file.h"
 #include "platform/text/shown_name.h"
 
@@ -19,26 +20,6 @@ namespace {
 QString tr(const char* text)
 {
     return QCoreApplication::translate("UntrackedFile", text);
-}
-
-/// The first bytes of a file; absent when it cannot be read.
-std::optional<QByteArray> firstBytes(const QString& path, qsizetype most)
-{
-    const OpenFile file = OpenFile::openForReading(nativePath(path));
-    QByteArray bytes(most, Qt::Uninitialized);
-    qsizetype length = 0;
-    while (file.isOpen() && length < most) {
-        const qsizetype read = file.read(bytes.data() + length, most - length);
-        if (read < 0) {
-            return std::nullopt;
-        }
-        if (read == 0) {
-            break;
-        }
-        length += read;
-    }
-    bytes.truncate(length);
-    return file.isOpen() ? std::optional(bytes) : std::nullopt;
 }
 
 QString addedText(const QString& text, const QString& name)
@@ -65,7 +46,7 @@ UntrackedFile UntrackedFile::read(const QString& path, const QString& shownName)
     if (info.isDir()) {
         return {{}, tr("Untracked folder")};
     }
-    const auto bytes = firstBytes(path, most);
+    const auto bytes = startOfFile(path, most);
     if (!bytes) {
         return {{}, tr("Untracked file, which cannot be read")};
     }
@@ -76,10 +57,14 @@ UntrackedFile UntrackedFile::read(const QString& path, const QString& shownName)
     const std::optional<FileIdentity> there = identityOf(nativePath(path));
     const qint64 size = there ? there->size : bytes->size();
     const bool isCut = bytes->size() == most && size > most;
-    const qsizetype end = isCut ? bytes->lastIndexOf('\n') + 1 : bytes->size();
+    const qsizetype lines = isCut ? bytes->lastIndexOf('\n') + 1 : bytes->size();
+    const qsizetype end = lines > 0 ? lines : bytes->size() - begunUtf8AtEnd(*bytes);
     const auto text = decodeUtf8Text(QByteArrayView(*bytes).first(end));
     if (!text || text->isEmpty() || text->contains(QChar(u'\0'))) {
         return {{}, tr("Untracked binary file, %1").arg(sizeInWords(size))};
+    }
+    if (lines == 0) {
+        return {{}, tr("Untracked file, %1, with a line that is too long to show").arg(sizeInWords(size))};
     }
     // A line feed in the name would begin another line of the diff.
     return {addedText(*text, QString(shownName).replace(u'\n', QChar(0x2424))), {}};

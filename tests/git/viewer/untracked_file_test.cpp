@@ -1,4 +1,5 @@
 #include "git/diff/diff_content.h"
+#include "git/diff/file_facts.h"
 #include "git/viewer/untracked_file.h"
 #include "support/test_program.h"
 
@@ -79,6 +80,17 @@ void UntrackedFileTest::anythingElseIsTold_data()
     QTest::newRow("a null character") << QByteArray("a\0b\n", 4) << u"Untracked binary file, 4 bytes"_s;
     QTest::newRow("no UTF-8") << QByteArray("\xff\xfe\n") << u"Untracked binary file, 3 bytes"_s;
     QTest::newRow("half a character at the end") << QByteArray("a\n\xea\xb0") << u"Untracked binary file, 4 bytes"_s;
+    const QByteArray line(UntrackedFile::most, 'x');
+    const auto tooLong = u"Untracked file, %1, with a line that is too long to show"_s;
+    QTest::newRow("a long line") << line + "x\n" << tooLong.arg(sizeInWords(line.size() + 2));
+    QTest::newRow("a character of it cut")
+        << line.chopped(1) + "\xea\xb0\x80" << tooLong.arg(sizeInWords(line.size() + 2));
+    const auto binary = u"Untracked binary file, %1"_s;
+    QTest::newRow("a long line with a null character")
+        << line.chopped(1) + '\0' + "x" << binary.arg(sizeInWords(line.size() + 1));
+    QTest::newRow("a long line that is no UTF-8") << "\xff" + line << binary.arg(sizeInWords(line.size() + 1));
+    QTest::newRow("long, with no line") << QByteArray(line.size() + 1, '\0')
+                                        << binary.arg(sizeInWords(line.size() + 1));
 }
 
 void UntrackedFileTest::anythingElseIsTold()
