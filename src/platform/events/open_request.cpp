@@ -15,7 +15,6 @@ namespace {
 
 constexpr QByteArrayView mark("kelm-open-3\n");
 constexpr QByteArrayView answerMark("kelm-taken-3\n");
-constexpr qsizetype numberSize = sizeof(quint32);
 
 void writeText(QDataStream& stream, const QString& text)
 {
