@@ -1,9 +1,7 @@
 #include "run/kept_tail.h"
 
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "platform/text/grapheme_boundaries.h"
-
-#include <QThreadPool>
 
 #include <algorithm>
 #include <utility>

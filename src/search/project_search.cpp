@@ -1,12 +1,11 @@
 #include "search/project_search.h"
 
-#include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/file_url.h"
 #include "search/project_scan.h"
 
 #include <QPointer>
-#include <QThreadPool>
 
 #include <atomic>
 #include <condition_variable>

@@ -1,10 +1,9 @@
 // Work of other threads that does not begin before a test lets it.
 #pragma once
 
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 
-#include <QSemaphore>
-#include <QThreadPool>
+#include <semaphore>
 
 namespace kelm::test {
 
@@ -14,7 +13,7 @@ class BlockedWorkers
 public:
     BlockedWorkers()
     {
-        QThreadPool& pool = backgroundWorkers();
+        WorkerPool& pool = backgroundWorkers();
         pool.waitForDone();
         for (int worker = 0; worker < pool.maxThreadCount(); ++worker) {
             pool.start([this] { end_.acquire(); });
@@ -29,7 +28,7 @@ public:
     BlockedWorkers& operator=(const BlockedWorkers&) = delete;
 
 private:
-    QSemaphore end_;
+    std::counting_semaphore<> end_{0};
 };
 
 } // namespace kelm::test

@@ -3,12 +3,10 @@
 
 #include "app/state/notices.h"
 #include "app/state/watched_files.h"
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/native_path.h"
 #include "support/app_state_fixture.h"
 #include "support/patience.h"
-
-#include <QThreadPool>
 
 #include <cstdio>
 

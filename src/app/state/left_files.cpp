@@ -1,13 +1,12 @@
 #include "app/state/left_files.h"
 
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 #include "platform/files/symbolic_links.h"
 #include "platform/files/temporary_file.h"
 
 #include <QSet>
-#include <QThreadPool>
 
 namespace kelm {
 

@@ -1,8 +1,7 @@
 #include "git/diff/word_diff_cache.h"
 
 #include "platform/events/main_queue.h"
-
-#include <QThreadPool>
+#include "platform/events/worker_pool.h"
 
 #include <utility>
 
@@ -83,7 +82,7 @@ void WordDiffCache::compareNext()
     Pair pair = std::move(waiting_.back());
     waiting_.pop_back();
     isComparing_ = true;
-    QThreadPool::globalInstance()->start([pair = std::move(pair), self = self_] {
+    commonWorkers().start([pair = std::move(pair), self = self_] {
         ChangedWords words = ChangedWords::of(WordDiff::diff(pair.oldText, pair.newText));
         onMainQueue([key = pair.key, words = std::move(words), self]() mutable {
             if (*self != nullptr) {

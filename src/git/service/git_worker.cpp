@@ -3,10 +3,9 @@
 #include "git/service/git_stop.h"
 #include "git/service/git_transfers.h"
 #include "platform/events/main_queue.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/utf8_file.h"
 #include "platform/process/process_stop.h"
-
-#include <QThreadPool>
 
 namespace kelm {
 
@@ -82,16 +81,15 @@ void GitService::Worker::queueError(const GitFailure& failure) const
 void GitService::Worker::runInBackground(const ProcessCommand& process,
                                          std::function<void(GitService*, const GitOpResult&)> done) const
 {
-    QThreadPool* const pool = QThreadPool::globalInstance();
     const auto stop = std::make_shared<ProcessStop>();
     const quint64 transfer = service_->transfers().add(gitCommandName(process), stop);
-    pool->start([worker = *this, process, done = std::move(done), pool, stop, transfer] {
+    commonWorkers().start([worker = *this, process, done = std::move(done), stop, transfer] {
         GitOpResult result = GitOpResult::failure(QStringLiteral("service deallocated"));
         if (!worker.alive_.expired()) {
             // A git that waits for the network must not take a place from those who compute.
-            pool->releaseThread();
+            commonWorkers().releaseThread();
             result = worker.resultOf(worker.run(process, *stop), process.arguments);
-            pool->reserveThread();
+            commonWorkers().reserveThread();
         }
         onMainQueue([service = worker.service_, done, result, transfer] {
             if (service) {

@@ -2,9 +2,8 @@
 
 #include "git/service/repository_places.h"
 #include "platform/events/main_queue.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/file_url.h"
-
-#include <QThreadPool>
 
 #include <utility>
 

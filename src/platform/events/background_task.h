@@ -5,14 +5,7 @@
 #include <functional>
 #include <memory>
 
-class QThreadPool;
-
 namespace kelm {
-
-/// The workers of all background tasks. They are none of the toolkit's common pool, by which it paints large areas: a
-/// paint would wait there for work that takes seconds. Before the application object goes they are waited for. From any
-/// thread.
-QThreadPool& backgroundWorkers();
 
 /// One piece of work at a time, done by a worker for an owner on the main thread. What is begun is never waited for:
 /// when the task is stopped, begun anew or gone, the work is asked to end and what it found is dropped.

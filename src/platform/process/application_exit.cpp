@@ -1,11 +1,9 @@
 #include "platform/process/application_exit.h"
 
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/log.h"
 #include "platform/process/ways_to_end.h"
-
-#include <QThreadPool>
 
 #include <csignal>
 #include <cstdio>
@@ -31,7 +29,8 @@ int leaveWithoutWaiting(int status, UserDefaults& preferences)
     preferences.synchronize();
     endBySignal();
     // A pool's number of active threads leaves out those that only wait for a child.
-    if (QThreadPool::globalInstance()->waitForDone(0) && backgroundWorkers().waitForDone(0)) {
+    if (commonWorkers().waitForDone(std::chrono::milliseconds(0)) &&
+        backgroundWorkers().waitForDone(std::chrono::milliseconds(0))) {
         return status;
     }
     Log::finishSystem();

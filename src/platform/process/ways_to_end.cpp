@@ -1,8 +1,8 @@
 #include "platform/process/ways_to_end.h"
 
-#include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
 #include "platform/events/quiet_thread.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/child_groups.h"
 #include "platform/process/log.h"

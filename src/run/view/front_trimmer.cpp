@@ -1,11 +1,9 @@
 #include "run/view/front_trimmer.h"
 
-#include "platform/events/background_task.h"
 #include "platform/events/main_queue.h"
+#include "platform/events/worker_pool.h"
 #include "text/boundaries/text_boundaries.h"
 #include "text/storage/text_storage.h"
-
-#include <QThreadPool>
 
 #include <utility>
 

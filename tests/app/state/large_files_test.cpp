@@ -1,5 +1,6 @@
 #include "app/state/large_files.h"
 #include "app/state/notices.h"
+#include "platform/events/worker_pool.h"
 #include "support/app_state_fixture.h"
 #include "support/blocked_workers.h"
 #include "support/test_program.h"

@@ -2,11 +2,10 @@
 #include "app/state/link_runs.h"
 #include "app/state/notices.h"
 #include "learning/link_permission.h"
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "support/app_state_fixture.h"
 #include "support/test_program.h"
 
-#include <QThreadPool>
 #include <QtTest>
 
 namespace lesson_links_test {

@@ -1,12 +1,11 @@
 #include "app/state/notices.h"
 #include "app/state/watched_files.h"
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "support/app_state_fixture.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 
 #include <QSignalSpy>
-#include <QThreadPool>
 #include <QtTest>
 
 #include <cstdio>
@@ -366,7 +365,7 @@ void WatchedFilesTest::aSaveWhileTheFileIsReadGoesBeforeIt()
     QTRY_VERIFY(fixture_->scheduler.pending() > 0);
     // The file is read by now, and what was read waits to be taken.
     fixture_->scheduler.advance(WatchedFiles::quietTime);
-    QVERIFY(backgroundWorkers().waitForDone(10'000));
+    QVERIFY(backgroundWorkers().waitForDone(10s));
     document().setContent(u"mine"_s);
     state().saveCurrentDocument();
     QSignalSpy changed(&document(), &Document::contentChanged);

@@ -1,8 +1,8 @@
 #include "git/diff/word_diff_cache.h"
+#include "platform/events/worker_pool.h"
 #include "support/diff_text.h"
 #include "support/test_program.h"
 
-#include <QThreadPool>
 #include <QtTest>
 
 namespace word_diff_cache_test {
@@ -147,7 +147,7 @@ void WordDiffCacheTest::cacheMayGoWhileLinesAreCompared()
         const DiffHunk hunk = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
         QVERIFY(cache.words(hunk, 1, 2) == nullptr);
     }
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QVERIFY(commonWorkers().waitForDone());
     QCoreApplication::processEvents();
     QVERIFY(!isTold);
 }

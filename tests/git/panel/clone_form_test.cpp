@@ -1,4 +1,5 @@
 #include "git/panel/clone_form.h"
+#include "platform/events/worker_pool.h"
 #include "support/fake_file_panels.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
@@ -306,7 +307,7 @@ void CloneFormTest::aFormThatGoesIsNotToldOfTheEnd()
     form->setDestinationParent(f.parentFolder());
     form->startClone();
     form.reset();
-    QThreadPool::globalInstance()->waitForDone();
+    commonWorkers().waitForDone();
     QCOMPARE(f.cloned().size(), 1);
     QCoreApplication::processEvents();
     QCOMPARE(f.scheduler.pending(), 0U);

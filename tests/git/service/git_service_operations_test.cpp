@@ -1,4 +1,5 @@
 #include "git/service/git_service.h"
+#include "platform/events/worker_pool.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
@@ -6,9 +7,12 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <semaphore>
+
 namespace git_service_operations_test {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 using namespace kelm;
 using namespace kelm::test;
 
@@ -441,7 +445,7 @@ void GitServiceOperationsTest::completionMayBeAbsent()
     service_->fetch({}, false);
     service_->pull(true);
     service_->push({});
-    QVERIFY(QThreadPool::globalInstance()->waitForDone(20000));
+    QVERIFY(commonWorkers().waitForDone(20s));
     QTRY_VERIFY(!service_->isBusy());
     QCoreApplication::sendPostedEvents();
     QCOMPARE(runner_->takeCommands().size(), 3 + 2 * (aheadBehind + branches).size() + all.size());
@@ -650,15 +654,15 @@ void GitServiceOperationsTest::cloneThatFailsLeavesTheStateAlone()
     QCOMPARE(service_->lastError(), u"fatal: x"_s);
     // Without a completion nothing is missed.
     service_->cloneRepo(u"u"_s, QUrl::fromLocalFile(u"/tmp/x"_s));
-    QVERIFY(QThreadPool::globalInstance()->waitForDone(20000));
+    QVERIFY(commonWorkers().waitForDone(20s));
     QCoreApplication::sendPostedEvents();
     QCOMPARE(runner_->takeCommands().size(), 1);
 }
 
 void GitServiceOperationsTest::cloneOutlivesTheService()
 {
-    QSemaphore started;
-    QSemaphore release;
+    std::counting_semaphore<> started{0};
+    std::counting_semaphore<> release{0};
     runner_->setAnswer([&](const ProcessCommand&) {
         started.release();
         release.acquire();

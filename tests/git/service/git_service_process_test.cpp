@@ -1,5 +1,6 @@
 #include "git/service/git_environment.h"
 #include "git/service/git_service.h"
+#include "platform/events/worker_pool.h"
 #include "platform/process/environment.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
@@ -9,9 +10,12 @@
 #include <QThread>
 #include <QtTest>
 
+#include <semaphore>
+
 namespace git_service_process_test {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 using namespace kelm;
 using namespace kelm::test;
 
@@ -291,7 +295,7 @@ void GitServiceProcessTest::asyncRunIsBusyUntilItEnds()
 void GitServiceProcessTest::firstOfTwoAsyncRunsToEndClearsBusy()
 {
     openRepository();
-    QSemaphore release;
+    std::counting_semaphore<> release{0};
     runner_->setAnswer([&](const ProcessCommand& command) {
         if (command.arguments.front() == u"slow") {
             release.acquire();
@@ -322,15 +326,15 @@ void GitServiceProcessTest::serviceThatGoesBeforeTheRunIsReported()
 {
     openRepository();
     // All threads of the pool are taken, so that the run waits for one.
-    QThreadPool* const pool = QThreadPool::globalInstance();
-    QSemaphore release;
-    for (int index = 0; index < pool->maxThreadCount(); ++index) {
-        pool->start([&release] { release.acquire(); });
+    WorkerPool& pool = commonWorkers();
+    std::counting_semaphore<> release{0};
+    for (int index = 0; index < pool.maxThreadCount(); ++index) {
+        pool.start([&release] { release.acquire(); });
     }
     std::optional<GitOpResult> result;
     service_->runAsync(anyArgs, [&](const GitOpResult& value) { result = value; });
     service_.reset();
-    release.release(pool->maxThreadCount());
+    release.release(pool.maxThreadCount());
     QTRY_COMPARE(result, std::optional(GitOpResult::failure(u"service deallocated"_s)));
     QVERIFY(runner_->takeCommands().isEmpty());
 }
@@ -338,8 +342,8 @@ void GitServiceProcessTest::serviceThatGoesBeforeTheRunIsReported()
 void GitServiceProcessTest::serviceThatGoesDuringTheRunIsNotTouched()
 {
     openRepository();
-    QSemaphore started;
-    QSemaphore release;
+    std::counting_semaphore<> started{0};
+    std::counting_semaphore<> release{0};
     runner_->setAnswer([&](const ProcessCommand&) {
         started.release();
         release.acquire();
@@ -371,9 +375,9 @@ void GitServiceProcessTest::asyncLaunchFailureLeavesLastErrorAlone()
 void GitServiceProcessTest::waitingRunsLeaveRoomInTheThreadPool()
 {
     openRepository();
-    QThreadPool* const pool = QThreadPool::globalInstance();
-    const int waiting = pool->maxThreadCount() + 2;
-    QSemaphore release;
+    WorkerPool& pool = commonWorkers();
+    const int waiting = pool.maxThreadCount() + 2;
+    std::counting_semaphore<> release{0};
     runner_->setAnswer([&](const ProcessCommand&) {
         release.acquire();
         return ended(0);
@@ -382,9 +386,9 @@ void GitServiceProcessTest::waitingRunsLeaveRoomInTheThreadPool()
     for (int index = 0; index < waiting; ++index) {
         service_->runAsync(anyArgs, [&](const GitOpResult&) { ++done; });
     }
-    QSemaphore other;
-    pool->start([&other] { other.release(); });
-    QVERIFY(other.tryAcquire(1, 20000));
+    std::counting_semaphore<> other{0};
+    pool.start([&other] { other.release(); });
+    QVERIFY(other.try_acquire_for(20s));
     release.release(waiting);
     QTRY_COMPARE(done, waiting);
 }

@@ -1,14 +1,17 @@
 #include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "support/blocked_workers.h"
 #include "support/test_program.h"
 
-#include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <semaphore>
 
 namespace background_task_test {
 
 using namespace kelm;
+using namespace std::chrono_literals;
 
 class BackgroundTaskTest : public QObject
 {
@@ -55,9 +58,9 @@ void BackgroundTaskTest::whatIsStoppedIsNotDelivered()
 void BackgroundTaskTest::theToolkitsPoolIsFreeMeanwhile()
 {
     const test::BlockedWorkers blocked;
-    QSemaphore painted;
-    QThreadPool::globalInstance()->start([&painted] { painted.release(); });
-    QVERIFY(painted.tryAcquire(1, 30'000));
+    std::counting_semaphore<> painted{0};
+    commonWorkers().start([&painted] { painted.release(); });
+    QVERIFY(painted.try_acquire_for(30s));
 }
 
 const kelm::test::Registered<BackgroundTaskTest> registered;

@@ -1,11 +1,11 @@
 #include "platform/events/serial_worker.h"
 #include "support/test_program.h"
 
-#include <QSemaphore>
 #include <QtTest>
 
 #include <algorithm>
 #include <memory>
+#include <semaphore>
 #include <thread>
 #include <vector>
 
@@ -46,7 +46,7 @@ void SerialWorkerTest::workIsDoneInItsOrderOnOneThread()
 
 void SerialWorkerTest::waitingEndsInTimeAndTellsOfWhatIsLeft()
 {
-    QSemaphore end;
+    std::counting_semaphore<> end{0};
     SerialWorker worker;
     worker.add([&end] { end.acquire(); });
     QVERIFY(!worker.waitUntilIdle(1ms));
@@ -70,8 +70,8 @@ void SerialWorkerTest::whatWorkHeldIsLetGoByTheWorker()
 void SerialWorkerTest::itsEndLeavesWhatHasNotBegun()
 {
     // The thread may outlive this function by a moment.
-    const auto begun = std::make_shared<QSemaphore>();
-    const auto end = std::make_shared<QSemaphore>();
+    const auto begun = std::make_shared<std::counting_semaphore<>>(0);
+    const auto end = std::make_shared<std::counting_semaphore<>>(0);
     const auto isLeft = std::make_shared<int>();
     {
         SerialWorker worker;

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QScopeGuard>
-#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
@@ -16,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <poll.h>
+#include <semaphore>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -284,7 +284,7 @@ void SingleInstanceTest::whoWaitsForAFirstThatEndsTakesItsPlace()
     FirstProcess process(fixture);
     QVERIFY(process.says("first"));
     process.stop();
-    QSemaphore begun;
+    std::counting_semaphore<> begun{0};
     Part part = Part::alone;
     const std::unique_ptr<QThread> other(QThread::create([&] {
         begun.release();

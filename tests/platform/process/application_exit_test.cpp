@@ -1,15 +1,14 @@
-#include "platform/events/background_task.h"
+#include "platform/events/worker_pool.h"
 #include "platform/files/user_defaults.h"
 #include "platform/process/application_exit.h"
 #include "support/roles.h"
 #include "support/test_program.h"
 
-#include <QSemaphore>
 #include <QTemporaryDir>
-#include <QThreadPool>
 #include <QtTest>
 
 #include <fcntl.h>
+#include <semaphore>
 #include <unistd.h>
 
 namespace application_exit_test {
@@ -22,15 +21,15 @@ namespace {
 /// Work that does not end, on the global pool, with or without a claim to a thread, or as a background task.
 void startEndlessWork(const QString& kind)
 {
-    static QSemaphore started;
+    static std::counting_semaphore<> started{0};
     const bool onlyWaits = kind == u"waits"_s;
-    QThreadPool* const pool = kind == u"task"_s ? &backgroundWorkers() : QThreadPool::globalInstance();
-    pool->start([onlyWaits, pool] {
+    WorkerPool& pool = kind == u"task"_s ? backgroundWorkers() : commonWorkers();
+    pool.start([onlyWaits, &pool] {
         if (onlyWaits) {
-            pool->releaseThread();
+            pool.releaseThread();
         }
         started.release();
-        QSemaphore().acquire();
+        std::counting_semaphore<>(0).acquire();
     });
     started.acquire();
 }
@@ -45,8 +44,8 @@ int leaveBusy(const QStringList& arguments)
 
 int leaveIdle(const QStringList& /*arguments*/)
 {
-    QThreadPool::globalInstance()->start([] {});
-    QThreadPool::globalInstance()->waitForDone();
+    commonWorkers().start([] {});
+    commonWorkers().waitForDone();
     const int status = leaveWithoutWaiting(5, UserDefaults::shared());
     std::printf("came back");
     return status;

@@ -8,7 +8,6 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QSemaphore>
 #include <QtTest>
 
 #include <csignal>
@@ -30,6 +29,14 @@ void say(const char* line)
     std::fflush(stdout);
 }
 
+/// Only a signal comes through.
+[[noreturn]] void hang()
+{
+    for (;;) {
+        ::pause();
+    }
+}
+
 /// Says "ready" when it can be ended, and "closed" when it brings to safety what it has. What it does then is an
 /// argument: waits in its loop or in one inside it, does not come back from its own work or from its closer, or exits
 /// from inside.
@@ -43,7 +50,7 @@ int playProgram(const QStringList& arguments)
     onOrderlyEnd(&owner, [kind](auto) {
         say("closed");
         if (kind == u"closerHangs"_s) {
-            QSemaphore().acquire();
+            hang();
         }
     });
     watchWaysToEnd(UserDefaults::shared());
@@ -53,7 +60,7 @@ int playProgram(const QStringList& arguments)
             QEventLoop().exec();
             say("left");
         } else if (kind == u"hangs"_s) {
-            QSemaphore().acquire();
+            hang();
         } else if (kind == u"exits"_s) {
             std::exit(9);
         } else if (kind == u"losesWayland"_s) {

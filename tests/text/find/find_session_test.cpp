@@ -1,3 +1,4 @@
+#include "platform/events/worker_pool.h"
 #include "support/random_text.h"
 #include "support/test_program.h"
 #include "text/find/find_session.h"
@@ -325,7 +326,7 @@ void FindSessionTest::anEditDropsTheReplacementOfAll()
     QVERIFY(!fixture.session.replaceAll());
     fixture.storage.replace({0, 1}, u"");
     QTRY_COMPARE(fixture.session.state(), State::complete);
-    QThreadPool::globalInstance()->waitForDone();
+    backgroundWorkers().waitForDone();
     QCoreApplication::processEvents();
     QCOMPARE(replaced.size(), 0);
 }
@@ -350,7 +351,7 @@ void FindSessionTest::nothingComesAfterTheEnd()
     QVERIFY(!fixture.session.isStepping());
     QSignalSpy changes(&fixture.session, &FindSession::changed);
     fixture.storage.replace({0, 0}, u"ab");
-    QThreadPool::globalInstance()->waitForDone();
+    backgroundWorkers().waitForDone();
     QCoreApplication::processEvents();
     QCOMPARE(changes.size(), 0);
     QVERIFY(fixture.matches().empty());
