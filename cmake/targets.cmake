@@ -59,6 +59,7 @@ function(kelm_add_test name)
   set(environment
     QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=${ARG_SCALE} LC_ALL=C.UTF-8
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp
+    TSAN_OPTIONS=ignore_noninstrumented_modules=1:history_size=4:die_after_fork=0
     XDG_CONFIG_HOME=${home}/config XDG_DATA_HOME=${home}/data
     XDG_CACHE_HOME=${home}/cache XDG_STATE_HOME=${home}/state)
   set_tests_properties(${folder}/${name} PROPERTIES
