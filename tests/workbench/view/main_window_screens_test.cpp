@@ -69,7 +69,7 @@ void MainWindowScreensTest::allIsDrawnAnew()
     fixture.window.resize(1000, 700);
     fixture.state.setBottomPanelTab(BottomPanelTab::problems);
     fixture.state.setShowBottomPanel(true);
-    fixture.state.openSnippet(u"func answer() -> Int {\n    return 42 // 한글\n}\n"_s, Language::swift, std::nullopt);
+    fixture.openSnippet(u"func answer() -> Int {\n    return 42 // 한글\n}\n"_s, Language::swift);
     QCOMPARE(fixture.window.devicePixelRatio(), 1.0);
     QCOMPARE(pictureOf(fixture).size(), QSize(1000, 700));
 
@@ -84,7 +84,7 @@ void MainWindowScreensTest::allIsDrawnAnew()
     fixture.themes.setCurrentTheme(EditorTheme::allThemes().back());
     pictureOf(fixture);
     fixture.themes.setCurrentTheme(theme);
-    QTRY_COMPARE(pictureOf(fixture), moved);
+    QTRY_VERIFY(pictureOf(fixture) == moved);
     // And it has pixels of its own between those of the other.
     const QImage coarse = moved.scaled(1000, 700, Qt::IgnoreAspectRatio, Qt::FastTransformation)
                               .scaled(2000, 1400, Qt::IgnoreAspectRatio, Qt::FastTransformation);
