@@ -228,7 +228,7 @@ QString randomText(test::RandomText& random, const QStringList& own)
 }
 
 // The sanitizers slow every access down and look for other defects.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr qsizetype longText = 50'000;
 constexpr int usualRounds = 500;
 #else

@@ -18,7 +18,7 @@ using kelm::test::TrackedText;
 namespace {
 
 // The sanitizers slow every access down and look for other defects.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr qsizetype longComment = 100'000;
 constexpr qsizetype trap = 5'000;
 #else

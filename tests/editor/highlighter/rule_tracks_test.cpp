@@ -71,7 +71,7 @@ int editCount()
 {
     bool given = false;
     const int count = qEnvironmentVariable("KELM_TEST_ROUNDS").toInt(&given);
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return given ? count : 100;
 #else
     return given ? count : 600;
