@@ -75,22 +75,12 @@ void followDisk(World& world)
         const auto bytes =
             document.url ? world.disk.bytesOf(world.disk.behindLinks(document.url->toLocalFile())) : std::nullopt;
         const auto text = bytes ? textOf(*bytes) : std::nullopt;
-        if (document.url && !text) {
-            document.fileText.reset();
+        if (document.url) {
+            document.fileText = text;
         }
-        if (!text || *text == document.fileText) {
-            continue;
-        }
-        if (!document.isModified) {
-            if (*text != document.text()) {
-                document.edited(*text);
-                document.isModified = false;
-            }
-            document.fileText = *text;
-        } else if (*text == document.text()) {
-            document.fileText = *text;
-        } else {
-            document.fileText.reset();
+        if (text && !document.isModified && *text != document.text()) {
+            document.edited(*text);
+            document.isModified = false;
         }
     }
 }

@@ -27,8 +27,7 @@ public:
 
     std::optional<QUrl> url;
     bool isModified = false;
-    /// What the file held when it was last read or written for the document; of one without a file, its first text.
-    /// Nothing when the file holds something else by now.
+    /// What the file holds; of a document without a file, its first text. Nothing when the file has gone or is no text.
     std::optional<QString> fileText;
 
     /// The text was written to its file.

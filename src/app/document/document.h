@@ -79,8 +79,9 @@ public:
     void takeFileText(const TextTree& text);
     /// Tells that the document's file holds its text by now, as another program wrote it too.
     void noteTextOfFile() { Q_EMIT textIsOfFile(); }
-    /// Tells that the document's file is gone, or holds another text than was last read or saved here.
-    void noteOtherTextInFile() { Q_EMIT otherTextIsInFile(); }
+    /// Tells that the document's file holds `text` by now, which is not the document's; nothing for a file that has
+    /// gone or cannot be read.
+    void noteOtherTextInFile(const std::optional<TextTree>& text) { Q_EMIT otherTextIsInFile(text); }
 
     /// From now on `editor`, which has the text that the document has, keeps it; none when it is done, whose text the
     /// document then keeps itself. The editor outlives its time here.
@@ -135,8 +136,8 @@ Q_SIGNALS:
     void isModifiedChanged();
     /// The file holds the text, and the program has not written it.
     void textIsOfFile();
-    /// The file does not hold any more what it held for the document.
-    void otherTextIsInFile();
+    /// The file holds `text`, if any, and not the document's.
+    void otherTextIsInFile(const std::optional<kelm::TextTree>& text);
     void cursorPositionChanged();
     void selectionChanged();
     void explicitLanguageChanged();

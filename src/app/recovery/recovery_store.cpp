@@ -22,12 +22,13 @@ constexpr std::chrono::seconds longestEnd{1};
 
 } // namespace
 
-/// What a document's text was when it did not differ from its file. Made on the main thread, and then for the worker
-/// alone.
+/// What a document's file holds: what was read or saved, and what another program wrote since. Made on the main thread,
+/// and then for the worker alone.
 struct RecoveryStore::Origin
 {
-    /// Absent where nobody knows it, and where the file does not hold it any more.
+    /// Absent where nobody knows it, and where the file has gone or is no text any more.
     std::optional<TextTree> text;
+    /// Of what was read or saved.
     std::optional<FileIdentity> identity;
 };
 
@@ -141,9 +142,9 @@ RecoveryStore::Kept& RecoveryStore::watch(const std::shared_ptr<Document>& docum
             setOrigin(*its, *key);
         }
     });
-    connect(key, &Document::otherTextIsInFile, context, [this, key] {
+    connect(key, &Document::otherTextIsInFile, context, [this, key](const std::optional<TextTree>& text) {
         if (Kept* const its = keptOf(key)) {
-            forgetOrigin(*its);
+            setOriginText(*its, text);
         }
     });
     connect(key, &QObject::destroyed, context, [this, key] { drop(key); });
@@ -178,9 +179,9 @@ void RecoveryStore::setOrigin(Kept& kept, const Document& document)
     });
 }
 
-void RecoveryStore::forgetOrigin(Kept& kept)
+void RecoveryStore::setOriginText(Kept& kept, const std::optional<TextTree>& text)
 {
-    worker_.add([origin = kept.origin] { origin->text.reset(); });
+    worker_.add([origin = kept.origin, text] { origin->text = text; });
     kept.isChanged = true;
     begin();
 }

@@ -95,8 +95,8 @@ private:
     void drop(const Document* document);
     /// What the document holds is what its file holds, or what it was made with.
     void setOrigin(Kept& kept, const Document& document);
-    /// The file does not hold the origin any more: the same text is in need of a copy from now on.
-    void forgetOrigin(Kept& kept);
+    /// The file holds `text` by now, if any: what the origin was is in need of a copy, and `text` is in none.
+    void setOriginText(Kept& kept, const std::optional<TextTree>& text);
     void noteChange(const Document* document);
     void close(const Document* document, Kept& kept);
     /// Has what has changed be copied after the delay.

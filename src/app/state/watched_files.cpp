@@ -239,7 +239,7 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         file.isGone = true;
         file.wantsReload = false;
         file.told.reset();
-        document.noteOtherTextInFile();
+        document.noteOtherTextInFile(std::nullopt);
         tell(file,
              u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
         break;
@@ -247,7 +247,7 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         file.known = finding.sight;
         file.isGone = false;
         file.wantsReload = false;
-        document.noteOtherTextInFile();
+        document.noteOtherTextInFile(std::nullopt);
         tell(file, u"%1 has changed on disk and could not be read: %2."_s.arg(
                        shownName(file.url), finding.error.value_or(FileError{}).reason));
         break;
@@ -259,6 +259,8 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
             file.told.reset();
             if (document.text() == finding.text) {
                 document.noteTextOfFile();
+            } else {
+                document.noteOtherTextInFile(finding.text);
             }
             break;
         }
@@ -281,7 +283,7 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
             document.noteTextOfFile();
             return true;
         }
-        document.noteOtherTextInFile();
+        document.noteOtherTextInFile(finding.text);
         offerReload(file, *finding.sight);
         return true;
     }

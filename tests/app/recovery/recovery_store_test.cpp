@@ -49,6 +49,7 @@ private Q_SLOTS:
     void whatIsReadAnewIsNoUnsavedText();
     void whatTheFileHeldBeforeIsAnUnsavedText();
     void whatTheFileDoesNotHoldAnyMoreIsAnUnsavedText();
+    void whatTheFileHoldsByNowNeedsNoCopy();
     void theEndOfTheProgramDoesNotWaitForTheDelay();
     void closedTextsAreOfferedAndOpenOnesAreNot();
     void aClosedDocumentThatIsOpenedAgainKeepsItsCopy();
@@ -207,13 +208,29 @@ void RecoveryStoreTest::whatTheFileDoesNotHoldAnyMoreIsAnUnsavedText()
     settle();
     QCOMPARE(onDisk(), QStringList());
     // Nothing is typed from here on.
-    document->noteOtherTextInFile();
-    unmodified->noteOtherTextInFile();
+    document->noteOtherTextInFile(std::nullopt);
+    unmodified->noteOtherTextInFile(std::nullopt);
     settle();
     QCOMPARE(onDisk(), QStringList{u"as it was"_s});
     document->noteTextOfFile();
     settle();
     QCOMPARE(onDisk(), QStringList());
+}
+
+void RecoveryStoreTest::whatTheFileHoldsByNowNeedsNoCopy()
+{
+    const auto document = untitled(u"as it was"_s);
+    store_->setDocuments({document});
+    document->setContent(u"typed"_s);
+    document->noteOtherTextInFile(TextTree(u"by another program"_s));
+    settle();
+    QCOMPARE(onDisk(), QStringList{u"typed"_s});
+    document->setContent(u"by another program"_s);
+    settle();
+    QCOMPARE(onDisk(), QStringList());
+    document->setContent(u"as it was"_s);
+    settle();
+    QCOMPARE(onDisk(), QStringList{u"as it was"_s});
 }
 
 void RecoveryStoreTest::theEndOfTheProgramDoesNotWaitForTheDelay()

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void aTextThatTheFileHoldsNoMoreIsCopied_data();
     void aTextThatTheFileHoldsNoMoreIsCopied();
     void aTextThatIsTypedBackAfterwardsIsCopied();
+    void aTextThatTheFileHoldsAgainIsNotCopied();
+    void aTextThatTheFileHasComeToHoldIsNotCopied();
     void aTextThatIsNotModifiedIsNotCopied();
 
 private:
@@ -113,6 +115,37 @@ void WatchedFilesUnsavedTest::aTextThatIsTypedBackAfterwardsIsCopied()
     QVERIFY(QFile::remove(fixture_->folder.filePath(u"a.txt"_s)));
     settle();
     document().setContent(u"typed"_s);
+    document().setContent(u"as it was"_s);
+    settle();
+    QCOMPARE(copies(), QStringList{u"as it was"_s});
+}
+
+void WatchedFilesUnsavedTest::aTextThatTheFileHoldsAgainIsNotCopied()
+{
+    open();
+    document().setContent(u"typed"_s);
+    // As a checkout does it that takes a look's time.
+    QVERIFY(QFile::remove(fixture_->folder.filePath(u"a.txt"_s)));
+    settle();
+    fixture_->write(u"a.txt"_s, "as it was");
+    settle();
+    QCOMPARE(copies(), QStringList{u"typed"_s});
+    document().setContent(u"as it was"_s);
+    settle();
+    QVERIFY(document().isModified());
+    QCOMPARE(copies(), QStringList());
+}
+
+void WatchedFilesUnsavedTest::aTextThatTheFileHasComeToHoldIsNotCopied()
+{
+    open();
+    document().setContent(u"typed"_s);
+    fixture_->write(u"a.txt"_s, "by another program");
+    settle();
+    QCOMPARE(copies(), QStringList{u"typed"_s});
+    document().setContent(u"by another program"_s);
+    settle();
+    QCOMPARE(copies(), QStringList());
     document().setContent(u"as it was"_s);
     settle();
     QCOMPARE(copies(), QStringList{u"as it was"_s});
