@@ -83,7 +83,7 @@ private:
 
 void runAtOnce(QObject*, std::function<void()> work)
 {
-    work();
+    std::exchange(work, nullptr)();
 }
 
 } // namespace
