@@ -42,6 +42,9 @@ void WatchedFiles::setDocuments(const QList<std::shared_ptr<Document>>& document
         if (isClosed(file)) {
             forget(file);
             closed_.append(file);
+            if (const std::shared_ptr<Document> document = file.document.lock()) {
+                connect(document.get(), &QObject::destroyed, this, &WatchedFiles::forgetEnded, Qt::UniqueConnection);
+            }
         }
     }
     closed_.removeIf([](const File& file) {
@@ -88,6 +91,11 @@ void WatchedFiles::forget(File& file)
     if (const Notices::Id notice = std::exchange(file.notice, 0)) {
         notices_.remove(notice);
     }
+}
+
+void WatchedFiles::forgetEnded()
+{
+    closed_.removeIf([](const File& file) { return file.document.expired(); });
 }
 
 void WatchedFiles::watchFiles()

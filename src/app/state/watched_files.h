@@ -60,6 +60,8 @@ public:
     void lookAgain();
     /// Whether nothing is being looked at, nor waits for it.
     bool isSettled() const { return !task_.isRunning() && !lookDebounce_.isPending() && !quietDebounce_.isPending(); }
+    /// Of how many files it keeps the text: those of the open documents, and those of closed ones that live on.
+    qsizetype keptTexts() const { return files_.size() + closed_.size(); }
 
 private:
     /// What is known of one document's file.
@@ -87,6 +89,8 @@ private:
     const File* fileOf(const Document& document) const;
     void follow(const std::shared_ptr<Document>& document);
     void forget(File& file);
+    /// Lets go of what is kept of closed documents that live no more.
+    void forgetEnded();
     void watchFiles();
     void look();
     void take(const std::vector<FileLook::Finding>& findings);

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void aFileThatIsAwayForAMomentIsNotToldOf();
     void aDeviceOfAnotherNumberIsTheSame();
     void whatChangedWhileItWasClosedIsToldOf();
+    void nothingIsKeptOfAClosedDocumentThatEnded();
     void aLookThatIsMissedIsMadeUpFor();
     void aLookThatIsOvertakenIsMadeAgain();
     void itIsSettledWhenNothingIsLookedAt();
@@ -110,6 +111,24 @@ void WatchedFilesLooksTest::whatChangedWhileItWasClosedIsToldOf()
     QCOMPARE(fixture.noticeText(), QString());
     fixture.state.setDocuments({document});
     QTRY_COMPARE((fixture.isSettled(), fixture.noticeText()), fixture.changed);
+}
+
+void WatchedFilesLooksTest::nothingIsKeptOfAClosedDocumentThatEnded()
+{
+    WatchedFileFixture fixture;
+    fixture.open("old");
+    fixture.state.currentDocument()->setContent(u"mine"_s);
+    QCOMPARE(fixture.watched().keptTexts(), qsizetype(1));
+    // The notice offers the tab, twice over.
+    fixture.state.closeTab(0);
+    QCOMPARE(fixture.watched().keptTexts(), qsizetype(1));
+    fixture.state.notices().accept(0);
+    QCOMPARE(fixture.state.documents().size(), qsizetype(1));
+    QCOMPARE(fixture.watched().keptTexts(), qsizetype(1));
+    fixture.state.closeTab(0);
+    QCOMPARE(fixture.watched().keptTexts(), qsizetype(1));
+    fixture.state.notices().putAway();
+    QCOMPARE(fixture.watched().keptTexts(), qsizetype(0));
 }
 
 void WatchedFilesLooksTest::aLookThatIsMissedIsMadeUpFor()
