@@ -11,6 +11,8 @@ namespace {
 
 /// How much of a text is read in one go on the main thread; some two milliseconds.
 constexpr qsizetype mostUnitsAtOnce = 1 << 20;
+/// A line is read whole, so that a very long one takes too long there.
+constexpr qsizetype longestChunkAtOnce = mostUnitsAtOnce / 4;
 
 } // namespace
 
@@ -58,8 +60,6 @@ void CodeFoldingManager::willReplace(TextRange range, qsizetype newLength)
     if (task_.isRunning()) {
         since_.emplace_back(range, newLength);
     }
-    const LineIndex& lines = storage_->lines();
-    touchesLongLine_ = touchesLongLine_ || lines.extent(lines.lineAt(range.location)).length > mostUnitsAtOnce / 4;
 }
 
 void CodeFoldingManager::detectFoldableRegions(Language language)
@@ -81,10 +81,7 @@ void CodeFoldingManager::settle()
         // It goes on with what is new when it is done.
         return;
     }
-    // A line is read whole, so that a very long one takes too long here.
-    if (!std::exchange(touchesLongLine_, false)) {
-        regions_.settle(storage_->tree(), mostUnitsAtOnce);
-    }
+    regions_.settle(storage_->tree(), mostUnitsAtOnce, nullptr, longestChunkAtOnce);
     if (regions_.isSettled()) {
         return;
     }
@@ -113,7 +110,7 @@ const std::map<qsizetype, FoldJournal::OpenFold>& CodeFoldingManager::openFolds(
         openFoldsRevision_ = storage_->revision();
         openFolds_.clear();
         for (FoldJournal::OpenFold& fold : journal_.openFolds()) {
-            openFolds_[storage_->tree().lineFeedsBefore(fold.placeholder.location)] = std::move(fold);
+            openFolds_[storage_->lines().lineAt(fold.placeholder.location)] = std::move(fold);
         }
     }
     return openFolds_;

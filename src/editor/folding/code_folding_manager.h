@@ -132,8 +132,6 @@ private:
     FoldableRegions regions_{CodeFolding::braces};
     /// Whether the next detection finds another text than the one before.
     bool needsReset_ = false;
-    /// Whether a line was edited since the last detection that takes long to read.
-    bool touchesLongLine_ = false;
     LineSet foldedLines_;
     std::set<qsizetype> foldedRegionStartLines_;
     std::map<qsizetype, TextTree> foldedContent_;

@@ -16,11 +16,12 @@ namespace kelm {
 class FoldableRegions::Settling
 {
 public:
-    Settling(FoldableRegions& regions, const TextTree& text)
+    Settling(FoldableRegions& regions, const TextTree& text, qsizetype longestChunk)
         : stretches_(regions.stretches_),
           text_(text),
           kind_(regions.kind_),
           chunkUnits_(regions.chunkUnits_),
+          longestChunk_(longestChunk),
           reader_(regions.kind_, regions.names_)
     {}
 
@@ -29,9 +30,10 @@ public:
 
 private:
     bool hasReading() const;
-    void read();
+    /// False when the chunk is too long.
+    bool read();
     void mergeWithNeighbours();
-    QString nextChunk() const;
+    std::optional<QString> nextChunk() const;
     bool isLineEnd(QStringView units, qsizetype end) const;
     qsizetype endOfFirstLine(TextRange range) const;
 
@@ -39,6 +41,7 @@ private:
     const TextTree& text_;
     CodeFolding kind_;
     qsizetype chunkUnits_;
+    qsizetype longestChunk_;
     ChunkReader reader_;
 
     qsizetype index_ = 0;
@@ -52,10 +55,9 @@ bool FoldableRegions::Settling::walk(qsizetype mostUnits, const std::atomic<bool
 {
     while (index_ < stretches_.count()) {
         if (!hasReading()) {
-            if ((unitsRead_ > 0 && unitsRead_ >= mostUnits) || (stop != nullptr && *stop)) {
+            if ((unitsRead_ > 0 && unitsRead_ >= mostUnits) || (stop != nullptr && *stop) || !read()) {
                 return false;
             }
-            read();
         } else if (stretches_.at(index_).state != state_) {
             stretches_.setState(index_, state_);
         }
@@ -73,14 +75,18 @@ bool FoldableRegions::Settling::hasReading() const
     return stretch.chunk && (stretch.state == state_ || stretch.chunk->readings[state_ ? 1 : 0]);
 }
 
-void FoldableRegions::Settling::read()
+bool FoldableRegions::Settling::read()
 {
     if (!stretches_.at(index_).chunk) {
         mergeWithNeighbours();
     }
-    const QString units = nextChunk();
-    stretches_.setChunk(index_, units.size(), reader_.read(units, state_), state_);
-    unitsRead_ += units.size();
+    const std::optional<QString> units = nextChunk();
+    if (!units) {
+        return false;
+    }
+    stretches_.setChunk(index_, units->size(), reader_.read(*units, state_), state_);
+    unitsRead_ += units->size();
+    return true;
 }
 
 /// With others that are to be read, so that lines that moved apart or together are cut into chunks anew; and what is
@@ -112,12 +118,16 @@ void FoldableRegions::Settling::mergeWithNeighbours()
     }
 }
 
-/// The units of the chunk that the stretch begins with. It ends where a line ends, or with the stretch.
-QString FoldableRegions::Settling::nextChunk() const
+/// The units of the chunk that the stretch begins with. It ends where a line ends, or with the stretch. None when they
+/// are too many; such a line is not looked through to its end.
+std::optional<QString> FoldableRegions::Settling::nextChunk() const
 {
+    const auto unitsOf = [this](qsizetype length) {
+        return length <= longestChunk_ ? std::optional(text_.substring({offset_, length})) : std::nullopt;
+    };
     const FoldStretch& stretch = stretches_.at(index_);
     if (stretch.chunk || stretch.length <= chunkUnits_ * 2) {
-        return text_.substring({offset_, stretch.length});
+        return unitsOf(stretch.length);
     }
     QString units = text_.substring({offset_, chunkUnits_});
     for (qsizetype end = units.size(); end > 0; --end) {
@@ -126,7 +136,8 @@ QString FoldableRegions::Settling::nextChunk() const
             return units;
         }
     }
-    return text_.substring({offset_, endOfFirstLine({offset_ + chunkUnits_, stretch.length - chunkUnits_}) - offset_});
+    const qsizetype looked = std::min(stretch.length - chunkUnits_, longestChunk_);
+    return unitsOf(endOfFirstLine({offset_ + chunkUnits_, looked}) - offset_);
 }
 
 /// Whether a line ends at `end` of the units, which begin at the stretch and do not reach to its end.
@@ -191,10 +202,11 @@ void FoldableRegions::takeInWhatWasTold(const TextTree& text)
     }
 }
 
-void FoldableRegions::settle(const TextTree& text, qsizetype mostUnits, const std::atomic<bool>* stop)
+void FoldableRegions::settle(const TextTree& text, qsizetype mostUnits, const std::atomic<bool>* stop,
+                             qsizetype longestChunk)
 {
     takeInWhatWasTold(text);
-    if (!isSettled_ && Settling(*this, text).walk(mostUnits, stop)) {
+    if (!isSettled_ && Settling(*this, text, longestChunk).walk(mostUnits, stop)) {
         join();
         isSettled_ = true;
     }

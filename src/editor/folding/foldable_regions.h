@@ -52,8 +52,10 @@ public:
     bool isSettled() const { return isSettled_; }
     /// Reads what has to be read, from the start of the text to its end. Ends before that, and goes on there the next
     /// time, after `mostUnits` units or a few more, or when `stop` becomes true; but a chunk is read whole, and a line
-    /// that is longer is one chunk. Of a text that is not as long as what was told everything is read anew.
-    void settle(const TextTree& text, qsizetype mostUnits = unlimited, const std::atomic<bool>* stop = nullptr);
+    /// that is longer is one chunk. Ends for good before a chunk that is longer than `longestChunk`. Of a text that is
+    /// not as long as what was told everything is read anew.
+    void settle(const TextTree& text, qsizetype mostUnits = unlimited, const std::atomic<bool>* stop = nullptr,
+                qsizetype longestChunk = unlimited);
 
     /// The first of the regions that start at the line, as `all` gives them. Takes logarithmic time, and a step for
     /// each name of a tag that the chunk has left over.

@@ -15,11 +15,19 @@ constexpr qsizetype mostCompared = 1 << 16;
 /// How many coloured units are kept. More come together only when a long text is scrolled through.
 constexpr qsizetype mostGiven = 1 << 21;
 
+/// A colour of a theme as text is drawn in it. A theme may have one that is clear, and two of these stand for something
+/// else.
+QRgb drawnColor(const CodableColor& color)
+{
+    const QRgb drawn = color.toColor().rgba();
+    return drawn == ColorRuns::pending || drawn == ColorRuns::unshown ? qRgba(255, 255, 255, 0) : drawn;
+}
+
 std::vector<QRgb> colorsOf(Language language, const EditorTheme& theme)
 {
-    std::vector<QRgb> colors{theme.textColor.toColor().rgba()};
+    std::vector<QRgb> colors{drawnColor(theme.textColor)};
     for (const RuleEntry& rule : rules::of(language)) {
-        colors.push_back((theme.*rule.color).toColor().rgba());
+        colors.push_back(drawnColor(theme.*rule.color));
     }
     return colors;
 }
@@ -86,6 +94,7 @@ void SyntaxHighlighter::highlight(TextStorage* textStorage, Language language)
     if (isOtherLanguage || colors != colors_) {
         colors_ = std::move(colors);
         givenUnits_ = 0;
+        hasTakenBack_ = false;
         storage_->forgetForeground({0, storage_->length()});
     }
     settle();
@@ -215,6 +224,14 @@ void SyntaxHighlighter::refreshKnown(TextRange range)
 {
     const std::vector<ColorRun> before = storage_->foreground().runsIn(range);
     const auto isKnown = [](const ColorRun& run) { return run.color != ColorRuns::pending; };
+    if (hasTakenBack_) {
+        // They may be on screen all the same, and whoever shows them asks again.
+        for (const ColorRun& run : before) {
+            if (!isKnown(run)) {
+                storage_->forgetForeground(run.range);
+            }
+        }
+    }
     if (std::none_of(before.begin(), before.end(), isKnown)) {
         return;
     }
@@ -237,12 +254,13 @@ void SyntaxHighlighter::findColors(TextRange range)
     const TextRange wanted = extended(range, givenAround, length);
     if (!tracks_) {
         // A new text that nobody has had coloured yet is plain.
-        storage_->giveForeground({{wanted, colors_.empty() ? theme.textColor.toColor().rgba() : colors_.front()}});
+        storage_->giveForeground({{wanted, colors_.empty() ? drawnColor(theme.textColor) : colors_.front()}});
         return;
     }
     givenUnits_ += wanted.length;
     if (givenUnits_ > mostGiven) {
         givenUnits_ = wanted.length;
+        hasTakenBack_ = true;
         const TextRange near = extended(wanted, mostGiven / 8, length);
         storage_->giveForeground({{{0, near.location}, ColorRuns::pending}});
         storage_->giveForeground({{TextRange::between(near.end(), length), ColorRuns::pending}});

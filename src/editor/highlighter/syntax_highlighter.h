@@ -84,6 +84,8 @@ private:
     DirtyRanges guessed_;
     /// How many units have been given a colour since they were last forgotten.
     qsizetype givenUnits_ = 0;
+    /// Whether colours that may have been seen are pending again, since too many were given.
+    bool hasTakenBack_ = false;
     BackgroundTask task_;
     /// What was edited since the worker began.
     std::vector<Told> since_;

@@ -118,8 +118,10 @@ void EditorContainerView::setLessonRegion(std::optional<LineRegion> region)
 
 void EditorContainerView::setText(const TextTree& text)
 {
-    const SelectionSet carets = textView_->editor().selections();
     textView_->commitComposition();
+    unfoldUnheard();
+    // The carets' places in the whole text, which those in a folded one are not.
+    const SelectionSet carets = textView_->editor().selections();
     if (hasText_ && !textView_->isReadOnly()) {
         replaceText(text);
     } else {
@@ -136,11 +138,12 @@ void EditorContainerView::takeFileText(const TextTree& text)
         setText(text);
         return;
     }
-    textView_->commitComposition();
     KeptView kept(*textView_, codeFoldingManager_);
     replaceText(text);
     showNewText();
     kept.restore();
+    // What is being composed is typed into the new text, as the keys behind it are.
+    textView_->commitComposition();
     // Folding gives what is shown other colours and regions.
     showNewText();
 }
@@ -155,8 +158,8 @@ void EditorContainerView::showNewText()
 
 void EditorContainerView::replaceText(const TextTree& text)
 {
+    unfoldUnheard();
     const QScopedValueRollback taking(takesDocumentsText_, true);
-    unfold();
     const TextTree& now = textView_->storage().tree();
     const qsizetype start = commonStart(now, text);
     const qsizetype end = commonEnd(now, text, start);
@@ -195,7 +198,8 @@ void EditorContainerView::showPlace(LineAndColumn place)
 {
     textView_->commitComposition();
     const TextRange caret{offsetAt(wholeText(), place), 0};
-    foldedText_.reveal(caret);
+    // The character at the place, so that the first one of what is hidden is seen.
+    foldedText_.reveal({caret.location, 1});
     const TextRange shown = foldedText_.shown(caret);
     textView_->setSelectedRange(shown);
     textView_->scrollRangeToVisible(shown);
@@ -253,6 +257,8 @@ void EditorContainerView::foldsChanged()
     // The text that is shown is another one now, and its colours and regions are those of that text.
     highlight();
     detectFoldableRegions();
+    // A caret whose offset stays may stand in another line.
+    textViewDidChangeSelection();
 }
 
 void EditorContainerView::prepareEdit()
@@ -270,7 +276,15 @@ void EditorContainerView::unfold()
 {
     if (codeFoldingManager_.isTextFolded()) {
         codeFoldingManager_.unfoldAll();
+        // What comes next may change nothing, and then nobody else has regions and colours found in what is shown now.
+        highlightDebounce_.restart();
     }
+}
+
+void EditorContainerView::unfoldUnheard()
+{
+    const QScopedValueRollback taking(takesDocumentsText_, true);
+    unfold();
 }
 
 void EditorContainerView::refreshGutter()

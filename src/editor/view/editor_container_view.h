@@ -112,6 +112,8 @@ private:
     void toggleFold(qsizetype line);
     void prepareEdit();
     void unfold();
+    /// Without telling the delegate of a text that changed: it has had the whole one all the time.
+    void unfoldUnheard();
     void foldsChanged();
     void scrollViewDidScroll();
     void refreshGutter();

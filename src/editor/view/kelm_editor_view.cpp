@@ -148,12 +148,11 @@ void KelmEditorView::updateText()
     if (!view_ || !document_->hasStoredText()) {
         return;
     }
-    // A folded text differs from the document's, which is whole.
     const bool isTextOfFile = document_->isStoredTextOfFile();
     const TextTree stored = document_->takeStoredText();
     if (isTextOfFile) {
         view_->takeFileText(stored);
-    } else if (view_->codeFoldingManager().isTextFolded() || !(view_->textView().storage().tree() == stored)) {
+    } else if (!(view_->wholeText() == stored)) {
         view_->setText(stored);
     }
 }

@@ -44,11 +44,15 @@ void KeptView::carry(TextRange range, qsizetype newLength)
 void KeptView::restore()
 {
     view_.editor().setSelections(SelectionSet(selections_));
+    // The regions of the text before would fold something else.
+    if (!folds_.isSettled()) {
+        foldPlaces_.clear();
+    }
     // From the last to the first: a fold changes the numbers of the lines below it.
     std::vector<qsizetype> places = foldPlaces_;
     std::reverse(places.begin(), places.end());
     for (const qsizetype place : places) {
-        const qsizetype line = view_.storage().tree().lineFeedsBefore(place);
+        const qsizetype line = view_.storage().lines().lineAt(place);
         if (const auto region = folds_.firstRegionStartingAt(line)) {
             folds_.fold(*region);
         }

@@ -41,7 +41,8 @@ struct Fixture
 /// Lines of braces, and now and then one that looks like a placeholder.
 QString anyText(test::RandomText& random)
 {
-    const QStringList pieces{u"{\n"_s, u"}\n"_s, u"\n"_s, u"x\n"_s, u"{ {\n"_s, u"} }\n"_s, u" \u2026 \n"_s};
+    const QStringList pieces{u"{\n"_s,   u"}\n"_s,   u"\n"_s,         u"x\n"_s,
+                             u"{ {\n"_s, u"} }\n"_s, u" \u2026 \n"_s, u"x\u2028"_s};
     QString result;
     for (qsizetype i = random.below(30); i > 0; --i) {
         result += pieces[random.below(pieces.size())];
@@ -65,6 +66,8 @@ class CodeFoldingManagerMarksTest : public QObject
 
 private Q_SLOTS:
     void aMarkStandsWhereThePlaceholderIs();
+    void aMarkStandsAtTheLineThatWasClicked_data();
+    void aMarkStandsAtTheLineThatWasClicked();
     void aLineIsToggledThereAndBack();
     void allPlaceholdersToggledGiveTheTextBack();
     void whatIsHiddenIsRevealedAndNoMore_data();
@@ -108,6 +111,41 @@ void CodeFoldingManagerMarksTest::aMarkStandsWhereThePlaceholderIs()
     QVERIFY(fixture.manager.foldedLines().isEmpty());
 }
 
+void CodeFoldingManagerMarksTest::aMarkStandsAtTheLineThatWasClicked_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::addColumn<qsizetype>("line");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("returns alone") << u"def f():\r  a\r  b\r  c\r"_s << qsizetype(1) << u"def f():\r \u2026   c\r"_s;
+    QTest::newRow("a return above") << u"# a\rb\ndef f():\n  a\n  b\n  c\n"_s << qsizetype(3)
+                                    << u"# a\rb\ndef f():\n \u2026   c\n"_s;
+    QTest::newRow("a line separator above")
+        << u"# a\u2028b\ndef f():\n  a\n  b\n  c\n"_s << qsizetype(3) << u"# a\u2028b\ndef f():\n \u2026   c\n"_s;
+}
+
+void CodeFoldingManagerMarksTest::aMarkStandsAtTheLineThatWasClicked()
+{
+    QFETCH(QString, content);
+    QFETCH(qsizetype, line);
+    NotificationCenter center;
+    TextStorage storage;
+    storage.setText(content);
+    CodeFoldingManager manager{center};
+    manager.setStorage(&storage);
+    const auto toggle = [&] {
+        manager.detectFoldableRegions(Language::python);
+        manager.toggle(line);
+        manager.detectFoldableRegions(Language::python);
+    };
+    toggle();
+    QTEST(storage.text(), "shown");
+    for (qsizetype other = 1; other <= storage.lines().lineCount(); ++other) {
+        QCOMPARE(manager.markAt(other).has_value() && manager.markAt(other)->isFolded, other == line);
+    }
+    toggle();
+    QCOMPARE(storage.text(), content);
+}
+
 void CodeFoldingManagerMarksTest::aLineIsToggledThereAndBack()
 {
     test::RandomText random;
@@ -147,7 +185,7 @@ void CodeFoldingManagerMarksTest::allPlaceholdersToggledGiveTheTextBack()
         for (auto places = fixture.manager.placeholders(); !places.empty(); places = fixture.manager.placeholders()) {
             const TextRange place = places[size_t(random.below(qsizetype(places.size())))];
             QCOMPARE(fixture.storage.substring(place), CodeFoldingManager::foldPlaceholder);
-            fixture.toggle(fixture.storage.tree().lineFeedsBefore(place.location));
+            fixture.toggle(fixture.storage.lines().lineAt(place.location));
         }
         QCOMPARE(fixture.storage.text(), content);
         QVERIFY(!fixture.manager.isTextFolded());

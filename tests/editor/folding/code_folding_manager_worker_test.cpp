@@ -52,6 +52,8 @@ private Q_SLOTS:
     void aLongTextIsReadByAWorker();
     void editsMeanwhileAreMadeGood();
     void anEditOfALongLineIsReadByAWorker();
+    void aLongLineThatIsJoinedIsReadByAWorker_data();
+    void aLongLineThatIsJoinedIsReadByAWorker();
     void aTextThatGoesIsNotReadOn();
 };
 
@@ -99,19 +101,45 @@ void CodeFoldingManagerWorkerTest::editsMeanwhileAreMadeGood()
 void CodeFoldingManagerWorkerTest::anEditOfALongLineIsReadByAWorker()
 {
     Fixture fixture(QString(300'000, u'x') + u"\n{\n y\n}\n"_s);
-    QVERIFY(fixture.manager.isSettled());
+    QVERIFY(!fixture.manager.isSettled());
+    QTRY_VERIFY(fixture.manager.isSettled());
+    QCOMPARE(fixture.found, 1);
     fixture.storage.replace({10, 0}, u"{\n\n");
     // An edit of a short line behind it does not make it forgotten.
     fixture.storage.replace({fixture.storage.length(), 0}, u"}");
     fixture.detect();
     QVERIFY(!fixture.manager.isSettled());
     QTRY_VERIFY(fixture.manager.isSettled());
-    QCOMPARE(fixture.found, 1);
+    QCOMPARE(fixture.found, 2);
     QVERIFY(fixture.manager.foldableRegions() == regionsOf(fixture.storage.text()));
     fixture.storage.replace({fixture.storage.length(), 0}, u"\n");
     fixture.detect();
     QVERIFY(fixture.manager.isSettled());
-    QCOMPARE(fixture.found, 1);
+    QCOMPARE(fixture.found, 2);
+}
+
+void CodeFoldingManagerWorkerTest::aLongLineThatIsJoinedIsReadByAWorker_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::addColumn<TextRange>("range");
+    QTest::addColumn<QString>("replacement");
+    const QString line(300'000, u'x');
+    QTest::newRow("with the line before") << u"{\n\n"_s + line + u"\n}\n"_s << TextRange{2, 1} << QString();
+    QTest::newRow("by a paste") << u"{\n\n}\n"_s << TextRange{2, 0} << line;
+}
+
+void CodeFoldingManagerWorkerTest::aLongLineThatIsJoinedIsReadByAWorker()
+{
+    QFETCH(QString, content);
+    QFETCH(TextRange, range);
+    QFETCH(QString, replacement);
+    Fixture fixture(content);
+    QTRY_VERIFY(fixture.manager.isSettled());
+    fixture.storage.replace(range, replacement);
+    fixture.detect();
+    QVERIFY(!fixture.manager.isSettled());
+    QTRY_VERIFY(fixture.manager.isSettled());
+    QVERIFY(fixture.manager.foldableRegions() == regionsOf(fixture.storage.text()));
 }
 
 void CodeFoldingManagerWorkerTest::aTextThatGoesIsNotReadOn()

@@ -405,6 +405,53 @@ private Q_SLOTS:
         QCOMPARE(foregroundOf(storage), highlighted(text, Language::javascript));
     }
 
+    void clearColoursAreColours_data()
+    {
+        QTest::addColumn<double>("blue");
+        // Both come out as one of the two that stand for something else.
+        QTest::newRow("clear black") << 0.0;
+        QTest::newRow("clear and all but black") << 0.004;
+    }
+
+    void clearColoursAreColours()
+    {
+        QFETCH(double, blue);
+        EditorTheme theme = distinctTheme();
+        theme.commentColor = {0, 0, blue, 0};
+        theme.textColor = theme.commentColor;
+        for (const QRgb color : highlighted(u"a /* b */"_s, Language::javascript, theme)) {
+            QVERIFY(color != ColorRuns::pending && color != ColorRuns::unshown);
+            QCOMPARE(qAlpha(color), 0);
+        }
+    }
+
+    void coloursThatWereTakenBackAreAskedForAgain()
+    {
+        // More than is kept, with the end of a comment some way down that begins nowhere yet.
+        const QString line = u"let number = 1234567890; if (true) { return number; } // a line\n"_s;
+        TextStorage storage;
+        storage.setText(line.repeated(100) + u"*/\n"_s + line.repeated(40'000));
+        SyntaxHighlighter highlighter(distinctTheme());
+        highlighter.highlight(&storage, Language::javascript);
+        QTRY_VERIFY(highlighter.isSettled());
+        // What is seen there is not asked for again as long as nobody says that it has changed.
+        const TextRange seen{1000, 2000};
+        storage.colorsIn(seen);
+        for (qsizetype at = 10'000; at + 2000 < storage.length(); at += 2000) {
+            storage.colorsIn({at, 2000});
+        }
+        QCOMPARE(storage.foreground().colorAt(seen.location), ColorRuns::Color(ColorRuns::pending));
+        QSignalSpy changed(&storage, &TextStorage::attributesChanged);
+        storage.replace({0, 0}, u"/*");
+        highlighter.highlight(&storage, Language::javascript);
+        QVERIFY(highlighter.isSettled());
+        const bool isTold = std::any_of(changed.begin(), changed.end(), [seen](const QList<QVariant>& arguments) {
+            const auto range = arguments.first().value<TextRange>();
+            return range.location <= seen.location && range.end() >= seen.end();
+        });
+        QVERIFY(isTold);
+    }
+
     void whatIsOnScreenIsMadeRightFirst()
     {
         // A quote at the start makes a string of all of it.

@@ -114,7 +114,13 @@ class EditorContainerViewFoldsTest : public QObject
 
 private Q_SLOTS:
     void aPlaceInAFoldIsShown();
+    void theFirstPlaceThatAFoldHidesIsShown();
     void aPlaceBehindAFoldLeavesItFolded();
+    void theSameTextStoredElsewhereLeavesTheFold();
+    void anotherTextStoredElsewhereHoldsTheCaretOfAFoldedText();
+    void aFoldOfThreeCharactersTellsTheCaretsLine();
+    void aKeyThatChangesNothingLeavesRegionsOfWhatIsShown_data();
+    void aKeyThatChangesNothingLeavesRegionsOfWhatIsShown();
     void aCopyOfAFoldIsTheText();
     void aFoldThatIsCutComesBackWhole();
     void aPlaceholderThatIsPartlySelectedCountsWhole();
@@ -142,6 +148,91 @@ void EditorContainerViewFoldsTest::aPlaceInAFoldIsShown()
     fixture.view->showPlace({4, 5});
     QVERIFY(!fixture.isFolded());
     QCOMPARE(fixture.text_().selectedRange(), (TextRange{functions.indexOf(QStringLiteral("deep one")), 0}));
+}
+
+void EditorContainerViewFoldsTest::theFirstPlaceThatAFoldHidesIsShown()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    // The end of the line that stays is no part of the fold.
+    fixture.view->showPlace({1, 11});
+    QVERIFY(fixture.isFolded());
+    fixture.view->showPlace({2, 1});
+    QVERIFY(!fixture.isFolded());
+    QCOMPARE(fixture.text_().selectedRange(), (TextRange{functions.indexOf(QStringLiteral("  one")), 0}));
+}
+
+void EditorContainerViewFoldsTest::theSameTextStoredElsewhereLeavesTheFold()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    fixture.select(QStringLiteral("last"));
+    const TextRange selected = fixture.text_().selectedRange();
+    const QString shown = fixture.shown();
+    // As a command does whose result is what it was given.
+    fixture.document->setContent(fixture.document->content());
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.isFolded());
+    QCOMPARE(fixture.shown(), shown);
+    QCOMPARE(fixture.text_().selectedRange(), selected);
+    QCOMPARE(fixture.document->content(), functions);
+}
+
+void EditorContainerViewFoldsTest::anotherTextStoredElsewhereHoldsTheCaretOfAFoldedText()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    fixture.text_().setSelectedRange({fixture.shown().indexOf(QStringLiteral("last")), 0});
+    QString changed = functions;
+    changed.replace(QStringLiteral("more"), QStringLiteral("MORE"));
+    fixture.document->setContent(changed);
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.shown(), changed);
+    QCOMPARE(fixture.text_().selectedRange(), (TextRange{changed.indexOf(QStringLiteral("last")), 0}));
+}
+
+void EditorContainerViewFoldsTest::aFoldOfThreeCharactersTellsTheCaretsLine()
+{
+    // The placeholder is as long as what it hides, so that the caret's offset stays.
+    Fixture fixture(QStringLiteral("{\n x\n}\nend\n"));
+    fixture.text_().setSelectedRange({7, 0});
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{4, 1, 0}));
+    fixture.toggle(1);
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.isFolded());
+    QCOMPARE(fixture.text_().selectedRange(), (TextRange{7, 0}));
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{3, 1, 0}));
+    fixture.toggle(1);
+    QCoreApplication::processEvents();
+    QCOMPARE(fixture.document->cursorPosition(), (CursorPosition{4, 1, 0}));
+}
+
+void EditorContainerViewFoldsTest::aKeyThatChangesNothingLeavesRegionsOfWhatIsShown_data()
+{
+    QTest::addColumn<QKeySequence>("key");
+    QTest::newRow("Backspace at the start") << QKeySequence(Qt::Key_Backspace);
+    QTest::newRow("nothing to undo") << QKeySequence(QKeySequence::Undo);
+    QTest::newRow("nothing to redo") << QKeySequence(QKeySequence::Redo);
+}
+
+void EditorContainerViewFoldsTest::aKeyThatChangesNothingLeavesRegionsOfWhatIsShown()
+{
+    QFETCH(QKeySequence, key);
+    Fixture fixture(QStringLiteral("a {\n  1\n  2\n}\nb {\n  1\n}\n"));
+    const auto regions = fixture.folds().foldableRegions();
+    QCOMPARE(regions.size(), std::size_t(2));
+    fixture.toggle(1);
+    fixture.text_().setSelectedRange({0, 0});
+    QTest::keySequence(&fixture.text_(), key);
+    fixture.time.advance(std::chrono::seconds(1));
+    if (!fixture.isFolded()) {
+        QCOMPARE(fixture.folds().foldableRegions(), regions);
+    }
+    QVERIFY(fixture.folds().markAt(1));
+    fixture.toggle(1);
+    QCOMPARE(fixture.document->content(), QStringLiteral("a {\n  1\n  2\n}\nb {\n  1\n}\n"));
+    QVERIFY(!fixture.document->isModified());
 }
 
 void EditorContainerViewFoldsTest::aPlaceBehindAFoldLeavesItFolded()

@@ -56,6 +56,8 @@ private Q_SLOTS:
     void theTextOfTheFileIsOneUndoStep();
     void aTextThatIsStoredOverItIsTaken();
     void whatIsTypedBeforeItIsShownComesAfterIt();
+    void whatIsComposedMeanwhileComesAfterIt();
+    void aFoldOfATextThatIsStillReadIsNotMistaken();
     void caretsStayWithTheirText();
     void theTopOfTheScreenStays();
     void foldsStay_data();
@@ -102,6 +104,36 @@ void KeptViewTest::whatIsTypedBeforeItIsShownComesAfterIt()
     QTest::keyClicks(&fixture.text(), u"x"_s);
     QCOMPARE(fixture.document->content(), u"zero\none\nx"_s);
     QVERIFY(fixture.document->isModified());
+}
+
+void KeptViewTest::whatIsComposedMeanwhileComesAfterIt()
+{
+    Fixture fixture(u"one\n"_s);
+    fixture.text().setSelectedRange({4, 0});
+    QInputMethodEvent composing(u"한"_s, {});
+    QCoreApplication::sendEvent(&fixture.text(), &composing);
+    fixture.changeFile(u"zero\none\n"_s);
+    QVERIFY(!fixture.text().isComposing());
+    QCOMPARE(fixture.document->content(), u"zero\none\n한"_s);
+    QVERIFY(fixture.document->isModified());
+    fixture.text().undo();
+    QCOMPARE(fixture.document->content(), u"zero\none\n"_s);
+}
+
+void KeptViewTest::aFoldOfATextThatIsStillReadIsNotMistaken()
+{
+    // With the first lines folded, the lower ones stand where others stood, and the new text is too long to be read at
+    // once.
+    const QString begun = u"a {\n1\n2\n3\n}\nb {\n1\n2\n}\nx\nc {\n1\n}\n"_s;
+    Fixture fixture(begun + u"p\n"_s.repeated(700'000));
+    QTRY_VERIFY(fixture.folds().isSettled());
+    fixture.view->lineNumberView().onFoldToggle(6);
+    fixture.view->lineNumberView().onFoldToggle(1);
+    QCOMPARE(fixture.folds().placeholders().size(), std::size_t(2));
+    fixture.changeFile(begun + u"q\n"_s.repeated(700'000));
+    QVERIFY(fixture.document->content() == begun + u"q\n"_s.repeated(700'000));
+    QVERIFY(!fixture.folds().isSettled());
+    QVERIFY(!fixture.folds().isTextFolded());
 }
 
 void KeptViewTest::caretsStayWithTheirText()
