@@ -3,10 +3,10 @@
 #include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 
-#include <QDir>
 #include <QUrl>
 
 #include <algorithm>
+#include <filesystem>
 #include <limits>
 #include <utility>
 
@@ -37,10 +37,36 @@ bool isURLText(QStringView operand)
     return isScheme(scheme) && operand.sliced(scheme.size()).startsWith(u"://");
 }
 
+/// A lesson link begins so, also one that is none for the lack of two slashes.
+constexpr QStringView lessonScheme = u"kelmpane:";
+
+/// Where ".." leads from there: behind a symbolic link up from the folder that it leads to, as everywhere in the
+/// system.
+std::filesystem::path folderAbove(const std::filesystem::path& path)
+{
+    std::error_code error;
+    if (std::filesystem::is_symlink(path, error)) {
+        const std::filesystem::path behind = std::filesystem::canonical(path, error);
+        if (!error) {
+            return behind.parent_path();
+        }
+    }
+    return path.parent_path();
+}
+
+/// Without ".", ".." and empty names.
 QString absolutePath(QStringView path, const QString& workingDirectory)
 {
-    // The toolkit takes a colon at the beginning for a name of its own.
-    return QDir::cleanPath(path.startsWith(u'/') ? path.toString() : workingDirectory + u'/' + path.toString());
+    const QString whole = path.startsWith(u'/') ? path.toString() : workingDirectory + u'/' + path.toString();
+    std::filesystem::path clean = "/";
+    for (const QStringView name : QStringView(whole).split(u'/', Qt::SkipEmptyParts)) {
+        if (name == u"..") {
+            clean = folderAbove(clean);
+        } else if (name != u".") {
+            clean /= nativePath(name.toString()).toStdString();
+        }
+    }
+    return pathOfNative(QByteArray::fromStdString(clean.native()));
 }
 
 QString fileURLText(const QString& path)
@@ -77,13 +103,13 @@ std::optional<quint32> placeNumber(QStringView digits)
 
 openRequest::Item itemOfOperand(const QString& operand, const QString& workingDirectory)
 {
-    if (isURLText(operand)) {
-        return {operand};
-    }
     const auto item = [&](QStringView path, quint32 line, quint32 column) {
         return openRequest::Item(fileURLText(absolutePath(path, workingDirectory)), line, column);
     };
     const auto names = [&](QStringView path) { return isThere(absolutePath(path, workingDirectory)); };
+    if (isURLText(operand) || (operand.startsWith(lessonScheme) && !names(operand))) {
+        return {operand};
+    }
     if (names(operand)) {
         return item(operand, 0, 0);
     }

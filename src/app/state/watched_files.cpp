@@ -252,7 +252,8 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
              u"%1 is no longer on disk. Its text stays here, and saving it puts it back."_s.arg(shownName(file.url)));
         break;
     case Outcome::unreadable:
-        file.known = finding.sight;
+        // Told of, but not known: a save keeps what it writes over.
+        file.told = finding.sight;
         file.isGone = false;
         file.wantsReload = false;
         document.noteOtherTextInFile(std::nullopt);

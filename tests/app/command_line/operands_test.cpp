@@ -37,7 +37,11 @@ private:
 void OperandsTest::initTestCase()
 {
     QVERIFY(QDir(folder_.path()).mkdir(u"sub"_s));
-    for (const QString& name : {u"a.txt"_s, u"colons:3"_s, u"both"_s, u"both:4"_s, u"7"_s}) {
+    QVERIFY(QDir(folder_.path()).mkpath(u"real/deep"_s));
+    QVERIFY(QFile::link(folder_.filePath(u"real/deep"_s), folder_.filePath(u"link"_s)));
+    QVERIFY(QFile::link(folder_.filePath(u"none"_s), folder_.filePath(u"dangling"_s)));
+    for (const QString& name :
+         {u"a.txt"_s, u"real/a.txt"_s, u"colons:3"_s, u"both"_s, u"both:4"_s, u"7"_s, u"kelmpane:a.txt"_s}) {
         QFile file(folder_.filePath(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
@@ -53,6 +57,13 @@ void OperandsTest::operandsNameItems_data()
                         quint32 column = 0) { QTest::newRow(name) << operand << url << line << column; };
     row("relative", u"a.txt"_s, u"file://%1/a.txt"_s);
     row("relative through folders", u"./sub/../a.txt"_s, u"file://%1/a.txt"_s);
+    row("up from behind a symbolic link", u"link/../a.txt"_s, u"file://%1/real/a.txt"_s);
+    row("up twice from there", u"link/../../a.txt"_s, u"file://%1/a.txt"_s);
+    row("its line", u"link/../a.txt:7"_s, u"file://%1/real/a.txt"_s, 7);
+    row("through a symbolic link", u"./link//a.txt"_s, u"file://%1/link/a.txt"_s);
+    row("up from a symbolic link to nothing", u"dangling/../a.txt"_s, u"file://%1/a.txt"_s);
+    row("up from a folder that is not there", u"none/../a.txt"_s, u"file://%1/a.txt"_s);
+    row("up beyond the root", u"/../../none/a.txt"_s, u"file:///none/a.txt"_s);
     row("absolute", u"/none/a.txt"_s, u"file:///none/a.txt"_s);
     row("current folder", u"."_s, u"file://%1/"_s);
     row("folder", u"sub"_s, u"file://%1/sub/"_s);
@@ -67,6 +78,8 @@ void OperandsTest::operandsNameItems_data()
     row("file URL", u"file:///a%20b.txt:3"_s, u"file:///a%20b.txt:3"_s);
     row("link", u"kelmpane://open?code=Y+Q=&run=1"_s, u"kelmpane://open?code=Y+Q=&run=1"_s);
     row("link in capitals stays so", u"KELMPANE://open"_s, u"KELMPANE://open"_s);
+    row("link without slashes", u"kelmpane:open?code=Y+Q="_s, u"kelmpane:open?code=Y+Q="_s);
+    row("a file that is named like one", u"kelmpane:a.txt"_s, u"file://%1/kelmpane:a.txt"_s);
     row("another URL", u"https://host/a"_s, u"https://host/a"_s);
 
     row("line", u"a.txt:12"_s, u"file://%1/a.txt"_s, 12);

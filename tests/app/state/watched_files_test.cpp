@@ -330,6 +330,15 @@ void WatchedFilesTest::aFileThatCannotBeReadAnyMoreIsToldOfOnce()
     state().notices().putAway();
     settle();
     QCOMPARE(noticeText(), QString());
+    // It cannot be shown here, and a save keeps it.
+    document().setContent(u"mine"_s);
+    state().saveCurrentDocument();
+    QCOMPARE(fixture_->replaced.kept, (QList<QByteArray>{"caf\xe9, in another encoding"}));
+    QCOMPARE(noticeText(), u"a.txt was saved over what another program had written there."_s);
+    settle();
+    fixture_->write(u"a.txt"_s, "text that can be read");
+    settle();
+    QCOMPARE(document().content(), u"text that can be read"_s);
 }
 
 void WatchedFilesTest::aChangeBetweenReadingAndWatchingIsSeen()
