@@ -4,6 +4,7 @@
 #include "text/view/text_view.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -97,11 +98,21 @@ bool EndFollower::eventFilter(QObject* watched, QEvent* event)
         }
         break;
     case QEvent::MouseButtonPress:
-        isMouseDown_ = true;
-        valueAtMouseDown_ = view_.verticalScrollBar()->value();
+    case QEvent::MouseButtonDblClick:
+        // The others drag nothing, and a menu takes the release of the one that opens it.
+        if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+            pressMouse();
+        }
         break;
+    case QEvent::MouseMove:
     case QEvent::MouseButtonRelease:
-        mouseReleased();
+        // A drag of the text to elsewhere, and whoever else takes the mouse, takes the release as well.
+        if (!static_cast<QMouseEvent*>(event)->buttons().testFlag(Qt::LeftButton)) {
+            releaseMouse();
+        }
+        break;
+    case QEvent::Hide:
+        endPress();
         break;
     case QEvent::Resize:
         if (watched == view_.viewport() && isFollowing() && !std::exchange(isSettling_, true)) {
@@ -114,14 +125,26 @@ bool EndFollower::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-void EndFollower::mouseReleased()
+void EndFollower::pressMouse()
 {
-    if (!std::exchange(isMouseDown_, false)) {
-        return;
+    isMouseDown_ = true;
+    valueAtMouseDown_ = view_.verticalScrollBar()->value();
+}
+
+void EndFollower::releaseMouse()
+{
+    if (isMouseDown_) {
+        endPress();
+        didAppend();
     }
-    // A drag that scrolled the text is a look back; a click or a selection on screen is none.
-    isFollowing_ = isFollowing_ && view_.verticalScrollBar()->value() == valueAtMouseDown_;
-    didAppend();
+}
+
+void EndFollower::endPress()
+{
+    if (std::exchange(isMouseDown_, false)) {
+        // A drag that scrolled the text is a look back; a click or a selection on screen is none.
+        isFollowing_ = isFollowing_ && view_.verticalScrollBar()->value() == valueAtMouseDown_;
+    }
 }
 
 } // namespace kelm

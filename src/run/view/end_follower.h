@@ -14,8 +14,8 @@ class TextView;
 
 /// Scrolls to the end of a text view's text each time text has been added there, but for as long as the person has
 /// scrolled back: what they read stays in sight while more text comes, until they scroll to the end again or `resume`
-/// says that they are done. Nothing scrolls while a mouse button is down in the text. Scrolling by the program does not
-/// count as scrolling back. A selection that reached the old end does not take in what comes behind it.
+/// says that they are done. Nothing scrolls while the left mouse button is down in the text. Scrolling by the program
+/// does not count as scrolling back. A selection that reached the old end does not take in what comes behind it.
 class EndFollower final : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
     void willAppend();
     void didAppend();
 
-    /// Whether the end is being followed, unless a mouse button is down.
+    /// Whether the end is being followed, unless the mouse button is down.
     bool isFollowing() const { return isFollowing_ && !isMouseDown_; }
     /// Follows the end again, beginning with the next text.
     void resume() { isFollowing_ = true; }
@@ -43,7 +43,9 @@ protected:
 private:
     bool isAtEnd() const;
     void settleAtEnd();
-    void mouseReleased();
+    void pressMouse();
+    void releaseMouse();
+    void endPress();
 
     TextView& view_;
     std::function<void()> scroll_;

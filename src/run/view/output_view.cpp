@@ -89,6 +89,10 @@ void OutputView::append(const QString& text)
 {
     TextStorage& storage = textView_->storage();
     if (!text.isEmpty()) {
+        if (isEmpty_) {
+            // What is selected of the placeholder is no part of the output.
+            textView_->setSelectedRange({});
+        }
         follower_->willAppend();
         if (std::exchange(isEmpty_, false)) {
             storage.setText(text);
@@ -105,6 +109,8 @@ void OutputView::clear()
     scrolling_.stop();
     isEmpty_ = true;
     trimmer_.reset();
+    // What was selected goes, and nothing of what comes is selected in its place.
+    textView_->setSelectedRange({});
     follower_->resume();
     showPlaceholder();
 }

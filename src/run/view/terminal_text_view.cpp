@@ -238,14 +238,9 @@ const std::vector<TerminalTextView::CommandKey>& TerminalTextView::commandKeys()
     return keys;
 }
 
-bool TerminalTextView::event(QEvent* event)
+bool TerminalTextView::isKeyOfText(const QKeyEvent& event) const
 {
-    if (event->type() == QEvent::ShortcutOverride && session_ &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        event->accept();
-        return true;
-    }
-    return TextView::event(event);
+    return (session_ && event.key() == Qt::Key_Escape) || TextView::isKeyOfText(event);
 }
 
 bool TerminalTextView::keyDown(QKeyEvent* event)
@@ -330,13 +325,10 @@ void TerminalTextView::pasteAt(const QString& text, qsizetype offset)
         return;
     }
     // Wherever the pointer is, a terminal takes what is pasted at its prompt.
-    if (!isAtPrompt()) {
-        moveCaretToEnd();
-    }
     if (const auto pasted = pastedLines(text)) {
         runPasted(*pasted);
     } else {
-        editor().insertText(text, EditKind::other);
+        insertAtPrompt(text);
         follower_->resume();
         follower_->scrollToEnd();
     }
@@ -357,15 +349,24 @@ void TerminalTextView::runPasted(const PastedLines& pasted)
             session_->remember(command);
             continue;
         }
-        editor().insertText(command, EditKind::other);
+        insertAtPrompt(command);
         runCommand();
         if (!self || !session_) {
             return;
         }
     }
     if (session_->stops() == stops) {
-        editor().insertText(pasted.rest, EditKind::other);
+        insertAtPrompt(pasted.rest);
     }
+}
+
+void TerminalTextView::insertAtPrompt(const QString& text)
+{
+    // While a command runs, the caret may be put elsewhere, and a selection may reach back over what was written.
+    if (!isAtPrompt()) {
+        moveCaretToEnd();
+    }
+    editor().insertText(text, EditKind::other);
 }
 
 void TerminalTextView::completeCommand()

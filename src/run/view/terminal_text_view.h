@@ -20,9 +20,10 @@ namespace kelm {
 /// the caret may be put anywhere. Without a session it is a plain text view.
 ///
 /// While the session waits for a command, nobody can edit: what is typed is kept, and takes effect when the prompt is
-/// there. Keys that move the caret, scroll and copy work at once, and so does Escape, which throws away what was typed
-/// ahead: its lines enter the history and are not run. What waits is told by `typedAhead`. A second Escape ends a
-/// command that goes on. Lines that are pasted at the prompt are run, as `pastedLines` has it.
+/// there, wherever the caret was put meanwhile. Keys that move the caret, scroll and copy work at once, and so does
+/// Escape, which throws away what was typed ahead: its lines enter the history and are not run. What waits is told by
+/// `typedAhead`. A second Escape ends a command that goes on. Lines that are pasted at the prompt are run, as
+/// `pastedLines` has it.
 ///
 /// The last `mostKeptUnits` are kept, in whole lines; the first line says how much was let go. Main thread only.
 class TerminalTextView final : public TextView, public TerminalScreen
@@ -58,8 +59,8 @@ public Q_SLOTS:
 
 protected:
     void pasteAt(const QString& text, qsizetype offset) override;
-    bool event(QEvent* event) override;
     bool keyDown(QKeyEvent* event) override;
+    bool isKeyOfText(const QKeyEvent& event) const override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
@@ -75,6 +76,7 @@ private:
     void runCommand();
     bool isAtPrompt() const;
     void runPasted(const PastedLines& pasted);
+    void insertAtPrompt(const QString& text);
     void completeCommand();
     void showNextCommand();
     void showPreviousCommand();
@@ -88,6 +90,7 @@ private:
     void letFrontGo();
     void escape(const QKeyEvent& event);
     void keepForLater(const QKeyEvent& event);
+    void returnToNewPrompt();
     void throwAwayKey(QKeyEvent& event);
     void throwAwayLine();
     /// A command that runs takes no typing.

@@ -17,6 +17,7 @@ void TerminalTextView::keepForLater(const QKeyEvent& event)
         [view = QPointer(this), waiting] {
             if (view) {
                 view->typedAhead_.take(waiting->key() == Qt::Key_Return);
+                view->returnToNewPrompt();
                 view->keyInTurn_ = waiting.get();
                 view->keyPressEvent(waiting.get());
             }
@@ -26,6 +27,14 @@ void TerminalTextView::keepForLater(const QKeyEvent& event)
                 view->throwAwayKey(*waiting);
             }
         });
+}
+
+/// What was typed ahead is for the prompt that has come; the caret may have been put elsewhere while the command ran.
+void TerminalTextView::returnToNewPrompt()
+{
+    if (!isAtPrompt() && currentCommand().isEmpty()) {
+        moveCaretToEnd();
+    }
 }
 
 /// What was typed ahead is put together once more, since only its keys are known, and its lines go into the history in
@@ -61,6 +70,7 @@ void TerminalTextView::inputMethodEvent(QInputMethodEvent* event)
         const auto put = [view = QPointer(this), text = event->commitString()] {
             if (view) {
                 view->typedAhead_.take(false);
+                view->returnToNewPrompt();
                 QInputMethodEvent committed;
                 committed.setCommitString(text);
                 view->TextView::inputMethodEvent(&committed);

@@ -7,6 +7,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QWheelEvent>
@@ -38,7 +39,18 @@ struct Fixture
     TextView& text() const { return view->textView(); }
     void post(const QVariant& object) { app.notificationCenter.post(notifications::codeOutput, object); }
     void clear() { app.notificationCenter.post(notifications::clearOutput); }
+    void sendMouse(QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons) const
+    {
+        const QPointF place(20, 20);
+        QMouseEvent event(type, place, text().viewport()->mapToGlobal(place), button, buttons, {});
+        QCoreApplication::sendEvent(text().viewport(), &event);
+    }
     bool isAtEnd() const { return text().verticalScrollBar()->value() == text().verticalScrollBar()->maximum(); }
+    void waitForTheEnd() const
+    {
+        QTRY_VERIFY(isAtEnd());
+        QTRY_COMPARE(view->scrollAnimation().state(), QAbstractAnimation::Stopped);
+    }
     void turnWheel(int angle) const
     {
         QWheelEvent event(QPointF(5, 5), text().viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton,
@@ -77,6 +89,9 @@ private Q_SLOTS:
     void whoScrollsBackStaysThere();
     void anAnimationEndsWhenThePersonScrollsBack();
     void aNewRunIsFollowedAgain();
+    void onlyTheLeftButtonHoldsTheTextStill();
+    void aPressWhoseReleaseIsLostEnds();
+    void newTextIsNotSelected();
     void aRunShowsWhatIsPosted();
     void aRunThatCannotBeShowsNothing();
     void aSnippetThatCannotRunIsTold();
@@ -310,6 +325,61 @@ void OutputViewTest::aNewRunIsFollowedAgain()
     fixture.clear();
     fixture.post(manyLines);
     QTRY_VERIFY(fixture.isAtEnd());
+}
+
+void OutputViewTest::onlyTheLeftButtonHoldsTheTextStill()
+{
+    Fixture fixture;
+    fixture.post(manyLines);
+    QTRY_VERIFY(fixture.isAtEnd());
+    // A menu takes the release.
+    fixture.sendMouse(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton);
+    fixture.post(manyLines);
+    QVERIFY(!fixture.isAtEnd());
+    fixture.waitForTheEnd();
+    // The second press of a double click may begin a drag.
+    fixture.sendMouse(QEvent::MouseButtonDblClick, Qt::LeftButton, Qt::LeftButton);
+    const int place = fixture.text().verticalScrollBar()->value();
+    fixture.post(manyLines);
+    fixture.sendMouse(QEvent::MouseButtonRelease, Qt::RightButton, Qt::LeftButton);
+    QTest::qWait(150);
+    QCOMPARE(fixture.text().verticalScrollBar()->value(), place);
+    fixture.sendMouse(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
+    QTRY_VERIFY(fixture.isAtEnd());
+}
+
+void OutputViewTest::aPressWhoseReleaseIsLostEnds()
+{
+    Fixture fixture;
+    fixture.post(manyLines);
+    fixture.waitForTheEnd();
+    fixture.sendMouse(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton);
+    fixture.post(manyLines);
+    QTest::qWait(150);
+    QVERIFY(!fixture.isAtEnd());
+    fixture.sendMouse(QEvent::MouseMove, Qt::NoButton, Qt::NoButton);
+    fixture.waitForTheEnd();
+    fixture.sendMouse(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton);
+    fixture.view->hide();
+    fixture.view->show();
+    fixture.post(manyLines);
+    QTRY_VERIFY(fixture.isAtEnd());
+}
+
+void OutputViewTest::newTextIsNotSelected()
+{
+    Fixture fixture;
+    fixture.post(manyLines);
+    fixture.text().selectAll();
+    fixture.clear();
+    QVERIFY(!fixture.text().editor().selections().hasText());
+    fixture.post(u"a new run"_s);
+    QVERIFY(!fixture.text().editor().selections().hasText());
+    // Nor where the placeholder was selected.
+    fixture.clear();
+    fixture.text().selectAll();
+    fixture.post(u"a new run"_s);
+    QVERIFY(!fixture.text().editor().selections().hasText());
 }
 
 void OutputViewTest::aRunShowsWhatIsPosted()

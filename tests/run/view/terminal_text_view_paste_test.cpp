@@ -34,6 +34,8 @@ private Q_SLOTS:
     void keysTypedMeanwhileComeBehind();
     void aPasteThatWaitsKeepsItsPlace();
     void theTextAboveIsNoCommandLine();
+    void linesRunWhereverTheCaretIsPutMeanwhile_data();
+    void linesRunWhereverTheCaretIsPutMeanwhile();
 };
 
 void TerminalTextViewPasteTest::linesRunInTheirOrder()
@@ -157,6 +159,31 @@ void TerminalTextViewPasteTest::theTextAboveIsNoCommandLine()
     paste(page, u"touch ran\n"_s);
     QVERIFY(page.text().text().sliced(3).startsWith(u"touch ran\n"_s));
     QVERIFY(page.session().commandHistory().isEmpty());
+}
+
+void TerminalTextViewPasteTest::linesRunWhereverTheCaretIsPutMeanwhile_data()
+{
+    QTest::addColumn<qsizetype>("length");
+    QTest::newRow("a caret") << qsizetype(0);
+    QTest::newRow("a selection") << qsizetype(10);
+    QTest::newRow("a selection up to the end") << qsizetype(1000);
+}
+
+void TerminalTextViewPasteTest::linesRunWhereverTheCaretIsPutMeanwhile()
+{
+    QFETCH(qsizetype, length);
+    TerminalPage page;
+    page.showBanner();
+    const QString banner = page.text().text();
+    page.onceRunning([&] {
+        page.text().setSelectedRange({3, length});
+        page.openGate();
+    });
+    paste(page, page.waitingLine() + u"\necho two\nrest"_s);
+    QCOMPARE(page.session().commandHistory(), (QStringList{page.waitingLine(), u"echo two"_s}));
+    QVERIFY(page.text().text().startsWith(banner));
+    QVERIFY(page.written().endsWith(u"echo twotwo\n"_s + page.prompt() + u"rest"_s));
+    QCOMPARE(page.text().currentCommand(), u"rest"_s);
 }
 
 const kelm::test::Registered<TerminalTextViewPasteTest> registered(kelm::test::Toolkit::widgets);

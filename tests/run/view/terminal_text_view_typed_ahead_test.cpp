@@ -44,6 +44,7 @@ private Q_SLOTS:
     void aFileThatWaitsIsNotRun();
     void linesGivenToTheSessionAreNotRun();
     void whatIsTypedBeforeTheFirstPromptIsTheFirstCommand();
+    void linesRunWhereverTheCaretIsPutMeanwhile();
 };
 
 void TerminalTextViewTypedAheadTest::escapeThrowsAwayLinesThatWait()
@@ -163,6 +164,24 @@ void TerminalTextViewTypedAheadTest::whatIsTypedBeforeTheFirstPromptIsTheFirstCo
     page.type(u"k > one"_s);
     page.press(Qt::Key_Return);
     QVERIFY(QFileInfo::exists(page.path(u"one"_s)));
+}
+
+void TerminalTextViewTypedAheadTest::linesRunWhereverTheCaretIsPutMeanwhile()
+{
+    TerminalPage page;
+    page.showBanner();
+    const QString banner = page.text().text();
+    page.onceRunning([&] {
+        page.type(u"echo one"_s);
+        page.press(Qt::Key_Return);
+        page.type(u"한"_s);
+        page.text().setSelectedRange({3, 0});
+        page.openGate();
+    });
+    page.run(page.waitingLine());
+    QTRY_VERIFY(page.written().endsWith(u"echo oneone\n"_s + page.prompt() + u"한"_s));
+    QVERIFY(page.text().text().startsWith(banner));
+    QCOMPARE(page.session().commandHistory(), (QStringList{page.waitingLine(), u"echo one"_s}));
 }
 
 const kelm::test::Registered<TerminalTextViewTypedAheadTest> registered(kelm::test::Toolkit::widgets);
