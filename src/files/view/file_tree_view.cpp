@@ -212,18 +212,21 @@ void FileTreeView::select(int row)
     }
 }
 
-bool FileTreeView::handleKey(int key)
+bool FileTreeView::handleKey(const QKeyEvent& event)
 {
     const int row = list_->currentIndex().row();
     if (row < 0) {
         return false;
     }
     const bool isFolder = model_->item(row).isDirectory;
-    switch (key) {
+    switch (event.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space:
-        select(row);
+        // A key that is held down opens one file, and a folder once.
+        if (!event.isAutoRepeat()) {
+            select(row);
+        }
         return true;
     case Qt::Key_Right:
         if (isFolder && !model_->isExpanded(row)) {
@@ -260,7 +263,7 @@ bool FileTreeView::eventFilter(QObject* watched, QEvent* event)
     } else if (watched == list_ && event->type() == QEvent::KeyPress) {
         setIsByKey(true);
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->modifiers() == Qt::NoModifier && handleKey(key->key())) {
+        if (key->modifiers() == Qt::NoModifier && handleKey(*key)) {
             return true;
         }
     }

@@ -51,7 +51,7 @@ private:
     void refreshStatusSoon();
     void openFolder();
     void select(int row);
-    bool handleKey(int key);
+    bool handleKey(const QKeyEvent& event);
     void setIsByKey(bool isByKey);
 
     AppState& appState_;

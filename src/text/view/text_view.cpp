@@ -198,12 +198,22 @@ bool TextView::keyDown(QKeyEvent* /*event*/)
     return false;
 }
 
+bool TextView::isKeyOfText(const QKeyEvent& event) const
+{
+    return keyActionFor(event) || insertsText(event);
+}
+
 bool TextView::event(QEvent* event)
 {
-    if (event->type() == QEvent::ShortcutOverride) {
-        auto* key = static_cast<QKeyEvent*>(event);
-        if (keyActionFor(*key) || insertsText(*key)) {
-            event->accept();
+    if (event->type() == QEvent::ShortcutOverride && isKeyOfText(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        awaitsPress_ = awaitsPress_ && key->isAutoRepeat();
+        if (awaitsPress_ && !goesOnWhenHeld(*key)) {
+            event->setAccepted(isKeyOfText(*key));
             return true;
         }
     }
@@ -279,6 +289,7 @@ void TextView::runKeyAction(int action)
 void TextView::focusInEvent(QFocusEvent* event)
 {
     QAbstractScrollArea::focusInEvent(event);
+    awaitsPress_ = true;
     restartBlink();
     viewport()->update();
 }

@@ -56,6 +56,9 @@ struct TextHighlight
 /// and its editor and asks them; keys, mouse, input methods, the clipboard, painting and accessibility are parts with
 /// files of their own.
 ///
+/// A key that was pressed before the keyboard came here and is still held down edits nothing: it has done what it was
+/// pressed for.
+///
 /// Places on the page are told as y from the top of the text, the inset included, in device-independent pixels.
 class TextView : public QAbstractScrollArea
 {
@@ -155,6 +158,9 @@ protected:
     /// Takes a key before the view's own keys do; true when the key is used up.
     virtual bool keyDown(QKeyEvent* event);
 
+    /// Whether a key is for the text, and for no command of the window.
+    virtual bool isKeyOfText(const QKeyEvent& event) const;
+
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -183,6 +189,7 @@ private:
     void textEdited(const TextEdit& edit);
     void selectionChanged();
     void runKeyAction(int action);
+    bool goesOnWhenHeld(const QKeyEvent& event) const;
     void keepPrimaryCaret();
 
     qreal scrollY() const;
@@ -246,6 +253,9 @@ private:
     std::optional<qsizetype> topBeforeResize_;
     bool isSyncingScrollBar_ = false;
     bool isScrollSyncQueued_ = false;
+
+    /// Whether no key has been pressed anew since the keyboard came: what repeats until then was pressed elsewhere.
+    bool awaitsPress_ = false;
 
     QBasicTimer blinkTimer_;
     bool isCaretOn_ = true;

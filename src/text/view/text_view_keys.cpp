@@ -149,4 +149,14 @@ bool insertsText(const QKeyEvent& event)
            modifiers == (Qt::ControlModifier | Qt::AltModifier);
 }
 
+/// Whether a key may go on here that was pressed elsewhere: it only moves the caret, or walks on to the next widget.
+bool TextView::goesOnWhenHeld(const QKeyEvent& event) const
+{
+    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
+        return isReadOnly();
+    }
+    const auto action = keyActionFor(event);
+    return action && keyActions()[static_cast<std::size_t>(*action)].kind == KeyAction::Kind::move;
+}
+
 } // namespace kelm

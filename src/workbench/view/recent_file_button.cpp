@@ -30,6 +30,11 @@ QFont folderFont()
     return style::interfaceFont(style::typeSize::caption);
 }
 
+bool isReturn(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
 } // namespace
 
 RecentFileButton::RecentFileButton(const QUrl& url, QWidget* parent) : QAbstractButton(parent)
@@ -84,11 +89,22 @@ void RecentFileButton::paintEvent(QPaintEvent*)
 
 void RecentFileButton::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
-        return;
+    if (!isReturn(*event)) {
+        QAbstractButton::keyPressEvent(event);
+    } else if (!event->isAutoRepeat()) {
+        setDown(true);
     }
-    QAbstractButton::keyPressEvent(event);
+}
+
+void RecentFileButton::keyReleaseEvent(QKeyEvent* event)
+{
+    if (!isReturn(*event)) {
+        QAbstractButton::keyReleaseEvent(event);
+    } else if (!event->isAutoRepeat() && isDown()) {
+        // As with the space bar: the file that opens is not to have the rest of a key that is held down.
+        setDown(false);
+        click();
+    }
 }
 
 } // namespace kelm

@@ -313,11 +313,15 @@ void TabItemView::mouseReleaseEvent(QMouseEvent* event)
 
 void TabItemView::keyPressEvent(QKeyEvent* event)
 {
+    // A key that is held down selects or closes one tab.
+    const bool isPress = !event->isAutoRepeat();
     switch (event->key()) {
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        callbacks_.onSelect();
+        if (isPress) {
+            callbacks_.onSelect();
+        }
         break;
     case Qt::Key_Left:
         callbacks_.onStep(-1);
@@ -327,7 +331,9 @@ void TabItemView::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        callbacks_.onClose();
+        if (isPress) {
+            callbacks_.onClose();
+        }
         break;
     default:
         QWidget::keyPressEvent(event);

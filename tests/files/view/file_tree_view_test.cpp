@@ -9,6 +9,7 @@
 #include "support/test_program.h"
 
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QListView>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -116,6 +117,7 @@ private Q_SLOTS:
     void aProjectThatIsGoneIsTold();
     void aFolderThatCannotBeReadHasNoChildren();
     void theKeyboardWalksTheTree();
+    void aHeldKeyOpensOnce();
     void aDroppedFolderBecomesTheProject();
     void aDroppedFileIsCopied();
     void aRowIsDraggedOutAsItsFile();
@@ -329,6 +331,31 @@ void FileTreeViewTest::theKeyboardWalksTheTree()
     QCOMPARE(list.currentIndex().data().toString(), u"readme.md"_s);
     QTest::keyClick(&list, Qt::Key_Return);
     QCOMPARE(fixture.state.currentDocument()->title(), u"readme.md"_s);
+}
+
+void FileTreeViewTest::aHeldKeyOpensOnce()
+{
+    Fixture fixture;
+    fixture.show();
+    QListView& list = fixture.view->list();
+    list.setFocus();
+    const auto sendRepeated = [&list](Qt::Key key) {
+        QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, {}, true);
+        QCoreApplication::sendEvent(&list, &repeated);
+    };
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        list.setCurrentIndex(fixture.view->model().index(1));
+        const bool wasExpanded = fixture.rows().contains(u"v src"_s);
+        QTest::keyPress(&list, key);
+        sendRepeated(key);
+        QCOMPARE(fixture.rows().contains(u"v src"_s), !wasExpanded);
+        QTest::keyRelease(&list, key);
+        // The key went down before, somewhere else.
+        list.setCurrentIndex(fixture.view->model().index(fixture.view->model().rowCount() - 1));
+        QCOMPARE(list.currentIndex().data().toString(), u"readme.md"_s);
+        sendRepeated(key);
+        QVERIFY(fixture.state.documents().isEmpty());
+    }
 }
 
 void FileTreeViewTest::aDroppedFolderBecomesTheProject()

@@ -53,6 +53,14 @@ void press(QWidget& view, Standard key)
     QTest::keySequence(&view, keysOf(key).constFirst());
 }
 
+/// Sends a key again, as a keyboard does while it is held down. True when the view takes it.
+bool sendRepeated(QWidget& view, Qt::Key key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {})
+{
+    QKeyEvent event(QEvent::KeyPress, key, modifiers, text, true);
+    QCoreApplication::sendEvent(&view, &event);
+    return event.isAccepted();
+}
+
 } // namespace
 
 class TextViewKeysTest : public QObject
@@ -82,6 +90,9 @@ private Q_SLOTS:
     void aSubclassTakesKeysFirst();
     void shortcutsOfTheWindowDoNotTakeTheViewsKeys_data();
     void shortcutsOfTheWindowDoNotTakeTheViewsKeys();
+    void aKeyThatIsHeldFromElsewhereEditsNothing();
+    void aKeyThatIsHeldFromElsewhereIsNoneOfASubclass();
+    void aHeldTabWalksOverAReadOnlyView();
     void theOwnerIsToldOfEdits();
     void othersEditsAreNotTold();
 };
@@ -438,6 +449,65 @@ void TextViewKeysTest::shortcutsOfTheWindowDoNotTakeTheViewsKeys()
     QCoreApplication::sendEvent(&view, &event);
     QTEST(event.isAccepted(), "taken");
     QCOMPARE(view.text(), QString());
+}
+
+void TextViewKeysTest::aKeyThatIsHeldFromElsewhereEditsNothing()
+{
+    ShownTextView view(QStringLiteral("ab|c"));
+    QVERIFY(view.isShown());
+    // Nor does it go to whoever is around the view.
+    QVERIFY(sendRepeated(view, Qt::Key_Return, QStringLiteral("\r")));
+    QVERIFY(sendRepeated(view, Qt::Key_X, QStringLiteral("x")));
+    QVERIFY(sendRepeated(view, Qt::Key_Tab, QStringLiteral("\t")));
+    QVERIFY(sendRepeated(view, Qt::Key_Delete));
+    QVERIFY(sendRepeated(view, Qt::Key_Backspace));
+    QCOMPARE(view.marked(), QStringLiteral("ab|c"));
+    // What is no key of the text does, and the caret moves on.
+    QVERIFY(!sendRepeated(view, Qt::Key_Escape, QStringLiteral("\u001b")));
+    QVERIFY(!sendRepeated(view, Qt::Key_F3));
+    QVERIFY(sendRepeated(view, Qt::Key_Right));
+    QCOMPARE(view.marked(), QStringLiteral("abc|"));
+    // A key that is pressed here repeats here, also with another sign by then.
+    QTest::keyPress(&view, 'x');
+    QVERIFY(sendRepeated(view, Qt::Key_X, QStringLiteral("x")));
+    QVERIFY(sendRepeated(view, Qt::Key_X, QStringLiteral("X"), Qt::ShiftModifier));
+    QCOMPARE(view.marked(), QStringLiteral("abcxxX|"));
+    QTest::keyRelease(&view, 'x');
+    view.clearFocus();
+    view.setFocus();
+    QVERIFY(view.hasFocus());
+    QVERIFY(sendRepeated(view, Qt::Key_Backspace));
+    QCOMPARE(view.marked(), QStringLiteral("abcxxX|"));
+    QTest::keyClick(&view, Qt::Key_Backspace);
+    QCOMPARE(view.marked(), QStringLiteral("abcxx|"));
+}
+
+void TextViewKeysTest::aKeyThatIsHeldFromElsewhereIsNoneOfASubclass()
+{
+    HookedView view(QStringLiteral("|"));
+    QVERIFY(view.isShown());
+    QVERIFY(sendRepeated(view, Qt::Key_X, QStringLiteral("x")));
+    QVERIFY(!sendRepeated(view, Qt::Key_D, QStringLiteral("\u0004"), Qt::ControlModifier));
+    QCOMPARE(view.seen, QString());
+    QTest::keyClick(&view, 'x');
+    QVERIFY(sendRepeated(view, Qt::Key_X, QStringLiteral("x")));
+    QCOMPARE(view.seen, QStringLiteral("xx"));
+}
+
+void TextViewKeysTest::aHeldTabWalksOverAReadOnlyView()
+{
+    QWidget window;
+    auto* view = new TextView(&window);
+    auto* next = new QLineEdit(&window);
+    next->move(0, 250);
+    view->setReadOnly(true);
+    window.show();
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    view->setFocus();
+    QVERIFY(view->hasFocus());
+    sendRepeated(*view, Qt::Key_Tab, QStringLiteral("\t"));
+    QVERIFY(next->hasFocus());
 }
 
 void TextViewKeysTest::theOwnerIsToldOfEdits()

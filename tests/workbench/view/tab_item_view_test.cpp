@@ -6,6 +6,7 @@
 #include "workbench/view/window_fixture.h"
 
 #include <QEnterEvent>
+#include <QKeyEvent>
 
 namespace tab_item_view_test {
 
@@ -97,6 +98,8 @@ private Q_SLOTS:
     void theNewTabButtonHasAFaintGround();
     void hoverAndSelectionEaseInAndOut();
     void eachChangeRunsItsAnimation();
+    void aKeyThatIsHeldFromElsewhereDoesNothing();
+    void aHeldKeyClosesOneTab();
 };
 
 void TabItemViewTest::theStripHasAGroundAndALine_data()
@@ -296,6 +299,36 @@ void TabItemViewTest::eachChangeRunsItsAnimation()
     fixture.settle();
     QCOMPARE(tab.selectionAnimation().currentValue().toReal(), 1.0);
     QCOMPARE(fixture.tab(1).selectionAnimation().currentValue().toReal(), 0.0);
+}
+
+void TabItemViewTest::aKeyThatIsHeldFromElsewhereDoesNothing()
+{
+    Fixture fixture;
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Delete, Qt::Key_Backspace}) {
+        QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, {}, true);
+        QCoreApplication::sendEvent(&fixture.tab(0), &repeated);
+        QVERIFY(repeated.isAccepted());
+    }
+    QCOMPARE(fixture.state.documents().size(), 2);
+    QCOMPARE(fixture.state.currentDocumentIndex(), 1);
+}
+
+void TabItemViewTest::aHeldKeyClosesOneTab()
+{
+    Fixture fixture;
+    fixture.tab(1).setFocus(Qt::TabFocusReason);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
+    QCoreApplication::sendEvent(&fixture.tab(1), &press);
+    fixture.turnQueue();
+    QCOMPARE(fixture.state.documents().size(), 1);
+    QTRY_VERIFY(fixture.text().hasFocus());
+    fixture.text().setSelectedRange({0, 0});
+    for (int count = 0; count < 3; ++count) {
+        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier, {}, true);
+        QCoreApplication::sendEvent(&fixture.text(), &repeated);
+    }
+    QCOMPARE(fixture.text().text(), u"a"_s);
+    QCOMPARE(fixture.state.documents().size(), 1);
 }
 
 const kelm::test::Registered<TabItemViewTest> registered(kelm::test::Toolkit::widgets);

@@ -8,6 +8,7 @@
 #include "workbench/view/recent_file_button.h"
 #include "workbench/view/welcome_view.h"
 
+#include <QKeyEvent>
 #include <QtTest>
 
 namespace welcome_view_test {
@@ -92,6 +93,8 @@ private Q_SLOTS:
     void withoutRecentFilesThereIsNoGroup();
     void theFiveMostRecentFilesStandInTheirOrder();
     void aClickOpens();
+    void aHeldKeyOpensOnce_data();
+    void aHeldKeyOpensOnce();
     void aFileThatIsGoneIsLoggedAlone();
     void eachRowShowsANameAndAFolder();
     void theGroupStandsOnATenthOfTheSecondaryColour();
@@ -154,6 +157,39 @@ void WelcomeViewTest::aClickOpens()
     QCOMPARE(fixture.state.documents().size(), 1);
     QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(files.at(2)));
     QCOMPARE(fixture.state.currentDocument()->content(), u"text"_s);
+}
+
+void WelcomeViewTest::aHeldKeyOpensOnce_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("return") << Qt::Key_Return;
+    QTest::newRow("enter") << Qt::Key_Enter;
+    QTest::newRow("space") << Qt::Key_Space;
+}
+
+void WelcomeViewTest::aHeldKeyOpensOnce()
+{
+    QFETCH(Qt::Key, key);
+    Fixture fixture;
+    const QList<QUrl> files = fixture.setRecentFiles(3);
+    RecentFileButton& row = *fixture.rows().at(1);
+    row.setFocus();
+    const auto sendRepeated = [&row, key] {
+        QKeyEvent up(QEvent::KeyRelease, key, {}, {}, true);
+        QKeyEvent down(QEvent::KeyPress, key, {}, {}, true);
+        QCoreApplication::sendEvent(&row, &up);
+        QCoreApplication::sendEvent(&row, &down);
+    };
+    // What was pressed elsewhere is none of its own.
+    sendRepeated();
+    QTest::keyRelease(&row, key);
+    QVERIFY(fixture.state.documents().isEmpty());
+    QTest::keyPress(&row, key);
+    sendRepeated();
+    QVERIFY(fixture.state.documents().isEmpty());
+    QTest::keyRelease(&row, key);
+    QCOMPARE(fixture.state.documents().size(), 1);
+    QCOMPARE(fixture.state.currentDocument()->fileURL(), std::optional(files.at(1)));
 }
 
 void WelcomeViewTest::aFileThatIsGoneIsLoggedAlone()
