@@ -14,7 +14,8 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
     }
     root_ = folderPrefix(*repoURL);
     for (const GitFileStatus& file : status) {
-        const QString path = namesOf(file).current;
+        const GitFileNames names = namesOf(file);
+        const QString& path = names.current;
         const bool isKnown = files_.contains(path);
         if (!isKnown && (file.staged || file.unstaged)) {
             files_.insert(path, fileStatusMark(file, false));
@@ -23,10 +24,19 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
         const FolderState state = is(GitFileChange::conflicted)  ? FolderState::conflicted
                                   : is(GitFileChange::untracked) ? FolderState::untracked
                                                                  : FolderState::modified;
-        for (qsizetype slash = path.indexOf(u'/'); slash >= 0; slash = path.indexOf(u'/', slash + 1)) {
-            FolderState& folder = folders_[path.left(slash)];
-            folder = std::max(folder, state);
+        markFolders(path, state);
+        if (names.previous && is(GitFileChange::renamed)) {
+            // The folder that a file has left is changed as well.
+            markFolders(*names.previous, state);
         }
+    }
+}
+
+void GitBadges::markFolders(const QString& path, FolderState state)
+{
+    for (qsizetype slash = path.indexOf(u'/'); slash >= 0; slash = path.indexOf(u'/', slash + 1)) {
+        FolderState& folder = folders_[path.left(slash)];
+        folder = std::max(folder, state);
     }
 }
 

@@ -30,6 +30,9 @@ private:
     /// From the least to the most important, which is what a folder shows of what it holds.
     enum class FolderState { modified, untracked, conflicted };
 
+    /// Counts a change for each folder that a path lies in.
+    void markFolders(const QString& path, FolderState state);
+
     QString root_;
     QHash<QString, FileStatusMark> files_;
     QHash<QString, FolderState> folders_;

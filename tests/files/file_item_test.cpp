@@ -74,6 +74,7 @@ private Q_SLOTS:
     void badgesOfFolders_data();
     void badgesOfFolders();
     void badgesGoByTheRealName();
+    void aRenameMarksTheFolderThatTheFileHasLeft();
     void withoutARepositoryNothingHasABadge();
     void rootAndOutsideHaveNone();
 };
@@ -261,6 +262,23 @@ void FileItemTest::badgesGoByTheRealName()
     QCOMPARE(badges.badge(fixture.item(u"d r"_s, true))->letter, u"U"_s);
     QCOMPARE(badges.badge(fixture.item(u"한"_s, false))->letter, u"R"_s);
     QVERIFY(!badges.badge(fixture.item(u"old"_s, false)));
+}
+
+void FileItemTest::aRenameMarksTheFolderThatTheFileHasLeft()
+{
+    const Fixture fixture;
+    const GitBadges badges({entry(u"old/in/a -> new/a"_s, GitFileChange::renamed, {}),
+                            entry(u"\"b c/d\" -> e"_s, {}, GitFileChange::renamed),
+                            entry(u"kept/f -> to/f"_s, GitFileChange::copied, {})},
+                           QUrl::fromLocalFile(u"/repo"_s));
+    const FileStatusMark modified{u"M"_s, SystemColor::yellow};
+    for (const char* folder : {"old", "old/in", "new", "b c", "to"}) {
+        QCOMPARE(badges.badge(fixture.item(QString::fromLatin1(folder), true)), std::optional(modified));
+    }
+    // A copy takes nothing away.
+    QVERIFY(!badges.badge(fixture.item(u"kept"_s, true)));
+    QVERIFY(!badges.badge(fixture.item(u"old/in/a"_s, false)));
+    QCOMPARE(badges.badge(fixture.item(u"new/a"_s, false))->letter, u"R"_s);
 }
 
 void FileItemTest::withoutARepositoryNothingHasABadge()
