@@ -1,6 +1,8 @@
 #include "git/diff/combined_hunk.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace kelm {
 
@@ -42,7 +44,7 @@ bool isCombined(const DiffHunk& hunk)
 DiffHunk readableCombinedHunk(DiffHunk hunk)
 {
     const qsizetype parents = parentsOf(hunk);
-    qint64 number = hunk.newStart;
+    qint64 number = std::max(hunk.newStart, DiffLineNumber::lowest);
     for (DiffLine& line : hunk.lines) {
         if (line.kind == DiffLineKind::hunkHeader || line.kind == DiffLineKind::noNewline) {
             continue;

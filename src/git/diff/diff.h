@@ -16,6 +16,9 @@ enum class DiffLineKind { context, added, removed, hunkHeader, fileHeader, noNew
 class DiffLineNumber
 {
 public:
+    /// The lowest that a place may have. A header may give the number below it, which stands for none here.
+    static constexpr qint64 lowest = std::numeric_limits<qint64>::min() + 1;
+
     DiffLineNumber() = default;
     DiffLineNumber(std::nullopt_t) {}
     DiffLineNumber(qint64 number) : number_(number) {}
@@ -27,8 +30,7 @@ public:
     bool operator==(const DiffLineNumber&) const = default;
 
 private:
-    /// No header can say it: a sign there means the other file.
-    static constexpr qint64 none = std::numeric_limits<qint64>::min();
+    static constexpr qint64 none = lowest - 1;
 
     qint64 number_ = none;
 };

@@ -129,8 +129,8 @@ private:
         hunk_ = {QUuid(), line.toString(), ranges.oldStart, ranges.oldCount, ranges.newStart, ranges.newCount,
                  {},      source_};
         lines_.append({DiffLineKind::hunkHeader, line, {}, {}});
-        oldLine_ = ranges.oldStart;
-        newLine_ = ranges.newStart;
+        oldLine_ = std::max(ranges.oldStart, DiffLineNumber::lowest);
+        newLine_ = std::max(ranges.newStart, DiffLineNumber::lowest);
         isHunkOpen_ = true;
     }
 

@@ -63,11 +63,23 @@ std::optional<LineStretch> selectedStretch(const DiffSelection& selection, DiffT
 
 namespace {
 
-/// The units of the text at a place, whatever its own unit.
+qsizetype shownEntries(const DiffLayout& layout, qsizetype file, qsizetype hunk)
+{
+    return layout.isCollapsed(file, hunk) ? 0 : layout.entryCount(file, hunk);
+}
+
+/// The units of the text at a place, whatever its own unit. A place below the last file has none, and so has one in a
+/// hunk of which no more than the header is shown.
 qsizetype lengthAt(const DiffLayout& layout, const DiffTextPlace& place, SideBySideHunkLines::Side side)
 {
+    if (place.file >= layout.files().size()) {
+        return 0;
+    }
     if (place.hunk < 0) {
         return shownPath(layout.files()[place.file]).size();
+    }
+    if (place.entry >= shownEntries(layout, place.file, place.hunk)) {
+        return 0;
     }
     const DiffLine* const line = lineOn(side, layout, place.file, place.hunk, place.entry);
     return line == nullptr ? 0 : line->text.size();
@@ -77,9 +89,10 @@ qsizetype lengthAt(const DiffLayout& layout, const DiffTextPlace& place, SideByS
 bool step(const DiffLayout& layout, DiffTextPlace& place, bool isBelow)
 {
     const QList<DiffFile>& files = layout.files();
-    const auto entries = [&](qsizetype hunk) {
-        return layout.isCollapsed(place.file, hunk) ? 0 : layout.entryCount(place.file, hunk);
-    };
+    if (isBelow && place.file >= files.size()) {
+        return false;
+    }
+    const auto entries = [&](qsizetype hunk) { return shownEntries(layout, place.file, hunk); };
     place.unit = 0;
     place.entry += isBelow ? 1 : -1;
     if (place.hunk >= 0 && place.entry >= 0 && place.entry < entries(place.hunk)) {
@@ -124,8 +137,8 @@ DiffSelection extendedByLine(const DiffLayout& layout, const DiffSelection& sele
 {
     DiffSelection extended = selection;
     const auto next = neighbouringLine(layout, selection.caret, selection.side, isBelow);
-    // The line itself first.
-    if (next && !selection.isEmpty()) {
+    // The line itself first, where it has text to be selected.
+    if (next && (!selection.isEmpty() || lengthAt(layout, selection.caret, selection.side) == 0)) {
         extended.caret = *next;
     }
     const auto key = [](const DiffTextPlace& place) { return std::tuple(place.file, place.hunk, place.entry); };
@@ -152,14 +165,33 @@ QString selectedText(const DiffLayout& layout, const DiffSelection& selection)
         take(shownPath(files[file]), {file, -1, 0, 0});
         const qsizetype lastHunk = file == last.file ? last.hunk : files[file].hunks.size() - 1;
         for (qsizetype hunk = file == first.file ? std::max<qsizetype>(first.hunk, 0) : 0; hunk <= lastHunk; ++hunk) {
-            if (layout.isCollapsed(file, hunk)) {
-                continue;
-            }
-            for (qsizetype entry = 0; entry < layout.entryCount(file, hunk); ++entry) {
+            for (qsizetype entry = 0; entry < shownEntries(layout, file, hunk); ++entry) {
                 if (const DiffLine* line = lineOn(selection.side, layout, file, hunk, entry)) {
                     take(line->text, {file, hunk, entry, 0});
                 }
             }
+        }
+    }
+    return lines.join(u'\n');
+}
+
+SideBySideHunkLines::Side sideOfHunk(const DiffLayout& layout, qsizetype file, qsizetype hunk)
+{
+    for (qsizetype entry = 0; entry < layout.entryCount(file, hunk); ++entry) {
+        if (lineOn(SideBySideHunkLines::Side::newSide, layout, file, hunk, entry) != nullptr) {
+            return SideBySideHunkLines::Side::newSide;
+        }
+    }
+    return SideBySideHunkLines::Side::oldSide;
+}
+
+QString hunkText(const DiffLayout& layout, qsizetype file, qsizetype hunk)
+{
+    const SideBySideHunkLines::Side side = sideOfHunk(layout, file, hunk);
+    QStringList lines;
+    for (qsizetype entry = 0; entry < layout.entryCount(file, hunk); ++entry) {
+        if (const DiffLine* line = lineOn(side, layout, file, hunk, entry)) {
+            lines.append(line->text.toString());
         }
     }
     return lines.join(u'\n');

@@ -59,10 +59,17 @@ std::optional<LineStretch> selectedStretch(const DiffSelection& selection, DiffT
 std::optional<DiffTextPlace> neighbouringLine(const DiffLayout& layout, const DiffTextPlace& place,
                                               SideBySideHunkLines::Side side, bool isBelow);
 
-/// The selection with its caret a line farther down or up, of whole lines.
+/// The selection with its caret a line farther down or up, of whole lines; first the caret's own, unless that has no
+/// text. The same at an end.
 DiffSelection extendedByLine(const DiffLayout& layout, const DiffSelection& selection, bool isBelow);
 
 /// The selected text: whole lines without their signs, with a line feed between two. What is collapsed is left out.
 QString selectedText(const DiffLayout& layout, const DiffSelection& selection);
+
+/// The side that stands for a hunk by itself: the new one, or the old one where no line of the hunk is on the other.
+SideBySideHunkLines::Side sideOfHunk(const DiffLayout& layout, qsizetype file, qsizetype hunk);
+
+/// The lines of a hunk on that side, whether or not it is collapsed, in the form of `selectedText`.
+QString hunkText(const DiffLayout& layout, qsizetype file, qsizetype hunk);
 
 } // namespace kelm

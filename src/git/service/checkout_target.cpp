@@ -1,5 +1,7 @@
 #include "git/service/checkout_target.h"
 
+#include "git/service/listed_name.h"
+
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -10,12 +12,10 @@ namespace {
 
 const QString heads = u"refs/heads/"_s;
 const QString remotes = u"refs/remotes/"_s;
-constexpr QStringView longForm = u"heads/";
 
-/// The name without what git puts before one that is shared; empty for any other.
 QString shortened(const QString& name)
 {
-    return name.startsWith(longForm) ? name.sliced(longForm.size()) : QString();
+    return ListedName(GitNameKind::branch, name).shortForm();
 }
 
 bool isHead(const QStringList& references, const QString& name)

@@ -180,7 +180,8 @@ public:
 
     GitOpResult createBranch(const QString& name, bool checkout);
     /// Refused where the name is no branch's, neither here nor of a remote: git would take it for a file, and throw
-    /// its changes away.
+    /// its changes away; and where it is a remote's alone and that of a file, tracked or not. A failure without a
+    /// checkout where that cannot be found out.
     GitOpResult checkoutBranch(const QString& name);
     GitOpResult deleteBranch(const QString& name, bool force);
     GitOpResult renameBranch(const QString& from, const QString& to);
@@ -271,6 +272,19 @@ private:
     /// Drops a failure that was about conflicts once there are none.
     void forgetSolvedConflicts();
     bool performCommit(const GitOperation& operation, const QStringList& given);
+
+    /// What came of a look at the repository before an operation.
+    struct Look
+    {
+        /// In the form of paths, so that bytes which are not UTF-8 hide none of the rest; empty where the look failed.
+        QString output = {};
+        /// As `runOp` gives it.
+        GitOpResult result = GitOpResult::success();
+    };
+    Look look(const QStringList& args);
+    /// `perform` for an operation on branches alone, or on tags alone, whose first thing given is the name of one as it
+    /// is listed.
+    GitOpResult performOnListed(const GitOperation& operation, QStringList given);
 
     /// `run` for an operation of the table, and then its refreshes. Whether git printed anything.
     bool performForOutput(const GitOperation& operation, const QStringList& given);

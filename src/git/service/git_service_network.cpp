@@ -2,10 +2,10 @@
 #include "git/service/git_refusal.h"
 #include "git/service/git_service.h"
 #include "git/service/git_worker.h"
+#include "platform/files/file_url.h"
 #include "platform/files/native_path.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 
@@ -90,13 +90,13 @@ GitOpResult GitService::initRepo(const QUrl& at, const QString& defaultBranch)
     if (const auto sentence = refusal(GitNameKind::branch, defaultBranch)) {
         return refuse(*sentence);
     }
-    const QString folder = at.toLocalFile();
-    if (!QFileInfo::exists(folder)) {
+    const QString folder = at.isLocalFile() ? filePath(at) : QString();
+    if (!isThere(folder)) {
         std::error_code error;
-        std::filesystem::create_directories(QFile::encodeName(folder).toStdString(), error);
+        std::filesystem::create_directories(nativePath(folder).toStdString(), error);
         if (error) {
-            return GitOpResult::failure(
-                u"Cannot make the folder \"%1\": %2"_s.arg(folder, QString::fromLocal8Bit(error.message().c_str())));
+            return GitOpResult::failure(u"Cannot make the folder \"%1\": %2"_s.arg(
+                shownPath(folder), QString::fromLocal8Bit(error.message().c_str())));
         }
     }
     GitOpResult result = runProcess(makeProcess({u"init"_s, u"-b"_s, defaultBranch}, folder));

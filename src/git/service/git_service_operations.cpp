@@ -4,12 +4,12 @@
 #include "git/service/git_operations.h"
 #include "git/service/git_service.h"
 #include "git/service/git_worker.h"
+#include "git/service/listed_name.h"
 #include "platform/files/native_path.h"
 #include "platform/text/shown_name.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -32,6 +32,29 @@ GitOpResult GitService::perform(const GitOperation& operation, const QStringList
     GitOpResult result = runOp(operation.arguments(given));
     refreshAfter(operation);
     return result;
+}
+
+GitService::Look GitService::look(const QStringList& args)
+{
+    ++age_;
+    const ProcessResult result = worker().run(makeProcess(args));
+    GitOpResult outcome = worker().resultOf(result, args);
+    return {outcome.isSuccess() ? pathOfNative(result.standardOutput) : QString(), outcome};
+}
+
+GitOpResult GitService::performOnListed(const GitOperation& operation, QStringList given)
+{
+    const ListedName listed(operation.kinds.front(), given.front());
+    if (!repoURL_ || listed.shortForm().isEmpty() || operation.refusalOf(given)) {
+        return perform(operation, given);
+    }
+    const Look references = look(listed.question());
+    if (!references.result.isSuccess()) {
+        refreshAfter(operation);
+        return references.result;
+    }
+    given.front() = listed.nameIn(references.output);
+    return perform(operation, given);
 }
 
 GitOpResult GitService::refuse(const QString& sentence)
@@ -112,9 +135,18 @@ GitOpResult GitService::checkoutBranch(const QString& name)
         return perform(operation, {name});
     }
     const CheckoutTarget target(name);
-    const QString references = run(target.question()).value_or(QString());
-    const auto branch = target.nameIn(references);
-    if (branch && (target.isLocalIn(references) || !isNameOfAFile(*branch))) {
+    const Look references = look(target.question());
+    const auto branch = target.nameIn(references.output);
+    const bool isLocal = target.isLocalIn(references.output);
+    // A tracked file is one to git also where it is gone from the folder.
+    const Look files = branch && !isLocal ? look({u"ls-files"_s, u"--"_s, *branch}) : Look{};
+    for (const Look* const each : {&references, &files}) {
+        if (!each->result.isSuccess()) {
+            refreshAfter(operation);
+            return each->result;
+        }
+    }
+    if (branch && (isLocal || (files.output.isEmpty() && !isNameOfAFile(*branch)))) {
         return perform(operation, {*branch});
     }
     // A row that is no longer true goes.
@@ -127,18 +159,19 @@ GitOpResult GitService::checkoutBranch(const QString& name)
 
 bool GitService::isNameOfAFile(const QString& name) const
 {
-    const QString path = repoPath() + u'/' + name;
-    return isThere(path) || QFileInfo(path).isSymLink();
+    // A link counts wherever it leads.
+    struct stat status = {};
+    return ::lstat(nativePath(repoPath() + u'/' + name).constData(), &status) == 0;
 }
 
 GitOpResult GitService::deleteBranch(const QString& name, bool force)
 {
-    return perform(force ? gitOperations::deleteUnmergedBranch : gitOperations::deleteBranch, {name});
+    return performOnListed(force ? gitOperations::deleteUnmergedBranch : gitOperations::deleteBranch, {name});
 }
 
 GitOpResult GitService::renameBranch(const QString& from, const QString& to)
 {
-    return perform(gitOperations::renameBranch, {from, to});
+    return performOnListed(gitOperations::renameBranch, {from, to});
 }
 
 GitOpResult GitService::mergeBranch(const QString& name)
@@ -199,12 +232,12 @@ GitOpResult GitService::createTag(const QString& name, const std::optional<QStri
 
 GitOpResult GitService::deleteTag(const QString& name)
 {
-    return perform(gitOperations::deleteTag, {name});
+    return performOnListed(gitOperations::deleteTag, {name});
 }
 
 GitOpResult GitService::pushTag(const QString& name, const QString& remote)
 {
-    return perform(gitOperations::pushTag, {name, remote});
+    return performOnListed(gitOperations::pushTag, {name, remote});
 }
 
 void GitService::markResolved(const QStringList& paths)

@@ -296,6 +296,12 @@ void DiffParserTest::lineNumbersStayAtTheLargest()
 {
     const auto files = DiffParser::parse(u"@@ -9223372036854775807 +9223372036854775807 @@\n a\n b"_s);
     QCOMPARE(files[0].hunks[0].lines[2].oldLineNumber, std::optional<qint64>(9223372036854775807));
+    // The lowest of all stands for no number.
+    const auto low = DiffParser::parse(u"@@ --9223372036854775808 +1 @@\n a\n-b"_s);
+    const DiffHunk& hunk = low[0].hunks[0];
+    QCOMPARE(hunk.oldStart, std::numeric_limits<qint64>::min());
+    QCOMPARE(hunk.lines[1].oldLineNumber, std::optional<qint64>(DiffLineNumber::lowest));
+    QCOMPARE(hunk.lines[2].oldLineNumber, std::optional<qint64>(DiffLineNumber::lowest + 1));
 }
 
 void DiffParserTest::aLongInputIsOnePass()

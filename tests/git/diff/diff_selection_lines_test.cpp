@@ -55,6 +55,8 @@ private Q_SLOTS:
     void whereThereIsNothingThereIsNoLine();
     void selectionGrowsByLines_data();
     void selectionGrowsByLines();
+    void placeWithoutTextHoldsNothingUp();
+    void lineWithoutTextIsNoEnd();
 };
 
 void DiffSelectionLinesTest::linesFollowEachOther_data()
@@ -142,6 +144,11 @@ void DiffSelectionLinesTest::selectionGrowsByLines_data()
                                         << u"five\nimage\nb.txt\nsix"_s;
     QTest::newRow("beyond the last line") << Place{2, 1, 0, 0} << Place{2, 1, 0, 2} << u"v"_s << u"seven"_s;
     QTest::newRow("beyond the first") << Place{0, -1, 0, 3} << Place{0, -1, 0, 1} << u"^^"_s << u"a.txt"_s;
+    const QString everything = u"a.txt\none\ntwo\nTWO\nthree\nfour\nfive\nimage\nb.txt\nsix\nseven"_s;
+    QTest::newRow("everything, down") << Place{0, -1, 0, 0} << Place{3, -1, 0, 0} << u"v"_s << everything;
+    QTest::newRow("everything, down and up") << Place{0, -1, 0, 0} << Place{3, -1, 0, 0} << u"v^"_s << everything;
+    QTest::newRow("below the last file, down") << Place{3, -1, 0, 0} << Place{3, -1, 0, 0} << u"v"_s << QString();
+    QTest::newRow("below the last file, up") << Place{3, -1, 0, 0} << Place{3, -1, 0, 0} << u"v^"_s << u"seven"_s;
     QTest::newRow("at the last line, then back") << Place{2, 0, 0, 0} << Place{2, 0, 0, 0} << u"vvvv^"_s << u"six"_s;
 }
 
@@ -156,6 +163,29 @@ void DiffSelectionLinesTest::selectionGrowsByLines()
         selection = extendedByLine(layout, selection, step == u'v');
     }
     QTEST(selectedText(layout, selection), "text");
+}
+
+void DiffSelectionLinesTest::placeWithoutTextHoldsNothingUp()
+{
+    for (const DiffViewMode mode : allDiffViewModes) {
+        // A hunk of its header alone, and then one that is collapsed.
+        for (const Place& hunk : {Place{0, 2, 0, 0}, Place{0, 1, 0, 0}}) {
+            const DiffLayout layout = layoutOf(mode, QList<Place>{{0, 1}});
+            const DiffSelection start{placeOf(hunk), placeOf(hunk), Side::newSide};
+            QCOMPARE(selectedText(layout, extendedByLine(layout, start, true)), u"five"_s);
+            QCOMPARE(selectedText(layout, extendedByLine(layout, start, false)), u"three"_s);
+        }
+    }
+}
+
+void DiffSelectionLinesTest::lineWithoutTextIsNoEnd()
+{
+    QString text = diffOf(u"a.txt"_s, {{u" one"_s, u" "_s, u" two"_s}});
+    text.chop(1);
+    const DiffLayout layout(DiffParser::parse(text), DiffViewMode::unified, {}, 80);
+    const DiffSelection start{{0, 0, 1, 0}, {0, 0, 1, 0}, Side::newSide};
+    QCOMPARE(selectedText(layout, extendedByLine(layout, start, true)), u"\ntwo"_s);
+    QCOMPARE(selectedText(layout, extendedByLine(layout, start, false)), u"one\n"_s);
 }
 
 const kelm::test::Registered<DiffSelectionLinesTest> registered;

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void sidesAreCopiedAlone();
     void collapsedHunksAreLeftOut();
     void everythingIsSelected();
+    void hunkIsTakenFromOneSide();
     void fileWithoutAPathIsNamed();
 };
 
@@ -88,6 +89,24 @@ void DiffSelectionTest::everythingIsSelected()
     QCOMPARE(whole, u"a.txt\none\ntwo\nTWO\nthree\nfour\nfive\nb.txt\nsix"_s);
     QVERIFY(wholeSelection(DiffLayout(), Side::newSide).isEmpty());
     QCOMPARE(selectedText(DiffLayout(), wholeSelection(DiffLayout(), Side::newSide)), QString());
+}
+
+void DiffSelectionTest::hunkIsTakenFromOneSide()
+{
+    QString text = diffOf(u"a.txt"_s, {{u" one"_s, u"-two"_s, u"+TWO"_s}, {u"-three"_s, u"-four"_s}, {}});
+    text.chop(1);
+    DiffLayout unified(DiffParser::parse(text), DiffViewMode::unified, {}, 80);
+    QCOMPARE(hunkText(unified, 0, 0), u"one\ntwo\nTWO"_s);
+    unified.setCollapsed(0, 0, true);
+    QCOMPARE(hunkText(unified, 0, 0), u"one\ntwo\nTWO"_s);
+    QCOMPARE(hunkText(unified, 0, 1), u"three\nfour"_s);
+    QCOMPARE(hunkText(unified, 0, 2), QString());
+    const DiffLayout sides(DiffParser::parse(text), DiffViewMode::sideBySide, {}, 80);
+    QCOMPARE(int(sideOfHunk(sides, 0, 0)), int(Side::newSide));
+    QCOMPARE(hunkText(sides, 0, 0), u"one\nTWO"_s);
+    QCOMPARE(int(sideOfHunk(sides, 0, 1)), int(Side::oldSide));
+    QCOMPARE(hunkText(sides, 0, 1), u"three\nfour"_s);
+    QCOMPARE(hunkText(sides, 0, 2), QString());
 }
 
 void DiffSelectionTest::fileWithoutAPathIsNamed()

@@ -53,6 +53,8 @@ private Q_SLOTS:
     void aMarkFollowsItsList();
     void aRemoteBranchIsCheckedOutByItsLocalName_data();
     void aRemoteBranchIsCheckedOutByItsLocalName();
+    void aRemoteBranchBeginsWithItsRemote_data();
+    void aRemoteBranchBeginsWithItsRemote();
 };
 
 void SourceControlTabTest::tabsStandInTheirOrder()
@@ -149,6 +151,24 @@ void SourceControlTabTest::aRemoteBranchIsCheckedOutByItsLocalName()
 {
     QFETCH(QString, name);
     QTEST(localNameOfRemoteBranch(name), "local");
+}
+
+void SourceControlTabTest::aRemoteBranchBeginsWithItsRemote_data()
+{
+    QTest::addColumn<QString>("listed");
+    QTest::addColumn<QString>("remote");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain") << u"origin/x"_s << u"origin"_s << u"origin/x"_s;
+    QTest::newRow("shared with a branch here") << u"remotes/origin/x"_s << u"origin"_s << u"origin/x"_s;
+    QTest::newRow("of a remote of that name") << u"remotes/x"_s << u"remotes"_s << u"remotes/x"_s;
+    QTest::newRow("begins alike") << u"remotes2/x"_s << u"remotes2"_s << u"remotes2/x"_s;
+}
+
+void SourceControlTabTest::aRemoteBranchBeginsWithItsRemote()
+{
+    QFETCH(QString, listed);
+    QFETCH(QString, remote);
+    QTEST(nameOfListedRemoteBranch(listed, {GitRemote{.id = {}, .name = remote, .url = {}}}), "name");
 }
 
 const kelm::test::Registered<SourceControlTabTest> registered;

@@ -1,5 +1,6 @@
 #include "git/service/git_service.h"
 #include "git/service/remote_branch_checkout.h"
+#include "platform/files/native_path.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
@@ -36,8 +37,11 @@ private Q_SLOTS:
     void staleRowIsNoFile();
     void branchNamedLikeAFileIsTheBranch();
     void remoteBranchNamedLikeAFileIsNotGuessed();
+    void remoteBranchNamedLikeADeletedFolderIsNotGuessed();
     void remoteBranchIsFollowed();
+    void remoteBranchThatIsNoUTF8HidesNoOther();
     void branchThatSharesItsNameIsTheBranch();
+    void branchAndTagOfOneNameAreToldApart();
     void branchWithAPlusIsNotPushedByForce();
 
 private:
@@ -205,6 +209,20 @@ void GitRefusalOperationsTest::remoteBranchNamedLikeAFileIsNotGuessed()
     QCOMPARE(repository_->read(u"file"_s), QByteArray("uncommitted\n"));
 }
 
+void GitRefusalOperationsTest::remoteBranchNamedLikeADeletedFolderIsNotGuessed()
+{
+    repository_->write(u"docs/a"_s, "1\n");
+    repository_->commitAll(u"second"_s);
+    repository_->git({u"config"_s, u"checkout.guess"_s, u"false"_s});
+    repository_->git({u"remote"_s, u"add"_s, u"origin"_s, u"nowhere"_s});
+    repository_->git({u"update-ref"_s, u"refs/remotes/origin/docs"_s, u"HEAD"_s});
+    QVERIFY(QDir(repository_->filePath(u"docs"_s)).removeRecursively());
+    open();
+    const GitOpResult result = git_->checkoutBranch(u"docs"_s);
+    QVERIFY2(result.message().contains(u"a branch and of a file"_s), qPrintable(result.message()));
+    QVERIFY(!QFile::exists(repository_->filePath(u"docs"_s)));
+}
+
 void GitRefusalOperationsTest::remoteBranchIsFollowed()
 {
     repository_->git({u"remote"_s, u"add"_s, u"up/stream"_s, u"nowhere"_s});
@@ -213,6 +231,16 @@ void GitRefusalOperationsTest::remoteBranchIsFollowed()
     const GitOpResult result = git_->checkoutBranch(u"a/topic"_s);
     QVERIFY2(result.isSuccess(), qPrintable(result.message()));
     QCOMPARE(head(), QByteArray("a/topic"));
+}
+
+void GitRefusalOperationsTest::remoteBranchThatIsNoUTF8HidesNoOther()
+{
+    repository_->git({u"branch"_s, u"topic"_s});
+    repository_->git({u"update-ref"_s, pathOfNative("refs/remotes/origin/caf\xe9/topic"), u"HEAD"_s});
+    open();
+    const GitOpResult result = git_->checkoutBranch(u"topic"_s);
+    QVERIFY2(result.isSuccess(), qPrintable(result.message()));
+    QCOMPARE(head(), QByteArray("topic"));
 }
 
 void GitRefusalOperationsTest::branchThatSharesItsNameIsTheBranch()
@@ -229,6 +257,31 @@ void GitRefusalOperationsTest::branchThatSharesItsNameIsTheBranch()
     const GitOpResult result = git_->checkoutBranch(u"heads/v1"_s);
     QVERIFY2(result.isSuccess(), qPrintable(result.message()));
     QCOMPARE(repository_->git({u"symbolic-ref"_s, u"HEAD"_s}).trimmed(), QByteArray("refs/heads/v1"));
+}
+
+void GitRefusalOperationsTest::branchAndTagOfOneNameAreToldApart()
+{
+    const TemporaryRepository remote({u"init"_s, u"-q"_s, u"--bare"_s});
+    const auto referencesOf = [](const TemporaryRepository& repository) {
+        return repository.git({u"for-each-ref"_s, u"--format=%(refname)"_s}).trimmed().split('\n');
+    };
+    repository_->git({u"remote"_s, u"add"_s, u"origin"_s, remote.path()});
+    repository_->git({u"branch"_s, u"v1"_s});
+    repository_->git({u"tag"_s, u"v1"_s});
+    open();
+    const QString tag = git_->tags().first().name;
+    QCOMPARE(tag, u"tags/v1"_s);
+    const auto verify = [](const GitOpResult& result) { QVERIFY2(result.isSuccess(), qPrintable(result.message())); };
+    verify(git_->pushTag(tag, u"origin"_s));
+    QCOMPARE(referencesOf(remote), QByteArrayList{"refs/tags/v1"});
+    verify(git_->deleteTag(tag));
+    QCOMPARE(referencesOf(*repository_), (QByteArrayList{"refs/heads/main", "refs/heads/v1"}));
+    repository_->git({u"tag"_s, u"v1"_s});
+    verify(git_->renameBranch(u"heads/v1"_s, u"v2"_s));
+    QCOMPARE(referencesOf(*repository_), (QByteArrayList{"refs/heads/main", "refs/heads/v2", "refs/tags/v1"}));
+    repository_->git({u"branch"_s, u"v1"_s});
+    verify(git_->deleteBranch(u"heads/v1"_s, false));
+    QCOMPARE(referencesOf(*repository_), (QByteArrayList{"refs/heads/main", "refs/heads/v2", "refs/tags/v1"}));
 }
 
 void GitRefusalOperationsTest::branchWithAPlusIsNotPushedByForce()

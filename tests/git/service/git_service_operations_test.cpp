@@ -1,5 +1,7 @@
 #include "git/service/git_service.h"
 #include "platform/events/worker_pool.h"
+#include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "support/recording_process_runner.h"
 #include "support/temporary_repository.h"
 #include "support/test_program.h"
@@ -7,7 +9,10 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <filesystem>
+#include <iterator>
 #include <semaphore>
+#include <sys/stat.h>
 
 namespace git_service_operations_test {
 
@@ -140,7 +145,10 @@ private Q_SLOTS:
     void partialPatchGoesToStandardInput();
     void partialPatchFailures_data();
     void partialPatchFailures();
+    void checkoutTellsThatItCouldNotLook_data();
+    void checkoutTellsThatItCouldNotLook();
     void initRepoMakesTheFolder();
+    void initRepoTakesAFolderOfAnyBytes();
     void initRepoThatCannotMakeTheFolderRunsNothing();
     void initRepoOnAFileFailsAtTheLaunch();
     void initRepoThatFailsOpensNothing();
@@ -538,6 +546,34 @@ void GitServiceOperationsTest::partialPatchFailures()
     QCOMPARE(service_->lastError(), setsLastError ? std::optional(message) : std::nullopt);
 }
 
+void GitServiceOperationsTest::checkoutTellsThatItCouldNotLook_data()
+{
+    QTest::addColumn<ProcessResult>("answer");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<bool>("setsLastError");
+    QTest::newRow("launch failure") << ProcessResult{.launchError = u"no folder"_s} << u"no folder"_s << false;
+    QTest::newRow("stopped") << ProcessResult{.exit = {15, true}, .isStopped = true}
+                             << u"git for-each-ref was stopped."_s << true;
+    QTest::newRow("refused") << ended(128, "", "fatal: no\n") << u"fatal: no\n"_s << true;
+    QTest::newRow("refused with output") << ended(128, "refs/heads/b\n", "fatal: no\n") << u"fatal: no\n"_s << true;
+    QTest::newRow("refused without a word") << ended(129) << u"git exited 129"_s << true;
+}
+
+void GitServiceOperationsTest::checkoutTellsThatItCouldNotLook()
+{
+    QFETCH(ProcessResult, answer);
+    QFETCH(QString, message);
+    QFETCH(bool, setsLastError);
+    openRepository();
+    runner_->setAnswer([answer](const ProcessCommand& command) {
+        return command.arguments.contains(u"refs/heads/b"_s) ? answer : ended(0);
+    });
+    QCOMPARE(service_->checkoutBranch(u"b"_s), GitOpResult::failure(message));
+    QCOMPARE(shortForms(runner_->takeArguments()), QStringList{u"for-each-ref refs/remotes/**/b"_s} + all);
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(service_->lastError(), setsLastError ? std::optional(message) : std::nullopt);
+}
+
 void GitServiceOperationsTest::initRepoMakesTheFolder()
 {
     QTemporaryDir parent;
@@ -558,6 +594,26 @@ void GitServiceOperationsTest::initRepoMakesTheFolder()
     }
     QCOMPARE(shortForms(rest), all);
     QCOMPARE(service_->repoURL(), std::optional(QUrl::fromLocalFile(folder)));
+}
+
+void GitServiceOperationsTest::initRepoTakesAFolderOfAnyBytes()
+{
+    const QTemporaryDir parent;
+    const QString there = parent.path() + u'/' + pathOfNative("caf\xe9");
+    const QString below = there + pathOfNative("/\xff below");
+    QCOMPARE(::mkdir(nativePath(there).constData(), 0700), 0);
+    GitService service(ProcessRunner::sharedSystem());
+    for (const QString& folder : {there, below}) {
+        const GitOpResult result = service.initRepo(urlOfFile(folder), u"main"_s);
+        QVERIFY2(result.isSuccess(), qPrintable(result.message()));
+        QVERIFY(isFolder(folder + u"/.git"_s));
+        QCOMPARE(service.repoURL(), std::optional(urlOfFile(folder)));
+    }
+    // And beside it there is no other.
+    const auto entries = std::filesystem::directory_iterator(nativePath(parent.path()).toStdString());
+    QVERIFY(std::distance(begin(entries), end(entries)) == 1);
+    // The toolkit does not take away what it cannot name.
+    std::filesystem::remove_all(nativePath(there).toStdString());
 }
 
 void GitServiceOperationsTest::initRepoThatCannotMakeTheFolderRunsNothing()

@@ -51,7 +51,9 @@ void BranchesTab::refreshState()
             .content();
     };
     const auto remoteRow = [this, remote](qsizetype i) {
-        const auto checkout = [this, name = remote[i].name] { git_.checkoutBranch(localNameOfRemoteBranch(name)); };
+        const auto checkout = [this, name = remote[i].name] {
+            git_.checkoutBranch(localNameOfRemoteBranch(nameOfListedRemoteBranch(name, git_.remotes())));
+        };
         return RemoteBranchRow{remote[i], checkout}.content();
     };
     list_->setSections({{.title = tr("Local"),

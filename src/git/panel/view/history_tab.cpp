@@ -93,11 +93,11 @@ void HistoryTab::follow()
     if (!isVisible() || !git_.repoURL()) {
         return;
     }
-    following_.start([this, runner = git_.runner(), folder = filePath(*git_.repoURL()), limit = limit_,
-                      age = git_.age()](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
-        return [this, age, commits = readLog(*runner, folder, limit, stop)] {
-            // What the tab itself has read since is newer.
-            if (commits && *commits != commits_ && age == git_.age()) {
+    following_.start([this, runner = git_.runner(), folder = filePath(*git_.repoURL()),
+                      limit = limit_](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        // It is never older than what is shown: whatever the tab itself reads, here or of another repository, stops it.
+        return [this, commits = readLog(*runner, folder, limit, stop)] {
+            if (commits && *commits != commits_) {
                 commits_ = *commits;
                 showCommits();
             }

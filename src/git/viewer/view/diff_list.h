@@ -86,7 +86,7 @@ public:
     void select(const DiffSelection& selection);
     void clearSelection();
     QString selectedText() const;
-    /// The selection, or without one the lines of the current hunk.
+    /// The selected text, or where there is none the lines of the current hunk. The clipboard is never emptied.
     void copy() const;
     void selectAll();
 

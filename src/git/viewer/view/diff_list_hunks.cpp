@@ -155,7 +155,7 @@ void DiffList::selectLine(bool below)
             return;
         }
         const DiffTextPlace first{hunk->file, hunk->hunk, 0, 0};
-        selection_ = DiffSelection{first, first, SideBySideHunkLines::Side::newSide};
+        selection_ = DiffSelection{first, first, sideOfHunk(layout_, hunk->file, hunk->hunk)};
     }
     select(extendedByLine(layout_, *selection_, below));
     scrollTo(selection_->caret);

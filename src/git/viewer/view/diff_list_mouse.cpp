@@ -163,8 +163,9 @@ void DiffList::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton && isDragging_) {
         isDragging_ = false;
         QClipboard* const clipboard = QGuiApplication::clipboard();
-        if (clipboard->supportsSelection() && selection_ && !selection_->isEmpty()) {
-            clipboard->setText(selectedText(), QClipboard::Selection);
+        const QString text = clipboard->supportsSelection() ? selectedText() : QString();
+        if (!text.isEmpty()) {
+            clipboard->setText(text, QClipboard::Selection);
         }
     }
 }
@@ -193,18 +194,14 @@ QString DiffList::selectedText() const
 
 void DiffList::copy() const
 {
-    if (selection_ && !selection_->isEmpty()) {
-        QGuiApplication::clipboard()->setText(selectedText());
-        return;
+    QString text = selectedText();
+    if (text.isEmpty()) {
+        const auto hunk = currentHunk();
+        text = hunk ? hunkText(layout_, hunk->file, hunk->hunk) : QString();
     }
-    const auto hunk = currentHunk();
-    if (const qsizetype entries = hunk ? layout_.entryCount(hunk->file, hunk->hunk) : 0; entries > 0) {
-        const auto side = SideBySideHunkLines::Side::newSide;
-        const DiffLine* const last = lineOn(side, layout_, hunk->file, hunk->hunk, entries - 1);
-        const DiffSelection whole{{hunk->file, hunk->hunk, 0, 0},
-                                  {hunk->file, hunk->hunk, entries - 1, last == nullptr ? 0 : last->text.size()},
-                                  side};
-        QGuiApplication::clipboard()->setText(kelm::selectedText(layout_, whole));
+    // What was copied before is worth more than nothing.
+    if (!text.isEmpty()) {
+        QGuiApplication::clipboard()->setText(text);
     }
 }
 

@@ -84,6 +84,7 @@ private Q_SLOTS:
     void aMadeCommitOffersNothing();
     void whatOthersDoIsShownWithoutAButton();
     void commitsOfOthersAreInTheHistory();
+    void ownCommandsKeepNoCommitsFromTheHistory();
     void whatOthersDoMovesNothing();
     void aHiddenPanelReadsNothing();
     void aCloneBecomesTheProject();
@@ -279,6 +280,19 @@ void SourceControlViewTruthTest::commitsOfOthersAreInTheHistory()
     f.repo.commitAll(u"by somebody else"_s);
     QTRY_VERIFY((f.passTime(), f.lines().size() == 2));
     QVERIFY(f.lines().first().contains(u"by somebody else"_s));
+}
+
+void SourceControlViewTruthTest::ownCommandsKeepNoCommitsFromTheHistory()
+{
+    TruthFixture f;
+    f.showWithoutDismissing();
+    f.view.setTab(SourceControlTab::history);
+    QCOMPARE(f.lines().size(), 1);
+    QTRY_VERIFY((f.passTime(), f.app.state.repositoryFollower().isSettled()));
+    // Whenever the tab has begun to read, and before that has ended.
+    QObject::connect(&f.git(), &GitService::taken, &f.window, [&f] { f.git().showCommit(u"HEAD"_s); });
+    f.repo.commitAll(u"by somebody else"_s);
+    QTRY_VERIFY((f.passTime(), f.lines().size() == 2));
 }
 
 void SourceControlViewTruthTest::whatOthersDoMovesNothing()

@@ -82,7 +82,11 @@ private Q_SLOTS:
     void keysActOnTheHunkOnScreen();
     void menuNamesTheKeys();
     void linesAreSelectedByKey();
+    void keysSelectNothingBesideTheLines();
     void hunkIsCopiedWhenNothingIsSelected();
+    void collapsedHunkIsCopied();
+    void hunkOfRemovedLinesIsCopied();
+    void nothingToCopyLeavesTheClipboard();
     void textIsFound();
     void foundTextOpensItsHunk();
     void findLineLeavesTheSheet();
@@ -752,6 +756,35 @@ void DiffViewerTest::linesAreSelectedByKey()
     QCOMPARE(QGuiApplication::clipboard()->text(), u"a\none"_s);
 }
 
+void DiffViewerTest::keysSelectNothingBesideTheLines()
+{
+    for (const DiffViewMode mode : allDiffViewModes) {
+        // The first line is taken for a header, so that the hunk has none.
+        ShownViewer shown(diffOf(u"a.sql"_s, {{u"--- old"_s, u"+-- new"_s}}) + diffOf(u"b"_s, {{u" one"_s}}), mode);
+        DiffList& list = shown.list();
+        const DiffLayout& layout = list.diffLayout();
+        QCOMPARE(layout.entryCount(0, 0), 0);
+        list.setFocus();
+        QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
+        const QString everything = list.selectedText();
+        QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(list.selectedText(), everything);
+
+        const QPoint below(100, list.viewport()->height() - 5);
+        QVERIFY(below.y() > layout.height());
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, below);
+        QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(list.selectedText(), QString());
+        QTest::keyClick(&list, Qt::Key_Up, Qt::ShiftModifier);
+        QCOMPARE(list.selectedText(), u"one"_s);
+
+        const QPoint header(300, int(layout.hunkTop(0, 0) - list.scrolledTo()) + layout.metrics().hunkHeader / 2);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, header);
+        QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(list.selectedText(), u"b"_s);
+    }
+}
+
 void DiffViewerTest::hunkIsCopiedWhenNothingIsSelected()
 {
     ShownViewer shown(diffOf(u"a"_s, {{u" one"_s}, {u"-two"_s, u"+three"_s}}));
@@ -760,6 +793,46 @@ void DiffViewerTest::hunkIsCopiedWhenNothingIsSelected()
     QTest::keyClick(&shown.list(), Qt::Key_N);
     QTest::keyClick(&shown.list(), Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QGuiApplication::clipboard()->text(), u"two\nthree"_s);
+}
+
+void DiffViewerTest::collapsedHunkIsCopied()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u" one"_s, u"-two"_s}, {u" three"_s}}));
+    DiffList& list = shown.list();
+    list.setFocus();
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    QTest::keyClick(&list, Qt::Key_N);
+    shown.viewer.toggleHunk(list.diffLayout().files()[0].hunks[0].id);
+    QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"one\ntwo"_s);
+    // Also where what is selected is not to be seen.
+    list.select({{0, 0, 0, 0}, {0, 0, 0, 3}, Side::newSide});
+    QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"one\ntwo"_s);
+}
+
+void DiffViewerTest::hunkOfRemovedLinesIsCopied()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"-one"_s, u"-two"_s}}), DiffViewMode::sideBySide);
+    DiffList& list = shown.list();
+    list.setFocus();
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    QTest::keyClick(&list, Qt::Key_N);
+    QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"one\ntwo"_s);
+    // By line as well.
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(list.selectedText(), u"one"_s);
+}
+
+void DiffViewerTest::nothingToCopyLeavesTheClipboard()
+{
+    ShownViewer shown(diffOf(u"a"_s, {{u"+"_s}, {u" x"_s}}));
+    shown.list().setFocus();
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    QTest::keyClick(&shown.list(), Qt::Key_N);
+    QTest::keyClick(&shown.list(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"before"_s);
 }
 
 void DiffViewerTest::textIsFound()
