@@ -43,9 +43,10 @@ std::optional<QString> CheckoutTarget::nameIn(const QString& answer) const
     if (const QString other = shortened(name_); isHead(references, other)) {
         return other;
     }
-    const bool isRemote = std::any_of(references.begin(), references.end(), [this](const QString& reference) {
-        return reference.startsWith(remotes) && reference.endsWith(u'/' + name_);
-    });
+    const bool isRemote =
+        !name_.isEmpty() && std::any_of(references.begin(), references.end(), [this](const QString& reference) {
+            return reference.startsWith(remotes) && reference.endsWith(u'/' + name_);
+        });
     return isRemote ? std::optional(name_) : std::nullopt;
 }
 

@@ -50,6 +50,7 @@ void CheckoutTargetTest::answerTellsTheBranch_data()
         << u"heads/x"_s << u"refs/remotes/o/heads/x\n"_s << u"heads/x"_s << false;
     QTest::newRow("the long name of nothing") << u"heads/"_s << u"refs/heads/\n"_s << QString() << false;
     QTest::newRow("no name") << QString() << u"refs/heads/\nrefs/heads/a\n"_s << QString() << false;
+    QTest::newRow("no name, of a remote") << QString() << u"refs/remotes/a/\n"_s << QString() << false;
 }
 
 void CheckoutTargetTest::answerTellsTheBranch()
