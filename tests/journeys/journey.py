@@ -177,6 +177,12 @@ class Journey:
         held = [word for key in keys for word in ("key", "--delay", "20", key)]
         self._xdotool("keydown", holder, *held, "keyup", holder)
 
+    def hold(self, key, seconds):
+        """Holds a key down. The display repeats it after some 650 milliseconds, and then 25 times a second."""
+        self._xdotool("keydown", key)
+        time.sleep(seconds)
+        self._xdotool("keyup", key)
+
     def type(self, text):
         self._xdotool("type", "--delay", "5", "--", text)
 

@@ -14,6 +14,7 @@
 #include "workbench/view/field_keys.h"
 #include "workbench/view/focus_in_sight.h"
 #include "workbench/view/focus_order.h"
+#include "workbench/view/held_keys.h"
 #include "workbench/view/keyboard_place.h"
 #include "workbench/view/lesson_place.h"
 #include "workbench/view/link_run_place.h"
@@ -106,6 +107,7 @@ void MainWindow::addWindowKeys()
         first->menu()->setActiveAction(first->menu()->actions().first());
     });
     new FieldKeys(this);
+    new HeldKeys(this);
 }
 
 void MainWindow::keepKeyboardInSight()

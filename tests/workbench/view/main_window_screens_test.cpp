@@ -1,3 +1,4 @@
+#include "platform/style/view/style.h"
 #include "support/test_program.h"
 #include "workbench/view/window_fixture.h"
 
