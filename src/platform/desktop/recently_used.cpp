@@ -93,6 +93,33 @@ bool isAllKnown(const QByteArray& list)
     return true;
 }
 
+struct List
+{
+    BookmarkFile entries{g_bookmark_file_new(), g_bookmark_file_free};
+
+    /// False where the bytes are none; no bytes are an empty list.
+    bool read(QByteArrayView bytes)
+    {
+        return bytes.isEmpty() || g_bookmark_file_load_from_data(entries.get(), bytes.data(),
+                                                                 static_cast<gsize>(bytes.size()), nullptr) != FALSE;
+    }
+    /// Empty where the library fails.
+    QByteArray written() const
+    {
+        gsize length = 0;
+        const Words bytes(g_bookmark_file_to_data(entries.get(), &length, nullptr), g_free);
+        return {bytes.get(), static_cast<qsizetype>(bytes ? length : 0)};
+    }
+};
+
+/// Whether the library still has all of a list when it reads what it has written: it writes an entry that no program
+/// owns, and leaves it out the next time.
+bool isKept(const QByteArray& bytes)
+{
+    List again;
+    return again.read(bytes) && again.written() == bytes;
+}
+
 void note(GBookmarkFile& list, const QUrl& file)
 {
     const QByteArray uri = file.toEncoded(QUrl::FullyEncoded);
@@ -113,24 +140,21 @@ bool noteRecentlyUsed(const QString& listPath, const QList<QUrl>& files)
     if (!old || old->size() > longestList || !isAllKnown(*old)) {
         return false;
     }
-    const BookmarkFile list(g_bookmark_file_new(), g_bookmark_file_free);
-    if (!old->isEmpty() && g_bookmark_file_load_from_data(list.get(), old->constData(), static_cast<gsize>(old->size()),
-                                                          nullptr) == FALSE) {
+    List list;
+    if (!list.read(*old)) {
         return false;
     }
     for (const QUrl& file : files) {
-        note(*list, file);
+        note(*list.entries, file);
     }
-    gsize length = 0;
-    const Words bytes(g_bookmark_file_to_data(list.get(), &length, nullptr), g_free);
-    if (!bytes) {
+    const QByteArray bytes = list.written();
+    if (bytes.isEmpty() || !isKept(bytes)) {
         return false;
     }
     if (old->isEmpty()) {
         QDir().mkpath(listPath.first(listPath.lastIndexOf(u'/')));
     }
-    const bool isWritten =
-        !writeAtomically(listPath, QByteArrayView(bytes.get(), static_cast<qsizetype>(length))).has_value();
+    const bool isWritten = !writeAtomically(listPath, bytes).has_value();
     if (isWritten && old->isEmpty()) {
         // What somebody works on is nobody else's business.
         ::chmod(nativePath(listPath).constData(), S_IRUSR | S_IWUSR);

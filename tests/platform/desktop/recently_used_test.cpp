@@ -150,6 +150,8 @@ void RecentlyUsedTest::aListThatIsNoneIsLeftAlone_data()
     QTest::newRow("cut off") << othersList.first(othersList.size() / 2);
     QTest::newRow("another XML") << QByteArray("<html><body/></html>");
     QTest::newRow("bytes") << QByteArray("\xff\x00\xfe", 3);
+    QTest::newRow("an entry that would be lost the next time")
+        << QByteArray(othersList).replace("count='7'", "count='0'");
     QTest::newRow("what would be lost") << QByteArray(othersList).replace("http://freedesktop.org", "http://other.org");
 }
 
