@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace kelm {
 
@@ -105,56 +106,115 @@ void nextRow(Words& row, const Word* matches, Word* steps)
     }
 }
 
+/// The walk back through the table, a block of its rows after the other.
+class WalkBack
+{
+public:
+    WalkBack(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b, const std::atomic<bool>& stop)
+        : a_(a), b_(b), stop_(stop), columns_(a, b), i_(a.size()), j_(b.size())
+    {}
+
+    /// The indices in `a` that it takes, ascending; none when it was stopped.
+    std::vector<std::uint32_t> take(std::size_t mostKept)
+    {
+        walk(0, Words(columns_.words(), ~Word(0)), mostKept);
+        if (stop_) {
+            return {};
+        }
+        std::reverse(common_.begin(), common_.end());
+        return std::move(common_);
+    }
+
+private:
+    /// Walks from where it stands to the row `first`, whose bits are `row`. No more than about `mostKept` words of
+    /// checkpoints are kept for it.
+    void walk(std::size_t first, Words row, std::size_t mostKept)
+    {
+        const std::size_t words = columns_.words();
+        const std::size_t rows = i_ - first;
+        if (rows <= 1 || rows * words <= stepBudget) {
+            walkBySteps(first, std::move(row));
+            return;
+        }
+        // About as many blocks as a block has rows, or as many as may be kept; the rest is for the blocks' own.
+        const auto root = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(rows))));
+        const std::size_t blocks = std::clamp<std::size_t>(mostKept / 2 / words, 2, root);
+        const std::size_t blockRows = (rows + blocks - 1) / blocks;
+        std::vector<Words> checkpoints = checkpointsFrom(first, std::move(row), blockRows);
+        const std::size_t left = mostKept - std::min(mostKept, checkpoints.size() * words);
+        while (!checkpoints.empty() && j_ > 0 && !stop_) {
+            Words start = std::move(checkpoints.back());
+            checkpoints.pop_back();
+            walk(first + checkpoints.size() * blockRows, std::move(start), left);
+        }
+    }
+
+    /// The rows that the blocks from `first` to where the walk stands begin with.
+    std::vector<Words> checkpointsFrom(std::size_t first, Words row, std::size_t blockRows)
+    {
+        std::vector<Words> checkpoints;
+        for (std::size_t r = first; r < i_ && !stop_; ++r) {
+            if ((r - first) % blockRows == 0) {
+                checkpoints.push_back(row);
+                if (r + blockRows >= i_) {
+                    break;
+                }
+            }
+            nextRow(row, columns_.of(a_[r]), nullptr);
+        }
+        return checkpoints;
+    }
+
+    /// With the steps of all rows from `first` on at hand.
+    void walkBySteps(std::size_t first, Words row)
+    {
+        const std::size_t words = columns_.words();
+        steps_.assign((i_ - first) * words, 0);
+        for (std::size_t r = first; r < i_; ++r) {
+            if (stop_) {
+                return;
+            }
+            nextRow(row, columns_.of(a_[r]), &steps_[(r - first) * words]);
+        }
+        while (i_ > first && j_ > 0) {
+            if (a_[i_ - 1] == b_[j_ - 1]) {
+                --i_;
+                --j_;
+                common_.push_back(static_cast<std::uint32_t>(i_));
+            } else if (bit(&steps_[(i_ - 1 - first) * words], j_ - 1)) {
+                --j_;
+            } else {
+                --i_;
+            }
+        }
+    }
+
+    const std::vector<std::uint32_t>& a_;
+    const std::vector<std::uint32_t>& b_;
+    const std::atomic<bool>& stop_;
+    Columns columns_;
+    /// Where it stands: behind the elements that are still to be compared.
+    std::size_t i_;
+    std::size_t j_;
+    Words steps_;
+    std::vector<std::uint32_t> common_;
+};
+
 } // namespace
 
-std::vector<std::uint32_t> commonSubsequence(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b)
+std::vector<std::uint32_t> commonSubsequence(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b,
+                                             const std::atomic<bool>& stop, std::size_t mostKept)
 {
     if (a.empty() || b.empty()) {
         return {};
     }
-    Columns columns(a, b);
-    const std::size_t words = columns.words();
-    // Rows per block: all of them if they fit the budget, else about as many as there are blocks.
-    const std::size_t blockRows = a.size() * words <= stepBudget
-                                      ? a.size()
-                                      : static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(a.size()))));
-    std::vector<Words> checkpoints;
-    Words row(words, ~Word(0));
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (i % blockRows == 0) {
-            checkpoints.push_back(row);
-            if (i + blockRows >= a.size()) {
-                break;
-            }
-        }
-        nextRow(row, columns.of(a[i]), nullptr);
-    }
+    return WalkBack(a, b, stop).take(mostKept);
+}
 
-    std::vector<std::uint32_t> common;
-    Words steps(blockRows * words);
-    std::size_t i = a.size();
-    std::size_t j = b.size();
-    for (std::size_t block = checkpoints.size(); block-- > 0 && j > 0;) {
-        const std::size_t first = block * blockRows;
-        std::fill(steps.begin(), steps.end(), 0);
-        row = checkpoints[block];
-        for (std::size_t r = first; r < i; ++r) {
-            nextRow(row, columns.of(a[r]), &steps[(r - first) * words]);
-        }
-        while (i > first && j > 0) {
-            if (a[i - 1] == b[j - 1]) {
-                --i;
-                --j;
-                common.push_back(static_cast<std::uint32_t>(i));
-            } else if (bit(&steps[(i - 1 - first) * words], j - 1)) {
-                --j;
-            } else {
-                --i;
-            }
-        }
-    }
-    std::reverse(common.begin(), common.end());
-    return common;
+std::vector<std::uint32_t> commonSubsequence(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b)
+{
+    const std::atomic<bool> goOn = false;
+    return commonSubsequence(a, b, goOn);
 }
 
 } // namespace kelm

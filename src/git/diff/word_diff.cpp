@@ -57,7 +57,7 @@ using Numbers = std::vector<std::uint32_t>;
 
 /// The common subsequence as indices in `a`. What both begin with and end with is common whatever stands between, and
 /// the walk through the table takes it too: only the middle needs the table.
-Numbers commonIndices(const Numbers& a, const Numbers& b)
+Numbers commonIndices(const Numbers& a, const Numbers& b, const std::atomic<bool>& stop)
 {
     const auto prefix =
         static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
@@ -72,7 +72,7 @@ Numbers commonIndices(const Numbers& a, const Numbers& b)
     for (std::size_t index = 0; index < prefix; ++index) {
         common.push_back(static_cast<std::uint32_t>(index));
     }
-    for (const std::uint32_t index : commonSubsequence(middle(a), middle(b))) {
+    for (const std::uint32_t index : commonSubsequence(middle(a), middle(b), stop)) {
         common.push_back(index + static_cast<std::uint32_t>(prefix));
     }
     for (std::size_t index = a.size() - suffix; index < a.size(); ++index) {
@@ -103,12 +103,21 @@ QList<WordDiff::Segment> segments(const QStringList& tokens, const Numbers& numb
 
 WordDiff::Result WordDiff::diff(const QString& oldLine, const QString& newLine)
 {
+    const std::atomic<bool> goOn = false;
+    return diff(oldLine, newLine, goOn);
+}
+
+WordDiff::Result WordDiff::diff(const QString& oldLine, const QString& newLine, const std::atomic<bool>& stop)
+{
     const QStringList oldTokens = tokenize(oldLine);
     const QStringList newTokens = tokenize(newLine);
     TokenNumbers tokenNumbers;
     const Numbers oldNumbers = tokenNumbers.of(oldTokens);
     const Numbers newNumbers = tokenNumbers.of(newTokens);
-    Numbers common = commonIndices(oldNumbers, newNumbers);
+    Numbers common = commonIndices(oldNumbers, newNumbers, stop);
+    if (stop) {
+        return {};
+    }
     for (std::uint32_t& index : common) {
         index = oldNumbers[index];
     }
@@ -147,7 +156,8 @@ QStringList WordDiff::longestCommonSubsequence(const QStringList& a, const QStri
     const Numbers aNumbers = tokenNumbers.of(a);
     const Numbers bNumbers = tokenNumbers.of(b);
     QStringList common;
-    for (const std::uint32_t index : commonIndices(aNumbers, bNumbers)) {
+    const std::atomic<bool> goOn = false;
+    for (const std::uint32_t index : commonIndices(aNumbers, bNumbers, goOn)) {
         common.append(a[index]);
     }
     return common;

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
+
 namespace word_diff_test { // NOLINT(readability-identifier-naming): as tests name theirs
 class WordDiffTest;
 }
@@ -42,8 +44,10 @@ public:
     };
 
     /// Time grows with the product of the two numbers of tokens, divided by the width of a machine word; memory with
-    /// their sum, times the root of one of them over that width at most.
+    /// their sum, and beside it with that times the root of one of them over that width, up to about 256 MiB.
     static Result diff(const QString& oldLine, const QString& newLine);
+    /// The same; soon after `stop` is set it ends early, with nothing that means anything.
+    static Result diff(const QString& oldLine, const QString& newLine, const std::atomic<bool>& stop);
 
 private:
     friend class word_diff_test::WordDiffTest;

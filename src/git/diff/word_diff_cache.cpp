@@ -1,8 +1,5 @@
 #include "git/diff/word_diff_cache.h"
 
-#include "platform/events/main_queue.h"
-#include "platform/events/worker_pool.h"
-
 #include <utility>
 
 namespace kelm {
@@ -37,14 +34,7 @@ ChangedWords ChangedWords::of(const WordDiff::Result& result)
     return {changedStretches(result.oldSegments), changedStretches(result.newSegments)};
 }
 
-WordDiffCache::WordDiffCache(std::function<void()> onReady)
-    : onReady_(std::move(onReady)), self_(std::make_shared<WordDiffCache*>(this))
-{}
-
-WordDiffCache::~WordDiffCache()
-{
-    *self_ = nullptr;
-}
+WordDiffCache::WordDiffCache(std::function<void()> onReady) : onReady_(std::move(onReady)) {}
 
 const ChangedWords* WordDiffCache::words(const DiffHunk& hunk, qsizetype oldLine, qsizetype newLine)
 {
@@ -71,32 +61,28 @@ void WordDiffCache::clear()
 {
     words_.clear();
     waiting_.clear();
+    comparing_.stop();
 }
 
 void WordDiffCache::compareNext()
 {
-    if (isComparing_ || waiting_.empty()) {
+    if (comparing_.isRunning() || waiting_.empty()) {
         return;
     }
     // What was asked for last is what is looked at now.
     Pair pair = std::move(waiting_.back());
     waiting_.pop_back();
-    isComparing_ = true;
-    commonWorkers().start([pair = std::move(pair), self = self_] {
-        ChangedWords words = ChangedWords::of(WordDiff::diff(pair.oldText, pair.newText));
-        onMainQueue([key = pair.key, words = std::move(words), self]() mutable {
-            if (*self != nullptr) {
-                (*self)->take(key, std::move(words));
-            }
-        });
+    comparing_.start([this, pair = std::move(pair)](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
+        const auto words =
+            std::make_shared<const ChangedWords>(ChangedWords::of(WordDiff::diff(pair.oldText, pair.newText, stop)));
+        return [this, key = pair.key, words] { take(key, words); };
     });
 }
 
-void WordDiffCache::take(const Key& key, ChangedWords words)
+void WordDiffCache::take(const Key& key, const std::shared_ptr<const ChangedWords>& words)
 {
-    isComparing_ = false;
     if (const auto asked = words_.find(key); asked != words_.end()) {
-        *asked = std::make_shared<const ChangedWords>(std::move(words));
+        *asked = words;
         onReady_();
     }
     compareNext();

@@ -3,6 +3,7 @@
 
 #include "git/diff/diff.h"
 #include "git/diff/word_diff.h"
+#include "platform/events/background_task.h"
 
 #include <QHash>
 
@@ -33,7 +34,8 @@ struct ChangedWords
 };
 
 /// Compares pairs of lines when they are asked for, and keeps what came out. A pair of long lines, which may take
-/// seconds, is compared on the global thread pool, one at a time, and told later. Main thread only.
+/// seconds, is compared by a background worker, one at a time, and told later; it ends early when nobody wants it any
+/// more. Main thread only.
 class WordDiffCache
 {
 public:
@@ -42,9 +44,6 @@ public:
 
     /// `onReady` is called on the main thread when pairs that were not compared at once have been.
     explicit WordDiffCache(std::function<void()> onReady);
-    ~WordDiffCache();
-    WordDiffCache(const WordDiffCache&) = delete;
-    WordDiffCache& operator=(const WordDiffCache&) = delete;
 
     /// What changed between two lines of a hunk, by their indices; null while that is not known. Valid until the next
     /// call.
@@ -75,15 +74,13 @@ private:
     };
 
     void compareNext();
-    void take(const Key& key, ChangedWords words);
+    void take(const Key& key, const std::shared_ptr<const ChangedWords>& words);
 
     std::function<void()> onReady_;
     /// Null where the comparison is still to come.
     QHash<Key, std::shared_ptr<const ChangedWords>> words_;
     std::vector<Pair> waiting_;
-    bool isComparing_ = false;
-    /// Tells what runs elsewhere whether its result is still wanted.
-    std::shared_ptr<WordDiffCache*> self_;
+    BackgroundTask comparing_;
 };
 
 } // namespace kelm

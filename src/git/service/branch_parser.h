@@ -11,7 +11,8 @@ namespace kelm {
 /// than three pieces are skipped.
 QList<GitBranch> parseLocalBranches(QStringView output);
 
-/// Remote branches from lines of short names. A name that ends in "/HEAD" is no branch and left out.
+/// Remote branches from lines of short names. A name that ends in "/HEAD" is no branch and left out; so is one that is
+/// the folder of another, as git names the same since 2.40: "origin" beside "origin/main".
 QList<GitBranch> parseRemoteBranches(QStringView output);
 
 } // namespace kelm

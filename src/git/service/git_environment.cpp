@@ -34,6 +34,10 @@ constexpr std::array readingSettings{
     Setting{u"color.diff", u"false"},
     Setting{u"diff.noprefix", u"false"},
     Setting{u"diff.mnemonicPrefix", u"false"},
+    Setting{u"diff.srcPrefix", u"a/"},
+    Setting{u"diff.dstPrefix", u"b/"},
+    Setting{u"format.pretty", u"medium"},
+    Setting{u"log.showRoot", u"true"},
 };
 
 constexpr QStringView settingCount = u"GIT_CONFIG_COUNT";

@@ -1,5 +1,6 @@
 #include "git/diff/word_diff_cache.h"
 #include "platform/events/worker_pool.h"
+#include "support/blocked_workers.h"
 #include "support/diff_text.h"
 #include "support/test_program.h"
 
@@ -25,6 +26,8 @@ private Q_SLOTS:
     void manyPairsAreNotAllKept();
     void forgottenPairsAreNotTold();
     void cacheMayGoWhileLinesAreCompared();
+    void forgottenPairsDoNotHoldUpOthers();
+    void transfersFindTheirWorkersFree();
 };
 
 void WordDiffCacheTest::neighboursAreOnePiece()
@@ -147,9 +150,42 @@ void WordDiffCacheTest::cacheMayGoWhileLinesAreCompared()
         const DiffHunk hunk = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
         QVERIFY(cache.words(hunk, 1, 2) == nullptr);
     }
-    QVERIFY(commonWorkers().waitForDone());
+    QVERIFY(backgroundWorkers().waitForDone());
     QCoreApplication::processEvents();
     QVERIFY(!isTold);
+}
+
+void WordDiffCacheTest::forgottenPairsDoNotHoldUpOthers()
+{
+    int told = 0;
+    // Compared to the end, this pair would take far longer than the test waits.
+    const DiffHunk endless = hunkOf({u"-x"_s + u"a,"_s.repeated(500'000), u"+"_s + u"b,"_s.repeated(500'000) + u'y'});
+    const DiffHunk other = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
+    {
+        WordDiffCache cache([&] { ++told; });
+        QVERIFY(cache.words(endless, 1, 2) == nullptr);
+        cache.clear();
+        QVERIFY(cache.words(other, 1, 2) == nullptr);
+        QTRY_COMPARE(told, 1);
+        QVERIFY(cache.words(other, 1, 2) != nullptr);
+        QVERIFY(cache.words(endless, 1, 2) == nullptr);
+    }
+    // Nor does it go on behind a cache that is gone.
+    QVERIFY(backgroundWorkers().waitForDone());
+    QCoreApplication::processEvents();
+    QCOMPARE(told, 1);
+}
+
+void WordDiffCacheTest::transfersFindTheirWorkersFree()
+{
+    WordDiffCache cache([] {});
+    const BlockedWorkers blocked;
+    const DiffHunk hunk = hunkOf({u"-old "_s + u"x "_s.repeated(2000), u"+new "_s + u"x "_s.repeated(2000)});
+    QVERIFY(cache.words(hunk, 1, 2) == nullptr);
+    // What is compared waits for a worker of background tasks: none of those that transfers run on has it.
+    QVERIFY(commonWorkers().waitForDone());
+    QCoreApplication::processEvents();
+    QVERIFY(cache.words(hunk, 1, 2) == nullptr);
 }
 
 const kelm::test::Registered<WordDiffCacheTest> registered;

@@ -88,6 +88,10 @@ private Q_SLOTS:
     void tieStepsBackInTheOldList();
     void subsequenceIsThatOfTheFullTable_data();
     void subsequenceIsThatOfTheFullTable();
+    void littleMemoryGivesTheSameSubsequence_data();
+    void littleMemoryGivesTheSameSubsequence();
+    void comparisonEndsWhenItIsStopped_data();
+    void comparisonEndsWhenItIsStopped();
     void diffFollowsTheFullTable();
     void everyTokenGivesOneSegmentAndJoiningGivesTheLineBack();
     void veryLongLinesEnd_data();
@@ -224,6 +228,50 @@ void WordDiffTest::subsequenceIsThatOfTheFullTable()
         const Numbers b = sequence();
         QVERIFY2(commonSubsequence(a, b) == fullTableSubsequence(a, b), qPrintable(u"turn %1"_s.arg(turn)));
     }
+}
+
+void WordDiffTest::littleMemoryGivesTheSameSubsequence_data()
+{
+    QTest::addColumn<qulonglong>("mostKept");
+    QTest::newRow("nothing") << 0ULL;
+    QTest::newRow("less than a row") << 400ULL;
+    QTest::newRow("a few rows") << 5000ULL;
+    QTest::newRow("some rows at two levels") << 20000ULL;
+}
+
+void WordDiffTest::littleMemoryGivesTheSameSubsequence()
+{
+    QFETCH(qulonglong, mostKept);
+    std::mt19937 random(20240501);
+    const auto below = [&random](int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(random); };
+    // So long that with little memory blocks are cut into blocks, several times.
+    const auto sequence = [&](std::size_t length) {
+        Numbers numbers(length);
+        std::generate(numbers.begin(), numbers.end(), [&] { return below(2) == 0 ? 0U : unsigned(below(700)); });
+        return numbers;
+    };
+    const Numbers a = sequence(30'000);
+    const Numbers b = sequence(30'100);
+    const std::atomic<bool> goOn = false;
+    QVERIFY(commonSubsequence(a, b, goOn, static_cast<std::size_t>(mostKept)) == commonSubsequence(a, b));
+}
+
+void WordDiffTest::comparisonEndsWhenItIsStopped_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::newRow("the steps of all rows are kept") << 1000;
+    QTest::newRow("rows are computed twice") << 10000;
+}
+
+void WordDiffTest::comparisonEndsWhenItIsStopped()
+{
+    QFETCH(int, length);
+    const Numbers numbers(static_cast<std::size_t>(length), 1);
+    std::atomic<bool> stop = false;
+    QCOMPARE(commonSubsequence(numbers, numbers, stop).size(), numbers.size());
+    stop = true;
+    QVERIFY(commonSubsequence(numbers, numbers, stop).empty());
+    QCOMPARE(WordDiff::diff(u"a b"_s, u"b a"_s, stop), WordDiff::Result());
 }
 
 void WordDiffTest::diffFollowsTheFullTable()

@@ -79,6 +79,15 @@ void BranchParserTest::remoteLines_data()
     QTest::newRow("HEAD is left out") << u"origin/HEAD\norigin/main"_s
                                       << QStringList{u"origin/main|remote|other|(none)"_s};
     QTest::newRow("any HEAD is left out") << u"a/b/HEAD\n\n"_s << QStringList();
+    QTest::newRow("HEAD under the name of its remote alone")
+        << u"origin\norigin/main\nteam/fork/topic\nteam/fork"_s
+        << QStringList{u"origin/main|remote|other|(none)"_s, u"team/fork/topic|remote|other|(none)"_s};
+    QTest::newRow("HEAD beside a branch that a local one is named like")
+        << u"origin\nremotes/origin/main"_s << QStringList{u"remotes/origin/main|remote|other|(none)"_s};
+    QTest::newRow("a branch without a folder stays")
+        << u"git-svn\norigin/git-svn\norig\norigin/main"_s
+        << QStringList{u"git-svn|remote|other|(none)"_s, u"origin/git-svn|remote|other|(none)"_s,
+                       u"orig|remote|other|(none)"_s, u"origin/main|remote|other|(none)"_s};
     QTest::newRow("only behind a slash") << u"origin/OVERHEAD\nHEAD"_s
                                          << QStringList{u"origin/OVERHEAD|remote|other|(none)"_s,
                                                         u"HEAD|remote|other|(none)"_s};

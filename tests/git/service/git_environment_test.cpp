@@ -128,6 +128,9 @@ void GitEnvironmentTest::readerRunsNothingForeign()
     QCOMPARE(settings.value(u"core.hooksPath"_s), u"/dev/null"_s);
     QCOMPARE(settings.value(u"core.quotePath"_s), u"true"_s);
     QCOMPARE(settings.value(u"log.showSignature"_s), u"false"_s);
+    // Older versions of git do not know these two.
+    QCOMPARE(settings.value(u"diff.srcPrefix"_s), u"a/"_s);
+    QCOMPARE(settings.value(u"diff.dstPrefix"_s), u"b/"_s);
     QVERIFY(!settings.contains(u"diff.external"_s));
 }
 

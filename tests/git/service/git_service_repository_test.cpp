@@ -74,6 +74,8 @@ private Q_SLOTS:
     void tags();
     void remotesWithTwoURLs();
     void logBlameAndShow();
+    void shownCommitHasOneForm_data();
+    void shownCommitHasOneForm();
     void userSettings();
     void pushFetchPullWithALocalRemote();
     void remoteThatRefusesAPushIsReported();
@@ -612,6 +614,38 @@ void GitServiceRepositoryTest::logBlameAndShow()
     QVERIFY(shown.startsWith(u"commit "_s + blame[2].sha));
     QVERIFY(shown.contains(u"+TWO\n+한"_s));
     QVERIFY(git_->showCommit(u"nonsense"_s).isEmpty());
+}
+
+void GitServiceRepositoryTest::shownCommitHasOneForm_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    const auto row = [](const char* key, const char* value) {
+        QTest::addRow("%s=%s", key, value) << QString::fromLatin1(key) << QString::fromLatin1(value);
+    };
+    row("format.pretty", "oneline");
+    row("format.pretty", "fuller");
+    row("format.pretty", "raw");
+    row("log.showRoot", "false");
+    row("diff.noprefix", "true");
+    row("diff.mnemonicPrefix", "true");
+    row("diff.srcPrefix", "old/");
+    row("diff.dstPrefix", "new/");
+}
+
+void GitServiceRepositoryTest::shownCommitHasOneForm()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    commitFile(u"a"_s, "one\n", u"first"_s);
+    open();
+    const QString id = git_->log(1).value(0).id;
+    const QString plain = git_->showCommit(id);
+    QVERIFY(plain.contains(u"\nAuthor: Test Author"_s) && plain.contains(u"\n    first\n"_s));
+    QVERIFY(plain.contains(u"diff --git a/a b/a\n"_s) && plain.contains(u"+one"_s));
+    // The settings of a user, which hold for all repositories.
+    repository_->git({u"config"_s, u"--global"_s, key, value});
+    QCOMPARE(git_->showCommit(id), plain);
 }
 
 void GitServiceRepositoryTest::userSettings()

@@ -27,6 +27,13 @@ void RemoteParserTest::firstLineOfANameGivesItsURL_data()
     QTest::newRow("empty") << u""_s << QStringList();
     QTest::newRow("one") << u"origin\thttps://h/r.git (fetch)\norigin\thttps://h/r.git (push)\n"_s
                          << QStringList{u"origin=https://h/r.git"_s};
+    QTest::newRow("partial clone") << u"o\thttps://h/r (fetch) [blob:none]\no\thttps://h/r (push)\n"_s
+                                   << QStringList{u"o=https://h/r"_s};
+    QTest::newRow("partial clone of another filter")
+        << u"o\t/a (fetch) [combine:tree:1+blob:limit=1k]\np\t/b (push) [tree:0]\n"_s
+        << QStringList{u"o=/a"_s, u"p=/b"_s};
+    QTest::newRow("brackets of the path stay") << u"o\t/a [b] (fetch)\np\t/c [d]\nq\t/e [f] (fetch) [tree:0]\n"_s
+                                               << QStringList{u"o=/a [b]"_s, u"p=/c [d]"_s, u"q=/e [f]"_s};
     QTest::newRow("different push URL") << u"o\tfetch-url (fetch)\no\tpush-url (push)\n"_s
                                         << QStringList{u"o=fetch-url"_s};
     QTest::newRow("order of first appearance")

@@ -1,16 +1,39 @@
 #include "git/panel/view/stashes_tab.h"
 
+#include "git/panel/view/repository_bound.h"
 #include "git/panel/view/stash_row.h"
 #include "git/service/git_service.h"
 #include "platform/view/panel_controls.h"
 #include "platform/view/row_list.h"
 #include "platform/view/wrapping_row.h"
 
+#include <algorithm>
+
 namespace kelm {
 
 namespace {
 
 constexpr int rowHeight = 42;
+
+/// What tells a stash from the others. Its label is only a place, which another takes when one is made or dropped; new
+/// ones come on top, so that the number from the bottom stays.
+QString keyOf(const QList<GitStash>& stashes, qsizetype place)
+{
+    return QString::number(stashes.size() - place) + u' ' + stashes[place].message;
+}
+
+/// The label that a stash of an earlier list has in the present one; nothing when it is gone, or cannot be told from
+/// one that may have taken its place.
+std::optional<QString> presentLabel(const QList<GitStash>& earlier, qsizetype place, const QList<GitStash>& present)
+{
+    const QString& message = earlier[place].message;
+    const auto isNamesake = [&message](const GitStash& stash) { return stash.message == message; };
+    if (present.size() < earlier.size() && std::count_if(earlier.begin(), earlier.end(), isNamesake) > 1) {
+        return std::nullopt;
+    }
+    const qsizetype now = present.size() - (earlier.size() - place);
+    return now >= 0 && isNamesake(present[now]) ? std::optional(present[now].label) : std::nullopt;
+}
 
 } // namespace
 
@@ -38,18 +61,24 @@ StashesTab::StashesTab(GitService& git, QWidget* parent)
 void StashesTab::refreshState()
 {
     const QList<GitStash> stashes = git_.stashes();
-    list_->setSections({{.title = {},
-                         .count = stashes.size(),
-                         .row =
-                             [this, stashes](qsizetype i) {
-                                 const QString& label = stashes[i].label;
-                                 return StashRow{.stash = stashes[i],
-                                                 .onApply = [this, label] { git_.stashApply(label); },
-                                                 .onPop = [this, label] { git_.stashPop(label); },
-                                                 .onDrop = [this, label] { git_.stashDrop(label); }}
-                                     .content();
-                             },
-                         .key = [stashes](qsizetype i) { return stashes[i].label; }}});
+    const auto rowOf = [this, stashes](qsizetype i) {
+        // A menu keeps what it offers while the list changes below it.
+        const auto onThis = [&](GitOpResult (GitService::*operation)(const QString&)) {
+            return inThisRepository(git_, [&git = git_, stashes, i, operation] {
+                if (const std::optional<QString> label = presentLabel(stashes, i, git.stashes())) {
+                    (git.*operation)(*label);
+                }
+            });
+        };
+        return StashRow{.stash = stashes[i],
+                        .onApply = onThis(&GitService::stashApply),
+                        .onPop = onThis(&GitService::stashPop),
+                        .onDrop = onThis(&GitService::stashDrop)}
+            .content();
+    };
+    list_->setSections({{.title = {}, .count = stashes.size(), .row = rowOf, .key = [stashes](qsizetype i) {
+                             return keyOf(stashes, i);
+                         }}});
 }
 
 void StashesTab::stash()

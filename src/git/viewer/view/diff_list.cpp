@@ -71,7 +71,7 @@ void DiffList::setDiffLayout(DiffLayout layout)
     if (focused) {
         setFocus();
     }
-    isDragging_ = false;
+    endDrag();
     selection_.reset();
     sizes_.clear();
     transcript_.reset();

@@ -146,6 +146,8 @@ private:
     DiffTextPlace textPlaceAt(const QPointF& point, const DiffColumn& column);
     qsizetype pathUnitAt(qsizetype file, qreal x);
     void extendSelection(const QPointF& point);
+    /// Ends a selecting with the mouse, and the scrolling that goes with it.
+    void endDrag();
     QString helpAt(const QPoint& point);
 
     std::function<FileBlock(qsizetype)> blockOf_;

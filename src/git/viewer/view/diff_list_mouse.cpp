@@ -108,6 +108,12 @@ void DiffList::extendSelection(const QPointF& point)
     }
 }
 
+void DiffList::endDrag()
+{
+    dragTimer_.stop();
+    isDragging_ = false;
+}
+
 void DiffList::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton || layout_.files().isEmpty()) {
@@ -130,8 +136,11 @@ void DiffList::mousePressEvent(QMouseEvent* event)
 
 void DiffList::mouseMoveEvent(QMouseEvent* event)
 {
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        endDrag();
+    }
     viewport()->setCursor(isDragging_ || isOverText(event->position()) ? Qt::IBeamCursor : Qt::ArrowCursor);
-    if (!isDragging_ || !event->buttons().testFlag(Qt::LeftButton)) {
+    if (!isDragging_) {
         return;
     }
     constexpr int interval = 30;
@@ -213,6 +222,8 @@ void DiffList::selectAll()
 
 void DiffList::contextMenuEvent(QContextMenuEvent* event)
 {
+    // The menu takes the release of the button.
+    endDrag();
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction* copyAction = menu->addAction(tr("Copy"), this, &DiffList::copy);

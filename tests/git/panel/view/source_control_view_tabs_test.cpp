@@ -144,6 +144,8 @@ private Q_SLOTS:
     void changesAreStashed();
     void untrackedFilesAreStashedOnDemand();
     void stashesAreAppliedPoppedAndDropped();
+    void aStashIsNotTakenForTheOneInItsPlace();
+    void stashesOfOneNameAreNotTakenForEachOther();
     // Tags
     void tagsAreMade();
     void aTagIsPushedToOrigin();
@@ -673,6 +675,60 @@ void SourceControlViewTabsTest::stashesAreAppliedPoppedAndDropped()
     QCOMPARE(f.lines(), (QStringList{u"On main: four / stash@{0}"_s, u"On main: two / stash@{1}"_s}));
     act(f.list(), u"On main: four / stash@{0}"_s, u"Drop"_s);
     QCOMPARE(f.lines(), QStringList{u"On main: two / stash@{0}"_s});
+    COMPARE_WITH_FRESH(f, SourceControlTab::stashes);
+}
+
+void SourceControlViewTabsTest::aStashIsNotTakenForTheOneInItsPlace()
+{
+    PanelFixture f;
+    for (const char* text : {"two\n", "three\n", "four\n", "five\n"}) {
+        f.repo.write(u"a.txt"_s, text);
+        f.repo.git({u"stash"_s, u"push"_s, u"-q"_s, u"-m"_s, QString::fromLatin1(text).trimmed()});
+    }
+    f.show(SourceControlTab::stashes);
+    const Row top = f.list().rows().rowAt(0);
+    const Row second = f.list().rows().rowAt(1);
+    QCOMPARE(top.actions.last().help, u"Drop"_s);
+    // The next row slides under the pointer, which does not move.
+    act(f.list(), u"On main: five / stash@{0}"_s, u"Drop"_s);
+    clickOn(*f.list().viewport(), u"Drop"_s);
+    const QStringList three{u"On main: four / stash@{0}"_s, u"On main: three / stash@{1}"_s,
+                            u"On main: two / stash@{2}"_s};
+    QCOMPARE(f.lines(), three);
+    // What an open menu offers was made for the list before.
+    for (const RowAction& action : top.actions) {
+        action.run();
+    }
+    QCOMPARE(f.lines(), three);
+    QCOMPARE(f.repo.read(u"a.txt"_s), QByteArray("one\n"));
+    second.actions.last().run();
+    QCOMPARE(f.lines(), (QStringList{u"On main: three / stash@{0}"_s, u"On main: two / stash@{1}"_s}));
+    COMPARE_WITH_FRESH(f, SourceControlTab::stashes);
+}
+
+void SourceControlViewTabsTest::stashesOfOneNameAreNotTakenForEachOther()
+{
+    PanelFixture f;
+    const auto stash = [&f](const QByteArray& text) {
+        f.repo.write(u"a.txt"_s, text);
+        f.repo.git({u"stash"_s, u"push"_s, u"-q"_s, u"-m"_s, u"same"_s});
+    };
+    stash("two\n");
+    stash("three\n");
+    f.show(SourceControlTab::stashes);
+    const Row three = f.list().rows().rowAt(0);
+    // Another one on top moves it down.
+    stash("four\n");
+    f.git().refreshStashes();
+    three.actions.first().run();
+    QCOMPARE(f.repo.read(u"a.txt"_s), QByteArray("three\n"));
+    f.repo.git({u"checkout"_s, u"-q"_s, u"--"_s, u"a.txt"_s});
+    const Row stillThree = f.list().rows().rowAt(1);
+    // One below it went, and now the one above has its number.
+    f.repo.git({u"stash"_s, u"drop"_s, u"-q"_s, u"stash@{2}"_s});
+    f.git().refreshStashes();
+    stillThree.actions.last().run();
+    QCOMPARE(f.lines().size(), 2);
     COMPARE_WITH_FRESH(f, SourceControlTab::stashes);
 }
 

@@ -70,6 +70,8 @@ private Q_SLOTS:
     void selectionIsCopiedWithoutSigns();
     void selectionEndsBetweenCharacters();
     void selectionStaysOnItsSide();
+    void scrollingEndsWithTheDrag_data();
+    void scrollingEndsWithTheDrag();
     void doubleClickSelectsAWord();
     void everythingIsSelectedAndCopied();
     void longLinesGoOnInTheNextRow();
@@ -543,6 +545,54 @@ void DiffViewerTest::selectionStaysOnItsSide()
     QCOMPARE(shown.list().selectedText(), u"first\nsecond"_s);
     shown.drag(shown.pointOf({0, 0, 0, 0}), shown.pointOf({0, 0, 2, 6}));
     QCOMPARE(shown.list().selectedText(), u"first\nthird\nfourth"_s);
+}
+
+void DiffViewerTest::scrollingEndsWithTheDrag_data()
+{
+    QTest::addColumn<QString>("end");
+    for (const char* end : {"release", "menu", "move without the button", "other files"}) {
+        QTest::newRow(end) << QString::fromLatin1(end);
+    }
+}
+
+void DiffViewerTest::scrollingEndsWithTheDrag()
+{
+    QFETCH(QString, end);
+    ShownViewer shown(manyFiles(200));
+    DiffList& list = shown.list();
+    QWidget* const viewport = list.viewport();
+    const QPoint start = shown.pointOf({0, 0, 1, 1});
+    const QPoint below(start.x(), viewport->height() + 1);
+    const auto move = [&](Qt::MouseButtons buttons) {
+        QMouseEvent event(QEvent::MouseMove, below, viewport->mapToGlobal(below), Qt::NoButton, buttons, {});
+        QCoreApplication::sendEvent(viewport, &event);
+    };
+    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
+    move(Qt::LeftButton);
+    QTRY_VERIFY(list.scrolledTo() > 0);
+    if (end == u"release") {
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, below);
+    } else if (end == u"menu") {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, start, viewport->mapToGlobal(start));
+        QCoreApplication::sendEvent(viewport, &event);
+        list.findChild<QMenu*>()->close();
+    } else if (end == u"move without the button") {
+        move(Qt::NoButton);
+    } else {
+        shown.viewer.setDiffText(manyFiles(100));
+        QTRY_VERIFY(!shown.viewer.isReading());
+    }
+    const qint64 scrolled = list.scrolledTo();
+    // Longer than several steps of the scrolling.
+    QTest::qWait(150);
+    QCOMPARE(list.scrolledTo(), scrolled);
+    // Only a press begins another.
+    if (end != u"release") {
+        move(Qt::LeftButton);
+        QTest::qWait(150);
+        QCOMPARE(list.scrolledTo(), scrolled);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, below);
+    }
 }
 
 void DiffViewerTest::doubleClickSelectsAWord()
