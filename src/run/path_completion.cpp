@@ -1,8 +1,7 @@
 #include "run/path_completion.h"
 
+#include "platform/files/native_path.h"
 #include "run/path_names.h"
-
-#include <QFile>
 
 #include <dirent.h>
 #include <memory>
@@ -18,7 +17,7 @@ namespace {
 QStringList namesIn(const QString& folder, const QString& prefix)
 {
     const auto close = [](DIR* stream) { ::closedir(stream); };
-    const std::unique_ptr<DIR, decltype(close)> stream(::opendir(QFile::encodeName(folder).constData()), close);
+    const std::unique_ptr<DIR, decltype(close)> stream(::opendir(nativePath(folder).constData()), close);
     QStringList names;
     if (!stream) {
         return names;
@@ -28,7 +27,7 @@ QStringList namesIn(const QString& folder, const QString& prefix)
         if (bytes == "." || bytes == "..") {
             continue;
         }
-        const QString name = QFile::decodeName(entry->d_name);
+        const QString name = pathOfNative(entry->d_name);
         if (name.startsWith(prefix)) {
             names.append(name);
         }

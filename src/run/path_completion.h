@@ -10,7 +10,8 @@ namespace kelm {
 
 /// Completes the last word of `line`, whose words are what stands between single blanks, to a name in a folder. A word
 /// with a slash is a path below the folder, and so is one that begins with a slash; "~" has no meaning. The comparison
-/// is exact, and hidden names count.
+/// is exact, and hidden names count. Names and lines are in the form of `pathOfNative`, so that a name that is not
+/// UTF-8 keeps its bytes.
 class PathCompletion
 {
 public:

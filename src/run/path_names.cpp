@@ -1,7 +1,8 @@
 #include "run/path_names.h"
 
+#include "platform/files/native_path.h"
+
 #include <QDir>
-#include <QFile>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -23,7 +24,7 @@ QString homeOfUser(const QString& name)
     if (::getpwnam_r(encoded.constData(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) {
         return {};
     }
-    return QFile::decodeName(found->pw_dir);
+    return pathOfNative(found->pw_dir);
 }
 
 QStringView withoutSlashesAtEnd(QStringView path)

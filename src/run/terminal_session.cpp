@@ -2,8 +2,10 @@
 
 #include "platform/events/main_queue.h"
 #include "platform/files/file_url.h"
+#include "platform/files/native_path.h"
 #include "platform/process/environment.h"
 #include "platform/text/character_sets.h"
+#include "platform/text/shown_name.h"
 #include "run/file_commands.h"
 #include "run/path_completion.h"
 #include "run/path_names.h"
@@ -206,16 +208,17 @@ void TerminalSession::changeDirectory(const QString& path)
 {
     const QString expanded = expandingTilde(path);
     QString target = expanded.startsWith(u'/') ? expanded : appendingPathComponent(currentDirectory_, expanded);
-    if (!QFileInfo(currentDirectory_).isDir()) {
+    if (!isFolder(currentDirectory_)) {
         // Nothing is below a folder that has gone, ".." neither, and yet that is where a person would go.
         target = standardizedPath(target);
     }
-    if (!QFileInfo(target).isDir()) {
+    if (!isFolder(target)) {
         write(u"\ncd: no such directory: "_s + path, plainColors::red);
         return;
     }
     currentDirectory_ = standardizedPath(target);
-    QDir::setCurrent(currentDirectory_);
+    // A folder that may not be entered is the session's all the same: its next command tells.
+    [[maybe_unused]] const int entered = ::chdir(nativePath(currentDirectory_).constData());
 }
 
 // ---- External commands ----------------------------------------------------------------------------------------------
@@ -249,6 +252,11 @@ void TerminalSession::waitUntilExit()
     setIsBusy(true);
     loop.exec();
     if (self) {
+        if (process_->isRunning()) {
+            // The program ends, and nothing that waits for the command is to be begun by that.
+            ++stops_;
+            waiting_.clear();
+        }
         setIsBusy(false);
         onMainQueue(this, [this] { runWhatWaits(); });
     }
@@ -324,7 +332,11 @@ std::optional<QString> TerminalSession::getTabCompletion(const QString& line)
     if (completion.names().size() == 1) {
         return completion.lineWith(completion.names().front());
     }
-    write(u'\n' + completion.names().join(u"  "_s), plainColors::gray);
+    QStringList shown;
+    for (const QString& name : completion.names()) {
+        shown.append(shownName(name));
+    }
+    write(u'\n' + shown.join(u"  "_s), plainColors::gray);
     writePrompt();
     write(line, plainColors::green);
     return std::nullopt;

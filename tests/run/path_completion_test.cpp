@@ -1,10 +1,15 @@
+#include "platform/files/native_path.h"
 #include "run/path_completion.h"
 #include "support/terminal_fixture.h"
 #include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QDirIterator>
+#include <QScopeGuard>
 #include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace path_completion_test {
 
@@ -26,6 +31,8 @@ private Q_SLOTS:
     void namesStandInTheOrderOfTheListing();
     void folderThatCannotBeReadGivesNothing();
     void slashAloneTakesTheFoldersOwnName();
+    void nameThatIsNotUtf8KeepsItsBytes();
+    void namesAreListedAsTheyAreShown();
 };
 
 void PathCompletionTest::oneNameCompletesTheLine_data()
@@ -162,6 +169,41 @@ void PathCompletionTest::slashAloneTakesTheFoldersOwnName()
     fixture.session->executeCommand(u"cd folder"_s);
     // The slash is lost, so the folder itself is what is completed, beside its own place.
     QCOMPARE(fixture.session->getTabCompletion(u"ls /"_s), u"ls //folder"_s);
+}
+
+void PathCompletionTest::nameThatIsNotUtf8KeepsItsBytes()
+{
+    TerminalFixture fixture;
+    const QString name = pathOfNative("caf\xe9");
+    const QByteArray outer = nativePath(fixture.path(name));
+    const QByteArray inner = outer + "/inner";
+    QCOMPARE(::mkdir(outer.constData(), 0700), 0);
+    QCOMPARE(::mkdir(inner.constData(), 0700), 0);
+    // The toolkit cannot tidy them away.
+    const auto tidy = qScopeGuard([&outer, &inner] {
+        ::rmdir(inner.constData());
+        ::rmdir(outer.constData());
+    });
+    const QString line = u"ls "_s + name;
+    const QString lineBelow = line + u"/inner"_s;
+    QCOMPARE(fixture.session->getTabCompletion(u"ls caf"_s), line);
+    QCOMPARE(fixture.session->getTabCompletion(line + u"/in"_s), lineBelow);
+    // The shell is given the same bytes.
+    QCOMPARE(fixture.run(line), QStringList{u"output: green=inner\n"_s});
+}
+
+void PathCompletionTest::namesAreListedAsTheyAreShown()
+{
+    TerminalFixture fixture;
+    fixture.makeFile(u"cafe\n"_s);
+    const QByteArray raw = nativePath(fixture.path(pathOfNative("caf\xe9")));
+    QCOMPARE(::mkdir(raw.constData(), 0700), 0);
+    const auto tidy = qScopeGuard([&raw] { ::rmdir(raw.constData()); });
+    QCOMPARE(fixture.session->getTabCompletion(u"cd caf"_s), std::nullopt);
+    QCOMPARE(fixture.screen.writes.size(), 3);
+    QVERIFY(fixture.screen.writes[0] == u"gray: \ncaf⟨E9⟩  cafe⟨U+000A⟩"_s ||
+            fixture.screen.writes[0] == u"gray: \ncafe⟨U+000A⟩  caf⟨E9⟩"_s);
+    QCOMPARE(fixture.screen.writes[2], u"green: cd caf"_s);
 }
 
 const kelm::test::Registered<PathCompletionTest> registered;

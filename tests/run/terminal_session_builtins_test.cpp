@@ -1,10 +1,15 @@
+#include "platform/files/native_path.h"
 #include "support/terminal_fixture.h"
 #include "support/test_program.h"
 #include "support/unprivileged.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace terminal_session_builtins_test {
 
@@ -38,6 +43,7 @@ private Q_SLOTS:
     void cdMovesTheWholeApplication();
     void cdLeavesAFolderThatHasGone();
     void cdEntersAFolderWithoutPermission();
+    void cdEntersAFolderWhoseNameIsNotUtf8();
 
     void exportSetsVariables_data();
     void exportSetsVariables();
@@ -312,6 +318,30 @@ void TerminalSessionBuiltinsTest::cdEntersAFolderWithoutPermission()
     QCOMPARE(running.size(), 1);
     QVERIFY2(running[0].startsWith(u"red: \nError: "_s), qPrintable(running[0]));
     QCOMPARE(fixture.session->commandHistory().last(), u"echo hello"_s);
+}
+
+void TerminalSessionBuiltinsTest::cdEntersAFolderWhoseNameIsNotUtf8()
+{
+    TerminalFixture fixture;
+    const QString name = pathOfNative("caf\xe9");
+    const QByteArray outer = nativePath(fixture.path(name));
+    const QByteArray inner = outer + "/inner";
+    QCOMPARE(::mkdir(outer.constData(), 0700), 0);
+    QCOMPARE(::mkdir(inner.constData(), 0700), 0);
+    // The toolkit cannot tidy them away.
+    const auto tidy = qScopeGuard([&outer, &inner] {
+        ::rmdir(inner.constData());
+        ::rmdir(outer.constData());
+    });
+    QVERIFY(fixture.run(u"cd "_s + name).isEmpty());
+    QCOMPARE(fixture.session->currentDirectory(), fixture.path(name));
+    QCOMPARE(nativePath(currentFolder()), outer);
+    QVERIFY(fixture.run(u"cd inner"_s).isEmpty());
+    QCOMPARE(nativePath(currentFolder()), inner);
+    QVERIFY(fixture.run(u"cd .."_s).isEmpty());
+    QCOMPARE(nativePath(currentFolder()), outer);
+    // Commands run there too.
+    QCOMPARE(fixture.run(u"ls"_s), QStringList{u"output: green=inner\n"_s});
 }
 
 void TerminalSessionBuiltinsTest::exportSetsVariables_data()

@@ -2,6 +2,9 @@
 #include "support/roles.h"
 #include "support/test_program.h"
 
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 
 namespace terminal_view_test {
@@ -29,6 +32,40 @@ int quitWhileRunning(const QStringList& /*arguments*/)
     return QCoreApplication::exec();
 }
 
+/// Quits while the first of two lines runs that were pasted; both lines say in a file that they were begun.
+int quitBeforeTheRest(const QStringList& arguments)
+{
+    TerminalPage page;
+    page.showBanner();
+    const QString file = arguments.first();
+    QTimer::singleShot(0, page.view.get(), [&page, file] {
+        page.onceRunning([] { QCoreApplication::quit(); }, QStringLiteral("started\n"));
+        QGuiApplication::clipboard()->setText(
+            QStringLiteral("echo first >> '%1'; echo started; sleep 60\necho second >> '%1'\n").arg(file));
+        page.press(Qt::Key_V, Qt::ControlModifier);
+    });
+    return QCoreApplication::exec();
+}
+
+/// Quits while a line runs that was typed ahead, with another one behind it.
+int quitBeforeWhatWasTypedAhead(const QStringList& arguments)
+{
+    TerminalPage page;
+    page.showBanner();
+    const QString file = arguments.first();
+    QTimer::singleShot(0, page.view.get(), [&page, file] {
+        page.onceRunning(
+            [&page, file] {
+                page.onceRunning([] { QCoreApplication::quit(); }, QStringLiteral("started\n"));
+                page.run(QStringLiteral("echo first >> '%1'; echo started; sleep 60").arg(file));
+                page.run(QStringLiteral("echo second >> '%1'").arg(file));
+            },
+            QStringLiteral("ready\n"));
+        page.run(QStringLiteral("echo ready; sleep 0.2"));
+    });
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 class TerminalViewTest : public QObject
@@ -45,6 +82,8 @@ private Q_SLOTS:
     void charactersWrittenByteByByteArriveWhole();
     void invalidBytesDropTheirChunkAndNothingElse();
     void quittingDoesNotWaitForACommand();
+    void quittingBeginsNothing_data();
+    void quittingBeginsNothing();
 };
 
 void TerminalViewTest::itHasOneSessionForItsLife()
@@ -138,8 +177,27 @@ void TerminalViewTest::quittingDoesNotWaitForACommand()
     QCOMPARE(runRole(u"quit-while-running"_s, {}), 0);
 }
 
-const kelm::test::Registered<TerminalViewTest> registered(kelm::test::Toolkit::widgets,
-                                                          {{u"quit-while-running"_s, quitWhileRunning}});
+void TerminalViewTest::quittingBeginsNothing_data()
+{
+    QTest::addColumn<QString>("role");
+    QTest::newRow("that was pasted") << u"quit-before-the-rest"_s;
+    QTest::newRow("that was typed ahead") << u"quit-before-what-was-typed-ahead"_s;
+}
+
+void TerminalViewTest::quittingBeginsNothing()
+{
+    QFETCH(QString, role);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"begun"_s));
+    QCOMPARE(runRole(role, {file.fileName()}), 0);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("first\n"));
+}
+
+const kelm::test::Registered<TerminalViewTest>
+    registered(kelm::test::Toolkit::widgets, {{u"quit-while-running"_s, quitWhileRunning},
+                                              {u"quit-before-the-rest"_s, quitBeforeTheRest},
+                                              {u"quit-before-what-was-typed-ahead"_s, quitBeforeWhatWasTypedAhead}});
 
 } // namespace terminal_view_test
 
