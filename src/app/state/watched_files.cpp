@@ -70,6 +70,7 @@ void WatchedFiles::follow(const std::shared_ptr<Document>& document)
     if (before != closed_.cend()) {
         files_.append(*before);
         files_.last().told.reset();
+        files_.last().wantsReload = false;
         closed_.erase(before);
         lookAgain();
         return;
@@ -283,6 +284,8 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
 bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Finding& finding)
 {
     file.isGone = false;
+    // What was typed since is not what was given up.
+    file.wantsReload = file.wantsReload && document.text() == file.reloaded;
     if (document.isModified() && !file.wantsReload) {
         if (document.text() == finding.text) {
             // Another program wrote what stands here, so that there is nothing to choose.
@@ -327,6 +330,7 @@ void WatchedFiles::offerReload(File& file, const FileIdentity& identity)
     const auto reload = [this, withFile] {
         withFile([this](File& there) {
             there.wantsReload = true;
+            there.reloaded = there.document.lock()->text();
             look();
         });
     };

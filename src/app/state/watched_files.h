@@ -82,6 +82,8 @@ private:
         quint64 age = 0;
         bool isGone = false;
         bool wantsReload = false;
+        /// The document's text that is to make way for that of the file.
+        TextTree reloaded = {};
         Notices::Id notice = 0;
     };
 

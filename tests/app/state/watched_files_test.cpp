@@ -33,6 +33,8 @@ private Q_SLOTS:
     void whatIsSavedHereIsNothing();
     void aModifiedDocumentStaysAndTheNoticeOffers();
     void reloadingTakesTheFile();
+    void whatIsTypedAfterReloadingStays();
+    void aReloadIsNotMadeUpForWhenTheTabIsOpenedAgain();
     void keepingMineIsKeptUntilTheNextChange();
     void aModifiedDocumentThatGetsItsOwnTextIsNotToldOf();
     void anUndoneChangeTakesItsNoticeBack();
@@ -237,6 +239,47 @@ void WatchedFilesTest::reloadingTakesTheFile()
     state().saveCurrentDocument();
     QCOMPARE(noticeText(), QString());
     QCOMPARE(fixture_->bytesOf(u"a.txt"_s), QByteArray("mine again"));
+}
+
+void WatchedFilesTest::whatIsTypedAfterReloadingStays()
+{
+    state().openFile(fixture_->write(u"a.txt"_s, "old"));
+    settle();
+    document().setContent(u"mine"_s);
+    fixture_->write(u"a.txt"_s, "another program's");
+    settle();
+    const QString changed = noticeText();
+    state().notices().accept(0);
+    QCOMPARE(noticeText(), QString());
+    document().setContent(u"mine, and more"_s);
+    settle();
+    QCOMPARE(document().content(), u"mine, and more"_s);
+    QVERIFY(document().isModified());
+    // It is offered for what stands there now.
+    QCOMPARE(noticeText(), changed);
+    state().notices().accept(0);
+    settle();
+    QCOMPARE(document().content(), u"another program's"_s);
+    QVERIFY(!document().isModified());
+}
+
+void WatchedFilesTest::aReloadIsNotMadeUpForWhenTheTabIsOpenedAgain()
+{
+    state().openFile(fixture_->write(u"a.txt"_s, "old"));
+    settle();
+    document().setContent(u"mine"_s);
+    fixture_->write(u"a.txt"_s, "another program's");
+    settle();
+    const QString changed = noticeText();
+    state().notices().accept(0);
+    const std::shared_ptr<Document> closed = state().currentDocument();
+    state().closeTab(0);
+    settle();
+    state().setDocuments({closed});
+    settle();
+    QCOMPARE(document().content(), u"mine"_s);
+    QVERIFY(document().isModified());
+    QCOMPARE(noticeText(), changed);
 }
 
 void WatchedFilesTest::keepingMineIsKeptUntilTheNextChange()
