@@ -243,13 +243,15 @@ void EditorContainerView::detectFoldableRegions()
 
 void EditorContainerView::toggleFold(qsizetype line)
 {
-    if (!codeFoldingManager_.markAt(line)) {
-        return;
+    if (textView_->isComposing()) {
+        // What is being composed belongs to the text that is about to change.
+        textView_->commitComposition();
+        detectFoldableRegions();
     }
-    // What is being composed belongs to the text that is about to change.
-    textView_->commitComposition();
-    codeFoldingManager_.toggle(line);
-    foldsChanged();
+    if (codeFoldingManager_.markAt(line)) {
+        codeFoldingManager_.toggle(line);
+        foldsChanged();
+    }
 }
 
 void EditorContainerView::foldsChanged()

@@ -48,10 +48,25 @@ FindError findError(const RegularExpressionError& error)
 }
 
 /// The pattern for whole words. It asks what `isInsideWord` asks, at both ends, and so lets the pattern look for
-/// another way to match where the first one would end within a word.
+/// another way to match where the first one would end within a word. `end` ends what the pattern may have left open.
 QString wholeWordPattern(const QString& pattern, const QString& end)
 {
     return QStringLiteral("(?:(?<!\\w)|(?!\\w))(?:") + pattern + end + QStringLiteral(")(?:(?!\\w)|(?<!\\w))");
+}
+
+/// Compiles a pattern that is one by itself as that for whole words.
+std::optional<RegularExpression> compileWholeWords(const QString& pattern, RegularExpression::Options flags,
+                                                   RegularExpressionError* error)
+{
+    std::optional<RegularExpression> expression;
+    // It may end in a comment, which a line end ends, or in a quotation that was left open.
+    for (const QString& end : {QString(), QStringLiteral("\n"), QStringLiteral("\\E")}) {
+        expression = RegularExpression::compile(wholeWordPattern(pattern, end), flags, error);
+        if (expression) {
+            break;
+        }
+    }
+    return expression;
 }
 
 FindQuery::Ending endingOf(RegularExpression::Ending ending)
@@ -98,11 +113,7 @@ std::variant<FindQuery, FindError> FindQuery::compilePattern(const QString& patt
     // As it was typed, for errors with the right place in them.
     auto expression = RegularExpression::compile(pattern, flags, &error);
     if (expression && options.wholeWord) {
-        expression = RegularExpression::compile(wholeWordPattern(pattern, QString()), flags, &error);
-        if (!expression) {
-            // It ends in a comment, which a line end ends.
-            expression = RegularExpression::compile(wholeWordPattern(pattern, QStringLiteral("\n")), flags, &error);
-        }
+        expression = compileWholeWords(pattern, flags, &error);
     }
     if (!expression) {
         return findError(error);

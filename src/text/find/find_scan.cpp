@@ -66,20 +66,23 @@ FindScan::State FindScan::tryPattern(const TextTree& text, qsizetype mostPlaces)
     search->setInterruption([&mostPlaces](int work, qsizetype) { return (mostPlaces -= work) < 0; });
     std::vector<TextRange> found;
     qsizetype searchedTo = searchedTo_;
+    auto ending = RegularExpression::Ending::stopped;
     while (mostPlaces-- > 0 && known_ + qsizetype(found.size()) < mostMatches) {
         const RegularExpressionMatch* const match = search->next();
         if (match == nullptr) {
-            add(found, searchedTo);
-            if (search->ending() != RegularExpression::Ending::stopped) {
-                const bool isThrough = search->ending() == RegularExpression::Ending::complete;
-                endAs(isThrough ? State::complete : State::gaveUp);
-            }
-            return state_;
+            ending = search->ending();
+            break;
         }
         found.push_back({match->location(), match->length()});
         searchedTo = FindQuery::behind(text, found.back());
     }
     add(found, searchedTo);
+    // Behind an empty match at the end there is none; a search that began there would find that one again.
+    if (ending == RegularExpression::Ending::complete || searchedTo > text.length()) {
+        endAs(State::complete);
+    } else if (ending == RegularExpression::Ending::gaveUp) {
+        endAs(State::gaveUp);
+    }
     return state_;
 }
 

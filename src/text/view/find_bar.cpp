@@ -294,8 +294,7 @@ void FindBar::putInAll(const ReplaceAllResult& result)
 {
     switch (result.outcome) {
     case ReplaceAllResult::Outcome::replaced:
-        view_.editor().apply({{result.range, result.text}}, EditKind::other);
-        showStatus(tr("%1 replaced").arg(result.count));
+        replace(result);
         break;
     case ReplaceAllResult::Outcome::nothingFound:
         break;
@@ -306,6 +305,20 @@ void FindBar::putInAll(const ReplaceAllResult& result)
         showStatus(tr("The result would be too long"));
         break;
     }
+}
+
+void FindBar::replace(const ReplaceAllResult& result)
+{
+    // While it was made, a part of the text may have come to be shown in short, and another text to be composed or
+    // stored. The places are those of the text that was searched, and hold in no other.
+    const TextTree searched = searched_.storage().tree();
+    view_.commitComposition();
+    if (!view_.editor().prepareEdit() || !(view_.storage().tree() == searched)) {
+        showState();
+        return;
+    }
+    view_.editor().apply({{result.range, result.text}}, EditKind::other);
+    showStatus(tr("%1 replaced").arg(result.count));
 }
 
 void FindBar::showState()

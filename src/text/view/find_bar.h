@@ -69,6 +69,7 @@ private:
     void replaceCurrent();
     void replaceAll();
     void putInAll(const ReplaceAllResult& result);
+    void replace(const ReplaceAllResult& result);
     void showState();
     /// Cut where it finds no room, and then whole as the help text.
     void showStatus(const QString& text);

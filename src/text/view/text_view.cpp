@@ -326,6 +326,7 @@ void TextView::inputMethodEvent(QInputMethodEvent* event)
 void TextView::contextMenuEvent(QContextMenuEvent* event)
 {
     commitComposition();
+    mouse_->endGesture();
     // The view may go while its menu is open, and the menu with it.
     const QPointer<QMenu> menu(makeContextMenu());
     menu->exec(event->reason() == QContextMenuEvent::Keyboard

@@ -44,6 +44,10 @@ void TextViewInputMethod::handle(QInputMethodEvent* event)
         // The selection makes way at the first key, as it does for a letter.
         view_.editor().endUndoRun();
         view_.editor().insertText(QString(), EditKind::composing);
+    } else if (begins) {
+        // What is shown in short is shown in full at the first key, as it is for a letter, and not by the click that
+        // ends the composition: rows would move under the pointer.
+        view_.editor().prepareEdit();
     }
     showPreedit(*event);
 }

@@ -94,6 +94,9 @@ void TextViewMouse::doubleClick(QMouseEvent* event)
 void TextViewMouse::move(QMouseEvent* event)
 {
     const QPoint point = event->position().toPoint();
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        endGesture();
+    }
     if (state_ == State::mayDrag && (point - pressedAt_).manhattanLength() >= QApplication::startDragDistance()) {
         state_ = State::idle;
         startDrag();
@@ -123,6 +126,12 @@ void TextViewMouse::release(QMouseEvent* event)
     if (state_ == State::selecting) {
         view_.primarySelection_->offer();
     }
+    state_ = State::idle;
+}
+
+void TextViewMouse::endGesture()
+{
+    scrollTimer_.stop();
     state_ = State::idle;
 }
 

@@ -28,6 +28,8 @@ public:
     void move(QMouseEvent* event);
     void release(QMouseEvent* event);
     void doubleClick(QMouseEvent* event);
+    /// The left button is up, or others have the mouse from now on, and its release: what is selected stays so.
+    void endGesture();
 
     bool acceptsDrop(const QDropEvent& event) const;
     void drop(QDropEvent* event);

@@ -134,6 +134,8 @@ private Q_SLOTS:
     void whatIsTypedInTheFieldUnfoldsTheMatchThatItComesTo();
     void foldsThatHideNoMatchStayFolded();
     void replacingAllReplacesWhatWasCounted();
+    void aFoldMeanwhileLeavesTheReplacementOfAllInItsPlace();
+    void whatIsComposedOpensFoldsAtItsFirstKey();
     void replacingOneReplacesTheMatchThatWasCurrent();
     void foldingWhileTheBarIsOpenLosesNoMatch();
     void matchesAreMarkedWhereTheyAreShown();
@@ -445,6 +447,45 @@ void EditorContainerViewFoldsTest::replacingAllReplacesWhatWasCounted()
     QCOMPARE(fixture.document->content(), QString(functions).replace(QStringLiteral("one"), QStringLiteral("three")));
     fixture.text_().undo();
     QCOMPARE(fixture.document->content(), functions);
+}
+
+void EditorContainerViewFoldsTest::aFoldMeanwhileLeavesTheReplacementOfAllInItsPlace()
+{
+    // Too long to be replaced at once.
+    const QString text = QStringLiteral("f {\n\taaaaaaa\n\tbbbbbbb\n}\n") + QStringLiteral("x\n").repeated(600'000) +
+                         QStringLiteral("tail of the te\n");
+    Fixture fixture(text);
+    QTRY_VERIFY(fixture.folds().isSettled());
+    fixture.text_().showReplaceBar();
+    fixture.field("Find").setText(QStringLiteral("x"));
+    fixture.field("Replace").setText(QStringLiteral("yy"));
+    fixture.press("Replace all matches");
+    QCOMPARE(fixture.view->wholeText().length(), text.size());
+    fixture.toggle(1);
+    QVERIFY(fixture.isFolded());
+    const QString expected = QString(text).replace(u'x', QStringLiteral("yy"));
+    QTRY_COMPARE(fixture.view->wholeText().length(), expected.size());
+    QVERIFY(fixture.view->wholeText() == expected);
+}
+
+void EditorContainerViewFoldsTest::whatIsComposedOpensFoldsAtItsFirstKey()
+{
+    Fixture fixture(functions);
+    fixture.toggle(1);
+    fixture.text_().setSelectedRange({fixture.shown().indexOf(QStringLiteral("last")), 0});
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.text_(), &composing);
+    QVERIFY(!fixture.isFolded());
+    QVERIFY(fixture.text_().isComposing());
+    // Before the regions are found in the text that is shown now.
+    const qsizetype line = functions.left(functions.indexOf(QStringLiteral("func g"))).count(u'\n') + 1;
+    fixture.toggle(line);
+    QVERIFY(!fixture.text_().isComposing());
+    const QString typed = QString(functions).insert(functions.indexOf(QStringLiteral("last")), QStringLiteral("한"));
+    QCOMPARE(fixture.document->content(), typed);
+    QVERIFY(fixture.isFolded());
+    QCOMPARE(fixture.shown(),
+             QString(typed).replace(QStringLiteral("g() {\n  one\n  two\n"), QStringLiteral("g() {\n \u2026 ")));
 }
 
 void EditorContainerViewFoldsTest::replacingOneReplacesTheMatchThatWasCurrent()

@@ -96,6 +96,7 @@ void FindQueryTest::findsAllMatchesInOrder_data()
     row("whole words of an alternative", "xa b", "a|b", "rw", {{3, 1}});
     row("whole words of no word", "f(x)", "\\(", "rw", {{1, 1}});
     row("whole words and a comment", "a ab", "(?x) a # one", "rw", {{0, 1}});
+    row("whole words and an open quotation", "a.b a.bc axb", "\\Qa.b", "rw", {{0, 3}});
     row("looking around", "ab cb", "(?<=a)b", "r", {{1, 1}});
     row("Korean", "한글 한 글", "한.", "r", {{0, 2}, {3, 2}});
     row("emoji are one character", "a😀b", "a.b", "r", {{0, 4}});

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void portionsFromAWorkerMakeTheSameScan();
     void aPatternIsPresumedWhereItStood();
     void aPatternThatTakesLongIsNotSearchedAtOnce();
+    void anEmptyMatchAtTheEndIsTheLast();
     void matchesAreKnownWhereTheyAreLookedAt();
 };
 
@@ -352,6 +353,27 @@ void FindScanTest::aPatternThatTakesLongIsNotSearchedAtOnce()
     QCOMPARE(often.tryPattern(text, 100), FindScan::State::searching);
     QCOMPARE(often.tryPattern(text, 100'000), FindScan::State::complete);
     QCOMPARE(often.matches().size(), 5002);
+}
+
+void FindScanTest::anEmptyMatchAtTheEndIsTheLast()
+{
+    const TextTree text(u"aaaaa");
+    const FindQuery wanted = query(QStringLiteral("x*"), true);
+    const std::atomic<bool> goesOn = false;
+    // However far the first look at the pattern comes, the run behind it goes on from there.
+    for (qsizetype places = 1; places < 10; ++places) {
+        FindScan scanned(wanted);
+        scanned.tryPattern(text, places);
+        FindRun run(wanted, text, scanned.searchedTo());
+        while (scanned.state() == FindScan::State::searching) {
+            scanned.take(run.next(goesOn));
+        }
+        QCOMPARE(scanned.state(), FindScan::State::complete);
+        QCOMPARE(scanned.matches().all(), freshMatches(wanted, text));
+    }
+    FindScan exact(wanted);
+    QCOMPARE(exact.tryPattern(text, text.length() + 1), FindScan::State::complete);
+    QCOMPARE(exact.matches().size(), 6);
 }
 
 void FindScanTest::matchesAreKnownWhereTheyAreLookedAt()

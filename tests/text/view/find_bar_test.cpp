@@ -93,6 +93,7 @@ private Q_SLOTS:
     void withoutTheBarAStepThatTakesLongIsTheLastThing();
     void noCommandLeavesASearchRunning();
     void allOfALongTextAreReplacedInOneStep();
+    void whatIsComposedMeanwhileDropsTheReplacementOfAll();
     void theFirstLineComesOutFromUnderTheBar();
     void aReadOnlyTextIsNotReplaced();
     void onlyMatchesOnScreenAreMarked();
@@ -381,6 +382,21 @@ void FindBarTest::allOfALongTextAreReplacedInOneStep()
     fixture.view.undo();
     QVERIFY(fixture.view.storage().tree() == text);
     QVERIFY(!fixture.view.editor().canUndo());
+}
+
+void FindBarTest::whatIsComposedMeanwhileDropsTheReplacementOfAll()
+{
+    const QString text = QStringLiteral("one two\n").repeated(200'000);
+    Fixture fixture(text);
+    fixture.open(QStringLiteral("two"), true);
+    QTest::keyClicks(fixture.field("Replace"), QStringLiteral("three"));
+    QTest::mouseClick(fixture.button("Replace all matches"), Qt::LeftButton);
+    fixture.view.setFocus();
+    fixture.view.setSelectedRange({80, 0});
+    QInputMethodEvent composing(QStringLiteral("한"), {});
+    QCoreApplication::sendEvent(&fixture.view, &composing);
+    QTRY_VERIFY(!fixture.view.isComposing());
+    QVERIFY(fixture.view.storage().tree() == QString(text).insert(80, u'한'));
 }
 
 void FindBarTest::theFirstLineComesOutFromUnderTheBar()

@@ -77,6 +77,7 @@ private Q_SLOTS:
     void shiftClickExtends();
     void controlClickAddsASelection();
     void theOtherButtonsSelectNothing();
+    void aReleaseThatIsLostEndsTheSelecting();
     void draggingPastTheEdgeScrolls();
     void theCursorShowsWhatCanBeDragged();
     void aClickIntoTheSelectionPutsTheCaret();
@@ -271,6 +272,27 @@ void TextViewMouseTest::theOtherButtonsSelectNothing()
     QTest::mouseClick(view.viewport(), Qt::RightButton, {}, view.pointAt(5));
     QTest::mouseClick(view.viewport(), Qt::BackButton, {}, view.pointAt(5));
     QCOMPARE(view.marked(), QStringLiteral("a[bc]def"));
+}
+
+void TextViewMouseTest::aReleaseThatIsLostEndsTheSelecting()
+{
+    ShownTextView view(QStringLiteral("one two three\n"));
+    const auto move = [&view](qsizetype offset) {
+        const QPoint point = inside(view, offset);
+        QMouseEvent event(QEvent::MouseMove, point, view.viewport()->mapToGlobal(QPointF(point)), Qt::NoButton,
+                          Qt::NoButton, {});
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    };
+    QTest::mousePress(view.viewport(), left, {}, inside(view, 1));
+    // As after a menu that another button has opened: it was given the release.
+    move(8);
+    QCOMPARE(view.selectedRange(), (TextRange{1, 0}));
+    view.setSelectedRange({0, 7});
+    QTest::mousePress(view.viewport(), left, {}, inside(view, 2));
+    move(12);
+    // Nothing is dragged, and the selection stays for who may be going to use it.
+    QCOMPARE(view.selectedRange(), (TextRange{0, 7}));
+    QCOMPARE(view.text(), QStringLiteral("one two three\n"));
 }
 
 void TextViewMouseTest::draggingPastTheEdgeScrolls()
