@@ -1,4 +1,4 @@
-"""A key that is held down closes one tab, opens one file, and edits nothing in the text that gets the keyboard."""
+"""A key that is held down closes one tab, opens one, and edits nothing in the text that gets the keyboard."""
 
 import accessible
 
@@ -15,6 +15,10 @@ def focus(journey, role, name, key):
         journey.key(key)
         return False
     journey.until(is_there, f"the keyboard on {name}")
+
+
+def tabs(journey):
+    return [node["name"] for node in accessible.nodes(journey) if node["role"] == "page tab"]
 
 
 def go(journey):
@@ -46,6 +50,12 @@ def go(journey):
     focus(journey, "list item", "b.txt", "Down")
     journey.hold("Return", HELD)
     journey.until_text(typed)
+
+    # A command is given once.
+    journey.hold("ctrl+n", HELD)
+    journey.until(lambda: tabs(journey) == ["a.txt", "b.txt", "Untitled"], "one tab more")
+    journey.hold("ctrl+w", HELD)
+    journey.until(lambda: tabs(journey) == ["a.txt", "b.txt"], "one tab less")
 
     journey.key("ctrl+q")
     journey.ended(program)

@@ -204,6 +204,13 @@ bool HeldInput::holdClosing(QObject& watched, QEvent& event)
 
 void HeldInput::keep(QObject& receiver, const QEvent& event)
 {
+    // What is given back says neither where on the keyboard the key is nor when it was pressed.
+    if (event.type() == QEvent::KeyRelease) {
+        repeats_.noteRelease(static_cast<const QKeyEvent&>(event));
+    } else if (event.type() == QEvent::KeyPress && repeats_.isRepeat(static_cast<const QKeyEvent&>(event))) {
+        waiting_.push_back({&receiver, asRepeat(static_cast<const QKeyEvent&>(event))});
+        return;
+    }
     waiting_.push_back({&receiver, std::unique_ptr<QEvent>(event.clone())});
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/state/notices.h"
+#include "workbench/view/held_keys.h"
 
 #include <QObject>
 #include <QPointer>
@@ -62,6 +63,7 @@ private:
     };
 
     std::deque<Waiting> waiting_;
+    KeyRepeats repeats_;
     /// The buttons whose press was dropped, and whose release is to be.
     Qt::MouseButtons heldButtons_;
     /// The buttons whose press was kept.

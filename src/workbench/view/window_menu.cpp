@@ -56,6 +56,8 @@ void addItem(QMenu& menu, const WindowItem& item, WindowCommands& commands)
     QAction* const action = menu.addAction(QCoreApplication::translate("kelm", item.label));
     action->setData(int(command));
     action->setShortcut(QKeySequence(windowKey(command)));
+    // A key that is held down closes or opens one tab; it may walk on from one to the next.
+    action->setAutoRepeat(command != Command::closeTab && command != Command::reopenTab);
     const auto update = [action, command, &commands] { action->setEnabled(commands.canRun(command)); };
     update();
     QObject::connect(&commands, &WindowCommands::changed, action, update);

@@ -54,6 +54,7 @@ private Q_SLOTS:
 
     void theNoticeIsShownAtOnceWithItsTime();
     void keysOfEveryWindowComeAfterwards();
+    void aKeyThatIsHeldMeanwhileIsNoNewPress();
     void escapeStopsItFromAnyWindow();
     void aClickInATextComesBeforeTheKeysBehindIt();
     void aClickElsewhereIsDropped();
@@ -129,6 +130,39 @@ void HeldInputTest::keysOfEveryWindowComeAfterwards()
     fixture.end();
     QTRY_COMPARE(fixture.content(), u"typedfirst\nsecond\nthird"_s);
     QCOMPARE(other.text(), u"other"_s);
+}
+
+void HeldInputTest::aKeyThatIsHeldMeanwhileIsNoNewPress()
+{
+    /// Notes which presses come as repeats.
+    struct Listener final : QObject
+    {
+        QList<bool> repeats;
+
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            if (event->type() == QEvent::KeyPress) {
+                repeats << static_cast<QKeyEvent*>(event)->isAutoRepeat();
+            }
+            return false;
+        }
+    };
+    Fixture fixture;
+    Listener listener;
+    fixture.text().installEventFilter(&listener);
+    fixture.begin();
+    const auto send = [&fixture](QEvent::Type type, quint64 time) {
+        QKeyEvent event(type, Qt::Key_A, {}, 38, 0, 0, u"a"_s);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(fixture.handle(), &event);
+    };
+    send(QEvent::KeyPress, 1000);
+    send(QEvent::KeyRelease, 1660);
+    send(QEvent::KeyPress, 1660);
+    send(QEvent::KeyRelease, 1700);
+    send(QEvent::KeyPress, 1800);
+    fixture.end();
+    QTRY_COMPARE(listener.repeats, (QList<bool>{false, true, false}));
 }
 
 void HeldInputTest::escapeStopsItFromAnyWindow()

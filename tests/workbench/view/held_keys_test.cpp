@@ -1,6 +1,7 @@
 #include "support/test_program.h"
 #include "workbench/view/held_keys.h"
 
+#include <QAction>
 #include <QKeyEvent>
 #include <QWidget>
 #include <QtTest>
@@ -28,6 +29,20 @@ private:
     }
 };
 
+/// Counts how often its shortcut comes.
+class Command final : public QAction
+{
+public:
+    int count = 0;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        count += event->type() == QEvent::Shortcut ? 1 : 0;
+        return true;
+    }
+};
+
 class HeldKeysTest : public QObject
 {
     Q_OBJECT
@@ -38,6 +53,8 @@ private Q_SLOTS:
     void whatTheToolkitKnowsStays();
     void anotherKeyOrMomentIsAPress();
     void aKeyWithoutATimeIsAPress();
+    void aKeyWithoutAPlaceIsAPress();
+    void aShortcutThatIsNotToRepeatDoesNot();
 
 private:
     /// As the display sends them: the place on the keyboard is the letter, and the time stands in a second place too.
@@ -100,6 +117,40 @@ void HeldKeysTest::aKeyWithoutATimeIsAPress()
     release(u'a', 0);
     press(u'a', 0);
     QCOMPARE(listener_->heard, (QStringList{u"press a"_s, u"release a"_s, u"press a"_s}));
+}
+
+void HeldKeysTest::aKeyWithoutAPlaceIsAPress()
+{
+    // As keys are that are given back after a wait: all of them at once.
+    press(u'\0', 1000);
+    release(u'\0', 1000);
+    press(u'\0', 1000);
+    QCOMPARE(listener_->heard.filter(u"again"_s), QStringList());
+    QCOMPARE(listener_->heard.size(), 3);
+}
+
+void HeldKeysTest::aShortcutThatIsNotToRepeatDoesNot()
+{
+    Command once;
+    once.setAutoRepeat(false);
+    Command walk;
+    const auto announceAndPress = [&](quint64 time) {
+        send(QEvent::ShortcutOverride, u'a', time);
+        for (Command* const command : {&once, &walk}) {
+            QShortcutEvent event(QKeySequence(Qt::Key_A), 1);
+            QCoreApplication::sendEvent(command, &event);
+        }
+    };
+    announceAndPress(1000);
+    release(u'a', 1660);
+    announceAndPress(1660);
+    release(u'a', 1700);
+    announceAndPress(1700);
+    QCOMPARE(once.count, 1);
+    QCOMPARE(walk.count, 3);
+    release(u'a', 1720);
+    announceAndPress(1900);
+    QCOMPARE(once.count, 2);
 }
 
 const kelm::test::Registered<HeldKeysTest> registered(kelm::test::Toolkit::widgets);
