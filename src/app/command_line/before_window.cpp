@@ -235,7 +235,9 @@ void startAgainFor(const std::vector<SingleInstance::Received>& unopened)
         for (const openRequest::Item& item : received.request.items) {
             // Copies wait where they are kept, and the window offers them.
             if (item.kind == openRequest::Item::Kind::url) {
-                operands.append(operandOf(item));
+                const QString operand = operandOf(item);
+                // The toolkit hands on no bytes that are not UTF-8. They come through in an address, without its line.
+                operands.append(holdsRawBytes(operand) ? item.text : operand);
             }
         }
         startProgram(QStringList{u"--"_s} + operands);

@@ -133,9 +133,8 @@ openRequest::Item itemOfOperand(const QString& operand, const QString& workingDi
 QString operandOf(const openRequest::Item& item)
 {
     const QUrl url(item.text);
-    // A folder has no lines, and its slash would part it from one. Bytes that are not UTF-8 come through as an address
-    // alone.
-    if (item.line == 0 || !url.isLocalFile() || item.text.endsWith(u'/') || holdsRawBytes(filePath(url))) {
+    // A folder has no lines, and its slash would part it from one.
+    if (item.line == 0 || !url.isLocalFile() || item.text.endsWith(u'/')) {
         return item.text;
     }
     // All at once: a name may hold a "%2" of its own.

@@ -72,8 +72,9 @@ int playLastMoment(const QStringList& arguments)
 {
     QFile::remove(QCoreApplication::applicationFilePath());
     openRequest::Request request{QUuid::createUuid()};
-    request.items = {Item(arguments[0], 7, 2), Item(u"copy"_s, 0, 0, Item::Kind::copy),
-                     Item(u"kelmpane://open?code=eA"_s), Item({}, 0, 0, Item::Kind::newFile)};
+    request.items = {Item(arguments[0], 7, 2), Item(u"file:///caf%E9.txt"_s, 7, 2),
+                     Item(u"copy"_s, 0, 0, Item::Kind::copy), Item(u"kelmpane://open?code=eA"_s),
+                     Item({}, 0, 0, Item::Kind::newFile)};
     startAgainFor({{request, nullptr}});
     return 0;
 }
@@ -190,7 +191,8 @@ void BeforeWindowWaitsTest::whatCameAtTheEndStartsAnew()
     start.process.start(program, {roleArgument, lastMomentRoleName, test::urlOf(start.path(u"a b.txt"_s))});
     QCOMPARE(start.end().status, 0);
     // Copies wait where they are kept, and are offered there.
-    const QStringList expected{u"--"_s, start.path(u"a b.txt:7:2"_s), u"kelmpane://open?code=eA"_s};
+    const QStringList expected{u"--"_s, start.path(u"a b.txt:7:2"_s), u"file:///caf%E9.txt"_s,
+                               u"kelmpane://open?code=eA"_s};
     QTRY_COMPARE(linesOf(start.path(u"bin/kelmwright.told"_s)), expected);
 }
 

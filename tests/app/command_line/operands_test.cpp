@@ -190,7 +190,6 @@ void OperandsTest::itemsBecomeOperandsAgain_data()
     QTest::newRow("a column") << Item(u"file:///a%20b"_s, 3, 4) << u"/a b:3:4"_s;
     QTest::newRow("a name like a place in a text") << Item(u"file:///a%252%251"_s, 3, 4) << u"/a%2%1:3:4"_s;
     QTest::newRow("a folder") << Item(u"file:///a/"_s, 3) << u"file:///a/"_s;
-    QTest::newRow("bytes that are not UTF-8") << Item(u"file:///caf%E9.txt"_s, 3) << u"file:///caf%E9.txt"_s;
     QTest::newRow("a link") << Item(u"kelmpane://open"_s, 3) << u"kelmpane://open"_s;
 }
 
