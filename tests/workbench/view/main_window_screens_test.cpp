@@ -67,6 +67,8 @@ void MainWindowScreensTest::allIsDrawnAnew()
         return;
     }
     WindowFixture fixture;
+    // A caret that blinks is in one picture and not in the next.
+    QApplication::setCursorFlashTime(0);
     fixture.window.resize(1000, 700);
     fixture.state.setBottomPanelTab(BottomPanelTab::problems);
     fixture.state.setShowBottomPanel(true);
