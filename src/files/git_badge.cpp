@@ -25,8 +25,8 @@ GitBadges::GitBadges(const QList<GitFileStatus>& status, const std::optional<QUr
                                   : is(GitFileChange::untracked) ? FolderState::untracked
                                                                  : FolderState::modified;
         markFolders(path, state);
-        if (names.previous && is(GitFileChange::renamed)) {
-            // The folder that a file has left is changed as well.
+        if (names.previous) {
+            // The path of such an entry begins with the folder that the file has left, or was copied from.
             markFolders(*names.previous, state);
         }
     }

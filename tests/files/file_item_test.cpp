@@ -74,7 +74,7 @@ private Q_SLOTS:
     void badgesOfFolders_data();
     void badgesOfFolders();
     void badgesGoByTheRealName();
-    void aRenameMarksTheFolderThatTheFileHasLeft();
+    void aRenameMarksBothFolders();
     void withoutARepositoryNothingHasABadge();
     void rootAndOutsideHaveNone();
 };
@@ -264,7 +264,7 @@ void FileItemTest::badgesGoByTheRealName()
     QVERIFY(!badges.badge(fixture.item(u"old"_s, false)));
 }
 
-void FileItemTest::aRenameMarksTheFolderThatTheFileHasLeft()
+void FileItemTest::aRenameMarksBothFolders()
 {
     const Fixture fixture;
     const GitBadges badges({entry(u"old/in/a -> new/a"_s, GitFileChange::renamed, {}),
@@ -272,11 +272,9 @@ void FileItemTest::aRenameMarksTheFolderThatTheFileHasLeft()
                             entry(u"kept/f -> to/f"_s, GitFileChange::copied, {})},
                            QUrl::fromLocalFile(u"/repo"_s));
     const FileStatusMark modified{u"M"_s, SystemColor::yellow};
-    for (const char* folder : {"old", "old/in", "new", "b c", "to"}) {
+    for (const char* folder : {"old", "old/in", "new", "b c", "kept", "to"}) {
         QCOMPARE(badges.badge(fixture.item(QString::fromLatin1(folder), true)), std::optional(modified));
     }
-    // A copy takes nothing away.
-    QVERIFY(!badges.badge(fixture.item(u"kept"_s, true)));
     QVERIFY(!badges.badge(fixture.item(u"old/in/a"_s, false)));
     QCOMPARE(badges.badge(fixture.item(u"new/a"_s, false))->letter, u"R"_s);
 }

@@ -174,17 +174,8 @@ void PathCompletionTest::slashAloneTakesTheFoldersOwnName()
 void PathCompletionTest::nameThatIsNotUtf8KeepsItsBytes()
 {
     TerminalFixture fixture;
-    const QString name = pathOfNative("caf\xe9");
-    const QByteArray outer = nativePath(fixture.path(name));
-    const QByteArray inner = outer + "/inner";
-    QCOMPARE(::mkdir(outer.constData(), 0700), 0);
-    QCOMPARE(::mkdir(inner.constData(), 0700), 0);
-    // The toolkit cannot tidy them away.
-    const auto tidy = qScopeGuard([&outer, &inner] {
-        ::rmdir(inner.constData());
-        ::rmdir(outer.constData());
-    });
-    const QString line = u"ls "_s + name;
+    const RawFolder raw(fixture);
+    const QString line = u"ls "_s + raw.name;
     const QString lineBelow = line + u"/inner"_s;
     QCOMPARE(fixture.session->getTabCompletion(u"ls caf"_s), line);
     QCOMPARE(fixture.session->getTabCompletion(line + u"/in"_s), lineBelow);

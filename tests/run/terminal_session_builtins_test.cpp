@@ -323,23 +323,14 @@ void TerminalSessionBuiltinsTest::cdEntersAFolderWithoutPermission()
 void TerminalSessionBuiltinsTest::cdEntersAFolderWhoseNameIsNotUtf8()
 {
     TerminalFixture fixture;
-    const QString name = pathOfNative("caf\xe9");
-    const QByteArray outer = nativePath(fixture.path(name));
-    const QByteArray inner = outer + "/inner";
-    QCOMPARE(::mkdir(outer.constData(), 0700), 0);
-    QCOMPARE(::mkdir(inner.constData(), 0700), 0);
-    // The toolkit cannot tidy them away.
-    const auto tidy = qScopeGuard([&outer, &inner] {
-        ::rmdir(inner.constData());
-        ::rmdir(outer.constData());
-    });
-    QVERIFY(fixture.run(u"cd "_s + name).isEmpty());
-    QCOMPARE(fixture.session->currentDirectory(), fixture.path(name));
-    QCOMPARE(nativePath(currentFolder()), outer);
+    const RawFolder raw(fixture);
+    QVERIFY(fixture.run(u"cd "_s + raw.name).isEmpty());
+    QCOMPARE(fixture.session->currentDirectory(), fixture.path(raw.name));
+    QCOMPARE(nativePath(currentFolder()), raw.outer);
     QVERIFY(fixture.run(u"cd inner"_s).isEmpty());
-    QCOMPARE(nativePath(currentFolder()), inner);
+    QCOMPARE(nativePath(currentFolder()), raw.inner);
     QVERIFY(fixture.run(u"cd .."_s).isEmpty());
-    QCOMPARE(nativePath(currentFolder()), outer);
+    QCOMPARE(nativePath(currentFolder()), raw.outer);
     // Commands run there too.
     QCOMPARE(fixture.run(u"ls"_s), QStringList{u"output: green=inner\n"_s});
 }

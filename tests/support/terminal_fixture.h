@@ -1,6 +1,7 @@
 // A terminal session with a home, a screen and a clock of its own.
 #pragma once
 
+#include "platform/files/native_path.h"
 #include "support/fake_terminal_screen.h"
 
 #include <QCoreApplication>
@@ -13,6 +14,8 @@
 
 #include <functional>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace kelm::test {
@@ -72,6 +75,29 @@ struct TerminalFixture
     NotificationCenter notifications;
     FakeTerminalScreen screen;
     std::unique_ptr<TerminalSession> session;
+};
+
+/// A folder in the home folder whose name is not UTF-8, with the folder "inner" in it. The toolkit cannot tidy it away.
+struct RawFolder
+{
+    explicit RawFolder(const TerminalFixture& fixture)
+        : name(pathOfNative("caf\xe9")), outer(nativePath(fixture.path(name))), inner(outer + "/inner")
+    {
+        if (::mkdir(outer.constData(), 0700) != 0 || ::mkdir(inner.constData(), 0700) != 0) {
+            qFatal("cannot make a folder of the test");
+        }
+    }
+    ~RawFolder()
+    {
+        ::rmdir(inner.constData());
+        ::rmdir(outer.constData());
+    }
+    RawFolder(const RawFolder&) = delete;
+    RawFolder& operator=(const RawFolder&) = delete;
+
+    QString name;
+    QByteArray outer;
+    QByteArray inner;
 };
 
 /// Does `work` from the event loop as soon as the session's command has written something.

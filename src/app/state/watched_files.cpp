@@ -70,7 +70,7 @@ void WatchedFiles::follow(const std::shared_ptr<Document>& document)
     if (before != closed_.cend()) {
         files_.append(*before);
         files_.last().told.reset();
-        files_.last().wantsReload = false;
+        files_.last().givenUp.reset();
         closed_.erase(before);
         lookAgain();
         return;
@@ -148,7 +148,7 @@ void WatchedFiles::noteSaved(const std::shared_ptr<Document>& document, const Te
     file->text = text;
     file->told.reset();
     file->sight.reset();
-    file->wantsReload = false;
+    file->givenUp.reset();
     if (std::exchange(file->isGone, !file->known) || isElsewhere) {
         watchFiles();
     }
@@ -194,8 +194,8 @@ void WatchedFiles::look()
     std::vector<FileLook> looks;
     for (const File& file : std::as_const(files_)) {
         if (const std::shared_ptr<Document> document = file.document.lock()) {
-            looks.push_back({document->id(), file.age, file.url, file.known, file.told, file.isGone, file.wantsReload,
-                             file.sight, file.text, document->text()});
+            looks.push_back({document->id(), file.age, file.url, file.known, file.told, file.isGone,
+                             file.givenUp.has_value(), file.sight, file.text, document->text()});
         }
     }
     task_.start([this, looks = std::move(looks)](const BackgroundTask::StopFlag& stop) -> BackgroundTask::Delivery {
@@ -246,7 +246,7 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         return false;
     case Outcome::gone:
         file.isGone = true;
-        file.wantsReload = false;
+        file.givenUp.reset();
         file.told.reset();
         document.noteOtherTextInFile(std::nullopt);
         tell(file,
@@ -256,13 +256,13 @@ bool WatchedFiles::take(File& file, Document& document, const FileLook::Finding&
         // Told of, but not known: a save keeps what it writes over.
         file.told = finding.sight;
         file.isGone = false;
-        file.wantsReload = false;
+        file.givenUp.reset();
         document.noteOtherTextInFile(std::nullopt);
         tell(file, u"%1 has changed on disk and could not be read: %2."_s.arg(
                        shownName(file.url), finding.error.value_or(FileError{}).reason));
         break;
     case Outcome::sameText:
-        if (!file.wantsReload) {
+        if (!file.givenUp) {
             forget(file);
             file.known = finding.sight;
             file.isGone = false;
@@ -285,8 +285,9 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
 {
     file.isGone = false;
     // What was typed since is not what was given up.
-    file.wantsReload = file.wantsReload && document.text() == file.reloaded;
-    if (document.isModified() && !file.wantsReload) {
+    const bool isGivenUp = file.givenUp && document.text() == *file.givenUp;
+    file.givenUp.reset();
+    if (document.isModified() && !isGivenUp) {
         if (document.text() == finding.text) {
             // Another program wrote what stands here, so that there is nothing to choose.
             forget(file);
@@ -303,7 +304,6 @@ bool WatchedFiles::takeText(File& file, Document& document, const FileLook::Find
     file.known = finding.sight;
     file.text = finding.text;
     file.told.reset();
-    file.wantsReload = false;
     document.takeFileText(finding.text);
     return true;
 }
@@ -329,8 +329,7 @@ void WatchedFiles::offerReload(File& file, const FileIdentity& identity)
     };
     const auto reload = [this, withFile] {
         withFile([this](File& there) {
-            there.wantsReload = true;
-            there.reloaded = there.document.lock()->text();
+            there.givenUp = there.document.lock()->text();
             look();
         });
     };

@@ -81,9 +81,8 @@ private:
         /// Grows when the program itself has written it, or what is known of it was changed.
         quint64 age = 0;
         bool isGone = false;
-        bool wantsReload = false;
-        /// The document's text that is to make way for that of the file.
-        TextTree reloaded = {};
+        /// The document's text that is to make way for that of the file, when the person wants so.
+        std::optional<TextTree> givenUp = std::nullopt;
         Notices::Id notice = 0;
     };
 

@@ -45,9 +45,17 @@ void KeptView::restore()
 {
     view_.editor().setSelections(SelectionSet(selections_));
     // The regions of the text before would fold something else.
-    if (!folds_.isSettled()) {
-        foldPlaces_.clear();
+    if (folds_.isSettled()) {
+        restoreFolds();
     }
+    if (topPlace_) {
+        const qreal now = view_.caretRect({*topPlace_}).top();
+        view_.scrollToY(view_.visibleRect().top() + now - topDistance_);
+    }
+}
+
+void KeptView::restoreFolds()
+{
     // From the last to the first: a fold changes the numbers of the lines below it.
     std::vector<qsizetype> places = foldPlaces_;
     std::reverse(places.begin(), places.end());
@@ -56,10 +64,6 @@ void KeptView::restore()
         if (const auto region = folds_.firstRegionStartingAt(line)) {
             folds_.fold(*region);
         }
-    }
-    if (topPlace_) {
-        const qreal now = view_.caretRect({*topPlace_}).top();
-        view_.scrollToY(view_.visibleRect().top() + now - topDistance_);
     }
 }
 

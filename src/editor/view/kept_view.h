@@ -22,10 +22,11 @@ public:
     KeptView(const KeptView&) = delete;
     KeptView& operator=(const KeptView&) = delete;
 
-    /// To be called once the regions of the new text are known.
+    /// To be called once the regions of the new text are known. While they are still being found, folds stay open.
     void restore();
 
 private:
+    void restoreFolds();
     void carry(TextRange range, qsizetype newLength);
 
     TextView& view_;

@@ -61,6 +61,15 @@ private:
     QString path(const QString& name) const { return fixture_->folder.filePath(name); }
     QByteArray native(const QString& name) const { return QFile::encodeName(path(name)); }
 
+    /// A modified document whose file another program has changed as well.
+    void changeInBoth()
+    {
+        state().openFile(fixture_->write(QStringLiteral("a.txt"), "old"));
+        settle();
+        document().setContent(QStringLiteral("mine"));
+        fixture_->write(QStringLiteral("a.txt"), "another program's");
+        settle();
+    }
     /// Looks until there is nothing more to be found out.
     void settle()
     {
@@ -198,11 +207,7 @@ void WatchedFilesTest::whatIsSavedHereIsNothing()
 
 void WatchedFilesTest::aModifiedDocumentStaysAndTheNoticeOffers()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     QCOMPARE(document().content(), u"mine"_s);
     QVERIFY(document().isModified());
     QCOMPARE(noticeText(), u"a.txt has changed on disk, and here too."_s);
@@ -225,11 +230,7 @@ void WatchedFilesTest::aModifiedDocumentStaysAndTheNoticeOffers()
 
 void WatchedFilesTest::reloadingTakesTheFile()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     state().notices().accept(0);
     settle();
     QCOMPARE(document().content(), u"another program's"_s);
@@ -243,11 +244,7 @@ void WatchedFilesTest::reloadingTakesTheFile()
 
 void WatchedFilesTest::whatIsTypedAfterReloadingStays()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     const QString changed = noticeText();
     state().notices().accept(0);
     QCOMPARE(noticeText(), QString());
@@ -265,11 +262,7 @@ void WatchedFilesTest::whatIsTypedAfterReloadingStays()
 
 void WatchedFilesTest::aReloadIsNotMadeUpForWhenTheTabIsOpenedAgain()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     const QString changed = noticeText();
     state().notices().accept(0);
     const std::shared_ptr<Document> closed = state().currentDocument();
@@ -284,11 +277,7 @@ void WatchedFilesTest::aReloadIsNotMadeUpForWhenTheTabIsOpenedAgain()
 
 void WatchedFilesTest::keepingMineIsKeptUntilTheNextChange()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     state().notices().accept(1);
     settle();
     QCOMPARE(document().content(), u"mine"_s);
@@ -313,11 +302,7 @@ void WatchedFilesTest::aModifiedDocumentThatGetsItsOwnTextIsNotToldOf()
 
 void WatchedFilesTest::anUndoneChangeTakesItsNoticeBack()
 {
-    state().openFile(fixture_->write(u"a.txt"_s, "old"));
-    settle();
-    document().setContent(u"mine"_s);
-    fixture_->write(u"a.txt"_s, "another program's");
-    settle();
+    changeInBoth();
     QVERIFY(!noticeText().isEmpty());
     fixture_->write(u"a.txt"_s, "old");
     settle();

@@ -25,7 +25,8 @@ const QByteArray othersList = "<?xml version='1.0' encoding='UTF-8'?>\n"
                               "      xmlns:mime='http://www.freedesktop.org/standards/shared-mime-info'>\n"
                               "  <bookmark href='file:///home/me/letter.odt' added='2026-01-02T03:04:05Z' "
                               "modified='2026-01-02T03:04:05Z' visited='2026-01-02T03:04:05Z'>\n"
-                              "    <title>A letter</title>\n"
+                              "    <title>A letter &amp; more</title>\n"
+                              "    <desc>To &lt;her&gt;</desc>\n"
                               "    <info>\n"
                               "      <metadata owner='http://freedesktop.org'>\n"
                               "        <mime:mime-type type='application/vnd.oasis.opendocument.text'/>\n"
@@ -36,6 +37,7 @@ const QByteArray othersList = "<?xml version='1.0' encoding='UTF-8'?>\n"
                               "          <bookmark:application name='Writer' exec='&apos;writer %u&apos;' "
                               "modified='2026-01-02T03:04:05Z' count='7'/>\n"
                               "        </bookmark:applications>\n"
+                              "        <bookmark:icon href='file:///icon.png' type='image/png'/>\n"
                               "        <bookmark:private/>\n"
                               "      </metadata>\n"
                               "    </info>\n"
@@ -137,7 +139,8 @@ void RecentlyUsedTest::whatOthersHaveNotedStays()
     const QString letter = entry(bytes, u"file:///home/me/letter.odt"_s);
     QVERIFY2(letter.contains(u"Writer 'writer %u' 7"_s), bytes.constData());
     QVERIFY2(letter.contains(ours + u"1"_s), bytes.constData());
-    for (const QByteArray kept : {"A letter", "Office", "bookmark:private", "added=\"2026-01-02T03:04:05"}) {
+    for (const QByteArray kept : {"A letter &amp; more", "To &lt;her&gt;", "icon.png", "Office", "bookmark:private",
+                                  "added=\"2026-01-02T03:04:05"}) {
         QVERIFY2(bytes.contains(kept), (kept + " in " + bytes).constData());
     }
     QVERIFY(!entry(bytes, u"file:///home/me/a.py"_s).isEmpty());

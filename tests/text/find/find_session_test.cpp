@@ -54,7 +54,6 @@ class FindSessionTest : public QObject
 
 private Q_SLOTS:
     void aShortTextIsSearchedAtOnce();
-    void anEmptyMatchAtTheEndCountsOnce();
     void aLongTextIsSearchedMeanwhile_data();
     void aLongTextIsSearchedMeanwhile();
     void editsDuringASearchLeaveTheMatchesOfAFreshOne_data();
@@ -85,18 +84,6 @@ void FindSessionTest::aShortTextIsSearchedAtOnce()
         fixture.storage.replace({0, 1}, u"");
         QCOMPARE(fixture.session.statusText(), QStringLiteral("1 of 2"));
         QCOMPARE(fixture.matches(), (std::vector<TextRange>{{2, 2}, {5, 2}}));
-    }
-}
-
-void FindSessionTest::anEmptyMatchAtTheEndCountsOnce()
-{
-    // With the last of the 10,000 places at which a pattern is tried for at once, and on either side of it.
-    for (const qsizetype length : {9'998, 9'999, 10'000}) {
-        Fixture fixture(QString(length, u'a'));
-        fixture.look(QStringLiteral("x*"), true);
-        QTRY_COMPARE(fixture.session.state(), State::complete);
-        QCOMPARE(fixture.session.matchCount(), length + 1);
-        QCOMPARE(fixture.session.statusText(), QStringLiteral("1 of %1").arg(length + 1));
     }
 }
 
